@@ -1,0 +1,164 @@
+#include "catalogue/catalogue.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <vector>
+
+#include "pexquo/pex.h"
+
+// Weak until every catalogued function exists.
+#define PEX_WEAK(symbol) extern "C" decltype(symbol) symbol __attribute__((weak));
+#define PEX_TIERED(Name, ...)                                                   \
+  PEX_WEAK(_pexd##Name##_26) PEX_WEAK(_pexd##Name##_50) PEX_WEAK(_pexd##Name##_HA) \
+  PEX_WEAK(_pexs##Name##_11) PEX_WEAK(_pexs##Name##_21) PEX_WEAK(_pexs##Name##_HA)
+#define PEX_PLAIN(Name, ...) PEX_WEAK(_pexd##Name) PEX_WEAK(_pexs##Name)
+#include "catalogue/functions.def"
+#undef PEX_TIERED
+#undef PEX_PLAIN
+
+namespace pex {
+namespace {
+
+#define PEX_TIERED(Name, shape_, ...) \
+  Function{.name = #Name, .shape = Shape::shape_, .tiered = true, __VA_ARGS__},
+#define PEX_PLAIN(Name, shape_, ...) \
+  Function{.name = #Name, .shape = Shape::shape_, .tiered = false, __VA_ARGS__},
+constexpr Function kFunctions[] = {
+#include "catalogue/functions.def"
+};
+#undef PEX_TIERED
+#undef PEX_PLAIN
+
+struct Exported {
+  std::string_view name;
+  char type;
+  Tier tier;
+  std::string_view symbol;
+  const void* address;
+};
+
+#define PEX_ONE(Name, type, tier, symbol) \
+  Exported{#Name, type, Tier::tier, #symbol, reinterpret_cast<const void*>(&symbol)},
+#define PEX_TIERED(Name, ...)             \
+  PEX_ONE(Name, 'd', EP, _pexd##Name##_26) \
+  PEX_ONE(Name, 'd', LA, _pexd##Name##_50) \
+  PEX_ONE(Name, 'd', HA, _pexd##Name##_HA) \
+  PEX_ONE(Name, 's', EP, _pexs##Name##_11) \
+  PEX_ONE(Name, 's', LA, _pexs##Name##_21) \
+  PEX_ONE(Name, 's', HA, _pexs##Name##_HA)
+#define PEX_PLAIN(Name, ...)             \
+  PEX_ONE(Name, 'd', Plain, _pexd##Name) \
+  PEX_ONE(Name, 's', Plain, _pexs##Name)
+
+std::vector<Entry> MakeEntries() {
+  const Exported exported[] = {
+#include "catalogue/functions.def"
+  };
+  std::vector<Entry> entries;
+  const Function* function = kFunctions;
+  for (const Exported& e : exported) {
+    while (function->name != e.name) ++function;
+    if (e.address == nullptr) continue;
+    entries.push_back({e.symbol, function, e.type, e.tier, e.address});
+  }
+  return entries;
+}
+
+bool SameName(std::string_view a, std::string_view b) {
+  return std::ranges::equal(a, b, [](unsigned char x, unsigned char y) {
+    return std::tolower(x) == std::tolower(y);
+  });
+}
+
+template <typename T>
+void CallAs(const Entry& e, int32_t n, const void* a, const void* b, void* r, void* r2) {
+  const auto* x = static_cast<const T*>(a);
+  const auto* y = static_cast<const T*>(b);
+  auto* z = static_cast<T*>(r);
+  auto* w = static_cast<T*>(r2);
+  switch (e.function->shape) {
+    case Shape::Unary:
+      reinterpret_cast<int (*)(int32_t, const T*, T*)>(e.address)(n, x, z);
+      return;
+    case Shape::Binary:
+      reinterpret_cast<int (*)(int32_t, const T*, const T*, T*)>(e.address)(n, x, y, z);
+      return;
+    case Shape::UnaryScalar:
+      reinterpret_cast<int (*)(int32_t, const T*, T, T*)>(e.address)(n, x, *y, z);
+      return;
+    case Shape::UnaryTwo:
+      reinterpret_cast<int (*)(int32_t, const T*, T*, T*)>(e.address)(n, x, z, w);
+      return;
+  }
+}
+
+}  // namespace
+
+double Entry::ulp_bound() const {
+  switch (tier) {
+    case Tier::HA: return precision().ha;
+    case Tier::LA: return precision().la;
+    case Tier::EP: return std::ldexp(1.0, (is_double() ? 53 : 24) - static_cast<int>(precision().ep_bits));
+    case Tier::Plain: break;
+  }
+  return 0.5;
+}
+
+void Entry::Call(int32_t n, const void* a, const void* b, void* r, void* r2) const {
+  if (is_double()) {
+    CallAs<double>(*this, n, a, b, r, r2);
+  } else {
+    CallAs<float>(*this, n, a, b, r, r2);
+  }
+}
+
+std::span<const Function> Functions() { return kFunctions; }
+
+std::span<const Entry> Entries() {
+  static const std::vector<Entry> entries = MakeEntries();
+  return entries;
+}
+
+const Function* FindFunction(std::string_view name) {
+  for (const Function& f : kFunctions) {
+    if (SameName(f.name, name)) return &f;
+  }
+  return nullptr;
+}
+
+const Entry* FindEntry(std::string_view name, char type, Tier tier) {
+  for (const Entry& e : Entries()) {
+    if (e.type == type && e.tier == tier && SameName(e.function->name, name)) return &e;
+  }
+  return nullptr;
+}
+
+const Entry* FindEntry(std::string_view symbol) {
+  for (const Entry& e : Entries()) {
+    if (e.symbol == symbol) return &e;
+  }
+  return nullptr;
+}
+
+}  // namespace pex
+
+namespace quo {
+namespace {
+
+#define QUO_GENERATOR(name, id, members, what) {#name, id, members, what},
+constexpr Generator kGenerators[] = {
+#include "catalogue/generators.def"
+};
+
+#define QUO_DISTRIBUTION(name, symbols, parameters, what) {#name, symbols, parameters, what},
+constexpr Distribution kDistributions[] = {
+#include "catalogue/distributions.def"
+};
+
+}  // namespace
+
+std::span<const Generator> Generators() { return kGenerators; }
+std::span<const Distribution> Distributions() { return kDistributions; }
+
+}  // namespace quo

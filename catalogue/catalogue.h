@@ -1,0 +1,101 @@
+// The catalogue in code: functions and their entries, built from catalogue/*.def.
+#ifndef CATALOGUE_CATALOGUE_H_
+#define CATALOGUE_CATALOGUE_H_
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace pex {
+
+enum class Shape { Unary, Binary, UnaryScalar, UnaryTwo };
+constexpr int ArgumentCount(Shape s) {
+  return s == Shape::Binary || s == Shape::UnaryScalar ? 2 : 1;
+}
+constexpr int ResultCount(Shape s) { return s == Shape::UnaryTwo ? 2 : 1; }
+
+enum class Tier { Plain, EP, LA, HA };
+constexpr std::string_view TierName(Tier t) {
+  constexpr std::string_view kNames[] = {"plain", "ep", "la", "ha"};
+  return kNames[static_cast<int>(t)];
+}
+
+struct Range {
+  double lo = 0, hi = 0;
+};
+
+inline constexpr int kMaxMarks = 12;
+
+// What a function promises in one precision.
+struct Precision {
+  double ha = 0;       // largest error of the HA entry, ulp
+  double la = 0;       // largest error of the LA entry, ulp
+  double ep_bits = 0;  // least number of correct bits of the EP entry
+  Range typical{};     // first argument
+  Range typical2{};    // second argument, where there is one; {0, 0}: as the first
+  std::array<double, kMaxMarks> marks{};  // points to visit closely
+};
+
+struct Function {
+  std::string_view name;  // "Exp"
+  Shape shape{};
+  bool tiered = false;
+  std::string_view group{};
+  std::string_view formula{};  // with a, b for the arguments
+  std::string_view notes{};    // domain, special values, status codes
+  Precision d{}, s{};
+};
+
+// One exported entry.
+struct Entry {
+  std::string_view symbol;  // "_pexdExp_HA"
+  const Function* function = nullptr;
+  char type = 'd';  // d or s
+  Tier tier{};
+  const void* address = nullptr;
+
+  bool is_double() const { return type == 'd'; }
+  const Precision& precision() const { return is_double() ? function->d : function->s; }
+  // The bound on the error in ulp; 0.5 where the result is exact or correctly rounded. For EP,
+  // 2^(p - bits) with p the precision of the type.
+  double ulp_bound() const;
+
+  // The entry's call by its shape; arrays of double or float by `type`. Shapes without a second
+  // argument or result ignore it. A UnaryScalar entry takes its second argument from b[0].
+  void Call(int32_t n, const void* a, const void* b, void* r, void* r2) const;
+};
+
+std::span<const Function> Functions();
+std::span<const Entry> Entries();
+// Null where there is none. Names compare without regard to case.
+const Function* FindFunction(std::string_view name);
+const Entry* FindEntry(std::string_view name, char type, Tier tier);
+const Entry* FindEntry(std::string_view symbol);
+
+}  // namespace pex
+
+namespace quo {
+
+// One generator of the registry.
+struct Generator {
+  std::string_view name;  // "MCG31M1"
+  int32_t id = 0;         // new-scheme identifier of member 0
+  int32_t members = 1;
+  std::string_view what;
+};
+
+// One distribution.
+struct Distribution {
+  std::string_view name;        // "uniform"
+  std::string_view symbols;     // its entries
+  std::string_view parameters;  // "a b"
+  std::string_view what;
+};
+
+std::span<const Generator> Generators();
+std::span<const Distribution> Distributions();
+
+}  // namespace quo
+
+#endif  // CATALOGUE_CATALOGUE_H_

@@ -1,0 +1,106 @@
+/* pexquo: elementwise mathematical functions over arrays, with the same bits on every processor.
+ *
+ * Every function takes the number of elements first, then the argument arrays in mathematical order,
+ * then the result arrays; results may overwrite arguments. A count of 0 or less does nothing.
+ * Special elements are reported one by one through the calling thread's mode, status and callback.
+ * The functions themselves are declared in pexquo/pex_functions.h, which this header includes. */
+#ifndef PEXQUO_PEX_H_
+#define PEXQUO_PEX_H_
+
+#include <stdint.h>
+
+#if defined(__GNUC__)
+#define PEXQUO_API __attribute__((visibility("default")))
+#else
+#define PEXQUO_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- The mode word of a thread: accuracy, error mode and a field of the calling layer. ---- */
+
+#define PEX_MODE_DEFAULT 0x1A02u
+#define PEX_MODE_ACCURACY 0xFu       /* mask: what the calling layer selects, 2 at first */
+#define PEX_MODE_ERRORS 0xFF00u      /* mask: how an element error is reported */
+#define PEX_MODE_THIRD 0x30000u      /* mask: stored and returned only */
+#define PEX_ERRMODE_IGNORE 0x100u    /* alone: record the status, do nothing else */
+#define PEX_ERRMODE_ERRNO 0x200u     /* set errno */
+#define PEX_ERRMODE_STDERR 0x400u    /* print a message */
+#define PEX_ERRMODE_EXCEPT 0x800u    /* raise the floating-point exception flag of the error */
+#define PEX_ERRMODE_CALLBACK 0x1000u /* call the callback */
+
+/* ---- Status codes of vector math. ---- */
+
+#define PEX_STATUS_OK 0
+#define PEX_STATUS_DOMAIN 1      /* argument outside the domain; errno EDOM, flag invalid */
+#define PEX_STATUS_SINGULARITY 2 /* pole; errno ERANGE, flag divide-by-zero */
+#define PEX_STATUS_OVERFLOW 3    /* errno ERANGE, no flag from the error mode */
+#define PEX_STATUS_UNDERFLOW 4   /* errno ERANGE, flag underflow */
+#define PEX_STATUS_BAD_SIZE (-1) /* errno EINVAL */
+#define PEX_STATUS_BAD_MEM (-2)  /* errno EACCES */
+
+/* What a callback is shown of one special element. Single-precision values are widened. The results
+ * may be changed: they are written back to the arrays unless the callback returns non-zero. The
+ * record is gone when the callback returns. For codes -1 and -2 the four values are unset. */
+typedef struct PexErrorContext {
+  int32_t code;          /* status code */
+  int32_t index;         /* index of the element, in the whole vector where its base is known */
+  double arg1;           /* first argument */
+  double arg2;           /* second argument; equals arg1 where there is one */
+  double res1;           /* first result */
+  double res2;           /* second result; equals res1 where there is one */
+  char func_name[64];    /* public name; ends with NUL unless it has 64 characters */
+  int32_t func_name_len; /* characters in func_name, 0 to 64 */
+} PexErrorContext;
+
+/* Non-zero: the element is dealt with; no standard handling and no write-back follow. */
+typedef int (*PexErrorCallBack)(PexErrorContext* record);
+
+/* ---- Mode, status and callback of the calling thread. ---- */
+
+/* The mode word; PEX_MODE_DEFAULT at first. */
+PEXQUO_API uint32_t _pexGetMode(void);
+/* Replaces each of the three fields that has a bit set in `mode`; returns the previous word. */
+PEXQUO_API uint32_t _pexSetMode(uint32_t mode);
+/* The code of the last special element, until it is cleared. */
+PEXQUO_API int32_t _pexGetErrStatus(void);
+/* Stores any code; returns the previous one. */
+PEXQUO_API int32_t _pexSetErrStatus(int32_t status);
+/* Stores 0; returns the previous code. */
+PEXQUO_API int32_t _pexClearErrStatus(void);
+PEXQUO_API PexErrorCallBack _pexGetErrorCallBack(void);
+/* Stores the callback and switches PEX_ERRMODE_CALLBACK on, or off for a null pointer (it stays on
+ * where it is the only bit of the error mode); returns the previous callback. */
+PEXQUO_API PexErrorCallBack _pexSetErrorCallBack(PexErrorCallBack cb);
+/* _pexSetErrorCallBack(NULL). */
+PEXQUO_API PexErrorCallBack _pexClearErrorCallBack(void);
+/* Where the caller's whole input vector begins, so that a call on a part of it reports indices in
+ * the whole; NULL for none. Returns its argument. */
+PEXQUO_API const void* _pexSetInterfInputVectorPointer(const void* base);
+/* The processor generation of this build of the kernels: 3. */
+PEXQUO_API int dll_cpu_version(void);
+
+/* ---- Reporting one element. ---- */
+
+/* Records the status, and by the thread's mode calls the callback, sets errno, prints, raises flags;
+ * then writes the record's results back to r2[index] and r1[index]. One-argument functions pass the
+ * same array twice, and so do one-result functions. The returned value has no meaning. */
+PEXQUO_API int _pexdError(int32_t code, int32_t index, const double* a1, const double* a2,
+                          double* r1, double* r2, const char* name);
+PEXQUO_API int _pexsError(int32_t code, int32_t index, const float* a1, const float* a2, float* r1,
+                          float* r2, const char* name);
+/* The standard handling alone: errno, message and flags by the thread's mode. */
+PEXQUO_API int _pexStdErrorHandler(PexErrorContext* record);
+/* Copies `first`, then `second` with its terminator, to `dest`; returns the length of both. */
+PEXQUO_API int kro_pex_service_strcat1(const char* first, const char* second, char* dest);
+/* The number of characters before the terminator. */
+PEXQUO_API int kro_pex_service_strlen1(const char* s);
+
+#include "pexquo/pex_functions.h"
+
+#ifdef __cplusplus
+}
+#endif
+#endif /* PEXQUO_PEX_H_ */

@@ -1,0 +1,269 @@
+// The drivers of elementwise functions: groups of vectors with one test for rare lanes, rare lanes
+// one by one in order, tails by masks, results over arguments, error reports.
+//
+// A kernel is a struct derived from Kernel<T, Compute> with
+//   IsRare(d, x...)        mask of the lanes that Main does not handle;
+//   Main(d, x...)          the result of common lanes; (d, x, r1, r2) where there are two results;
+//   Rare(x..., T* r...)    a scalar routine: the result of one rare element; returns its status code.
+// In HWY_NAMESPACE a kernel K gets its entry's body by PEX_UNARY(double, dExp_50, dExpLA) and so on.
+
+#include <cstdint>
+
+#include "hwy/highway.h"
+#include "pex_core/_kernel/export.h"
+#include "pex_core/errors/pex_errors.h"
+
+#if defined(PEX_CORE__KERNEL_ELEMENTWISE_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__KERNEL_ELEMENTWISE_INL_H_
+#undef PEX_CORE__KERNEL_ELEMENTWISE_INL_H_
+#else
+#define PEX_CORE__KERNEL_ELEMENTWISE_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// What a kernel says of itself. Compute is the type that a vector register holds while it computes:
+// a single-precision kernel that computes in double works on as many elements as there are doubles.
+template <typename Element, typename Compute = Element>
+struct Kernel {
+  using T = Element;
+  using Tag = hn::Rebind<Element, hn::ScalableTag<Compute>>;
+  static constexpr int kArguments = 1;
+  static constexpr int kResults = 1;
+  static constexpr int kUnroll = 4;      // vectors per group
+  static constexpr T kHarmless = T(1);   // stands in for rare lanes and for lanes beyond the end
+};
+
+template <class D>
+using VecOf = hn::Vec<D>;
+template <class D>
+using MaskOf = hn::Mask<D>;
+
+// The first `count` elements, 0 < count < Lanes(d), and `fill` in the other lanes. Reads no further.
+template <class D, typename T = hn::TFromD<D>>
+HWY_INLINE VecOf<D> LoadFirst(D d, const T* HWY_RESTRICT from, size_t count, T fill) {
+#if HWY_TARGET == HWY_SSE4  // its masked load reads the whole vector
+  HWY_ALIGN T lanes[hn::MaxLanes(D())];
+  for (size_t i = 0; i < hn::MaxLanes(D()); ++i) lanes[i] = i < count ? from[i] : fill;
+  return hn::Load(d, lanes);
+#else
+  const auto mask = hn::FirstN(d, count);
+  return hn::IfThenElse(mask, hn::MaskedLoad(mask, d, from), hn::Set(d, fill));
+#endif
+}
+
+// An argument or result array; a scalar argument is the same in every lane.
+template <typename T>
+struct ArraySource {
+  const T* p;
+  template <class D>
+  HWY_INLINE VecOf<D> Load(D d, size_t i) const {
+    return hn::LoadU(d, p + i);
+  }
+  template <class D>
+  HWY_INLINE VecOf<D> LoadTail(D d, size_t i, size_t count, T fill) const {
+    return LoadFirst(d, p + i, count, fill);
+  }
+};
+
+template <typename T>
+struct ScalarSource {
+  T value;
+  template <class D>
+  HWY_INLINE VecOf<D> Load(D d, size_t) const {
+    return hn::Set(d, value);
+  }
+  template <class D>
+  HWY_INLINE VecOf<D> LoadTail(D d, size_t, size_t, T) const {
+    return hn::Set(d, value);
+  }
+};
+
+// One call: where the arguments come from and the results go. One-argument kernels have the same
+// source twice, one-result kernels the same array twice.
+template <class K, class A, class B>
+struct Call {
+  using T = typename K::T;
+  A a;
+  B b;
+  const T* args;  // first argument array, for error records
+  T* r1;
+  T* r2;
+  const char* name;
+};
+
+template <class K, class D, class V>
+HWY_INLINE MaskOf<D> RareLanes(D d, V x, V y) {
+  if constexpr (K::kArguments == 2) {
+    return K::IsRare(d, x, y);
+  } else {
+    return K::IsRare(d, x);
+  }
+}
+
+template <class K, class D, class V>
+HWY_INLINE void Compute(D d, V x, V y, V& r1, V& r2) {
+  if constexpr (K::kResults == 2) {
+    K::Main(d, x, r1, r2);
+  } else if constexpr (K::kArguments == 2) {
+    r1 = K::Main(d, x, y);
+  } else {
+    r1 = K::Main(d, x);
+  }
+}
+
+template <class K, typename T>
+HWY_INLINE int RareElement(T x, T y, T* r1, T* r2) {
+  if constexpr (K::kResults == 2) {
+    return K::Rare(x, r1, r2);
+  } else if constexpr (K::kArguments == 2) {
+    return K::Rare(x, y, r1);
+  } else {
+    return K::Rare(x, r1);
+  }
+}
+
+// One vector that may have rare lanes, or be the last, of `count` elements. Its arguments are kept,
+// for its results may overwrite them.
+template <class K, class C>
+HWY_NOINLINE void CarefulVector(const C& call, size_t i, size_t count) {
+  using T = typename K::T;
+  const typename K::Tag d;
+  const size_t lanes = hn::Lanes(d);
+  const bool whole = count == lanes;
+  auto x = whole ? call.a.Load(d, i) : call.a.LoadTail(d, i, count, K::kHarmless);
+  auto y = x;
+  if constexpr (K::kArguments == 2) {
+    y = whole ? call.b.Load(d, i) : call.b.LoadTail(d, i, count, K::kHarmless);
+  }
+  auto rare = RareLanes<K>(d, x, y);
+  if constexpr (K::kArguments == 2) {  // a scalar argument fills the lanes beyond the end too
+    if (!whole) rare = hn::And(rare, hn::FirstN(d, count));
+  }
+  const bool any = !hn::AllFalse(d, rare);
+
+  HWY_ALIGN T xs[hn::MaxLanes(typename K::Tag())];
+  HWY_ALIGN T ys[hn::MaxLanes(typename K::Tag())];
+  if (any) {
+    const auto harmless = hn::Set(d, K::kHarmless);
+    hn::Store(x, d, xs);
+    x = hn::IfThenElse(rare, harmless, x);
+    if constexpr (K::kArguments == 2) {
+      hn::Store(y, d, ys);
+      y = hn::IfThenElse(rare, harmless, y);
+    }
+  }
+  auto v1 = x, v2 = x;
+  Compute<K>(d, x, y, v1, v2);
+  if (whole) {
+    hn::StoreU(v1, d, call.r1 + i);
+    if constexpr (K::kResults == 2) hn::StoreU(v2, d, call.r2 + i);
+  } else {
+    const auto mask = hn::FirstN(d, count);
+    hn::BlendedStore(v1, mask, d, call.r1 + i);
+    if constexpr (K::kResults == 2) hn::BlendedStore(v2, mask, d, call.r2 + i);
+  }
+  if (!any) return;
+
+  uint8_t bits[8] = {};
+  hn::StoreMaskBits(d, rare, bits);
+  for (size_t lane = 0; lane < count; ++lane) {
+    if (!(bits[lane / 8] >> (lane % 8) & 1)) continue;
+    const T arg1 = xs[lane];
+    const T arg2 = K::kArguments == 2 ? ys[lane] : arg1;
+    T* const r1 = call.r1 + i + lane;
+    T* const r2 = call.r2 + i + lane;
+    if (const int code = RareElement<K>(arg1, arg2, r1, r2)) {
+      ReportError<T>(code, static_cast<int32_t>(i + lane), call.args, {arg1, arg2, r1, r2},
+                     call.name);
+    }
+  }
+}
+
+// One group of kUnroll vectors; false, with nothing done, when some lane is rare.
+template <class K, class C>
+HWY_INLINE bool CommonGroup(const C& call, size_t i) {
+  const typename K::Tag d;
+  using V = VecOf<typename K::Tag>;
+  const size_t lanes = hn::Lanes(d);
+  V x[K::kUnroll], y[K::kUnroll];
+  for (int k = 0; k < K::kUnroll; ++k) {
+    x[k] = call.a.Load(d, i + k * lanes);
+    y[k] = K::kArguments == 2 ? call.b.Load(d, i + k * lanes) : x[k];
+  }
+  auto rare = RareLanes<K>(d, x[0], y[0]);
+  for (int k = 1; k < K::kUnroll; ++k) rare = hn::Or(rare, RareLanes<K>(d, x[k], y[k]));
+  if (HWY_UNLIKELY(!hn::AllFalse(d, rare))) return false;
+  for (int k = 0; k < K::kUnroll; ++k) {
+    V v1 = x[k], v2 = x[k];
+    Compute<K>(d, x[k], y[k], v1, v2);
+    x[k] = v1;
+    y[k] = v2;
+  }
+  for (int k = 0; k < K::kUnroll; ++k) {
+    hn::StoreU(x[k], d, call.r1 + i + k * lanes);
+    if constexpr (K::kResults == 2) hn::StoreU(y[k], d, call.r2 + i + k * lanes);
+  }
+  return true;
+}
+
+template <class K, class C>
+HWY_INLINE int RunCall(int32_t n, const C& call) {
+  const typename K::Tag d;
+  const size_t lanes = hn::Lanes(d);
+  const size_t group = K::kUnroll * lanes;
+  const size_t end = n > 0 ? static_cast<size_t>(n) : 0;
+  size_t i = 0;
+  for (; i + group <= end; i += group) {
+    if (HWY_LIKELY(CommonGroup<K>(call, i))) continue;
+    for (size_t k = 0; k < group; k += lanes) CarefulVector<K>(call, i + k, lanes);
+  }
+  for (; i < end; i += lanes) CarefulVector<K>(call, i, HWY_MIN(lanes, end - i));
+  return 0;
+}
+
+template <class K, typename T = typename K::T>
+HWY_INLINE int MapUnary(int32_t n, const T* a, T* r, const char* name) {
+  const ArraySource<T> in{a};
+  return RunCall<K>(n, Call<K, ArraySource<T>, ArraySource<T>>{in, in, a, r, r, name});
+}
+
+template <class K, typename T = typename K::T>
+HWY_INLINE int MapBinary(int32_t n, const T* a, const T* b, T* r, const char* name) {
+  return RunCall<K>(n, Call<K, ArraySource<T>, ArraySource<T>>{{a}, {b}, a, r, r, name});
+}
+
+template <class K, typename T = typename K::T>
+HWY_INLINE int MapUnaryScalar(int32_t n, const T* a, T b, T* r, const char* name) {
+  return RunCall<K>(n, Call<K, ArraySource<T>, ScalarSource<T>>{{a}, {b}, a, r, r, name});
+}
+
+template <class K, typename T = typename K::T>
+HWY_INLINE int MapUnaryTwo(int32_t n, const T* a, T* r1, T* r2, const char* name) {
+  const ArraySource<T> in{a};
+  return RunCall<K>(n, Call<K, ArraySource<T>, ArraySource<T>>{in, in, a, r1, r2, name});
+}
+
+// The bodies that PEX_EXPORT_* dispatches to.
+#define PEX_UNARY(T, body, K) \
+  int body(int32_t n, const T* a, T* r) { return MapUnary<K>(n, a, r, _PEX_THISFUNC_NAME); }
+#define PEX_BINARY(T, body, K)                               \
+  int body(int32_t n, const T* a, const T* b, T* r) {        \
+    return MapBinary<K>(n, a, b, r, _PEX_THISFUNC_NAME);     \
+  }
+#define PEX_UNARY_SCALAR(T, body, K)                         \
+  int body(int32_t n, const T* a, T b, T* r) {               \
+    return MapUnaryScalar<K>(n, a, b, r, _PEX_THISFUNC_NAME); \
+  }
+#define PEX_UNARY_TWO(T, body, K)                            \
+  int body(int32_t n, const T* a, T* r1, T* r2) {            \
+    return MapUnaryTwo<K>(n, a, r1, r2, _PEX_THISFUNC_NAME); \
+  }
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__KERNEL_ELEMENTWISE_INL_H_

@@ -1,0 +1,98 @@
+// Exact sums and products, and double-double arithmetic on them: the same bits with and without
+// fused operations.
+//
+// A pair (hi, lo) stands for hi + lo with |lo| at most half an ulp of hi. The theorems hold to
+// nearest, without overflow, and for products without underflow of the error term.
+
+#include "hwy/highway.h"
+
+#if defined(PEX_CORE__KERNEL_EXACT_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__KERNEL_EXACT_INL_H_
+#undef PEX_CORE__KERNEL_EXACT_INL_H_
+#else
+#define PEX_CORE__KERNEL_EXACT_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+template <class V>
+struct Pair {
+  V hi, lo;
+};
+
+// a + b = hi + lo exactly, for |a| >= |b| or a = 0 (Dekker 1971).
+template <class V>
+HWY_INLINE Pair<V> FastTwoSum(V a, V b) {
+  const V hi = hn::Add(a, b);
+  return {hi, hn::Sub(b, hn::Sub(hi, a))};
+}
+
+// a + b = hi + lo exactly, for any order (Knuth).
+template <class V>
+HWY_INLINE Pair<V> TwoSum(V a, V b) {
+  const V hi = hn::Add(a, b);
+  const V t = hn::Sub(hi, a);
+  return {hi, hn::Add(hn::Sub(a, hn::Sub(hi, t)), hn::Sub(b, t))};
+}
+
+// x = hi + lo with both halves of at most 26 bits (of a float: 12), so that products of halves are
+// exact (Veltkamp). |x| must stay below the largest number times 2^-28 (2^-13).
+template <class D, class V>
+HWY_INLINE Pair<V> SplitHalves(D d, V x) {
+  using T = hn::TFromD<D>;
+  constexpr T kSplitter = sizeof(T) == 8 ? T(134217729) : T(4097);  // 2^27 + 1, 2^12 + 1
+  const V c = hn::Mul(x, hn::Set(d, kSplitter));
+  const V hi = hn::Sub(c, hn::Sub(c, x));
+  return {hi, hn::Sub(x, hi)};
+}
+
+// a * b = hi + lo exactly (Dekker 1971).
+template <class D, class V>
+HWY_INLINE Pair<V> TwoProduct(D d, V a, V b) {
+  const V hi = hn::Mul(a, b);
+#if HWY_TARGET == HWY_SSE4
+  const Pair<V> x = SplitHalves(d, a), y = SplitHalves(d, b);
+  const V err1 = hn::Sub(hi, hn::Mul(x.hi, y.hi));
+  const V err2 = hn::Sub(err1, hn::Mul(x.lo, y.hi));
+  const V err3 = hn::Sub(err2, hn::Mul(x.hi, y.lo));
+  return {hi, hn::Sub(hn::Mul(x.lo, y.lo), err3)};
+#else
+  (void)d;
+  return {hi, hn::MulSub(a, b, hi)};  // exact: the error of a product is representable
+#endif
+}
+
+// (a.hi + a.lo) + b, to about twice the working precision; |a.hi| >= |b| or a.hi = 0.
+template <class V>
+HWY_INLINE Pair<V> AddFast(Pair<V> a, V b) {
+  const Pair<V> s = FastTwoSum(a.hi, b);
+  return FastTwoSum(s.hi, hn::Add(s.lo, a.lo));
+}
+
+// The sum of two pairs, to about twice the working precision, in any order.
+template <class V>
+HWY_INLINE Pair<V> Add(Pair<V> a, Pair<V> b) {
+  const Pair<V> s = TwoSum(a.hi, b.hi);
+  return FastTwoSum(s.hi, hn::Add(s.lo, hn::Add(a.lo, b.lo)));
+}
+
+// The product of a pair and a number, and of two pairs, to about twice the working precision.
+template <class D, class V>
+HWY_INLINE Pair<V> Mul(D d, Pair<V> a, V b) {
+  const Pair<V> p = TwoProduct(d, a.hi, b);
+  return FastTwoSum(p.hi, hn::Add(p.lo, hn::Mul(a.lo, b)));
+}
+
+template <class D, class V>
+HWY_INLINE Pair<V> Mul(D d, Pair<V> a, Pair<V> b) {
+  const Pair<V> p = TwoProduct(d, a.hi, b.hi);
+  return FastTwoSum(p.hi, hn::Add(p.lo, hn::Add(hn::Mul(a.hi, b.lo), hn::Mul(a.lo, b.hi))));
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__KERNEL_EXACT_INL_H_

@@ -1,0 +1,28 @@
+// Exported entries: the caller's floating-point control is put aside, then the call goes to the body
+// compiled for the processor's vector level. The body is reached through a pointer, so no arithmetic
+// of it moves across the change of control.
+//
+// Used under HWY_ONCE inside namespace pex, once for each body defined in HWY_NAMESPACE.
+#ifndef PEX_CORE__KERNEL_EXPORT_H_
+#define PEX_CORE__KERNEL_EXPORT_H_
+
+#include "pex_core/_kernel/control.h"
+#include "pexquo/pex.h"
+
+#define PEX_EXPORT_BODY(body, parameters, arguments)             \
+  HWY_EXPORT(body);                                              \
+  extern "C" PEXQUO_API int _pex##body parameters {              \
+    const ControlGuard guard;                                    \
+    return HWY_DYNAMIC_DISPATCH(body) arguments;                 \
+  }
+
+#define PEX_EXPORT_UNARY(T, body) \
+  PEX_EXPORT_BODY(body, (int32_t n, const T* a, T* r), (n, a, r))
+#define PEX_EXPORT_BINARY(T, body) \
+  PEX_EXPORT_BODY(body, (int32_t n, const T* a, const T* b, T* r), (n, a, b, r))
+#define PEX_EXPORT_UNARY_SCALAR(T, body) \
+  PEX_EXPORT_BODY(body, (int32_t n, const T* a, T b, T* r), (n, a, b, r))
+#define PEX_EXPORT_UNARY_TWO(T, body) \
+  PEX_EXPORT_BODY(body, (int32_t n, const T* a, T* r1, T* r2), (n, a, r1, r2))
+
+#endif  // PEX_CORE__KERNEL_EXPORT_H_

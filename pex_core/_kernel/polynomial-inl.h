@@ -1,0 +1,43 @@
+// Polynomials with the order of operations written out. Coefficients come lowest first.
+
+#include <cstddef>
+
+#include "hwy/highway.h"
+
+#if defined(PEX_CORE__KERNEL_POLYNOMIAL_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__KERNEL_POLYNOMIAL_INL_H_
+#undef PEX_CORE__KERNEL_POLYNOMIAL_INL_H_
+#else
+#define PEX_CORE__KERNEL_POLYNOMIAL_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// c[0] + x (c[1] + x (c[2] + ...)): the fewest operations.
+template <class D, class V, size_t N>
+HWY_INLINE V Horner(D d, V x, const hn::TFromD<D> (&c)[N]) {
+  V p = hn::Set(d, c[N - 1]);
+  for (size_t i = N - 1; i-- > 0;) p = hn::Add(hn::Mul(p, x), hn::Set(d, c[i]));
+  return p;
+}
+
+// Pairs (c[0] + c[1] x) + x^2 ((c[2] + c[3] x) + x^2 ...): half the latency.
+template <class D, class V, size_t N>
+HWY_INLINE V EvenOdd(D d, V x, V x2, const hn::TFromD<D> (&c)[N]) {
+  constexpr size_t kTop = (N - 1) / 2 * 2;  // index of the highest pair
+  const auto pair = [&](size_t i) HWY_ATTR {
+    const V low = hn::Set(d, c[i]);
+    return i + 1 < N ? hn::Add(hn::Mul(hn::Set(d, c[i + 1]), x), low) : low;
+  };
+  V p = pair(kTop);
+  for (size_t i = kTop; i >= 2; i -= 2) p = hn::Add(hn::Mul(p, x2), pair(i - 2));
+  return p;
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__KERNEL_POLYNOMIAL_INL_H_

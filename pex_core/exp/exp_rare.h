@@ -1,0 +1,16 @@
+// The scalar exponentials: whole domain, special values and errors.
+#ifndef PEX_CORE_EXP_EXP_RARE_H_
+#define PEX_CORE_EXP_EXP_RARE_H_
+
+namespace pex {
+
+// e^x with an error below 0.53 ulp, subnormal results rounded once; returns the status code:
+// 3 overflow (inf), 4 underflow (subnormal or 0), 0 otherwise.
+int dExpScalar(double x, double* r);
+
+// The same algorithm on the widened argument, rounded to single precision.
+int sExpScalar(float x, float* r);
+
+}  // namespace pex
+
+#endif  // PEX_CORE_EXP_EXP_RARE_H_
