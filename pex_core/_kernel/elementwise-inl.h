@@ -2,7 +2,8 @@
 // one by one in order, tails by masks, results over arguments, error reports.
 //
 // A kernel is a struct derived from Kernel<T, Compute> with
-//   IsRare(d, x...)        mask of the lanes that Main does not handle;
+//   Rarity                 a test of bits-inl.h for the lanes that Main does not handle, or instead
+//   IsRare(d, x...)        their mask;
 //   Main(d, x...)          the result of common lanes; (d, x, r1, r2) where there are two results;
 //   Rare(x..., T* r...)    a scalar routine: the result of one rare element; returns its status code.
 // In HWY_NAMESPACE a kernel K gets its entry's body by PEX_UNARY(double, dExp_50, dExpLA) and so on.
@@ -10,6 +11,7 @@
 #include <cstdint>
 
 #include "hwy/highway.h"
+#include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/export.h"
 #include "pex_core/errors/pex_errors.h"
 
@@ -95,12 +97,33 @@ struct Call {
   const char* name;
 };
 
+template <class K>
+inline constexpr bool HasRarity = requires { typename K::Rarity; };
+
 template <class K, class D, class V>
 HWY_INLINE MaskOf<D> RareLanes(D d, V x, V y) {
   if constexpr (K::kArguments == 2) {
     return K::IsRare(d, x, y);
+  } else if constexpr (HasRarity<K>) {
+    // Select asks for whole lanes of ones.
+    const auto above = KeyAbove(d, K::Rarity::Key(d, x), K::Rarity::kLimit);
+    return hn::RebindMask(d, hn::Lt(Bits(d, hn::VecFromMask(d, above)), SetBits(d, 0)));
   } else {
     return K::IsRare(d, x);
+  }
+}
+
+// Whether a group of vectors has a rare lane.
+template <class K, int kVectors, class D, class V>
+HWY_INLINE bool AnyRare(D d, const V* x, const V* y) {
+  if constexpr (HasRarity<K>) {
+    auto key = K::Rarity::Key(d, x[0]);
+    for (int k = 1; k < kVectors; ++k) key = JoinKeys(d, key, K::Rarity::Key(d, x[k]));
+    return !hn::AllFalse(d, KeyAbove(d, key, K::Rarity::kLimit));
+  } else {
+    auto rare = RareLanes<K>(d, x[0], y[0]);
+    for (int k = 1; k < kVectors; ++k) rare = hn::Or(rare, RareLanes<K>(d, x[k], y[k]));
+    return !hn::AllFalse(d, rare);
   }
 }
 
@@ -183,27 +206,25 @@ HWY_NOINLINE void CarefulVector(const C& call, size_t i, size_t count) {
   }
 }
 
-// One group of kUnroll vectors; false, with nothing done, when some lane is rare.
-template <class K, class C>
+// One group of vectors; false, with nothing done, when some lane is rare.
+template <class K, int kVectors, class C>
 HWY_INLINE bool CommonGroup(const C& call, size_t i) {
   const typename K::Tag d;
   using V = VecOf<typename K::Tag>;
   const size_t lanes = hn::Lanes(d);
-  V x[K::kUnroll], y[K::kUnroll];
-  for (int k = 0; k < K::kUnroll; ++k) {
+  V x[kVectors], y[kVectors];
+  for (int k = 0; k < kVectors; ++k) {
     x[k] = call.a.Load(d, i + k * lanes);
     y[k] = K::kArguments == 2 ? call.b.Load(d, i + k * lanes) : x[k];
   }
-  auto rare = RareLanes<K>(d, x[0], y[0]);
-  for (int k = 1; k < K::kUnroll; ++k) rare = hn::Or(rare, RareLanes<K>(d, x[k], y[k]));
-  if (HWY_UNLIKELY(!hn::AllFalse(d, rare))) return false;
-  for (int k = 0; k < K::kUnroll; ++k) {
+  if (AnyRare<K, kVectors>(d, x, y)) [[unlikely]] return false;
+  for (int k = 0; k < kVectors; ++k) {
     V v1 = x[k], v2 = x[k];
     Compute<K>(d, x[k], y[k], v1, v2);
     x[k] = v1;
     y[k] = v2;
   }
-  for (int k = 0; k < K::kUnroll; ++k) {
+  for (int k = 0; k < kVectors; ++k) {
     hn::StoreU(x[k], d, call.r1 + i + k * lanes);
     if constexpr (K::kResults == 2) hn::StoreU(y[k], d, call.r2 + i + k * lanes);
   }
@@ -218,10 +239,13 @@ HWY_INLINE int RunCall(int32_t n, const C& call) {
   const size_t end = n > 0 ? static_cast<size_t>(n) : 0;
   size_t i = 0;
   for (; i + group <= end; i += group) {
-    if (HWY_LIKELY(CommonGroup<K>(call, i))) continue;
+    if (CommonGroup<K, K::kUnroll>(call, i)) [[likely]] continue;
     for (size_t k = 0; k < group; k += lanes) CarefulVector<K>(call, i + k, lanes);
   }
-  for (; i < end; i += lanes) CarefulVector<K>(call, i, HWY_MIN(lanes, end - i));
+  for (; i + lanes <= end; i += lanes) {
+    if (!CommonGroup<K, 1>(call, i)) [[unlikely]] CarefulVector<K>(call, i, lanes);
+  }
+  if (i < end) CarefulVector<K>(call, i, end - i);
   return 0;
 }
 

@@ -4,7 +4,9 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/exp_tables.h"
+#include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/_kernel/polynomial-inl.h"
 #include "pex_core/exp/exp_rare.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -12,77 +14,123 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdExp";
 
-// Whether the high word of |x| is above `limit`: too large a number, an infinity or a NaN.
-template <class D, class V>
-HWY_INLINE MaskOf<D> HighWordAbove(D d, V x, int64_t limit) {
-  const hn::RebindToSigned<D> di;
-  const auto bits = hn::BitCast(di, hn::Abs(x));
-  return hn::RebindMask(d, hn::Gt(bits, hn::Set(di, (limit << 32) | 0xFFFFFFFF)));
-}
+// x = k ln2/2^kSteps + r, |r| <= ln2/2^(kSteps+1).
+template <class D>
+struct ExpReduced {
+  BitsOf<D> k;  // in the low bits of each lane; other bits are of no use
+  VecOf<D> kd, x;
+};
 
+// Adding 2^-300 changes no x above 2^-246, and the result of no smaller one; it keeps the products of
+// tiny numbers from underflow.
 template <class D, class V>
-HWY_INLINE V LookUp(D d, const double* table, hn::Vec<hn::RebindToSigned<D>> index) {
-  return hn::GatherIndex(d, table, index);
+HWY_INLINE ExpReduced<D> ExpReduce(D d, V x, double steps_over_ln2) {
+  const V shifter = hn::Set(d, 0x1.8p52);  // leaves the rounded integer in the low bits
+  x = hn::Add(x, hn::Set(d, 0x1p-300));
+  const V kf = hn::Add(hn::Mul(x, hn::Set(d, steps_over_ln2)), shifter);
+  return {Bits(d, kf), hn::Sub(kf, shifter), x};
 }
 
 struct dExpCommon : Kernel<double> {
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
-    return HighWordAbove(d, x, 0x4086232A);  // |x| >= 708.396
-  }
+  using Rarity = RareAbove<double, 0x4086232A>;  // |x| >= 708.39599609375
   static HWY_INLINE int Rare(double x, double* r) { return dExpScalar(x, r); }
 };
 
+// ln2/1024 = L1 + L2, k L1 exact.
+constexpr double kL1 = 0x1.62e42fecp-11, kL2 = 0x1.d1cf79abc9e3bp-42;
+
 // 2^(k/1024) from a table, times a cubic in |r| <= ln2/2048.
 struct dExpLA : dExpCommon {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 4;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const hn::RebindToSigned<D> di;
-    const V shifter = hn::Set(d, 0x1.8p52);
-    const V kf = hn::Add(hn::Mul(x, hn::Set(d, 0x1.71547652b82fep+10)), shifter);
-    const V kd = hn::Sub(kf, shifter);
-    const auto k = hn::BitCast(di, kf);
-    const V t = hn::GatherIndex(d, dExp_HA_Table, hn::And(k, hn::Set(di, 1023)));
-    const auto exponent =
-        hn::And(hn::ShiftLeft<42>(k), hn::Set(di, static_cast<int64_t>(0xFFF0000000000000)));
-    const V s = hn::BitCast(d, hn::Add(hn::BitCast(di, t), exponent));
-    const V r = hn::Sub(hn::Sub(x, hn::Mul(kd, hn::Set(d, 0x1.62e42fecp-11))),
-                        hn::Mul(kd, hn::Set(d, 0x1.d1cf79abc9e3bp-42)));
-    const V cubic = hn::Add(hn::Mul(hn::Set(d, 0x1.5555555555556p-3), r),
-                            hn::Set(d, 0x1.00000001ebfbep-1));
-    const V p = hn::Add(hn::Mul(hn::Mul(cubic, r), r), r);
+    const auto [k, kd, x1] = ExpReduce(d, x, 0x1.71547652b82fep+10);
+    const auto t = hn::GatherIndex(hn::RebindToSigned<D>(), dExpShiftedTable,
+                                   hn::And(k, SetBits(d, 1023)));
+    const V s = FromBits(d, hn::Add(t, hn::ShiftLeft<42>(k)));
+    const V r = hn::Sub(hn::Sub(x1, hn::Mul(kd, hn::Set(d, kL1))), hn::Mul(kd, hn::Set(d, kL2)));
+    const V c = hn::Add(hn::Mul(hn::Set(d, 0x1.5555555555556p-3), r),
+                        hn::Set(d, 0x1.00000001ebfbep-1));
+    const V p = hn::Add(hn::Mul(hn::Mul(c, r), r), r);
     return hn::Add(hn::Mul(s, p), s);
   }
 };
 
-// 2^(k/128) from a table, times 1 + r + r^2/2, |r| <= ln2/256.
+// The bits of 2^(k/128)/2.
+template <class D>
+HWY_INLINE BitsOf<D> HalfPowerBits(D d, BitsOf<D> k) {
+#if HWY_TARGET == HWY_AVX3
+  // Permutations of registers are faster than a gather: 2^(j/128) is the product of an eighth and a
+  // hundred-and-twenty-eighth power, j = 16 a + b, and how far its rounding falls short is read from
+  // 4 bits of a word for each a.
+  const auto a = hn::ShiftRight<4>(k);
+  const __m512d coarse = _mm512_permutexvar_pd(a.raw, _mm512_load_pd(dExpEighths));
+  const __m512d fine = _mm512_permutex2var_pd(_mm512_load_pd(dExpFine), k.raw,
+                                              _mm512_load_pd(dExpFine + 8));
+  const __m512i shortfall = _mm512_permutexvar_epi64(a.raw, _mm512_load_epi64(dExpShortfall));
+  const auto position = hn::And(hn::ShiftLeft<2>(k), SetBits(d, 60));
+  const auto ulps = hn::And(BitsOf<D>{_mm512_srlv_epi64(shortfall, position.raw)}, SetBits(d, 15));
+  const auto power = hn::Add(Bits(d, VecOf<D>{_mm512_mul_pd(coarse, fine)}), ulps);
+  return hn::Add(power, hn::And(hn::ShiftLeft<45>(k), SetBits(d, 0xFFF0000000000000)));
+#else
+  const hn::RebindToSigned<D> di;
+  const auto table = hn::GatherIndex(di, dExpShiftedTableEP, hn::And(k, SetBits(d, 127)));
+  return hn::Add(table, hn::ShiftLeft<45>(k));
+#endif
+}
+
+// 2^(k/128) from a table, times 1 + r + r^2/2 = ((1 + r)^2 + 1)/2, |r| <= ln2/256.
 struct dExpEP : dExpCommon {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 2;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const hn::RebindToSigned<D> di;
-    const V shifter = hn::Set(d, 0x1.8p52);
-    const V kf = hn::Add(hn::Mul(x, hn::Set(d, 184.6649652337873)), shifter);
-    const V kd = hn::Sub(kf, shifter);
-    const auto k = hn::BitCast(di, kf);
-    const V t = hn::GatherIndex(d, dExp_EP_Table, hn::And(k, hn::Set(di, 127)));
-    const auto exponent =
-        hn::And(hn::ShiftLeft<45>(k), hn::Set(di, static_cast<int64_t>(0xFFF0000000000000)));
-    const V s = hn::BitCast(d, hn::Add(hn::BitCast(di, t), exponent));
-    const V r = hn::Sub(x, hn::Mul(kd, hn::Set(d, 0.0054152123481245725)));
-    const V p = hn::Add(hn::Mul(hn::Mul(hn::Set(d, 0.5), r), r), r);
+    const auto [k, kd, x1] = ExpReduce(d, x, 184.6649652337873);
+    const V half = FromBits(d, HalfPowerBits(d, k));
+    const V r = hn::Sub(x1, hn::Mul(kd, hn::Set(d, 0.0054152123481245725)));
+    const V one = hn::Set(d, 1.0);
+    const V u = hn::Add(r, one);
+    return hn::Mul(half, hn::Add(hn::Mul(u, u), one));
+  }
+};
+
+// 2^(k/1024) from a table with 12 bits below the double, times a quartic in |r| <= ln2/2048. A table
+// word holds the significand of the power in its low 52 bits, and above them how far the power is
+// from that double, in 2^-64 of it, plus 2048.
+struct dExpHA : dExpCommon {
+  template <class D, class V>
+  static HWY_INLINE V Main(D d, V x) {
+    const auto [k, kd, x1] = ExpReduce(d, x, 0x1.71547652b82fep+10);
+    const auto j = hn::And(k, SetBits(d, 1023));
+    const hn::RebindToUnsigned<D> du;
+    const auto word = hn::GatherIndex(du, dExpPackedTable, j);
+    // 2^52 + rest + 2048, made by the bits.
+    const auto rest = hn::Or(hn::ShiftRight<52>(word), hn::Set(du, 0x4330000000000000));
+    const V delta = hn::Mul(hn::Sub(hn::BitCast(d, rest), hn::Set(d, 0x1p52 + 2048)),
+                            hn::Set(d, 0x1p-64));
+    const auto significand = Bits(
+        d, hn::BitCast(d, hn::And(word, hn::Set(du, 0x000FFFFFFFFFFFFF))));
+    // (k - j) << 42 is the exponent of 2^(k >> 10).
+    const auto exponent = hn::Add(hn::ShiftLeft<42>(hn::Sub(k, j)), SetBits(d, 0x3FF0000000000000));
+    const V s = FromBits(d, hn::Add(significand, exponent));
+    const V r = hn::Sub(hn::Sub(x1, hn::Mul(kd, hn::Set(d, kL1))), hn::Mul(kd, hn::Set(d, kL2)));
+    const V r2 = hn::Mul(r, r);
+    const V q = Horner(d, r, {0.5, 0x1.5555555555555p-3, 0x1.5555555555555p-5});
+    const V p = hn::Add(hn::Add(hn::Mul(q, r2), delta), r);
     return hn::Add(hn::Mul(s, p), s);
   }
 };
 
-PEX_UNARY(double, dExp_50, dExpLA)
 PEX_UNARY(double, dExp_26, dExpEP)
+PEX_UNARY(double, dExp_50, dExpLA)
+PEX_UNARY(double, dExp_HA, dExpHA)
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace pex {
-PEX_EXPORT_UNARY(double, dExp_50)
 PEX_EXPORT_UNARY(double, dExp_26)
+PEX_EXPORT_UNARY(double, dExp_50)
+PEX_EXPORT_UNARY(double, dExp_HA)
 }  // namespace pex
 #endif

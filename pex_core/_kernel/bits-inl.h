@@ -1,0 +1,108 @@
+// Tests and assembly of floating-point numbers by their bits. No test here raises a flag.
+
+#include <cstdint>
+
+#include "hwy/highway.h"
+
+#if defined(PEX_CORE__KERNEL_BITS_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__KERNEL_BITS_INL_H_
+#undef PEX_CORE__KERNEL_BITS_INL_H_
+#else
+#define PEX_CORE__KERNEL_BITS_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+template <class D>
+using BitsOf = hn::Vec<hn::RebindToSigned<D>>;  // the lanes' bit patterns as signed integers
+
+template <class D>
+HWY_INLINE BitsOf<D> Bits(D, hn::Vec<D> x) {
+  return hn::BitCast(hn::RebindToSigned<D>(), x);
+}
+
+template <class D>
+HWY_INLINE hn::Vec<D> FromBits(D d, BitsOf<D> bits) {
+  return hn::BitCast(d, bits);
+}
+
+template <class D>
+HWY_INLINE BitsOf<D> SetBits(D, uint64_t bits) {
+  const hn::RebindToSigned<D> di;
+  return hn::Set(di, static_cast<hn::TFromD<decltype(di)>>(bits));
+}
+
+// The bit pattern of a number, at compile time.
+constexpr int64_t BitsOfNumber(double x) { return __builtin_bit_cast(int64_t, x); }
+constexpr int32_t BitsOfNumber(float x) { return __builtin_bit_cast(int32_t, x); }
+
+// |x| < limit, for positive limits.
+template <class D, typename T = hn::TFromD<D>>
+HWY_INLINE hn::Mask<D> MagnitudeBelow(D d, hn::Vec<D> x, T limit) {
+  return hn::RebindMask(d, hn::Lt(Bits(d, hn::Abs(x)), SetBits(d, BitsOfNumber(limit))));
+}
+
+// Rare lanes by one signed integer comparison, key(x) > kLimit. Keys of several vectors are joined by
+// their maxima, so that a group costs one comparison. Limits of doubles end in 32 ones: the levels
+// without a 64-bit maximum compare high words alone.
+
+// Rare: high word of |x| above kHighWord (double), |x| above kHighWord (single): large numbers,
+// infinities, NaN.
+template <typename T, int32_t kHighWord>
+struct RareAbove {
+  static constexpr int64_t kLimit =
+      sizeof(T) == 8 ? (static_cast<int64_t>(kHighWord) << 32 | 0xFFFFFFFF) : kHighWord;
+  template <class D>
+  static HWY_INLINE BitsOf<D> Key(D d, hn::Vec<D> x) {
+    return Bits(d, hn::Abs(x));
+  }
+};
+
+// Rare: not kLow <= (high word of) x <= kHigh, 0 <= kLow: negative numbers, zero, NaN too. The
+// pattern of kLow is moved to the least integer, so that what is below it wraps round to the top.
+template <typename T, int32_t kLow, int32_t kHigh>
+struct RareOutside {
+  static constexpr uint32_t kShift = 0x80000000u - static_cast<uint32_t>(kLow);
+  static constexpr int32_t kTop = static_cast<int32_t>(static_cast<uint32_t>(kHigh) + kShift);
+  static constexpr int64_t kLimit =
+      sizeof(T) == 8 ? static_cast<int64_t>(static_cast<uint64_t>(static_cast<uint32_t>(kTop)) << 32 | 0xFFFFFFFF)
+                     : kTop;
+  template <class D>
+  static HWY_INLINE BitsOf<D> Key(D d, hn::Vec<D> x) {
+    return hn::Add(Bits(d, x), SetBits(d, sizeof(T) == 8 ? static_cast<uint64_t>(kShift) << 32 : kShift));
+  }
+};
+
+// The larger of two keys; of doubles' keys at least its high word.
+template <class D>
+HWY_INLINE BitsOf<D> JoinKeys(D d, BitsOf<D> a, BitsOf<D> b) {
+#if HWY_TARGET == HWY_AVX3
+  (void)d;
+  return hn::Max(a, b);
+#else
+  (void)d;
+  const hn::Repartition<int32_t, D> d32;
+  return hn::BitCast(hn::RebindToSigned<D>(), hn::Max(hn::BitCast(d32, a), hn::BitCast(d32, b)));
+#endif
+}
+
+template <class D>
+HWY_INLINE hn::Mask<D> KeyAbove(D d, BitsOf<D> key, int64_t limit) {
+#if HWY_TARGET == HWY_AVX3
+  return hn::RebindMask(d, hn::Gt(key, SetBits(d, static_cast<uint64_t>(limit))));
+#else
+  // The sign of the high word is the lane's.
+  const hn::Repartition<int32_t, D> d32;
+  const auto limit32 = hn::Set(d32, static_cast<int32_t>(sizeof(hn::TFromD<D>) == 8 ? limit >> 32 : limit));
+  const auto above = hn::VecFromMask(d32, hn::Gt(hn::BitCast(d32, key), limit32));
+  return hn::MaskFromVec(hn::BitCast(d, above));
+#endif
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__KERNEL_BITS_INL_H_
