@@ -17,6 +17,10 @@ namespace pex::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 template <class D>
+using VecOf = hn::Vec<D>;
+template <class D>
+using MaskOf = hn::Mask<D>;
+template <class D>
 using BitsOf = hn::Vec<hn::RebindToSigned<D>>;  // the lanes' bit patterns as signed integers
 
 template <class D>

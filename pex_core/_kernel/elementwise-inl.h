@@ -39,11 +39,6 @@ struct Kernel {
   static constexpr T kHarmless = T(1);   // stands in for rare lanes and for lanes beyond the end
 };
 
-template <class D>
-using VecOf = hn::Vec<D>;
-template <class D>
-using MaskOf = hn::Mask<D>;
-
 // The first `count` elements, 0 < count < Lanes(d), and `fill` in the other lanes. Reads no further.
 template <class D, typename T = hn::TFromD<D>>
 HWY_INLINE VecOf<D> LoadFirst(D d, const T* HWY_RESTRICT from, size_t count, T fill) {

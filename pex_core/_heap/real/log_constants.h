@@ -1,0 +1,54 @@
+// What natural and decimal logarithms differ in: log(x) = e log(2) + log(a) + log(1 + (m - a)/a) for
+// x = 2^e m and a point a of the table; the last term is a polynomial in p = (m - a) * factor(a).
+#ifndef PEX_CORE__HEAP_REAL_LOG_CONSTANTS_H_
+#define PEX_CORE__HEAP_REAL_LOG_CONSTANTS_H_
+
+#include "pex_core/_heap/real/exp_log_polynomials.h"
+#include "pex_core/_heap/real/log_tables.h"
+
+namespace pex {
+
+// The table by rows, for levels that load rows and transpose them.
+struct LogRows {
+  alignas(64) double row[16][4];  // a, factor, log, rest
+};
+
+constexpr LogRows ByRows(const LogTable& t) {
+  LogRows r{};
+  for (int j = 0; j < 16; ++j) {
+    r.row[j][0] = t.a[j];
+    r.row[j][1] = t.factor[j];
+    r.row[j][2] = t.log[j];
+    r.row[j][3] = t.rest[j];
+  }
+  return r;
+}
+
+inline constexpr LogRows kLnRows = ByRows(kLnTable);
+inline constexpr LogRows kLog10Rows = ByRows(kLog10Table);
+
+// log2_hi is a multiple of 2^-42, so that its product with an exponent, and the sum with log(a), are
+// exact; log2_lo the rest of log(2).
+struct NaturalLog {
+  static constexpr const LogTable& kTable = kLnTable;
+  static constexpr const LogRows& kRows = kLnRows;
+  static constexpr double kLog2Hi = 0x1.62e42fefa38p-1;    // ln 2
+  static constexpr double kLog2Lo = 0x1.ef35793c7673p-45;
+  static constexpr auto& kHA = kLnHA;
+  static constexpr auto& kLA = kLnLA;
+  static constexpr auto& kEP = kLnEP;
+};
+
+struct DecimalLog {
+  static constexpr const LogTable& kTable = kLog10Table;
+  static constexpr const LogRows& kRows = kLog10Rows;
+  static constexpr double kLog2Hi = 0x1.34413509f8p-2;    // log10 2
+  static constexpr double kLog2Lo = -0x1.80433b83b532ap-44;
+  static constexpr auto& kHA = kLog10HA;
+  static constexpr auto& kLA = kLog10LA;
+  static constexpr auto& kEP = kLog10EP;
+};
+
+}  // namespace pex
+
+#endif  // PEX_CORE__HEAP_REAL_LOG_CONSTANTS_H_

@@ -1,0 +1,22 @@
+// The scalar logarithms: special values, errors, and subnormal arguments.
+#ifndef PEX_CORE_LN_LN_RARE_H_
+#define PEX_CORE_LN_LN_RARE_H_
+
+namespace pex {
+
+// The logarithm of any x with an error below 0.53 ulp, natural and decimal; returns the status code:
+// 1 for negative numbers (NaN), 2 for zeros (-inf), 0 otherwise.
+int dLnScalar(double x, double* r);
+int dLog10Scalar(double x, double* r);
+
+// The special values alone; false for positive finite x.
+template <typename T>
+bool LogSpecial(T x, T* r, int* code);
+
+// The same in single precision, computed in double.
+int sLnScalar(float x, float* r);
+int sLog10Scalar(float x, float* r);
+
+}  // namespace pex
+
+#endif  // PEX_CORE_LN_LN_RARE_H_
