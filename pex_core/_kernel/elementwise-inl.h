@@ -35,7 +35,7 @@ struct Kernel {
   using Tag = hn::Rebind<Element, hn::ScalableTag<Compute>>;
   static constexpr int kArguments = 1;
   static constexpr int kResults = 1;
-  static constexpr int kUnroll = 4;      // vectors per group
+  static constexpr int kUnroll = 4;  // vectors per group
   static constexpr T kHarmless = T(1);   // stands in for rare lanes and for lanes beyond the end
 };
 

@@ -37,6 +37,23 @@ HWY_INLINE V EvenOdd(D d, V x, V x2, const hn::TFromD<D> (&c)[N]) {
   return p;
 }
 
+// Pairs of pairs (Estrin): the least latency, at the price of x^4. For 5 to 12 coefficients.
+template <class D, class V, size_t N>
+HWY_INLINE V Estrin(D d, V x, V x2, const hn::TFromD<D> (&c)[N]) {
+  static_assert(N >= 5 && N <= 12);
+  const V x4 = hn::Mul(x2, x2);
+  // c[i] + c[i + 1] x + x^2 (c[i + 2] + c[i + 3] x), as far as there are coefficients
+  const auto quad = [&](size_t i) HWY_ATTR {
+    const auto pair = [&](size_t k) HWY_ATTR {
+      const V low = hn::Set(d, c[k]);
+      return k + 1 < N ? hn::Add(hn::Mul(hn::Set(d, c[k + 1]), x), low) : low;
+    };
+    return i + 2 < N ? hn::Add(hn::Mul(pair(i + 2), x2), pair(i)) : pair(i);
+  };
+  const V upper = N > 8 ? hn::Add(hn::Mul(quad(8 < N ? 8 : 0), x4), quad(4)) : quad(4);
+  return hn::Add(hn::Mul(upper, x4), quad(0));
+}
+
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

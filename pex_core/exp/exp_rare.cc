@@ -22,7 +22,8 @@ constexpr double kZero = -0x1.74910d52d3052p+9;       // ln of half the smallest
 // A product that is carried out and raises its flags.
 double Raise(double a) {
   const volatile double x = a;
-  return x * x;
+  const volatile double square = x * x;
+  return square;
 }
 
 // e^x 2^-n as a pair, and n.
@@ -38,8 +39,8 @@ Scaled ScaledExp(double x) {
   const double r = x - kd * kLn2Over64Hi - kd * kLn2Over64Lo;
   // e^r - 1 - r over r^2; relative error of e^r 2^-63 on |r| <= ln2/128.
   const double q =
-      0.5 + r * (0x1.5555555548f7cp-3 +
-                 r * (0x1.5555555545d4ep-5 + r * (0x1.11115b7aa905ep-7 + r * 0x1.6c1728d739765p-10)));
+      0.5 + r * (0.1666666666665788 +
+                 r * (0.04166666666677052 + r * (0.008333341995140497 + r * 0.0013888870459233254)));
   const double p = r + r * r * q;
   const double* row = _pexdExpHATab[k & 63];
   return {row[0], row[1] + row[0] * p, k >> 6};
@@ -52,7 +53,7 @@ double PowerOfTwo(int n) { return std::bit_cast<double>(static_cast<uint64_t>(n 
 double Subnormal(const Scaled& s) {
   const double scale = PowerOfTwo(s.n + 60);
   const double hi = s.hi * scale, lo = s.lo * scale;
-  constexpr double kGrid = 0x1.8p-962;  // ulp 2^-1014
+  constexpr double kGrid = 0x1p-962;  // ulp 2^-1014, up to the largest sum
   const double sum = kGrid + hi;
   const double rest = (hi - (sum - kGrid)) + lo;
   Raise(0x1p-1022);

@@ -92,12 +92,21 @@ HWY_INLINE LogReduced<D> LogReduce(D d, V x) {
   return r;
 }
 
+template <class D, class V, size_t N>
+HWY_INLINE V LogPolynomial(D d, V p, V p2, const double (&c)[N]) {
+  if constexpr (N > 4) {
+    return Estrin(d, p, p2, c);
+  } else {
+    return EvenOdd(d, p, p2, c);
+  }
+}
+
 // e log(2) + log(a) + log(1 + (m - a)/a) in full, p + p_rest standing for the polynomial's argument:
 // at most 0.53 ulp with the HA polynomial.
 template <class Base, class D, class V, size_t N>
 HWY_INLINE V LogSum(D d, const LogReduced<D>& x, V p, V p_rest, const double (&c)[N]) {
   const V p2 = hn::Mul(p, p);
-  const V q = hn::Mul(p2, EvenOdd(d, p, p2, c));
+  const V q = hn::Mul(p2, LogPolynomial(d, p, p2, c));
   const V head = hn::Add(hn::Mul(x.e, hn::Set(d, Base::kLog2Hi)), x.row.log);  // exact
   const Pair<V> s = FastTwoSum(head, p);
   const V tail = hn::Add(q, hn::Mul(x.e, hn::Set(d, Base::kLog2Lo)));
@@ -108,7 +117,7 @@ HWY_INLINE V LogSum(D d, const LogReduced<D>& x, V p, V p_rest, const double (&c
 template <class Base, class D, class V, size_t N>
 HWY_INLINE V LogPlain(D d, const LogReduced<D>& x, V p, const double (&c)[N]) {
   const V p2 = hn::Mul(p, p);
-  const V s = hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, c)));
+  const V s = hn::Add(p, hn::Mul(p2, LogPolynomial(d, p, p2, c)));
   const V head = hn::Add(hn::Mul(x.e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x.row.log);
   return hn::Add(head, s);
 }
