@@ -13,9 +13,8 @@ constexpr int32_t kLegacyFirstWH = 4, kLegacyLastWH = 276, kLegacyWHRow = 4;
 
 constexpr bool InRange(int32_t i, int32_t count) { return i >= 0 && i < count; }
 
-}  // namespace
-
-BrngProperties* __quoGetBrngBaseOffset(int32_t id, int32_t* row, int32_t* member) {
+// The bodies of the two entries below, so that a lookup of the library's own is one call.
+BrngProperties* Locate(int32_t id, int32_t* row, int32_t* member) {
   if (id >= kFirstNewId) {
     *row = (id >> 20) - 1;
     *member = id & kMemberMask;
@@ -32,17 +31,26 @@ BrngProperties* __quoGetBrngBaseOffset(int32_t id, int32_t* row, int32_t* member
 }
 
 // The counts are the caller's to write, so the size of the table bounds them too.
+bool IsValid(const BrngProperties* table, int32_t row, int32_t member) {
+  if (table == __RegBrngs) return InRange(row, kLegacyRows);
+  return table == __RegBrngsNew && InRange(row, QUO_REGISTRY_ROWS) && row < NRegBrngsNew &&
+         InRange(member, NumOffsets[row]);
+}
+
+}  // namespace
+
+BrngProperties* __quoGetBrngBaseOffset(int32_t id, int32_t* row, int32_t* member) {
+  return Locate(id, row, member);
+}
+
 int32_t __quoIsBrngValid(const BrngProperties* table, int32_t row, int32_t member) {
-  if (table == __RegBrngs) return InRange(row, kLegacyRows) ? QUO_OK : QUO_INVALID_BRNG;
-  const bool valid = table == __RegBrngsNew && InRange(row, QUO_REGISTRY_ROWS) &&
-                     row < NRegBrngsNew && InRange(member, NumOffsets[row]);
-  return valid ? QUO_OK : QUO_INVALID_BRNG;
+  return IsValid(table, row, member) ? QUO_OK : QUO_INVALID_BRNG;
 }
 
 const BrngProperties* quo::FindBrng(int32_t id) {
   int32_t row, member;
-  const BrngProperties* table = __quoGetBrngBaseOffset(id, &row, &member);
-  return __quoIsBrngValid(table, row, member) == QUO_OK ? table + row : nullptr;
+  const BrngProperties* table = Locate(id, &row, &member);
+  return IsValid(table, row, member) ? table + row : nullptr;
 }
 
 int32_t __quoGetBrngProperties(int32_t id, BrngProperties* record) {

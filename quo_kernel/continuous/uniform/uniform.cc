@@ -8,7 +8,7 @@
 
 #include "hwy/highway.h"
 #include "quo_kernel/_kernel/call_guard.h"
-#include "quo_sub_kernel/_service/_quo_brng.h"
+#include "quo_kernel/_kernel/generate.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace quo::HWY_NAMESPACE {
@@ -38,11 +38,12 @@ HWY_INLINE void Clamp(size_t n, T* r, T a, T b) {
   for (; i + kLanes <= n; i += kLanes) {
     hn::StoreU(Clamped(d, va, vb, hn::LoadU(d, r + i)), d, r + i);
   }
-  if (i < n) {
-    HWY_ALIGN T rest[kLanes] = {};
-    std::memcpy(rest, r + i, (n - i) * sizeof(T));
-    hn::Store(Clamped(d, va, vb, hn::Load(d, rest)), d, rest);
-    std::memcpy(r + i, rest, (n - i) * sizeof(T));
+  for (; i < n; ++i) {  // r may stand at any address
+    T x;
+    std::memcpy(&x, r + i, sizeof(T));
+    x = a > x ? a : x;
+    x = b < x ? b : x;
+    std::memcpy(r + i, &x, sizeof(T));
   }
 }
 
@@ -58,23 +59,19 @@ namespace quo {
 HWY_EXPORT(ClampDouble);
 HWY_EXPORT(ClampSingle);
 
-extern "C" int32_t _quodRngUniform(uint32_t method, StreamState* stream, int32_t n, double* r,
-                                   double a, double b) {
+extern "C" QUO_API int32_t _quodRngUniform(uint32_t method, StreamState* stream, int32_t n,
+                                           double* r, double a, double b) {
   const CallGuard guard;
-  const BrngProperties* brng = FindBrng(stream->id);
-  if (brng == nullptr) return QUO_INVALID_BRNG;
-  const int32_t status = brng->dBRng(stream, n, r, a, b);
+  const int32_t status = Generate(stream, n, r, a, b);
   if (status < 0 || (method & QUO_METHOD_ACCURATE) == 0 || n < 1) return status;
   HWY_DYNAMIC_DISPATCH(ClampDouble)(static_cast<size_t>(n), r, a, b);
   return status;
 }
 
-extern "C" int32_t _quosRngUniform(uint32_t method, StreamState* stream, int32_t n, float* r,
-                                   float a, float b) {
+extern "C" QUO_API int32_t _quosRngUniform(uint32_t method, StreamState* stream, int32_t n,
+                                           float* r, float a, float b) {
   const CallGuard guard;
-  const BrngProperties* brng = FindBrng(stream->id);
-  if (brng == nullptr) return QUO_INVALID_BRNG;
-  const int32_t status = brng->sBRng(stream, n, r, a, b);
+  const int32_t status = Generate(stream, n, r, a, b);
   if (status < 0 || (method & QUO_METHOD_ACCURATE) == 0 || n < 1) return status;
   HWY_DYNAMIC_DISPATCH(ClampSingle)(static_cast<size_t>(n), r, a, b);
   return status;

@@ -7,8 +7,8 @@
 #include <cstring>
 
 #include "hwy/highway.h"
-#include "pexquo/quo.h"
 #include "quo_kernel/_kernel/call_guard.h"
+#include "quo_kernel/_kernel/generate.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace quo::HWY_NAMESPACE {
@@ -56,15 +56,15 @@ using HWY_NAMESPACE::kGroup;
 
 HWY_EXPORT(StoreFloors);
 
-extern "C" int32_t _quoiRngUniform(uint32_t, StreamState* stream, int32_t n, int32_t* r, int32_t a,
-                                   int32_t b) {
+extern "C" QUO_API int32_t _quoiRngUniform(uint32_t, StreamState* stream, int32_t n, int32_t* r,
+                                           int32_t a, int32_t b) {
   if (n < 1) return QUO_OK;
   const CallGuard guard;
   alignas(64) double block[kBlock];
   int32_t status = QUO_OK;
   for (int32_t left = n; left > 0;) {
     const int32_t count = std::min(left, kBlock);
-    status = _quodRngUniform(0, stream, count, block, a, b);
+    status = Generate(stream, count, block, a, b);
     if (status < 0) return status;
     if (count % kGroup != 0) std::fill_n(block + count, kGroup - count % kGroup, 0.0);
     HWY_DYNAMIC_DISPATCH(StoreFloors)(static_cast<size_t>(count), block, r);
