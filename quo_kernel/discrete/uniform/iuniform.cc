@@ -19,29 +19,34 @@ namespace hn = hwy::HWY_NAMESPACE;
 // results, for NaN the upper one.
 template <class D, class DI = hn::Rebind<int32_t, D>>
 HWY_INLINE hn::Vec<DI> FloorToInt(D d, const double* x) {
-  return hn::DemoteTo(DI(), hn::Floor(hn::Load(d, x)));
+  return hn::DemoteTo(DI(), hn::Floor(hn::LoadU(d, x)));
 }
 
-constexpr int32_t kBlock = 1024;  // uniforms generated at a time
-constexpr int32_t kGroup = 16;    // two vectors of the widest level: so many are read at once
-static_assert(2 * hn::MaxLanes(hn::ScalableTag<double>()) <= kGroup && kBlock % kGroup == 0);
+// The same for kStep elements, stored at any address.
+constexpr hn::ScalableTag<double> kWide{};
+#if HWY_TARGET == HWY_AVX3
+constexpr size_t kStep = hn::MaxLanes(kWide);
+HWY_INLINE void StoreStep(const double* x, int32_t* r) {  // rounds and converts in one operation
+  const auto v = hn::Min(hn::LoadU(kWide, x), hn::Set(kWide, 2147483647.0));
+  const auto floors = _mm512_cvt_roundpd_epi32(v.raw, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC);
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(r), floors);
+}
+#else
+constexpr size_t kStep = 2 * hn::MaxLanes(kWide);
+HWY_INLINE void StoreStep(const double* x, int32_t* r) {
+  const hn::Repartition<int32_t, decltype(kWide)> di;
+  const auto low = FloorToInt(kWide, x), high = FloorToInt(kWide, x + kStep / 2);
+  hn::StoreU(hn::Combine(di, high, low), di, r);
+}
+#endif
 
-// The block is aligned and filled up to a whole group; of r exactly n elements are written.
-void StoreFloors(size_t n, const double* block, int32_t* r) {
-  const hn::ScalableTag<double> d;
-  constexpr size_t kLanes = hn::MaxLanes(d);
-  const hn::Repartition<int32_t, decltype(d)> di;  // twice the lanes
+void StoreFloors(size_t n, const double* x, int32_t* r) {
+  const hn::CappedTag<double, 1> one;
   size_t i = 0;
-  for (; i + 2 * kLanes <= n; i += 2 * kLanes) {
-    const auto low = FloorToInt(d, block + i);
-    const auto high = FloorToInt(d, block + i + kLanes);
-    hn::StoreU(hn::Combine(di, high, low), di, r + i);
-  }
-  if (i < n) {
-    HWY_ALIGN int32_t rest[2 * kLanes];
-    hn::Store(hn::Combine(di, FloorToInt(d, block + i + kLanes), FloorToInt(d, block + i)), di,
-              rest);
-    std::memcpy(r + i, rest, (n - i) * sizeof(int32_t));
+  for (; i + kStep <= n; i += kStep) StoreStep(x + i, r + i);
+  for (; i < n; ++i) {
+    const int32_t last = hn::GetLane(FloorToInt(one, x + i));
+    std::memcpy(r + i, &last, sizeof last);
   }
 }
 
@@ -51,13 +56,11 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace quo {
 
-using HWY_NAMESPACE::kBlock;
-using HWY_NAMESPACE::kGroup;
-
 HWY_EXPORT(StoreFloors);
 
 extern "C" QUO_API int32_t _quoiRngUniform(uint32_t, StreamState* stream, int32_t n, int32_t* r,
                                            int32_t a, int32_t b) {
+  constexpr int32_t kBlock = 1024;
   if (n < 1) return QUO_OK;
   const CallGuard guard;
   alignas(64) double block[kBlock];
@@ -66,7 +69,6 @@ extern "C" QUO_API int32_t _quoiRngUniform(uint32_t, StreamState* stream, int32_
     const int32_t count = std::min(left, kBlock);
     status = Generate(stream, count, block, a, b);
     if (status < 0) return status;
-    if (count % kGroup != 0) std::fill_n(block + count, kGroup - count % kGroup, 0.0);
     HWY_DYNAMIC_DISPATCH(StoreFloors)(static_cast<size_t>(count), block, r);
     r += count;
     left -= count;
