@@ -98,7 +98,8 @@ QUO_API extern int32_t NumOffsets[QUO_REGISTRY_ROWS];
 
 /* ---- Registry. ---- */
 
-/* The table, row and member of an identifier of either scheme; never fails, see __quoIsBrngValid. */
+/* The table, row and member of an identifier of either scheme. Never fails: an identifier of no
+ * generator (a negative one too) gives a row or member that __quoIsBrngValid refuses. */
 QUO_API BrngProperties* __quoGetBrngBaseOffset(int32_t id, int32_t* row, int32_t* member);
 /* 0, or -1000 when the table has no such row or the row no such member. */
 QUO_API int32_t __quoIsBrngValid(const BrngProperties* table, int32_t row, int32_t member);
@@ -112,19 +113,24 @@ QUO_API int32_t __quoRegisterBrng(const BrngProperties* record);
 
 /* ---- Streams. ---- */
 
-/* Allocates a stream with an empty chunk list and an uninitialised state: -1000, -4. */
+/* Allocates a stream with an empty chunk list and an uninitialised state: -1000, -4, and then the
+ * pointer is null. */
 QUO_API int32_t __quoAllocateStream(StreamState** stream, const BrngProperties* table, int32_t id,
                                     int32_t row, int32_t member);
 /* Creates and seeds a stream with n seed words. -1000 (also for the abstract identifiers), -4, or
- * the generator's own status; in the last case the stream exists and is to be deleted. */
+ * the generator's own status (-1000 from a row whose generator is not there yet). After an error the
+ * pointer is null or, if the generator refused, the stream: __quoDeleteStream serves both. */
 QUO_API int32_t __quoNewStreamEx(StreamState** stream, int32_t id, int32_t n,
                                  const uint32_t* params);
-/* Frees a stream with its chunks and sets the pointer to null; 0. */
+/* Frees a stream with its chunks and sets the pointer to null; nothing if it is null already; 0. */
 QUO_API int32_t __quoDeleteStream(StreamState** stream);
-/* A new stream with the state and the chunks (in reverse order) of another: -1000, -4. */
+/* A new stream with the state and the chunks (in reverse order) of another: -1000, -4, and then
+ * nothing stays allocated and the pointer is null. */
 QUO_API int32_t __quoCopyStream(StreamState** copy, const StreamState* source);
-/* Copies the seedable state and the chunks into an existing stream. -1005 between different
- * generators, after copying, unless the source has chunks; -4. */
+/* Copies the seedable state and the chunks into an existing stream: SeedCount words of the source,
+ * as far as both streams have room, so not the multiplier that a leapfrog leaves behind. -1005
+ * between different registry rows, after copying, unless the source has chunks; -4, and then the
+ * destination has no chunks; -1000 if either names no generator. A copy onto itself does nothing. */
 QUO_API int32_t __quoCopyStreamState(StreamState* destination, const StreamState* source);
 /* The identifier that the stream was created with. */
 QUO_API int32_t __quoGetStreamStateBrng(const StreamState* stream);
@@ -166,13 +172,20 @@ QUO_API uint32_t __quoiPowMod(uint32_t base, uint64_t e, uint32_t m);
 /* Bit of the method word: clamp the results into [a, b]. */
 #define QUO_METHOD_ACCURATE 0x40000000u
 
-/* n uniforms on [a, b), one generator output each; rounding may give b itself. Hands the
- * generator's negative status up unchanged. */
+/* Every distribution call returns the generator's status, a negative one unchanged, or -1000 for a
+ * stream that names no generator. It computes in round-to-nearest without flushing, whatever the
+ * caller has set, and leaves errno and the exception flags as they were, inexact aside. */
+
+/* n uniforms on [a, b), one generator output each; rounding may give b itself. The accurate method
+ * gives min(b, max(a, r)), in this order: a bound that is NaN bounds nothing, a NaN from the
+ * generator stays. After a negative status nothing is clamped. */
 QUO_API int32_t _quodRngUniform(uint32_t method, StreamState* stream, int32_t n, double* r, double a,
                                 double b);
 QUO_API int32_t _quosRngUniform(uint32_t method, StreamState* stream, int32_t n, float* r, float a,
                                 float b);
-/* n integers from a to b - 1: the floor of the double uniform on [a, b). */
+/* n integers from a to b - 1: the floor of the double uniform on [a, b), generated in blocks of 1024.
+ * Nothing, and 0, for n < 1. A negative status ends the call; finished blocks stay in r. What a
+ * user's generator returns outside the 32-bit range becomes the nearest end, NaN 2^31 - 1. */
 QUO_API int32_t _quoiRngUniform(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
                                 int32_t a, int32_t b);
 /* The generator's raw output: n times its word size. */

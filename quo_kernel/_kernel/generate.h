@@ -1,0 +1,28 @@
+// n outputs of the generator behind a stream, by the type of the output. A stream that names no
+// generator gives -1000, else the status is the generator's. The caller holds a CallGuard.
+#ifndef QUO_KERNEL__KERNEL_GENERATE_H_
+#define QUO_KERNEL__KERNEL_GENERATE_H_
+
+#include "quo_sub_kernel/_service/_quo_brng.h"
+
+namespace quo {
+
+inline int32_t Generate(StreamState* stream, int32_t n, double* r, double a, double b) {
+  const BrngProperties* brng = FindBrng(stream->id);
+  return brng == nullptr ? QUO_INVALID_BRNG : brng->dBRng(stream, n, r, a, b);
+}
+
+inline int32_t Generate(StreamState* stream, int32_t n, float* r, float a, float b) {
+  const BrngProperties* brng = FindBrng(stream->id);
+  return brng == nullptr ? QUO_INVALID_BRNG : brng->sBRng(stream, n, r, a, b);
+}
+
+// WordBytes bytes an element.
+inline int32_t Generate(StreamState* stream, int32_t n, uint32_t* r) {
+  const BrngProperties* brng = FindBrng(stream->id);
+  return brng == nullptr ? QUO_INVALID_BRNG : brng->iBRng(stream, n, r);
+}
+
+}  // namespace quo
+
+#endif  // QUO_KERNEL__KERNEL_GENERATE_H_
