@@ -2,9 +2,7 @@
 #ifndef CLI_COMMANDS_H_
 #define CLI_COMMANDS_H_
 
-#include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
 
 #include "cli/source.h"
@@ -19,7 +17,7 @@ struct EvalOptions {
   std::string input = "-", output = "-", format;
   TextOptions text;
   std::string with, with_value, with_column;  // second argument: a file, or one value
-  std::optional<uint64_t> max_reports;        // special elements shown; all when absent
+  std::string max_reports;                    // special elements shown; all where not given
 };
 int Eval(const EvalOptions& options);
 

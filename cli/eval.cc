@@ -151,7 +151,10 @@ uint64_t EvalAs(const pex::Entry& entry, const EvalOptions& options, Source& sou
   report.single = sizeof(T) == 4;
   report.two_arguments = two_arguments;
   report.two_results = two_results;
-  report.limit = options.max_reports.value_or(UINT64_MAX);
+  if (!options.max_reports.empty() &&
+      ParseUnsigned(options.max_reports, &report.limit) != Parsed::Ok) {
+    Fail("--max-reports ", Quoted(options.max_reports), " is no count");
+  }
   reporter = &report;
   _pexSetMode(PEX_ERRMODE_CALLBACK);
   _pexSetErrorCallBack(Report);

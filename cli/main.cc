@@ -166,7 +166,9 @@ int Run(int argc, char** argv) {
 }  // namespace cli
 
 int main(int argc, char** argv) {
-  signal(SIGPIPE, SIG_IGN);  // a closed pipe is met where it is written to
+  // A closed pipe and a full quota are met where they are written to.
+  signal(SIGPIPE, SIG_IGN);
+  signal(SIGXFSZ, SIG_IGN);
   try {
     return cli::Run(argc, argv);
   } catch (const std::bad_alloc&) {

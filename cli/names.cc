@@ -2,25 +2,29 @@
 
 #include <algorithm>
 #include <cctype>
-#include <numeric>
 
 namespace cli {
 namespace {
 
-// The number of insertions, deletions and replacements between two words.
+// The number of insertions, deletions, replacements and swaps of neighbours between two words.
 size_t EditDistance(std::string_view a, std::string_view b) {
-  std::vector<size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), size_t{0});
-  for (size_t i = 0; i < a.size(); ++i) {
-    size_t diagonal = row[0];
-    row[0] = i + 1;
-    for (size_t j = 0; j < b.size(); ++j) {
-      const size_t replaced = diagonal + (a[i] != b[j]);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
+  // distance[i][j]: between the first i letters of a and the first j of b.
+  std::vector<std::vector<size_t>> distance(a.size() + 1, std::vector<size_t>(b.size() + 1));
+  for (size_t i = 0; i <= a.size(); ++i) {
+    for (size_t j = 0; j <= b.size(); ++j) {
+      size_t& d = distance[i][j];
+      if (i == 0 || j == 0) {
+        d = std::max(i, j);
+        continue;
+      }
+      d = std::min({distance[i - 1][j] + 1, distance[i][j - 1] + 1,
+                    distance[i - 1][j - 1] + (a[i - 1] != b[j - 1])});
+      if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
+        d = std::min(d, distance[i - 2][j - 2] + 1);
+      }
     }
   }
-  return row.back();
+  return distance[a.size()][b.size()];
 }
 
 }  // namespace
