@@ -55,6 +55,11 @@ void AddEval(CLI::App* command, EvalOptions* o) {
   command->add_option("--max-reports", o->max_reports,
                       "Special elements to show; the others are counted");
   AddOutput(command, &o->output, &o->format, "text or npy");
+  command->footer(
+      "Examples:\n"
+      "  pexquo eval ln --tier ha prices.txt\n"
+      "  pexquo eval exp trades.csv --column change --type s -o growth.npy\n"
+      "  pexquo eval sub trades.csv --column ask --with trades.csv --with-column bid");
 }
 
 void AddDraw(CLI::App* command, DrawOptions* o) {
@@ -79,6 +84,11 @@ void AddDraw(CLI::App* command, DrawOptions* o) {
   command->add_option("--leapfrog", o->leapfrog, "K/S: every S-th number from the K-th on");
   command->add_option("--skip", o->skip, "Numbers to pass over first (after --leapfrog)");
   AddOutput(command, &o->output, &o->format, "text, npy or raw (little-endian)");
+  command->footer(
+      "Examples:\n"
+      "  pexquo draw uniform --generator mcg59 --seed 42 --count 1e6 --a -1 --b 1 -o u.npy\n"
+      "  pexquo draw uniform --type i --a 1 --b 7 --count 10 --seed 2026\n"
+      "  pexquo draw uniformbits --generator wh:17 --count 1e12 --format raw | battery");
 }
 
 std::vector<std::string> CommandNames(const CLI::App& app) {

@@ -112,9 +112,7 @@ Stream OpenStream(int32_t id, const std::string& generator, const std::vector<ui
   StreamState* state = nullptr;
   const int32_t status =
       __quoNewStreamEx(&state, id, static_cast<int32_t>(seeds.size()), seeds.data());
-  // After these two there is no stream; after any other the stream is to be deleted.
-  if (status == QUO_INVALID_BRNG || status == QUO_NO_MEMORY) state = nullptr;
-  stream.state.reset(state);
+  stream.state.reset(state);  // there may be one after a failure too
   Expect(status, stream, "new stream");
   return stream;
 }

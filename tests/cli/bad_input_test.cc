@@ -1,4 +1,8 @@
 // Bad input ends with one clear line, status 2, and nothing under the output's name.
+#include <unistd.h>
+
+#include <random>
+
 #include "tests/cli/program.h"
 
 namespace cli_test {
@@ -162,6 +166,30 @@ TEST_F(BadInputTest, NpyTruncatedAnywhere) {
   }
   ExpectFailure(Run("eval ln -o result", whole + "x"), "bytes follow the .npy array");
   EXPECT_EQ(Run("eval ln in.npy", "").status, 2);
+}
+
+// Whatever a header says, the program answers with numbers or with one line.
+TEST_F(BadInputTest, NpyWithRandomDamage) {
+  const unsigned seed = std::random_device()();
+  SCOPED_TRACE(seed);
+  std::mt19937 random(seed);
+  const std::string whole = Npy("{'descr': '<f8', 'fortran_order': False, 'shape': (3,), }   \n",
+                                Bytes<double>({1, 2, 3}));
+  constexpr std::string_view kBytes("\0\n '\"(),:<>[]{}-0189adefilLx\x7F\xFF", 30);
+  for (int i = 0; i < 60; ++i) {
+    std::string file = whole;
+    for (int damage = 0; damage < 1 + i % 3; ++damage) {
+      file[random() % 76] = kBytes[random() % kBytes.size()];
+    }
+    const Outcome outcome = Run("eval abs -o result", file);
+    if (outcome.status == 0) {
+      EXPECT_EQ(Files(), std::vector<std::string>{"result"});
+      unlink((folder_ + "/result").c_str());
+    } else {
+      ExpectFailure(outcome, "standard input: ");
+      EXPECT_EQ(Files(), std::vector<std::string>{});
+    }
+  }
 }
 
 TEST_F(BadInputTest, NpyHeaders) {

@@ -127,6 +127,7 @@ TEST_F(EvalTest, PositionsAreThoseOfTheWholeInput) {
   EXPECT_EQ(from_text.status, 1);
   EXPECT_EQ(from_text.err, text_reports);
   EXPECT_EQ(Lines(ReadFile("r.txt")).size(), kCount);
+  EXPECT_EQ(Run("eval ln x.npy -o r.npy --type s").err, npy_reports);
 
   const Outcome limited = Run("eval ln x.npy -o r.npy --max-reports 2");
   EXPECT_EQ(limited.status, 1);

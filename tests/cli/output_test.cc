@@ -93,6 +93,18 @@ TEST_F(OutputTest, ASignalLeavesNothingBehind) {
   }
 }
 
+TEST_F(OutputTest, MemoryDoesNotGrowWithTheCount) {
+  const auto peak = [&](const std::string& count) {
+    const pid_t child = Start("draw uniformbits --format raw -o /dev/null --count " + count);
+    int status = 0;
+    rusage usage = {};
+    wait4(child, &status, 0, &usage);
+    EXPECT_EQ(status, 0);
+    return usage.ru_maxrss;  // KiB
+  };
+  EXPECT_LT(peak("5e7"), peak("1e5") + 20000);  // 5e7 words are 400 MB
+}
+
 // Progress appears on a terminal, and binary numbers do not.
 TEST_F(OutputTest, Terminals) {
   const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
