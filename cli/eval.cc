@@ -90,7 +90,8 @@ class Second {
   explicit Second(const EvalOptions& options) {
     if (!options.with.empty()) {
       TextOptions text = options.text;
-      if (!options.with_column.empty()) text.column = options.with_column;
+      text.text_only = !options.with_column.empty();
+      if (text.text_only) text.column = options.with_column;
       source_ = OpenSource(options.with, text);
       values_.resize(kBlock);
       return;

@@ -50,7 +50,8 @@ void AddEval(CLI::App* command, EvalOptions* o) {
   command->add_option("--delimiter", o->text.delimiter, "One character, tab or space")
       ->capture_default_str();
   auto* with = command->add_option("--with", o->with, "File of second arguments");
-  command->add_option("--with-column", o->with_column, "Its column, when not the same");
+  command->add_option("--with-column", o->with_column, "Its column, when not the same")
+      ->needs(with);
   command->add_option("--with-value", o->with_value, "One second argument for all")->excludes(with);
   command->add_option("--max-reports", o->max_reports,
                       "Special elements to show; the others are counted");

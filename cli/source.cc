@@ -90,7 +90,8 @@ class NpySource : public Source {
 std::unique_ptr<Source> OpenSource(const std::string& path, const TextOptions& options) {
   auto reader = std::make_unique<Reader>(path);
   if (reader->Peek(kNpyMagic.size()) == kNpyMagic || path.ends_with(".npy")) {
-    if (!options.column.empty()) Fail(reader->name(), ": --column is for text, not for .npy files");
+    if (!options.column.empty() && options.text_only)
+      Fail(reader->name(), ": --column is for text, not for .npy files");
     return std::make_unique<NpySource>(std::move(reader));
   }
   return MakeTextSource(std::move(reader), options);

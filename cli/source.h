@@ -12,6 +12,7 @@
 namespace cli {
 
 struct TextOptions {
+  bool text_only = true;        // a column of an .npy array is refused, not ignored
   std::string column;           // a column's name or its number from 1; empty: one number a line
   std::string delimiter = ",";  // one character, "tab" or "space" (any run of blanks)
 };

@@ -40,6 +40,7 @@ TEST_F(BadInputTest, CommandsAndOptions) {
       {"eval add", "ln takes"},
       {"eval ln --with-value 2", "ln takes one argument"},
       {"eval add --with x --with-value 2", "--with"},
+      {"eval add --with-value 2 --with-column 2", "--with"},
       {"eval add --with -", "standard input can be read once only"},
       {"eval add --with-value two", "--with-value \"two\" is not a number"},
       {"eval add --with-value 1e999", "beyond the range of double"},

@@ -144,6 +144,8 @@ TEST_F(EvalTest, SecondArguments) {
   EXPECT_EQ(Run("eval sub t.csv --column a --with t.csv --with-column b").out, "-9\n-18\n");
   EXPECT_EQ(Run("eval sub t.csv --column a --with t.csv").out, "0\n0\n");
   EXPECT_EQ(Run("eval add t.csv --column b --with-value -0x1p-1").out, "9.5\n19.5\n");
+  WriteNumbers("b.npy", {5, 7});
+  EXPECT_EQ(Run("eval add t.csv --column a --with b.npy").out, "6\n9\n");
   EXPECT_EQ(Run("eval mul t.csv --column b --with -", "3\n4\n").status, 2);  // a has no column "b"
 }
 
