@@ -1,0 +1,36 @@
+// The commands of the program. Each returns its exit status; bad input ends in a Failure.
+#ifndef CLI_COMMANDS_H_
+#define CLI_COMMANDS_H_
+
+#include <map>
+#include <string>
+
+#include "cli/source.h"
+
+namespace cli {
+
+// What there is: "functions", "generators", "distributions", "levels", or everything for "".
+int List(const std::string& topic);
+
+struct EvalOptions {
+  std::string function, tier, type;  // as typed; empty where not given
+  std::string input = "-", output = "-", format;
+  TextOptions text;
+  std::string with, with_value, with_column;  // second argument: a file, or one value
+  std::string max_reports;                    // special elements shown; all where not given
+};
+int Eval(const EvalOptions& options);
+
+struct DrawOptions {
+  std::string distribution, generator = "mcg59", member, type, count;
+  std::string seeds;  // words separated by commas; the generator's own start when empty
+  std::map<std::string, std::string> parameters;  // as typed; empty where not given
+  bool accurate = false;
+  std::string leapfrog, skip;
+  std::string output = "-", format;
+};
+int Draw(const DrawOptions& options);
+
+}  // namespace cli
+
+#endif  // CLI_COMMANDS_H_

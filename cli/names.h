@@ -1,0 +1,19 @@
+// Names that a person types: compared loosely, and answered with the closest one when unknown.
+#ifndef CLI_NAMES_H_
+#define CLI_NAMES_H_
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace cli {
+
+// Lower case, without hyphens and underscores.
+std::string Normalized(std::string_view name);
+
+// "; did you mean NAME?" with the closest of the known names, or nothing when none is close.
+std::string Suggestion(std::string_view name, const std::vector<std::string>& known);
+
+}  // namespace cli
+
+#endif  // CLI_NAMES_H_

@@ -1,0 +1,39 @@
+// A random stream as the command line describes one.
+#ifndef CLI_STREAM_H_
+#define CLI_STREAM_H_
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "pexquo/quo.h"
+
+namespace cli {
+
+struct DeleteStream {
+  void operator()(StreamState* stream) const { __quoDeleteStream(&stream); }
+};
+
+struct Stream {
+  std::unique_ptr<StreamState, DeleteStream> state;
+  BrngProperties properties{};
+  std::string generator;  // for messages
+};
+
+// The identifier of a generator: a name of the catalogue, with ":member" for one of a family, or a
+// number of either scheme. `member` chooses the member too; empty for none.
+int32_t GeneratorId(const std::string& generator, const std::string& member);
+// Seed words of 32 bits, separated by commas, in the order the generator takes them; none for "".
+std::vector<uint32_t> SeedWords(const std::string& words);
+Stream OpenStream(int32_t id, const std::string& generator, const std::vector<uint32_t>& seeds);
+// Keeps every s-th number from the k-th on, by "k/s", k counted from 0.
+void Leapfrog(Stream& stream, const std::string& k_of_s);
+// Passes over a count of numbers.
+void SkipAhead(Stream& stream, const std::string& count);
+// Ends in a Failure unless `status` is 0.
+void Expect(int32_t status, const Stream& stream, const std::string& what);
+
+}  // namespace cli
+
+#endif  // CLI_STREAM_H_

@@ -1,0 +1,250 @@
+// Bad input ends with one clear line, status 2, and nothing under the output's name.
+#include <unistd.h>
+
+#include <random>
+
+#include "tests/cli/program.h"
+
+namespace cli_test {
+namespace {
+
+class BadInputTest : public ProgramTest {
+ protected:
+  // Runs with -o result, which stood there before or did not; it must be as it was.
+  void Check(const std::string& arguments, const std::string& part, std::string_view input = {}) {
+    SCOPED_TRACE(arguments);
+    const auto before = Files();
+    ExpectFailure(Run(arguments + " -o result", input), part);
+    EXPECT_EQ(Files(), before);
+    EXPECT_EQ(ReadFile("result"), result_);
+  }
+  std::string result_;
+};
+
+TEST_F(BadInputTest, CommandsAndOptions) {
+  const struct {
+    const char *arguments, *part;
+  } kCases[] = {
+      {"evla ln", "unknown command \"evla\"; did you mean eval?"},
+      {"eval ln --tire ha", "\"--tire\"; did you mean --tier?"},
+      {"eval ln a b", "unexpected \"b\""},
+      {"eval", "function is required"},
+      {"eval lnn", "unknown function \"lnn\"; did you mean ln?"},
+      {"eval qqqqq", "unknown function \"qqqqq\"\n"},
+      {"eval ln --tier xa", "unknown tier \"xa\"; the tiers are ha, la and ep"},
+      {"eval ln --type q", "unknown type \"q\""},
+      {"eval ln --format raw", "unknown format \"raw\""},
+      {"eval ln --format nyp", "did you mean npy?"},
+      {"eval ln --level avx3", "unknown vector level \"avx3\"; did you mean avx2?"},
+      {"eval ln --max-reports -1", "--max-reports"},
+      {"eval add", "ln takes"},
+      {"eval ln --with-value 2", "ln takes one argument"},
+      {"eval add --with x --with-value 2", "--with"},
+      {"eval add --with-value 2 --with-column 2", "--with"},
+      {"eval add --with -", "standard input can be read once only"},
+      {"eval add --with-value two", "--with-value \"two\" is not a number"},
+      {"eval add --with-value 1e999", "beyond the range of double"},
+      {"draw uniform", "--count is required"},
+      {"draw unifrom --count 1", "did you mean uniform?"},
+      {"draw uniform --count -3", "the count -3 is negative"},
+      {"draw uniform --count 1e16", "too large"},
+      {"draw uniform --count 99999999999999999999999", "too large"},
+      {"draw uniform --count 1e99999999999999999999999", "too large"},
+      {"draw uniform --count 1.5", "is no count"},
+      {"draw uniform --count 1e", "is no count"},
+      {"draw uniform --count 1 --generator mgc59", "did you mean mcg59?"},
+      {"draw uniform --count 1 --generator 279", "no generator with the identifier 279"},
+      {"draw uniform --count 1 --generator 0xD00000", "no generator with the identifier"},
+      {"draw uniform --count 1 --generator 0xB00000", "generator 0xB00000"},
+      {"draw uniform --count 1 --generator -1", "no generator with the identifier \"-1\""},
+      {"draw uniform --count 1 --generator 0x500111", "no generator with the identifier"},
+      {"draw uniform --count 1 --generator wh:273", "there is no member 273 of wh; it has 273"},
+      {"draw uniform --count 1 --generator wh:-1", "there is no member -1"},
+      {"draw uniform --count 1 --generator wh:x", "the member \"x\" is not a number"},
+      {"draw uniform --count 1 --generator wh:", "the member \"\" is not a number"},
+      {"draw uniform --count 1 --generator mcg59:1", "it has 1"},
+      {"draw uniform --count 1 --generator wh:1 --member 2", "given twice"},
+      {"draw uniform --count 1 --generator 5 --member 2", "names a member already"},
+      {"draw uniform --count 1 --seed 4294967296", "not between 0 and 4294967295"},
+      {"draw uniform --count 1 --seed -1", "not between 0 and 4294967295"},
+      {"draw uniform --count 1 --seed 1 99999999999999999999", "not between 0 and 4294967295"},
+      {"draw uniform --count 1 --seed 1,,2", "the seed word \"\""},
+      {"draw uniform --count 1 --seed 1x", "the seed word \"1x\""},
+      {"draw uniform --count 1 --a 1", "b = 1 is not above a = 1"},
+      {"draw uniform --count 1 --a 2 --b 1", "b = 1 is not above a = 2"},
+      {"draw uniform --count 1 --a nan", "--a nan is not finite"},
+      {"draw uniform --count 1 --b inf", "--b inf is not finite"},
+      {"draw uniform --count 1 --b 1e999", "--b 1e999 is not finite"},
+      {"draw uniform --count 1 --a -1e308 --b 1e308", "b - a overflows"},
+      {"draw uniform --count 1 --b 1e39 --type s", "--b 1e39 is not finite"},
+      {"draw uniform --count 1 --a 1 --b 1.00000000001 --type s", "is not above"},
+      {"draw uniform --count 1 --b one", "--b \"one\" is not a number"},
+      {"draw uniform --count 1 --type i", "give --b"},
+      {"draw uniform --count 1 --type i --b 2.5", "--b \"2.5\" is not an integer"},
+      {"draw uniform --count 1 --type i --b 2147483648", "no 32-bit integer"},
+      {"draw uniform --count 1 --type i --b 2 --accurate", "--accurate is for"},
+      {"draw uniform --count 1 --type q", "unknown type \"q\""},
+      {"draw uniformbits --count 1 --type d", "uniformbits has no type"},
+      {"draw uniformbits --count 1 --a 0", "uniformbits has no parameter a"},
+      {"draw uniform --count 1 --leapfrog 3/3", "--leapfrog \"3/3\" is not K/S"},
+      {"draw uniform --count 1 --leapfrog 3", "is not K/S"},
+      {"draw uniform --count 1 --leapfrog 0/0", "is not K/S"},
+      {"draw uniform --count 1 --skip -1", "--skip \"-1\" is not a count"},
+      {"draw uniform --count 1 --skip 18446744073709551616", "is not a count"},
+  };
+  for (const auto& c : kCases) {
+    const std::string part = c.part == std::string("ln takes") ? "add takes two arguments" : c.part;
+    Check(c.arguments, part);
+  }
+  ExpectFailure(Run(""), "no command");
+  ExpectFailure(Run("list level"), "did you mean levels?");
+}
+
+TEST_F(BadInputTest, TextNamesItsLine) {
+  const struct {
+    const char *arguments, *input, *part;
+  } kCases[] = {
+      {"eval ln", "1\n\n# 2\n1,5\n", "standard input: line 4: \"1,5\" is not a number; --column"},
+      {"eval ln", "1\n0x\n", "line 2: \"0x\" is not a number\n"},
+      {"eval ln", "1\n2 3\n", "line 2: \"2 3\" is not a number; --column"},
+      {"eval ln", "1\nprice\n", "line 2: \"price\""},
+      {"eval ln", "--5\n", "line 1: \"--5\""},
+      {"eval ln", "1\n1e999\n", "line 2: \"1e999\" is beyond the range of double precision"},
+      {"eval ln --type s", "1e39\n", "line 1: \"1e39\" is beyond the range of single precision"},
+      {"eval ln", "1\n\x01\x02\xFF\n", "line 2: \"\\x01\\x02"},
+      {"eval ln --column 2", "1,2\n3\n", "line 2: there is no column 2, the line has 1"},
+      {"eval ln --column 2", "1,2\n3,\n", "line 2: \"\" is not a number"},
+      {"eval ln --column 2", "1,2\n3,\"4\n", "line 2: a quoted field has no end"},
+      {"eval ln --column 2", "1,2\n3,\"4\"5\n", "line 2: text follows a quoted field"},
+      {"eval ln --column 1", "12x,2\n", "line 1: \"12x\""},
+      {"eval ln --column 0", "1,2\n", "there is no column 0; the first is 1"},
+      {"eval ln --column 99999999999999999999", "1,2\n", "there is no column 99999999999999999999"},
+      {"eval ln --column prize", "day,price\n1,2\n", "no column \"prize\"; did you mean price?"},
+      {"eval ln --column price", "", "no header with a column \"price\""},
+      {"eval ln --column 1 --delimiter ab", "1\n", "the delimiter \"ab\""},
+      {"eval add --with b", "1\n2\n3\n", "b has 2 numbers, standard input has more"},
+      {"eval add --with b", "1\n", "standard input has 1 numbers, b has more"},
+      {"eval add --with bad", "1\n2\n", "bad: line 2: \"x\" is not a number"},
+  };
+  WriteFile("b", "1\n2\n");
+  WriteFile("bad", "1\nx\n");
+  for (const auto& c : kCases) Check(c.arguments, c.part, c.input);
+  Check("eval ln", "line 70001: \"oops\"", [] {
+    std::string text;
+    for (int i = 0; i < 70000; ++i) text += "1\n";
+    return text + "oops\n";
+  }());
+  Check("eval ln", "a line is longer than", std::string(3 << 20, '1'));
+  Check("eval ln", "is not a number",
+        std::string("1\n2\0"
+                    "3\n",
+                    6));
+}
+
+TEST_F(BadInputTest, FilesThatCannotBeRead) {
+  Check("eval ln absent.txt", "absent.txt: No such file or directory");
+  Check("eval ln .", ".: Is a directory");
+  Check("eval add --with absent --with-column 2", "absent: No such file or directory", "1\n");
+}
+
+TEST_F(BadInputTest, NpyTruncatedAnywhere) {
+  const std::string whole = Npy("{'descr': '<f8', 'fortran_order': False, 'shape': (3,), }   \n",
+                                Bytes<double>({1, 2, 3}));
+  for (size_t length = 0; length < whole.size(); ++length) {
+    SCOPED_TRACE(length);
+    WriteFile("in.npy", whole.substr(0, length));
+    const Outcome outcome = Run("eval ln in.npy -o result.npy");
+    ExpectFailure(outcome, "in.npy: the .npy ");
+    EXPECT_NE(outcome.err.find("cut short"), std::string::npos) << outcome.err;
+    EXPECT_EQ(Files(), std::vector<std::string>{"in.npy"});
+    // On standard input, what is shorter than the magic is text.
+    const Outcome piped = Run("eval ln -o result.npy", whole.substr(0, length));
+    if (length > 0) {
+      ExpectFailure(piped, "standard input: ");
+    }
+    EXPECT_EQ(Files().size(), length > 0 ? 1u : 2u);
+    if (length == 0) unlink((folder_ + "/result.npy").c_str());
+  }
+  ExpectFailure(Run("eval ln -o result", whole + "x"), "bytes follow the .npy array");
+  EXPECT_EQ(Run("eval ln in.npy", "").status, 2);
+}
+
+// Whatever a header says, the program answers with numbers or with one line.
+TEST_F(BadInputTest, NpyWithRandomDamage) {
+  const unsigned seed = std::random_device()();
+  SCOPED_TRACE(seed);
+  std::mt19937 random(seed);
+  const std::string whole = Npy("{'descr': '<f8', 'fortran_order': False, 'shape': (3,), }   \n",
+                                Bytes<double>({1, 2, 3}));
+  constexpr std::string_view kBytes("\0\n '\"(),:<>[]{}-0189adefilLx\x7F\xFF", 30);
+  for (int i = 0; i < 60; ++i) {
+    std::string file = whole;
+    for (int damage = 0; damage < 1 + i % 3; ++damage) {
+      file[random() % 76] = kBytes[random() % kBytes.size()];
+    }
+    const Outcome outcome = Run("eval abs -o result", file);
+    if (outcome.status == 0) {
+      EXPECT_EQ(Files(), std::vector<std::string>{"result"});
+      unlink((folder_ + "/result").c_str());
+    } else {
+      ExpectFailure(outcome, "standard input: ");
+      EXPECT_EQ(Files(), std::vector<std::string>{});
+    }
+  }
+}
+
+TEST_F(BadInputTest, NpyHeaders) {
+  const std::string data = Bytes<double>({1, 2, 3});
+  const struct {
+    const char *dictionary, *part;
+  } kCases[] = {
+      {"{'descr': '<c16', 'fortran_order': False, 'shape': (3,)}", "elements of type \"<c16\""},
+      {"{'descr': '|b1', 'fortran_order': False, 'shape': (24,)}", "elements of type \"|b1\""},
+      {"{'descr': '<f2', 'fortran_order': False, 'shape': (12,)}", "elements of type \"<f2\""},
+      {"{'descr': '<U2', 'fortran_order': False, 'shape': (3,)}", "elements of type"},
+      {"{'descr': [('x', '<f8')], 'fortran_order': False, 'shape': (3,)}", "records"},
+      {"{'descr': '<f8', 'fortran_order': False}", "damaged"},
+      {"{'descr': '<f8', 'shape': (3,)}", "damaged"},
+      {"{'fortran_order': False, 'shape': (3,)}", "damaged"},
+      {"{'descr': '<f8', 'descr': '<f8', 'fortran_order': False, 'shape': (3,)}", "damaged"},
+      {"{'descr': '<f8', 'fortran_order': Maybe, 'shape': (3,)}", "damaged"},
+      {"{'descr': '<f8', 'fortran_order': False, 'shape': (3)}", "damaged"},
+      {"{'descr': '<f8', 'fortran_order': False, 'shape': 3}", "damaged"},
+      {"{'descr': '<f8', 'fortran_order': False, 'shape': (-3,)}", "damaged"},
+      {"{'descr': '<f8', 'fortran_order': False, 'shape': (3,)", "damaged"},
+      {"{'descr': '<f8', 'fortran_order': False, 'shape': (3,", "damaged"},
+      {"{'descr': '<f8', 'fortran_order': False, 'shape': (3,)} junk", "damaged"},
+      {"{'descr': '<f8, 'fortran_order': False, 'shape': (3,)}", "elements of type"},
+      {"{'descr': '<f8', 'fortran_order': False, 'shape': (3,), 'more': 1}", "damaged"},
+      {"", "damaged"},
+      {"{", "damaged"},
+      {"{}", "damaged"},
+      {"{'descr': '<f8', 'fortran_order': False, 'shape': (99999999999999999999,)}", "too large"},
+      {"{'descr': '<f8', 'fortran_order': False, 'shape': (4294967296, 4294967296)}", "too large"},
+      {"{'descr': '<f8', 'fortran_order': False, 'shape': (9007199254740992,)}", "3 of"},
+      {"{'descr': '<f8', 'fortran_order': False, 'shape': (0,)}", "bytes follow"},
+  };
+  for (const auto& c : kCases) Check("eval ln", c.part, Npy(c.dictionary, data));
+  const std::string good = "{'descr': '<f8', 'fortran_order': False, 'shape': (3,)}";
+  Check("eval ln", ".npy version 4.0", Npy(good, data, 4));
+  std::string long_header = Npy(good, data, 2);
+  long_header[11] = '\x7F';  // a header of two gigabytes
+  Check("eval ln", "damaged", long_header);
+  WriteFile("text.npy", "1.5\n2.5\n3.5\n");
+  Check("eval ln text.npy", "text.npy: not an .npy file");
+  Check("eval ln --column 1", "--column is for text", Npy(good, data));
+  Check("eval ln --type s", "element 1: 1e+300 is beyond the range of single precision",
+        Npy(good, Bytes<double>({1, 1e300, 2})));
+  Check("eval modf --format npy", "Fortran order",
+        Npy("{'descr': '<f8', 'fortran_order': True, 'shape': (1, 3)}", data));
+}
+
+TEST_F(BadInputTest, AnOlderResultStays) {
+  result_ = "precious\n";
+  WriteFile("result", result_);
+  Check("eval ln", "line 3", "1\n2\nx\n");
+  Check("draw uniform --count 5 --a 3", "is not above");
+}
+
+}  // namespace
+}  // namespace cli_test
