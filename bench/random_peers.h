@@ -1,0 +1,34 @@
+// The peers of the generators: the engines of the C++ library, Boost and GSL, and for WH, which no
+// package has, the plain loop over its definition.
+#ifndef BENCH_RANDOM_PEERS_H_
+#define BENCH_RANDOM_PEERS_H_
+
+#include <cstdint>
+#include <span>
+
+namespace bench {
+
+// What is drawn: raw integers, doubles and floats on [0, 1), integers on [0, kIntegers).
+enum class Output { Bits, Double, Float, Integers };
+inline constexpr int32_t kIntegers = 100;
+
+constexpr const char* OutputName(Output output) {
+  constexpr const char* kNames[] = {"bits", "uniform d", "uniform f", "integers"};
+  return kNames[static_cast<int>(output)];
+}
+
+struct RandomPeer {
+  const char* generator;  // as in the catalogue
+  Output output;
+  const char* name;  // "Boost"; GSL's, which have other parameters, with the name of the engine
+  bool same;         // the generator's own parameters, seed 1: the same sequence
+  // n outputs to r, going on where the last call ended: bits are uint32_t, for MCG59 uint64_t, for
+  // WH four uint32_t.
+  void (*fill)(int n, void* r);
+};
+
+std::span<const RandomPeer> RandomPeers();
+
+}  // namespace bench
+
+#endif  // BENCH_RANDOM_PEERS_H_
