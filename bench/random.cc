@@ -57,7 +57,8 @@ bool AddAll(const bench::Level&) {
   for (const bench::RandomPeer& peer : bench::RandomPeers()) {
     const std::string name = std::string(peer.generator) + "/" + bench::OutputName(peer.output) +
                              (peer.same ? "/peer/" : "/other/") + peer.name;
-    for (int n : kLengths) bench::Add(name, n, kNoUlp, [=, &peer] { peer.fill(n, Results()); });
+    for (int n : kLengths)
+      bench::Add(name, n, kNoUlp, [fill = peer.fill, n] { fill(n, Results()); });
   }
   return true;
 }

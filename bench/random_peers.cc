@@ -1,5 +1,8 @@
+// The engines of packages and their loops. Their speed is the latency of one step: wider
+// instruction sets make none of them faster, so they are compiled once, for the baseline.
 #include "bench/random_peers.h"
 
+#include <iterator>
 #include <random>
 
 #include <gsl/gsl_rng.h>
@@ -7,6 +10,8 @@
 #include <boost/random/linear_congruential.hpp>
 #include <boost/random/uniform_01.hpp>
 #include <boost/random/uniform_int_distribution.hpp>
+
+#include "bench/wh_loop.h"
 
 namespace bench {
 namespace {
@@ -61,47 +66,6 @@ void FillGsl(int n, void* r) {
 }
 unsigned long GslInteger(gsl_rng* engine) { return gsl_rng_uniform_int(engine, kIntegers); }
 
-// Member 0 of WH, an element at a time.
-struct WhState {
-  uint32_t x[4] = {1, 1, 1, 1};
-};
-constexpr uint32_t kWhMultipliers[4] = {125, 117, 127, 126};
-constexpr uint32_t kWhModuli[4] = {16770647, 16770643, 16770623, 16770617};
-
-inline void WhStep(WhState& state) {
-  state.x[0] = state.x[0] * kWhMultipliers[0] % kWhModuli[0];
-  state.x[1] = state.x[1] * kWhMultipliers[1] % kWhModuli[1];
-  state.x[2] = state.x[2] * kWhMultipliers[2] % kWhModuli[2];
-  state.x[3] = state.x[3] * kWhMultipliers[3] % kWhModuli[3];
-}
-inline double WhUniform(const WhState& state) {
-  const double sum = state.x[0] * (1.0 / kWhModuli[0]) + state.x[1] * (1.0 / kWhModuli[1]) +
-                     state.x[2] * (1.0 / kWhModuli[2]) + state.x[3] * (1.0 / kWhModuli[3]);
-  return sum - static_cast<int32_t>(sum);
-}
-
-WhState wh_kept;
-
-template <typename T, int scale>
-void FillWh(int n, void* r) {
-  WhState state = wh_kept;
-  T* out = static_cast<T*>(r);
-  for (int i = 0; i < n; ++i) {
-    out[i] = static_cast<T>(WhUniform(state) * scale);
-    WhStep(state);
-  }
-  wh_kept = state;
-}
-void FillWhBits(int n, void* r) {
-  WhState state = wh_kept;
-  auto* out = static_cast<uint32_t*>(r);
-  for (int i = 0; i < n; ++i) {
-    for (int j = 0; j < 4; ++j) out[4 * i + j] = state.x[j];
-    WhStep(state);
-  }
-  wh_kept = state;
-}
-
 template <typename T>
 using StdReal = std::uniform_real_distribution<T>;
 template <typename T>
@@ -125,14 +89,18 @@ using BoostReal = boost::random::uniform_01<T>;
 const RandomPeer kRows[] = {
     ENGINES("MCG31M1", uint32_t, StdMcg31, BoostMcg31, "GSL minstd", gsl_rng_minstd),
     ENGINES("MCG59", uint64_t, StdMcg59, BoostMcg59, "GSL rand48", gsl_rng_rand48),
-    {"WH", Output::Bits, "plain loop", true, FillWhBits},
-    {"WH", Output::Double, "plain loop", true, FillWh<double, 1>},
-    {"WH", Output::Float, "plain loop", true, FillWh<float, 1>},
-    {"WH", Output::Integers, "plain loop", true, FillWh<int32_t, kIntegers>},
 };
 
 }  // namespace
 
-std::span<const RandomPeer> RandomPeers() { return kRows; }
+std::vector<RandomPeer> RandomPeers() {
+  std::vector<RandomPeer> peers(std::begin(kRows), std::end(kRows));
+  const WhLoops wh = WhLoop();
+  const PeerFill fills[] = {wh.bits, wh.doubles, wh.floats, wh.integers};
+  for (int i = 0; i < 4; ++i) {
+    peers.push_back({"WH", static_cast<Output>(i), "plain loop", true, fills[i]});
+  }
+  return peers;
+}
 
 }  // namespace bench

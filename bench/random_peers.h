@@ -4,13 +4,14 @@
 #define BENCH_RANDOM_PEERS_H_
 
 #include <cstdint>
-#include <span>
+#include <vector>
+
+#include "bench/wh_loop.h"
 
 namespace bench {
 
-// What is drawn: raw integers, doubles and floats on [0, 1), integers on [0, kIntegers).
+// What is drawn: raw integers, doubles and floats on [0, 1), integers on [0, 100).
 enum class Output { Bits, Double, Float, Integers };
-inline constexpr int32_t kIntegers = 100;
 
 constexpr const char* OutputName(Output output) {
   constexpr const char* kNames[] = {"bits", "uniform d", "uniform f", "integers"};
@@ -22,12 +23,10 @@ struct RandomPeer {
   Output output;
   const char* name;  // "Boost"; GSL's, which have other parameters, with the name of the engine
   bool same;         // the generator's own parameters, seed 1: the same sequence
-  // n outputs to r, going on where the last call ended: bits are uint32_t, for MCG59 uint64_t, for
-  // WH four uint32_t.
-  void (*fill)(int n, void* r);
+  PeerFill fill;
 };
 
-std::span<const RandomPeer> RandomPeers();
+std::vector<RandomPeer> RandomPeers();
 
 }  // namespace bench
 
