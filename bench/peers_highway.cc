@@ -27,9 +27,9 @@ namespace hn = hwy::HWY_NAMESPACE;
   }
 
 constexpr Peer kRows[] = {
-    HIGHWAY("Exp", Exp, 1.0, 1.0),     HIGHWAY("Expm1", Expm1, 4.0, 4.0),
-    HIGHWAY("Ln", Log, 1.0, 1.0),      HIGHWAY("Log10", Log10, 2.5, 2.5),
-    HIGHWAY("Log1p", Log1p, 2.5, 2.5),
+    HIGHWAY("Exp", Exp, 1.1, 1.0),     HIGHWAY("Expm1", Expm1, 4.0, 3.5),
+    HIGHWAY("Ln", Log, 1.0, 0.9),      HIGHWAY("Log10", Log10, 1.9, 2.1),
+    HIGHWAY("Log1p", Log1p, 2.4, 2.4),
 };
 
 }  // namespace
