@@ -57,7 +57,7 @@ def read_results(text, origin="results"):
             row, _, n = run["run_name"].rpartition("/n:")
             results[row, int(n)] = (run["per_element"] * 1e9, run.get("ulp"))
         return results, data["context"]
-    except (ValueError, KeyError) as error:
+    except (ValueError, KeyError, TypeError) as error:
         raise Failure(f"{origin}: no benchmark results: {error}") from None
 
 
