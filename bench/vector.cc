@@ -54,21 +54,22 @@ Operands<T> OperandsOf(const pex::Precision& precision) {
 template <typename T>
 void AddEntry(const pex::Entry& entry, const std::string& name, int n) {
   const auto [a, b, r, r2] = OperandsOf<T>(entry.precision());
+  void* const address = const_cast<void*>(entry.address);
   switch (entry.function->shape) {
     case pex::Shape::Unary: {
-      const auto f = reinterpret_cast<int (*)(int32_t, const T*, T*)>(entry.address);
+      const auto f = reinterpret_cast<int (*)(int32_t, const T*, T*)>(address);
       return bench::Add(name, n, kNoUlp, [=, a = a, r = r] { f(n, a, r); });
     }
     case pex::Shape::Binary: {
-      const auto f = reinterpret_cast<int (*)(int32_t, const T*, const T*, T*)>(entry.address);
+      const auto f = reinterpret_cast<int (*)(int32_t, const T*, const T*, T*)>(address);
       return bench::Add(name, n, kNoUlp, [=, a = a, b = b, r = r] { f(n, a, b, r); });
     }
     case pex::Shape::UnaryScalar: {
-      const auto f = reinterpret_cast<int (*)(int32_t, const T*, T, T*)>(entry.address);
+      const auto f = reinterpret_cast<int (*)(int32_t, const T*, T, T*)>(address);
       return bench::Add(name, n, kNoUlp, [=, a = a, b = b, r = r] { f(n, a, *b, r); });
     }
     case pex::Shape::UnaryTwo: {
-      const auto f = reinterpret_cast<int (*)(int32_t, const T*, T*, T*)>(entry.address);
+      const auto f = reinterpret_cast<int (*)(int32_t, const T*, T*, T*)>(address);
       return bench::Add(name, n, kNoUlp, [=, a = a, r = r, r2 = r2] { f(n, a, r, r2); });
     }
   }
