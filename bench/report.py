@@ -1,0 +1,445 @@
+#!/usr/bin/env python3
+"""Runs the benchmark programs and writes docs/performance.md with its plots.
+
+    bench/report.py                          the whole document; takes several minutes
+    bench/report.py --filter '^Ln/' --print  a part of the tables, to the terminal
+
+Every figure is the least of many short repeats, ours and the peers' shuffled in one run, on one
+processor. A ratio is our time over the peer's: below 1 we are faster.
+"""
+
+import argparse
+import collections
+import datetime
+import json
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+
+LEVELS = {"avx512": "AVX-512", "avx2": "AVX2", "sse4": "SSE4"}
+JUDGED = ("avx512", "avx2")  # levels whose misses are listed; others are for information
+PROGRAMS = {"vector": "pexquo_bench", "random": "pexquo_bench_random"}
+TYPES = {"d": "double", "s": "single"}
+TIERS = ("ep", "la", "ha", "plain")
+OURS = "pexquo"
+
+# Bounds of the error classes, in ulp; LA is compared with peers of its class.
+LA_CLASS = 4.0
+LA_CLASS_OF = {("Ln", "d"): 1.0}
+HA_CLASS = 1.0
+CLASS_SLACK = 1.1
+# The most that a ratio may be.
+HA_SINGLE_LIMIT = 2.0  # correctly rounded, hence twice SLEEF's time
+EP_GAIN = 1.2          # LA time over EP time, at least
+CALL_OVERHEAD = 10.0   # ns of a call of 1 to 15 elements beyond its elements
+RANDOM_GAIN = {"MCG31M1": 5.0, "MCG59": 3.0, "WH": 3.0}  # peer's time over ours, at least
+
+
+class Failure(Exception):
+    """Ends the program with one line and status 2."""
+
+
+# ---- Results: {(row, n): (ns per element, ulp or None)}; a row is the name without its length. ----
+
+
+def read_results(text, origin="results"):
+    """The minima in Google Benchmark's JSON, in the programs' order, and its context."""
+    if not text.strip():
+        return {}, {}  # nothing matched the filter
+    try:
+        data = json.loads(text)
+        results = {}
+        for run in sorted(data["benchmarks"], key=lambda run: run["family_index"]):
+            if run.get("aggregate_name") != "min":
+                continue
+            row, _, n = run["run_name"].rpartition("/n:")
+            results[row, int(n)] = (run["per_element"] * 1e9, run.get("ulp"))
+        return results, data["context"]
+    except (ValueError, KeyError, TypeError) as error:
+        raise Failure(f"{origin}: no benchmark results: {error}") from None
+
+
+def run_program(path, level, extra):
+    command = [str(path), f"--level={level}", "--benchmark_format=json", *extra]
+    try:
+        done = subprocess.run(command, capture_output=True, text=True, check=False)
+    except OSError as error:
+        raise Failure(f"{path}: {error.strerror}") from None
+    if done.returncode:
+        raise Failure((done.stderr.strip() or f"{path} failed").splitlines()[-1])
+    return done.stdout
+
+
+# ---- Judging: rows of the tables, and what misses its target. ----
+
+Miss = collections.namedtuple("Miss", "what ratio limit")
+VectorRow = collections.namedtuple("VectorRow", "function type tier ours peer peer_ulp peers limit gain")
+RandomRow = collections.namedtuple("RandomRow", "generator output ours peer peers limit")
+
+
+def times_at(results, prefix):
+    """{name: {n: (ns, ulp)}} of the rows `prefix`/name."""
+    found = collections.defaultdict(dict)
+    for (row, n), value in results.items():
+        if row.startswith(prefix + "/"):
+            found[row[len(prefix) + 1:]][n] = value
+    return found
+
+
+def fastest(peers, n, admitted):
+    names = [p for p in peers if n in peers[p] and admitted(p, peers[p][n][1])]
+    return min(names, key=lambda p: peers[p][n][0], default=None)
+
+
+def reference(function, kind, tier, peers, n):
+    """The peer that a tier is held against, and the ratio that it may reach (None: no target)."""
+    if tier == "ha":
+        sleef = lambda p, ulp: p.startswith("SLEEF") and ulp <= HA_CLASS * CLASS_SLACK
+        return fastest(peers, n, sleef), 1.0 if kind == "d" else HA_SINGLE_LIMIT
+    if tier == "la":
+        bound = LA_CLASS_OF.get((function, kind), LA_CLASS)
+        slack = CLASS_SLACK if bound < LA_CLASS else 1
+        return fastest(peers, n, lambda p, ulp: ulp <= bound * slack), 1.0
+    return fastest(peers, n, lambda p, ulp: True), 1.0 if tier == "ep" else None
+
+
+def vector_rows(results, n):
+    """Rows in the order of the results; `gain` is LA time over EP time in EP rows."""
+    rows = []
+    for (row, length), _ in results.items():
+        parts = row.split("/")
+        if length != n or len(parts) != 3 or parts[2] not in TIERS:
+            continue
+        function, kind, tier = parts
+        ours = {m: v[0] for m, v in times_at(results, f"{function}/{kind}")[tier].items()}
+        peers = times_at(results, f"{function}/{kind}/peer")
+        peer, limit = reference(function, kind, tier, peers, n)
+        la = results.get((f"{function}/{kind}/la", n))
+        gain = la[0] / ours[n] if tier == "ep" and la else None
+        rows.append(VectorRow(function, kind, tier, ours, peer, peers[peer][n][1] if peer else None,
+                              peers, limit, gain))
+    return rows
+
+
+def vector_misses(rows, n):
+    misses = []
+    for row in rows:
+        what = f"{row.function} {TYPES[row.type]} {row.tier.upper()}"
+        if row.peer and row.limit:
+            ratio = row.ours[n] / row.peers[row.peer][n][0]
+            if ratio > row.limit:
+                misses.append(Miss(f"{what} beside {row.peer}", ratio, f"at most {row.limit:g}"))
+        if row.gain is not None and row.gain < EP_GAIN:
+            misses.append(Miss(f"{what}, time of LA over its own", row.gain, f"at least {EP_GAIN:g}"))
+    return misses
+
+
+def call_overheads(row, n):
+    """{length: ns beyond the elements} of the calls of 1 to 15 elements."""
+    return {m: t * m - row.ours[n] * m for m, t in sorted(row.ours.items()) if m < 16}
+
+
+def call_misses(rows, n):
+    misses = []
+    for row in rows:
+        overheads = call_overheads(row, n)
+        if overheads and max(overheads.values()) > CALL_OVERHEAD:
+            worst = max(overheads, key=overheads.get)
+            what = f"{row.function} {TYPES[row.type]} {row.tier.upper()}, call of {worst}, ns beyond its elements"
+            misses.append(Miss(what, overheads[worst], f"at most {CALL_OVERHEAD:g}"))
+    return misses
+
+
+def random_rows(results, n):
+    """Clamped uniforms are held against the peers' plain ones: they have no other."""
+    rows = []
+    for (row, length), _ in results.items():
+        parts = row.split("/")
+        if length != n or len(parts) != 3 or parts[2] != OURS:
+            continue
+        generator, output = parts[:2]
+        ours = {m: v[0] for m, v in times_at(results, f"{generator}/{output}")[OURS].items()}
+        drawn = output.removesuffix(" clamped")
+        same = times_at(results, f"{generator}/{drawn}/peer")
+        others = times_at(results, f"{generator}/{drawn}/other")
+        gain = RANDOM_GAIN.get(generator)
+        rows.append(RandomRow(generator, output, ours, fastest(same, n, lambda p, ulp: True),
+                              {**same, **others}, 1 / gain if gain else None))
+    return rows
+
+
+def random_misses(rows, n):
+    misses = []
+    for row in rows:
+        if row.peer and row.limit:
+            ratio = row.ours[n] / row.peers[row.peer][n][0]
+            if ratio > row.limit:
+                misses.append(Miss(f"{row.generator} {row.output} beside {row.peer}", ratio,
+                                   f"at most {row.limit:.2f}"))
+    return misses
+
+
+# ---- Tables. ----
+
+
+def number(x):
+    return "-" if x is None else f"{x:.3f}" if x < 10 else f"{x:.1f}"
+
+
+def table(head, rows):
+    left = {"function", "type", "tier", "peer", "generator", "output"}
+    lines = ["| " + " | ".join(head) + " |",
+             "|" + "|".join("---" if h.split(" ")[0] in left else "---:" for h in head) + "|"]
+    return "\n".join(lines + ["| " + " | ".join(cells) + " |" for cells in rows])
+
+
+def pair(row, n):
+    """Ours and the peer's at another length."""
+    peer = row.peers.get(row.peer, {}).get(n)
+    return f"{number(row.ours.get(n))} / {number(peer and peer[0])}"
+
+
+def ratio_cell(row, n):
+    if not row.peer:
+        return "-"
+    ratio = row.ours[n] / row.peers[row.peer][n][0]
+    return f"**{ratio:.2f}**" if row.limit and ratio > row.limit else f"{ratio:.2f}"
+
+
+def vector_table(rows):
+    cells = []
+    for row in rows:
+        peer = f"{row.peer} ({row.peer_ulp:g} ulp)" if row.peer else "-"
+        gain = "" if row.gain is None else f"**{row.gain:.2f}**" if row.gain < EP_GAIN else f"{row.gain:.2f}"
+        cells.append([row.function, TYPES[row.type], row.tier.upper() if row.tier != "plain" else "",
+                      pair(row, 16), pair(row, 100000), number(row.ours[1024]), peer,
+                      number(row.peers[row.peer][1024][0]) if row.peer else "-", gain,
+                      f"{row.limit:g}" if row.limit and row.peer else "-", ratio_cell(row, 1024)])
+    return table(["function", "type", "tier", "n = 16", "n = 100000", "n = 1024", "peer", "its time",
+                  "LA / EP", "target", "ratio"], cells)
+
+
+def call_table(rows):
+    lengths = range(1, 16)
+    cells = [[row.function, TYPES[row.type], row.tier.upper() if row.tier != "plain" else ""] +
+             [f"{row.ours[m] * m:.1f}" if m in row.ours else "-" for m in lengths]
+             for row in rows if any(m in row.ours for m in lengths)]
+    return table(["function", "type", "tier", *map(str, lengths)], cells) if cells else ""
+
+
+def random_table(rows):
+    cells = []
+    for row in rows:
+        names = [p for p in row.peers if p != row.peer and 1000 in row.peers[p]]
+        beside = ", ".join(f"{p} {number(row.peers[p][1000][0])}" for p in names) or "-"
+        cells.append([row.generator, row.output, pair(row, 16), pair(row, 1000000),
+                      number(row.ours[1000]), row.peer or "-",
+                      number(row.peers[row.peer][1000][0]) if row.peer else "-", beside,
+                      f"{row.limit:.2f}" if row.limit else "-", ratio_cell(row, 1000)])
+    return table(["generator", "output", "n = 16", "n = 1000000", "n = 1000", "peer", "its time",
+                  "others", "target", "ratio"], cells)
+
+
+# ---- Plots. ----
+
+COLOURS = {OURS: "#d95f02", "ep": "#fdbe85", "la": "#fd8d3c", "ha": "#d94701", "SLEEF u10": "#2c5aa0",
+           "SLEEF u35": "#74add1", "libmvec": "#5e4fa2", "Highway": "#66bd63", "std": "#2c5aa0",
+           "Boost": "#74add1", "GSL": "#5e4fa2"}
+OTHER_COLOUR = "#888888"
+
+
+def bars(title, clusters, log):
+    """A gnuplot script: clusters is {label: {series: ns}}."""
+    known = list(COLOURS)
+    series = sorted({s for c in clusters.values() for s in c},
+                    key=lambda s: (known.index(s) if s in known else len(known), s))
+    lines = ["$data << EOD"]
+    for label, values in clusters.items():
+        lines.append("\t".join([f'"{label}"'] + [f"{values[s]:.4g}" if s in values else "NaN"
+                                                   for s in series]))
+    lines += ["EOD", f'set title "{title}"', "set style data histogram",
+              "set style histogram clustered gap 1.5", "set style fill solid 0.9 noborder",
+              'set datafile separator "\\t"', "set xtics rotate by -35 nomirror",
+              'set ylabel "ns per element"', "set grid ytics lc rgb '#dddddd'",
+              "set key outside top center horizontal", "set border 3", "set ytics nomirror",
+              "set logscale y" if log else "set yrange [0:*]"]
+    plots = []
+    for i, name in enumerate(series):
+        colour = COLOURS.get(name, OTHER_COLOUR)
+        shown = f"pexquo {name.upper()}" if name in TIERS else name
+        plots.append(f"$data using {i + 2}{':xtic(1)' if i == 0 else ''} title '{shown}' lc rgb '{colour}'")
+    return "\n".join(lines) + "\nplot " + ", \\\n  ".join(plots) + "\n"
+
+
+def vector_plot(rows, title):
+    clusters = {}
+    for row in rows:
+        if row.tier == "plain" or 1024 not in row.ours:
+            continue
+        cluster = clusters.setdefault(f"{row.function} {row.type}", {})
+        cluster[row.tier] = row.ours[1024]
+        cluster.update({p: v[1024][0] for p, v in row.peers.items() if 1024 in v})
+    return bars(f"{title}, arrays of 1024", clusters, log=False) if clusters else None
+
+
+def random_plot(rows, title):
+    clusters = {f"{row.generator} {row.output}":
+                {OURS: row.ours[1000],
+                 **{p.split(" ")[0] if p.startswith("GSL") else p: v[1000][0]
+                    for p, v in row.peers.items() if 1000 in v}}
+                for row in rows if not row.output.endswith("clamped")}
+    return bars(f"{title}, arrays of 1000", clusters, log=True) if clusters else None
+
+
+def draw(script, path):
+    head = f"set terminal svg size 1100,420 font 'sans,12'\nset output '{path}'\n"
+    done = subprocess.run(["gnuplot"], input=head + script, text=True, capture_output=True, check=False)
+    if done.returncode:
+        raise Failure("gnuplot: " + (done.stderr.strip().splitlines() or ["failed"])[-1])
+
+
+# ---- The document. ----
+
+INTRODUCTION = """# Performance
+
+Written by `bench/report.py`. {machine}
+
+All times are nanoseconds per element (for generators: per output), each the least of {repeats} repeats
+of about {milliseconds:g} ms of one thread's processor time; the repeats of everything in a table are shuffled in one
+run. Times vary from machine to machine and from day to day; ratios of one run are what counts. A
+ratio is our time over the peer's: **below 1 we are faster.** Ratios beyond their target are bold.
+
+Peers work at the same vector level. They have no array entries, so each is called in a plain loop
+over whole vectors, compiled for the level. The error in brackets is the largest that was seen.
+LA is held against the fastest peer of at most 4 ulp (Ln in double, itself within 1 ulp, against the
+fastest of at most 1 ulp), HA against SLEEF's function of 1.0 ulp, EP against the fastest peer of
+any kind and to 1.2 times the speed of LA. HA in single precision is correctly rounded and may take
+twice SLEEF's time. The arithmetic functions, beside a loop left to the compiler, have no target.
+"""
+
+RANDOM_INTRODUCTION = """Peers run the generator's own parameters; under `others` stand engines with other
+parameters. The peer of WH is a plain loop over its definition. `integers` are drawn from [0, 100).
+Clamped uniforms and integers are held to the same target as the generator's other outputs.
+"""
+
+
+def columns(text):
+    return text and text + "\n"
+
+
+def machine_line(context):
+    model = "unknown processor"
+    try:
+        for line in pathlib.Path("/proc/cpuinfo").read_text().splitlines():
+            if line.startswith("model name"):
+                model = line.partition(":")[2].strip()
+                break
+    except OSError:
+        pass
+    return f"Machine: {model}; compiler: {context.get('compiler', '?')}; date: {datetime.date.today()}."
+
+
+def document(levels, machine, repeats, milliseconds):
+    """levels: {level: (results of the vector program, of the random program)}. Returns the text and
+    {plot's file name: gnuplot script}."""
+    parts, plots, falls_short = [], {}, []
+    for level, (vector, random) in levels.items():
+        title = LEVELS[level]
+        rows, draws = vector_rows(vector, 1024), random_rows(random, 1000)
+        if level in JUDGED:
+            misses = vector_misses(rows, 1024) + random_misses(draws, 1000) + call_misses(rows, 1024)
+            falls_short += [f"- {title}: {m.what}: {m.ratio:.2f}, target {m.limit}." for m in misses]
+        for kind, script in (("vector", vector_plot(rows, f"Vector math, {title}")),
+                             ("random", random_plot(draws, f"Generators, {title}"))):
+            if script:
+                plots[f"performance-{kind}-{level}.svg"] = script
+        picture = lambda kind: (f"![ns per element]({name})\n" if (name := f"performance-{kind}-{level}.svg") in plots else "")
+        if rows:
+            parts += [f"## Vector math, {title}\n", picture("vector"),
+                      "Under n = 16 and n = 100000: ours / the peer's.\n", columns(vector_table(rows))]
+            calls = call_table(rows)
+            if calls:
+                parts += [f"### Short calls, {title}\n", "Nanoseconds per call of 1 to 15 elements.\n",
+                          columns(calls)]
+        if draws:
+            parts += [f"## Generators, {title}\n", picture("random"), RANDOM_INTRODUCTION,
+                      columns(random_table(draws))]
+    listed = "\n".join(falls_short) if falls_short else "Nothing: every target is met."
+    head = [INTRODUCTION.format(machine=machine, repeats=repeats, milliseconds=milliseconds),
+            "## What falls short\n", listed + "\n"]
+    return "\n".join(p for p in head + parts if p), plots
+
+
+def main(arguments):
+    root = pathlib.Path(__file__).resolve().parent.parent
+    parser = argparse.ArgumentParser(description="Runs the benchmarks and writes docs/performance.md.")
+    parser.add_argument("--programs", type=pathlib.Path, default=root / "build/release/bin",
+                        help="folder of the programs (default: build/release/bin)")
+    parser.add_argument("--levels", default=",".join(LEVELS), help="default: %(default)s")
+    parser.add_argument("--filter", default="", help="regular expression on row names")
+    parser.add_argument("--repeats", type=int, default=60)
+    parser.add_argument("--milliseconds", type=float, default=1.0, help="of a repeat")
+    parser.add_argument("--cpu", type=int, help="run on this processor (default: the first allowed)")
+    parser.add_argument("--raw", type=pathlib.Path, help="keep the raw results in this folder")
+    parser.add_argument("--reuse", action="store_true", help="do not measure: read --raw again")
+    parser.add_argument("--print", action="store_true", help="to the terminal, without plots")
+    parser.add_argument("--output", type=pathlib.Path, default=root / "docs", help="default: docs")
+    options = parser.parse_args(arguments)
+    if options.reuse and not options.raw:
+        raise Failure("--reuse needs --raw")
+    names = options.levels.split(",")
+    for level in names:
+        if level not in LEVELS:
+            raise Failure(f"unknown level '{level}': {', '.join(LEVELS)}")
+    if not options.print and not shutil.which("gnuplot"):
+        raise Failure("gnuplot is missing; install gnuplot-nox, or use --print")
+    try:
+        allowed = sorted(os.sched_getaffinity(0))
+        os.sched_setaffinity(0, {allowed[0] if options.cpu is None else options.cpu})
+    except OSError:
+        raise Failure(f"no processor {options.cpu}") from None
+
+    extra = [f"--benchmark_repetitions={options.repeats}",
+             f"--benchmark_min_time={options.milliseconds / 1000:g}"]
+    if options.filter:
+        extra.append(f"--benchmark_filter={options.filter}")
+    levels, context = {}, {}
+    for level in names:
+        measured = []
+        for kind, program in PROGRAMS.items():
+            raw = options.raw and options.raw / f"{kind}-{level}.json"
+            if options.reuse:
+                try:
+                    text = raw.read_text()
+                except OSError as error:
+                    raise Failure(f"{raw}: {error.strerror}") from None
+            else:
+                print(f"measuring {program}, {LEVELS[level]}", file=sys.stderr)
+                text = run_program(options.programs / program, level, extra)
+                if raw:
+                    raw.parent.mkdir(parents=True, exist_ok=True)
+                    raw.write_text(text)
+            results, found = read_results(text, raw or program)
+            context = found or context
+            measured.append(results)
+        levels[level] = measured
+    if not context:
+        raise Failure("no benchmark matches the filter")
+    text, plots = document(levels, machine_line(context), options.repeats, options.milliseconds)
+    if options.print:
+        print(text)
+        return
+    options.output.mkdir(parents=True, exist_ok=True)
+    for name, script in plots.items():
+        draw(script, options.output / name)
+    (options.output / "performance.md").write_text(text)
+
+
+if __name__ == "__main__":
+    try:
+        main(sys.argv[1:])
+    except Failure as failure:
+        print(f"report.py: {failure}", file=sys.stderr)
+        sys.exit(2)

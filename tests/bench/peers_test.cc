@@ -1,0 +1,182 @@
+// The benchmarks compare like with like: a peer computes the function its row names, no worse than
+// the row says, at every level; an engine said to have a generator's parameters draws its sequence.
+#include "bench/peers.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <functional>
+#include <limits>
+#include <map>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "bench/random_peers.h"
+#include "catalogue/catalogue.h"
+#include "hwy/aligned_allocator.h"
+#include "pexquo/quo.h"
+
+namespace {
+
+using Reference = std::function<long double(long double a, long double b)>;
+using Wide = long double;
+
+const std::map<std::string, Reference> kReferences = {
+    {"Exp", [](Wide a, Wide) { return std::exp(a); }},
+    {"Expm1", [](Wide a, Wide) { return std::expm1(a); }},
+    {"Ln", [](Wide a, Wide) { return std::log(a); }},
+    {"Log10", [](Wide a, Wide) { return std::log10(a); }},
+    {"Log1p", [](Wide a, Wide) { return std::log1p(a); }},
+    {"Add", [](Wide a, Wide b) { return a + b; }},
+    {"Sub", [](Wide a, Wide b) { return a - b; }},
+    {"Mul", [](Wide a, Wide b) { return a * b; }},
+    {"Sqr", [](Wide a, Wide) { return a * a; }},
+    {"Abs", [](Wide a, Wide) { return std::fabs(a); }},
+    {"Ceil", [](Wide a, Wide) { return std::ceil(a); }},
+    {"Floor", [](Wide a, Wide) { return std::floor(a); }},
+    {"Trunc", [](Wide a, Wide) { return std::trunc(a); }},
+    {"Rint", [](Wide a, Wide) { return std::rint(a); }},
+    {"NearbyInt", [](Wide a, Wide) { return std::nearbyint(a); }},
+    {"Round", [](Wide a, Wide) { return std::round(a); }},
+    {"Modf", [](Wide a, Wide) { return std::trunc(a); }},
+};
+
+template <typename T>
+double UlpError(T got, Wide want) {
+  using Limits = std::numeric_limits<T>;
+  if (want == 0) return got == 0 ? 0 : HUGE_VAL;
+  const int exponent = std::max(std::ilogb(want), Limits::min_exponent - 1);
+  return static_cast<double>(std::fabs(got - want) /
+                             std::ldexp(Wide(1), exponent - Limits::digits + 1));
+}
+
+// Half the arguments uniform on the typical range, half spread over magnitudes from 1e-30 up to its
+// greater end; a quarter of those of a function of positive arguments reach 1e30.
+template <typename T>
+void Draw(pex::Range range, std::mt19937_64& engine, int n, T* a) {
+  std::uniform_real_distribution<double> uniform(range.lo, range.hi);
+  const double most = std::max(std::fabs(range.lo), range.hi);
+  std::uniform_real_distribution<double> magnitude(std::log(1e-30), std::log(most));
+  for (int i = 0; i < n; ++i) {
+    double x = i % 2 == 0 ? uniform(engine) : std::exp(magnitude(engine));
+    if (i % 4 == 3 && range.lo < 0) x = -x;
+    if (i % 8 == 7 && range.lo == 0) x = 1 / x;
+    a[i] = static_cast<T>(std::clamp(x, range.lo == 0 ? 1e-30 : range.lo, std::max(range.hi, x)));
+  }
+}
+
+template <typename T>
+void CheckPeer(const bench::Peer& peer, bench::PeerCall<T> call, const pex::Precision& precision,
+               int n) {
+  constexpr unsigned kSeed = 20240607;
+  std::mt19937_64 engine(kSeed);
+  hwy::AlignedFreeUniquePtr<T[]> x[4];
+  for (auto& array : x) array = hwy::AllocateAligned<T>(n);
+  Draw(precision.typical, engine, n, x[0].get());
+  Draw(precision.typical, engine, n, x[1].get());
+  call(n, x[0].get(), x[1].get(), x[2].get(), x[3].get());
+  const Reference& reference = kReferences.at(peer.function);
+  double worst = 0;
+  int where = 0;
+  for (int i = 0; i < n; ++i) {
+    const double error = UlpError(x[2][i], reference(x[0][i], x[1][i]));
+    if (!(error <= worst)) worst = error, where = i;
+    if (std::string_view(peer.function) == "Modf") {
+      ASSERT_EQ(x[3][i], x[0][i] - x[2][i]) << x[0][i];
+    }
+  }
+  EXPECT_LE(worst, peer.ulp) << "at " << x[0][where] << ", seed " << kSeed;
+}
+
+TEST(Peers, ComputeTheirFunctionAsWellAsTheySay) {
+  constexpr int kCount = 40000;
+  for (const bench::Level& level : bench::Levels()) {
+    if (!bench::ProcessorHas(level)) {
+      std::printf("skipped: no %s\n", level.title);
+      continue;
+    }
+    bench::UseLevel(level);
+    for (const bench::Peer& peer : bench::PeersAt(level)) {
+      SCOPED_TRACE(std::string(level.name) + " " + peer.name + " " + peer.function +
+                   (peer.d != nullptr ? " double" : " single"));
+      const pex::Function* function = pex::FindFunction(peer.function);
+      ASSERT_NE(function, nullptr);
+      if (peer.d != nullptr) {
+        CheckPeer(peer, peer.d, function->d, kCount);
+      } else {
+        CheckPeer(peer, peer.s, function->s, kCount);
+      }
+    }
+  }
+}
+
+// Words of 32 bits of a raw integer.
+int WordsOf(std::string_view generator) {
+  return generator == "WH" ? 4 : generator == "MCG59" ? 2 : 1;
+}
+
+std::vector<uint32_t> LibraryBits(std::string_view generator, int n) {
+  const uint32_t seed[] = {1};
+  StreamState* stream = nullptr;
+  for (const quo::Generator& g : quo::Generators()) {
+    if (g.name != generator) continue;
+    EXPECT_EQ(__quoNewStreamEx(&stream, g.id, 1, seed), QUO_OK);
+  }
+  std::vector<uint32_t> bits(static_cast<size_t>(n) * WordsOf(generator));
+  EXPECT_EQ(_quoiRngUniformBits(0, stream, n, bits.data()), QUO_OK);
+  __quoDeleteStream(&stream);
+  return bits;
+}
+
+TEST(RandomPeers, DrawTheSequenceOfTheirGenerator) {
+  constexpr int n = 1000;
+  for (const bench::RandomPeer& peer : bench::RandomPeers()) {
+    if (!peer.same || peer.output != bench::Output::Bits) continue;
+    SCOPED_TRACE(std::string(peer.generator) + " " + peer.name);
+    const int words = WordsOf(peer.generator);
+    std::vector<uint32_t> got(n * words);
+    for (int i = 0; i < n; i += 8) peer.fill(8, got.data() + i * words);
+    // Engines of packages step before they output, the library and the plain loop after.
+    const bool late = std::string_view(peer.name) != "plain loop";
+    const std::vector<uint32_t> bits = LibraryBits(peer.generator, n + 1);
+    const auto begin = bits.begin() + (late ? words : 0);
+    EXPECT_EQ(got, std::vector<uint32_t>(begin, begin + n * words));
+  }
+}
+
+template <typename T>
+void CheckUniform(const bench::RandomPeer& peer, T end) {
+  constexpr int n = 10000;
+  std::vector<T> r(n);
+  peer.fill(n, r.data());
+  const auto [least, most] = std::minmax_element(r.begin(), r.end());
+  EXPECT_GE(*least, T(0));
+  EXPECT_LE(*most, end);
+  EXPECT_LE(*least, end / T(100));
+  EXPECT_GE(*most, end - end / T(100));
+}
+
+TEST(RandomPeers, AreUniformOnTheirInterval) {
+  for (const bench::RandomPeer& peer : bench::RandomPeers()) {
+    SCOPED_TRACE(std::string(peer.generator) + " " + peer.name + " " + OutputName(peer.output));
+    switch (peer.output) {
+      case bench::Output::Bits:
+        break;
+      case bench::Output::Double:
+        CheckUniform<double>(peer, 1);
+        break;
+      case bench::Output::Float:
+        CheckUniform<float>(peer, 1);
+        break;
+      case bench::Output::Integers:
+        CheckUniform<int32_t>(peer, bench::kIntegers - 1);
+        break;
+    }
+  }
+}
+
+}  // namespace
