@@ -29,10 +29,15 @@ struct Bits {
   uint16_t sign_exponent;
 };
 
-inline Bits ToBits(long double x) {
+// The instruction reads two bytes and no more: a wider load would wait for a store of ten to
+// finish.
+inline Bits ToBits(const long double& x) {
+  typedef const uint16_t __attribute__((may_alias)) Word;
   Bits b;
+  uint32_t word;
+  __asm__("movzwl %1, %0" : "=r"(word) : "m"(reinterpret_cast<Word*>(&x)[4]));
   std::memcpy(&b.significand, &x, 8);
-  std::memcpy(&b.sign_exponent, reinterpret_cast<const char*>(&x) + 8, 2);
+  b.sign_exponent = static_cast<uint16_t>(word);
   return b;
 }
 
@@ -193,15 +198,22 @@ inline long double Scale(Pair v, int n) {
 
 // ---- Entries ----
 
-// f(x) under X87Guard. The argument and the result pass through barriers between the guard's two
-// ends, so no arithmetic of f can move out of them.
-template <class F>
-inline long double Guarded(F f, long double x) {
+// F(x) with the control word put aside. Argument and result pass through barriers between the ends
+// of the guard, so no arithmetic of F can move out of them.
+template <auto F>
+[[gnu::noinline]] long double UnderGuard(long double x) {
   const X87Guard guard;
   __asm__ volatile("" : "+m"(x));
-  long double r = f(x);
+  long double r = F(x);
   __asm__ volatile("" : "+t"(r));
   return r;
+}
+
+// F(x) under any control word of the caller. Under the usual one F is inlined, which spares a copy
+// of x through a register.
+template <auto F>
+[[gnu::always_inline]] inline long double Guarded(long double x) {
+  return X87Guard::Needed() ? UnderGuard<F>(x) : F(x);
 }
 
 }  // namespace pex::ldbl

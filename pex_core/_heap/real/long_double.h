@@ -10,6 +10,7 @@
 
 #include "pex_core/_heap/real/extended.h"
 
+#pragma GCC visibility push(hidden)
 extern "C" {
 
 // e^x: inf for inf, +0 for -inf; overflow to inf, underflow to a subnormal number or +0.
@@ -23,7 +24,8 @@ long double _pexlog1pl_scalar(long double x);
 
 // |x|; a NaN becomes a quiet NaN without sign. Raises nothing.
 long double _pexfabsl_scalar(long double x);
-}
+
+}  // extern "C"
 
 namespace pex::ldbl {
 
@@ -51,5 +53,6 @@ Pair LogPair(Pair x);
 Pair Log1pPair(Pair x);
 
 }  // namespace pex::ldbl
+#pragma GCC visibility pop
 
 #endif  // PEX_CORE__HEAP_REAL_LONG_DOUBLE_H_

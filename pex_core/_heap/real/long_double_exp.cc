@@ -36,7 +36,7 @@ inline Reduced Reduce(Pair x) {
   if (x != x) return x + x;
   if (x > 1) return x == kInfinity ? x : Raise(0x1p16383L, 0x1p16383L);
   if (x < -1) return x == -kInfinity ? 0.0L : Raise(0x1p-16382L, 0x1p-16382L);
-  return x == 0 ? 1.0L : 1.0L + 0x1p-66L;
+  return 1;
 }
 
 [[gnu::noinline]] long double Accurate(long double x) {
@@ -44,25 +44,7 @@ inline Reduced Reduce(Pair x) {
   return Scale(s.value, s.n);
 }
 
-}  // namespace
-
-Scaled ExpPair(Pair x) {
-  const Reduced a = Reduce(x);
-  const long double r = a.r.hi;
-  // p = e^r - 1 = r + r^2/2 + r^3 tail, the tail Taylor's to r^8/8!: what is left out is below
-  // 2^-104.
-  const Pair square = TwoSquare(r);
-  const long double tail =
-      1.0L / 6 + r * (1.0L / 24 +
-                      r * (1.0L / 120 + r * (1.0L / 720 + r * (1.0L / 5040 + r * (1.0L / 40320)))));
-  const long double cubic = r * square.hi * tail;
-  Pair p = FastTwoSum(r, 0.5L * square.hi);
-  p = FastTwoSum(p.hi, p.lo + (cubic + (0.5L * square.lo + (a.r.lo + r * a.r.lo))));
-  const Pair t = {a.power.hi, a.power.lo};
-  return {AddFast(t, Mul(t, p)), a.n};
-}
-
-long double Exp(long double x) {
+[[gnu::always_inline]] inline long double Body(long double x) {
   const unsigned exponent = ToBits(x).sign_exponent & 0x7FFF;
   if (exponent - (16383 - 66) >= 66 + 14) [[unlikely]]
     return Special(x);
@@ -80,6 +62,27 @@ long double Exp(long double x) {
   return v.hi * PowerOfTwo(a.n);
 }
 
+}  // namespace
+
+long double Exp(long double x) { return Body(x); }
+
+Scaled ExpPair(Pair x) {
+  const Reduced a = Reduce(x);
+  const long double r = a.r.hi;
+  // p = e^r - 1 = r + r^2/2 + r^3 tail, the tail Taylor's to r^8/8!: what is left out is below
+  // 2^-104.
+  const Pair square = TwoSquare(r);
+  const long double r2 = square.hi;
+  const long double tail =
+      (1.0L / 6 + r * (1.0L / 24)) +
+      r2 * ((1.0L / 120 + r * (1.0L / 720)) + r2 * (1.0L / 5040 + r * (1.0L / 40320)));
+  const long double cubic = r * r2 * tail;
+  Pair p = FastTwoSum(r, 0.5L * r2);
+  p = FastTwoSum(p.hi, p.lo + (cubic + (0.5L * square.lo + (a.r.lo + r * a.r.lo))));
+  const Pair t = {a.power.hi, a.power.lo};
+  return {AddFast(t, Mul(t, p)), a.n};
+}
+
 }  // namespace pex::ldbl
 
-long double _pexexpl_scalar(long double x) { return pex::ldbl::Guarded(pex::ldbl::Exp, x); }
+long double _pexexpl_scalar(long double x) { return pex::ldbl::Guarded<pex::ldbl::Body>(x); }

@@ -66,33 +66,32 @@ inline Pair Quick(long double hi, long double lo, Pair r) {
 // The same as a pair off by less than 2^-87 of its value. The terms to r^12/12 leave out less than
 // 2^-100 r; those from r^4 on are sums of single numbers.
 Pair Full(long double hi, long double lo, Pair r) {
+  constexpr Pair kThird = {1.0L / 3, -0xa.aaaaaaaaaaaaaabp-70L};
   const long double x = r.hi;
-  const long double tail =
-      -1.0L / 4 +
-      x * (1.0L / 5 +
-           x * (-1.0L / 6 +
-                x * (1.0L / 7 +
-                     x * (-1.0L / 8 +
-                          x * (1.0L / 9 + x * (-1.0L / 10 + x * (1.0L / 11 - x * (1.0L / 12))))))));
-  constexpr long double kThird = 1.0L / 3;
-  constexpr long double kThirdLo = -0xa.aaaaaaaaaaaaaabp-70L;  // 1/3 less the number above
-  const Pair third = FastTwoSum(kThird, kThirdLo + x * tail);
-  const Pair half = AddFast(Pair{-0.5L, 0}, Mul(third, x));
-  const Pair q = Mul(TwoSquare(x), half);
-  Pair p = FastTwoSum(x, q.hi);
-  p = FastTwoSum(p.hi, p.lo + (q.lo + r.lo / (1 + x)));
-  const Pair s = TwoSum(hi, p.hi);
-  return FastTwoSum(s.hi, s.lo + (lo + p.lo));
+  const Pair square = TwoSquare(x);
+  const long double x2 = square.hi;
+  const long double tail = (1.0L / 4 - x * (1.0L / 5)) +
+                           x2 * ((1.0L / 6 - x * (1.0L / 7)) +
+                                 x2 * ((1.0L / 8 - x * (1.0L / 9)) +
+                                       x2 * ((1.0L / 10 - x * (1.0L / 11)) + x2 * (1.0L / 12))));
+  const Pair cubic = Mul(Mul(square, x), kThird);
+  const Pair q = AddFast(ScaleBy(square, -0.5L), cubic);
+  const Pair p = FastTwoSum(x, q.hi);
+  const Pair log1p = FastTwoSum(p.hi, p.lo + (q.lo + (r.lo / (1 + x) - x2 * x2 * tail)));
+  const Pair s = TwoSum(hi, log1p.hi);
+  return FastTwoSum(s.hi, s.lo + (lo + log1p.lo));
 }
 
-[[gnu::noinline]] long double Accurate(long double hi, long double lo, Pair r) {
-  return Full(hi, lo, r).hi;
+// hi + lo + ln(1 + r + low), rounded.
+[[gnu::noinline]] long double Accurate(long double hi, long double lo, long double r,
+                                       long double low) {
+  return Full(hi, lo, {r, low}).hi;
 }
 
 inline long double Rounded(long double hi, long double lo, Pair r) {
   const Pair v = Quick(hi, lo, r);
   if (!RoundsTo(v, 0x1p-6L)) [[unlikely]]
-    return Accurate(hi, lo, r);
+    return Accurate(hi, lo, r.hi, r.lo);
   return v.hi;
 }
 
@@ -105,20 +104,35 @@ inline long double Rounded(long double hi, long double lo, Pair r) {
   return x == 0 ? -1 / zero : zero / zero;
 }
 
-// 1 + x of x > -1 as the exact pair s; what it reduces to. Close to 1 the rest is x itself.
-struct Plus {
-  Reduced a;
-  Pair r;
-};
+[[gnu::always_inline]] inline long double LogBody(long double x) {
+  const Bits b = ToBits(x);
+  if (b.sign_exponent >= 0x7FFF || b.significand == 0) [[unlikely]]
+    return Special(x);
+  const Reduced a = Reduce(x);
+  return Rounded(a.hi, a.lo, {a.r, 0});
+}
 
-inline Plus ReducePlus(Pair x) {
-  const Pair s = TwoSum(1, x.hi);
+[[gnu::always_inline]] inline long double Log1pBody(long double x) {
+  const unsigned exponent = ToBits(x).sign_exponent & 0x7FFF;
+  if (exponent < 16383 - 66) {
+    if (x == 0) return x;
+    if (exponent == 0) Raise(0x1p-16382L, 0x1p-16382L);
+    Raise(1 + 0x1p-60L, 1 + 0x1p-60L);  // inexact
+    return x;
+  }
+  if (exponent == 0x7FFF || !(x > -1)) [[unlikely]]
+    return Special(1 + x);
+  const Pair s = TwoSum(1, x);
   const Reduced a = Reduce(s.hi);
-  if (a.hi == 0) return {a, x};
-  return {a, WithLow(a, s.lo + x.lo)};
+  if (a.hi == 0) return Rounded(0, 0, {x, 0});
+  return Rounded(a.hi, a.lo, WithLow(a, s.lo));
 }
 
 }  // namespace
+
+long double Log(long double x) { return LogBody(x); }
+
+long double Log1p(long double x) { return Log1pBody(x); }
 
 Pair LogPair(Pair x) {
   const Reduced a = Reduce(x.hi);
@@ -129,42 +143,14 @@ Pair LogPair(Pair x) {
 
 Pair Log1pPair(Pair x) {
   if (__builtin_fabsl(x.hi) < 0x1p-4000L) return x;
-  const Plus p = ReducePlus(x);
-  return Full(p.a.hi, p.a.lo, p.r);
-}
-
-long double Log(long double x) {
-  const Bits b = ToBits(x);
-  if (b.sign_exponent >= 0x7FFF || b.significand == 0) [[unlikely]]
-    return Special(x);
-  const Reduced a = Reduce(x);
-  return Rounded(a.hi, a.lo, {a.r, 0});
-}
-
-long double Log1p(long double x) {
-  const unsigned exponent = ToBits(x).sign_exponent & 0x7FFF;
-  if (exponent < 16383 - 66) {
-    if (x == 0) return x;
-    if (exponent == 0) Raise(0x1p-16382L, 0x1p-16382L);
-    Raise(1 + 0x1p-60L, 1 + 0x1p-60L);  // inexact
-    return x;
-  }
-  if (exponent == 0x7FFF || !(x > -1)) [[unlikely]]
-    return Special(1 + x);
-  const Plus p = ReducePlus({x, 0});
-  return Rounded(p.a.hi, p.a.lo, p.r);
+  // 1 + x is an exact pair. Close to 1 its difference from 1 is x itself.
+  const Pair s = TwoSum(1, x.hi);
+  const Reduced a = Reduce(s.hi);
+  return Full(a.hi, a.lo, a.hi == 0 ? x : WithLow(a, s.lo + x.lo));
 }
 
 }  // namespace pex::ldbl
 
-long double _pexlogl_scalar(long double x) { return pex::ldbl::Guarded(pex::ldbl::Log, x); }
+long double _pexlogl_scalar(long double x) { return pex::ldbl::Guarded<pex::ldbl::LogBody>(x); }
 
-long double _pexlog1pl_scalar(long double x) { return pex::ldbl::Guarded(pex::ldbl::Log1p, x); }
-
-long double _pexfabsl_scalar(long double x) {
-  if (x == x) return __builtin_fabsl(x);
-  pex::ldbl::Bits b = pex::ldbl::ToBits(x);
-  b.sign_exponent &= 0x7FFF;
-  b.significand |= uint64_t{1} << 62;
-  return pex::ldbl::FromBits(b);
-}
+long double _pexlog1pl_scalar(long double x) { return pex::ldbl::Guarded<pex::ldbl::Log1pBody>(x); }

@@ -20,6 +20,7 @@ struct PairRow {
   long double hi, lo;
 };
 
+#pragma GCC visibility push(hidden)
 extern "C" {
 
 // Row j of 256 for significands within 1/512 of 1 + j/256; row 255 reaches up to 2.
@@ -33,6 +34,7 @@ extern const long double _pex_pex_log_table_256[256];
 extern const PairRow _pex_pex_expl_table_256[256];
 
 }  // extern "C"
+#pragma GCC visibility pop
 
 }  // namespace pex
 
