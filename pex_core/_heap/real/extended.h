@@ -184,15 +184,16 @@ inline long double Scale(Pair v, int n) {
   }
   if (exponent < -16446) return Raise(v.hi < 0 ? -0x1p-16382L : 0x1p-16382L, 0x1p-16382L);
   // |v| 2^n is rounded to the subnormals' grid, raised to 2^-64, by the addition of a number whose
-  // ulp is that grid.
+  // ulp is that grid. The low part, below half an ulp of the high one, decides between the two
+  // neighbours of a middle and nothing else.
   const bool negative = v.hi < 0;
   const Pair w = ScaleBy(negative ? Negate(v) : v, PowerOfTwo(n + 16381));
   constexpr long double kGrid = 0x1p-1L;
-  const long double sum = kGrid + w.hi;
-  const long double rest = (w.hi - (sum - kGrid)) + w.lo;
-  const long double rounded = (sum + rest) - kGrid;
+  long double rounded = (kGrid + w.hi) - kGrid;
+  const long double rest = w.hi - rounded;
+  if (rest == (w.lo > 0 ? 0x1p-65L : -0x1p-65L) && w.lo != 0) rounded += 2 * rest;
   const long double r = rounded * 0x1p-16381L;
-  if (rounded < 0x1p-1L && (rounded != w.hi || w.lo != 0)) Raise(0x1p-16382L, 0x1p-16382L);
+  if (rounded < 0x1p-1L && (rest != 0 || w.lo != 0)) Raise(0x1p-16382L, 0x1p-16382L);
   return negative ? -r : r;
 }
 
