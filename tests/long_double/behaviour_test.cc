@@ -117,6 +117,7 @@ std::vector<long double> Arguments(Random& random, int count) {
     x.push_back(random.Exponents(-70, 14, true));
     x.push_back(random.Uniform(-11400, 11357));
     x.push_back(random.Uniform(-1, 2));
+    x.push_back(std::ldexp(1.0L, random.Int(-16445, 16383)));
   }
   return x;
 }

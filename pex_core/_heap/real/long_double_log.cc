@@ -46,10 +46,13 @@ inline Reduced Reduce(long double x) {
   return Reduce(b.significand << zeros, exponent - zeros);
 }
 
-// r of x + low, |low| at most half an ulp of x.
+// r of x + low, |low| at most half an ulp of x. Beside a value that is not small, a low part that
+// can only underflow is left out.
 inline Pair WithLow(const Reduced& a, long double low) {
   if (low == 0) return {a.r, 0};
-  return TwoSum(a.r, low * PowerOfTwo(63 - a.exponent) * a.weight);
+  const long double t = low * PowerOfTwo(63 - a.exponent) * a.weight;
+  if (a.hi != 0 && __builtin_fabsl(t) < 0x1p-200L) return {a.r, 0};
+  return TwoSum(a.r, t);
 }
 
 // hi + lo + ln(1 + r). The terms to r^9/9 leave out less than 2^-77 r.
@@ -117,7 +120,6 @@ inline long double Rounded(long double hi, long double lo, Pair r) {
   if (exponent < 16383 - 66) {
     if (x == 0) return x;
     if (exponent == 0) Raise(0x1p-16382L, 0x1p-16382L);
-    Raise(1 + 0x1p-60L, 1 + 0x1p-60L);  // inexact
     return x;
   }
   if (exponent == 0x7FFF || !(x > -1)) [[unlikely]]
