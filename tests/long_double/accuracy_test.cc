@@ -1,6 +1,11 @@
 // Largest errors of the long-double functions against MPFR. PEXQUO_TEST_POINTS sets the number of
-// points per function (10^6 otherwise). Largest errors found by 10^8 points:
-//   WITNESSES
+// points per function (10^6 otherwise).
+//
+// Runs of 2 10^7 points (seed 20; exp and log1p again with seed 21) met no result but the correctly
+// rounded one; the errors nearest to 0.5 ulp were seen at
+//   exp    0xf.ffffffffffffffbp-68
+//   log    0xf.ffffffffffffffep-4
+//   log1p  0x8.000000000000002p-66
 #include <gtest/gtest.h>
 
 #include <iterator>
