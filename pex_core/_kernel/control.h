@@ -1,5 +1,5 @@
-// Floating-point control of a vector call: round to nearest, no flushing, all exceptions masked. The
-// caller's control bits come back at the end; the sticky flags raised meanwhile stay.
+// Floating-point control of a vector call: round to nearest, no flushing, all exceptions masked.
+// The caller's control bits come back at the end; the sticky flags raised meanwhile stay.
 #ifndef PEX_CORE__KERNEL_CONTROL_H_
 #define PEX_CORE__KERNEL_CONTROL_H_
 

@@ -41,7 +41,7 @@ struct Scaled {
   int n;
 };
 
-// e^x with a relative error below 2^-88, value in (0.99, 2.01). |x.hi| < 2^20; below 2^-4000 the
+// e^x with a relative error below 2^-88, value in (0.99, 2.01). |x.hi| < 2^14; below 2^-4000 the
 // argument should be 0, else underflow is raised.
 Scaled ExpPair(Pair x);
 
