@@ -1,5 +1,5 @@
-// Floating-point control of a vector call: round to nearest, no flushing, all exceptions masked. The
-// caller's control bits come back at the end; the sticky flags raised meanwhile stay.
+// Floating-point control of a vector call: round to nearest, no flushing, all exceptions masked.
+// The caller's control bits come back at the end; the sticky flags raised meanwhile stay.
 #ifndef PEX_CORE__KERNEL_CONTROL_H_
 #define PEX_CORE__KERNEL_CONTROL_H_
 
@@ -31,22 +31,44 @@ class ControlGuard {
 // The same for x87 code: 64-bit significands, round to nearest, exceptions masked.
 class X87Guard {
  public:
-  X87Guard() {
-    __asm__ volatile("fnstcw %0" : "=m"(saved_));
-    if ((saved_ & 0xF3F) != kExtended) Load(kExtended);
+  X87Guard() : saved_(Current()) {
+    if ((saved_ & kControl) != kExtended) Load(kExtended);
   }
   ~X87Guard() {
-    if ((saved_ & 0xF3F) != kExtended) Load(saved_);
+    if ((saved_ & kControl) != kExtended) Restore();
   }
   X87Guard(const X87Guard&) = delete;
   X87Guard& operator=(const X87Guard&) = delete;
 
+  // Whether the control word differs from what a guard sets.
+  static bool Needed() { return (Current() & kControl) != kExtended; }
+
  private:
+  static constexpr uint16_t kFlags = 0x3F;      // exception masks, and flags of the status word
+  static constexpr uint16_t kControl = 0xF3F;   // precision, rounding and masks
   static constexpr uint16_t kExtended = 0x33F;  // precision 64 bits, nearest, exceptions masked
-  static void Load(uint16_t word) {
-    // An unmasked exception whose flag stands would trap at the next x87 instruction.
-    if ((word & 0x3F) != 0x3F) __asm__ volatile("fnclex");
-    __asm__ volatile("fldcw %0" : : "m"(word));
+
+  static uint16_t Current() {
+    uint16_t word;
+    __asm__ volatile("fnstcw %0" : "=m"(word));
+    return word;
+  }
+  static void Load(uint16_t word) { __asm__ volatile("fldcw %0" : : "m"(word)); }
+
+  // A flag that stands when its exception is unmasked would trap at the next x87 instruction: such
+  // flags are cleared, and only they.
+  void Restore() {
+    uint16_t status;
+    __asm__ volatile("fnstsw %0" : "=m"(status));
+    if (status & ~saved_ & kFlags) {
+      uint32_t environment[7];
+      __asm__ volatile("fnstenv %0" : "=m"(environment));
+      environment[0] = (environment[0] & 0xFFFF0000) | saved_;
+      environment[1] &= ~static_cast<uint32_t>(~saved_ & kFlags);
+      __asm__ volatile("fldenv %0" : : "m"(environment));
+    } else {
+      Load(saved_);
+    }
   }
   uint16_t saved_;
 };
