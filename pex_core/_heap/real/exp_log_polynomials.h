@@ -35,13 +35,26 @@ inline constexpr double kLog10LA[] = {
 inline constexpr double kLog10EP[] = {
     -0x1.26bb1abb0c165p0, 0x1.c46db35d14e75p0, -0x1.86f2e6ddb3eaep1, 0x1.683d618cb9f2ep2};
 
-// (e^x - 1 - x)/x^2, -3.3859998802654445171356201171875e-4 <= x <= 3.3859998802654445171356201171875e-4; absolute error 2^-58.125.
-inline constexpr double kExpm1HA[] = {
-    0x1p-1, 0x1.5555555555555p-3, 0x1.55555567922f1p-5, 0x1.111111519c316p-7};
-
 // (e^x - 1 - x)/x^2, -3.3859998802654445171356201171875e-4 <= x <= 3.3859998802654445171356201171875e-4; absolute error 2^-43.4375.
-inline constexpr double kExpm1LA[] = {
+inline constexpr double kExpHA[] = {
     0x1p-1, 0x1.5555556df4481p-3, 0x1.555555696511ap-5};
+
+// (e^x - 1 - x - x^2/2)/x^3, -0.346700012683868408203125 <= x <= 0.346700012683868408203125; absolute error 2^-55.5625.
+inline constexpr double kExpm1HA[] = {
+    0x1.5555555555556p-3, 0x1.5555555555556p-5, 0x1.1111111110708p-7, 0x1.6c16c16c15f3bp-10,
+    0x1.a01a01a90510dp-13, 0x1.a01a01a8a2b57p-16, 0x1.71de0a30df396p-19, 0x1.27e4d64395a24p-22,
+    0x1.af3f2405a8b31p-26, 0x1.1f7cb0d513799p-29};
+
+// (e^x - 1 - x)/x^2, -0.346700012683868408203125 <= x <= 0.346700012683868408203125; absolute error 2^-59.1875.
+inline constexpr double kExpm1LA[] = {
+    0x1p-1, 0x1.5555555555557p-3, 0x1.5555555555557p-5, 0x1.111111111004dp-7,
+    0x1.6c16c16c156a2p-10, 0x1.a01a01ac20fc4p-13, 0x1.a01a01ab9a61p-16, 0x1.71de01a1ad725p-19,
+    0x1.27e4cfa93cbffp-22, 0x1.af4ee43065288p-26, 0x1.1f86fc33b65fp-29};
+
+// (e^x - 1 - x)/x^2, -0.346700012683868408203125 <= x <= 0.346700012683868408203125; absolute error 2^-23.90625.
+inline constexpr double kExpm1EP[] = {
+    0x1.000000172fe45p-1, 0x1.5554dcd120c51p-3, 0x1.5554b8a6b32bap-5, 0x1.120b94f13dab1p-7,
+    0x1.6d757c749483ep-10};
 
 }  // namespace pex
 
