@@ -25,7 +25,13 @@ struct Oracle {
   // Functions of one argument, for a single-precision argument: relative error below kQuickError.
   double (*quick)(double a);
   std::array<double, 4> near{};  // zeros of the function, arguments where it is 1, and 0 and 1
-  Range subnormal_d{}, subnormal_s{};  // arguments whose results are subnormal; {0, 0}: near zero
+  // Arguments whose results are subnormal, and those whose results lie in the two least normal
+  // binades, where the last step of a formula may be normal and a step before it subnormal.
+  // {0, 0}: subnormal arguments are those arguments.
+  struct Small {
+    Range subnormal{}, least_normal{};
+  };
+  Small small_d{}, small_s{};
 };
 
 std::span<const Oracle> Oracles();

@@ -46,17 +46,19 @@ Regime Whole(bool single, uint64_t count) {
           }};
 }
 
-// Subnormal arguments; every other point has a subnormal result where those are elsewhere.
-Regime Subnormals(Range results, bool single, uint64_t count) {
+// Subnormal arguments; where those do not have the smallest results, every third point has a
+// subnormal result, and every third one of the least normal results.
+Regime Subnormals(const Oracle::Small& small, bool single, uint64_t count) {
   return {"subnormals", count, [=](uint64_t first, Random& random, std::span<double> out) {
             const int lowest = single ? kSingle.lowest : kDouble.lowest;
             const int normal = lowest + (single ? kSingle : kDouble).precision - 1;
+            const bool elsewhere = small.subnormal.lo != small.subnormal.hi;
             for (double& x : out) {
-              if (first++ % 2 && results.lo != results.hi) {
-                x = ToType(Between(random, results.lo, results.hi), single);
-              } else {
-                x = ToType(LogUniform(random, lowest, normal + 1), single);
-              }
+              const uint64_t kind = elsewhere ? first++ % 3 : 0;
+              const Range range = kind == 1 ? small.subnormal : small.least_normal;
+              x = kind == 0 ? LogUniform(random, lowest, normal + 2)
+                            : Between(random, range.lo, range.hi);
+              x = ToType(x, single);
             }
           }};
 }
@@ -165,7 +167,7 @@ std::vector<Regime> RegimesOf(const Entry& entry, const Oracle& oracle, uint64_t
           Whole(single, count),
           Around("marks", marks, single, count),
           Around("zeros-ones", near, single, count),
-          Subnormals(single ? oracle.subnormal_s : oracle.subnormal_d, single, count),
+          Subnormals(single ? oracle.small_s : oracle.small_d, single, count),
           List("integers", Integers(single)),
           List("recorded", representable)};
 }

@@ -31,7 +31,7 @@ struct Regime {
 //   marks        around each mark of the catalogue: half: the nearest numbers on both sides; half:
 //                distances log-uniform from one unit up to the mark's size and on to 2^-64
 //   zeros-ones   the same around 0, 1 and the zeros and ones of the function
-//   subnormals   subnormal arguments, and arguments with subnormal results
+//   subnormals   subnormal arguments, and arguments with subnormal or hardly normal results
 //   integers     small integers and halves, powers of two and ten, their neighbours
 //   recorded     the worst cases on record that the type represents
 std::vector<Regime> RegimesOf(const Entry& entry, const Oracle& oracle, uint64_t count,
