@@ -4,6 +4,7 @@
 #include <atomic>
 #include <bit>
 #include <cmath>
+#include <cstdlib>
 #include <fstream>
 #include <mutex>
 #include <sstream>
@@ -42,7 +43,8 @@ void Fill(Batch& batch, uint64_t first, const Oracle& oracle) {
 }
 
 bool SameBits(float x, float y) {
-  return std::bit_cast<uint32_t>(x) == std::bit_cast<uint32_t>(y) || (std::isnan(x) && std::isnan(y));
+  return std::bit_cast<uint32_t>(x) == std::bit_cast<uint32_t>(y) ||
+         (std::isnan(x) && std::isnan(y));
 }
 
 // EstimateError in double, for finite values: y is normal in double.
@@ -161,8 +163,15 @@ ExhaustiveRecord RecordOf(const ExhaustiveResult& result, const std::string& dat
   const Worst& w = result.worst;
   const double bits =
       IsRelative(*result.entry) ? CorrectBits(w.error, kSingle) : CorrectBits(w.ulp, kSingle);
-  return {std::string(result.entry->symbol), result.inputs, result.wrong, w.ulp, bits, w.a, w.got,
-          w.wanted, date};
+  return {std::string(result.entry->symbol),
+          result.inputs,
+          result.wrong,
+          w.ulp,
+          bits,
+          w.a,
+          w.got,
+          w.wanted,
+          date};
 }
 
 std::vector<ExhaustiveRecord> ReadExhaustive(const std::filesystem::path& file) {
@@ -173,15 +182,15 @@ std::vector<ExhaustiveRecord> ReadExhaustive(const std::filesystem::path& file) 
     if (line.empty() || line[0] == '#') continue;
     std::istringstream fields(line);
     ExhaustiveRecord r;
-    std::string a, got, wanted;
-    if (!(fields >> r.symbol >> r.inputs >> r.wrong >> r.ulp >> r.bits >> a >> got >> wanted >>
-          r.date)) {
+    std::string numbers[5];
+    fields >> r.symbol >> r.inputs >> r.wrong;
+    for (std::string& field : numbers) fields >> field;  // strings: a stream reads no infinity
+    if (!(fields >> r.date)) {
       throw std::runtime_error(file.string() + ":" + std::to_string(number) +
                                ": not a record of an exhaustive run");
     }
-    r.a = std::strtod(a.c_str(), nullptr);
-    r.got = std::strtod(got.c_str(), nullptr);
-    r.wanted = std::strtod(wanted.c_str(), nullptr);
+    double* const values[] = {&r.ulp, &r.bits, &r.a, &r.got, &r.wanted};
+    for (int i = 0; i < 5; ++i) *values[i] = std::strtod(numbers[i].c_str(), nullptr);
     records.push_back(r);
   }
   return records;

@@ -213,8 +213,8 @@ int main(int argc, char** argv) {
   try {
     const std::string level = UseLevel(options.level);
     const auto entries = Selected(options);
-    const bool within = options.exhaustive ? RunExhaustive(entries, options)
-                                           : RunRegimes(entries, options, level);
+    const bool within =
+        options.exhaustive ? RunExhaustive(entries, options) : RunRegimes(entries, options, level);
     return within ? 0 : 1;
   } catch (const std::exception& e) {
     std::fprintf(stderr, "pexquo_accuracy: %s\n", e.what());

@@ -86,7 +86,8 @@ class ChunkMeasurer {
   Worst Decide(int result, double a, double b, double got, double estimate) const {
     if (estimate < kSmallError) {
       const long double y = oracle_.extended(result, a, b);
-      const double wanted = format_.precision == 24 ? static_cast<float>(y) : static_cast<double>(y);
+      const double wanted =
+          format_.precision == 24 ? static_cast<float>(y) : static_cast<double>(y);
       return {estimate, estimate, a, b, got, wanted};
     }
     const Error error = ExactError(oracle_, result, a, b, got, format_);
@@ -182,7 +183,8 @@ std::vector<RegimeResult> MeasureRegimes(const Entry& entry, const Oracle& oracl
   std::vector<RegimeResult> results;
   for (size_t i = 0; i < regimes.size(); ++i) {
     results.push_back({regimes[i].name, regimes[i].points, {}});
-    for (uint64_t first = 0; first < regimes[i].points; first += kChunk) tasks.push_back({i, first});
+    for (uint64_t first = 0; first < regimes[i].points; first += kChunk)
+      tasks.push_back({i, first});
   }
   const bool two_arguments = ArgumentCount(entry.function->shape) == 2;
   std::mutex mutex;
@@ -219,7 +221,8 @@ EntryResult Measure(const Entry& entry, const Oracle& oracle, const Settings& se
 }
 
 const RegimeResult& EntryResult::worst() const {
-  return *std::ranges::max_element(regimes, {}, [](const RegimeResult& r) { return r.worst.error; });
+  return *std::ranges::max_element(regimes, {},
+                                   [](const RegimeResult& r) { return r.worst.error; });
 }
 
 }  // namespace pex::accuracy

@@ -21,13 +21,17 @@ long double Extended(int, long double a, long double) {
 }
 
 constexpr Oracle kOracles[] = {
-    {"Exp", Exact<mpfr_exp>, Extended<::expl>, ::exp, {0, 1, -1, 0x1.62e42fefa39efp-1},
-     {{-745.2, -708.39}, {-708.4, -707.0}}, {{-104.1, -87.33}, {-87.34, -85.9}}},
+    {"Exp",
+     Exact<mpfr_exp>,
+     Extended<::expl>,
+     ::exp,
+     {0, 1, -1, 0x1.62e42fefa39efp-1},
+     {{-745.2, -708.39}, {-708.4, -707.0}},
+     {{-104.1, -87.33}, {-87.34, -85.9}}},
     {"Expm1", Exact<mpfr_expm1>, Extended<::expm1l>, ::expm1, {0, 1, -1, 0x1.62e42fefa39efp-1}},
     {"Ln", Exact<mpfr_log>, Extended<::logl>, ::log, {0, 1, 0x1.5bf0a8b145769p+1, 2}},
     {"Log10", Exact<mpfr_log10>, Extended<::log10l>, ::log10, {0, 1, 10, 0.1}},
-    {"Log1p", Exact<mpfr_log1p>, Extended<::log1pl>, ::log1p,
-     {0, 1, -1, 0x1.b7e151628aed3p+0}},
+    {"Log1p", Exact<mpfr_log1p>, Extended<::log1pl>, ::log1p, {0, 1, -1, 0x1.b7e151628aed3p+0}},
 };
 
 constexpr long kFirstPrecision = 120;

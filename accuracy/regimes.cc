@@ -100,8 +100,10 @@ I Ordered(I bits) {
 template <typename T, typename I>
 T Step(T c, int64_t k) {
   const int64_t end = std::bit_cast<I>(std::numeric_limits<T>::infinity());
-  const int64_t at = std::clamp(static_cast<int64_t>(Ordered(std::bit_cast<I>(c))) + k, -end, end);
-  return std::bit_cast<T>(Ordered(static_cast<I>(at)));
+  int64_t at = 0;
+  if (__builtin_add_overflow(int64_t{Ordered(std::bit_cast<I>(c))}, k, &at))
+    at = k < 0 ? -end : end;
+  return std::bit_cast<T>(Ordered(static_cast<I>(std::clamp(at, -end, end))));
 }
 
 std::string Trimmed(const std::string& line) {
@@ -137,8 +139,8 @@ Regime Around(std::string name, const std::vector<double>& points, bool single, 
         continue;
       }
       const int size = c == 0 ? 1 : std::ilogb(c) + 1;
-      const int nearest = std::max(c == 0 ? -64 : std::min(size - format.precision, -64),
-                                   format.lowest);
+      const int nearest =
+          std::max(c == 0 ? -64 : std::min(size - format.precision, -64), format.lowest);
       x = ToType(c + LogUniform(random, nearest, std::max(size, nearest + 1)), single);
     }
   };
@@ -159,6 +161,7 @@ std::vector<Regime> RegimesOf(const Entry& entry, const Oracle& oracle, uint64_t
   std::vector<double> marks(precision.marks.begin(), precision.marks.end());
   while (marks.size() > 1 && marks.back() == 0) marks.pop_back();
   std::vector<double> near(oracle.near.begin(), oracle.near.end());
+  near.push_back(-0.0);
   std::vector<double> representable;
   for (const double x : recorded) {
     if (ToType(x, single) == x) representable.push_back(x);
@@ -186,8 +189,8 @@ std::vector<double> ReadRecord(const std::filesystem::path& file) {
     char* end = nullptr;
     cases.push_back(std::strtod(text.c_str(), &end));
     if (*end != '\0') {
-      throw std::runtime_error(file.string() + ":" + std::to_string(number) + ": not a number: " +
-                               text);
+      throw std::runtime_error(file.string() + ":" + std::to_string(number) +
+                               ": not a number: " + text);
     }
   }
   return cases;

@@ -186,13 +186,13 @@ void Print(const EntryResult& result, bool details) {
 
 void Print(const ExhaustiveResult& result) {
   const Worst& w = result.worst;
-  std::printf("%.*s: %llu inputs, %llu wrong roundings, largest error %s (%s ulp) at %s: %s for %s; "
-              "MPFR decided %llu\n",
-              static_cast<int>(result.entry->symbol.size()), result.entry->symbol.data(),
-              static_cast<unsigned long long>(result.inputs),
-              static_cast<unsigned long long>(result.wrong), ErrorText(*result.entry, w).c_str(),
-              Up(w.ulp, 6).c_str(), Hex(w.a).c_str(), Hex(w.got).c_str(), Hex(w.wanted).c_str(),
-              static_cast<unsigned long long>(result.decided));
+  std::printf(
+      "%.*s: %llu inputs, %llu wrong roundings, largest error %s (%s ulp) at %s: %s for %s; "
+      "MPFR decided %llu\n",
+      static_cast<int>(result.entry->symbol.size()), result.entry->symbol.data(),
+      static_cast<unsigned long long>(result.inputs), static_cast<unsigned long long>(result.wrong),
+      ErrorText(*result.entry, w).c_str(), Up(w.ulp, 6).c_str(), Hex(w.a).c_str(),
+      Hex(w.got).c_str(), Hex(w.wanted).c_str(), static_cast<unsigned long long>(result.decided));
   std::fflush(stdout);
 }
 
@@ -207,16 +207,19 @@ void WriteMarkdown(const std::filesystem::path& file, const std::vector<EntryRes
     list.push_back(&r);
   }
   std::ofstream out(file);
-  out << "# Accuracy\n\nWritten by `pexquo_accuracy --markdown`; do not edit.\n" << machine
+  out << "# Accuracy\n\nWritten by `pexquo_accuracy --markdown`; do not edit.\n"
+      << machine
       << "\n\nErrors are against MPFR, in units of the last place of the exact value (of the\n"
          "smallest spacing for subnormal results), rounded up; the measure of a `_26` or `_11`\n"
          "entry is the number of correct bits, -log2 of the relative error. The results are the\n"
          "same on every processor and vector level, so the figures are, too. Each regime has "
       << settings.count << "\npoints (seed " << settings.seed
       << "): *typical* is uniform over the range of the plot; *whole*, all bit patterns\n"
-         "and log-uniform magnitudes; *marks* and *zeros-ones*, both sides of each threshold, zero\n"
+         "and log-uniform magnitudes; *marks* and *zeros-ones*, both sides of each threshold, "
+         "zero\n"
          "and one of the function at all distances; *subnormals*, such arguments and results;\n"
-         "*integers*, with powers of two and ten; *recorded*, the cases of `accuracy/worst/`; *near\n"
+         "*integers*, with powers of two and ten; *recorded*, the cases of `accuracy/worst/`; "
+         "*near\n"
          "worst*, around the worst points of the others.\n";
   for (const std::string_view name : order) WriteFunction(out, file.parent_path(), functions[name]);
   WriteExhaustive(out, exhaustive);

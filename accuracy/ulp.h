@@ -28,14 +28,14 @@ class Real {
 };
 
 struct Error {
-  double ulp = 0;         // in units of the last place of the exact value
-  double relative = 0;    // over the exact value, in units of 2^-precision
-  double from_half = 0;   // ulp - 1/2 without the rounding of `ulp`: positive is a wrong rounding
-  double wanted = 0;      // the exact value rounded to the format
+  double ulp = 0;        // in units of the last place of the exact value
+  double relative = 0;   // over the exact value, in units of 2^-precision
+  double from_half = 0;  // ulp - 1/2 without the rounding of `ulp`: positive is a wrong rounding
+  double wanted = 0;     // the exact value rounded to the format
 };
 
-// The error of `got` against `exact`, which MPFR rounded with the ternary value `inexact` (so a zero
-// or an infinity with inexact != 0 stands for a number beyond MPFR's range).
+// The error of `got` against `exact`, which MPFR rounded with the ternary value `inexact` (so a
+// zero or an infinity with inexact != 0 stands for a number beyond MPFR's range).
 //
 // The unit is the spacing of the format just below the binade's upper end: 2^(e - precision) for
 // 2^(e-1) <= |exact| < 2^e, and never less than 2^lowest, the spacing of subnormal numbers. The
