@@ -159,6 +159,37 @@ std::vector<ExhaustiveResult> Exhaust(const std::vector<const Entry*>& entries,
   return results;
 }
 
+std::vector<HardCase> HardestSingles(const Oracle& oracle, size_t most, int jobs,
+                                     const std::function<void(double)>& progress, uint64_t first,
+                                     uint64_t inputs) {
+  std::vector<HardCase> hardest;
+  std::mutex mutex;
+  uint64_t done = 0;
+  const uint64_t blocks = (inputs + kBlock - 1) / kBlock;
+  const auto order = [](const HardCase& x, const HardCase& y) {
+    return x.distance != y.distance ? x.distance < y.distance : x.a < y.a;
+  };
+  Parallel(blocks, jobs, [&](uint64_t block) {
+    static thread_local Batch batch;
+    std::vector<HardCase> found;
+    const uint64_t end = std::min((block + 1) * kBlock, inputs);
+    for (uint64_t at = block * kBlock; at < end; at += kBatch) {
+      Fill(batch, first + at, oracle);
+      for (size_t i = 0; i < kBatch; ++i) {
+        if (SameBits(batch.low[i], batch.high[i])) continue;
+        const Error error = ExactError(oracle, 0, batch.a[i], 0, batch.low[i], kSingle);
+        found.push_back({batch.a[i], std::fabs(error.from_half)});
+      }
+    }
+    const std::lock_guard lock(mutex);
+    hardest.insert(hardest.end(), found.begin(), found.end());
+    std::ranges::sort(hardest, order);
+    hardest.resize(std::min(hardest.size(), most));
+    if (progress) progress(static_cast<double>(++done) / static_cast<double>(blocks));
+  });
+  return hardest;
+}
+
 ExhaustiveRecord RecordOf(const ExhaustiveResult& result, const std::string& date) {
   const Worst& w = result.worst;
   const double bits =

@@ -32,6 +32,16 @@ std::vector<ExhaustiveResult> Exhaust(const std::vector<const Entry*>& entries,
 
 inline constexpr uint64_t kMostDecided = 10'000;
 
+// The `most` single-precision arguments whose exact values lie nearest to the middle between two
+// singles, hardest first: an approximation has to be that good to round them correctly.
+struct HardCase {
+  double a = 0;
+  double distance = 0;  // from the middle, ulp
+};
+std::vector<HardCase> HardestSingles(const Oracle& oracle, size_t most, int jobs,
+                                     const std::function<void(double)>& progress = {},
+                                     uint64_t first = 0, uint64_t inputs = kAllSingles);
+
 // One line of accuracy/records/exhaustive.tsv.
 struct ExhaustiveRecord {
   std::string symbol;

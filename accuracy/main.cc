@@ -28,6 +28,7 @@ struct Options {
   Settings settings;
   std::string level, markdown, plot;
   std::string records = PEXQUO_ACCURACY_DIR "/records/exhaustive.tsv";
+  size_t hardest = 0;
   bool exhaustive = false, record = false, details = false;
 };
 
@@ -126,6 +127,26 @@ bool RunExhaustive(const std::vector<const Entry*>& entries, const Options& opti
   return within;
 }
 
+void RunHardest(const Options& options) {
+  RequireKnown(options.functions, "function", Oracles(),
+               [](const Oracle& o) { return o.function; });
+  for (const Oracle& oracle : Oracles()) {
+    if (!Names(options.functions, oracle.function)) continue;
+    std::vector<double> cases;
+    for (const HardCase& c : HardestSingles(oracle, options.hardest, options.settings.jobs,
+                                            ProgressBar(std::string(oracle.function)))) {
+      std::printf("%.*s(%s): %.3g ulp from the middle\n", static_cast<int>(oracle.function.size()),
+                  oracle.function.data(), Hex(c.a).c_str(), c.distance);
+      cases.push_back(c.a);
+    }
+    if (!options.record) continue;
+    AppendRecord(RecordFile(options.settings.worst_cases, *pex::FindFunction(oracle.function)),
+                 "Single precision: of all arguments the hardest to round (--hardest " +
+                     std::to_string(options.hardest) + "), hardest first",
+                 cases);
+  }
+}
+
 void RecordWorst(const std::vector<EntryResult>& results, const Settings& settings) {
   for (const EntryResult& r : results) {
     std::vector<double> cases;
@@ -185,6 +206,10 @@ void Declare(CLI::App& app, Options& o) {
   app.add_option("--records", o.records, "Table of the exhaustive runs")->capture_default_str();
   auto* exhaustive = app.add_flag("--exhaustive", o.exhaustive,
                                   "All 2^32 arguments of the single-precision entries");
+  app.add_option("--hardest", o.hardest,
+                 "List the N single-precision arguments that are hardest to round, by function")
+      ->check(CLI::Range(1, 100000))
+      ->excludes(exhaustive);
   app.add_flag("--record", o.record,
                "Add the worst points found to the recorded ones, or the exhaustive runs to theirs");
   app.add_flag("--details", o.details, "A line for each regime");
@@ -212,6 +237,10 @@ int main(int argc, char** argv) {
   }
   try {
     const std::string level = UseLevel(options.level);
+    if (options.hardest > 0) {
+      RunHardest(options);
+      return 0;
+    }
     const auto entries = Selected(options);
     const bool within =
         options.exhaustive ? RunExhaustive(entries, options) : RunRegimes(entries, options, level);

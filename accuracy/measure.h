@@ -35,7 +35,7 @@ struct EntryResult {
 };
 
 struct Settings {
-  uint64_t count = 1'000'000;  // points per regime
+  uint64_t count = 2'000'000;  // points per regime
   uint64_t seed = 1;
   int jobs = 1;                       // threads
   std::filesystem::path worst_cases;  // folder of the recorded worst cases

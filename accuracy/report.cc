@@ -31,7 +31,7 @@ std::string Arguments(const Entry& entry, const Worst& w) {
 std::string Up(double x, int digits) {
   if (!std::isfinite(x)) return "inf";
   const double scale = std::pow(10.0, digits);
-  return Text("%.*f", digits, x < 1e6 ? std::ceil(x * scale - 1e-9) / scale : x);
+  return Text("%.*f", digits, x < 1e6 ? std::fabs(std::ceil(x * scale - 1e-9)) / scale : x);
 }
 
 std::string Down(double x, int digits) {

@@ -209,6 +209,17 @@ TEST(Exhaustive, SpecialValuesCount) {
   EXPECT_EQ(results[0].worst.a, kInf);
 }
 
+// e^x at 2^-24 is 1 + 2^-24 + 2^-49 and a little: 2^-26 ulp past the middle of 1 and its neighbour.
+TEST(Exhaustive, FindsHardCases) {
+  const auto cases =
+      HardestSingles(OracleOf(*FindFunction("Exp")), 3, 2, {}, 0x33800000, uint64_t{1} << 23);
+  ASSERT_FALSE(cases.empty());
+  const auto at = std::ranges::find(cases, 0x1p-24, &HardCase::a);
+  ASSERT_NE(at, cases.end());
+  EXPECT_NEAR(at->distance, 0x1p-26, 0x1p-46);
+  EXPECT_TRUE(std::ranges::is_sorted(cases, {}, &HardCase::distance));
+}
+
 TEST(Exhaustive, RecordsMerge) {
   const auto file = std::filesystem::path(testing::TempDir()) / "pexquo_exhaustive.tsv";
   std::filesystem::remove(file);
