@@ -253,7 +253,7 @@ void Plot(const std::filesystem::path& directory, const Function& function,
   std::FILE* gnuplot = popen("gnuplot", "w");
   if (gnuplot == nullptr) throw std::runtime_error("cannot start gnuplot");
   std::fprintf(gnuplot,
-               "set terminal svg size 900,%d font 'sans,12' background 'white'\n"
+               "set terminal svg size 900,%d font 'sans,12' background 'white' noenhanced\n"
                "set output '%s'\nset multiplot layout %d,1\nset logscale y\nset grid\n"
                "set ylabel 'largest error, ulp'\nset xlabel 'argument'\nset key outside right\n"
                "set format y '%%.0e'\nset yrange [0.1:*]\n",
