@@ -113,6 +113,9 @@ TEST(Measurer, EveryTieredFunctionHasAnOracle) {
       EXPECT_NO_THROW(OracleOf(f)) << f.name;
     }
   }
+  for (const Oracle& oracle : Oracles()) {
+    EXPECT_NE(FindFunction(oracle.function), nullptr) << oracle.function;
+  }
   EXPECT_THROW(OracleOf(Function{.name = "Unknown"}), std::runtime_error);
 }
 
