@@ -235,6 +235,7 @@ void MergeExhaustive(const std::filesystem::path& file,
     records.push_back(r);
   }
   std::ranges::sort(records, {}, &ExhaustiveRecord::symbol);
+  if (file.has_parent_path()) std::filesystem::create_directories(file.parent_path());
   std::ofstream out(file);
   out << "# Written by pexquo_accuracy --exhaustive.\n"
          "# entry\tinputs\twrong_roundings\tmax_ulp\tcorrect_bits\tinput\tgot\twanted\tdate\n";

@@ -224,8 +224,8 @@ TEST(Exhaustive, FindsHardCases) {
 }
 
 TEST(Exhaustive, RecordsMerge) {
-  const auto file = std::filesystem::path(testing::TempDir()) / "pexquo_exhaustive.tsv";
-  std::filesystem::remove(file);
+  const auto file = std::filesystem::path(testing::TempDir()) / "pexquo_records" / "exhaustive.tsv";
+  std::filesystem::remove_all(file.parent_path());
   EXPECT_TRUE(ReadExhaustive(file).empty());
   MergeExhaustive(file, {{"_pexsB", 8, 1, 0.75, 23, 1, 2, 3, "2026-01-01"}});
   MergeExhaustive(file, {{"_pexsA", 8, 0, 0.5, 24, -kInf, 0, 0, "2026-01-02"},
@@ -238,7 +238,7 @@ TEST(Exhaustive, RecordsMerge) {
   EXPECT_EQ(records[1].ulp, kInf);
   EXPECT_EQ(records[1].a, 0x1p-149);
   EXPECT_EQ(records[1].date, "2026-01-03");
-  std::filesystem::remove(file);
+  std::filesystem::remove_all(file.parent_path());
 }
 
 }  // namespace
