@@ -23,8 +23,9 @@ struct ExhaustiveResult {
 // passes as correctly rounded when the double value, moved by kQuickError either way, rounds to it.
 // Where the two ways round differently, MPFR decides; for an entry held to 0.5 ulp it decides every
 // mismatch, up to kMostDecided for each block of 2^20 arguments. The largest error is MPFR's.
-// The entries share the function and so the reference. `first` and `inputs` choose the bit
-// patterns; progress(part) is called with the part done, 0 to 1, from any thread but one at a time.
+// The entries share the function and so the reference. `first` and `inputs`, a multiple
+// of 4096, choose the bit patterns; progress(part) is called with the part done, 0 to 1, from any
+// thread but one at a time.
 std::vector<ExhaustiveResult> Exhaust(const std::vector<const Entry*>& entries,
                                       const Oracle& oracle, int jobs,
                                       const std::function<void(double)>& progress = {},
