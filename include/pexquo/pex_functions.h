@@ -54,7 +54,7 @@ PEXQUO_API int _pexdModf(int32_t n, const double* a, double* r1, double* r2);
 PEXQUO_API int _pexsModf(int32_t n, const float* a, float* r1, float* r2);
 
 /* Exp: r[i] = e^a. e^-inf is 0. Reports overflow (code 3, result inf) and underflow (code 4, result
-   subnormal or 0). Bounds in double: HA 0.55 ulp, _50 2.2 ulp, _26 at least 26 bits; in single: HA
+   subnormal or 0). Bounds in double: HA 0.55 ulp, _50 2.46 ulp, _26 at least 26 bits; in single: HA
    correctly rounded, _21 2 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdExp_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdExp_50(int32_t n, const double* a, double* r);

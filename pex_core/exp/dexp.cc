@@ -50,7 +50,7 @@ struct dExpLA : dExpCommon {
     const V s = FromBits(d, hn::Add(t, hn::ShiftLeft<42>(k)));
     const V r = hn::Sub(hn::Sub(x1, hn::Mul(kd, hn::Set(d, kL1))), hn::Mul(kd, hn::Set(d, kL2)));
     const V c = hn::Add(hn::Mul(hn::Set(d, 0x1.5555555555556p-3), r),
-                        hn::Set(d, 0x1.00000001ebfbep-1));
+                        hn::Set(d, 0x1.0000001ebfbep-1));
     const V p = hn::Add(hn::Mul(hn::Mul(c, r), r), r);
     return hn::Add(hn::Mul(s, p), s);
   }
