@@ -109,12 +109,18 @@ HWY_INLINE int RunPlain(int32_t n, const PlainArrays<K>& p) {
   const hn::ScalableTag<T> d;
   constexpr size_t kLanes = hn::MaxLanes(hn::ScalableTag<T>());
   constexpr size_t kGroup = kPlainUnroll * kLanes;
+  constexpr size_t kPeel = 8 * kGroup;  // from here on it pays to align the stores
   if (n <= 0) return 0;
   const size_t end = static_cast<size_t>(n);
   size_t i = 0;
   if (HWY_UNLIKELY(!p.Independent(HWY_MIN(kGroup, end) * sizeof(T)))) {
     for (; i < end; ++i) PlainGroup<K, 1>(hn::CappedTag<T, 1>(), p, i);
     return 0;
+  }
+  const size_t past = reinterpret_cast<uintptr_t>(p.r1) % (kLanes * sizeof(T)) / sizeof(T);
+  if (past != 0 && end >= kPeel) {
+    PlainTail<K, kLanes>(p, 0, kLanes - past);
+    i = kLanes - past;
   }
   for (; i + kGroup <= end; i += kGroup) PlainGroup<K, kPlainUnroll>(d, p, i);
   for (; i + kLanes <= end; i += kLanes) PlainGroup<K, 1>(d, p, i);
