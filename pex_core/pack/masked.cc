@@ -48,6 +48,12 @@ HWY_INLINE hn::Mask<D> Selected(D d, const Index* words, size_t count) {
   }
 }
 
+HWY_INLINE hn::Vec512<double> Compress(hn::Vec512<double> v, hn::Mask512<double> mask) {
+  return hn::Vec512<double>{_mm512_maskz_compress_pd(mask.raw, v.raw)};
+}
+HWY_INLINE hn::Vec512<float> Compress(hn::Vec512<float> v, hn::Mask512<float> mask) {
+  return hn::Vec512<float>{_mm512_maskz_compress_ps(mask.raw, v.raw)};
+}
 HWY_INLINE hn::Vec512<double> Expand(hn::Vec512<double> v, hn::Mask512<double> mask) {
   return hn::Vec512<double>{_mm512_maskz_expand_pd(mask.raw, v.raw)};
 }
@@ -65,7 +71,7 @@ void PackMasked(int64_t n, const T* a, const Index* mask, T* y) {
     const auto selected = Selected(d, mask + i, count);
     const auto v = hn::MaskedLoad(selected, d, a + i);
     const size_t found = hn::CountTrue(d, selected);
-    hn::BlendedStore(hn::Compress(v, selected), hn::FirstN(d, found), d, y);
+    hn::BlendedStore(Compress(v, selected), hn::FirstN(d, found), d, y);
     y += found;
   }
 }
