@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <csetjmp>
+#include <csignal>
 #include <cstring>
 
 #include "pex_core/abs/abs.h"
@@ -142,6 +144,33 @@ TYPED_TEST(Arithmetic, ControlWordComesBack) {
       ASSERT_TRUE(Check(entry, level, kMasks | kRoundUp | 4u, 3, x, x, r1, r2));
     }
   }
+}
+
+sigjmp_buf trapped;
+
+// An exception that the caller unmasked traps, in whatever rounding mode the entry works.
+TYPED_TEST(Arithmetic, UnmaskedInvalidTraps) {
+  using Bits = BitsOf<TypeParam>;
+  struct sigaction action = {}, before;
+  action.sa_handler = [](int) { siglongjmp(trapped, 1); };
+  ASSERT_EQ(sigaction(SIGFPE, &action, &before), 0);
+  const uint32_t saved = _mm_getcsr();
+  const Bits signalling = Format<TypeParam>::kInfinity | 1;
+  for (const Entry<TypeParam>& entry : Entries<TypeParam>()) {
+    for (const uint32_t rounding : {0u, uint32_t{kRoundUp}}) {
+      const auto* const x = reinterpret_cast<const TypeParam*>(&signalling);
+      TypeParam r[2];
+      volatile bool trap = true;
+      if (sigsetjmp(trapped, 1) == 0) {
+        _mm_setcsr((kMasks & ~0x80u) | rounding);
+        entry.call(1, x, x, r, r + 1);
+        trap = false;
+      }
+      _mm_setcsr(saved);
+      EXPECT_TRUE(trap) << entry.name;
+    }
+  }
+  sigaction(SIGFPE, &before, nullptr);
 }
 
 TYPED_TEST(Arithmetic, CountOfNoneTouchesNothing) {
