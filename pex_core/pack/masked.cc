@@ -130,12 +130,39 @@ HWY_INLINE size_t ListSelected(const Index* words, size_t count, uint8_t* positi
   return found;
 }
 
+#if HWY_TARGET == HWY_AVX2
+
+// Moves the selected ones of kListed floats; returns how many.
+template <typename Index>
+HWY_INLINE size_t PackBlock(const float* a, const Index* words, float* y) {
+  float chosen[kListed + 8];
+  size_t found = 0;
+  for (size_t i = 0; i < kListed; i += 8) {
+    const uint32_t bits = SelectedBits(words + i);
+    const __m256i order =
+        _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(&kPositions[bits])));
+    _mm256_storeu_ps(chosen + found, _mm256_permutevar8x32_ps(_mm256_loadu_ps(a + i), order));
+    found += static_cast<size_t>(std::popcount(bits));
+  }
+  std::memcpy(y, chosen, found * sizeof(float));
+  return found;
+}
+
+#endif
+
 template <typename T, typename Index>
 void PackMasked(int64_t n, const T* a, const Index* mask, T* y) {
   const size_t end = static_cast<size_t>(n);
   if (Overlap(mask, end, y, end)) return PackMaskedLoop(n, a, mask, y);
   uint8_t positions[kListed + 8];
-  for (size_t i = 0; i < end; i += kListed) {
+  size_t i = 0;
+#if HWY_TARGET == HWY_AVX2
+  if constexpr (sizeof(T) == sizeof(float)) {
+    const bool behind = y > a && y < a + n;  // a block would overwrite what it has yet to read
+    for (; !behind && i + kListed <= end; i += kListed) y += PackBlock(a + i, mask + i, y);
+  }
+#endif
+  for (; i < end; i += kListed) {
     const size_t found = ListSelected(mask + i, HWY_MIN(kListed, end - i), positions);
     for (size_t j = 0; j < found; ++j) y[j] = a[i + positions[j]];
     y += found;
