@@ -28,27 +28,34 @@ enum Rounding {
   kCurrentQuiet = 12
 };
 
+// One arithmetic instruction on these operands in this order. Compilers may swap the operands of a
+// sum or a product otherwise, though of two NaNs the first one's payload comes out, and may compute
+// a difference first and select afterwards, though only the selected operands raise nothing.
+// clang-format off
 #if HWY_TARGET == HWY_SSE4
-#define PEX_ORDERED(instruction, suffix)                            \
-  __asm__(instruction suffix " %1, %0" : "+x"(a.raw) : "x"(b.raw)); \
-  return a;
+#define PEX_INSTRUCTION(Name, V, mnemonic)                                          \
+  HWY_INLINE V Name(V a, V b) {                                                     \
+    __asm__(mnemonic " %1, %0" : "+x"(a.raw) : "x"(b.raw));                         \
+    return a;                                                                       \
+  }
 #else
-#define PEX_ORDERED(instruction, suffix)                                                \
-  __asm__("v" instruction suffix " %2, %1, %0" : "=v"(a.raw) : "v"(a.raw), "v"(b.raw)); \
-  return a;
+#define PEX_INSTRUCTION(Name, V, mnemonic)                                          \
+  HWY_INLINE V Name(V a, V b) {                                                     \
+    __asm__("v" mnemonic " %2, %1, %0" : "=v"(a.raw) : "v"(a.raw), "v"(b.raw));     \
+    return a;                                                                       \
+  }
 #endif
 
-// For one register type: a + b and a * b with the operands in this order, which compilers are free
-// to swap otherwise (of two NaNs the first one's payload comes out), and rounding to an integer.
-#define PEX_HARDWARE(V, suffix, round)                                                         \
-  HWY_INLINE V OrderedAdd(V a, V b){PEX_ORDERED("add", suffix)} HWY_INLINE V OrderedMul(V a,   \
-                                                                                        V b) { \
-    PEX_ORDERED("mul", suffix)                                                                 \
-  }                                                                                            \
-  template <Rounding kMode>                                                                    \
-  HWY_INLINE V RoundTo(V x) {                                                                  \
-    return V{round(x.raw, kMode)};                                                             \
+// For one register type: the arithmetic, and rounding to an integer.
+#define PEX_HARDWARE(V, suffix, round)                                              \
+  PEX_INSTRUCTION(HardwareAdd, V, "add" suffix)                                     \
+  PEX_INSTRUCTION(HardwareSub, V, "sub" suffix)                                     \
+  PEX_INSTRUCTION(HardwareMul, V, "mul" suffix)                                     \
+  template <Rounding kMode>                                                         \
+  HWY_INLINE V RoundTo(V x) {                                                       \
+    return V{round(x.raw, kMode)};                                                  \
   }
+// clang-format on
 
 template <size_t N>
 using Doubles = hn::Vec128<double, N>;
@@ -70,7 +77,7 @@ PEX_HARDWARE(hn::Vec512<float>, "ps", _mm512_roundscale_ps)
 #endif
 
 #undef PEX_HARDWARE
-#undef PEX_ORDERED
+#undef PEX_INSTRUCTION
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

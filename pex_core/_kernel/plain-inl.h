@@ -50,9 +50,9 @@ struct PlainArrays {
   // place the later one stays.
   HWY_INLINE bool Independent(size_t bytes) const {
     bool clash = StartsWithin(a, r1, bytes);
-    if constexpr (K::kArguments == 2) clash |= StartsWithin(b, r1, bytes);
+    if constexpr (K::kArguments == 2) clash = clash || StartsWithin(b, r1, bytes);
     if constexpr (K::kResults == 2) {
-      clash |= StartsWithin(a, r2, bytes) | StartsWithin(r1, r2, bytes);
+      clash = clash || StartsWithin(a, r2, bytes) || StartsWithin(r1, r2, bytes);
     }
     return !clash;
   }

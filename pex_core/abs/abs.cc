@@ -16,7 +16,7 @@ template <typename T>
 struct Abs : PlainKernel<T> {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    return hn::Mul(x, hn::CopySignToAbs(hn::Set(d, T(1)), x));
+    return HardwareMul(x, hn::CopySignToAbs(hn::Set(d, T(1)), x));
   }
 };
 

@@ -19,7 +19,7 @@ struct Modf : PlainKernel<T, 1, 2> {
     whole = RoundTo<kTowardZero>(x);
     const auto integer = hn::Eq(x, whole);
     const V difference =
-        hn::Sub(hn::IfThenZeroElse(integer, x), hn::IfThenZeroElse(integer, whole));
+        HardwareSub(hn::IfThenZeroElse(integer, x), hn::IfThenZeroElse(integer, whole));
     fraction = hn::Or(difference, hn::And(x, hn::Set(d, T(-0.0))));
   }
 };

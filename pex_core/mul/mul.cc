@@ -12,7 +12,7 @@ template <typename T>
 struct Mul : PlainKernel<T, 2> {
   template <class D, class V>
   static HWY_INLINE V Main(D, V a, V b) {
-    return OrderedMul(a, b);
+    return HardwareMul(a, b);
   }
 };
 

@@ -18,7 +18,7 @@ struct Round : PlainKernel<T> {
   static HWY_INLINE V Main(D d, V x) {
     const V t = RoundTo<kNearest>(x);
     const V sign = hn::And(x, hn::Set(d, T(-0.0)));
-    const auto tie = hn::Eq(hn::Xor(hn::Sub(x, t), sign), hn::Set(d, T(0.5)));
+    const auto tie = hn::Eq(hn::Xor(HardwareSub(x, t), sign), hn::Set(d, T(0.5)));
     // A zero of the sign of t elsewhere, which leaves t as it is.
     return hn::Add(t, hn::Or(hn::IfThenElseZero(tie, hn::Set(d, T(1))), sign));
   }

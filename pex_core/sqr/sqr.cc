@@ -12,7 +12,7 @@ template <typename T>
 struct Sqr : PlainKernel<T> {
   template <class D, class V>
   static HWY_INLINE V Main(D, V x) {
-    return hn::Mul(x, x);
+    return HardwareMul(x, x);
   }
 };
 
