@@ -2,6 +2,7 @@
 // integer widths, arrays that overlap in any way, ends of readable memory, signalling NaNs.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <type_traits>
 
@@ -310,7 +311,7 @@ TEST(Pack, NothingOutsideIsTouched) {
             Move reference = m;
             reference.y = want.data() + (m.y - y_begin);
             Loop(reference);
-            ASSERT_EQ(std::memcmp(y_begin, want.data(), want.size()), 0)
+            ASSERT_TRUE(std::equal(want.begin(), want.end(), y_begin))
                 << m.Text() << " on " << level.name;
           }
         }
