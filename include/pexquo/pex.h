@@ -98,6 +98,36 @@ PEXQUO_API int kro_pex_service_strcat1(const char* first, const char* second, ch
 /* The number of characters before the terminator. */
 PEXQUO_API int kro_pex_service_strlen1(const char* s);
 
+/* ---- Copies of chosen elements, i = 0 .. n-1. ----
+ *
+ * d entries move doubles, s entries floats. `width` says how wide the integers are: 1 means that n
+ * and the increment are 32-bit (the upper halves of their registers are ignored) and that index and
+ * mask arrays hold int32_t; any other value means 64-bit throughout. A count of 0 or less does
+ * nothing. Increments and indices may be negative or zero and are checked against no bound.
+ *
+ * Elements move one by one in ascending order of i as far as can be seen: arrays may overlap, and a
+ * later element then sees what an earlier one wrote. Nothing but the elements named below is read or
+ * written. No bit of a NaN changes and no exception flag is raised. All return 0. */
+
+/* y[i] = a[i * inca] */
+PEXQUO_API int _pexdPackI(int64_t n, const double* a, int64_t inca, double* y, int32_t width);
+PEXQUO_API int _pexsPackI(int64_t n, const float* a, int64_t inca, float* y, int32_t width);
+/* y[i] = a[ia[i]] */
+PEXQUO_API int _pexdPackV(int64_t n, const double* a, const void* ia, double* y, int32_t width);
+PEXQUO_API int _pexsPackV(int64_t n, const float* a, const void* ia, float* y, int32_t width);
+/* The a[i] with ma[i] != 0, one after the other from y[0]. */
+PEXQUO_API int _pexdPackM(int64_t n, const double* a, const void* ma, double* y, int32_t width);
+PEXQUO_API int _pexsPackM(int64_t n, const float* a, const void* ma, float* y, int32_t width);
+/* y[i * incy] = a[i] */
+PEXQUO_API int _pexdUnpackI(int64_t n, const double* a, double* y, int64_t incy, int32_t width);
+PEXQUO_API int _pexsUnpackI(int64_t n, const float* a, float* y, int64_t incy, int32_t width);
+/* y[iy[i]] = a[i]; of equal indices the last one stays. */
+PEXQUO_API int _pexdUnpackV(int64_t n, const double* a, double* y, const void* iy, int32_t width);
+PEXQUO_API int _pexsUnpackV(int64_t n, const float* a, float* y, const void* iy, int32_t width);
+/* The y[i] with my[i] != 0 become a[0], a[1] and so on; the other y[i] are left alone. */
+PEXQUO_API int _pexdUnpackM(int64_t n, const double* a, double* y, const void* my, int32_t width);
+PEXQUO_API int _pexsUnpackM(int64_t n, const float* a, float* y, const void* my, int32_t width);
+
 #include "pexquo/pex_functions.h"
 
 #ifdef __cplusplus

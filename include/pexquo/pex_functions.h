@@ -20,15 +20,17 @@ PEXQUO_API int _pexdSqr(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexsSqr(int32_t n, const float* a, float* r);
 
 /* Abs: r[i] = |a|. A multiplication by plus or minus one: a signalling NaN becomes quiet and raises
-   invalid. */
+   invalid, a NaN keeps its sign, and the caller's flush modes hold. */
 PEXQUO_API int _pexdAbs(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexsAbs(int32_t n, const float* a, float* r);
 
-/* Ceil: r[i] = the least integer not below a. May raise inexact. */
+/* Ceil: r[i] = the least integer not below a. May raise inexact. A subnormal is 0 where the caller
+   says that denormals are. */
 PEXQUO_API int _pexdCeil(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexsCeil(int32_t n, const float* a, float* r);
 
-/* Floor: r[i] = the greatest integer not above a. May raise inexact. */
+/* Floor: r[i] = the greatest integer not above a. May raise inexact. A subnormal is 0 where the
+   caller says that denormals are. */
 PEXQUO_API int _pexdFloor(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexsFloor(int32_t n, const float* a, float* r);
 
@@ -44,7 +46,8 @@ PEXQUO_API int _pexsRint(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexdNearbyInt(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexsNearbyInt(int32_t n, const float* a, float* r);
 
-/* Round: r[i] = the nearest integer, ties away from zero. May raise inexact. */
+/* Round: r[i] = the nearest integer, ties away from zero. May raise inexact; an infinity raises
+   invalid and stays. */
 PEXQUO_API int _pexdRound(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexsRound(int32_t n, const float* a, float* r);
 

@@ -28,7 +28,25 @@ class ControlGuard {
   uint32_t saved_;
 };
 
-// The same for x87 code: 64-bit significands, round to nearest, exceptions masked.
+// The rounding and flush bits alone for the time of a call: to nearest, no flushing. The exception
+// masks stay the caller's, and so do the flags.
+class RoundingGuard {
+ public:
+  RoundingGuard() : saved_(_mm_getcsr()) {
+    if (saved_ & kRounding) _mm_setcsr(saved_ & ~kRounding);
+  }
+  ~RoundingGuard() {
+    if (saved_ & kRounding) _mm_setcsr(_mm_getcsr() | (saved_ & kRounding));
+  }
+  RoundingGuard(const RoundingGuard&) = delete;
+  RoundingGuard& operator=(const RoundingGuard&) = delete;
+
+ private:
+  static constexpr uint32_t kRounding = 0xE040;  // rounding control, flush to zero, denormals are 0
+  uint32_t saved_;
+};
+
+// ControlGuard for x87 code: 64-bit significands, round to nearest, exceptions masked.
 class X87Guard {
  public:
   X87Guard() : saved_(Current()) {

@@ -16,6 +16,21 @@
     return HWY_DYNAMIC_DISPATCH(body) arguments;                 \
   }
 
+// The same with the caller's control word in force: entries that are the hardware's operations.
+#define PEX_EXPORT_HARDWARE_BODY(body, parameters, arguments)    \
+  HWY_EXPORT(body);                                              \
+  extern "C" PEXQUO_API int _pex##body parameters {              \
+    return HWY_DYNAMIC_DISPATCH(body) arguments;                 \
+  }
+
+// The same with the rounding mode to nearest and without flushing, exceptions masked as they are.
+#define PEX_EXPORT_ROUNDING_BODY(body, parameters, arguments)    \
+  HWY_EXPORT(body);                                              \
+  extern "C" PEXQUO_API int _pex##body parameters {              \
+    const RoundingGuard guard;                                   \
+    return HWY_DYNAMIC_DISPATCH(body) arguments;                 \
+  }
+
 #define PEX_EXPORT_UNARY(T, body) \
   PEX_EXPORT_BODY(body, (int32_t n, const T* a, T* r), (n, a, r))
 #define PEX_EXPORT_BINARY(T, body) \
@@ -24,5 +39,14 @@
   PEX_EXPORT_BODY(body, (int32_t n, const T* a, T b, T* r), (n, a, b, r))
 #define PEX_EXPORT_UNARY_TWO(T, body) \
   PEX_EXPORT_BODY(body, (int32_t n, const T* a, T* r1, T* r2), (n, a, r1, r2))
+
+#define PEX_EXPORT_HARDWARE_UNARY(T, body) \
+  PEX_EXPORT_HARDWARE_BODY(body, (int32_t n, const T* a, T* r), (n, a, r))
+#define PEX_EXPORT_HARDWARE_BINARY(T, body) \
+  PEX_EXPORT_HARDWARE_BODY(body, (int32_t n, const T* a, const T* b, T* r), (n, a, b, r))
+#define PEX_EXPORT_ROUNDING_UNARY(T, body) \
+  PEX_EXPORT_ROUNDING_BODY(body, (int32_t n, const T* a, T* r), (n, a, r))
+#define PEX_EXPORT_ROUNDING_UNARY_TWO(T, body) \
+  PEX_EXPORT_ROUNDING_BODY(body, (int32_t n, const T* a, T* r1, T* r2), (n, a, r1, r2))
 
 #endif  // PEX_CORE__KERNEL_EXPORT_H_

@@ -1,0 +1,85 @@
+// Single instructions whose exact behaviour is the contract: which operand's NaN comes out, which
+// exceptions are raised, which rounding mode is taken.
+
+#include <immintrin.h>
+
+#include "hwy/highway.h"
+
+#if defined(PEX_CORE__KERNEL_HARDWARE_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__KERNEL_HARDWARE_INL_H_
+#undef PEX_CORE__KERNEL_HARDWARE_INL_H_
+#else
+#define PEX_CORE__KERNEL_HARDWARE_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// Operands of the round-to-integral instruction. The last two take the rounding mode of the control
+// word; kCurrentQuiet alone never raises inexact.
+enum Rounding {
+  kNearest = 0,
+  kDown = 1,
+  kUp = 2,
+  kTowardZero = 3,
+  kCurrent = 4,
+  kCurrentQuiet = 12
+};
+
+// One arithmetic instruction on these operands in this order. Compilers may swap the operands of a
+// sum or a product otherwise, though of two NaNs the first one's payload comes out, and may compute
+// a difference first and select afterwards, though only the selected operands raise nothing.
+// clang-format off
+#if HWY_TARGET == HWY_SSE4
+#define PEX_INSTRUCTION(Name, V, mnemonic)                                          \
+  HWY_INLINE V Name(V a, V b) {                                                     \
+    __asm__(mnemonic " %1, %0" : "+x"(a.raw) : "x"(b.raw));                         \
+    return a;                                                                       \
+  }
+#else
+#define PEX_INSTRUCTION(Name, V, mnemonic)                                          \
+  HWY_INLINE V Name(V a, V b) {                                                     \
+    __asm__("v" mnemonic " %2, %1, %0" : "=v"(a.raw) : "v"(a.raw), "v"(b.raw));     \
+    return a;                                                                       \
+  }
+#endif
+
+// For one register type: the arithmetic, and rounding to an integer.
+#define PEX_HARDWARE(V, suffix, round)                                              \
+  PEX_INSTRUCTION(HardwareAdd, V, "add" suffix)                                     \
+  PEX_INSTRUCTION(HardwareSub, V, "sub" suffix)                                     \
+  PEX_INSTRUCTION(HardwareMul, V, "mul" suffix)                                     \
+  template <Rounding kMode>                                                         \
+  HWY_INLINE V RoundTo(V x) {                                                       \
+    return V{round(x.raw, kMode)};                                                  \
+  }
+// clang-format on
+
+template <size_t N>
+using Doubles = hn::Vec128<double, N>;
+template <size_t N>
+using Floats = hn::Vec128<float, N>;
+
+PEX_HARDWARE(Doubles<1>, "pd", _mm_round_pd)
+PEX_HARDWARE(Doubles<2>, "pd", _mm_round_pd)
+PEX_HARDWARE(Floats<1>, "ps", _mm_round_ps)
+PEX_HARDWARE(Floats<2>, "ps", _mm_round_ps)
+PEX_HARDWARE(Floats<4>, "ps", _mm_round_ps)
+#if HWY_TARGET != HWY_SSE4
+PEX_HARDWARE(hn::Vec256<double>, "pd", _mm256_round_pd)
+PEX_HARDWARE(hn::Vec256<float>, "ps", _mm256_round_ps)
+#endif
+#if HWY_TARGET == HWY_AVX3
+PEX_HARDWARE(hn::Vec512<double>, "pd", _mm512_roundscale_pd)
+PEX_HARDWARE(hn::Vec512<float>, "ps", _mm512_roundscale_ps)
+#endif
+
+#undef PEX_HARDWARE
+#undef PEX_INSTRUCTION
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__KERNEL_HARDWARE_INL_H_

@@ -1,0 +1,142 @@
+// The driver of elementwise kernels without rare lanes: groups of vectors, tails without a byte
+// read or written outside the arrays, results that overlap arguments in any way.
+//
+// A kernel is a struct derived from PlainKernel with Main as in elementwise-inl.h. It must raise no
+// exception on a zero argument, which stands in the lanes beyond the end.
+
+#include <cstdint>
+
+#include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/_kernel/hardware-inl.h"
+
+#if defined(PEX_CORE__KERNEL_PLAIN_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__KERNEL_PLAIN_INL_H_
+#undef PEX_CORE__KERNEL_PLAIN_INL_H_
+#else
+#define PEX_CORE__KERNEL_PLAIN_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+template <typename Element, int kArgs = 1, int kRes = 1>
+struct PlainKernel {
+  using T = Element;
+  static constexpr int kArguments = kArgs;
+  static constexpr int kResults = kRes;
+};
+
+inline constexpr int kPlainUnroll = 4;  // vectors per group
+
+// Whether `second` begins inside the `bytes` that follow the first byte of `first`.
+HWY_INLINE bool StartsWithin(const void* first, const void* second, size_t bytes) {
+  return reinterpret_cast<uintptr_t>(second) - reinterpret_cast<uintptr_t>(first) - 1 < bytes - 1;
+}
+
+// The arrays of a call; one-argument kernels have the same argument twice, one-result kernels the
+// same result.
+template <class K>
+struct PlainArrays {
+  using T = typename K::T;
+  const T* a;
+  const T* b;
+  T* r1;
+  T* r2;
+
+  // Whether a block of that many bytes may load all its arguments before it stores its results: no
+  // result of the block is an argument of a later element of the block, and of two results in one
+  // place the later one stays.
+  HWY_INLINE bool Independent(size_t bytes) const {
+    bool clash = StartsWithin(a, r1, bytes);
+    if constexpr (K::kArguments == 2) clash = clash || StartsWithin(b, r1, bytes);
+    if constexpr (K::kResults == 2) {
+      clash = clash || StartsWithin(a, r2, bytes) || StartsWithin(r1, r2, bytes);
+    }
+    return !clash;
+  }
+};
+
+// `kVectors` vectors at element i.
+template <class K, int kVectors, class D>
+HWY_INLINE void PlainGroup(D d, const PlainArrays<K>& p, size_t i) {
+  using V = VecOf<D>;
+  const size_t lanes = hn::Lanes(d);
+  V x[kVectors], y[kVectors];
+  for (int k = 0; k < kVectors; ++k) {
+    x[k] = hn::LoadU(d, p.a + i + k * lanes);
+    y[k] = K::kArguments == 2 ? hn::LoadU(d, p.b + i + k * lanes) : x[k];
+  }
+  for (int k = 0; k < kVectors; ++k) {
+    V v1 = x[k], v2 = x[k];
+    Compute<K>(d, x[k], y[k], v1, v2);
+    hn::StoreU(v1, d, p.r1 + i + k * lanes);
+    if constexpr (K::kResults == 2) hn::StoreU(v2, d, p.r2 + i + k * lanes);
+  }
+}
+
+// The last elements, fewer than kLanes: by masks where they are cheap, else by halves.
+template <class K, size_t kLanes>
+HWY_INLINE void PlainTail(const PlainArrays<K>& p, size_t i, size_t end) {
+  using T = typename K::T;
+#if HWY_TARGET == HWY_AVX3
+  const hn::CappedTag<T, kLanes> d;
+  if (i == end) return;
+  const auto mask = hn::FirstN(d, end - i);
+  const auto x = hn::MaskedLoad(mask, d, p.a + i);
+  auto y = x;
+  if constexpr (K::kArguments == 2) y = hn::MaskedLoad(mask, d, p.b + i);
+  auto v1 = x, v2 = x;
+  Compute<K>(d, x, y, v1, v2);
+  hn::BlendedStore(v1, mask, d, p.r1 + i);
+  if constexpr (K::kResults == 2) hn::BlendedStore(v2, mask, d, p.r2 + i);
+#else
+  if constexpr (kLanes > 1) {
+    const hn::CappedTag<T, kLanes / 2> d;
+    if (end - i >= kLanes / 2) {
+      PlainGroup<K, 1>(d, p, i);
+      i += kLanes / 2;
+    }
+    PlainTail<K, kLanes / 2>(p, i, end);
+  }
+#endif
+}
+
+template <class K>
+HWY_INLINE int RunPlain(int32_t n, const PlainArrays<K>& p) {
+  using T = typename K::T;
+  const hn::ScalableTag<T> d;
+  constexpr size_t kLanes = hn::MaxLanes(hn::ScalableTag<T>());
+  constexpr size_t kGroup = kPlainUnroll * kLanes;
+  constexpr size_t kPeel = 8 * kGroup;  // from here on it pays to align the stores
+  if (n <= 0) return 0;
+  const size_t end = static_cast<size_t>(n);
+  size_t i = 0;
+  if (HWY_UNLIKELY(!p.Independent(HWY_MIN(kGroup, end) * sizeof(T)))) {
+    for (; i < end; ++i) PlainGroup<K, 1>(hn::CappedTag<T, 1>(), p, i);
+    return 0;
+  }
+  const size_t past = reinterpret_cast<uintptr_t>(p.r1) % (kLanes * sizeof(T)) / sizeof(T);
+  if (past != 0 && end >= kPeel) {
+    PlainTail<K, kLanes>(p, 0, kLanes - past);
+    i = kLanes - past;
+  }
+  for (; i + kGroup <= end; i += kGroup) PlainGroup<K, kPlainUnroll>(d, p, i);
+  for (; i + kLanes <= end; i += kLanes) PlainGroup<K, 1>(d, p, i);
+  PlainTail<K, kLanes>(p, i, end);
+  return 0;
+}
+
+// The bodies that PEX_EXPORT_* and PEX_EXPORT_HARDWARE_* dispatch to.
+#define PEX_PLAIN_UNARY(T, body, K) \
+  int body(int32_t n, const T* a, T* r) { return RunPlain<K>(n, {a, a, r, r}); }
+#define PEX_PLAIN_BINARY(T, body, K) \
+  int body(int32_t n, const T* a, const T* b, T* r) { return RunPlain<K>(n, {a, b, r, r}); }
+#define PEX_PLAIN_UNARY_TWO(T, body, K) \
+  int body(int32_t n, const T* a, T* r1, T* r2) { return RunPlain<K>(n, {a, a, r1, r2}); }
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__KERNEL_PLAIN_INL_H_
