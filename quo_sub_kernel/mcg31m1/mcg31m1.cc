@@ -25,6 +25,7 @@ class SourceMCG31M1 {
   static constexpr size_t kChains = 4;
   static constexpr size_t kBlock = kChains * kLanes;
   static_assert(kBlock <= kPowers31);
+  static constexpr double kScale = kInv2P31M1;
 
   explicit HWY_INLINE SourceMCG31M1(const StateMCG31M1& state) {
     if (state.a == kMultiplier31) {
@@ -39,6 +40,9 @@ class SourceMCG31M1 {
   HWY_INLINE DoubleVec Value(size_t u) const {
     const DoubleTag d;
     return hn::Sub(hn::BitCast(d, chain_[u]), hn::Set(d, 0x1p52));
+  }
+  HWY_INLINE DoubleVec Unit(size_t u) const {
+    return hn::Mul(Value(u), hn::Set(DoubleTag(), kScale));
   }
   HWY_INLINE void Advance(size_t u) { chain_[u] = Product(chain_[u], step_); }
   HWY_INLINE uint32_t At(size_t i) const {
@@ -75,8 +79,8 @@ class SourceMCG31M1 {
 };
 
 // The state as an output: the low words of two chains.
-template <>
-struct WordOutput<SourceMCG31M1> {
+template <bool kUnit>
+struct WordOutput<SourceMCG31M1, kUnit> {
   using T = uint32_t;
   static constexpr size_t kChainsPerGroup = 2;
   static HWY_INLINE U32Vec Group(const SourceMCG31M1& s, size_t u, DoubleVec, DoubleVec) {
@@ -86,21 +90,21 @@ struct WordOutput<SourceMCG31M1> {
   static HWY_INLINE U32Tag Tag() { return U32Tag(); }
 };
 
-template <template <class> class Output, typename T>
+template <template <class, bool> class Output, typename T>
 HWY_INLINE void Generate(StateMCG31M1* state, size_t n, T* r, double a, double b) {
-  const double scale = (b - a) * kInv2P31M1;
   if (n < kFew) {
+    const double scale = (b - a) * kInv2P31M1;
     const uint32_t multiplier = state->a % kM31;
     uint32_t x = state->x % kM31;
     for (size_t i = 0; i < n; ++i) {
-      Output<SourceMCG31M1>::One(x, r + i, scale, a);
+      Output<SourceMCG31M1, false>::One(x, r + i, scale, a);
       x = MulMod2P31M1(x, multiplier);
     }
     state->x = x;
     return;
   }
   SourceMCG31M1 source(*state);
-  const size_t used = Fill<Output<SourceMCG31M1>>(source, n, r, scale, a);
+  const size_t used = Fill<Output>(source, n, r, a, b);
   state->x = source.At(used);
 }
 
@@ -156,13 +160,13 @@ extern "C" QUO_API int32_t __quoBRngMCG31M1InitStream(int32_t method, StreamStat
 
 extern "C" QUO_API int32_t __quodBRngMCG31M1(StreamState* stream, int32_t n, double* r, double a,
                                      double b) {
-  const QuietGuard guard;
+  const QuietGuard guard(a, b);
   HWY_DYNAMIC_DISPATCH(dMCG31M1)(State(stream), Count(n), r, a, b);
   return QUO_OK;
 }
 
 extern "C" QUO_API int32_t __quosBRngMCG31M1(StreamState* stream, int32_t n, float* r, float a, float b) {
-  const QuietGuard guard;
+  const QuietGuard guard(a, b);
   HWY_DYNAMIC_DISPATCH(sMCG31M1)(State(stream), Count(n), r, a, b);
   return QUO_OK;
 }
