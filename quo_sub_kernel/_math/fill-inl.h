@@ -1,13 +1,19 @@
 // The loops of the congruential generators: blocks of outputs from independent chains of vectors.
 //
-// A generator's source holds kChains vectors of `Lanes` consecutive states, one behind the other: a
+// A generator's source holds kChains vectors of kLanes consecutive states, one behind the other: a
 // block. It offers
-//   kScale        what scales a state to [0, 1);
-//   Value(u)      the states of chain u as doubles;
-//   Unit(u)       Value(u) times kScale;
-//   Advance(u)    moves chain u on by one block.
-// A block that is not used up stays as it is, and the caller takes the next state out of it. Fewer
-// than kFew outputs are made one by one. The result array need not be aligned.
+//   State             the state, or a view of it, between calls;
+//   IsReduced(state)  whether the state is one that the recurrence leaves behind. Others come from
+//                     copies between streams; their first output is made by the scalar definition;
+//   ToDouble(state)   the number that scaling takes, as a double;
+//   Step(state)       one step of the recurrence, by its definition, from any state;
+//   Source(state)     the first block from a reduced state;
+//   kScale            what scales a state to [0, 1);
+//   Value(u)          the states of chain u as doubles;
+//   Unit(u)           Value(u) times kScale;
+//   Advance(u)        moves chain u on by one block;
+//   Take(i, state)    state i of the block becomes the state.
+// Fewer than kFew outputs are made one by one. The result array need not be aligned.
 
 #include <cstddef>
 #include <cstdint>
@@ -37,27 +43,35 @@ using U32Vec = hn::Vec<U32Tag>;
 inline constexpr size_t kLanes = hn::MaxLanes(DoubleTag());
 inline constexpr size_t kFew = 4;
 
-// What one output group is: the chains that it takes and how they become one vector of outputs.
-// kUnit: on [0, 1), where the product with b - a = 1 and the sum with a = 0 change nothing.
+// Output elements of one vector per group of kSteps chains.
+template <typename Element, size_t kSteps>
+struct VectorOutput {
+  using T = Element;
+  using Tag = hn::ScalableTag<T>;
+  static constexpr size_t kWords = 1;  // elements of T per output
+  static constexpr size_t kChainsPerGroup = kSteps;
+  static HWY_INLINE void Write(hn::Vec<Tag> group, T* r) { hn::StoreU(group, Tag(), r); }
+  static HWY_INLINE void WriteFirst(hn::Vec<Tag> group, T* r, size_t count) {
+    hn::BlendedStore(group, hn::FirstN(Tag(), count), Tag(), r);
+  }
+};
+
+// Uniforms on [a, b). kUnit: on [0, 1), where the product with b - a = 1 and the sum with a = 0
+// change nothing.
 template <class Source, bool kUnit>
-struct DoubleOutput {
-  using T = double;
-  static constexpr size_t kChainsPerGroup = 1;
+struct DoubleOutput : VectorOutput<double, 1> {
   static HWY_INLINE DoubleVec Group(const Source& s, size_t u, DoubleVec scale, DoubleVec a) {
     return kUnit ? s.Unit(u) : hn::Add(hn::Mul(s.Value(u), scale), a);
   }
-  static HWY_INLINE void One(double value, double* r, double scale, double a) {
-    const double y = value * scale + a;
+  static HWY_INLINE void One(const typename Source::State& s, double* r, double scale, double a) {
+    const double y = Source::ToDouble(s) * scale + a;
     std::memcpy(r, &y, sizeof(y));
   }
-  static HWY_INLINE DoubleTag Tag() { return DoubleTag(); }
 };
 
 // Computed in double and rounded to single at the end.
 template <class Source, bool kUnit>
-struct FloatOutput {
-  using T = float;
-  static constexpr size_t kChainsPerGroup = 2;
+struct FloatOutput : VectorOutput<float, 2> {
   static HWY_INLINE hn::Vec<FloatTag> Group(const Source& s, size_t u, DoubleVec scale,
                                             DoubleVec a) {
     using Doubles = DoubleOutput<Source, kUnit>;
@@ -66,11 +80,10 @@ struct FloatOutput {
     const auto upper = hn::DemoteTo(half, Doubles::Group(s, u + 1, scale, a));
     return hn::Combine(FloatTag(), upper, lower);
   }
-  static HWY_INLINE void One(double value, float* r, double scale, double a) {
-    const float y = static_cast<float>(value * scale + a);
+  static HWY_INLINE void One(const typename Source::State& s, float* r, double scale, double a) {
+    const float y = static_cast<float>(Source::ToDouble(s) * scale + a);
     std::memcpy(r, &y, sizeof(y));
   }
-  static HWY_INLINE FloatTag Tag() { return FloatTag(); }
 };
 
 // The states themselves; each generator has its own layout, and the bounds stand idle.
@@ -84,35 +97,46 @@ HWY_INLINE size_t FillGroups(Source& source, size_t n, typename Output::T* r, do
   constexpr size_t kStep = Output::kChainsPerGroup;
   constexpr size_t kGroup = kStep * kLanes;
   constexpr size_t kBlock = Source::kChains * kLanes;
-  const auto d = Output::Tag();
   const DoubleVec vscale = hn::Set(DoubleTag(), scale);
   const DoubleVec va = hn::Set(DoubleTag(), a);
   for (; n >= kBlock; n -= kBlock) {
-    for (size_t u = 0; u < Source::kChains; u += kStep, r += kGroup) {
-      hn::StoreU(Output::Group(source, u, vscale, va), d, r);
+    for (size_t u = 0; u < Source::kChains; u += kStep, r += kGroup * Output::kWords) {
+      Output::Write(Output::Group(source, u, vscale, va), r);
       for (size_t k = 0; k < kStep; ++k) source.Advance(u + k);
     }
   }
   size_t left = n;
-  for (size_t u = 0; u < Source::kChains && left != 0; u += kStep, r += kGroup) {
+  for (size_t u = 0; u < Source::kChains && left != 0; u += kStep) {
     const auto group = Output::Group(source, u, vscale, va);
     if (left < kGroup) {
-      hn::BlendedStore(group, hn::FirstN(d, left), d, r);
+      Output::WriteFirst(group, r, left);
       break;
     }
-    hn::StoreU(group, d, r);
+    Output::Write(group, r);
+    r += kGroup * Output::kWords;
     left -= kGroup;
   }
   return n;
 }
 
-// n uniforms on [a, b), or n states.
+// n uniforms on [a, b), or n states; n is at least 1.
 template <template <class, bool> class Output, class Source, typename T>
-HWY_INLINE size_t Fill(Source& source, size_t n, T* r, double a, double b) {
-  if (a == 0 && b == 1) {
-    return FillGroups<Output<Source, true>>(source, n, r, Source::kScale, a);
+HWY_INLINE void Generate(typename Source::State& state, size_t n, T* r, double a, double b) {
+  const double scale = (b - a) * Source::kScale;
+  if (n < kFew || !Source::IsReduced(state)) {
+    const size_t singly = n < kFew ? n : 1;
+    for (size_t i = 0; i < singly; ++i, r += Output<Source, false>::kWords) {
+      Output<Source, false>::One(state, r, scale, a);
+      Source::Step(state);
+    }
+    n -= singly;
+    if (n == 0) return;
   }
-  return FillGroups<Output<Source, false>>(source, n, r, (b - a) * Source::kScale, a);
+  Source source(state);
+  const size_t used = a == 0 && b == 1
+                          ? FillGroups<Output<Source, true>>(source, n, r, scale, a)
+                          : FillGroups<Output<Source, false>>(source, n, r, scale, a);
+  source.Take(used, state);
 }
 
 }  // namespace quo::HWY_NAMESPACE

@@ -22,12 +22,18 @@ namespace quo::HWY_NAMESPACE {
 // lanes: as a double this is 2^52 + x.
 class SourceMCG31M1 {
  public:
+  using State = StateMCG31M1;
+  static HWY_INLINE bool IsReduced(const State& s) { return s.x < kM31 && s.a < kM31; }
+  static HWY_INLINE double ToDouble(const State& s) { return s.x; }
+  static HWY_INLINE void Step(State& s) {
+    s.x = MulMod2P31M1(IsReduced(s) ? s.x : s.x % kM31, IsReduced(s) ? s.a : s.a % kM31);
+  }
   static constexpr size_t kChains = 4;
   static constexpr size_t kBlock = kChains * kLanes;
   static_assert(kBlock <= kPowers31);
   static constexpr double kScale = kInv2P31M1;
 
-  explicit HWY_INLINE SourceMCG31M1(const StateMCG31M1& state) {
+  explicit HWY_INLINE SourceMCG31M1(const State& state) {
     if (state.a == kMultiplier31) {
       Start(state.x, kBasePowers31.p);
     } else {
@@ -36,7 +42,7 @@ class SourceMCG31M1 {
       Start(state.x, powers.p);
     }
   }
-  HWY_INLINE U32Vec State(size_t u) const { return chain_[u]; }
+  HWY_INLINE U32Vec Words(size_t u) const { return chain_[u]; }
   HWY_INLINE DoubleVec Value(size_t u) const {
     const DoubleTag d;
     return hn::Sub(hn::BitCast(d, chain_[u]), hn::Set(d, 0x1p52));
@@ -45,12 +51,12 @@ class SourceMCG31M1 {
     return hn::Mul(Value(u), hn::Set(DoubleTag(), kScale));
   }
   HWY_INLINE void Advance(size_t u) { chain_[u] = Product(chain_[u], step_); }
-  HWY_INLINE uint32_t At(size_t i) const {
+  HWY_INLINE void Take(size_t i, State& state) const {
     HWY_ALIGN uint64_t block[kBlock];
     for (size_t u = 0; u < kChains; ++u) {
       hn::Store(hn::BitCast(U64Tag(), chain_[u]), U64Tag(), block + u * kLanes);
     }
-    return static_cast<uint32_t>(block[i]);
+    state.x = static_cast<uint32_t>(block[i]);
   }
 
  private:
@@ -80,42 +86,23 @@ class SourceMCG31M1 {
 
 // The state as an output: the low words of two chains.
 template <bool kUnit>
-struct WordOutput<SourceMCG31M1, kUnit> {
-  using T = uint32_t;
-  static constexpr size_t kChainsPerGroup = 2;
+struct WordOutput<SourceMCG31M1, kUnit> : VectorOutput<uint32_t, 2> {
   static HWY_INLINE U32Vec Group(const SourceMCG31M1& s, size_t u, DoubleVec, DoubleVec) {
-    return hn::ConcatEven(U32Tag(), s.State(u + 1), s.State(u));
+    return hn::ConcatEven(U32Tag(), s.Words(u + 1), s.Words(u));
   }
-  static HWY_INLINE void One(uint32_t x, uint32_t* r, double, double) { std::memcpy(r, &x, 4); }
-  static HWY_INLINE U32Tag Tag() { return U32Tag(); }
+  static HWY_INLINE void One(const StateMCG31M1& s, uint32_t* r, double, double) {
+    std::memcpy(r, &s.x, sizeof(s.x));
+  }
 };
 
-template <template <class, bool> class Output, typename T>
-HWY_INLINE void Generate(StateMCG31M1* state, size_t n, T* r, double a, double b) {
-  if (n < kFew) {
-    const double scale = (b - a) * kInv2P31M1;
-    const uint32_t multiplier = state->a % kM31;
-    uint32_t x = state->x % kM31;
-    for (size_t i = 0; i < n; ++i) {
-      Output<SourceMCG31M1, false>::One(x, r + i, scale, a);
-      x = MulMod2P31M1(x, multiplier);
-    }
-    state->x = x;
-    return;
-  }
-  SourceMCG31M1 source(*state);
-  const size_t used = Fill<Output>(source, n, r, a, b);
-  state->x = source.At(used);
-}
-
 void dMCG31M1(StateMCG31M1* state, size_t n, double* r, double a, double b) {
-  Generate<DoubleOutput>(state, n, r, a, b);
+  Generate<DoubleOutput, SourceMCG31M1>(*state, n, r, a, b);
 }
 void sMCG31M1(StateMCG31M1* state, size_t n, float* r, double a, double b) {
-  Generate<FloatOutput>(state, n, r, a, b);
+  Generate<FloatOutput, SourceMCG31M1>(*state, n, r, a, b);
 }
 void iMCG31M1(StateMCG31M1* state, size_t n, uint32_t* r) {
-  Generate<WordOutput>(state, n, r, 0, 1);
+  Generate<WordOutput, SourceMCG31M1>(*state, n, r, 0, 1);
 }
 
 }  // namespace quo::HWY_NAMESPACE

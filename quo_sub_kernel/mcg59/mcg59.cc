@@ -20,13 +20,17 @@ namespace quo::HWY_NAMESPACE {
 
 class SourceMCG59 {
  public:
+  using State = StateMCG59;
+  static HWY_INLINE bool IsReduced(const State& s) { return s.x <= kMask59; }
+  static HWY_INLINE double ToDouble(const State& s) { return static_cast<double>(s.x); }
+  static HWY_INLINE void Step(State& s) { s.x = MulMod2P59(s.x, s.a); }
   static constexpr size_t kChains = 4;
   static constexpr size_t kBlock = kChains * kLanes;
   static_assert(kBlock <= kPowers59);
 
   static constexpr double kScale = kInv2P59;
 
-  explicit HWY_INLINE SourceMCG59(const StateMCG59& state) {
+  explicit HWY_INLINE SourceMCG59(const State& state) {
     if (state.a == kMultiplier59) {
       Start(state.x, kBasePowers59.p);
     } else {
@@ -35,14 +39,14 @@ class SourceMCG59 {
       Start(state.x, powers.p);
     }
   }
-  HWY_INLINE U64Vec State(size_t u) const { return hn::ShiftRight<kSpare>(chain_[u]); }
+  HWY_INLINE U64Vec Words(size_t u) const { return hn::ShiftRight<kSpare>(chain_[u]); }
   HWY_INLINE DoubleVec Value(size_t u) const { return Rounded<0>(u); }
   HWY_INLINE DoubleVec Unit(size_t u) const { return Rounded<59>(u); }
   HWY_INLINE void Advance(size_t u) { chain_[u] = Product(chain_[u], step_, step_high_); }
-  HWY_INLINE uint64_t At(size_t i) const {
+  HWY_INLINE void Take(size_t i, State& state) const {
     HWY_ALIGN uint64_t block[kBlock];
     for (size_t u = 0; u < kChains; ++u) hn::Store(chain_[u], U64Tag(), block + u * kLanes);
-    return block[i] >> kSpare;
+    state.x = block[i] >> kSpare;
   }
 
  private:
@@ -63,7 +67,7 @@ class SourceMCG59 {
   HWY_INLINE DoubleVec Rounded(size_t u) const {
     const DoubleTag d;
 #if HWY_TARGET == HWY_AVX3
-    const DoubleVec x = hn::ConvertTo(d, hn::BitCast(hn::RebindToSigned<U64Tag>(), State(u)));
+    const DoubleVec x = hn::ConvertTo(d, hn::BitCast(hn::RebindToSigned<U64Tag>(), Words(u)));
     return kDown == 0 ? x : hn::Mul(x, hn::Set(d, kInv2P59));
 #else
     // The words as the low ones of 2^e + 2^(e-20) high and 2^(e-32) + 2^(e-84) low, where
@@ -99,40 +103,22 @@ class SourceMCG59 {
 };
 
 template <bool kUnit>
-struct WordOutput<SourceMCG59, kUnit> {
-  using T = uint64_t;
-  static constexpr size_t kChainsPerGroup = 1;
+struct WordOutput<SourceMCG59, kUnit> : VectorOutput<uint64_t, 1> {
   static HWY_INLINE U64Vec Group(const SourceMCG59& s, size_t u, DoubleVec, DoubleVec) {
-    return s.State(u);
+    return s.Words(u);
   }
-  static HWY_INLINE void One(uint64_t x, uint64_t* r, double, double) { std::memcpy(r, &x, 8); }
-  static HWY_INLINE U64Tag Tag() { return U64Tag(); }
+  static HWY_INLINE void One(const StateMCG59& s, uint64_t* r, double, double) {
+    std::memcpy(r, &s.x, sizeof(s.x));
+  }
 };
 
-template <template <class, bool> class Output, typename T>
-HWY_INLINE void Generate(StateMCG59* state, size_t n, T* r, double a, double b) {
-  if (n < kFew) {
-    const double scale = (b - a) * kInv2P59;
-    uint64_t x = state->x & kMask59;
-    for (size_t i = 0; i < n; ++i) {
-      Output<SourceMCG59, false>::One(x, r + i, scale, a);
-      x = MulMod2P59(x, state->a);
-    }
-    state->x = x;
-    return;
-  }
-  SourceMCG59 source(*state);
-  const size_t used = Fill<Output>(source, n, r, a, b);
-  state->x = source.At(used);
-}
-
 void dMCG59(StateMCG59* state, size_t n, double* r, double a, double b) {
-  Generate<DoubleOutput>(state, n, r, a, b);
+  Generate<DoubleOutput, SourceMCG59>(*state, n, r, a, b);
 }
 void sMCG59(StateMCG59* state, size_t n, float* r, double a, double b) {
-  Generate<FloatOutput>(state, n, r, a, b);
+  Generate<FloatOutput, SourceMCG59>(*state, n, r, a, b);
 }
-void iMCG59(StateMCG59* state, size_t n, uint64_t* r) { Generate<WordOutput>(state, n, r, 0, 1); }
+void iMCG59(StateMCG59* state, size_t n, uint64_t* r) { Generate<WordOutput, SourceMCG59>(*state, n, r, 0, 1); }
 
 }  // namespace quo::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
