@@ -52,7 +52,13 @@ struct VectorOutput {
   static constexpr size_t kChainsPerGroup = kSteps;
   static HWY_INLINE void Write(hn::Vec<Tag> group, T* r) { hn::StoreU(group, Tag(), r); }
   static HWY_INLINE void WriteFirst(hn::Vec<Tag> group, T* r, size_t count) {
+#if HWY_TARGET == HWY_SSE4  // without masked stores
+    HWY_ALIGN T elements[hn::MaxLanes(Tag())];
+    hn::Store(group, Tag(), elements);
+    std::memcpy(r, elements, count * sizeof(T));
+#else
     hn::BlendedStore(group, hn::FirstN(Tag(), count), Tag(), r);
+#endif
   }
 };
 
