@@ -139,9 +139,8 @@ HWY_INLINE void Generate(typename Source::State& state, size_t n, T* r, double a
     if (n == 0) return;
   }
   Source source(state);
-  const size_t used = a == 0 && b == 1
-                          ? FillGroups<Output<Source, true>>(source, n, r, scale, a)
-                          : FillGroups<Output<Source, false>>(source, n, r, scale, a);
+  const size_t used = a == 0 && b == 1 ? FillGroups<Output<Source, true>>(source, n, r, scale, a)
+                                       : FillGroups<Output<Source, false>>(source, n, r, scale, a);
   source.Take(used, state);
 }
 

@@ -6,10 +6,11 @@
 
 namespace quo {
 
-inline constexpr uint32_t kM31 = 0x7FFFFFFF;           // 2^31 - 1
+inline constexpr uint32_t kM31 = 0x7FFFFFFF;            // 2^31 - 1
 inline constexpr uint64_t kMask59 = 0x7FFFFFFFFFFFFFF;  // 2^59 - 1
 
-// x y mod 2^31 - 1 for x, y below 2^31: 2^31 is 1 modulo 2^31 - 1, so the halves of the product add.
+// x y mod 2^31 - 1 for x, y below 2^31: 2^31 is 1 modulo 2^31 - 1, so the halves of the product
+// add.
 constexpr uint32_t MulMod2P31M1(uint32_t x, uint32_t y) {
   const uint64_t p = static_cast<uint64_t>(x) * y;
   const uint32_t t = static_cast<uint32_t>(p & kM31) + static_cast<uint32_t>(p >> 31);

@@ -33,8 +33,8 @@ class QuietGuard {
   static constexpr uint32_t kInexact = 0x20;    // of these, inexact
   static constexpr uint32_t kDefault = 0x1F80;  // exceptions masked, nearest, no FTZ, no DAZ
 
-  // Whether the bounds are 0 and 1, which raise nothing but inexact: asked of the bits, as comparing
-  // numbers may raise flags itself.
+  // Whether the bounds are 0 and 1, which raise nothing but inexact: asked of the bits, as
+  // comparing numbers may raise flags itself.
   template <typename T>
   static bool IsUnit(T a, T b) {
     const T zero = 0, one = 1;

@@ -123,8 +123,8 @@ HWY_EXPORT(dMCG31M1);
 HWY_EXPORT(sMCG31M1);
 HWY_EXPORT(iMCG31M1);
 
-extern "C" QUO_API int32_t __quoBRngMCG31M1InitStream(int32_t method, StreamState* stream, int32_t n,
-                                              const uint32_t* params) {
+extern "C" QUO_API int32_t __quoBRngMCG31M1InitStream(int32_t method, StreamState* stream,
+                                                      int32_t n, const uint32_t* params) {
   StateMCG31M1* const s = State(stream);
   switch (method) {
     case QUO_INIT_STANDARD: {
@@ -146,13 +146,14 @@ extern "C" QUO_API int32_t __quoBRngMCG31M1InitStream(int32_t method, StreamStat
 }
 
 extern "C" QUO_API int32_t __quodBRngMCG31M1(StreamState* stream, int32_t n, double* r, double a,
-                                     double b) {
+                                             double b) {
   const QuietGuard guard(a, b);
   HWY_DYNAMIC_DISPATCH(dMCG31M1)(State(stream), Count(n), r, a, b);
   return QUO_OK;
 }
 
-extern "C" QUO_API int32_t __quosBRngMCG31M1(StreamState* stream, int32_t n, float* r, float a, float b) {
+extern "C" QUO_API int32_t __quosBRngMCG31M1(StreamState* stream, int32_t n, float* r, float a,
+                                             float b) {
   const QuietGuard guard(a, b);
   HWY_DYNAMIC_DISPATCH(sMCG31M1)(State(stream), Count(n), r, a, b);
   return QUO_OK;

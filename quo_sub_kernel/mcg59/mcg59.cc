@@ -76,9 +76,8 @@ class SourceMCG59 {
     constexpr double kPowers = (0x1p84 + 0x1p52) / (uint64_t{1} << kSpare) / (uint64_t{1} << kDown);
     const U64Tag du;
     const U64Vec high = hn::Or(hn::ShiftRight<32>(chain_[u]), hn::Set(du, kExponent << 52));
-    const U32Vec low =
-        hn::OddEven(hn::BitCast(U32Tag(), hn::Set(du, (kExponent - 32) << 52)),
-                    hn::BitCast(U32Tag(), chain_[u]));
+    const U32Vec low = hn::OddEven(hn::BitCast(U32Tag(), hn::Set(du, (kExponent - 32) << 52)),
+                                   hn::BitCast(U32Tag(), chain_[u]));
     return hn::Add(hn::Sub(hn::BitCast(d, high), hn::Set(d, kPowers)), hn::BitCast(d, low));
 #endif
   }
@@ -118,7 +117,9 @@ void dMCG59(StateMCG59* state, size_t n, double* r, double a, double b) {
 void sMCG59(StateMCG59* state, size_t n, float* r, double a, double b) {
   Generate<FloatOutput, SourceMCG59>(*state, n, r, a, b);
 }
-void iMCG59(StateMCG59* state, size_t n, uint64_t* r) { Generate<WordOutput, SourceMCG59>(*state, n, r, 0, 1); }
+void iMCG59(StateMCG59* state, size_t n, uint64_t* r) {
+  Generate<WordOutput, SourceMCG59>(*state, n, r, 0, 1);
+}
 
 }  // namespace quo::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

@@ -4,7 +4,8 @@
 // Lane i of a block holds the four x A^i, so blocks advance by the powers A^(block length). States
 // and multipliers are whole numbers in doubles, which makes their products, below 2^48, exact. The
 // quotient of a product by m is taken with rounded factors, 3 ulp at most and so 2^-27 off, while
-// the true one is no whole number (m is prime) and 1/m > 2^-24 away from any: truncated, both agree.
+// the true one is no whole number (m is prime) and 1/m > 2^-24 away from any: truncated, both
+// agree.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "quo_sub_kernel/wh/wh.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
@@ -140,8 +141,8 @@ struct WordOutput<SourceWH, kUnit> {
   }
   static HWY_INLINE U64Vec Pair(U64Vec low, U64Vec high) {
     const U32Tag d;
-    return hn::BitCast(U64Tag(), hn::OddEven(hn::BitCast(d, hn::ShiftLeft<32>(high)),
-                                             hn::BitCast(d, low)));
+    return hn::BitCast(U64Tag(),
+                       hn::OddEven(hn::BitCast(d, hn::ShiftLeft<32>(high)), hn::BitCast(d, low)));
   }
   static HWY_INLINE void Write(const Pairs& group, uint32_t* r) {
     hn::StoreInterleaved2(group.x12, group.x34, U64Tag(), reinterpret_cast<uint64_t*>(r));

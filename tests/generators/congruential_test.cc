@@ -184,9 +184,21 @@ TEST_P(Congruential, SkipAheadLaws) {
 TEST_P(Congruential, Seeds) {
   const Generator& g = GetParam();
   const uint32_t m = static_cast<uint32_t>(g.start[0].m);
-  const std::vector<std::vector<uint32_t>> seeds = {
-      {}, {0}, {1}, {m}, {2 * m}, {m - 1}, {m + 1}, {UINT32_MAX}, {0, 0}, {5, UINT32_MAX},
-      {0, 0xF8000000}, {7, 0, 9}, {1, 2, 3, 4}, {1, 2, 3, 4, 5}, {1, 2, 3, 4, 5, 6, 7}};
+  const std::vector<std::vector<uint32_t>> seeds = {{},
+                                                    {0},
+                                                    {1},
+                                                    {m},
+                                                    {2 * m},
+                                                    {m - 1},
+                                                    {m + 1},
+                                                    {UINT32_MAX},
+                                                    {0, 0},
+                                                    {5, UINT32_MAX},
+                                                    {0, 0xF8000000},
+                                                    {7, 0, 9},
+                                                    {1, 2, 3, 4},
+                                                    {1, 2, 3, 4, 5},
+                                                    {1, 2, 3, 4, 5, 6, 7}};
   for (const auto& seed : seeds) {
     Pair pair(g, seed);
     pair.ExpectSameState();
@@ -260,8 +272,8 @@ TEST(CongruentialRange, Mcg31m1Ends) {
   EXPECT_EQ(Stream(g, {1}).Doubles(1)[0], 0x1.00000002p-31);
   EXPECT_EQ(Stream(g, {0x7FFFFFFE}).Doubles(5)[0], 1 - 0x1.00000002p-31);
   EXPECT_EQ(Stream(g, {1}).Words(3),
-            (std::vector<uint32_t>{1, 1132489760, static_cast<uint32_t>(
-                                                      PowMod(1132489760, 2, 0x7FFFFFFF))}));
+            (std::vector<uint32_t>{1, 1132489760,
+                                   static_cast<uint32_t>(PowMod(1132489760, 2, 0x7FFFFFFF))}));
 }
 
 }  // namespace

@@ -25,13 +25,13 @@ const Bounds kBounds[] = {
     {-0.1, 0.3},
     {0.3, -0.1},
     {7, 7},
-    {0, 0x1p-1074},               // scale 0
-    {0, 0x1p-1000},               // scale subnormal
-    {0x1p-1070, 1},               // subnormal bound
-    {0, 1e-40},                   // single results subnormal
-    {0, 0x1p-960},                // extreme scale, normal
-    {-DBL_MAX, DBL_MAX},          // b - a overflows
-    {0, 1e39},                    // single results overflow
+    {0, 0x1p-1074},       // scale 0
+    {0, 0x1p-1000},       // scale subnormal
+    {0x1p-1070, 1},       // subnormal bound
+    {0, 1e-40},           // single results subnormal
+    {0, 0x1p-960},        // extreme scale, normal
+    {-DBL_MAX, DBL_MAX},  // b - a overflows
+    {0, 1e39},            // single results overflow
     {0, std::numeric_limits<double>::infinity()},
     {std::numeric_limits<double>::signaling_NaN(), 1},
 };
@@ -67,8 +67,8 @@ TEST(Control, SameBitsUnderAnyControlWord) {
           const uint32_t after = _mm_getcsr();
           _mm_setcsr(0x1F80);
           // The conversion of the bounds to single, in AllOutputs, runs under the odd word itself.
-          const bool same_floats = static_cast<float>(bounds.a) == bounds.a &&
-                                   static_cast<float>(bounds.b) == bounds.b;
+          const bool same_floats =
+              static_cast<float>(bounds.a) == bounds.a && static_cast<float>(bounds.b) == bounds.b;
           if (word == 0x1F80 || same_floats) {
             EXPECT_TRUE(got == expected) << bounds.a << " " << bounds.b << " " << word;
           }

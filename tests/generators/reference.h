@@ -47,20 +47,37 @@ struct Generator {
 };
 
 inline Generator Mcg31m1() {
-  return {"MCG31M1", QUO_BRNG_MCG31M1, 8, 1, true, __quoBRngMCG31M1InitStream, __quodBRngMCG31M1,
-          __quosBRngMCG31M1, __quoiBRngMCG31M1,
+  return {"MCG31M1",
+          QUO_BRNG_MCG31M1,
+          8,
+          1,
+          true,
+          __quoBRngMCG31M1InitStream,
+          __quodBRngMCG31M1,
+          __quosBRngMCG31M1,
+          __quoiBRngMCG31M1,
           {{1, 1132489760, 2147483647, 4.656612875245797e-10}}};
 }
 
 inline Generator Mcg59() {
-  return {"MCG59", QUO_BRNG_MCG59, 16, 2, false, __quoBRngMCG59InitStream, __quodBRngMCG59,
-          __quosBRngMCG59, __quoiBRngMCG59,
+  return {"MCG59",
+          QUO_BRNG_MCG59,
+          16,
+          2,
+          false,
+          __quoBRngMCG59InitStream,
+          __quodBRngMCG59,
+          __quosBRngMCG59,
+          __quoiBRngMCG59,
           {{1, 302875106592253, uint64_t{1} << 59, 1.734723475976807e-18}}};
 }
 
 inline Generator Wh(int member, bool legacy = false) {
-  Generator g{"WH", legacy ? 4 + member : QUO_BRNG_WH + member, 32, 4, false,
-              __quoBRngWHInitStream, __quodBRngWH, __quosBRngWH, __quoiBRngWH, {}};
+  Generator g{"WH",         legacy ? 4 + member : QUO_BRNG_WH + member,
+              32,           4,
+              false,        __quoBRngWHInitStream,
+              __quodBRngWH, __quosBRngWH,
+              __quoiBRngWH, {}};
   for (int j = 0; j < 4; ++j) {
     const uint32_t m = _quo_WH_M[member][j];
     g.start.push_back({1, _quo_WH_A[member][j], m, 1.0 / m});
