@@ -85,32 +85,42 @@ class SourceWH {
     for (int j = 0; j < 4; ++j) chain_[u][j] = step_[j].Times(chain_[u][j]);
   }
   HWY_INLINE void Take(size_t i, State& s) const {
-    HWY_ALIGN double block[4][kBlock];
-    for (int j = 0; j < 4; ++j) {
-      for (size_t u = 0; u < kChains; ++u) {
-        hn::Store(chain_[u][j], DoubleTag(), block[j] + u * kLanes);
-      }
+    HWY_ALIGN double block[kBlock][4];
+    for (size_t u = 0; u < kChains; ++u) {
+      hn::StoreInterleaved4(chain_[u][0], chain_[u][1], chain_[u][2], chain_[u][3], DoubleTag(),
+                            block[u * kLanes]);
     }
-    for (int j = 0; j < 4; ++j) s.state->x[j] = static_cast<uint32_t>(block[j][i]);
+    for (size_t j = 0; j < 4; j += hn::MaxLanes(RowTag())) {
+      const auto x = hn::DemoteTo(RowIntTag(), hn::Load(RowTag(), block[i] + j));
+      hn::StoreU(x, RowIntTag(), reinterpret_cast<int32_t*>(s.state->x + j));
+    }
   }
 
  private:
+  // The components of one state side by side.
+  using RowTag = hn::CappedTag<double, 4>;
+  using RowIntTag = hn::Rebind<int32_t, RowTag>;
+  static HWY_INLINE hn::Vec<RowTag> LoadRow(const uint32_t* words) {
+    return hn::PromoteTo(RowTag(), hn::LoadU(RowIntTag(), reinterpret_cast<const int32_t*>(words)));
+  }
+
   // The states of the first block, each half from the one before it, and A^kBlock.
   static HWY_INLINE void Start(const State& s, double (*block)[4], double* step) {
-    const hn::CappedTag<double, 4> d;
-    constexpr size_t kStride = hn::MaxLanes(d);
-    HWY_ALIGN double m[4];
-    for (int j = 0; j < 4; ++j) {
-      const uint32_t a = s.state->a[j];
-      block[0][j] = s.state->x[j];
-      m[j] = s.m[j];
-      step[j] = a < s.m[j] ? a : a % s.m[j];
+    const RowTag d;
+    const uint32_t* multipliers = s.state->a;
+    uint32_t residues[4];
+    bool reduced = true;
+    for (int j = 0; j < 4; ++j) reduced &= multipliers[j] < s.m[j];
+    if (!reduced) {
+      for (int j = 0; j < 4; ++j) residues[j] = multipliers[j] % s.m[j];
+      multipliers = residues;
     }
-    for (size_t j = 0; j < 4; j += kStride) {
+    for (size_t j = 0; j < 4; j += hn::MaxLanes(d)) {
       const auto inverse = hn::LoadU(d, s.inverse + j);
-      Factor<decltype(d)> factor;
-      factor.a = hn::Load(d, step + j);
-      factor.m = hn::Load(d, m + j);
+      Factor<RowTag> factor;
+      factor.a = LoadRow(multipliers + j);
+      factor.m = LoadRow(s.m + j);
+      hn::Store(LoadRow(s.state->x + j), d, block[0] + j);
       for (size_t length = 1; length < kBlock; length *= 2) {
         factor.quotient = hn::Mul(factor.a, inverse);
         for (size_t i = 0; i < length; ++i) {

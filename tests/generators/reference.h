@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,10 @@ struct Generator {
   int32_t (*ibrng)(StreamState*, int32_t, uint32_t*);
   std::vector<Component> start;  // x = 1 and the base multipliers
 };
+
+inline void PrintTo(const Generator& g, std::ostream* out) {
+  *out << g.name << " " << std::hex << g.id << std::dec;
+}
 
 inline Generator Mcg31m1() {
   return {"MCG31M1",
