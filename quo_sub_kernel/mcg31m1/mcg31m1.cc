@@ -1,8 +1,9 @@
 // MCG31M1: x' = A x mod 2^31 - 1, a 31-bit multiplicative congruential generator.
 //
 // Lane i of a block holds x A^i, so blocks advance by the power A^(block length) in independent
-// chains; the powers of the base multiplier are constants, those of a leapfrogged stream are made
-// at each call. States are exact residues, so the split into blocks and calls leaves no trace.
+// chains. The first block is x times a table of powers of the base multiplier; with the multiplier
+// of a leapfrogged stream it takes a few more products. States are exact residues, so the split
+// into blocks and calls leaves no trace.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "quo_sub_kernel/mcg31m1/mcg31m1.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
@@ -37,9 +38,7 @@ class SourceMCG31M1 {
     if (state.a == kMultiplier31) {
       Start(state.x, kBasePowers31.p);
     } else {
-      Powers31 powers;
-      powers.Make(state.a, kBlock);
-      Start(state.x, powers.p);
+      Start(state.x, state.a % kM31);
     }
   }
   HWY_INLINE U32Vec Words(size_t u) const { return chain_[u]; }
@@ -60,6 +59,28 @@ class SourceMCG31M1 {
   }
 
  private:
+  static constexpr uint64_t kHigh = 0x4330000000000000;  // 2^52
+
+  // Lane by lane x times the powers of `a` whose exponents' bits the lane's number holds, and from
+  // chain to chain likewise.
+  HWY_INLINE void Start(uint32_t x, uint32_t a) {
+    const U64Tag d;
+    const U32Tag d32;
+    const U64Vec lane = hn::Iota(d, 0);
+    step_ = hn::BitCast(d32, hn::Set(d, a));
+    chain_[0] = hn::BitCast(d32, hn::Set(d, kHigh | x));
+    for (size_t bit = 1; bit < kLanes; bit *= 2) {
+      const U64Vec stays = hn::BitCast(d, chain_[0]);
+      const U64Vec moves = hn::BitCast(d, Product(chain_[0], step_));
+      const auto held = hn::TestBit(lane, hn::Set(d, bit));
+      chain_[0] = hn::BitCast(d32, hn::IfThenElse(held, moves, stays));
+      step_ = Product(step_, step_);
+    }
+    for (size_t bit = 1; bit < kChains; bit *= 2) {
+      for (size_t u = 0; u < bit; ++u) chain_[bit + u] = Product(chain_[u], step_);
+      step_ = Product(step_, step_);
+    }
+  }
   HWY_INLINE void Start(uint32_t x, const uint32_t* powers) {
     const hn::Rebind<uint32_t, U64Tag> half;
     const U32Vec vx = hn::Set(U32Tag(), x % kM31);
@@ -75,7 +96,7 @@ class SourceMCG31M1 {
     const U64Tag d;
     const U32Tag d32;
     const U64Vec p = hn::MulEven(x, y);
-    const U64Vec low = hn::OrAnd(hn::Set(d, 0x4330000000000000), p, hn::Set(d, kM31));
+    const U64Vec low = hn::OrAnd(hn::Set(d, kHigh), p, hn::Set(d, kM31));
     const U32Vec t = hn::BitCast(d32, hn::Add(low, hn::ShiftRight<31>(p)));
     return hn::Min(t, hn::Sub(t, hn::BitCast(d32, hn::Set(d, kM31))));
   }

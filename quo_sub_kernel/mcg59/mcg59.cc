@@ -1,8 +1,9 @@
 // MCG59: x' = A x mod 2^59, a 59-bit multiplicative congruential generator.
 //
 // Lane i of a block holds x A^i, so blocks advance by the power A^(block length) in independent
-// chains; the powers of the base multiplier are constants, those of a leapfrogged stream are made
-// at each call. The chains hold 32 x modulo 2^64, which drops the bits above 59 by itself.
+// chains. The first block is x times a table of powers of the base multiplier; with the multiplier
+// of a leapfrogged stream it takes a few more products. The chains hold 32 x modulo 2^64, which
+// drops the bits above 59 by itself.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "quo_sub_kernel/mcg59/mcg59.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
@@ -34,9 +35,7 @@ class SourceMCG59 {
     if (state.a == kMultiplier59) {
       Start(state.x, kBasePowers59.p);
     } else {
-      Powers59 powers;
-      powers.Make(state.a, kBlock);
-      Start(state.x, powers.p);
+      Start(state.x, state.a);
     }
   }
   HWY_INLINE U64Vec Words(size_t u) const { return hn::ShiftRight<kSpare>(chain_[u]); }
@@ -52,6 +51,29 @@ class SourceMCG59 {
  private:
   static constexpr int kSpare = 64 - 59;
 
+  // Lane by lane x times the powers of `a` whose exponents' bits the lane's number holds, and from
+  // chain to chain likewise.
+  HWY_INLINE void Start(uint64_t x, uint64_t a) {
+    const U64Tag d;
+    const U64Vec lane = hn::Iota(d, 0);
+    step_ = hn::Set(d, a);
+    step_high_ = hn::ShiftRight<32>(step_);
+    chain_[0] = hn::Set(d, x << kSpare);
+    for (size_t bit = 1; bit < kLanes; bit *= 2) {
+      const auto held = hn::TestBit(lane, hn::Set(d, bit));
+      const U64Vec moved = Product(chain_[0], step_, step_high_);
+      chain_[0] = hn::IfThenElse(held, moved, chain_[0]);
+      SquareStep();
+    }
+    for (size_t bit = 1; bit < kChains; bit *= 2) {
+      for (size_t u = 0; u < bit; ++u) chain_[bit + u] = Product(chain_[u], step_, step_high_);
+      SquareStep();
+    }
+  }
+  HWY_INLINE void SquareStep() {
+    step_ = Product(step_, step_, step_high_);
+    step_high_ = hn::ShiftRight<32>(step_);
+  }
   HWY_INLINE void Start(uint64_t x, const uint64_t* powers) {
     const U64Tag d;
     const U64Vec vx = hn::Set(d, x << kSpare);
