@@ -36,7 +36,7 @@ class SourceMCG31M1 {
 
   explicit HWY_INLINE SourceMCG31M1(const State& state) {
     if (state.a == kMultiplier31) {
-      Start(state.x, kBasePowers31.p);
+      Start(state.x, kBasePowers31.data());
     } else {
       Start(state.x, state.a % kM31);
     }

@@ -2,6 +2,7 @@
 #ifndef QUO_SUB_KERNEL_MCG31M1_MCG31M1_H_
 #define QUO_SUB_KERNEL_MCG31M1_MCG31M1_H_
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -18,20 +19,11 @@ struct StateMCG31M1 {
 inline constexpr uint32_t kMultiplier31 = 1132489760;
 inline constexpr double kInv2P31M1 = 0x1.00000002p-31;  // 1/(2^31 - 1)
 
-// The powers 0 .. kPowers31 of a multiplier.
+// The powers 0 .. 32 of the multiplier.
 inline constexpr size_t kPowers31 = 32;
-struct Powers31 {
-  uint32_t p[kPowers31 + 1];
-  // The powers up to a^last, last >= 1, each from two of half its exponent.
-  constexpr void Make(uint32_t a, size_t last) {
-    p[0] = 1;
-    p[1] = a % kM31;
-    for (size_t i = 2; i <= last; ++i) p[i] = MulMod2P31M1(p[i / 2], p[i - i / 2]);
-  }
-};
-inline constexpr Powers31 kBasePowers31 = [] {
-  Powers31 powers{};
-  powers.Make(kMultiplier31, kPowers31);
+alignas(64) inline constexpr auto kBasePowers31 = [] {
+  std::array<uint32_t, kPowers31 + 1> powers{1};
+  for (size_t i = 1; i <= kPowers31; ++i) powers[i] = MulMod2P31M1(powers[i - 1], kMultiplier31);
   return powers;
 }();
 

@@ -33,7 +33,7 @@ class SourceMCG59 {
 
   explicit HWY_INLINE SourceMCG59(const State& state) {
     if (state.a == kMultiplier59) {
-      Start(state.x, kBasePowers59.p);
+      Start(state.x, kBasePowers59.data());
     } else {
       Start(state.x, state.a);
     }

@@ -2,6 +2,7 @@
 #ifndef QUO_SUB_KERNEL_MCG59_MCG59_H_
 #define QUO_SUB_KERNEL_MCG59_MCG59_H_
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -18,20 +19,11 @@ struct StateMCG59 {
 inline constexpr uint64_t kMultiplier59 = 302875106592253;  // 13^13
 inline constexpr double kInv2P59 = 0x1p-59;
 
-// The powers 0 .. kPowers59 of a multiplier.
+// The powers 0 .. 32 of the multiplier.
 inline constexpr size_t kPowers59 = 32;
-struct Powers59 {
-  uint64_t p[kPowers59 + 1];
-  // The powers up to a^last, last >= 1, each from two of half its exponent.
-  constexpr void Make(uint64_t a, size_t last) {
-    p[0] = 1;
-    p[1] = a & kMask59;
-    for (size_t i = 2; i <= last; ++i) p[i] = MulMod2P59(p[i / 2], p[i - i / 2]);
-  }
-};
-inline constexpr Powers59 kBasePowers59 = [] {
-  Powers59 powers{};
-  powers.Make(kMultiplier59, kPowers59);
+alignas(64) inline constexpr auto kBasePowers59 = [] {
+  std::array<uint64_t, kPowers59 + 1> powers{1};
+  for (size_t i = 1; i <= kPowers59; ++i) powers[i] = MulMod2P59(powers[i - 1], kMultiplier59);
   return powers;
 }();
 
