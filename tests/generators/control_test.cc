@@ -25,6 +25,11 @@ const Bounds kBounds[] = {
     {-0.1, 0.3},
     {0.3, -0.1},
     {7, 7},
+    {-0x1p30, 0x1p30},
+    {0, 0x1p-30},
+    {0x1p-30, 0x1.00002p-30},
+    {0, 0x1p-31},
+    {0, 0x1p31},
     {0, 0x1p-1074},       // scale 0
     {0, 0x1p-1000},       // scale subnormal
     {0x1p-1070, 1},       // subnormal bound
