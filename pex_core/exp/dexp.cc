@@ -3,6 +3,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/exp/dexp.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
+#include "pex_core/_heap/real/exp_log_polynomials.h"
 #include "pex_core/_heap/real/exp_tables.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
@@ -31,34 +32,38 @@ HWY_INLINE ExpReduced<D> ExpReduce(D d, V x, double steps_over_ln2) {
   return {Bits(d, kf), hn::Sub(kf, shifter), x};
 }
 
-struct dExpCommon : Kernel<double> {
-  using Rarity = RareAbove<double, 0x4086232A>;  // |x| >= 708.39599609375
-  static HWY_INLINE int Rare(double x, double* r) { return dExpScalar(x, r); }
-};
+// y 2^(k >> kSteps) for y from 1/2 to 4, by an addition to the exponent: exact, and no product with a
+// tiny power of two ever underflows on the way.
+template <int kSteps, class D, class V>
+HWY_INLINE V ScaleByPower(D d, V y, BitsOf<D> k) {
+  const auto n = hn::And(hn::ShiftLeft<52 - kSteps>(k), SetBits(d, 0xFFF0000000000000));
+  return FromBits(d, hn::Add(Bits(d, y), n));
+}
 
 // ln2/1024 = L1 + L2, k L1 exact.
 constexpr double kL1 = 0x1.62e42fecp-11, kL2 = 0x1.d1cf79abc9e3bp-42;
 
-// 2^(k/1024) from a table, times a cubic in |r| <= ln2/2048.
-struct dExpLA : dExpCommon {
+// 2^(k/1024) from a table, times a cubic in |r| <= ln2/2048. The last octaves above the subnormal
+// numbers belong to the rare routine, whose product with the power rounds there.
+struct dExpLA : Kernel<double> {
+  using Rarity = RareAbove<double, 0x4085DFFF>;  // |x| >= 700
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 4;
+  static HWY_INLINE int Rare(double x, double* r) { return dExpLAScalar(x, r); }
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const auto [k, kd, x1] = ExpReduce(d, x, 0x1.71547652b82fep+10);
-    const auto t = hn::GatherIndex(hn::RebindToSigned<D>(), dExpShiftedTable,
-                                   hn::And(k, SetBits(d, 1023)));
-    const V s = FromBits(d, hn::Add(t, hn::ShiftLeft<42>(k)));
+    const V t = hn::GatherIndex(d, dExp_HA_Table, hn::And(k, SetBits(d, 1023)));
     const V r = hn::Sub(hn::Sub(x1, hn::Mul(kd, hn::Set(d, kL1))), hn::Mul(kd, hn::Set(d, kL2)));
     const V c = hn::Add(hn::Mul(hn::Set(d, 0x1.5555555555556p-3), r),
                         hn::Set(d, 0x1.0000001ebfbep-1));
     const V p = hn::Add(hn::Mul(hn::Mul(c, r), r), r);
-    return hn::Add(hn::Mul(s, p), s);
+    return ScaleByPower<10>(d, hn::Add(hn::Mul(t, p), t), k);
   }
 };
 
-// The bits of 2^(k/128)/2.
+// 2^(j/128)/2, j = k & 127.
 template <class D>
-HWY_INLINE BitsOf<D> HalfPowerBits(D d, BitsOf<D> k) {
+HWY_INLINE VecOf<D> HalfPower(D d, BitsOf<D> k) {
 #if HWY_TARGET == HWY_AVX3
   // Permutations of registers are faster than a gather: 2^(j/128) is the product of an eighth and a
   // hundred-and-twenty-eighth power, j = 16 a + b, and how far its rounding falls short is read from
@@ -70,53 +75,49 @@ HWY_INLINE BitsOf<D> HalfPowerBits(D d, BitsOf<D> k) {
   const __m512i shortfall = _mm512_permutexvar_epi64(a.raw, _mm512_load_epi64(dExpShortfall));
   const auto position = hn::And(hn::ShiftLeft<2>(k), SetBits(d, 60));
   const auto ulps = hn::And(BitsOf<D>{_mm512_srlv_epi64(shortfall, position.raw)}, SetBits(d, 15));
-  const auto power = hn::Add(Bits(d, VecOf<D>{_mm512_mul_pd(coarse, fine)}), ulps);
-  return hn::Add(power, hn::And(hn::ShiftLeft<45>(k), SetBits(d, 0xFFF0000000000000)));
+  return FromBits(d, hn::Add(Bits(d, VecOf<D>{_mm512_mul_pd(coarse, fine)}), ulps));
 #else
-  const hn::RebindToSigned<D> di;
-  const auto table = hn::GatherIndex(di, dExpShiftedTableEP, hn::And(k, SetBits(d, 127)));
-  return hn::Add(table, hn::ShiftLeft<45>(k));
+  return hn::GatherIndex(d, dExp_EP_Table, hn::And(k, SetBits(d, 127)));
 #endif
 }
 
 // 2^(k/128) from a table, times 1 + r + r^2/2 = ((1 + r)^2 + 1)/2, |r| <= ln2/256.
-struct dExpEP : dExpCommon {
+struct dExpEP : Kernel<double> {
+  using Rarity = RareAbove<double, 0x4086232A>;  // |x| >= 708.39599609375
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 2;
+  static HWY_INLINE int Rare(double x, double* r) { return dExpScalar(x, r); }
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const auto [k, kd, x1] = ExpReduce(d, x, 184.6649652337873);
-    const V half = FromBits(d, HalfPowerBits(d, k));
     const V r = hn::Sub(x1, hn::Mul(kd, hn::Set(d, 0.0054152123481245725)));
     const V one = hn::Set(d, 1.0);
     const V u = hn::Add(r, one);
-    return hn::Mul(half, hn::Add(hn::Mul(u, u), one));
+    const V y = hn::Mul(HalfPower(d, k), hn::Add(hn::Mul(u, u), one));
+    return ScaleByPower<7>(d, y, k);
   }
 };
 
 // 2^(k/1024) from a table with 12 bits below the double, times a quartic in |r| <= ln2/2048. A table
 // word holds the significand of the power in its low 52 bits, and above them how far the power is
 // from that double, in 2^-64 of it, plus 2048.
-struct dExpHA : dExpCommon {
+struct dExpHA : Kernel<double> {
+  using Rarity = RareAbove<double, 0x4086232A>;  // |x| >= 708.39599609375
+  static HWY_INLINE int Rare(double x, double* r) { return dExpScalar(x, r); }
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const auto [k, kd, x1] = ExpReduce(d, x, 0x1.71547652b82fep+10);
-    const auto j = hn::And(k, SetBits(d, 1023));
     const hn::RebindToUnsigned<D> du;
-    const auto word = hn::GatherIndex(du, dExpPackedTable, j);
+    const auto [k, kd, x1] = ExpReduce(d, x, 0x1.71547652b82fep+10);
+    const auto word = hn::GatherIndex(du, dExpPackedTable, hn::And(k, SetBits(d, 1023)));
     // 2^52 + rest + 2048, made by the bits.
     const auto rest = hn::Or(hn::ShiftRight<52>(word), hn::Set(du, 0x4330000000000000));
     const V delta = hn::Mul(hn::Sub(hn::BitCast(d, rest), hn::Set(d, 0x1p52 + 2048)),
                             hn::Set(d, 0x1p-64));
-    const auto significand = Bits(
-        d, hn::BitCast(d, hn::And(word, hn::Set(du, 0x000FFFFFFFFFFFFF))));
-    // (k - j) << 42 is the exponent of 2^(k >> 10).
-    const auto exponent = hn::Add(hn::ShiftLeft<42>(hn::Sub(k, j)), SetBits(d, 0x3FF0000000000000));
-    const V s = FromBits(d, hn::Add(significand, exponent));
+    const V t = hn::BitCast(d, hn::Or(hn::And(word, hn::Set(du, 0x000FFFFFFFFFFFFF)),
+                                      hn::Set(du, 0x3FF0000000000000)));
     const V r = hn::Sub(hn::Sub(x1, hn::Mul(kd, hn::Set(d, kL1))), hn::Mul(kd, hn::Set(d, kL2)));
-    const V r2 = hn::Mul(r, r);
-    const V q = Horner(d, r, {0.5, 0x1.5555555555555p-3, 0x1.5555555555555p-5});
-    const V p = hn::Add(hn::Add(hn::Mul(q, r2), delta), r);
-    return hn::Add(hn::Mul(s, p), s);
+    const V q = Horner(d, r, kExpHA);
+    const V p = hn::Add(hn::Add(hn::Mul(q, hn::Mul(r, r)), delta), r);
+    return ScaleByPower<10>(d, hn::Add(hn::Mul(t, p), t), k);
   }
 };
 

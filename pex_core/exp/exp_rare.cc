@@ -1,6 +1,8 @@
 // e^x = 2^n 2^(j/64) e^r, n = k >> 6, j = k & 63, k = round(x 64/ln2), |r| <= ln2/128.
 #include "pex_core/exp/exp_rare.h"
 
+#include <immintrin.h>
+
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -89,6 +91,23 @@ int dExpScalar(double x, double* r) {
   // 2^1024 is no double, so the last octave is reached in two steps.
   const double v = s.hi + s.lo;
   *r = s.n > 1023 ? v * PowerOfTwo(s.n - 1) * 2.0 : v * PowerOfTwo(s.n);
+  return PEX_STATUS_OK;
+}
+
+int dExpLAScalar(double x, double* r) {
+  if (!(std::fabs(x) < 708.39599609375)) return dExpScalar(x, r);
+  const double kf = x * 0x1.71547652b82fep+10 + kShifter;
+  const double kd = kf - kShifter;
+  const uint64_t k = std::bit_cast<uint64_t>(kf);
+  const uint64_t power = std::bit_cast<uint64_t>(dExp_HA_Table[k & 1023]);
+  const double s = std::bit_cast<double>(power + (k << 42 & 0xFFF0000000000000));
+  const double rest = x - kd * 0x1.62e42fecp-11 - kd * 0x1.d1cf79abc9e3bp-42;
+  const double p = (0x1.5555555555556p-3 * rest + 0x1.0000001ebfbep-1) * rest * rest + rest;
+  // The sum is normal: an underflow of the product is no concern of the caller.
+  const unsigned underflow = _mm_getcsr() & _MM_EXCEPT_UNDERFLOW;
+  const volatile double product = s * p;
+  if (!underflow) _mm_setcsr(_mm_getcsr() & ~_MM_EXCEPT_UNDERFLOW);
+  *r = product + s;
   return PEX_STATUS_OK;
 }
 
