@@ -4,6 +4,7 @@
 #include <bit>
 #include <cerrno>
 #include <cstddef>
+#include <cstdio>
 #include <cstring>
 
 #include "pex_core/mode/pex_mode.h"
@@ -57,7 +58,7 @@ void PrintValues(const PexErrorContext& record) {
   if (!one_result) line(record.res2);
 }
 
-void Print(const PexErrorContext& record) {
+void PrintLines(const PexErrorContext& record) {
   const PrintableName name(record);
   switch (record.code) {
     case PEX_STATUS_OK: return;
@@ -68,6 +69,15 @@ void Print(const PexErrorContext& record) {
   const bool known = record.code >= PEX_STATUS_DOMAIN && record.code <= PEX_STATUS_UNDERFLOW;
   kro_serv_kro_print(1, known ? 736 + record.code : 741, 1, name.text);
   PrintValues(record);
+}
+
+// The lines of one report stay together, and a message that fails to get out changes no errno.
+void Print(const PexErrorContext& record) {
+  const int saved = errno;
+  flockfile(stderr);
+  PrintLines(record);
+  funlockfile(stderr);
+  errno = saved;
 }
 
 void RaiseFlags(int32_t code) {
