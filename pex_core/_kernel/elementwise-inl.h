@@ -36,6 +36,35 @@ struct Kernel {
   static constexpr int kResults = 1;
   static constexpr int kUnroll = 4;      // vectors per group
   static constexpr T kHarmless = T(1);   // stands in for rare lanes and for lanes beyond the end
+  // Flags of MXCSR, inexact aside, that Main may raise on its way to a common result: an exponential
+  // near the smallest number multiplies its power of two by a small term, and that underflows. The
+  // driver takes them back. 0 costs nothing; otherwise a call reads MXCSR twice more.
+  static constexpr uint32_t kStrayFlags = 0;
+};
+
+// The flags that stand rightly: those of the caller and those that rare elements raised.
+template <class K>
+class FlagKeeper {
+ public:
+  HWY_INLINE FlagKeeper() { KeepAll(); }
+  HWY_INLINE void KeepAll() {
+    if constexpr (K::kStrayFlags != 0) standing_ = Read();
+  }
+  HWY_INLINE void TakeBackStray() const {
+    if constexpr (K::kStrayFlags != 0) {
+      const uint32_t now = Read();
+      const uint32_t stray = now & K::kStrayFlags & ~standing_;
+      if (HWY_UNLIKELY(stray != 0)) _mm_setcsr(now & ~stray);
+    }
+  }
+
+ private:
+  // Results stored before the barrier are computed before it.
+  static HWY_INLINE uint32_t Read() {
+    __asm__ volatile("" : : : "memory");
+    return _mm_getcsr();
+  }
+  uint32_t standing_ = 0;
 };
 
 template <class D>
@@ -130,7 +159,7 @@ HWY_INLINE int RareElement(T x, T y, T* r1, T* r2) {
 // One vector that may have rare lanes, or be the last, of `count` elements. Its arguments are kept,
 // for its results may overwrite them.
 template <class K, class C>
-HWY_NOINLINE void CarefulVector(const C& call, size_t i, size_t count) {
+HWY_NOINLINE void CarefulVector(const C& call, FlagKeeper<K>& flags, size_t i, size_t count) {
   using T = typename K::T;
   const typename K::Tag d;
   const size_t lanes = hn::Lanes(d);
@@ -167,6 +196,7 @@ HWY_NOINLINE void CarefulVector(const C& call, size_t i, size_t count) {
   }
   if (!any) return;
 
+  flags.TakeBackStray();
   uint8_t bits[8] = {};
   hn::StoreMaskBits(d, rare, bits);
   for (size_t lane = 0; lane < count; ++lane) {
@@ -180,6 +210,7 @@ HWY_NOINLINE void CarefulVector(const C& call, size_t i, size_t count) {
                      call.name);
     }
   }
+  flags.KeepAll();
 }
 
 // One group of kUnroll vectors; false, with nothing done, when some lane is rare.
@@ -215,12 +246,14 @@ HWY_INLINE int RunCall(int32_t n, const C& call) {
   const size_t lanes = hn::Lanes(d);
   const size_t group = K::kUnroll * lanes;
   const size_t end = n > 0 ? static_cast<size_t>(n) : 0;
+  FlagKeeper<K> flags;
   size_t i = 0;
   for (; i + group <= end; i += group) {
     if (HWY_LIKELY(CommonGroup<K>(call, i))) continue;
-    for (size_t k = 0; k < group; k += lanes) CarefulVector<K>(call, i + k, lanes);
+    for (size_t k = 0; k < group; k += lanes) CarefulVector<K>(call, flags, i + k, lanes);
   }
-  for (; i < end; i += lanes) CarefulVector<K>(call, i, HWY_MIN(lanes, end - i));
+  for (; i < end; i += lanes) CarefulVector<K>(call, flags, i, HWY_MIN(lanes, end - i));
+  flags.TakeBackStray();
   return 0;
 }
 

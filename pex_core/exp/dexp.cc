@@ -26,6 +26,7 @@ HWY_INLINE V LookUp(D d, const double* table, hn::Vec<hn::RebindToSigned<D>> ind
 }
 
 struct dExpCommon : Kernel<double> {
+  static constexpr uint32_t kStrayFlags = _MM_EXCEPT_UNDERFLOW | _MM_EXCEPT_DENORM;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
     return HighWordAbove(d, x, 0x4086232A);  // |x| >= 708.396

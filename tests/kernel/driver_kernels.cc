@@ -82,6 +82,17 @@ struct RootAndInverse : Kernel<T> {
   static int Rare(T x, T* r1, T* r2) { return RarePair(x, r1, r2); }
 };
 
+struct Underflow : Root<double> {
+  static constexpr uint32_t kStrayFlags = _MM_EXCEPT_UNDERFLOW | _MM_EXCEPT_INEXACT;
+  template <class D, class V>
+  static HWY_INLINE V Main(D d, V x) {
+    const V tiny = hn::Mul(hn::Mul(x, hn::Set(d, 0x1p-1000)), hn::Set(d, 0x1.1p-100));
+    return hn::Add(MainRoot(x), tiny);
+  }
+  static int Rare(double x, double* r) { return RareUnderflow(x, r); }
+};
+
+PEX_UNARY(double, dTestUnderflow, Underflow)
 PEX_UNARY(double, dTestRoot, Root<double>)
 PEX_UNARY(float, sTestRoot, Root<float>)
 PEX_UNARY(float, sTestWideRoot, WideRoot)
@@ -99,6 +110,7 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace pex {
+PEX_EXPORT_UNARY(double, dTestUnderflow)
 PEX_EXPORT_UNARY(double, dTestRoot)
 PEX_EXPORT_UNARY(float, sTestRoot)
 PEX_EXPORT_UNARY(float, sTestWideRoot)

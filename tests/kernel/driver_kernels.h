@@ -47,6 +47,12 @@ int RarePair(T x, T* r1, T* r2) {
   return RareRoot(x, r1);
 }
 
+// sqrt(x) on [0, 100), by way of an underflow; code 4 elsewhere.
+template <typename T>
+int RareUnderflow(T, T* r) {
+  return *r = 0, 4;
+}
+
 }  // namespace pex
 
 extern "C" {
@@ -59,6 +65,7 @@ int _pexsTestQuotient(int32_t n, const float* a, const float* b, float* r);
 int _pexdTestQuotientBy(int32_t n, const double* a, double b, double* r);
 int _pexsTestQuotientBy(int32_t n, const float* a, float b, float* r);
 int _pexdTestPair(int32_t n, const double* a, double* r1, double* r2);
+int _pexdTestUnderflow(int32_t n, const double* a, double* r);
 int _pexsTestPair(int32_t n, const float* a, float* r1, float* r2);
 }
 

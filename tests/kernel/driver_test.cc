@@ -374,6 +374,25 @@ TEST_P(Driver, KeepsTheCallersControlAndTheFlagsRaised) {
   });
 }
 
+// An underflow on the way to a result is nobody's business; that of a special element, and one that
+// stood before, is not taken back with it.
+TEST_P(Driver, TakesBackTheFlagsOfAPathWithDetours) {
+  Report(nullptr, PEX_ERRMODE_EXCEPT);
+  for (size_t n = 1; n <= 70; ++n) {
+    for (const size_t special : {n, n / 2, n - 1, size_t{0}}) {
+      for (const uint32_t standing : {0u, uint32_t{kUnderflow}, uint32_t{kInvalid}}) {
+        std::vector<double> a(n, 4.0), r(n);
+        if (special < n) a[special] = -1;
+        UseControl control(kDefaultControl, standing);
+        _pexdTestUnderflow(static_cast<int32_t>(n), a.data(), r.data());
+        control.Finish();
+        const uint32_t raised = special < n ? kUnderflow | kInexact : 0;
+        ASSERT_EQ(control.flags() & ~kDenormal, raised | standing) << "n " << n;
+      }
+    }
+  }
+}
+
 // The mode's other ways to report work from inside a call.
 TEST_P(Driver, TheStatusIsTheLastElements) {
   const std::vector<double> a = {1, -0.5, 4, 1e7, 0.25, -5, 16, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};

@@ -50,32 +50,32 @@ std::vector<uint64_t> Specials(bool is_double) {
   const Format f = FormatOf(is_double);
   const uint64_t ulp = uint64_t{1} << f.fraction;
   std::vector<uint64_t> list = {
-      0,                                        // zero
-      1,                                        // subnormals
+      0,  // zero
+      1,  // subnormals
       2,
       ulp / 2,
       ulp / 3,
       ulp - 1,
-      ulp,                                      // smallest normal numbers
+      ulp,  // smallest normal numbers
       ulp + 1,
-      f.infinity() - 1,                         // largest
+      f.infinity() - 1,  // largest
       f.infinity(),
-      f.infinity() | f.quiet(),                 // NaNs
+      f.infinity() | f.quiet(),  // NaNs
       f.infinity() | f.quiet() | 0x123,
-      f.infinity() | 1,                         // signalling
+      f.infinity() | 1,  // signalling
       f.infinity() | (f.quiet() >> 1),
       f.one(),
       f.one() - 1,
       f.one() + 1,
-      f.one() + ulp,                            // 2, 1/2, 3/2, 3, 4
+      f.one() + ulp,  // 2, 1/2, 3/2, 3, 4
       f.one() - ulp,
       f.one() + ulp / 2,
       f.one() + ulp + ulp / 2,
       f.one() + 2 * ulp,
-      f.one() - 26 * ulp,                       // small ones around powers of the precision
+      f.one() - 26 * ulp,  // small ones around powers of the precision
       f.one() - (f.fraction + 1ull) * ulp,
       f.one() - (f.fraction + 2ull) * ulp,
-      f.one() + f.fraction * ulp,               // large ones: integers only
+      f.one() + f.fraction * ulp,  // large ones: integers only
       f.one() + (f.fraction - 1ull) * ulp + 1,
       f.one() + 31 * ulp,
       f.one() + 63 * ulp,
@@ -223,7 +223,8 @@ std::vector<Arguments> DigestSet(const pex::Entry& entry) {
   std::vector<uint64_t> b;
   switch (entry.function->shape) {
     case pex::Shape::Unary:
-    case pex::Shape::UnaryTwo: return {{FromPatterns(is_double, a), {}}};
+    case pex::Shape::UnaryTwo:
+      return {{FromPatterns(is_double, a), {}}};
     case pex::Shape::Binary: {
       std::vector<uint64_t> x, y;
       for (const uint64_t first : Specials(is_double)) {
@@ -236,7 +237,8 @@ std::vector<Arguments> DigestSet(const pex::Entry& entry) {
       extend(y, 20000);
       return {{FromPatterns(is_double, x), FromPatterns(is_double, y)}};
     }
-    case pex::Shape::UnaryScalar: break;
+    case pex::Shape::UnaryScalar:
+      break;
   }
   std::vector<Arguments> sets;
   Numbers one(is_double, 1);
@@ -306,7 +308,7 @@ class Placed {
 }  // namespace
 
 Outcome CallEntry(const pex::Entry& entry, const Arguments& arguments, const Control& control,
-            size_t offset, Place place) {
+                  size_t offset, Place place) {
   const size_t n = arguments.size();
   const bool is_double = entry.is_double();
   Placed a(arguments.a, offset), b(arguments.b, offset);
@@ -342,9 +344,9 @@ std::string Difference(const Outcome& x, const Outcome& y) {
     const bool second = x.r1.bits(i) == y.r1.bits(i);
     const Numbers &p = second ? x.r2 : x.r1, &q = second ? y.r2 : y.r1;
     if (p.size() == 0 || p.bits(i) == q.bits(i)) continue;
-    std::snprintf(text, sizeof(text), "result %d at %zu: %a (%#llx) for %a (%#llx)",
-                  second ? 2 : 1, i, p.value(i), static_cast<unsigned long long>(p.bits(i)),
-                  q.value(i), static_cast<unsigned long long>(q.bits(i)));
+    std::snprintf(text, sizeof(text), "result %d at %zu: %a (%#llx) for %a (%#llx)", second ? 2 : 1,
+                  i, p.value(i), static_cast<unsigned long long>(p.bits(i)), q.value(i),
+                  static_cast<unsigned long long>(q.bits(i)));
     return text;
   }
   if (x.status != y.status) {

@@ -64,7 +64,7 @@ enum class Place { Apart, OverA, OverB, SecondOverA };
 // Calls an entry on arrays at `offset` elements from an aligned address, with a callback that notes
 // every record. The control words are those given; EXPECTs that they are kept.
 Outcome CallEntry(const pex::Entry& entry, const Arguments& arguments, const Control& control,
-            size_t offset = 0, Place place = Place::Apart);
+                  size_t offset = 0, Place place = Place::Apart);
 
 // "" if both are the same to the last bit, otherwise where they differ.
 std::string Difference(const Outcome& x, const Outcome& y);

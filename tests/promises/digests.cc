@@ -57,9 +57,11 @@ std::map<std::string, std::string> Read(const char* path) {
 int Update(const char* path) {
   std::ofstream file(path);
   file << "# Digests of results and error codes over a fixed set of arguments, the same on every\n"
-          "# processor. A line that changes is a change of results: say so where the change is made.\n"
+          "# processor. A line that changes is a change of results: say so where the change is "
+          "made.\n"
           "# Written by `digests --update` (target update_digests).\n";
-  for (const pex::Entry& entry : pex::Entries()) file << entry.symbol << '\t' << DigestOf(entry) << '\n';
+  for (const pex::Entry& entry : pex::Entries())
+    file << entry.symbol << '\t' << DigestOf(entry) << '\n';
   return file.flush() ? 0 : 1;
 }
 

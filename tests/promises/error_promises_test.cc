@@ -104,11 +104,9 @@ TEST_P(ErrorPromises, OrdinaryElementsRaiseNothingButInexact) {
   for (const Arguments& arguments : EveryKind(entry(), 52, 2000)) {
     for (size_t i = 0; i < arguments.size(); ++i) {
       if (Code(arguments, i) != 0 || Signalling(arguments, i)) continue;
-      const uint32_t stray =
-          Flags(One(arguments, i), PEX_ERRMODE_IGNORE) & ~(kInexact | kDenormal);
+      const uint32_t stray = Flags(One(arguments, i), PEX_ERRMODE_IGNORE) & ~(kInexact | kDenormal);
       if (stray == 0) continue;
-      ADD_FAILURE() << "flags " << stray << " at "
-                    << testing::PrintToString(arguments.a.value(i));
+      ADD_FAILURE() << "flags " << stray << " at " << testing::PrintToString(arguments.a.value(i));
       if (++faults == 5) return;
     }
   }
@@ -127,7 +125,8 @@ TEST_P(ErrorPromises, SpecialElementsRaiseTheirFlagAndNoOther) {
       Arguments mixed = Ordinary(entry(), i, n);
       mixed.a.set_bits(at, arguments.a.bits(i));
       if (mixed.b.size() == 1 && n > 1) continue;  // the scalar would go with all of them
-      if (mixed.b.size() > 0) mixed.b.set_bits(at, arguments.b.bits(arguments.b.size() == 1 ? 0 : i));
+      if (mixed.b.size() > 0)
+        mixed.b.set_bits(at, arguments.b.bits(arguments.b.size() == 1 ? 0 : i));
       const uint32_t allowed = FlagOf(code) | kInexact | kDenormal;
       const uint32_t ignored = Flags(mixed, PEX_ERRMODE_IGNORE);
       ASSERT_EQ(ignored & ~allowed, 0u)

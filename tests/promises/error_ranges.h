@@ -11,15 +11,13 @@
 struct Interval {
   double lo, hi;
   bool open_lo, open_hi;
-  bool Has(double x) const {
-    return (open_lo ? x > lo : x >= lo) && (open_hi ? x < hi : x <= hi);
-  }
+  bool Has(double x) const { return (open_lo ? x > lo : x >= lo) && (open_hi ? x < hi : x <= hi); }
 };
 
 struct ErrorRange {
   std::string function;
-  std::string types;  // "d", "s" or "ds"
-  int code = 0;       // 0: these arguments are fine, whatever later lines say
+  std::string types;                // "d", "s" or "ds"
+  int code = 0;                     // 0: these arguments are fine, whatever later lines say
   std::vector<Interval> arguments;  // empty: the function reports nothing
 };
 

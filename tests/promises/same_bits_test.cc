@@ -1,5 +1,5 @@
-// The same bits everywhere: every entry of the catalogue, on every vector level, wherever and however
-// it is called, against one call on the lowest level.
+// The same bits everywhere: every entry of the catalogue, on every vector level, wherever and
+// however it is called, against one call on the lowest level.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -86,7 +86,8 @@ TEST_P(SameBits, AllLengthsAlignmentsAndPlaces) {
       length = length % 70 + 1;
       const size_t offset = k / 70 % alignments;
       const size_t from = random.Below(static_cast<uint32_t>(arguments.size() - length));
-      const Outcome got = CallEntry(entry(), Part(arguments, from, length), kDefaultControl, offset);
+      const Outcome got =
+          CallEntry(entry(), Part(arguments, from, length), kDefaultControl, offset);
       ASSERT_EQ(Difference(got, Part(whole, from, length)), "")
           << "length " << length << " offset " << offset << " from " << from;
     }
@@ -130,11 +131,11 @@ std::vector<size_t> Indices() {
   return all;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Catalogue, SameBits, testing::Combine(testing::ValuesIn(Indices()), testing::ValuesIn(kLevels)),
-    [](const auto& info) {
-      return EntryName(pex::Entries()[std::get<0>(info.param)]) + "_" +
-             std::get<1>(info.param).name;
-    });
+INSTANTIATE_TEST_SUITE_P(Catalogue, SameBits,
+                         testing::Combine(testing::ValuesIn(Indices()), testing::ValuesIn(kLevels)),
+                         [](const auto& info) {
+                           return EntryName(pex::Entries()[std::get<0>(info.param)]) + "_" +
+                                  std::get<1>(info.param).name;
+                         });
 
 }  // namespace
