@@ -50,7 +50,7 @@ struct dExpLA : dExpCommon {
     const V r = hn::Sub(hn::Sub(x, hn::Mul(kd, hn::Set(d, 0x1.62e42fecp-11))),
                         hn::Mul(kd, hn::Set(d, 0x1.d1cf79abc9e3bp-42)));
     const V cubic = hn::Add(hn::Mul(hn::Set(d, 0x1.5555555555556p-3), r),
-                            hn::Set(d, 0x1.00000001ebfbep-1));
+                            hn::Set(d, 0x1.0000001ebfbep-1));
     const V p = hn::Add(hn::Mul(hn::Mul(cubic, r), r), r);
     return hn::Add(hn::Mul(s, p), s);
   }
