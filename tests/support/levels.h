@@ -3,6 +3,7 @@
 #define TESTS_SUPPORT_LEVELS_H_
 
 #include <cstdint>
+#include <ostream>
 
 #include "hwy/highway.h"
 
@@ -10,6 +11,7 @@ struct Level {
   const char* name;
   int64_t target;
 };
+inline void PrintTo(const Level& level, std::ostream* out) { *out << level.name; }
 
 inline constexpr Level kLevels[] = {{"SSE4", HWY_SSE4}, {"AVX2", HWY_AVX2}, {"AVX512", HWY_AVX3}};
 
