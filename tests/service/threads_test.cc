@@ -86,6 +86,7 @@ TEST(Threads, HaveTheirOwnModeStatusAndCallback) {
   constexpr int kThreads = 8, kRounds = 200, kCount = 37;
   std::barrier start(kThreads);
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   std::atomic<int> wrong{0};
   const int before = blocks;
   for (int t = 0; t < kThreads; ++t) {
@@ -123,6 +124,7 @@ TEST(Threads, KeepTheirMessagesTogether) {
   constexpr int kThreads = 4, kReports = 50;
   testing::internal::CaptureStderr();
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int t = 0; t < kThreads; ++t) {
     threads.emplace_back([] {
       _pexSetMode(PEX_ERRMODE_STDERR);
