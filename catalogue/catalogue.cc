@@ -77,18 +77,19 @@ void CallAs(const Entry& e, int32_t n, const void* a, const void* b, void* r, vo
   const auto* y = static_cast<const T*>(b);
   auto* z = static_cast<T*>(r);
   auto* w = static_cast<T*>(r2);
+  void* const address = const_cast<void*>(e.address);  // Clang: no cast of const data to a function
   switch (e.function->shape) {
     case Shape::Unary:
-      reinterpret_cast<int (*)(int32_t, const T*, T*)>(e.address)(n, x, z);
+      reinterpret_cast<int (*)(int32_t, const T*, T*)>(address)(n, x, z);
       return;
     case Shape::Binary:
-      reinterpret_cast<int (*)(int32_t, const T*, const T*, T*)>(e.address)(n, x, y, z);
+      reinterpret_cast<int (*)(int32_t, const T*, const T*, T*)>(address)(n, x, y, z);
       return;
     case Shape::UnaryScalar:
-      reinterpret_cast<int (*)(int32_t, const T*, T, T*)>(e.address)(n, x, *y, z);
+      reinterpret_cast<int (*)(int32_t, const T*, T, T*)>(address)(n, x, *y, z);
       return;
     case Shape::UnaryTwo:
-      reinterpret_cast<int (*)(int32_t, const T*, T*, T*)>(e.address)(n, x, z, w);
+      reinterpret_cast<int (*)(int32_t, const T*, T*, T*)>(address)(n, x, z, w);
       return;
   }
 }
