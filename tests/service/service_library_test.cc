@@ -9,8 +9,8 @@
 #include "pexquo/kro.h"
 
 // A sanitizer's allocator is to fail as the system's does.
-extern "C" const char* __asan_default_options() { return "allocator_may_return_null=1"; }
-extern "C" const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
+extern "C" KRO_API const char* __asan_default_options() { return "allocator_may_return_null=1"; }
+extern "C" KRO_API const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
 
 namespace {
 
