@@ -49,11 +49,13 @@ extern "C" int kro_serv_kro_print(int32_t /*kind*/, int32_t message_id, int32_t 
   const int32_t wanted = message.arguments == Arguments::Name ? 1 : 2;
   if (nargs != wanted) return -1;
 
-  char line[256];
   va_list args;
   va_start(args, nargs);
-  const int length = std::vsnprintf(line, sizeof(line), message.format, args);
+  flockfile(stderr);  // the line stays whole
+  const int length = std::vfprintf(stderr, message.format, args);
+  const bool ended = std::fputc('\n', stderr) != EOF;
+  funlockfile(stderr);
   va_end(args);
-  if (length < 0 || std::fprintf(stderr, "%s\n", line) < 0) return -1;
+  if (length < 0 || !ended) return -1;
   return length + 1;
 }

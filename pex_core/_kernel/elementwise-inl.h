@@ -3,7 +3,8 @@
 //
 // A kernel is a struct derived from Kernel<T, Compute> with
 //   Rarity                 a test of bits-inl.h for the lanes that Main does not handle, or instead
-//   IsRare(d, x...)        their mask;
+//   IsRare(d, x...)        their mask. It raises no flag: Lt and its kin signal invalid on a NaN, so
+//                          NaNs are found in the bits or by Eq;
 //   Main(d, x...)          the result of common lanes; (d, x, r1, r2) where there are two results;
 //   Rare(x..., T* r...)    a scalar routine: the result of one rare element; returns its status code.
 // In HWY_NAMESPACE a kernel K gets its entry's body by PEX_UNARY(double, dExp_50, dExpLA) and so on.
@@ -157,10 +158,8 @@ HWY_NOINLINE void CarefulVector(const C& call, size_t i, size_t count) {
   if constexpr (K::kArguments == 2) {
     y = whole ? call.b.Load(d, i) : call.b.LoadTail(d, i, count, K::kHarmless);
   }
-  auto rare = RareLanes<K>(d, x, y);
-  if constexpr (K::kArguments == 2) {  // a scalar argument fills the lanes beyond the end too
-    if (!whole) rare = hn::And(rare, hn::FirstN(d, count));
-  }
+  // A scalar argument fills the lanes beyond the end too, so they can be rare, and are disarmed.
+  const auto rare = RareLanes<K>(d, x, y);
   const bool any = !hn::AllFalse(d, rare);
 
   HWY_ALIGN T xs[hn::MaxLanes(typename K::Tag())];

@@ -4,8 +4,10 @@
 #include <bit>
 #include <cerrno>
 #include <cstddef>
+#include <cstdio>
 #include <cstring>
 
+#include "pex_core/_kernel/control.h"
 #include "pex_core/mode/pex_mode.h"
 #include "pexquo/kro.h"
 #include "pexquo/pex.h"
@@ -57,7 +59,7 @@ void PrintValues(const PexErrorContext& record) {
   if (!one_result) line(record.res2);
 }
 
-void Print(const PexErrorContext& record) {
+void PrintLines(const PexErrorContext& record) {
   const PrintableName name(record);
   switch (record.code) {
     case PEX_STATUS_OK: return;
@@ -70,7 +72,17 @@ void Print(const PexErrorContext& record) {
   PrintValues(record);
 }
 
+// The lines of one report stay together, and a message that fails to get out changes no errno.
+void Print(const PexErrorContext& record) {
+  const int saved = errno;
+  flockfile(stderr);
+  PrintLines(record);
+  funlockfile(stderr);
+  errno = saved;
+}
+
 void RaiseFlags(int32_t code) {
+  const pex::ControlGuard guard;  // with denormals-are-zero the operands would be zeros
   volatile double operand[6];
   for (int i = 0; i < 6; ++i) operand[i] = std::bit_cast<double>(_pexdSpecialTab[i]);
   volatile double sink;

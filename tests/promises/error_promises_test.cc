@@ -1,0 +1,152 @@
+// Errors that can be trusted: every special element of every entry is reported once, in order, and
+// nothing else is; no stray errno, no stray flag.
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+#include "tests/promises/arguments.h"
+#include "tests/promises/error_ranges.h"
+#include "tests/support/random.h"
+
+namespace {
+
+constexpr int kUntouched = 4711;
+
+const std::vector<ErrorRange>& AllRanges() {
+  static const std::vector<ErrorRange> all = ReadErrorRanges(RANGES_FOLDER);
+  return all;
+}
+
+class ErrorPromises : public testing::TestWithParam<size_t> {
+ protected:
+  void SetUp() override {
+    ranges_ = RangesOf(AllRanges(), entry());
+    ASSERT_FALSE(ranges_.empty()) << "no line for " << entry().symbol << " in any *.ranges.tsv";
+  }
+
+  const pex::Entry& entry() const { return pex::Entries()[GetParam()]; }
+
+  int Code(const Arguments& x, size_t i) const {
+    const double b = x.b.size() == 0 ? 0 : x.b.value(x.b.size() == 1 ? 0 : i);
+    return ExpectedCode(ranges_, x.a.value(i), b);
+  }
+
+  static bool Signalling(const Arguments& x, size_t i) {
+    return IsSignallingNaN(x.a, i) ||
+           (x.b.size() > 0 && IsSignallingNaN(x.b, x.b.size() == 1 ? 0 : i));
+  }
+
+  static Arguments One(const Arguments& x, size_t i) {
+    return {x.a.part(i, 1), x.b.size() < 2 ? x.b : x.b.part(i, 1)};
+  }
+
+  // The flags of a call that reports by `mode` alone.
+  uint32_t Flags(const Arguments& arguments, uint32_t mode) const {
+    const size_t n = arguments.size();
+    Numbers r1(entry().is_double(), n), r2(entry().is_double(), n);
+    const uint8_t* const b = arguments.b.size() > 0 ? arguments.b.at(0) : nullptr;
+    _pexSetMode(mode);
+    errno = kUntouched;
+    UseControl control(kDefaultControl);
+    entry().Call(static_cast<int32_t>(n), arguments.a.at(0), b, r1.at(0), r2.at(0));
+    control.Finish();
+    EXPECT_EQ(errno, kUntouched);
+    _pexSetMode(PEX_MODE_DEFAULT);
+    return control.flags() | control.x87_flags();
+  }
+
+ private:
+  std::vector<ErrorRange> ranges_;
+};
+
+uint32_t FlagOf(int code) {
+  static constexpr uint32_t kFlags[] = {0, kInvalid, kDivByZero, kOverflow, kUnderflow};
+  return kFlags[code];
+}
+
+TEST_P(ErrorPromises, EverySpecialElementIsReportedOnceAndNothingElse) {
+  for (const Arguments& arguments : EveryKind(entry(), 51, 5000)) {
+    const Outcome outcome = CallEntry(entry(), arguments, kDefaultControl);
+    size_t next = 0;
+    int last = 0;
+    for (size_t i = 0; i < arguments.size(); ++i) {
+      const int code = Code(arguments, i);
+      const bool reported =
+          next < outcome.records.size() && outcome.records[next].index == static_cast<int>(i);
+      const int got = reported ? outcome.records[next].code : 0;
+      ASSERT_EQ(got, code) << "element " << i << ", argument "
+                           << testing::PrintToString(arguments.a.value(i));
+      if (code == 0) continue;
+      last = code;
+      const PexErrorContext& record = outcome.records[next++];
+      EXPECT_EQ(record.arg1, arguments.a.value(i));
+      const Numbers& second = outcome.r2.size() > 0 ? outcome.r2 : outcome.r1;
+      EXPECT_TRUE(record.res1 == outcome.r1.value(i) || IsNaN(outcome.r1, i));
+      EXPECT_TRUE(record.res2 == second.value(i) || IsNaN(second, i));
+      const std::string name =
+          std::string("v") + entry().type + std::string(entry().function->name);
+      EXPECT_EQ(record.func_name, name);
+    }
+    EXPECT_EQ(next, outcome.records.size()) << "a record out of order, or twice";
+    EXPECT_EQ(outcome.status, last);
+  }
+}
+
+TEST_P(ErrorPromises, OrdinaryElementsRaiseNothingButInexact) {
+  if (FollowsTheCaller(entry())) GTEST_SKIP() << "the hardware's operation, with its flags";
+  for (size_t n = 1; n <= 70; ++n) {
+    Arguments ordinary = Ordinary(entry(), n, n);
+    const uint32_t flags = Flags(ordinary, PEX_ERRMODE_IGNORE);
+    ASSERT_EQ(flags & ~kInexact, 0u) << "n " << n;
+  }
+  // One by one, so that the argument can be named: all magnitudes, infinities and quiet NaNs.
+  size_t faults = 0;
+  for (const Arguments& arguments : EveryKind(entry(), 52, 2000)) {
+    for (size_t i = 0; i < arguments.size(); ++i) {
+      if (Code(arguments, i) != 0 || Signalling(arguments, i)) continue;
+      const uint32_t stray = Flags(One(arguments, i), PEX_ERRMODE_IGNORE) & ~(kInexact | kDenormal);
+      if (stray == 0) continue;
+      ADD_FAILURE() << "flags " << stray << " at " << testing::PrintToString(arguments.a.value(i));
+      if (++faults == 5) return;
+    }
+  }
+}
+
+TEST_P(ErrorPromises, SpecialElementsRaiseTheirFlagAndNoOther) {
+  if (FollowsTheCaller(entry())) GTEST_SKIP() << "the hardware's operation, with its flags";
+  Random random(53);
+  for (const Arguments& arguments : EveryKind(entry(), 53, 300)) {
+    for (size_t i = 0; i < arguments.size(); ++i) {
+      const int code = Code(arguments, i);
+      if (code == 0) continue;
+      // Among ordinary neighbours, at any place.
+      const size_t n = 1 + random.Below(33);
+      const size_t at = random.Below(static_cast<uint32_t>(n));
+      Arguments mixed = Ordinary(entry(), i, n);
+      mixed.a.set_bits(at, arguments.a.bits(i));
+      if (mixed.b.size() == 1 && n > 1) continue;  // the scalar would go with all of them
+      if (mixed.b.size() > 0)
+        mixed.b.set_bits(at, arguments.b.bits(arguments.b.size() == 1 ? 0 : i));
+      const uint32_t allowed = FlagOf(code) | kInexact | kDenormal;
+      const uint32_t ignored = Flags(mixed, PEX_ERRMODE_IGNORE);
+      ASSERT_EQ(ignored & ~allowed, 0u)
+          << "code " << code << " at " << testing::PrintToString(arguments.a.value(i));
+      const uint32_t raised = Flags(mixed, PEX_ERRMODE_EXCEPT);
+      ASSERT_EQ(raised & ~allowed, 0u);
+      if (code != PEX_STATUS_OVERFLOW) {  // which the error mode leaves to the kernel
+        ASSERT_TRUE(raised & FlagOf(code)) << testing::PrintToString(arguments.a.value(i));
+      }
+    }
+  }
+}
+
+std::vector<size_t> Indices() {
+  std::vector<size_t> all(pex::Entries().size());
+  for (size_t i = 0; i < all.size(); ++i) all[i] = i;
+  return all;
+}
+
+INSTANTIATE_TEST_SUITE_P(Catalogue, ErrorPromises, testing::ValuesIn(Indices()),
+                         [](const auto& info) { return EntryName(pex::Entries()[info.param]); });
+
+}  // namespace

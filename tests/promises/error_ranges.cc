@@ -1,0 +1,85 @@
+#include "tests/promises/error_ranges.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+namespace {
+
+Interval ParseInterval(const std::string& text) {
+  Interval interval{};
+  const size_t comma = text.find(',');
+  const char open = text.front(), close = text.back();
+  if (comma == std::string::npos || (open != '(' && open != '[') ||
+      (close != ')' && close != ']')) {
+    throw std::runtime_error("not an interval: " + text);
+  }
+  char* end = nullptr;
+  interval.lo = std::strtod(text.c_str() + 1, &end);
+  if (end != text.c_str() + comma) throw std::runtime_error("not a number: " + text);
+  interval.hi = std::strtod(text.c_str() + comma + 1, &end);
+  if (end != text.c_str() + text.size() - 1) throw std::runtime_error("not a number: " + text);
+  interval.open_lo = open == '(';
+  interval.open_hi = close == ')';
+  return interval;
+}
+
+ErrorRange ParseLine(const std::string& line) {
+  std::istringstream fields(line);
+  ErrorRange range;
+  std::string code, interval;
+  if (!(fields >> range.function >> range.types >> code)) throw std::runtime_error("too short");
+  if (pex::FindFunction(range.function) == nullptr) {
+    throw std::runtime_error("no function " + range.function);
+  }
+  if (code == "none") return range;
+  range.code = std::atoi(code.c_str());
+  while (fields >> interval) range.arguments.push_back(ParseInterval(interval));
+  if (range.arguments.empty()) throw std::runtime_error("no interval");
+  return range;
+}
+
+}  // namespace
+
+std::vector<ErrorRange> ReadErrorRanges(const std::string& folder) {
+  std::vector<ErrorRange> all;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    const std::string path = entry.path().string();
+    if (!path.ends_with(".ranges.tsv")) continue;
+    std::ifstream file(path);
+    int number = 0;
+    for (std::string line; std::getline(file, line);) {
+      ++number;
+      if (line.empty() || line[0] == '#') continue;
+      try {
+        all.push_back(ParseLine(line));
+      } catch (const std::runtime_error& error) {
+        throw std::runtime_error(path + ":" + std::to_string(number) + ": " + error.what());
+      }
+    }
+  }
+  return all;
+}
+
+std::vector<ErrorRange> RangesOf(const std::vector<ErrorRange>& all, const pex::Entry& entry) {
+  std::vector<ErrorRange> lines;
+  for (const ErrorRange& range : all) {
+    if (range.function == entry.function->name &&
+        range.types.find(entry.type) != std::string::npos) {
+      lines.push_back(range);
+    }
+  }
+  return lines;
+}
+
+int ExpectedCode(const std::vector<ErrorRange>& lines, double a, double b) {
+  for (const ErrorRange& line : lines) {
+    if (line.arguments.empty()) continue;
+    if (!line.arguments[0].Has(a)) continue;
+    if (line.arguments.size() > 1 && !line.arguments[1].Has(b)) continue;
+    return line.code;
+  }
+  return 0;
+}

@@ -1,0 +1,141 @@
+// The same bits everywhere: every entry of the catalogue, on every vector level, wherever and
+// however it is called, against one call on the lowest level.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <optional>
+#include <thread>
+
+#include "tests/promises/arguments.h"
+#include "tests/support/levels.h"
+#include "tests/support/random.h"
+
+namespace {
+
+constexpr uint64_t kSeed = 41;
+
+// The outcome of the lowest level, in one call.
+Outcome Reference(const pex::Entry& entry, const Arguments& arguments, const Control& control) {
+  const UseLevel level(kLevels[0]);
+  return CallEntry(entry, arguments, FollowsTheCaller(entry) ? control : kDefaultControl);
+}
+
+Arguments Part(const Arguments& whole, size_t from, size_t count) {
+  const bool scalar = whole.b.size() == 1;
+  return {whole.a.part(from, count),
+          scalar || whole.b.size() == 0 ? whole.b : whole.b.part(from, count)};
+}
+
+// The outcome of a part, from that of the whole.
+Outcome Part(const Outcome& whole, size_t from, size_t count) {
+  Outcome part;
+  part.r1 = whole.r1.part(from, count);
+  if (whole.r2.size() > 0) part.r2 = whole.r2.part(from, count);
+  for (PexErrorContext record : whole.records) {
+    if (record.index < static_cast<int>(from) || record.index >= static_cast<int>(from + count)) {
+      continue;
+    }
+    record.index -= static_cast<int32_t>(from);
+    part.records.push_back(record);
+    part.status = record.code;
+  }
+  return part;
+}
+
+using Parameter = std::tuple<size_t, Level>;  // which entry
+
+class SameBits : public testing::TestWithParam<Parameter> {
+ protected:
+  void SetUp() override {
+    RecordProperty("seed", static_cast<int>(kSeed));
+    SKIP_WITHOUT(level());
+  }
+  static const pex::Entry& entry() { return pex::Entries()[std::get<0>(GetParam())]; }
+  static const Level& level() { return std::get<1>(GetParam()); }
+};
+
+TEST_P(SameBits, WholeArraysInPlaceAndOnAnotherThread) {
+  const pex::Shape shape = entry().function->shape;
+  std::vector<Place> places = {Place::Apart, Place::OverA};
+  if (shape == pex::Shape::Binary) places.push_back(Place::OverB);
+  if (shape == pex::Shape::UnaryTwo) places.push_back(Place::SecondOverA);
+  for (const Arguments& arguments : EveryKind(entry(), kSeed, 4000)) {
+    const Outcome expected = Reference(entry(), arguments, kDefaultControl);
+    const UseLevel use(level());
+    for (const Place place : places) {
+      EXPECT_EQ(Difference(CallEntry(entry(), arguments, kDefaultControl, 0, place), expected), "")
+          << "place " << static_cast<int>(place);
+    }
+    std::thread([&] {
+      EXPECT_EQ(Difference(CallEntry(entry(), arguments, kDefaultControl, 1), expected), "");
+    }).join();
+  }
+}
+
+TEST_P(SameBits, AllLengthsAlignmentsAndPlaces) {
+  const std::vector<Arguments> sets = EveryKind(entry(), kSeed + 1, 300);
+  Random random(kSeed);
+  const size_t alignments = 64 / sets[0].a.width();
+  // Where there are many sets (a scalar argument), each gets some of the windows.
+  const size_t per_set = std::max<size_t>(1, 1200 / sets.size());
+  size_t length = 0;
+  for (const Arguments& arguments : sets) {
+    const Outcome whole = Reference(entry(), arguments, kDefaultControl);
+    const UseLevel use(level());
+    for (size_t k = 0; k < per_set; ++k) {
+      length = length % 70 + 1;
+      const size_t offset = k / 70 % alignments;
+      const size_t from = random.Below(static_cast<uint32_t>(arguments.size() - length));
+      const Outcome got =
+          CallEntry(entry(), Part(arguments, from, length), kDefaultControl, offset);
+      ASSERT_EQ(Difference(got, Part(whole, from, length)), "")
+          << "length " << length << " offset " << offset << " from " << from;
+    }
+  }
+}
+
+// One array cut into calls of all sizes.
+TEST_P(SameBits, ManyCallsOrOne) {
+  Random random(kSeed + 2);
+  for (const Arguments& arguments : EveryKind(entry(), kSeed + 2, 500)) {
+    const Outcome whole = Reference(entry(), arguments, kDefaultControl);
+    const UseLevel use(level());
+    for (size_t from = 0; from < arguments.size();) {
+      const size_t count = std::min<size_t>(arguments.size() - from, 1 + random.Below(200));
+      ASSERT_EQ(Difference(CallEntry(entry(), Part(arguments, from, count), kDefaultControl),
+                           Part(whole, from, count)),
+                "")
+          << "from " << from << " count " << count;
+      from += count;
+    }
+  }
+}
+
+TEST_P(SameBits, UnderTheCallersControlWords) {
+  const std::vector<Arguments> sets = EveryKind(entry(), kSeed + 3, 500);
+  for (const Control& control : kControls) {
+    // The hardware's operations would trap, as they should.
+    const bool unmasked = (control.mxcsr & 0x1F80) != 0x1F80;
+    if (unmasked && FollowsTheCaller(entry())) continue;
+    for (const Arguments& arguments : sets) {
+      const Outcome expected = Reference(entry(), arguments, control);
+      const UseLevel use(level());
+      ASSERT_EQ(Difference(CallEntry(entry(), arguments, control), expected), "") << control.name;
+    }
+  }
+}
+
+std::vector<size_t> Indices() {
+  std::vector<size_t> all(pex::Entries().size());
+  for (size_t i = 0; i < all.size(); ++i) all[i] = i;
+  return all;
+}
+
+INSTANTIATE_TEST_SUITE_P(Catalogue, SameBits,
+                         testing::Combine(testing::ValuesIn(Indices()), testing::ValuesIn(kLevels)),
+                         [](const auto& info) {
+                           return EntryName(pex::Entries()[std::get<0>(info.param)]) + "_" +
+                                  std::get<1>(info.param).name;
+                         });
+
+}  // namespace
