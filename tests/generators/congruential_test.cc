@@ -235,6 +235,11 @@ TEST_P(Congruential, ForeignStates) {
       for (size_t i = 0; i < g.state_bytes; i += 4) {
         std::memcpy(&state[i], i < g.state_bytes / 2 ? &x : &a, 4);
       }
+      Pair moved(g);
+      moved.stream.SetState(state);
+      moved.reference.SetState(state);
+      moved.Leapfrog(3, 2);
+      moved.ExpectSameState();
       OnEveryLevel([&] {
         for (int n : {1, 2, 4, 100}) {
           Pair pair(g);
