@@ -155,11 +155,11 @@ extern "C" QUO_API int32_t __quoBRngMCG31M1InitStream(int32_t method, StreamStat
       return QUO_OK;
     }
     case QUO_INIT_LEAPFROG:
-      s->x = MulMod2P31M1(s->x, __quoiPowMod2P31M1(s->a, params[0]));
+      s->x = MulMod2P31M1(s->x % kM31, __quoiPowMod2P31M1(s->a, params[0]));
       s->a = __quoiPowMod2P31M1(s->a, static_cast<uint32_t>(n));
       return QUO_OK;
     case QUO_INIT_SKIPAHEAD:
-      s->x = MulMod2P31M1(s->x, __quoiPowMod2P31M1(s->a, SkipCount(params)));
+      s->x = MulMod2P31M1(s->x % kM31, __quoiPowMod2P31M1(s->a, SkipCount(params)));
       return QUO_OK;
     default:
       return QUO_BAD_METHOD;

@@ -229,11 +229,18 @@ TEST_P(Congruential, UnknownMethods) {
 TEST_P(Congruential, ForeignStates) {
   const Generator& g = GetParam();
   const uint32_t m = static_cast<uint32_t>(g.start[0].m);
-  for (uint32_t x : {0u, 1u, m - 1, m, m + 1, 2 * m, UINT32_MAX}) {
-    for (uint32_t a : {0u, 1u, m, m + 125, UINT32_MAX}) {
+  for (uint32_t x : {0u, 1u, m - 1, m, m + 1, 2 * m, ~0u - 1000, UINT32_MAX}) {
+    for (uint32_t a : {0u, 1u, 1132489760u, m, m + 125, UINT32_MAX}) {
       std::string state(g.state_bytes, 0);
       for (size_t i = 0; i < g.state_bytes; i += 4) {
         std::memcpy(&state[i], i < g.state_bytes / 2 ? &x : &a, 4);
+      }
+      for (uint32_t k = 0; k < 8; ++k) {
+        Pair moved(g);
+        moved.stream.SetState(state);
+        moved.reference.SetState(state);
+        moved.Leapfrog(3, k);
+        moved.ExpectSameState();
       }
       OnEveryLevel([&] {
         for (int n : {1, 2, 4, 100}) {
