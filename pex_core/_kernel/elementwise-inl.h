@@ -5,7 +5,9 @@
 //   Rarity                 a test of bits-inl.h for the lanes that Main does not handle, or instead
 //   IsRare(d, x...)        their mask. It raises no flag: Lt and its kin signal invalid on a NaN, so
 //                          NaNs are found in the bits or by Eq;
-//   Main(d, x...)          the result of common lanes; (d, x, r1, r2) where there are two results;
+//   Main(d, x...)          the result of common lanes; (d, x, r1, r2) where there are two results; or
+//   MainGroup(d, x, r)     the same for arrays of several vectors, step by step for all of them: long
+//                          chains of dependent operations then overlap;
 //   Rare(x..., T* r...)    a scalar routine: the result of one rare element; returns its status code.
 // In HWY_NAMESPACE a kernel K gets its entry's body by PEX_UNARY(double, dExp_50, dExpLA) and so on.
 
@@ -36,7 +38,7 @@ struct Kernel {
   using Tag = hn::Rebind<Element, hn::ScalableTag<Compute>>;
   static constexpr int kArguments = 1;
   static constexpr int kResults = 1;
-  static constexpr int kUnroll = 4;  // vectors per group
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;  // vectors per group
   static constexpr T kHarmless = T(1);   // stands in for rare lanes and for lanes beyond the end
 };
 
@@ -93,6 +95,8 @@ struct Call {
   const char* name;
 };
 
+template <class K, class D>
+inline constexpr bool HasMainGroup = requires(D d, VecOf<D> (&v)[1]) { K::MainGroup(d, v, v); };
 template <class K>
 inline constexpr bool HasRarity = requires { typename K::Rarity; };
 
@@ -125,7 +129,11 @@ HWY_INLINE bool AnyRare(D d, const V* x, const V* y) {
 
 template <class K, class D, class V>
 HWY_INLINE void Compute(D d, V x, V y, V& r1, V& r2) {
-  if constexpr (K::kResults == 2) {
+  if constexpr (HasMainGroup<K, D>) {
+    V in[1] = {x}, out[1];
+    K::MainGroup(d, in, out);
+    r1 = out[0];
+  } else if constexpr (K::kResults == 2) {
     K::Main(d, x, r1, r2);
   } else if constexpr (K::kArguments == 2) {
     r1 = K::Main(d, x, y);
@@ -212,11 +220,15 @@ HWY_INLINE bool CommonGroup(const C& call, size_t i) {
     y[k] = K::kArguments == 2 ? call.b.Load(d, i + k * lanes) : x[k];
   }
   if (AnyRare<K, kVectors>(d, x, y)) [[unlikely]] return false;
-  for (int k = 0; k < kVectors; ++k) {
-    V v1 = x[k], v2 = x[k];
-    Compute<K>(d, x[k], y[k], v1, v2);
-    x[k] = v1;
-    y[k] = v2;
+  if constexpr (HasMainGroup<K, decltype(d)>) {
+    K::MainGroup(d, x, x);
+  } else {
+    for (int k = 0; k < kVectors; ++k) {
+      V v1 = x[k], v2 = x[k];
+      Compute<K>(d, x[k], y[k], v1, v2);
+      x[k] = v1;
+      y[k] = v2;
+    }
   }
   for (int k = 0; k < kVectors; ++k) {
     hn::StoreU(x[k], d, call.r1 + i + k * lanes);

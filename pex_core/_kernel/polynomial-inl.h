@@ -37,6 +37,21 @@ HWY_INLINE V EvenOdd(D d, V x, V x2, const hn::TFromD<D> (&c)[N]) {
   return p;
 }
 
+// The same for several vectors, a step at a time for all of them.
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void EvenOdd(D d, const V (&x)[K], const V (&x2)[K], const hn::TFromD<D> (&c)[N],
+                        V (&p)[K]) {
+  constexpr size_t kTop = (N - 1) / 2 * 2;
+  const auto pair = [&](size_t i, size_t k) HWY_ATTR {
+    const V low = hn::Set(d, c[i]);
+    return i + 1 < N ? hn::Add(hn::Mul(hn::Set(d, c[i + 1]), x[k]), low) : low;
+  };
+  for (size_t k = 0; k < K; ++k) p[k] = pair(kTop, k);
+  for (size_t i = kTop; i >= 2; i -= 2) {
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Add(hn::Mul(p[k], x2[k]), pair(i - 2, k));
+  }
+}
+
 // Pairs of pairs (Estrin): the least latency, at the price of x^4. For 5 to 12 coefficients.
 template <class D, class V, size_t N>
 HWY_INLINE V Estrin(D d, V x, V x2, const hn::TFromD<D> (&c)[N]) {

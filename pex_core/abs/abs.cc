@@ -28,8 +28,8 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace pex {
-PEX_EXPORT_HARDWARE_UNARY(double, dAbs)
-PEX_EXPORT_HARDWARE_UNARY(float, sAbs)
+PEX_EXPORT_ROUNDING_UNARY(double, dAbs)
+PEX_EXPORT_ROUNDING_UNARY(float, sAbs)
 }  // namespace pex
 
 extern "C" double _pex_dabs_scalar(double x) {

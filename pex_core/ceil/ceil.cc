@@ -25,7 +25,7 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace pex {
-PEX_EXPORT_HARDWARE_UNARY(double, dCeil)
-PEX_EXPORT_HARDWARE_UNARY(float, sCeil)
+PEX_EXPORT_ROUNDING_UNARY(double, dCeil)
+PEX_EXPORT_ROUNDING_UNARY(float, sCeil)
 }  // namespace pex
 #endif

@@ -95,7 +95,7 @@ int dExpScalar(double x, double* r) {
 }
 
 int dExpLAScalar(double x, double* r) {
-  if (!(std::fabs(x) < 708.39599609375)) return dExpScalar(x, r);
+  if (!std::isless(std::fabs(x), 708.39599609375)) return dExpScalar(x, r);
   const double kf = x * 0x1.71547652b82fep+10 + kShifter;
   const double kd = kf - kShifter;
   const uint64_t k = std::bit_cast<uint64_t>(kf);

@@ -44,51 +44,74 @@ struct dExpm1Common : Kernel<double> {
 };
 
 struct dExpm1EP : dExpm1Common {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    const auto u = Expm1Reduce(d, x);
-    const V r = hn::Sub(u.x, hn::Mul(u.n, hn::Set(d, kLn2Hi + kLn2Lo)));
-    const V r2 = hn::Mul(r, r);
-    const V e = hn::Add(r, hn::Mul(r2, EvenOdd(d, r, r2, kExpm1EP)));
-    const V less_one = hn::Sub(u.power, hn::Set(d, 1.0));
-    return hn::IfThenElse(u.tiny, x, hn::Add(hn::Mul(u.power, e), less_one));
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    Expm1Reduced<D> u[K];
+    V r[K], r2[K], q[K];
+    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce(d, x[k]);
+    for (size_t k = 0; k < K; ++k) {
+      r[k] = hn::Sub(u[k].x, hn::Mul(u[k].n, hn::Set(d, kLn2Hi + kLn2Lo)));
+      r2[k] = hn::Mul(r[k], r[k]);
+    }
+    EvenOdd(d, r, r2, kExpm1EP, q);
+    for (size_t k = 0; k < K; ++k) {
+      const V e = hn::Add(r[k], hn::Mul(r2[k], q[k]));
+      const V less_one = hn::Sub(u[k].power, hn::Set(d, 1.0));
+      out[k] = hn::IfThenElse(u[k].tiny, x[k], hn::Add(hn::Mul(u[k].power, e), less_one));
+    }
   }
 };
 
 struct dExpm1LA : dExpm1Common {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    const auto u = Expm1Reduce(d, x);
-    const V r = hn::Sub(hn::Sub(u.x, hn::Mul(u.n, hn::Set(d, kLn2Hi))),
-                        hn::Mul(u.n, hn::Set(d, kLn2Lo)));
-    const V r2 = hn::Mul(r, r);
-    const V e = hn::Add(r, hn::Mul(r2, Estrin(d, r, r2, kExpm1LA)));
-    const V less_one = hn::Sub(u.power, hn::Set(d, 1.0));
-    return hn::IfThenElse(u.tiny, x, hn::Add(hn::Mul(u.power, e), less_one));
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    Expm1Reduced<D> u[K];
+    V r[K], r0[K], r1[K], r2[K], q[K];
+    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce(d, x[k]);
+    for (size_t k = 0; k < K; ++k) {
+      r0[k] = hn::Sub(u[k].x, hn::Mul(u[k].n, hn::Set(d, kLn2Hi)));  // exact
+      r1[k] = hn::Mul(u[k].n, hn::Set(d, kLn2Lo));
+      r[k] = hn::Sub(r0[k], r1[k]);
+      r2[k] = hn::Mul(r[k], r[k]);
+    }
+    EvenOdd(d, r, r2, kExpm1LA, q);
+    for (size_t k = 0; k < K; ++k) {
+      // The rounding of r would tell in 2^n (e^r - 1), so r0 goes its own way.
+      const V rest = hn::Sub(hn::Mul(r2[k], q[k]), r1[k]);
+      const V head = hn::Add(hn::Mul(u[k].power, r0[k]), hn::Sub(u[k].power, hn::Set(d, 1.0)));
+      out[k] = hn::IfThenElse(u[k].tiny, x[k], hn::Add(head, hn::Mul(u[k].power, rest)));
+    }
   }
 };
 
 // r, r^2/2 and 2^n - 1 with their rounding errors.
 struct dExpm1HA : dExpm1Common {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    const auto u = Expm1Reduce(d, x);
-    const V r0 = hn::Sub(u.x, hn::Mul(u.n, hn::Set(d, kLn2Hi)));  // exact
-    const V r1 = hn::Mul(u.n, hn::Set(d, kLn2Lo));
-    const V r = hn::Sub(r0, r1);
-    const V r_rest = hn::Sub(hn::Sub(r0, r), r1);
-
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     const V half = hn::Set(d, 0.5);
-    const Pair<V> r2 = TwoProduct(d, r, r);
-    const V cubic = hn::Mul(hn::Mul(r, r2.hi), Estrin(d, r, r2.hi, kExpm1HA));
-    const Pair<V> e = FastTwoSum(r, hn::Mul(half, r2.hi));
-    const V rest = hn::Add(hn::Add(r_rest, hn::Mul(r_rest, r)), hn::Mul(half, r2.lo));
-    const V e_rest = hn::Add(e.lo, hn::Add(cubic, rest));
-
-    const Pair<V> less_one = TwoSum(u.power, hn::Set(d, -1.0));
-    const Pair<V> sum = TwoSum(less_one.hi, hn::Mul(u.power, e.hi));
-    const V sum_rest = hn::Add(sum.lo, hn::Add(less_one.lo, hn::Mul(u.power, e_rest)));
-    return hn::IfThenElse(u.tiny, x, hn::Add(sum.hi, sum_rest));
+    Expm1Reduced<D> u[K];
+    V r[K], r_rest[K], square[K], q[K];
+    Pair<V> r2[K];
+    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce(d, x[k]);
+    for (size_t k = 0; k < K; ++k) {
+      const V r0 = hn::Sub(u[k].x, hn::Mul(u[k].n, hn::Set(d, kLn2Hi)));  // exact
+      const V r1 = hn::Mul(u[k].n, hn::Set(d, kLn2Lo));
+      r[k] = hn::Sub(r0, r1);
+      r_rest[k] = hn::Sub(hn::Sub(r0, r[k]), r1);
+      r2[k] = TwoProduct(d, r[k], r[k]);
+      square[k] = r2[k].hi;
+    }
+    EvenOdd(d, r, square, kExpm1HA, q);
+    for (size_t k = 0; k < K; ++k) {
+      const V cubic = hn::Mul(hn::Mul(r[k], square[k]), q[k]);
+      const Pair<V> e = FastTwoSum(r[k], hn::Mul(half, square[k]));
+      const V rest = hn::Add(hn::Add(r_rest[k], hn::Mul(r_rest[k], r[k])), hn::Mul(half, r2[k].lo));
+      const V e_rest = hn::Add(e.lo, hn::Add(cubic, rest));
+      const Pair<V> less_one = TwoSum(u[k].power, hn::Set(d, -1.0));
+      const Pair<V> sum = TwoSum(less_one.hi, hn::Mul(u[k].power, e.hi));
+      const V sum_rest = hn::Add(sum.lo, hn::Add(less_one.lo, hn::Mul(u[k].power, e_rest)));
+      out[k] = hn::IfThenElse(u[k].tiny, x[k], hn::Add(sum.hi, sum_rest));
+    }
   }
 };
 

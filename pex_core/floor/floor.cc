@@ -26,7 +26,7 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace pex {
-PEX_EXPORT_HARDWARE_UNARY(double, dFloor)
-PEX_EXPORT_HARDWARE_UNARY(float, sFloor)
+PEX_EXPORT_ROUNDING_UNARY(double, dFloor)
+PEX_EXPORT_ROUNDING_UNARY(float, sFloor)
 }  // namespace pex
 #endif

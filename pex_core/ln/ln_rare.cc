@@ -41,17 +41,17 @@ double Polynomial(double x, const double (&c)[N]) {
 // log(2^shift x) for positive normal x.
 template <class Base>
 double PositiveLog(double x, int shift) {
-  constexpr int64_t kThreeQuarters = 0x3FE8000000000000;
-  const int64_t above = std::bit_cast<int64_t>(x) - kThreeQuarters;
+  constexpr int64_t kLeastM = 0x3FE9000000000000;  // 25/32
+  const int64_t above = std::bit_cast<int64_t>(x) - kLeastM;
   const double e = static_cast<double>((above >> 52) + shift);
-  const double m = std::bit_cast<double>((above & 0x000FFFFFFFFFFFFF) + kThreeQuarters);
+  const double m = std::bit_cast<double>((above & 0x000FFFFFFFFFFFFF) + kLeastM);
   const int j = static_cast<int>(std::bit_cast<uint64_t>(m + 0x1.8p48) & 15);
 
   constexpr auto& table = Base::kTable;
   const double t = m - table.a[j];
   const Two p = Product(t, table.factor[j]);
   const double p_rest = p.lo + t * table.rest[j];
-  const double q = p.hi * p.hi * Polynomial(p.hi, Base::kHA);
+  const double q = p.hi * p.hi * Polynomial(p.hi, Base::kPolynomial);
   const double head = e * Base::kLog2Hi + table.log[j];
   const double sum = head + p.hi;
   const double lost = p.hi - (sum - head);

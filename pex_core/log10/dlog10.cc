@@ -18,28 +18,23 @@ struct dLog10Common : Kernel<double> {
 };
 
 struct dLog10EP : dLog10Common {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    const auto u = LogReduce<DecimalLog>(d, x);
-    return LogPlain<DecimalLog>(d, u, hn::Mul(hn::Sub(u.m, u.row.a), u.row.factor), kLog10EP);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    PlainLog<DecimalLog>(d, x, kLog10EP, r);
   }
 };
 
 struct dLog10LA : dLog10Common {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    const auto u = LogReduce<DecimalLog>(d, x);
-    return LogPlain<DecimalLog>(d, u, hn::Mul(hn::Sub(u.m, u.row.a), u.row.factor), kLog10LA);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    LogLA<DecimalLog>(d, x, r);
   }
 };
 
 struct dLog10HA : dLog10Common {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    const auto u = LogReduce<DecimalLog>(d, x);
-    const V t = hn::Sub(u.m, u.row.a);
-    const auto p = TwoProduct(d, t, u.row.factor);
-    return LogSum<DecimalLog>(d, u, p.hi, hn::Add(p.lo, hn::Mul(t, u.row.rest)), kLog10HA);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    FullLog<DecimalLog>(d, x, r);
   }
 };
 

@@ -14,14 +14,15 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vdLog1p";
 
 struct dLog1pCommon : Kernel<double> {
-  // 1 + x is not positive, normal and finite: x <= -1, +inf, NaN.
-  struct Rarity : RareOutside<double, 0x00100000, 0x7FEFFFFF> {
+  // 1 + x is not from 2^-1022 to 2^1023: x <= -1, the last octave (where 2^-e is no normal number),
+  // +inf, NaN.
+  struct Rarity : RareOutside<double, 0x00100000, 0x7FDFFFFF> {
     template <class D>
     static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
       return RareOutside::Key(d, hn::Add(x, hn::Set(d, 1.0)));
     }
   };
-  static HWY_INLINE int Rare(double x, double* r) { return Log1pRare(x, r); }
+  static HWY_INLINE int Rare(double x, double* r) { return Log1pRare(x, r, dLnScalar); }
 };
 
 // A tiny x is its own result: to nearest down to 2^-54 below it, signed zeros and subnormals without
@@ -35,48 +36,66 @@ HWY_INLINE V ScaleLike(D d, const LogReduced<D>& u, V y) {
   return hn::Mul(y, FromBits(d, hn::Sub(one, u.exponent_bits)));
 }
 
+// Without the rounding error of u: below 2^-26 x itself is as good.
 struct dLog1pEP : dLog1pCommon {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    const V one = hn::Set(d, 1.0);
-    const auto tiny = MagnitudeBelow(d, x, kTiny);
-    const V y = hn::IfThenZeroElse(tiny, x);
-    const V u = hn::Add(y, one);
-    const V u_rest = hn::Sub(y, hn::Sub(u, one));
-    const auto v = LogReduce<NaturalLog>(d, u);
-    const V t = hn::Add(hn::Sub(v.m, v.row.a), ScaleLike(d, v, u_rest));
-    return hn::IfThenElse(tiny, x, LogPlain<NaturalLog>(d, v, hn::Mul(t, v.row.factor), kLnEP));
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    V u[K], log[K];
+    for (size_t k = 0; k < K; ++k) u[k] = hn::Add(x[k], hn::Set(d, 1.0));
+    PlainLog<NaturalLog>(d, u, kLnEP, log);
+    for (size_t k = 0; k < K; ++k) {
+      r[k] = hn::IfThenElse(MagnitudeBelow(d, x[k], 0x1p-26), x[k], log[k]);
+    }
   }
 };
 
-// For x above 1 the error of u found by this one difference is itself off by half an ulp of u, less
-// than the rounding of the result.
+// For x above 1 the error of u found by one difference is itself off by half an ulp of u, less than
+// the rounding of the result.
 struct dLog1pLA : dLog1pCommon {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     const V one = hn::Set(d, 1.0);
-    const auto tiny = MagnitudeBelow(d, x, kTiny);
-    const V y = hn::IfThenZeroElse(tiny, x);
-    const V u = hn::Add(y, one);
-    const V u_rest = hn::Sub(y, hn::Sub(u, one));
-    const auto v = LogReduce<NaturalLog>(d, u);
-    const V t = hn::Add(hn::Sub(v.m, v.row.a), ScaleLike(d, v, u_rest));
-    return hn::IfThenElse(tiny, x, LogPlain<NaturalLog>(d, v, hn::Mul(t, v.row.factor), kLnLA));
+    LogReduced<D> v[K];
+    V u[K], t[K], log[K];
+    for (size_t k = 0; k < K; ++k) {
+      t[k] = hn::IfThenZeroElse(MagnitudeBelow(d, x[k], kTiny), x[k]);
+      u[k] = hn::Add(t[k], one);
+      t[k] = hn::Sub(t[k], hn::Sub(u[k], one));
+    }
+    LogReduce<NaturalLog>(d, u, v);
+    for (size_t k = 0; k < K; ++k) {
+      t[k] = hn::Add(hn::Sub(v[k].m, v[k].row.a), ScaleLike(d, v[k], t[k]));
+    }
+    LogByDivision<NaturalLog>(d, v, t, log);
+    for (size_t k = 0; k < K; ++k) {
+      r[k] = hn::IfThenElse(MagnitudeBelow(d, x[k], kTiny), x[k], log[k]);
+    }
   }
 };
 
 struct dLog1pHA : dLog1pCommon {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     const V one = hn::Set(d, 1.0);
-    const auto tiny = MagnitudeBelow(d, x, kTiny);
-    const V y = hn::IfThenZeroElse(tiny, x);
-    const Pair<V> u = TwoSum(one, y);
-    const auto v = LogReduce<NaturalLog>(d, u.hi);
-    const Pair<V> t = TwoSum(hn::Sub(v.m, v.row.a), ScaleLike(d, v, u.lo));
-    const Pair<V> p = TwoProduct(d, t.hi, v.row.factor);
-    const V p_rest = hn::Add(p.lo, hn::Mul(t.lo, v.row.factor));
-    return hn::IfThenElse(tiny, x, LogSum<NaturalLog>(d, v, p.hi, p_rest, kLnHA));
+    LogReduced<D> v[K];
+    V u[K], u_rest[K], log[K];
+    Pair<V> p[K];
+    for (size_t k = 0; k < K; ++k) {
+      const V y = hn::IfThenZeroElse(MagnitudeBelow(d, x[k], kTiny), x[k]);
+      const Pair<V> sum = TwoSum(one, y);
+      u[k] = sum.hi;
+      u_rest[k] = sum.lo;
+    }
+    LogReduce<NaturalLog>(d, u, v);
+    for (size_t k = 0; k < K; ++k) {
+      const Pair<V> t = TwoSum(hn::Sub(v[k].m, v[k].row.a), ScaleLike(d, v[k], u_rest[k]));
+      p[k] = TwoProduct(d, t.hi, v[k].row.factor);
+      p[k].lo = hn::Add(p[k].lo, hn::Mul(t.lo, v[k].row.factor));
+    }
+    LogSum<NaturalLog>(d, v, p, log);
+    for (size_t k = 0; k < K; ++k) {
+      r[k] = hn::IfThenElse(MagnitudeBelow(d, x[k], kTiny), x[k], log[k]);
+    }
   }
 };
 

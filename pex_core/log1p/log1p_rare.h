@@ -1,4 +1,4 @@
-// The scalar special values of log1p: arguments of -1 and below, +inf and NaN.
+// The scalar log1p for arguments of -1 and below, very large ones and NaN.
 #ifndef PEX_CORE_LOG1P_LOG1P_RARE_H_
 #define PEX_CORE_LOG1P_LOG1P_RARE_H_
 
@@ -6,13 +6,11 @@
 
 namespace pex {
 
-// Status 2 for -1 (-inf), 1 below it (NaN), 0 otherwise.
+// Status 2 for -1 (-inf), 1 below it (NaN), 0 otherwise. 1 + x has the sign and the zero that decide,
+// and is as good as x where x is large.
 template <typename T>
-inline int Log1pRare(T x, T* r) {
-  int code = 0;
-  // 1 + x has the sign and the zero that decide, for what is rare here is no number near -1.
-  LogSpecial(x + T(1), r, &code);
-  return code;
+inline int Log1pRare(T x, T* r, int (*ln)(T, T*)) {
+  return ln(x + T(1), r);
 }
 
 }  // namespace pex

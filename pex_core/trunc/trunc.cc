@@ -25,7 +25,7 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace pex {
-PEX_EXPORT_HARDWARE_UNARY(double, dTrunc)
-PEX_EXPORT_HARDWARE_UNARY(float, sTrunc)
+PEX_EXPORT_ROUNDING_UNARY(double, dTrunc)
+PEX_EXPORT_ROUNDING_UNARY(float, sTrunc)
 }  // namespace pex
 #endif

@@ -5,35 +5,33 @@
 
 namespace pex {
 
-// (ln(1+x) - x)/x^2, -3.3399999141693115234375e-2 <= x <= 3.3399999141693115234375e-2; absolute error 2^-55.5625.
-inline constexpr double kLnHA[] = {
-    -0x1p-1, 0x1.55555555554fcp-2, -0x1.ffffffffffe08p-3, 0x1.9999999ba3002p-3,
-    -0x1.55555558f2039p-3, 0x1.24922f78d089p-3, -0x1.ffffbbfc933a9p-4, 0x1.c80c0c50fa33bp-4,
-    -0x1.9a9b469b2c24p-4};
+// (ln(1+x) - x)/x^2, -3.86000014841556549072265625e-2 <= x <= 3.86000014841556549072265625e-2; absolute error 2^-53.625.
+inline constexpr double kLn[] = {
+    -0x1p-1, 0x1.5555555555439p-2, -0x1.ffffffffff9bbp-3, 0x1.9999999e74743p-3,
+    -0x1.5555555df2141p-3, 0x1.24921b5345a68p-3, -0x1.ffff8696dc587p-4, 0x1.c85c9a51868abp-4,
+    -0x1.9af1f0906b59fp-4};
 
-// (ln(1+x) - x)/x^2, -3.3399999141693115234375e-2 <= x <= 3.3399999141693115234375e-2; absolute error 2^-49.5.
-inline constexpr double kLnLA[] = {
-    -0x1.fffffffffffeap-2, 0x1.55555555554b6p-2, -0x1.0000000099386p-2, 0x1.9999999c97b3bp-3,
-    -0x1.555540672688p-3, 0x1.249228c85a4d1p-3, -0x1.0075288a4b78ep-3, 0x1.c826ce8fdc5c5p-4};
-
-// (ln(1+x) - x)/x^2, -3.3399999141693115234375e-2 <= x <= 3.3399999141693115234375e-2; absolute error 2^-25.1875.
+// (ln(1+x) - x)/x^2, -3.86000014841556549072265625e-2 <= x <= 3.86000014841556549072265625e-2; absolute error 2^-24.34375.
 inline constexpr double kLnEP[] = {
-    -0x1.fffffe421e004p-2, 0x1.55554f5c0b5ffp-2, -0x1.0030c722c620bp-2, 0x1.9a170fcf5d1fap-3};
+    -0x1.fffffce452761p-2, 0x1.55554aabfd22bp-2, -0x1.00412a6c2313cp-2, 0x1.9a413a4eb808ap-3};
 
-// (log10(1 + x/log10(e)) - x)/x^2, -1.4499999582767486572265625e-2 <= x <= 1.4499999582767486572265625e-2; absolute error 2^-52.75.
-inline constexpr double kLog10HA[] = {
-    -0x1.26bb1bbb55516p0, 0x1.c46dbb4513815p0, -0x1.86a885acd04ebp1, 0x1.67cf40c19b666p2,
-    -0x1.59348009367cap3, 0x1.54a7d36921e37p4, -0x1.5729e9eb0065bp5, 0x1.5fe99c6dce324p6,
-    -0x1.6ff1d7d96cbb4p7};
+// (log10(1 + x/log10(e)) - x)/x^2, -1.679999940097332000732421875e-2 <= x <= 1.679999940097332000732421875e-2; absolute error 2^-51.9375.
+inline constexpr double kLog10[] = {
+    -0x1.26bb1bbb55516p0, 0x1.c46dbb451370cp0, -0x1.86a885acd10fep1, 0x1.67cf40c423c82p2,
+    -0x1.59347ff23a676p3, 0x1.54a7bb76d70c5p4, -0x1.572aab3ea55bfp5, 0x1.6028efaf8b387p6,
+    -0x1.6e10726d584d1p7};
 
-// (log10(1 + x/log10(e)) - x)/x^2, -1.4499999582767486572265625e-2 <= x <= 1.4499999582767486572265625e-2; absolute error 2^-48.3125.
-inline constexpr double kLog10LA[] = {
-    -0x1.26bb1bbb55509p0, 0x1.c46dbb45137b9p0, -0x1.86a885adbcf0cp1, 0x1.67cf40c271029p2,
-    -0x1.59346aa86b9d3p3, 0x1.54a7cba8fd59dp4, -0x1.57c88143f8529p5, 0x1.5ffe2e5bc3768p6};
-
-// (log10(1 + x/log10(e)) - x)/x^2, -1.4499999582767486572265625e-2 <= x <= 1.4499999582767486572265625e-2; absolute error 2^-23.96875.
+// (log10(1 + x/log10(e)) - x)/x^2, -1.679999940097332000732421875e-2 <= x <= 1.679999940097332000732421875e-2; absolute error 2^-23.125.
 inline constexpr double kLog10EP[] = {
-    -0x1.26bb1abb0c165p0, 0x1.c46db35d14e75p0, -0x1.86f2e6ddb3eaep1, 0x1.683d618cb9f2ep2};
+    -0x1.26bb19ed5424cp0, 0x1.c46dad03fdd7bp0, -0x1.870c657bb43acp1, 0x1.68632467a233cp2};
+
+// ln((1+s)/(1-s))/s^3 - 2/s^2 for x = s^2, 9.31322574615478515625e-10 <= x <= 3.7100000190548598766326904296875e-4; absolute error 2^-41.3125.
+inline constexpr double kLnLA[] = {
+    0x1.55555555561d1p-1, 0x1.99999871e058fp-2, 0x1.24b2b7408c01ep-2};
+
+// log10((1+s)/(1-s))/s^3 - 2 log10(e)/s^2 for x = s^2, 9.31322574615478515625e-10 <= x <= 3.7100000190548598766326904296875e-4; absolute error 2^-42.5.
+inline constexpr double kLog10LA[] = {
+    0x1.287a7636f4e37p-2, 0x1.63c6267445c69p-3, 0x1.fc77fc7d620b8p-4};
 
 // (e^x - 1 - x)/x^2, -3.3859998802654445171356201171875e-4 <= x <= 3.3859998802654445171356201171875e-4; absolute error 2^-43.4375.
 inline constexpr double kExpHA[] = {
@@ -51,10 +49,10 @@ inline constexpr double kExpm1LA[] = {
     0x1.6c16c16c156a2p-10, 0x1.a01a01ac20fc4p-13, 0x1.a01a01ab9a61p-16, 0x1.71de01a1ad725p-19,
     0x1.27e4cfa93cbffp-22, 0x1.af4ee43065288p-26, 0x1.1f86fc33b65fp-29};
 
-// (e^x - 1 - x)/x^2, -0.346700012683868408203125 <= x <= 0.346700012683868408203125; absolute error 2^-23.90625.
+// (e^x - 1 - x)/x^2, -0.346700012683868408203125 <= x <= 0.346700012683868408203125; absolute error 2^-29.4375.
 inline constexpr double kExpm1EP[] = {
-    0x1.000000172fe45p-1, 0x1.5554dcd120c51p-3, 0x1.5554b8a6b32bap-5, 0x1.120b94f13dab1p-7,
-    0x1.6d757c749483ep-10};
+    0x1.0000000b96c0ap-1, 0x1.555555743d54bp-3, 0x1.5554e8e525d18p-5, 0x1.1110ab514945cp-7,
+    0x1.6d435101d28cp-10, 0x1.a17e3c01c5a4dp-13};
 
 }  // namespace pex
 

@@ -64,7 +64,7 @@ HWY_INLINE LogRow<VecOf<D>> LogLookUp(D d, BitsOf<D> i) {
 #endif
 }
 
-// x = 2^e m, 3/4 <= m < 3/2, for positive normal x; the table row of the sixteenth next to m.
+// x = 2^e m, 25/32 <= m < 25/16, for positive normal x; the table row of the sixteenth next to m.
 template <class D>
 struct LogReduced {
   VecOf<D> e, m;
@@ -72,54 +72,105 @@ struct LogReduced {
   LogRow<VecOf<D>> row;
 };
 
-inline constexpr int64_t kThreeQuarters = 0x3FE8000000000000;
+inline constexpr int64_t kLeastM = 0x3FE9000000000000;
 inline constexpr int64_t kBias = int64_t{1024} << 52;  // keeps biased exponents positive
 
-template <class Base, class D, class V>
-HWY_INLINE LogReduced<D> LogReduce(D d, V x) {
+template <class Base, class D, class V, size_t K>
+HWY_INLINE void LogReduce(D d, const V (&x)[K], LogReduced<D> (&r)[K]) {
   const hn::RebindToUnsigned<D> du;
-  const auto above = hn::Add(Bits(d, x), SetBits(d, static_cast<uint64_t>(kBias - kThreeQuarters)));
-  // 2^52 + 1024 + e, made by the bits.
-  const auto biased = hn::Or(hn::ShiftRight<52>(hn::BitCast(du, above)),
-                             hn::Set(du, 0x4330000000000000));
-  LogReduced<D> r;
-  r.e = hn::Sub(hn::BitCast(d, biased), hn::Set(d, 0x1p52 + 1024));
-  r.exponent_bits = hn::And(above, SetBits(d, 0xFFF0000000000000));
-  r.m = FromBits(d, hn::Add(hn::And(above, SetBits(d, 0x000FFFFFFFFFFFFF)),
-                            SetBits(d, static_cast<uint64_t>(kThreeQuarters))));
-  // The sum ends in the number of sixteenths.
-  r.row = LogLookUp<Base>(d, Bits(d, hn::Add(r.m, hn::Set(d, 0x1.8p48))));
-  return r;
-}
-
-template <class D, class V, size_t N>
-HWY_INLINE V LogPolynomial(D d, V p, V p2, const double (&c)[N]) {
-  if constexpr (N > 4) {
-    return Estrin(d, p, p2, c);
-  } else {
-    return EvenOdd(d, p, p2, c);
+  for (size_t k = 0; k < K; ++k) {
+    const auto above = hn::Add(Bits(d, x[k]), SetBits(d, static_cast<uint64_t>(kBias - kLeastM)));
+    // 2^52 + 1024 + e, made by the bits.
+    const auto biased = hn::Or(hn::ShiftRight<52>(hn::BitCast(du, above)),
+                               hn::Set(du, 0x4330000000000000));
+    r[k].e = hn::Sub(hn::BitCast(d, biased), hn::Set(d, 0x1p52 + 1024));
+    r[k].exponent_bits = hn::And(above, SetBits(d, 0xFFF0000000000000));
+    r[k].m = FromBits(d, hn::Add(hn::And(above, SetBits(d, 0x000FFFFFFFFFFFFF)),
+                                 SetBits(d, static_cast<uint64_t>(kLeastM))));
+  }
+  for (size_t k = 0; k < K; ++k) {
+    // The sum ends in the number of sixteenths.
+    r[k].row = LogLookUp<Base>(d, Bits(d, hn::Add(r[k].m, hn::Set(d, 0x1.8p48))));
   }
 }
 
 // e log(2) + log(a) + log(1 + (m - a)/a) in full, p + p_rest standing for the polynomial's argument:
-// at most 0.53 ulp with the HA polynomial.
-template <class Base, class D, class V, size_t N>
-HWY_INLINE V LogSum(D d, const LogReduced<D>& x, V p, V p_rest, const double (&c)[N]) {
-  const V p2 = hn::Mul(p, p);
-  const V q = hn::Mul(p2, LogPolynomial(d, p, p2, c));
-  const V head = hn::Add(hn::Mul(x.e, hn::Set(d, Base::kLog2Hi)), x.row.log);  // exact
-  const Pair<V> s = FastTwoSum(head, p);
-  const V tail = hn::Add(q, hn::Mul(x.e, hn::Set(d, Base::kLog2Lo)));
-  return hn::Add(s.hi, hn::Add(s.lo, hn::Add(p_rest, tail)));
+// at most 0.53 ulp.
+template <class Base, class D, class V, size_t K>
+HWY_INLINE void LogSum(D d, const LogReduced<D> (&x)[K], const Pair<V> (&p)[K], V (&r)[K]) {
+  V arg[K], square[K], q[K];
+  for (size_t k = 0; k < K; ++k) {
+    arg[k] = p[k].hi;
+    square[k] = hn::Mul(arg[k], arg[k]);
+  }
+  EvenOdd(d, arg, square, Base::kPolynomial, q);
+  for (size_t k = 0; k < K; ++k) {
+    const V head = hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi)), x[k].row.log);  // exact
+    const Pair<V> s = FastTwoSum(head, arg[k]);
+    const V tail = hn::Add(hn::Mul(square[k], q[k]), hn::Mul(x[k].e, hn::Set(d, Base::kLog2Lo)));
+    r[k] = hn::Add(s.hi, hn::Add(s.lo, hn::Add(p[k].lo, tail)));
+  }
 }
 
 // The plain sum: a few roundings more, log(2) in one part.
-template <class Base, class D, class V, size_t N>
-HWY_INLINE V LogPlain(D d, const LogReduced<D>& x, V p, const double (&c)[N]) {
-  const V p2 = hn::Mul(p, p);
-  const V s = hn::Add(p, hn::Mul(p2, LogPolynomial(d, p, p2, c)));
-  const V head = hn::Add(hn::Mul(x.e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x.row.log);
-  return hn::Add(head, s);
+template <class Base, class D, class V, size_t K, size_t N>
+HWY_INLINE void LogPlain(D d, const LogReduced<D> (&x)[K], const V (&p)[K], const double (&c)[N],
+                         V (&r)[K]) {
+  V square[K], q[K];
+  for (size_t k = 0; k < K; ++k) square[k] = hn::Mul(p[k], p[k]);
+  EvenOdd(d, p, square, c, q);
+  for (size_t k = 0; k < K; ++k) {
+    const V head = hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x[k].row.log);
+    r[k] = hn::Add(head, hn::Add(p[k], hn::Mul(square[k], q[k])));
+  }
+}
+
+// The sum of LA, on a division instead of a long polynomial: log(1 + p) = p - s (p - s^2 R(s^2)) for
+// s = p/(2 + p) = t/(m + a).
+template <class Base, class D, class V, size_t K>
+HWY_INLINE void LogByDivision(D d, const LogReduced<D> (&x)[K], const V (&t)[K], V (&r)[K]) {
+  V s[K], s2[K], p[K];
+  for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(x[k].m, x[k].row.a));
+  for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(t[k], x[k].row.factor);
+  for (size_t k = 0; k < K; ++k) s2[k] = hn::Mul(s[k], s[k]);
+  for (size_t k = 0; k < K; ++k) {
+    const V rest = hn::Mul(s2[k], Horner(d, s2[k], Base::kLA));
+    const V head = hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x[k].row.log);
+    r[k] = hn::Add(head, hn::Sub(p[k], hn::Mul(s[k], hn::Sub(p[k], rest))));
+  }
+}
+
+template <class Base, class D, class V, size_t K>
+HWY_INLINE void LogLA(D d, const V (&x)[K], V (&r)[K]) {
+  LogReduced<D> u[K];
+  V t[K];
+  LogReduce<Base>(d, x, u);
+  for (size_t k = 0; k < K; ++k) t[k] = hn::Sub(u[k].m, u[k].row.a);
+  LogByDivision<Base>(d, u, t, r);
+}
+
+// The whole logarithm by the plain sum.
+template <class Base, class D, class V, size_t K, size_t N>
+HWY_INLINE void PlainLog(D d, const V (&x)[K], const double (&c)[N], V (&r)[K]) {
+  LogReduced<D> u[K];
+  V p[K];
+  LogReduce<Base>(d, x, u);
+  for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(hn::Sub(u[k].m, u[k].row.a), u[k].row.factor);
+  LogPlain<Base>(d, u, p, c, r);
+}
+
+// The whole logarithm in full. The natural table lacks no rest.
+template <class Base, class D, class V, size_t K>
+HWY_INLINE void FullLog(D d, const V (&x)[K], V (&r)[K]) {
+  LogReduced<D> u[K];
+  Pair<V> p[K];
+  LogReduce<Base>(d, x, u);
+  for (size_t k = 0; k < K; ++k) {
+    const V t = hn::Sub(u[k].m, u[k].row.a);
+    p[k] = TwoProduct(d, t, u[k].row.factor);
+    if constexpr (Base::kHasRest) p[k].lo = hn::Add(p[k].lo, hn::Mul(t, u[k].row.rest));
+  }
+  LogSum<Base>(d, u, p, r);
 }
 
 }  // namespace pex::HWY_NAMESPACE
