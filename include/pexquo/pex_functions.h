@@ -20,17 +20,15 @@ PEXQUO_API int _pexdSqr(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexsSqr(int32_t n, const float* a, float* r);
 
 /* Abs: r[i] = |a|. A multiplication by plus or minus one: a signalling NaN becomes quiet and raises
-   invalid, a NaN keeps its sign, and the caller's flush modes hold. */
+   invalid, and a NaN keeps its sign. */
 PEXQUO_API int _pexdAbs(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexsAbs(int32_t n, const float* a, float* r);
 
-/* Ceil: r[i] = the least integer not below a. May raise inexact. A subnormal is 0 where the caller
-   says that denormals are. */
+/* Ceil: r[i] = the least integer not below a. May raise inexact. */
 PEXQUO_API int _pexdCeil(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexsCeil(int32_t n, const float* a, float* r);
 
-/* Floor: r[i] = the greatest integer not above a. May raise inexact. A subnormal is 0 where the
-   caller says that denormals are. */
+/* Floor: r[i] = the greatest integer not above a. May raise inexact. */
 PEXQUO_API int _pexdFloor(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexsFloor(int32_t n, const float* a, float* r);
 
@@ -77,7 +75,7 @@ PEXQUO_API int _pexsExpm1_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsExpm1_HA(int32_t n, const float* a, float* r);
 
 /* Ln: r[i] = the natural logarithm of a. Reports a pole at plus or minus 0 (code 2, result -inf)
-   and negative arguments (code 1, result NaN). Bounds in double: HA 0.55 ulp, _50 1 ulp, _26 at
+   and negative arguments (code 1, result NaN). Bounds in double: HA 0.56 ulp, _50 1 ulp, _26 at
    least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdLn_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdLn_50(int32_t n, const double* a, double* r);
@@ -97,7 +95,7 @@ PEXQUO_API int _pexsLog10_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsLog10_HA(int32_t n, const float* a, float* r);
 
 /* Log1p: r[i] = the natural logarithm of 1 + a. Keeps the sign of zero. Reports a pole at -1 (code
-   2, result -inf) and arguments below -1 (code 1, result NaN). Bounds in double: HA 0.55 ulp, _50 2
+   2, result -inf) and arguments below -1 (code 1, result NaN). Bounds in double: HA 0.56 ulp, _50 2
    ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdLog1p_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdLog1p_50(int32_t n, const double* a, double* r);

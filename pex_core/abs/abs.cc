@@ -1,5 +1,5 @@
 // |a| as the product of a and plus or minus one: a signalling NaN becomes quiet and raises invalid,
-// a NaN keeps its sign, and subnormals follow the caller's flush modes.
+// a NaN keeps its sign.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/abs/abs.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level

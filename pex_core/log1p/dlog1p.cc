@@ -14,9 +14,8 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vdLog1p";
 
 struct dLog1pCommon : Kernel<double> {
-  // 1 + x is not from 2^-1022 to 2^1023: x <= -1, the last octave (where 2^-e is no normal number),
-  // +inf, NaN.
-  struct Rarity : RareOutside<double, 0x00100000, 0x7FDFFFFF> {
+  // 1 + x is not from 2^-1022 to 2^999: x <= -1, NaN, and where products with 2^-e come near underflow.
+  struct Rarity : RareOutside<double, 0x00100000, 0x7E5FFFFF> {
     template <class D>
     static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
       return RareOutside::Key(d, hn::Add(x, hn::Set(d, 1.0)));

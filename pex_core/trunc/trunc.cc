@@ -1,5 +1,5 @@
 // The integer part of a: one instruction with its own rounding mode. Raises inexact where
-// the result differs from a; a subnormal is a zero to it under the caller's denormals-are-zero.
+// the result differs from a.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/trunc/trunc.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level

@@ -113,7 +113,7 @@ std::vector<Entry<T>> Entries() {
     return [f = pick(d, s)](int32_t n, const T* a, const T*, T* r, T*) { f(n, a, r); };
   };
   const auto rounded = [](uint32_t mode) {
-    return [mode](Bits x, Bits, uint32_t word) { return Rounded<T>(x, word, mode, true); };
+    return [mode](Bits x, Bits, uint32_t) { return Rounded<T>(x, 0, mode, true); };
   };
   return {
       {"Add", 2, 1, binary(_pexdAdd, _pexsAdd),
@@ -133,9 +133,9 @@ std::vector<Entry<T>> Entries() {
          return Hardware<T>(x, x, word, [](T a, T b) { return a * b; });
        }},
       {"Abs", 1, 1, unary(_pexdAbs, _pexsAbs),
-       [](Bits x, Bits, uint32_t word) {
+       [](Bits x, Bits, uint32_t) {
          const Bits one = std::bit_cast<Bits>(T(1)) | (x & F::kSign);
-         return Hardware<T>(x, one, word, [](T a, T b) { return a * b; });
+         return Hardware<T>(x, one, kMasks, [](T a, T b) { return a * b; });
        }},
       {"Ceil", 1, 1, unary(_pexdCeil, _pexsCeil), rounded(kRoundUp)},
       {"Floor", 1, 1, unary(_pexdFloor, _pexsFloor), rounded(kRoundDown)},

@@ -367,7 +367,7 @@ std::string Difference(const Outcome& x, const Outcome& y) {
 }
 
 bool FollowsTheCaller(const pex::Entry& entry) {
-  for (const char* name : {"Add", "Sub", "Mul", "Sqr", "Abs", "Rint", "NearbyInt"}) {
+  for (const char* name : {"Add", "Sub", "Mul", "Sqr", "Rint", "NearbyInt"}) {
     if (entry.function->name == name) return true;
   }
   return false;
