@@ -46,9 +46,12 @@ struct Kernel {
 template <class D, typename T = hn::TFromD<D>>
 HWY_INLINE VecOf<D> LoadFirst(D d, const T* HWY_RESTRICT from, size_t count, T fill) {
 #if HWY_TARGET == HWY_SSE4  // its masked load reads the whole vector
-  HWY_ALIGN T lanes[hn::MaxLanes(D())];
-  for (size_t i = 0; i < hn::MaxLanes(D()); ++i) lanes[i] = i < count ? from[i] : fill;
-  return hn::Load(d, lanes);
+  (void)d;
+  if constexpr (sizeof(T) == 8) {
+    return VecOf<D>{_mm_set_pd(fill, from[0])};
+  } else {
+    return VecOf<D>{_mm_set_ps(fill, count > 2 ? from[2] : fill, count > 1 ? from[1] : fill, from[0])};
+  }
 #else
   const auto mask = hn::FirstN(d, count);
   return hn::IfThenElse(mask, hn::MaskedLoad(mask, d, from), hn::Set(d, fill));
@@ -153,6 +156,18 @@ HWY_INLINE int RareElement(T x, T y, T* r1, T* r2) {
   }
 }
 
+template <class K, class D, class C, class V>
+HWY_INLINE void StoreResults(D d, const C& call, size_t i, size_t count, V v1, V v2) {
+  if (count == hn::Lanes(d)) {
+    hn::StoreU(v1, d, call.r1 + i);
+    if constexpr (K::kResults == 2) hn::StoreU(v2, d, call.r2 + i);
+  } else {
+    const auto mask = hn::FirstN(d, count);
+    hn::BlendedStore(v1, mask, d, call.r1 + i);
+    if constexpr (K::kResults == 2) hn::BlendedStore(v2, mask, d, call.r2 + i);
+  }
+}
+
 // One vector that may have rare lanes, or be the last, of `count` elements. Its arguments are kept,
 // for its results may overwrite them.
 template <class K, class C>
@@ -183,14 +198,7 @@ HWY_NOINLINE void CarefulVector(const C& call, size_t i, size_t count) {
   }
   auto v1 = x, v2 = x;
   Compute<K>(d, x, y, v1, v2);
-  if (whole) {
-    hn::StoreU(v1, d, call.r1 + i);
-    if constexpr (K::kResults == 2) hn::StoreU(v2, d, call.r2 + i);
-  } else {
-    const auto mask = hn::FirstN(d, count);
-    hn::BlendedStore(v1, mask, d, call.r1 + i);
-    if constexpr (K::kResults == 2) hn::BlendedStore(v2, mask, d, call.r2 + i);
-  }
+  StoreResults<K>(d, call, i, count, v1, v2);
   if (!any) return;
 
   uint8_t bits[8] = {};
@@ -237,6 +245,23 @@ HWY_INLINE bool CommonGroup(const C& call, size_t i) {
   return true;
 }
 
+// One vector of `count` elements without rare lanes; false, with nothing done, when some lane is rare.
+template <class K, class C>
+HWY_INLINE bool CommonVector(const C& call, size_t i, size_t count) {
+  const typename K::Tag d;
+  const bool whole = count == hn::Lanes(d);
+  auto x = whole ? call.a.Load(d, i) : call.a.LoadTail(d, i, count, K::kHarmless);
+  auto y = x;
+  if constexpr (K::kArguments == 2) {
+    y = whole ? call.b.Load(d, i) : call.b.LoadTail(d, i, count, K::kHarmless);
+  }
+  if (AnyRare<K, 1>(d, &x, &y)) [[unlikely]] return false;
+  auto v1 = x, v2 = x;
+  Compute<K>(d, x, y, v1, v2);
+  StoreResults<K>(d, call, i, count, v1, v2);
+  return true;
+}
+
 template <class K, class C>
 HWY_INLINE int RunCall(int32_t n, const C& call) {
   const typename K::Tag d;
@@ -248,10 +273,10 @@ HWY_INLINE int RunCall(int32_t n, const C& call) {
     if (CommonGroup<K, K::kUnroll>(call, i)) [[likely]] continue;
     for (size_t k = 0; k < group; k += lanes) CarefulVector<K>(call, i + k, lanes);
   }
-  for (; i + lanes <= end; i += lanes) {
-    if (!CommonGroup<K, 1>(call, i)) [[unlikely]] CarefulVector<K>(call, i, lanes);
+  for (; i < end; i += lanes) {
+    const size_t count = HWY_MIN(lanes, end - i);
+    if (!CommonVector<K>(call, i, count)) [[unlikely]] CarefulVector<K>(call, i, count);
   }
-  if (i < end) CarefulVector<K>(call, i, end - i);
   return 0;
 }
 
