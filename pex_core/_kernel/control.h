@@ -46,6 +46,32 @@ class RoundingGuard {
   uint32_t saved_;
 };
 
+// As ControlGuard, for calls that leave no trace but inexact in the caller's flags: random numbers.
+class QuietGuard {
+ public:
+  // `quiet`: the caller knows that nothing more than inexact can be raised; saves a second look.
+  explicit QuietGuard(bool quiet = false) : saved_(_mm_getcsr()), quiet_(quiet) {
+    if ((saved_ & ~kFlags) == kDefault) return;
+    _mm_setcsr(kDefault | (saved_ & kFlags));
+    quiet_ = false;
+  }
+  ~QuietGuard() {
+    if (quiet_) return;
+    const uint32_t now = _mm_getcsr();
+    const uint32_t restored = saved_ | (now & kInexact);
+    if (now != restored) _mm_setcsr(restored);
+  }
+  QuietGuard(const QuietGuard&) = delete;
+  QuietGuard& operator=(const QuietGuard&) = delete;
+
+ private:
+  static constexpr uint32_t kFlags = 0x3F;
+  static constexpr uint32_t kInexact = 0x20;
+  static constexpr uint32_t kDefault = 0x1F80;
+  uint32_t saved_;
+  bool quiet_;  // nothing to restore at the end
+};
+
 // ControlGuard for x87 code: 64-bit significands, round to nearest, exceptions masked.
 class X87Guard {
  public:

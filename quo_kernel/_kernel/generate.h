@@ -1,5 +1,5 @@
 // n outputs of the generator behind a stream, by the type of the output. A stream that names no
-// generator gives -1000, else the status is the generator's. The caller holds a CallGuard.
+// generator gives -1000, else the status is the generator's. The caller holds a pex::QuietGuard.
 #ifndef QUO_KERNEL__KERNEL_GENERATE_H_
 #define QUO_KERNEL__KERNEL_GENERATE_H_
 

@@ -168,14 +168,14 @@ extern "C" QUO_API int32_t __quoBRngMCG31M1InitStream(int32_t method, StreamStat
 
 extern "C" QUO_API int32_t __quodBRngMCG31M1(StreamState* stream, int32_t n, double* r, double a,
                                              double b) {
-  const QuietGuard guard(a, b);
+  const QuietGuard guard(ArePlainBounds(a, b));
   HWY_DYNAMIC_DISPATCH(dMCG31M1)(State(stream), Count(n), r, a, b);
   return QUO_OK;
 }
 
 extern "C" QUO_API int32_t __quosBRngMCG31M1(StreamState* stream, int32_t n, float* r, float a,
                                              float b) {
-  const QuietGuard guard(a, b);
+  const QuietGuard guard(ArePlainBounds(a, b));
   HWY_DYNAMIC_DISPATCH(sMCG31M1)(State(stream), Count(n), r, a, b);
   return QUO_OK;
 }

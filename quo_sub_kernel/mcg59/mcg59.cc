@@ -188,7 +188,7 @@ extern "C" QUO_API int32_t __quoBRngMCG59InitStream(int32_t method, StreamState*
 extern "C" QUO_API int32_t __quodBRngMCG59(StreamState* stream, int32_t n, double* r, double a,
                                            double b) {
   if (n < 1) return QUO_OK;
-  const QuietGuard guard(a, b);
+  const QuietGuard guard(ArePlainBounds(a, b));
   HWY_DYNAMIC_DISPATCH(dMCG59)(State(stream), static_cast<size_t>(n), r, a, b);
   return QUO_OK;
 }
@@ -196,7 +196,7 @@ extern "C" QUO_API int32_t __quodBRngMCG59(StreamState* stream, int32_t n, doubl
 extern "C" QUO_API int32_t __quosBRngMCG59(StreamState* stream, int32_t n, float* r, float a,
                                            float b) {
   if (n < 1) return QUO_OK;
-  const QuietGuard guard(a, b);
+  const QuietGuard guard(ArePlainBounds(a, b));
   HWY_DYNAMIC_DISPATCH(sMCG59)(State(stream), static_cast<size_t>(n), r, a, b);
   return QUO_OK;
 }

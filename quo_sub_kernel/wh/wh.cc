@@ -218,7 +218,7 @@ extern "C" QUO_API int32_t __quoBRngWHInitStream(int32_t method, StreamState* st
 extern "C" QUO_API int32_t __quodBRngWH(StreamState* stream, int32_t n, double* r, double a,
                                         double b) {
   if (n < 1) return QUO_OK;
-  const QuietGuard guard(a, b);
+  const QuietGuard guard(ArePlainBounds(a, b));
   MemberWH s(stream);
   HWY_DYNAMIC_DISPATCH(dWH)(&s, static_cast<size_t>(n), r, a, b);
   return QUO_OK;
@@ -227,7 +227,7 @@ extern "C" QUO_API int32_t __quodBRngWH(StreamState* stream, int32_t n, double* 
 extern "C" QUO_API int32_t __quosBRngWH(StreamState* stream, int32_t n, float* r, float a,
                                         float b) {
   if (n < 1) return QUO_OK;
-  const QuietGuard guard(a, b);
+  const QuietGuard guard(ArePlainBounds(a, b));
   MemberWH s(stream);
   HWY_DYNAMIC_DISPATCH(sWH)(&s, static_cast<size_t>(n), r, a, b);
   return QUO_OK;
@@ -236,7 +236,7 @@ extern "C" QUO_API int32_t __quosBRngWH(StreamState* stream, int32_t n, float* r
 // The states are computed in double, exactly: no flag but inexact can rise, in the quotients.
 extern "C" QUO_API int32_t __quoiBRngWH(StreamState* stream, int32_t n, uint32_t* r) {
   if (n < 1) return QUO_OK;
-  const QuietGuard guard(0.0, 1.0);
+  const QuietGuard guard(true);
   MemberWH s(stream);
   HWY_DYNAMIC_DISPATCH(iWH)(&s, static_cast<size_t>(n), r);
   return QUO_OK;

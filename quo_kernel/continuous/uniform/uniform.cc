@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "hwy/highway.h"
-#include "quo_kernel/_kernel/call_guard.h"
+#include "pex_core/_kernel/control.h"
 #include "quo_kernel/_kernel/generate.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -61,7 +61,7 @@ HWY_EXPORT(ClampSingle);
 
 extern "C" QUO_API int32_t _quodRngUniform(uint32_t method, StreamState* stream, int32_t n,
                                            double* r, double a, double b) {
-  const CallGuard guard;
+  const pex::QuietGuard guard;
   const int32_t status = Generate(stream, n, r, a, b);
   if (status < 0 || (method & QUO_METHOD_ACCURATE) == 0 || n < 1) return status;
   HWY_DYNAMIC_DISPATCH(ClampDouble)(static_cast<size_t>(n), r, a, b);
@@ -70,7 +70,7 @@ extern "C" QUO_API int32_t _quodRngUniform(uint32_t method, StreamState* stream,
 
 extern "C" QUO_API int32_t _quosRngUniform(uint32_t method, StreamState* stream, int32_t n,
                                            float* r, float a, float b) {
-  const CallGuard guard;
+  const pex::QuietGuard guard;
   const int32_t status = Generate(stream, n, r, a, b);
   if (status < 0 || (method & QUO_METHOD_ACCURATE) == 0 || n < 1) return status;
   HWY_DYNAMIC_DISPATCH(ClampSingle)(static_cast<size_t>(n), r, a, b);

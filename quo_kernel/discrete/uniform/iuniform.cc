@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "hwy/highway.h"
-#include "quo_kernel/_kernel/call_guard.h"
+#include "pex_core/_kernel/control.h"
 #include "quo_kernel/_kernel/generate.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -62,7 +62,7 @@ extern "C" QUO_API int32_t _quoiRngUniform(uint32_t, StreamState* stream, int32_
                                            int32_t a, int32_t b) {
   constexpr int32_t kBlock = 1024;
   if (n < 1) return QUO_OK;
-  const CallGuard guard;
+  const pex::QuietGuard guard;
   alignas(64) double block[kBlock];
   int32_t status = QUO_OK;
   for (int32_t left = n; left > 0;) {
