@@ -1,5 +1,6 @@
 // Writes include/pexquo/pex_functions.h, the declarations of the catalogued functions, to standard
-// output. It reads the rows alone, so that it runs before the library exists.
+// output, or with --markdown docs/functions.md. It reads the rows alone, so that it runs before the
+// library exists.
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -73,9 +74,7 @@ std::string Declaration(const pex::Function& f, char type, std::string_view suff
          "\n";
 }
 
-}  // namespace
-
-int main() {
+std::string Header() {
   std::string text =
       "/* Generated from catalogue/functions.def by catalogue/make_header.cc: change the row, then\n"
       "   run `cmake --build --preset release --target header`. Included by pexquo/pex.h. */\n"
@@ -93,5 +92,41 @@ int main() {
     }
   }
   text += "\n#endif /* PEXQUO_PEX_FUNCTIONS_H_ */\n";
-  std::fputs(text.c_str(), stdout);
+  return text;
+}
+
+std::string Entries(const pex::Function& f, char type) {
+  const std::string stem = "`_pex" + std::string(1, type) + std::string(f.name);
+  if (!f.tiered) return stem + "`";
+  return stem + (type == 'd' ? "_26`, `_50`, `_HA`" : "_11`, `_21`, `_HA`");
+}
+
+std::string Bounds(const pex::Precision& p) {
+  return "at least " + Number(p.ep_bits) + " bits, " + Number(p.la) + " ulp, " +
+         (p.ha == 0.5 ? "correctly rounded" : Number(p.ha) + " ulp");
+}
+
+std::string Markdown() {
+  std::string text =
+      "# Functions\n\nGenerated from `catalogue/functions.def` by `make_header --markdown`. Every "
+      "function takes the count first,\nthen the argument arrays a (and b), then the results; status "
+      "codes are 1 domain, 2 singularity, 3 overflow,\n4 underflow. The bounds are those that the "
+      "tests hold; `docs/accuracy.md` has what was measured.\n";
+  for (const pex::Function& f : kFunctions) {
+    text += "\n## " + std::string(f.name) + "\n\nr = " + std::string(f.formula) + ". " +
+            std::string(f.notes) + "\n\n";
+    for (const char type : {'d', 's'}) {
+      text += std::string(type == 'd' ? "- double: " : "- single: ") + Entries(f, type);
+      if (f.tiered) text += ": " + Bounds(type == 'd' ? f.d : f.s);
+      text += "\n";
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const bool markdown = argc > 1 && std::string_view(argv[1]) == "--markdown";
+  std::fputs((markdown ? Markdown() : Header()).c_str(), stdout);
 }
