@@ -15,54 +15,63 @@ static char _PEX_THISFUNC_NAME[] = "vsExpm1";
 
 template <typename Compute = float>
 struct sExpm1Common : Kernel<float, Compute> {
-  using Rarity = RareAbove<float, 0x42AE0000>;  // |x| > 87
+  // Common from -60 to 88: below, products with s would underflow.
+  struct Rarity : RareAbove<float, 0x42940000> {  // |x - 14| > 74
+    template <class D>
+    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+      return Bits(d, hn::Abs(hn::Sub(x, hn::Set(d, 14.0f))));
+    }
+  };
   static HWY_INLINE int Rare(float x, float* r) { return sExpm1Rare(x, r); }
 };
 
-// A tiny x is its own result: signed zeros and subnormals without a flag.
-inline constexpr float kTiny = 0x1p-30f;
-
-// From below -24 on the result is -1; kept from there, s p does not underflow.
-template <class D, class V>
-HWY_INLINE V CommonArgument(D d, MaskOf<D> tiny, V x) {
-  return hn::Max(hn::IfThenZeroElse(tiny, x), hn::Set(d, -24.0f));
-}
-
-// The bits of 2^(k/8).
+// k = round(x 8/ln2) in the low bits, and 2^24 k. Factors of 2^24 here and 2^28 in the polynomial keep
+// the products of tiny arguments from underflow: their result is the argument itself, without a flag.
 template <class D>
-HWY_INLINE VecOf<D> EighthPower(D d, BitsOf<D> k) {
-  const auto table = reinterpret_cast<const float*>(sExpShiftedEighths);
-  return FromBits(d, hn::Add(Bits(d, LookupEighth(d, table, k)), hn::ShiftLeft<20>(k)));
+struct Eighths {
+  BitsOf<D> k;
+  VecOf<D> kd;
+};
+
+template <class D, class V>
+HWY_INLINE Eighths<D> NearestEighth(D d, V x) {
+  const V shifter = hn::Set(d, 0x1.8p47f);
+  const V kf = hn::Add(hn::Mul(x, hn::Set(d, 0x1.715476p+27f)), shifter);
+  return {Bits(d, kf), hn::Sub(kf, shifter)};
 }
 
-// e^r - 1 as r + r^2/2, |r| <= ln2/16.
+// (s - 1) + s p for s = 2^(k/8) and p given as p 2^kScale. A difference, for it keeps the sign of zero.
+template <int kScale, class D, class V>
+HWY_INLINE V Assemble(D d, BitsOf<D> k, V p) {
+  const auto table = reinterpret_cast<const float*>(sExpShiftedEighths);
+  const auto s = hn::Add(Bits(d, LookupEighth(d, table, k)), hn::ShiftLeft<20>(k));
+  const V scaled = FromBits(d, hn::Sub(s, SetBits(d, kScale << 23)));
+  return hn::Sub(hn::Mul(scaled, p), hn::Sub(hn::Set(d, 1.0f), FromBits(d, s)));
+}
+
+// 2 (e^r - 1) as r (2 + r), |r| <= ln2/16.
 struct sExpm1EP : sExpm1Common<> {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = 8;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const auto tiny = MagnitudeBelow(d, x, kTiny);
-    const V shifter = hn::Set(d, 0x1.8p23f);
-    const V y = CommonArgument(d, tiny, x);
-    const V kf = hn::Add(hn::Mul(y, hn::Set(d, 0x1.715476p+3f)), shifter);
-    const V r = hn::Sub(y, hn::Mul(hn::Sub(kf, shifter), hn::Set(d, 0x1.62e43p-4f)));
-    const V p = hn::Add(hn::Mul(hn::Mul(r, hn::Set(d, 0.5f)), r), r);
-    const V s = EighthPower(d, Bits(d, kf));
-    return hn::IfThenElse(tiny, x, hn::Add(hn::Mul(s, p), hn::Sub(s, hn::Set(d, 1.0f))));
+    const auto [k, kd] = NearestEighth(d, x);
+    const V r = hn::Sub(x, hn::Mul(kd, hn::Set(d, 0x1.62e43p-28f)));
+    return Assemble<1>(d, k, hn::Mul(hn::Add(r, hn::Set(d, 2.0f)), r));
   }
 };
 
 // e^r - 1 as a quartic, |r| <= ln2/16. Near zero s - 1 asks for more bits of s than it has: what is
-// missing, in relation to s, is added to e^r - 1.
+// missing, in relation to s, is added to r.
 struct sExpm1LA : sExpm1Common<> {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = 8;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const auto tiny = MagnitudeBelow(d, x, kTiny);
-    const auto [k, r] = ExpReduceEighths(d, CommonArgument(d, tiny, x));
-    const V q = hn::Mul(Horner(d, r, sExpm1LAPolynomial), r);
-    const V p = hn::Add(hn::Add(hn::Mul(q, r), LookupEighth(d, sExpEighthsRest, k)), r);
-    const V s = EighthPower(d, k);
-    return hn::IfThenElse(tiny, x, hn::Add(hn::Mul(s, p), hn::Sub(s, hn::Set(d, 1.0f))));
+    const auto [k, kd] = NearestEighth(d, x);
+    const V rest = hn::Sub(hn::Mul(kd, hn::Set(d, 0x1.0bfbe8p-42f)), LookupEighth(d, sExpEighthsRest, k));
+    const V r = hn::Sub(hn::Sub(x, hn::Mul(kd, hn::Set(d, 0x1.62ep-28f))), rest);
+    const auto c = [&](int i) HWY_ATTR { return hn::Set(d, 0x1p28f * sExpm1LAPolynomial[i]); };
+    const V q = hn::Add(hn::Mul(hn::Add(hn::Mul(c(2), r), c(1)), r), c(0));
+    return Assemble<28>(d, k, hn::Mul(hn::Add(hn::Mul(q, r), hn::Set(d, 0x1p28f)), r));
   }
 };
 
