@@ -22,7 +22,7 @@ struct sExpCommon : Kernel<float, Compute> {
 // 2^(k/16) from a table, times 1 + r, -0.584 ln2/16 <= r <= 0.417 ln2/16: k is the integer next to
 // (x + 1) 16/ln2 - 23, so that 1 + x alone needs to be formed.
 struct sExpEP : sExpCommon<> {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = 8;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const V w = hn::Add(x, hn::Set(d, 1.0f));
@@ -37,7 +37,7 @@ struct sExpEP : sExpCommon<> {
 // 2^(j/8) from a table, times a cubic in |r| <= ln2/16, times 2^n by the exponent. Adding 2^-36
 // changes no result; it keeps the products of tiny numbers from underflow.
 struct sExpLA : sExpCommon<> {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = 8;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const auto [k, r] = ExpReduceEighths(d, hn::Add(x, hn::Set(d, 0x1p-36f)));
@@ -49,7 +49,7 @@ struct sExpLA : sExpCommon<> {
 };
 
 struct sExpHA : sExpCommon<double> {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = 8;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const hn::Rebind<double, D> dd;

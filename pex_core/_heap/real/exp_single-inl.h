@@ -108,7 +108,7 @@ HWY_INLINE ExpWide<D> ExpReduceWide(D d, V x) {
   const auto s = hn::Add(LookupWideSixteenth(d, sExpShiftedSixteenthsHA, k), hn::ShiftLeft<48>(k));
   const V f2 = hn::Mul(f, f);
   const V q = EvenOdd(d, f, f2, sExpHAPolynomial);
-  const V linear = hn::Mul(f, hn::Set(d, 0x1.62e42fefa39efp-5));  // ln2/16
+  const V linear = hn::Mul(f, hn::Set(d, 0x1.62e42fefa39fp-5));  // ln2/16 + 2^-57
   return {FromBits(d, s), hn::Add(hn::Mul(q, f2), linear)};
 }
 

@@ -9,9 +9,13 @@ namespace pex {
 inline constexpr float sExpLAPolynomial[] = {
     0x1.00087cp-1f, 0x1.555d8ap-3f};
 
-// (2^(x/16) - 1 - x ln2/16)/x^2, |x| <= 0.500001013278961181640625; absolute error 2^-53.
+// (e^x - 1 - x)/x, |x| <= 4.332999885082244873046875e-2; absolute error 2^-27.53125.
+inline constexpr float sExpm1LAPolynomial[] = {
+    0x1p-1f, 0x1.555c22p-3f, 0x1.555a56p-5f};
+
+// (2^(x/16) - 1 - x ln2/16)/x^2, |x| <= 0.500001013278961181640625; absolute error 2^-50.125.
 inline constexpr double sExpHAPolynomial[] = {
-    0x1.ebfbdff82c591p-11, 0x1.c6b08d6faa1b8p-17, 0x1.3b2ab6fb1ba8p-23, 0x1.5d893e590b30ep-30,
+    0x1.ebfbdff82b341p-11, 0x1.c6b08d6f791b8p-17, 0x1.3b2ab6fb1ba8p-23, 0x1.5d893e590b30ep-30,
     0x1.430a43e2019f1p-37};
 
 }  // namespace pex

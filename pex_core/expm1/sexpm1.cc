@@ -1,0 +1,103 @@
+// e^x - 1 in single precision: (s - 1) + s (e^r - 1), s a power of 2^(1/8) or 2^(1/16).
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/expm1/sexpm1.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/exp_single-inl.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/expm1/expm1_rare.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vsExpm1";
+
+template <typename Compute = float>
+struct sExpm1Common : Kernel<float, Compute> {
+  // Common from -60 to 88: below, products with s would underflow.
+  struct Rarity : RareAbove<float, 0x42940000> {  // |x - 14| > 74
+    template <class D>
+    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+      return Bits(d, hn::Abs(hn::Sub(x, hn::Set(d, 14.0f))));
+    }
+  };
+  static HWY_INLINE int Rare(float x, float* r) { return Expm1Rare(x, r, sExpScalar); }
+};
+
+// k = round(x 8/ln2) in the low bits, and 2^24 k. Factors of 2^24 here and 2^28 in the polynomial keep
+// the products of tiny arguments from underflow: their result is the argument itself, without a flag.
+template <class D>
+struct Eighths {
+  BitsOf<D> k;
+  VecOf<D> kd;
+};
+
+template <class D, class V>
+HWY_INLINE Eighths<D> NearestEighth(D d, V x) {
+  const V shifter = hn::Set(d, 0x1.8p47f);
+  const V kf = hn::Add(hn::Mul(x, hn::Set(d, 0x1.715476p+27f)), shifter);
+  return {Bits(d, kf), hn::Sub(kf, shifter)};
+}
+
+// (s - 1) + s p for s = 2^(k/8) and p given as p 2^kScale. A difference, for it keeps the sign of zero.
+template <int kScale, class D, class V>
+HWY_INLINE V Assemble(D d, BitsOf<D> k, V p) {
+  const auto table = reinterpret_cast<const float*>(sExpShiftedEighths);
+  const auto s = hn::Add(Bits(d, LookupEighth(d, table, k)), hn::ShiftLeft<20>(k));
+  const V scaled = FromBits(d, hn::Sub(s, SetBits(d, kScale << 23)));
+  return hn::Sub(hn::Mul(scaled, p), hn::Sub(hn::Set(d, 1.0f), FromBits(d, s)));
+}
+
+// 2 (e^r - 1) as r (2 + r), |r| <= ln2/16.
+struct sExpm1EP : sExpm1Common<> {
+  static constexpr int kUnroll = 8;
+  template <class D, class V>
+  static HWY_INLINE V Main(D d, V x) {
+    const auto [k, kd] = NearestEighth(d, x);
+    const V r = hn::Sub(x, hn::Mul(kd, hn::Set(d, 0x1.62e43p-28f)));
+    return Assemble<1>(d, k, hn::Mul(hn::Add(r, hn::Set(d, 2.0f)), r));
+  }
+};
+
+// e^r - 1 as a quartic, |r| <= ln2/16. Near zero s - 1 asks for more bits of s than it has: what is
+// missing, in relation to s, is added to r.
+struct sExpm1LA : sExpm1Common<> {
+  static constexpr int kUnroll = 8;
+  template <class D, class V>
+  static HWY_INLINE V Main(D d, V x) {
+    const auto [k, kd] = NearestEighth(d, x);
+    const V rest = hn::Sub(hn::Mul(kd, hn::Set(d, 0x1.0bfbe8p-42f)), LookupEighth(d, sExpEighthsRest, k));
+    const V r = hn::Sub(hn::Sub(x, hn::Mul(kd, hn::Set(d, 0x1.62ep-28f))), rest);
+    const auto c = [&](int i) HWY_ATTR { return hn::Set(d, 0x1p28f * sExpm1LAPolynomial[i]); };
+    const V q = hn::Add(hn::Mul(hn::Add(hn::Mul(c(2), r), c(1)), r), c(0));
+    return Assemble<28>(d, k, hn::Mul(hn::Add(hn::Mul(q, r), hn::Set(d, 0x1p28f)), r));
+  }
+};
+
+// In double precision, where nothing underflows; a zero's sign is put back.
+struct sExpm1HA : sExpm1Common<double> {
+  static constexpr int kUnroll = 4;
+  template <class D, class V>
+  static HWY_INLINE V Main(D d, V x) {
+    const hn::Rebind<double, D> dd;
+    const auto [s, p] = ExpReduceWide(dd, hn::PromoteTo(dd, x));
+    const auto y = hn::Add(hn::Mul(s, p), hn::Sub(s, hn::Set(dd, 1.0)));
+    return hn::Or(hn::DemoteTo(d, y), hn::And(x, hn::Set(d, -0.0f)));
+  }
+};
+
+PEX_UNARY(float, sExpm1_11, sExpm1EP)
+PEX_UNARY(float, sExpm1_21, sExpm1LA)
+PEX_UNARY(float, sExpm1_HA, sExpm1HA)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY(float, sExpm1_11)
+PEX_EXPORT_UNARY(float, sExpm1_21)
+PEX_EXPORT_UNARY(float, sExpm1_HA)
+}  // namespace pex
+#endif
