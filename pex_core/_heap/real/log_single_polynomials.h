@@ -5,41 +5,6 @@
 
 namespace pex {
 
-// a = i/16, i = 12 .. 24, at i & 15.
-alignas(64) inline constexpr float kLogSinglePoint[16] = {
-    0x1p0f, 0x1.1p0f, 0x1.2p0f, 0x1.3p0f,
-    0x1.4p0f, 0x1.5p0f, 0x1.6p0f, 0x1.7p0f,
-    0x1.8p0f, 0.0f, 0.0f, 0.0f,
-    0x1.8p-1f, 0x1.ap-1f, 0x1.cp-1f, 0x1.ep-1f};
-
-// 1/a.
-alignas(64) inline constexpr float kLnSingleFactor[16] = {
-    0x1p0f, 0x1.e1e1e2p-1f, 0x1.c71c72p-1f, 0x1.af286cp-1f,
-    0x1.99999ap-1f, 0x1.861862p-1f, 0x1.745d18p-1f, 0x1.642c86p-1f,
-    0x1.555556p-1f, 0.0f, 0.0f, 0.0f,
-    0x1.555556p0f, 0x1.3b13b2p0f, 0x1.24924ap0f, 0x1.111112p0f};
-
-// ln(a).
-alignas(64) inline constexpr float kLnSingleLog[16] = {
-    0.0f, 0x1.f0a30cp-5f, 0x1.e27076p-4f, 0x1.5ff308p-3f,
-    0x1.c8ff7cp-3f, 0x1.1675cap-2f, 0x1.4618bcp-2f, 0x1.739d8p-2f,
-    0x1.9f323ep-2f, 0.0f, 0.0f, 0.0f,
-    -0x1.269622p-2f, -0x1.a93ed4p-3f, -0x1.1178e8p-3f, -0x1.08598cp-4f};
-
-// log10(e)/a.
-alignas(64) inline constexpr float kLog10SingleFactor[16] = {
-    0x1.bcb7b2p-2f, 0x1.a28ec6p-2f, 0x1.8b4df2p-2f, 0x1.767fbep-2f,
-    0x1.63c628p-2f, 0x1.52d51ap-2f, 0x1.436e52p-2f, 0x1.355e66p-2f,
-    0x1.287a76p-2f, 0.0f, 0.0f, 0.0f,
-    0x1.287a76p-1f, 0x1.11ac1ep-1f, 0x1.fc3fa6p-2f, 0x1.da5d8ap-2f};
-
-// log10(a).
-alignas(64) inline constexpr float kLog10SingleLog[16] = {
-    0.0f, 0x1.af5f92p-6f, 0x1.a30a9ep-5f, 0x1.31b306p-4f,
-    0x1.8cf184p-4f, 0x1.e3bc1ap-4f, 0x1.1b3e72p-3f, 0x1.42c7e8p-3f,
-    0x1.68a288p-3f, 0.0f, 0.0f, 0.0f,
-    -0x1.ffbfc2p-4f, -0x1.715d0cp-4f, -0x1.db11eep-5f, -0x1.cb38fcp-6f};
-
 // ln(1 + x) = x (1 + c[0] x + ...), -3.2257080078125e-2 <= x <= 3.33404541015625e-2; error 2^-24.5625 x.
 inline constexpr float kLnSingleLA[] = {
     -0x1.000004p-1f, 0x1.5583fep-2f, -0x1.ff9efep-3f};
@@ -47,6 +12,16 @@ inline constexpr float kLnSingleLA[] = {
 // log10(1 + x/log10(e)) = x (1 + c[0] x + ...), -1.4011383056640625e-2 <= x <= 1.4476776123046875e-2; error 2^-24.5625 x.
 inline constexpr float kLog10SingleLA[] = {
     -0x1.26bb2p0f, 0x1.c4ab94p0f, -0x1.86626ap1f};
+
+// ln(1 + x) = x (1 + c[0] x + ...), -3.2257080078125e-2 <= x <= 3.33404541015625e-2; error 2^-49.375 x.
+inline constexpr double kLnSingleHA[] = {
+    -0x1.00000000000bep-1, 0x1.55555555c4351p-2, -0x1.fffffff804fcp-3, 0x1.9999867be7cadp-3,
+    -0x1.5555999663695p-3, 0x1.250a53beee593p-3, -0x1.ff1e4bbf4c782p-4};
+
+// log10(1 + x/log10(e)) = x (1 + c[0] x + ...), -1.4011383056640625e-2 <= x <= 1.4476776123046875e-2; error 2^-49.375 x.
+inline constexpr double kLog10SingleHA[] = {
+    -0x1.26bb1bbb555fp0, 0x1.c46dbb45a67edp0, -0x1.86a885a6be4a9p1, 0x1.67cf2ff4fbb5fp2,
+    -0x1.5934c4c5c42b9p3, 0x1.5533b68ce1c1ep4, -0x1.56946b5c25433p5};
 
 // ln(1 + x) = x (c[0] + c[1] x + ...), -1/4 <= x <= 1/2.
 inline constexpr float kLnSingleEP[] = {

@@ -73,6 +73,12 @@ struct sLogIndex {
   BitsOf<D> i_;
 };
 
+template <class Base, class D, class V>
+HWY_INLINE V sLog2Times(D d, V scaled) {
+  if constexpr (Base::kLog2Multiple != 1) scaled = hn::Mul(scaled, hn::Set(d, Base::kLog2Multiple));
+  return hn::Mul(scaled, hn::Set(d, Base::kLog2Part));
+}
+
 // e log(2) + log(a) + log(1 + (m - a)/a), a the sixteenth next to m.
 template <class Base, class D, class V>
 HWY_INLINE V sLogLA(D d, V x) {
@@ -80,10 +86,10 @@ HWY_INLINE V sLogLA(D d, V x) {
   const V shifter = hn::Set(d, 0x1.8p19f);  // the sum ends in the number of sixteenths
   const V shifted = hn::Add(u.m, shifter);
   const sLogIndex<D> i(d, Bits(d, shifted));
-  const V p = hn::Mul(hn::Sub(u.m, hn::Sub(shifted, shifter)), i.LookUp(Base::kFactor));
+  const V p = hn::Mul(hn::Sub(u.m, hn::Sub(shifted, shifter)), i.LookUp(Base::kTable.factor));
   const V p2 = hn::Mul(p, p);
-  const V s = hn::Add(hn::Add(i.LookUp(Base::kLog), p), hn::Mul(p2, EvenOdd(d, p, p2, Base::kLA)));
-  return hn::Add(hn::Mul(u.scaled, hn::Set(d, Base::kLog2)), s);
+  const V s = hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, Base::kLA)));
+  return hn::Add(sLog2Times<Base>(d, u.scaled), hn::Add(i.LookUp(Base::kTable.log), s));
 }
 
 // The same with a = 1 and a cubic.
