@@ -27,8 +27,17 @@ struct sLnLA : sLogKernel {
   }
 };
 
+struct sLnHA : sLogWideKernel {
+  static HWY_INLINE int Rare(float x, float* r) { return sLnScalar(x, r); }
+  template <class D, class V>
+  static HWY_INLINE V Main(D d, V x) {
+    return sLogHA<NaturalLog, sNaturalLog>(d, x);
+  }
+};
+
 PEX_UNARY(float, sLn_11, sLnEP)
 PEX_UNARY(float, sLn_21, sLnLA)
+PEX_UNARY(float, sLn_HA, sLnHA)
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -37,5 +46,6 @@ HWY_AFTER_NAMESPACE();
 namespace pex {
 PEX_EXPORT_UNARY(float, sLn_11)
 PEX_EXPORT_UNARY(float, sLn_21)
+PEX_EXPORT_UNARY(float, sLn_HA)
 }  // namespace pex
 #endif

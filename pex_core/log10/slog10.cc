@@ -27,8 +27,17 @@ struct sLog10LA : sLogKernel {
   }
 };
 
+struct sLog10HA : sLogWideKernel {
+  static HWY_INLINE int Rare(float x, float* r) { return sLog10Scalar(x, r); }
+  template <class D, class V>
+  static HWY_INLINE V Main(D d, V x) {
+    return sLogHA<DecimalLog, sDecimalLog>(d, x);
+  }
+};
+
 PEX_UNARY(float, sLog10_11, sLog10EP)
 PEX_UNARY(float, sLog10_21, sLog10LA)
+PEX_UNARY(float, sLog10_HA, sLog10HA)
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -37,5 +46,6 @@ HWY_AFTER_NAMESPACE();
 namespace pex {
 PEX_EXPORT_UNARY(float, sLog10_11)
 PEX_EXPORT_UNARY(float, sLog10_21)
+PEX_EXPORT_UNARY(float, sLog10_HA)
 }  // namespace pex
 #endif

@@ -13,6 +13,7 @@ struct sNaturalLog {
   static constexpr auto& kTable = kLnSingleTable;
   static constexpr auto& kLA = kLnSingleLA;
   static constexpr auto& kEP = kLnSingleEP;
+  static constexpr auto& kHA = kLnSingleHA;
 };
 
 struct sDecimalLog {
@@ -21,6 +22,7 @@ struct sDecimalLog {
   static constexpr auto& kTable = kLog10SingleTable;
   static constexpr auto& kLA = kLog10SingleLA;
   static constexpr auto& kEP = kLog10SingleEP;
+  static constexpr auto& kHA = kLog10SingleHA;
 };
 
 }  // namespace pex

@@ -1,6 +1,7 @@
 // Logarithms in single precision, LA and EP: reduction and sums. Base is sNaturalLog or sDecimalLog.
 
 #include "hwy/highway.h"
+#include "pex_core/_heap/real/log-inl.h"
 #include "pex_core/_heap/real/log_single.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
@@ -16,7 +17,6 @@
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
-static const uint32_t kHeld[3] = {0x3F400000, 0xFF800000, 0x3f3504f3};
 namespace hn = hwy::HWY_NAMESPACE;
 
 // Rare: not positive, normal and finite.
@@ -73,32 +73,76 @@ struct sLogIndex {
   BitsOf<D> i_;
 };
 
+// e log(2); for log10(2), which lies far from a float, by two factors, the first product exact.
 template <class Base, class D, class V>
 HWY_INLINE V sLog2Times(D d, V scaled) {
   if constexpr (Base::kLog2Multiple != 1) scaled = hn::Mul(scaled, hn::Set(d, Base::kLog2Multiple));
   return hn::Mul(scaled, hn::Set(d, Base::kLog2Part));
 }
 
-// e log(2) + log(a) + log(1 + (m - a)/a), a the sixteenth next to m.
+// m - a for a the sixteenth next to m, and the table row of a.
+template <class D>
+struct sLogNear {
+  VecOf<D> t;
+  sLogIndex<D> row;
+};
+
+template <class D, class V>
+HWY_INLINE sLogNear<D> sLogNextSixteenth(D d, V m) {
+  const V shifter = hn::Set(d, 0x1.8p19f);  // the sum ends in the number of sixteenths
+  const V shifted = hn::Add(m, shifter);
+  return {hn::Sub(m, hn::Sub(shifted, shifter)), sLogIndex<D>(d, Bits(d, shifted))};
+}
+
+// e log(2) + log(a) + log(1 + t/a).
+template <class Base, class D, class V>
+HWY_INLINE V sLogLASum(D d, V scaled, V t, sLogIndex<D> row) {
+  const V p = hn::Mul(t, row.LookUp(Base::kTable.factor));
+  const V p2 = hn::Mul(p, p);
+  const V s = hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, Base::kLA)));
+  return hn::Add(sLog2Times<Base>(d, scaled), hn::Add(row.LookUp(Base::kTable.log), s));
+}
+
 template <class Base, class D, class V>
 HWY_INLINE V sLogLA(D d, V x) {
   const auto u = sLogReduce(d, x);
-  const V shifter = hn::Set(d, 0x1.8p19f);  // the sum ends in the number of sixteenths
-  const V shifted = hn::Add(u.m, shifter);
-  const sLogIndex<D> i(d, Bits(d, shifted));
-  const V p = hn::Mul(hn::Sub(u.m, hn::Sub(shifted, shifter)), i.LookUp(Base::kTable.factor));
-  const V p2 = hn::Mul(p, p);
-  const V s = hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, Base::kLA)));
-  return hn::Add(sLog2Times<Base>(d, u.scaled), hn::Add(i.LookUp(Base::kTable.log), s));
+  const auto near = sLogNextSixteenth(d, u.m);
+  return sLogLASum<Base>(d, u.scaled, near.t, near.row);
 }
 
-// The same with a = 1 and a cubic.
+// e log(2) + log(1 + t), -1/4 <= t <= 1/2.
+template <class Base, class D, class V>
+HWY_INLINE V sLogEPSum(D d, V scaled, V t) {
+  const V s = hn::Mul(t, EvenOdd(d, t, hn::Mul(t, t), Base::kEP));
+  return hn::Add(hn::Mul(scaled, hn::Set(d, Base::kLog2)), s);
+}
+
 template <class Base, class D, class V>
 HWY_INLINE V sLogEP(D d, V x) {
   const auto u = sLogReduce(d, x);
-  const V t = hn::Sub(u.m, hn::Set(d, 1.0f));
-  const V s = hn::Mul(t, EvenOdd(d, t, hn::Mul(t, t), Base::kEP));
-  return hn::Add(hn::Mul(u.scaled, hn::Set(d, Base::kLog2)), s);
+  return sLogEPSum<Base>(d, u.scaled, hn::Sub(u.m, hn::Set(d, 1.0f)));
+}
+
+// HA computes in double: the rounding errors of the plain sum stay below one ulp of the double.
+struct sLogWideKernel : Kernel<float, double> {
+  using Rarity = RareOutside<float, 0x00800000, 0x7F7FFFFF>;
+};
+
+template <class Base, class Single, class D, class V>
+HWY_INLINE V sLogWide(D d, V x) {
+  const auto u = LogReduce<Base>(d, x);
+  const V p = hn::Mul(hn::Sub(u.m, u.row.a), u.row.factor);
+  const V p2 = hn::Mul(p, p);
+  const V head = hn::Add(hn::Mul(u.e, hn::Set(d, Base::kLog2Hi)), u.row.log);  // exact
+  const V tail = hn::Mul(u.e, hn::Set(d, Base::kLog2Lo));
+  const V s = hn::Add(p, hn::Add(hn::Mul(p2, Estrin(d, p, p2, Single::kHA)), tail));
+  return hn::Add(head, s);
+}
+
+template <class Base, class Single, class D, class V>
+HWY_INLINE V sLogHA(D d, V x) {
+  const hn::Rebind<double, D> wide;
+  return hn::DemoteTo(d, sLogWide<Base, Single>(wide, hn::PromoteTo(wide, x)));
 }
 
 }  // namespace pex::HWY_NAMESPACE
