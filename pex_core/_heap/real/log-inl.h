@@ -95,6 +95,14 @@ HWY_INLINE void LogReduce(D d, const V (&x)[K], LogReduced<D> (&r)[K]) {
   }
 }
 
+template <class Base, class D, class V>
+HWY_INLINE LogReduced<D> LogReduce(D d, V x) {
+  const V in[1] = {x};
+  LogReduced<D> r[1];
+  LogReduce<Base>(d, in, r);
+  return r[0];
+}
+
 // e log(2) + log(a) + log(1 + (m - a)/a) in full, p + p_rest standing for the polynomial's argument:
 // at most 0.53 ulp.
 template <class Base, class D, class V, size_t K>
