@@ -21,7 +21,7 @@ struct sLog1pRarity : RareOutside<float, 0x00800000, 0x7F7FFFFF> {
 
 struct sLog1pKernel : Kernel<float> {
   using Rarity = sLog1pRarity;
-  static HWY_INLINE int Rare(float x, float* r) { return Log1pRare(x, r); }
+  static HWY_INLINE int Rare(float x, float* r) { return Log1pRare(x, r, sLnScalar); }
 };
 
 // A tiny x is its own result: to nearest down to 2^-25 below it, signed zeros and subnormals without
@@ -66,7 +66,7 @@ struct sLog1pLA : sLog1pKernel {
 // 1 + x is exact in double, up to 2^53.
 struct sLog1pHA : Kernel<float, double> {
   using Rarity = sLog1pRarity;
-  static HWY_INLINE int Rare(float x, float* r) { return Log1pRare(x, r); }
+  static HWY_INLINE int Rare(float x, float* r) { return Log1pRare(x, r, sLnScalar); }
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const hn::Rebind<double, D> wide;
