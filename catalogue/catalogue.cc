@@ -30,7 +30,7 @@ struct Exported {
 
 #define PEX_ONE(Name, type, tier, symbol) \
   Exported{#Name, type, Tier::tier, #symbol, reinterpret_cast<const void*>(&symbol)},
-#define PEX_TIERED(Name, ...)             \
+#define PEX_TIERED(Name, ...)              \
   PEX_ONE(Name, 'd', EP, _pexd##Name##_26) \
   PEX_ONE(Name, 'd', LA, _pexd##Name##_50) \
   PEX_ONE(Name, 'd', HA, _pexd##Name##_HA) \
@@ -55,9 +55,8 @@ std::vector<Entry> MakeEntries() {
 }
 
 bool SameName(std::string_view a, std::string_view b) {
-  return std::ranges::equal(a, b, [](unsigned char x, unsigned char y) {
-    return std::tolower(x) == std::tolower(y);
-  });
+  return std::ranges::equal(
+      a, b, [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
 }
 
 template <typename T>
@@ -87,10 +86,14 @@ void CallAs(const Entry& e, int32_t n, const void* a, const void* b, void* r, vo
 
 double Entry::ulp_bound() const {
   switch (tier) {
-    case Tier::HA: return precision().ha;
-    case Tier::LA: return precision().la;
-    case Tier::EP: return std::ldexp(1.0, (is_double() ? 53 : 24) - static_cast<int>(precision().ep_bits));
-    case Tier::Plain: break;
+    case Tier::HA:
+      return precision().ha;
+    case Tier::LA:
+      return precision().la;
+    case Tier::EP:
+      return std::ldexp(1.0, (is_double() ? 53 : 24) - static_cast<int>(precision().ep_bits));
+    case Tier::Plain:
+      break;
   }
   return 0.5;
 }

@@ -63,10 +63,18 @@ std::string Declaration(const pex::Function& f, char type, std::string_view suff
   const std::string in = "const " + t + "* ", out = t + "* ";
   std::string arguments;
   switch (f.shape) {
-    case pex::Shape::Unary: arguments = in + "a, " + out + "r"; break;
-    case pex::Shape::Binary: arguments = in + "a, " + in + "b, " + out + "r"; break;
-    case pex::Shape::UnaryScalar: arguments = in + "a, " + t + " b, " + out + "r"; break;
-    case pex::Shape::UnaryTwo: arguments = in + "a, " + out + "r1, " + out + "r2"; break;
+    case pex::Shape::Unary:
+      arguments = in + "a, " + out + "r";
+      break;
+    case pex::Shape::Binary:
+      arguments = in + "a, " + in + "b, " + out + "r";
+      break;
+    case pex::Shape::UnaryScalar:
+      arguments = in + "a, " + t + " b, " + out + "r";
+      break;
+    case pex::Shape::UnaryTwo:
+      arguments = in + "a, " + out + "r1, " + out + "r2";
+      break;
   }
   return Wrap("PEXQUO_API int _pex" + std::string(1, type) + std::string(f.name) +
                   std::string(suffix) + "(int32_t n, " + arguments + ");",
@@ -76,7 +84,8 @@ std::string Declaration(const pex::Function& f, char type, std::string_view suff
 
 std::string Header() {
   std::string text =
-      "/* Generated from catalogue/functions.def by catalogue/make_header.cc: change the row, then\n"
+      "/* Generated from catalogue/functions.def by catalogue/make_header.cc: change the row, "
+      "then\n"
       "   run `cmake --build --preset release --target header`. Included by pexquo/pex.h. */\n"
       "#ifndef PEXQUO_PEX_FUNCTIONS_H_\n#define PEXQUO_PEX_FUNCTIONS_H_\n";
   for (const pex::Function& f : kFunctions) {
@@ -109,7 +118,8 @@ std::string Bounds(const pex::Precision& p) {
 std::string Markdown() {
   std::string text =
       "# Functions\n\nGenerated from `catalogue/functions.def` by `make_header --markdown`. Every "
-      "function takes the count first,\nthen the argument arrays a (and b), then the results; status "
+      "function takes the count first,\nthen the argument arrays a (and b), then the results; "
+      "status "
       "codes are 1 domain, 2 singularity, 3 overflow,\n4 underflow. The bounds are those that the "
       "tests hold; `docs/accuracy.md` has what was measured.\n";
   for (const pex::Function& f : kFunctions) {

@@ -22,12 +22,12 @@ KRO_API void* kro_serv_kro_malloc(size_t size, int32_t alignment);
 KRO_API void kro_serv_kro_free(void* p);
 
 /* Prints a message of the catalogue with a newline to standard error. `kind` is 1. The message ids
- * and their arguments: 735 (name, index); 736 to 741 (name); 742 to 753 (index, double). Returns the
- * number of characters printed, or -1 for an unknown message or a wrong number of arguments. */
+ * and their arguments: 735 (name, index); 736 to 741 (name); 742 to 753 (index, double). Returns
+ * the number of characters printed, or -1 for an unknown message or a wrong number of arguments. */
 KRO_API int kro_serv_kro_print(int32_t kind, int32_t message_id, int32_t nargs, ...);
 
-/* B := alpha op(A) B or alpha B op(A), A triangular: the Level 3 BLAS operations DTRMM and STRMM, by
- * their usual arguments, column-major, all by reference. */
+/* B := alpha op(A) B or alpha B op(A), A triangular: the Level 3 BLAS operations DTRMM and STRMM,
+ * by their usual arguments, column-major, all by reference. */
 KRO_API void kro_blas4pex_dtrmm(const char* side, const char* uplo, const char* transa,
                                 const char* diag, const int32_t* m, const int32_t* n,
                                 const double* alpha, const double* a, const int32_t* lda, double* b,

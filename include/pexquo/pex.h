@@ -1,9 +1,10 @@
 /* pexquo: elementwise mathematical functions over arrays, with the same bits on every processor.
  *
- * Every function takes the number of elements first, then the argument arrays in mathematical order,
- * then the result arrays; results may overwrite arguments. A count of 0 or less does nothing.
- * Special elements are reported one by one through the calling thread's mode, status and callback.
- * The functions themselves are declared in pexquo/pex_functions.h, which this header includes. */
+ * Every function takes the number of elements first, then the argument arrays in mathematical
+ * order, then the result arrays; results may overwrite arguments. A count of 0 or less does
+ * nothing. Special elements are reported one by one through the calling thread's mode, status and
+ * callback. The functions themselves are declared in pexquo/pex_functions.h, which this header
+ * includes. */
 #ifndef PEXQUO_PEX_H_
 #define PEXQUO_PEX_H_
 
@@ -84,9 +85,9 @@ PEXQUO_API int dll_cpu_version(void);
 
 /* ---- Reporting one element. ---- */
 
-/* Records the status, and by the thread's mode calls the callback, sets errno, prints, raises flags;
- * then writes the record's results back to r2[index] and r1[index]. One-argument functions pass the
- * same array twice, and so do one-result functions. The returned value has no meaning. */
+/* Records the status, and by the thread's mode calls the callback, sets errno, prints, raises
+ * flags; then writes the record's results back to r2[index] and r1[index]. One-argument functions
+ * pass the same array twice, and so do one-result functions. The returned value has no meaning. */
 PEXQUO_API int _pexdError(int32_t code, int32_t index, const double* a1, const double* a2,
                           double* r1, double* r2, const char* name);
 PEXQUO_API int _pexsError(int32_t code, int32_t index, const float* a1, const float* a2, float* r1,
@@ -106,8 +107,8 @@ PEXQUO_API int kro_pex_service_strlen1(const char* s);
  * nothing. Increments and indices may be negative or zero and are checked against no bound.
  *
  * Elements move one by one in ascending order of i as far as can be seen: arrays may overlap, and a
- * later element then sees what an earlier one wrote. Nothing but the elements named below is read or
- * written. No bit of a NaN changes and no exception flag is raised. All return 0. */
+ * later element then sees what an earlier one wrote. Nothing but the elements named below is read
+ * or written. No bit of a NaN changes and no exception flag is raised. All return 0. */
 
 /* y[i] = a[i * inca] */
 PEXQUO_API int _pexdPackI(int64_t n, const double* a, int64_t inca, double* y, int32_t width);

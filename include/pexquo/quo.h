@@ -22,18 +22,18 @@ extern "C" {
 /* ---- Status codes. ---- */
 
 #define QUO_OK 0
-#define QUO_BAD_METHOD (-2)             /* InitStream: unknown method */
-#define QUO_BAD_ARGUMENT (-3)           /* abstract streams: bad argument */
-#define QUO_NO_MEMORY (-4)              /* an allocation failed */
-#define QUO_NULL_FUNCTION (-5)          /* registration: a function slot is null */
-#define QUO_INVALID_BRNG (-1000)        /* no such generator or member */
+#define QUO_BAD_METHOD (-2)      /* InitStream: unknown method */
+#define QUO_BAD_ARGUMENT (-3)    /* abstract streams: bad argument */
+#define QUO_NO_MEMORY (-4)       /* an allocation failed */
+#define QUO_NULL_FUNCTION (-5)   /* registration: a function slot is null */
+#define QUO_INVALID_BRNG (-1000) /* no such generator or member */
 #define QUO_LEAPFROG_UNSUPPORTED (-1002)
 #define QUO_SKIPAHEAD_UNSUPPORTED (-1003)
-#define QUO_DIFFERENT_BRNGS (-1005)     /* state copy between different generators */
-#define QUO_BAD_STATE_SIZE (-1008)      /* registration: negative state size */
-#define QUO_BAD_WORD_SIZE (-1009)       /* registration: word size not 4, 8 or 16 */
-#define QUO_BAD_SEED_COUNT (-1010)      /* registration: seed count not positive */
-#define QUO_BAD_BIT_COUNT (-1011)       /* registration: bit count not positive */
+#define QUO_DIFFERENT_BRNGS (-1005) /* state copy between different generators */
+#define QUO_BAD_STATE_SIZE (-1008)  /* registration: negative state size */
+#define QUO_BAD_WORD_SIZE (-1009)   /* registration: word size not 4, 8 or 16 */
+#define QUO_BAD_SEED_COUNT (-1010)  /* registration: seed count not positive */
+#define QUO_BAD_BIT_COUNT (-1011)   /* registration: bit count not positive */
 
 /* ---- Identifiers of the basic generators. Members of a family: add the member's number. ---- */
 
@@ -41,11 +41,11 @@ extern "C" {
 #define QUO_BRNG_R250 0x200000
 #define QUO_BRNG_MRG32K3A 0x300000
 #define QUO_BRNG_MCG59 0x400000
-#define QUO_BRNG_WH 0x500000        /* + 0 .. 272 */
+#define QUO_BRNG_WH 0x500000 /* + 0 .. 272 */
 #define QUO_BRNG_SOBOL 0x600000
 #define QUO_BRNG_NIEDERR 0x700000
 #define QUO_BRNG_MT19937 0x800000
-#define QUO_BRNG_MT2203 0x900000    /* + 0 .. 1023 */
+#define QUO_BRNG_MT2203 0x900000 /* + 0 .. 1023 */
 #define QUO_BRNG_IABSTRACT 0xA00000
 #define QUO_BRNG_DABSTRACT 0xB00000
 #define QUO_BRNG_SABSTRACT 0xC00000
@@ -89,8 +89,9 @@ typedef struct BrngProperties {
 
 #define QUO_REGISTRY_ROWS 512
 
-/* The registry: rows by new-scheme identifier (row = (id >> 20) - 1, member = id & 0xFFFFF) with the
- * number of rows in use and of members of each row, and rows by legacy identifier (0 to 278). */
+/* The registry: rows by new-scheme identifier (row = (id >> 20) - 1, member = id & 0xFFFFF) with
+ * the number of rows in use and of members of each row, and rows by legacy identifier (0 to 278).
+ */
 QUO_API extern BrngProperties __RegBrngsNew[QUO_REGISTRY_ROWS];
 QUO_API extern BrngProperties __RegBrngs[QUO_REGISTRY_ROWS];
 QUO_API extern int32_t NRegBrngsNew;
@@ -118,8 +119,8 @@ QUO_API int32_t __quoRegisterBrng(const BrngProperties* record);
 QUO_API int32_t __quoAllocateStream(StreamState** stream, const BrngProperties* table, int32_t id,
                                     int32_t row, int32_t member);
 /* Creates and seeds a stream with n seed words. -1000 (also for the abstract identifiers), -4, or
- * the generator's own status (-1000 from a row whose generator is not there yet). After an error the
- * pointer is null or, if the generator refused, the stream: __quoDeleteStream serves both. */
+ * the generator's own status (-1000 from a row whose generator is not there yet). After an error
+ * the pointer is null or, if the generator refused, the stream: __quoDeleteStream serves both. */
 QUO_API int32_t __quoNewStreamEx(StreamState** stream, int32_t id, int32_t n,
                                  const uint32_t* params);
 /* Frees a stream with its chunks and sets the pointer to null; nothing if it is null already; 0. */
@@ -130,7 +131,8 @@ QUO_API int32_t __quoCopyStream(StreamState** copy, const StreamState* source);
 /* Copies the seedable state and the chunks into an existing stream: SeedCount words of the source,
  * as far as both streams have room, so not the multiplier that a leapfrog leaves behind. -1005
  * between different registry rows, after copying, unless the source has chunks; -4, and then the
- * destination has no chunks; -1000 if either names no generator. A copy onto itself does nothing. */
+ * destination has no chunks; -1000 if either names no generator. A copy onto itself does nothing.
+ */
 QUO_API int32_t __quoCopyStreamState(StreamState* destination, const StreamState* source);
 /* The identifier that the stream was created with. */
 QUO_API int32_t __quoGetStreamStateBrng(const StreamState* stream);
@@ -147,16 +149,17 @@ QUO_API int32_t __quoDeleteChunks(StreamState* stream);
 
 /* ---- Basic generators: congruential. ---- */
 
-#define QUO_BRNG_FUNCTIONS(G)                                                                  \
-  QUO_API int32_t __quoBRng##G##InitStream(int32_t method, StreamState* stream, int32_t n,     \
-                                           const uint32_t* params);                            \
-  QUO_API int32_t __quosBRng##G(StreamState* stream, int32_t n, float* r, float a, float b);   \
+#define QUO_BRNG_FUNCTIONS(G)                                                                   \
+  QUO_API int32_t __quoBRng##G##InitStream(int32_t method, StreamState* stream, int32_t n,      \
+                                           const uint32_t* params);                             \
+  QUO_API int32_t __quosBRng##G(StreamState* stream, int32_t n, float* r, float a, float b);    \
   QUO_API int32_t __quodBRng##G(StreamState* stream, int32_t n, double* r, double a, double b); \
   QUO_API int32_t __quoiBRng##G(StreamState* stream, int32_t n, uint32_t* r);
 
 /* x' = 1132489760 x mod 2^31 - 1. One seed word. The integer output is x, from 1 to 2^31 - 2. */
 QUO_BRNG_FUNCTIONS(MCG31M1)
-/* x' = 13^13 x mod 2^59. One or two seed words. The integer output is x, two words each, low first. */
+/* x' = 13^13 x mod 2^59. One or two seed words. The integer output is x, two words each, low first.
+ */
 QUO_BRNG_FUNCTIONS(MCG59)
 /* 273 members, each the sum modulo 1 of four multiplicative generators with primes near 2^24 as
  * moduli. Up to four seed words. The integer output is x1, x2, x3, x4, four words each. */
@@ -179,13 +182,13 @@ QUO_API uint32_t __quoiPowMod(uint32_t base, uint64_t e, uint32_t m);
 /* n uniforms on [a, b), one generator output each; rounding may give b itself. The accurate method
  * gives min(b, max(a, r)), in this order: a bound that is NaN bounds nothing, a NaN from the
  * generator stays. After a negative status nothing is clamped. */
-QUO_API int32_t _quodRngUniform(uint32_t method, StreamState* stream, int32_t n, double* r, double a,
-                                double b);
+QUO_API int32_t _quodRngUniform(uint32_t method, StreamState* stream, int32_t n, double* r,
+                                double a, double b);
 QUO_API int32_t _quosRngUniform(uint32_t method, StreamState* stream, int32_t n, float* r, float a,
                                 float b);
-/* n integers from a to b - 1: the floor of the double uniform on [a, b), generated in blocks of 1024.
- * Nothing, and 0, for n < 1. A negative status ends the call; finished blocks stay in r. What a
- * user's generator returns outside the 32-bit range becomes the nearest end, NaN 2^31 - 1. */
+/* n integers from a to b - 1: the floor of the double uniform on [a, b), generated in blocks of
+ * 1024. Nothing, and 0, for n < 1. A negative status ends the call; finished blocks stay in r. What
+ * a user's generator returns outside the 32-bit range becomes the nearest end, NaN 2^31 - 1. */
 QUO_API int32_t _quoiRngUniform(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
                                 int32_t a, int32_t b);
 /* The generator's raw output: n times its word size. */

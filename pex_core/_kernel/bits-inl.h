@@ -49,9 +49,9 @@ HWY_INLINE hn::Mask<D> MagnitudeBelow(D d, hn::Vec<D> x, T limit) {
   return hn::RebindMask(d, hn::Lt(Bits(d, hn::Abs(x)), SetBits(d, BitsOfNumber(limit))));
 }
 
-// Rare lanes by one signed integer comparison, key(x) > kLimit. Keys of several vectors are joined by
-// their maxima, so that a group costs one comparison. Limits of doubles end in 32 ones: the levels
-// without a 64-bit maximum compare high words alone.
+// Rare lanes by one signed integer comparison, key(x) > kLimit. Keys of several vectors are joined
+// by their maxima, so that a group costs one comparison. Limits of doubles end in 32 ones: the
+// levels without a 64-bit maximum compare high words alone.
 
 // Rare: high word of |x| above kHighWord (double), |x| above kHighWord (single): large numbers,
 // infinities, NaN.
@@ -72,11 +72,13 @@ struct RareOutside {
   static constexpr uint32_t kShift = 0x80000000u - static_cast<uint32_t>(kLow);
   static constexpr int32_t kTop = static_cast<int32_t>(static_cast<uint32_t>(kHigh) + kShift);
   static constexpr int64_t kLimit =
-      sizeof(T) == 8 ? static_cast<int64_t>(static_cast<uint64_t>(static_cast<uint32_t>(kTop)) << 32 | 0xFFFFFFFF)
+      sizeof(T) == 8 ? static_cast<int64_t>(
+                           static_cast<uint64_t>(static_cast<uint32_t>(kTop)) << 32 | 0xFFFFFFFF)
                      : kTop;
   template <class D>
   static HWY_INLINE BitsOf<D> Key(D d, hn::Vec<D> x) {
-    return hn::Add(Bits(d, x), SetBits(d, sizeof(T) == 8 ? static_cast<uint64_t>(kShift) << 32 : kShift));
+    return hn::Add(Bits(d, x),
+                   SetBits(d, sizeof(T) == 8 ? static_cast<uint64_t>(kShift) << 32 : kShift));
   }
 };
 
@@ -100,7 +102,8 @@ HWY_INLINE hn::Mask<D> KeyAbove(D d, BitsOf<D> key, int64_t limit) {
 #else
   // The sign of the high word is the lane's.
   const hn::Repartition<int32_t, D> d32;
-  const auto limit32 = hn::Set(d32, static_cast<int32_t>(sizeof(hn::TFromD<D>) == 8 ? limit >> 32 : limit));
+  const auto limit32 =
+      hn::Set(d32, static_cast<int32_t>(sizeof(hn::TFromD<D>) == 8 ? limit >> 32 : limit));
   const auto above = hn::VecFromMask(d32, hn::Gt(hn::BitCast(d32, key), limit32));
   return hn::MaskFromVec(hn::BitCast(d, above));
 #endif

@@ -3,13 +3,17 @@
 //
 // A kernel is a struct derived from Kernel<T, Compute> with
 //   Rarity                 a test of bits-inl.h for the lanes that Main does not handle, or instead
-//   IsRare(d, x...)        their mask. It raises no flag: Lt and its kin signal invalid on a NaN, so
+//   IsRare(d, x...)        their mask. It raises no flag: Lt and its kin signal invalid on a NaN,
+//   so
 //                          NaNs are found in the bits or by Eq;
-//   Main(d, x...)          the result of common lanes; (d, x, r1, r2) where there are two results; or
-//   MainGroup(d, x, r)     the same for arrays of several vectors, step by step for all of them: long
+//   Main(d, x...)          the result of common lanes; (d, x, r1, r2) where there are two results;
+//   or MainGroup(d, x, r)     the same for arrays of several vectors, step by step for all of them:
+//   long
 //                          chains of dependent operations then overlap;
-//   Rare(x..., T* r...)    a scalar routine: the result of one rare element; returns its status code.
-// In HWY_NAMESPACE a kernel K gets its entry's body by PEX_UNARY(double, dExp_50, dExpLA) and so on.
+//   Rare(x..., T* r...)    a scalar routine: the result of one rare element; returns its status
+//   code.
+// In HWY_NAMESPACE a kernel K gets its entry's body by PEX_UNARY(double, dExp_50, dExpLA) and so
+// on.
 
 #include <cstdint>
 
@@ -39,10 +43,11 @@ struct Kernel {
   static constexpr int kArguments = 1;
   static constexpr int kResults = 1;
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;  // vectors per group
-  static constexpr T kHarmless = T(1);   // stands in for rare lanes and for lanes beyond the end
+  static constexpr T kHarmless = T(1);  // stands in for rare lanes and for lanes beyond the end
 };
 
-// The first `count` elements, 0 < count < Lanes(d), and `fill` in the other lanes. Reads no further.
+// The first `count` elements, 0 < count < Lanes(d), and `fill` in the other lanes. Reads no
+// further.
 template <class D, typename T = hn::TFromD<D>>
 HWY_INLINE VecOf<D> LoadFirst(D d, const T* HWY_RESTRICT from, size_t count, T fill) {
 #if HWY_TARGET == HWY_SSE4  // its masked load reads the whole vector
@@ -50,7 +55,8 @@ HWY_INLINE VecOf<D> LoadFirst(D d, const T* HWY_RESTRICT from, size_t count, T f
   if constexpr (sizeof(T) == 8) {
     return VecOf<D>{_mm_set_pd(fill, from[0])};
   } else {
-    return VecOf<D>{_mm_set_ps(fill, count > 2 ? from[2] : fill, count > 1 ? from[1] : fill, from[0])};
+    return VecOf<D>{
+        _mm_set_ps(fill, count > 2 ? from[2] : fill, count > 1 ? from[1] : fill, from[0])};
   }
 #else
   const auto mask = hn::FirstN(d, count);
@@ -99,9 +105,13 @@ struct Call {
 };
 
 template <class K, class D>
-inline constexpr bool HasMainGroup = requires(D d, VecOf<D> (&v)[1]) { K::MainGroup(d, v, v); };
+inline constexpr bool HasMainGroup = requires(D d, VecOf<D> (&v)[1]) {
+  K::MainGroup(d, v, v);
+};
 template <class K>
-inline constexpr bool HasRarity = requires { typename K::Rarity; };
+inline constexpr bool HasRarity = requires {
+  typename K::Rarity;
+};
 
 template <class K, class D, class V>
 HWY_INLINE MaskOf<D> RareLanes(D d, V x, V y) {
@@ -227,7 +237,8 @@ HWY_INLINE bool CommonGroup(const C& call, size_t i) {
     x[k] = call.a.Load(d, i + k * lanes);
     y[k] = K::kArguments == 2 ? call.b.Load(d, i + k * lanes) : x[k];
   }
-  if (AnyRare<K, kVectors>(d, x, y)) [[unlikely]] return false;
+  if (AnyRare<K, kVectors>(d, x, y)) [[unlikely]]
+    return false;
   if constexpr (HasMainGroup<K, decltype(d)>) {
     K::MainGroup(d, x, x);
   } else {
@@ -245,7 +256,8 @@ HWY_INLINE bool CommonGroup(const C& call, size_t i) {
   return true;
 }
 
-// One vector of `count` elements without rare lanes; false, with nothing done, when some lane is rare.
+// One vector of `count` elements without rare lanes; false, with nothing done, when some lane is
+// rare.
 template <class K, class C>
 HWY_INLINE bool CommonVector(const C& call, size_t i, size_t count) {
   const typename K::Tag d;
@@ -255,7 +267,8 @@ HWY_INLINE bool CommonVector(const C& call, size_t i, size_t count) {
   if constexpr (K::kArguments == 2) {
     y = whole ? call.b.Load(d, i) : call.b.LoadTail(d, i, count, K::kHarmless);
   }
-  if (AnyRare<K, 1>(d, &x, &y)) [[unlikely]] return false;
+  if (AnyRare<K, 1>(d, &x, &y)) [[unlikely]]
+    return false;
   auto v1 = x, v2 = x;
   Compute<K>(d, x, y, v1, v2);
   StoreResults<K>(d, call, i, count, v1, v2);
@@ -270,12 +283,14 @@ HWY_INLINE int RunCall(int32_t n, const C& call) {
   const size_t end = n > 0 ? static_cast<size_t>(n) : 0;
   size_t i = 0;
   for (; i + group <= end; i += group) {
-    if (CommonGroup<K, K::kUnroll>(call, i)) [[likely]] continue;
+    if (CommonGroup<K, K::kUnroll>(call, i)) [[likely]]
+      continue;
     for (size_t k = 0; k < group; k += lanes) CarefulVector<K>(call, i + k, lanes);
   }
   for (; i < end; i += lanes) {
     const size_t count = HWY_MIN(lanes, end - i);
-    if (!CommonVector<K>(call, i, count)) [[unlikely]] CarefulVector<K>(call, i, count);
+    if (!CommonVector<K>(call, i, count)) [[unlikely]]
+      CarefulVector<K>(call, i, count);
   }
   return 0;
 }
@@ -305,12 +320,12 @@ HWY_INLINE int MapUnaryTwo(int32_t n, const T* a, T* r1, T* r2, const char* name
 // The bodies that PEX_EXPORT_* dispatches to.
 #define PEX_UNARY(T, body, K) \
   int body(int32_t n, const T* a, T* r) { return MapUnary<K>(n, a, r, _PEX_THISFUNC_NAME); }
-#define PEX_BINARY(T, body, K)                               \
-  int body(int32_t n, const T* a, const T* b, T* r) {        \
-    return MapBinary<K>(n, a, b, r, _PEX_THISFUNC_NAME);     \
+#define PEX_BINARY(T, body, K)                           \
+  int body(int32_t n, const T* a, const T* b, T* r) {    \
+    return MapBinary<K>(n, a, b, r, _PEX_THISFUNC_NAME); \
   }
-#define PEX_UNARY_SCALAR(T, body, K)                         \
-  int body(int32_t n, const T* a, T b, T* r) {               \
+#define PEX_UNARY_SCALAR(T, body, K)                          \
+  int body(int32_t n, const T* a, T b, T* r) {                \
     return MapUnaryScalar<K>(n, a, b, r, _PEX_THISFUNC_NAME); \
   }
 #define PEX_UNARY_TWO(T, body, K)                            \

@@ -65,8 +65,8 @@ HWY_INLINE Pair<V> TwoProduct(D d, V a, V b) {
 #endif
 }
 
-// (a.hi + a.lo) + b for |a.hi| >= |b| or a.hi = 0. The error is at most 2 u^2 (|a| + |b|), u half an
-// ulp of 1: twice the working precision, unless the sum cancels.
+// (a.hi + a.lo) + b for |a.hi| >= |b| or a.hi = 0. The error is at most 2 u^2 (|a| + |b|), u half
+// an ulp of 1: twice the working precision, unless the sum cancels.
 template <class V>
 HWY_INLINE Pair<V> AddFast(Pair<V> a, V b) {
   const Pair<V> s = FastTwoSum(a.hi, b);

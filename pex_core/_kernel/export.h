@@ -1,6 +1,6 @@
-// Exported entries: the caller's floating-point control is put aside, then the call goes to the body
-// compiled for the processor's vector level. The body is reached through a pointer, so no arithmetic
-// of it moves across the change of control.
+// Exported entries: the caller's floating-point control is put aside, then the call goes to the
+// body compiled for the processor's vector level. The body is reached through a pointer, so no
+// arithmetic of it moves across the change of control.
 //
 // Used under HWY_ONCE inside namespace pex, once for each body defined in HWY_NAMESPACE.
 #ifndef PEX_CORE__KERNEL_EXPORT_H_
@@ -9,30 +9,27 @@
 #include "pex_core/_kernel/control.h"
 #include "pexquo/pex.h"
 
-#define PEX_EXPORT_BODY(body, parameters, arguments)             \
-  HWY_EXPORT(body);                                              \
-  extern "C" PEXQUO_API int _pex##body parameters {              \
-    const ControlGuard guard;                                    \
-    return HWY_DYNAMIC_DISPATCH(body) arguments;                 \
+#define PEX_EXPORT_BODY(body, parameters, arguments) \
+  HWY_EXPORT(body);                                  \
+  extern "C" PEXQUO_API int _pex##body parameters {  \
+    const ControlGuard guard;                        \
+    return HWY_DYNAMIC_DISPATCH(body) arguments;     \
   }
 
 // The same with the caller's control word in force: entries that are the hardware's operations.
-#define PEX_EXPORT_HARDWARE_BODY(body, parameters, arguments)    \
-  HWY_EXPORT(body);                                              \
-  extern "C" PEXQUO_API int _pex##body parameters {              \
-    return HWY_DYNAMIC_DISPATCH(body) arguments;                 \
-  }
+#define PEX_EXPORT_HARDWARE_BODY(body, parameters, arguments) \
+  HWY_EXPORT(body);                                           \
+  extern "C" PEXQUO_API int _pex##body parameters { return HWY_DYNAMIC_DISPATCH(body) arguments; }
 
 // The same with the rounding mode to nearest and without flushing, exceptions masked as they are.
-#define PEX_EXPORT_ROUNDING_BODY(body, parameters, arguments)    \
-  HWY_EXPORT(body);                                              \
-  extern "C" PEXQUO_API int _pex##body parameters {              \
-    const RoundingGuard guard;                                   \
-    return HWY_DYNAMIC_DISPATCH(body) arguments;                 \
+#define PEX_EXPORT_ROUNDING_BODY(body, parameters, arguments) \
+  HWY_EXPORT(body);                                           \
+  extern "C" PEXQUO_API int _pex##body parameters {           \
+    const RoundingGuard guard;                                \
+    return HWY_DYNAMIC_DISPATCH(body) arguments;              \
   }
 
-#define PEX_EXPORT_UNARY(T, body) \
-  PEX_EXPORT_BODY(body, (int32_t n, const T* a, T* r), (n, a, r))
+#define PEX_EXPORT_UNARY(T, body) PEX_EXPORT_BODY(body, (int32_t n, const T* a, T* r), (n, a, r))
 #define PEX_EXPORT_BINARY(T, body) \
   PEX_EXPORT_BODY(body, (int32_t n, const T* a, const T* b, T* r), (n, a, b, r))
 #define PEX_EXPORT_UNARY_SCALAR(T, body) \

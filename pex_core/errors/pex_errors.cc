@@ -27,14 +27,26 @@ constexpr uint64_t _pexdSpecialTab[6] = {0x0000000100100000, 0xFFFFFFFF7FEFFFFF,
 
 void SetErrno(int32_t code) {
   switch (code) {
-    case PEX_STATUS_OK: errno = 0; break;
-    case PEX_STATUS_DOMAIN: errno = EDOM; break;
+    case PEX_STATUS_OK:
+      errno = 0;
+      break;
+    case PEX_STATUS_DOMAIN:
+      errno = EDOM;
+      break;
     case PEX_STATUS_SINGULARITY:
     case PEX_STATUS_OVERFLOW:
-    case PEX_STATUS_UNDERFLOW: errno = ERANGE; break;
-    case PEX_STATUS_BAD_SIZE: errno = EINVAL; break;
-    case PEX_STATUS_BAD_MEM: errno = EACCES; break;
-    default: errno = EFAULT; break;
+    case PEX_STATUS_UNDERFLOW:
+      errno = ERANGE;
+      break;
+    case PEX_STATUS_BAD_SIZE:
+      errno = EINVAL;
+      break;
+    case PEX_STATUS_BAD_MEM:
+      errno = EACCES;
+      break;
+    default:
+      errno = EFAULT;
+      break;
   }
 }
 
@@ -62,10 +74,16 @@ void PrintValues(const PexErrorContext& record) {
 void PrintLines(const PexErrorContext& record) {
   const PrintableName name(record);
   switch (record.code) {
-    case PEX_STATUS_OK: return;
-    case PEX_STATUS_BAD_SIZE: kro_serv_kro_print(1, 735, 2, name.text, record.index); return;
-    case PEX_STATUS_BAD_MEM: kro_serv_kro_print(1, 736, 1, name.text); return;
-    default: break;
+    case PEX_STATUS_OK:
+      return;
+    case PEX_STATUS_BAD_SIZE:
+      kro_serv_kro_print(1, 735, 2, name.text, record.index);
+      return;
+    case PEX_STATUS_BAD_MEM:
+      kro_serv_kro_print(1, 736, 1, name.text);
+      return;
+    default:
+      break;
   }
   const bool known = record.code >= PEX_STATUS_DOMAIN && record.code <= PEX_STATUS_UNDERFLOW;
   kro_serv_kro_print(1, known ? 736 + record.code : 741, 1, name.text);
@@ -87,11 +105,20 @@ void RaiseFlags(int32_t code) {
   for (int i = 0; i < 6; ++i) operand[i] = std::bit_cast<double>(_pexdSpecialTab[i]);
   volatile double sink;
   switch (code) {
-    case PEX_STATUS_DOMAIN: sink = operand[2] / operand[2]; break;
-    case PEX_STATUS_SINGULARITY: sink = operand[3] / operand[2]; break;
-    case PEX_STATUS_OVERFLOW: sink = operand[1] * operand[1]; break;
-    case PEX_STATUS_UNDERFLOW: sink = operand[0] * operand[0]; break;
-    default: return;
+    case PEX_STATUS_DOMAIN:
+      sink = operand[2] / operand[2];
+      break;
+    case PEX_STATUS_SINGULARITY:
+      sink = operand[3] / operand[2];
+      break;
+    case PEX_STATUS_OVERFLOW:
+      sink = operand[1] * operand[1];
+      break;
+    case PEX_STATUS_UNDERFLOW:
+      sink = operand[0] * operand[0];
+      break;
+    default:
+      return;
   }
   static_cast<void>(sink);
 }

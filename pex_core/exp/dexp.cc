@@ -22,8 +22,8 @@ struct ExpReduced {
   VecOf<D> kd, x;
 };
 
-// Adding 2^-300 changes no x above 2^-246, and the result of no smaller one; it keeps the products of
-// tiny numbers from underflow.
+// Adding 2^-300 changes no x above 2^-246, and the result of no smaller one; it keeps the products
+// of tiny numbers from underflow.
 template <class D, class V>
 HWY_INLINE ExpReduced<D> ExpReduce(D d, V x, double steps_over_ln2) {
   const V shifter = hn::Set(d, 0x1.8p52);  // leaves the rounded integer in the low bits
@@ -32,8 +32,8 @@ HWY_INLINE ExpReduced<D> ExpReduce(D d, V x, double steps_over_ln2) {
   return {Bits(d, kf), hn::Sub(kf, shifter), x};
 }
 
-// y 2^(k >> kSteps) for y from 1/2 to 4, by an addition to the exponent: exact, and no product with a
-// tiny power of two ever underflows on the way.
+// y 2^(k >> kSteps) for y from 1/2 to 4, by an addition to the exponent: exact, and no product with
+// a tiny power of two ever underflows on the way.
 template <int kSteps, class D, class V>
 HWY_INLINE V ScaleByPower(D d, V y, BitsOf<D> k) {
   const auto n = hn::And(hn::ShiftLeft<52 - kSteps>(k), SetBits(d, 0xFFF0000000000000));
@@ -54,8 +54,8 @@ struct dExpLA : Kernel<double> {
     const auto [k, kd, x1] = ExpReduce(d, x, 0x1.71547652b82fep+10);
     const V t = hn::GatherIndex(d, dExp_HA_Table, hn::And(k, SetBits(d, 1023)));
     const V r = hn::Sub(hn::Sub(x1, hn::Mul(kd, hn::Set(d, kL1))), hn::Mul(kd, hn::Set(d, kL2)));
-    const V c = hn::Add(hn::Mul(hn::Set(d, 0x1.5555555555556p-3), r),
-                        hn::Set(d, 0x1.0000001ebfbep-1));
+    const V c =
+        hn::Add(hn::Mul(hn::Set(d, 0x1.5555555555556p-3), r), hn::Set(d, 0x1.0000001ebfbep-1));
     const V p = hn::Add(hn::Mul(hn::Mul(c, r), r), r);
     return ScaleByPower<10>(d, hn::Add(hn::Mul(t, p), t), k);
   }
@@ -66,12 +66,12 @@ template <class D>
 HWY_INLINE VecOf<D> HalfPower(D d, BitsOf<D> k) {
 #if HWY_TARGET == HWY_AVX3
   // Permutations of registers are faster than a gather: 2^(j/128) is the product of an eighth and a
-  // hundred-and-twenty-eighth power, j = 16 a + b, and how far its rounding falls short is read from
-  // 4 bits of a word for each a.
+  // hundred-and-twenty-eighth power, j = 16 a + b, and how far its rounding falls short is read
+  // from 4 bits of a word for each a.
   const auto a = hn::ShiftRight<4>(k);
   const __m512d coarse = _mm512_permutexvar_pd(a.raw, _mm512_load_pd(dExpEighths));
-  const __m512d fine = _mm512_permutex2var_pd(_mm512_load_pd(dExpFine), k.raw,
-                                              _mm512_load_pd(dExpFine + 8));
+  const __m512d fine =
+      _mm512_permutex2var_pd(_mm512_load_pd(dExpFine), k.raw, _mm512_load_pd(dExpFine + 8));
   const __m512i shortfall = _mm512_permutexvar_epi64(a.raw, _mm512_load_epi64(dExpShortfall));
   const auto position = hn::And(hn::ShiftLeft<2>(k), SetBits(d, 60));
   const auto ulps = hn::And(BitsOf<D>{_mm512_srlv_epi64(shortfall, position.raw)}, SetBits(d, 15));
@@ -97,9 +97,9 @@ struct dExpEP : Kernel<double> {
   }
 };
 
-// 2^(k/1024) from a table with 12 bits below the double, times a quartic in |r| <= ln2/2048. A table
-// word holds the significand of the power in its low 52 bits, and above them how far the power is
-// from that double, in 2^-64 of it, plus 2048.
+// 2^(k/1024) from a table with 12 bits below the double, times a quartic in |r| <= ln2/2048. A
+// table word holds the significand of the power in its low 52 bits, and above them how far the
+// power is from that double, in 2^-64 of it, plus 2048.
 struct dExpHA : Kernel<double> {
   using Rarity = RareAbove<double, 0x4086232A>;  // |x| >= 708.39599609375
   static HWY_INLINE int Rare(double x, double* r) { return dExpScalar(x, r); }
@@ -110,10 +110,10 @@ struct dExpHA : Kernel<double> {
     const auto word = hn::GatherIndex(du, dExpPackedTable, hn::And(k, SetBits(d, 1023)));
     // 2^52 + rest + 2048, made by the bits.
     const auto rest = hn::Or(hn::ShiftRight<52>(word), hn::Set(du, 0x4330000000000000));
-    const V delta = hn::Mul(hn::Sub(hn::BitCast(d, rest), hn::Set(d, 0x1p52 + 2048)),
-                            hn::Set(d, 0x1p-64));
-    const V t = hn::BitCast(d, hn::Or(hn::And(word, hn::Set(du, 0x000FFFFFFFFFFFFF)),
-                                      hn::Set(du, 0x3FF0000000000000)));
+    const V delta =
+        hn::Mul(hn::Sub(hn::BitCast(d, rest), hn::Set(d, 0x1p52 + 2048)), hn::Set(d, 0x1p-64));
+    const V t = hn::BitCast(
+        d, hn::Or(hn::And(word, hn::Set(du, 0x000FFFFFFFFFFFFF)), hn::Set(du, 0x3FF0000000000000)));
     const V r = hn::Sub(hn::Sub(x1, hn::Mul(kd, hn::Set(d, kL1))), hn::Mul(kd, hn::Set(d, kL2)));
     const V q = Horner(d, r, kExpHA);
     const V p = hn::Add(hn::Add(hn::Mul(q, hn::Mul(r, r)), delta), r);

@@ -13,13 +13,13 @@
 namespace pex {
 namespace {
 
-constexpr double kShifter = 0x1.8p52;                 // its sum with an integer ends in that integer
-constexpr double k64OverLn2 = 0x1.71547652b82fep+6;   // 64/ln2
-constexpr double kLn2Over64Hi = 0x1.62e42fefap-7;     // ln2/64: times any k exact
+constexpr double kShifter = 0x1.8p52;                // its sum with an integer ends in that integer
+constexpr double k64OverLn2 = 0x1.71547652b82fep+6;  // 64/ln2
+constexpr double kLn2Over64Hi = 0x1.62e42fefap-7;    // ln2/64: times any k exact
 constexpr double kLn2Over64Lo = 0x1.cf79abc9e3b3ap-46;
-constexpr double kOverflow = 0x1.62e42fefa39efp+9;    // ln of the largest number, 709.78
-constexpr double kNormal = -0x1.6232bdd7abcd2p+9;     // ln of the smallest normal number, -708.39
-constexpr double kZero = -0x1.74910d52d3052p+9;       // ln of half the smallest subnormal, -745.13
+constexpr double kOverflow = 0x1.62e42fefa39efp+9;  // ln of the largest number, 709.78
+constexpr double kNormal = -0x1.6232bdd7abcd2p+9;   // ln of the smallest normal number, -708.39
+constexpr double kZero = -0x1.74910d52d3052p+9;     // ln of half the smallest subnormal, -745.13
 
 // A product that is carried out and raises its flags.
 double Raise(double a) {
@@ -41,8 +41,8 @@ Scaled ScaledExp(double x) {
   const double r = x - kd * kLn2Over64Hi - kd * kLn2Over64Lo;
   // e^r - 1 - r over r^2; relative error of e^r 2^-63 on |r| <= ln2/128.
   const double q =
-      0.5 + r * (0.1666666666665788 +
-                 r * (0.04166666666677052 + r * (0.008333341995140497 + r * 0.0013888870459233254)));
+      0.5 + r * (0.1666666666665788 + r * (0.04166666666677052 +
+                                           r * (0.008333341995140497 + r * 0.0013888870459233254)));
   const double p = r + r * r * q;
   const double* row = _pexdExpHATab[k & 63];
   return {row[0], row[1] + row[0] * p, k >> 6};

@@ -29,7 +29,8 @@ struct sExpEP : sExpCommon<> {
     const V kf = hn::Add(hn::Mul(w, hn::Set(d, 0x1.715476p+4f)), hn::Set(d, 0x1.8p23f - 23));
     const V kd = hn::Sub(kf, hn::Set(d, 0x1.8p23f));
     const auto k = Bits(d, kf);
-    const V s = FromBits(d, hn::Add(LookupSixteenth(d, sExpShiftedSixteenths, k), hn::ShiftLeft<19>(k)));
+    const V s =
+        FromBits(d, hn::Add(LookupSixteenth(d, sExpShiftedSixteenths, k), hn::ShiftLeft<19>(k)));
     return hn::Mul(s, hn::Sub(w, hn::Mul(kd, hn::Set(d, 0x1.62e43p-5f))));
   }
 };

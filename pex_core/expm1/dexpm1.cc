@@ -1,5 +1,5 @@
-// e^x - 1 in double precision: 2^n (e^r - 1) + (2^n - 1), |r| <= ln2/2. For n = 0 the second term is
-// exactly 0 and r exactly x, so small results keep their relative accuracy.
+// e^x - 1 in double precision: 2^n (e^r - 1) + (2^n - 1), |r| <= ln2/2. For n = 0 the second term
+// is exactly 0 and r exactly x, so small results keep their relative accuracy.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/expm1/dexpm1.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level

@@ -10,7 +10,8 @@
 
 namespace pex {
 
-// Where the 1 is beyond the last place of e^x, or e^x beyond that of 1. Status 3 for overflow alone.
+// Where the 1 is beyond the last place of e^x, or e^x beyond that of 1. Status 3 for overflow
+// alone.
 template <typename T>
 inline int Expm1Rare(T x, T* r, int (*exp)(T, T*)) {
   if (std::isless(x, T(0))) {  // quiet for NaN

@@ -4,8 +4,8 @@
 
 namespace pex {
 
-// The logarithm of any x with an error below 0.53 ulp, natural and decimal; returns the status code:
-// 1 for negative numbers (NaN), 2 for zeros (-inf), 0 otherwise.
+// The logarithm of any x with an error below 0.53 ulp, natural and decimal; returns the status
+// code: 1 for negative numbers (NaN), 2 for zeros (-inf), 0 otherwise.
 int dLnScalar(double x, double* r);
 int dLog10Scalar(double x, double* r);
 

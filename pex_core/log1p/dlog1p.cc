@@ -14,7 +14,8 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vdLog1p";
 
 struct dLog1pCommon : Kernel<double> {
-  // 1 + x is not from 2^-1022 to 2^999: x <= -1, NaN, and where products with 2^-e come near underflow.
+  // 1 + x is not from 2^-1022 to 2^999: x <= -1, NaN, and where products with 2^-e come near
+  // underflow.
   struct Rarity : RareOutside<double, 0x00100000, 0x7E5FFFFF> {
     template <class D>
     static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
@@ -24,8 +25,8 @@ struct dLog1pCommon : Kernel<double> {
   static HWY_INLINE int Rare(double x, double* r) { return Log1pRare(x, r, dLnScalar); }
 };
 
-// A tiny x is its own result: to nearest down to 2^-54 below it, signed zeros and subnormals without
-// a flag.
+// A tiny x is its own result: to nearest down to 2^-54 below it, signed zeros and subnormals
+// without a flag.
 inline constexpr double kTiny = 0x1p-54;
 
 // 2^-e times y, for what LogReduce found.

@@ -15,12 +15,12 @@
 namespace {
 
 // One slot's key: its destructor, and its creation through pthread_once.
-#define PEX_SLOT_KEY(Slot)                                                                    \
-  pthread_once_t Slot##_konce = PTHREAD_ONCE_INIT;                                            \
-  pthread_key_t Slot##_key;                                                                   \
-  void Slot##_destroy(void* block) { kro_serv_kro_free(block); }                              \
-  void Slot##_alloc_key() {                                                                   \
-    if (pthread_key_create(&Slot##_key, Slot##_destroy) != 0) Stop(#Slot);                    \
+#define PEX_SLOT_KEY(Slot)                                                 \
+  pthread_once_t Slot##_konce = PTHREAD_ONCE_INIT;                         \
+  pthread_key_t Slot##_key;                                                \
+  void Slot##_destroy(void* block) { kro_serv_kro_free(block); }           \
+  void Slot##_alloc_key() {                                                \
+    if (pthread_key_create(&Slot##_key, Slot##_destroy) != 0) Stop(#Slot); \
   }
 
 [[noreturn]] void Stop(const char* slot) {

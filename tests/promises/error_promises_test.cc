@@ -1,7 +1,7 @@
 // Errors that can be trusted: every special element of every entry is reported once, in order, and
 // nothing else is; no stray errno, no stray flag.
-#include <cmath>
 #include <gtest/gtest.h>
+#include <cmath>
 
 #include <cerrno>
 

@@ -1,4 +1,5 @@
-// What e^x and e^x - 1 in single precision share: argument reduction and powers of two from registers.
+// What e^x and e^x - 1 in single precision share: argument reduction and powers of two from
+// registers.
 
 #include <cstdint>
 
@@ -43,7 +44,8 @@ HWY_INLINE BitsOf<D> LookupSixteenth(D d, const int32_t* table, BitsOf<D> k) {
   return BitsOf<D>{_mm512_permutexvar_epi32(k.raw, _mm512_load_si512(table))};
 #elif HWY_TARGET == HWY_AVX2
   const auto half = reinterpret_cast<const __m256i*>(table);
-  const __m256 low = _mm256_castsi256_ps(_mm256_permutevar8x32_epi32(_mm256_load_si256(half), k.raw));
+  const __m256 low =
+      _mm256_castsi256_ps(_mm256_permutevar8x32_epi32(_mm256_load_si256(half), k.raw));
   const __m256 high =
       _mm256_castsi256_ps(_mm256_permutevar8x32_epi32(_mm256_load_si256(half + 1), k.raw));
   const __m256 upper = _mm256_castsi256_ps(hn::ShiftLeft<28>(k).raw);  // bit 3 to the sign
@@ -58,8 +60,8 @@ template <class D>
 HWY_INLINE BitsOf<D> LookupWideSixteenth(D d, const int64_t* table, BitsOf<D> k) {
 #if HWY_TARGET == HWY_AVX3
   (void)d;
-  return BitsOf<D>{_mm512_permutex2var_epi64(_mm512_load_si512(table), k.raw,
-                                             _mm512_load_si512(table + 8))};
+  return BitsOf<D>{
+      _mm512_permutex2var_epi64(_mm512_load_si512(table), k.raw, _mm512_load_si512(table + 8))};
 #else
   return hn::GatherIndex(hn::RebindToSigned<D>(), table, hn::And(k, SetBits(d, 15)));
 #endif
@@ -98,8 +100,8 @@ struct ExpWide {
 template <class D, class V>
 HWY_INLINE ExpWide<D> ExpReduceWide(D d, V x) {
   const V shifter = hn::Set(d, 0x1.8p52);
-  // 16/ln2 = 0x1.7154765p+4 + 0x1.5c17f0bbbe88p-27: the product of x and the first part is exact, so
-  // f = x 16/ln2 - k bears a relative error near 2^-53.
+  // 16/ln2 = 0x1.7154765p+4 + 0x1.5c17f0bbbe88p-27: the product of x and the first part is exact,
+  // so f = x 16/ln2 - k bears a relative error near 2^-53.
   const V y = hn::Mul(x, hn::Set(d, 0x1.7154765p+4));
   const V kf = hn::Add(y, shifter);
   const V rest = hn::Mul(x, hn::Set(d, 0x1.5c17f0bbbe88p-27));

@@ -42,8 +42,8 @@ HWY_INLINE LogRow<VecOf<D>> LogLookUp(D d, BitsOf<D> i) {
   const __m128i lower = _mm256_castsi256_si128(offset.raw);
   const __m128i upper = _mm256_extracti128_si256(offset.raw, 1);
   const auto row = [](int64_t bytes) HWY_ATTR {
-    return _mm256_load_pd(reinterpret_cast<const double*>(
-        reinterpret_cast<const char*>(Base::kRows.row) + bytes));
+    return _mm256_load_pd(
+        reinterpret_cast<const double*>(reinterpret_cast<const char*>(Base::kRows.row) + bytes));
   };
   const __m256d r0 = row(_mm_cvtsi128_si64(lower)), r1 = row(_mm_extract_epi64(lower, 1));
   const __m256d r2 = row(_mm_cvtsi128_si64(upper)), r3 = row(_mm_extract_epi64(upper, 1));
@@ -82,8 +82,8 @@ HWY_INLINE void LogReduce(D d, const V (&x)[K], LogReduced<D> (&r)[K]) {
   for (size_t k = 0; k < K; ++k) {
     const auto above = hn::Add(Bits(d, x[k]), SetBits(d, static_cast<uint64_t>(kBias - kLeastM)));
     // 2^52 + 1024 + e, made by the bits.
-    const auto biased = hn::Or(hn::ShiftRight<52>(hn::BitCast(du, above)),
-                               hn::Set(du, 0x4330000000000000));
+    const auto biased =
+        hn::Or(hn::ShiftRight<52>(hn::BitCast(du, above)), hn::Set(du, 0x4330000000000000));
     r[k].e = hn::Sub(hn::BitCast(d, biased), hn::Set(d, 0x1p52 + 1024));
     r[k].exponent_bits = hn::And(above, SetBits(d, 0xFFF0000000000000));
     r[k].m = FromBits(d, hn::Add(hn::And(above, SetBits(d, 0x000FFFFFFFFFFFFF)),
@@ -103,8 +103,8 @@ HWY_INLINE LogReduced<D> LogReduce(D d, V x) {
   return r[0];
 }
 
-// e log(2) + log(a) + log(1 + (m - a)/a) in full, p + p_rest standing for the polynomial's argument:
-// at most 0.53 ulp.
+// e log(2) + log(a) + log(1 + (m - a)/a) in full, p + p_rest standing for the polynomial's
+// argument: at most 0.53 ulp.
 template <class Base, class D, class V, size_t K>
 HWY_INLINE void LogSum(D d, const LogReduced<D> (&x)[K], const Pair<V> (&p)[K], V (&r)[K]) {
   V arg[K], square[K], q[K];
@@ -129,13 +129,14 @@ HWY_INLINE void LogPlain(D d, const LogReduced<D> (&x)[K], const V (&p)[K], cons
   for (size_t k = 0; k < K; ++k) square[k] = hn::Mul(p[k], p[k]);
   EvenOdd(d, p, square, c, q);
   for (size_t k = 0; k < K; ++k) {
-    const V head = hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x[k].row.log);
+    const V head =
+        hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x[k].row.log);
     r[k] = hn::Add(head, hn::Add(p[k], hn::Mul(square[k], q[k])));
   }
 }
 
-// The sum of LA, on a division instead of a long polynomial: log(1 + p) = p - s (p - s^2 R(s^2)) for
-// s = p/(2 + p) = t/(m + a).
+// The sum of LA, on a division instead of a long polynomial: log(1 + p) = p - s (p - s^2 R(s^2))
+// for s = p/(2 + p) = t/(m + a).
 template <class Base, class D, class V, size_t K>
 HWY_INLINE void LogByDivision(D d, const LogReduced<D> (&x)[K], const V (&t)[K], V (&r)[K]) {
   V s[K], s2[K], p[K];
@@ -144,7 +145,8 @@ HWY_INLINE void LogByDivision(D d, const LogReduced<D> (&x)[K], const V (&t)[K],
   for (size_t k = 0; k < K; ++k) s2[k] = hn::Mul(s[k], s[k]);
   for (size_t k = 0; k < K; ++k) {
     const V rest = hn::Mul(s2[k], Horner(d, s2[k], Base::kLA));
-    const V head = hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x[k].row.log);
+    const V head =
+        hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x[k].row.log);
     r[k] = hn::Add(head, hn::Sub(p[k], hn::Mul(s[k], hn::Sub(p[k], rest))));
   }
 }

@@ -1,5 +1,6 @@
-// What natural and decimal logarithms differ in: log(x) = e log(2) + log(a) + log(1 + (m - a)/a) for
-// x = 2^e m and a point a of the table; the last term is a polynomial in p = (m - a) * factor(a).
+// What natural and decimal logarithms differ in: log(x) = e log(2) + log(a) + log(1 + (m - a)/a)
+// for x = 2^e m and a point a of the table; the last term is a polynomial in p = (m - a) *
+// factor(a).
 #ifndef PEX_CORE__HEAP_REAL_LOG_CONSTANTS_H_
 #define PEX_CORE__HEAP_REAL_LOG_CONSTANTS_H_
 
@@ -27,13 +28,13 @@ constexpr LogRows ByRows(const LogTable& t) {
 inline constexpr LogRows kLnRows = ByRows(kLnTable);
 inline constexpr LogRows kLog10Rows = ByRows(kLog10Table);
 
-// log2_hi is a multiple of 2^-42, so that its product with an exponent, and the sum with log(a), are
-// exact; log2_lo the rest of log(2).
+// log2_hi is a multiple of 2^-42, so that its product with an exponent, and the sum with log(a),
+// are exact; log2_lo the rest of log(2).
 struct NaturalLog {
   static constexpr bool kHasRest = false;  // every factor is good to 2^-58
   static constexpr const LogTable& kTable = kLnTable;
   static constexpr const LogRows& kRows = kLnRows;
-  static constexpr double kLog2Hi = 0x1.62e42fefa38p-1;    // ln 2
+  static constexpr double kLog2Hi = 0x1.62e42fefa38p-1;  // ln 2
   static constexpr double kLog2Lo = 0x1.ef35793c7673p-45;
   static constexpr auto& kPolynomial = kLn;
   static constexpr auto& kLA = kLnLA;
@@ -43,7 +44,7 @@ struct DecimalLog {
   static constexpr bool kHasRest = true;
   static constexpr const LogTable& kTable = kLog10Table;
   static constexpr const LogRows& kRows = kLog10Rows;
-  static constexpr double kLog2Hi = 0x1.34413509f8p-2;    // log10 2
+  static constexpr double kLog2Hi = 0x1.34413509f8p-2;  // log10 2
   static constexpr double kLog2Lo = -0x1.80433b83b532ap-44;
   static constexpr auto& kPolynomial = kLog10;
   static constexpr auto& kLA = kLog10LA;
