@@ -29,11 +29,11 @@ struct dLog1pCommon : Kernel<double> {
 // without a flag.
 inline constexpr double kTiny = 0x1p-54;
 
-// 2^-e times y, for what LogReduce found.
-template <class D, class V>
-HWY_INLINE V ScaleLike(D d, const LogReduced<D>& u, V y) {
+// 2^-e, for what LogReduce found.
+template <class D>
+HWY_INLINE VecOf<D> InversePower(D d, const LogReduced<D>& u) {
   const auto one = SetBits(d, static_cast<uint64_t>(BitsOfNumber(1.0) + kBias));
-  return hn::Mul(y, FromBits(d, hn::Sub(one, u.exponent_bits)));
+  return FromBits(d, hn::Sub(one, u.exponent_bits));
 }
 
 // Without the rounding error of u: below 2^-26 x itself is as good.
@@ -49,22 +49,19 @@ struct dLog1pEP : dLog1pCommon {
   }
 };
 
-// For x above 1 the error of u found by one difference is itself off by half an ulp of u, less than
-// the rounding of the result.
+// t = 2^-e (1 + x) - a as (2^-e - a) + 2^-e x: the rounding of 1 + x serves the index alone.
 struct dLog1pLA : dLog1pCommon {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     const V one = hn::Set(d, 1.0);
     LogReduced<D> v[K];
     V u[K], t[K], log[K];
-    for (size_t k = 0; k < K; ++k) {
-      t[k] = hn::IfThenZeroElse(MagnitudeBelow(d, x[k], kTiny), x[k]);
-      u[k] = hn::Add(t[k], one);
-      t[k] = hn::Sub(t[k], hn::Sub(u[k], one));
-    }
+    for (size_t k = 0; k < K; ++k) u[k] = hn::Add(x[k], one);
     LogReduce<NaturalLog>(d, u, v);
     for (size_t k = 0; k < K; ++k) {
-      t[k] = hn::Add(hn::Sub(v[k].m, v[k].row.a), ScaleLike(d, v[k], t[k]));
+      const V scale = InversePower(d, v[k]);
+      const V y = hn::Add(hn::Sub(scale, v[k].row.a), hn::Mul(x[k], scale));
+      t[k] = hn::IfThenZeroElse(MagnitudeBelow(d, x[k], kTiny), y);
     }
     LogByDivision<NaturalLog>(d, v, t, log);
     for (size_t k = 0; k < K; ++k) {
@@ -88,7 +85,7 @@ struct dLog1pHA : dLog1pCommon {
     }
     LogReduce<NaturalLog>(d, u, v);
     for (size_t k = 0; k < K; ++k) {
-      const Pair<V> t = TwoSum(hn::Sub(v[k].m, v[k].row.a), ScaleLike(d, v[k], u_rest[k]));
+      const Pair<V> t = TwoSum(hn::Sub(v[k].m, v[k].row.a), hn::Mul(InversePower(d, v[k]), u_rest[k]));
       p[k] = TwoProduct(d, t.hi, v[k].row.factor);
       p[k].lo = hn::Add(p[k].lo, hn::Mul(t.lo, v[k].row.factor));
     }
