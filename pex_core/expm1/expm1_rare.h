@@ -6,8 +6,8 @@
 
 namespace pex {
 
-// For |x| > 87, infinities and NaN: -1 below, e^x itself above, where 1 is far below half an ulp.
-// Status 3 for overflow (inf), 0 otherwise.
+// For x below -60 or above 88, infinities and NaN: -1 below, e^x itself above, where 1 is far below
+// half an ulp. Status 3 for overflow (inf), 0 otherwise.
 inline int sExpm1Rare(float x, float* r) {
   if (x < 0.0f) {
     *r = -1.0f;

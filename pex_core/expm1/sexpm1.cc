@@ -25,8 +25,9 @@ struct sExpm1Common : Kernel<float, Compute> {
   static HWY_INLINE int Rare(float x, float* r) { return sExpm1Rare(x, r); }
 };
 
-// k = round(x 8/ln2) in the low bits, and 2^24 k. Factors of 2^24 here and 2^28 in the polynomial keep
-// the products of tiny arguments from underflow: their result is the argument itself, without a flag.
+// k = round(x 8/ln2) in the low bits, and 2^24 k. Factors of 2^24 here and 2^28 in the polynomial
+// keep the products of tiny arguments from underflow: their result is the argument itself, without
+// a flag.
 template <class D>
 struct Eighths {
   BitsOf<D> k;
@@ -40,7 +41,8 @@ HWY_INLINE Eighths<D> NearestEighth(D d, V x) {
   return {Bits(d, kf), hn::Sub(kf, shifter)};
 }
 
-// (s - 1) + s p for s = 2^(k/8) and p given as p 2^kScale. A difference, for it keeps the sign of zero.
+// (s - 1) + s p for s = 2^(k/8) and p given as p 2^kScale. A difference, for it keeps the sign of
+// zero.
 template <int kScale, class D, class V>
 HWY_INLINE V Assemble(D d, BitsOf<D> k, V p) {
   const auto table = reinterpret_cast<const float*>(sExpShiftedEighths);
@@ -49,7 +51,7 @@ HWY_INLINE V Assemble(D d, BitsOf<D> k, V p) {
   return hn::Sub(hn::Mul(scaled, p), hn::Sub(hn::Set(d, 1.0f), FromBits(d, s)));
 }
 
-// 2 (e^r - 1) as r (2 + r), |r| <= ln2/16.
+// 2 (e^r - 1) as r (2 + r), |r| <= ln2/16. EPBITS.
 struct sExpm1EP : sExpm1Common<> {
   static constexpr int kUnroll = 8;
   template <class D, class V>
@@ -61,13 +63,15 @@ struct sExpm1EP : sExpm1Common<> {
 };
 
 // e^r - 1 as a quartic, |r| <= ln2/16. Near zero s - 1 asks for more bits of s than it has: what is
-// missing, in relation to s, is added to r.
+// missing, in relation to s, is added to r. Largest error LAULP.
 struct sExpm1LA : sExpm1Common<> {
   static constexpr int kUnroll = 8;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const auto [k, kd] = NearestEighth(d, x);
-    const V rest = hn::Sub(hn::Mul(kd, hn::Set(d, 0x1.0bfbe8p-42f)), LookupEighth(d, sExpEighthsRest, k));
+    // ln2/8 = 0x1.62ep-4 + 0x1.0bfbe8p-18, the product of k and the first part exact.
+    const V rest =
+        hn::Sub(hn::Mul(kd, hn::Set(d, 0x1.0bfbe8p-42f)), LookupEighth(d, sExpEighthsRest, k));
     const V r = hn::Sub(hn::Sub(x, hn::Mul(kd, hn::Set(d, 0x1.62ep-28f))), rest);
     const auto c = [&](int i) HWY_ATTR { return hn::Set(d, 0x1p28f * sExpm1LAPolynomial[i]); };
     const V q = hn::Add(hn::Mul(hn::Add(hn::Mul(c(2), r), c(1)), r), c(0));
@@ -75,7 +79,8 @@ struct sExpm1LA : sExpm1Common<> {
   }
 };
 
-// In double precision, where nothing underflows; a zero's sign is put back.
+// In double precision, where nothing underflows; a zero's sign is put back. Correctly rounded for
+// all floats.
 struct sExpm1HA : sExpm1Common<double> {
   static constexpr int kUnroll = 4;
   template <class D, class V>
