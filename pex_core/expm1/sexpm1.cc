@@ -51,7 +51,7 @@ HWY_INLINE V Assemble(D d, BitsOf<D> k, V p) {
   return hn::Sub(hn::Mul(scaled, p), hn::Sub(hn::Set(d, 1.0f), FromBits(d, s)));
 }
 
-// 2 (e^r - 1) as r (2 + r), |r| <= ln2/16.
+// 2 (e^r - 1) as r (2 + r), |r| <= ln2/16. EPBITS.
 struct sExpm1EP : sExpm1Common<> {
   static constexpr int kUnroll = 8;
   template <class D, class V>
@@ -63,12 +63,13 @@ struct sExpm1EP : sExpm1Common<> {
 };
 
 // e^r - 1 as a quartic, |r| <= ln2/16. Near zero s - 1 asks for more bits of s than it has: what is
-// missing, in relation to s, is added to r.
+// missing, in relation to s, is added to r. Largest error LAULP.
 struct sExpm1LA : sExpm1Common<> {
   static constexpr int kUnroll = 8;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const auto [k, kd] = NearestEighth(d, x);
+    // ln2/8 = 0x1.62ep-4 + 0x1.0bfbe8p-18, the product of k and the first part exact.
     const V rest =
         hn::Sub(hn::Mul(kd, hn::Set(d, 0x1.0bfbe8p-42f)), LookupEighth(d, sExpEighthsRest, k));
     const V r = hn::Sub(hn::Sub(x, hn::Mul(kd, hn::Set(d, 0x1.62ep-28f))), rest);
@@ -78,7 +79,8 @@ struct sExpm1LA : sExpm1Common<> {
   }
 };
 
-// In double precision, where nothing underflows; a zero's sign is put back.
+// In double precision, where nothing underflows; a zero's sign is put back. Correctly rounded for
+// all floats.
 struct sExpm1HA : sExpm1Common<double> {
   static constexpr int kUnroll = 4;
   template <class D, class V>

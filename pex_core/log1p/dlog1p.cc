@@ -49,7 +49,8 @@ struct dLog1pEP : dLog1pCommon {
   }
 };
 
-// t = 2^-e (1 + x) - a as (2^-e - a) + 2^-e x: the rounding of 1 + x serves the index alone.
+// t = 2^-e (1 + x) - a as (2^-e - a) + 2^-e x, without the rounding of 1 + x, where it has one: below
+// -1/2 it is exact, and 2^-e too large.
 struct dLog1pLA : dLog1pCommon {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
@@ -60,7 +61,8 @@ struct dLog1pLA : dLog1pCommon {
     LogReduce<NaturalLog>(d, u, v);
     for (size_t k = 0; k < K; ++k) {
       const V scale = InversePower(d, v[k]);
-      const V y = hn::Add(hn::Sub(scale, v[k].row.a), hn::Mul(x[k], scale));
+      const V sum = hn::Add(hn::Sub(scale, v[k].row.a), hn::Mul(x[k], scale));
+      const V y = hn::IfThenElse(hn::Lt(x[k], hn::Set(d, -0.5)), hn::Sub(v[k].m, v[k].row.a), sum);
       t[k] = hn::IfThenZeroElse(MagnitudeBelow(d, x[k], kTiny), y);
     }
     LogByDivision<NaturalLog>(d, v, t, log);

@@ -67,31 +67,9 @@ HWY_INLINE BitsOf<D> LookupWideSixteenth(D d, const int64_t* table, BitsOf<D> k)
 #endif
 }
 
-// x = k ln2/8 + r, |r| <= ln2/16.
-template <class D>
-struct ExpEighths {
-  BitsOf<D> k;  // in the low bits of each lane; other bits are of no use
-  VecOf<D> r;
-};
-
-// ln2/8 = 0x1.62ep-4 + 0x1.0bfbe8p-18, the product of k and the first part exact.
-template <class D, class V>
-HWY_INLINE ExpEighths<D> ExpReduceEighths(D d, V x) {
-  const V shifter = hn::Set(d, 0x1.8p23f);  // leaves the rounded integer in the low bits
-  const V kf = hn::Add(hn::Mul(x, hn::Set(d, 0x1.715476p+3f)), shifter);  // 8/ln2
-  const V kd = hn::Sub(kf, shifter);
-  const V r = hn::Sub(x, hn::Mul(kd, hn::Set(d, 0x1.62ep-4f)));
-  return {Bits(d, kf), hn::Sub(r, hn::Mul(kd, hn::Set(d, 0x1.0bfbe8p-18f)))};
-}
-
-// e^r - 1 for |r| <= ln2/16.
-template <class D, class V>
-HWY_INLINE V Expm1Eighth(D d, V r) {
-  const V c = hn::Add(hn::Mul(hn::Set(d, sExpLAPolynomial[1]), r), hn::Set(d, sExpLAPolynomial[0]));
-  return hn::Add(hn::Mul(hn::Mul(c, r), r), r);
-}
-
-// e^x = s + s p, s a power of 2^(1/16), in double precision for x that were single.
+// e^x = s + s p, s a power of 2^(1/16), in double precision for x that were single. The relative
+// error is a few 2^-53, the coefficients such that e^x and e^x - 1 come out rightly rounded for
+// every float.
 template <class D>
 struct ExpWide {
   VecOf<D> s, p;
@@ -99,13 +77,12 @@ struct ExpWide {
 
 template <class D, class V>
 HWY_INLINE ExpWide<D> ExpReduceWide(D d, V x) {
-  const V shifter = hn::Set(d, 0x1.8p52);
   // 16/ln2 = 0x1.7154765p+4 + 0x1.5c17f0bbbe88p-27: the product of x and the first part is exact,
   // so f = x 16/ln2 - k bears a relative error near 2^-53.
   const V y = hn::Mul(x, hn::Set(d, 0x1.7154765p+4));
-  const V kf = hn::Add(y, shifter);
+  const V kf = hn::Add(y, hn::Set(d, 0x1.8p52));  // leaves the rounded integer in the low bits
   const V rest = hn::Mul(x, hn::Set(d, 0x1.5c17f0bbbe88p-27));
-  const V f = hn::Add(hn::Sub(y, hn::Sub(kf, shifter)), rest);
+  const V f = hn::Add(hn::Sub(y, hn::Round(y)), rest);
   const auto k = Bits(d, kf);
   const auto s = hn::Add(LookupWideSixteenth(d, sExpShiftedSixteenthsHA, k), hn::ShiftLeft<48>(k));
   const V f2 = hn::Mul(f, f);
