@@ -25,6 +25,23 @@ struct LogRow {
   V a, factor, log, rest;
 };
 
+#if HWY_TARGET == HWY_AVX2
+// Whole rows by lane, then a transposition: cheaper than a gather for each column.
+template <class Base, class D>
+HWY_INLINE LogRow<VecOf<D>> LogRowsOf(D, uint64_t i0, uint64_t i1, uint64_t i2, uint64_t i3) {
+  using V = VecOf<D>;
+  constexpr auto& rows = Base::kRows.row;
+  const __m256d r0 = _mm256_load_pd(rows[i0]), r1 = _mm256_load_pd(rows[i1]);
+  const __m256d r2 = _mm256_load_pd(rows[i2]), r3 = _mm256_load_pd(rows[i3]);
+  const __m256d even01 = _mm256_unpacklo_pd(r0, r1), odd01 = _mm256_unpackhi_pd(r0, r1);
+  const __m256d even23 = _mm256_unpacklo_pd(r2, r3), odd23 = _mm256_unpackhi_pd(r2, r3);
+  return {V{_mm256_permute2f128_pd(even01, even23, 0x20)},
+          V{_mm256_permute2f128_pd(odd01, odd23, 0x20)},
+          V{_mm256_permute2f128_pd(even01, even23, 0x31)},
+          V{_mm256_permute2f128_pd(odd01, odd23, 0x31)}};
+}
+#endif
+
 // Rows `i & 15`.
 template <class Base, class D>
 HWY_INLINE LogRow<VecOf<D>> LogLookUp(D d, BitsOf<D> i) {
@@ -37,21 +54,13 @@ HWY_INLINE LogRow<VecOf<D>> LogLookUp(D d, BitsOf<D> i) {
   constexpr auto& t = Base::kTable;
   return {column(t.a), column(t.factor), column(t.log), column(t.rest)};
 #elif HWY_TARGET == HWY_AVX2
-  // Whole rows by lane, then a transposition: cheaper than a gather for each column.
   const auto offset = hn::And(i, SetBits(d, 15));
   const __m128i lower = _mm256_castsi256_si128(offset.raw);
   const __m128i upper = _mm256_extracti128_si256(offset.raw, 1);
-  constexpr auto& rows = Base::kRows.row;
-  const __m256d r0 = _mm256_load_pd(rows[_mm_cvtsi128_si64(lower)]);
-  const __m256d r1 = _mm256_load_pd(rows[_mm_extract_epi64(lower, 1)]);
-  const __m256d r2 = _mm256_load_pd(rows[_mm_cvtsi128_si64(upper)]);
-  const __m256d r3 = _mm256_load_pd(rows[_mm_extract_epi64(upper, 1)]);
-  const __m256d even01 = _mm256_unpacklo_pd(r0, r1), odd01 = _mm256_unpackhi_pd(r0, r1);
-  const __m256d even23 = _mm256_unpacklo_pd(r2, r3), odd23 = _mm256_unpackhi_pd(r2, r3);
-  return {V{_mm256_permute2f128_pd(even01, even23, 0x20)},
-          V{_mm256_permute2f128_pd(odd01, odd23, 0x20)},
-          V{_mm256_permute2f128_pd(even01, even23, 0x31)},
-          V{_mm256_permute2f128_pd(odd01, odd23, 0x31)}};
+  return LogRowsOf<Base>(d, static_cast<uint64_t>(_mm_cvtsi128_si64(lower)),
+                         static_cast<uint64_t>(_mm_extract_epi64(lower, 1)),
+                         static_cast<uint64_t>(_mm_cvtsi128_si64(upper)),
+                         static_cast<uint64_t>(_mm_extract_epi64(upper, 1)));
 #else
   const auto offset = hn::And(i, SetBits(d, 15));
   constexpr auto& rows = Base::kRows.row;
