@@ -4,24 +4,28 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/slog-inl.h"
-#include "pex_core/log1p/log1p_rare.h"
+#include "pex_core/ln/ln_rare.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsLog1p";
 
-// Rare: 1 + x is not positive and finite: x <= -1, +inf, NaN.
-struct sLog1pRarity : RareOutside<float, 0x00800000, 0x7F7FFFFF> {
+// Rare: 1 + x is not positive and finite, or is so small or large that sLog1pLA could not scale by its
+// exponent: x < 2^-20 - 1, x >= 2^126, NaN. 1 + x rounded will do for all of them.
+struct sLog1pRarity : RareOutside<float, 0x35800000, 0x7E7FFFFF> {
   template <class D>
   static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
     return RareOutside::Key(d, hn::Add(x, hn::Set(d, 1.0f)));
   }
 };
 
+inline int sLog1pRare(float x, float* r) { return sLnScalar(x + 1.0f, r); }
+
 struct sLog1pKernel : Kernel<float> {
+  static constexpr int kUnroll = 8;
   using Rarity = sLog1pRarity;
-  static HWY_INLINE int Rare(float x, float* r) { return Log1pRare(x, r, sLnScalar); }
+  static HWY_INLINE int Rare(float x, float* r) { return sLog1pRare(x, r); }
 };
 
 // A tiny x is its own result: to nearest down to 2^-25 below it, signed zeros and subnormals without
@@ -35,45 +39,46 @@ struct sLog1pEP : sLog1pKernel {
   static HWY_INLINE V Main(D d, V x) {
     const V one = hn::Set(d, 1.0f);
     const auto tiny = MagnitudeBelow(d, x, kTiny);
-    const V y = hn::IfThenZeroElse(tiny, x);
-    const auto u = sLogReduce(d, hn::Add(y, one));
+    const auto u = sLogReduce(d, hn::Add(x, one));
     const auto near = hn::RebindMask(d, hn::Eq(u.exponent_bits, SetBits(d, 0)));
-    const V t = hn::IfThenElse(near, y, hn::Sub(u.m, one));
+    const V t = hn::IfThenZeroElse(tiny, hn::IfThenElse(near, x, hn::Sub(u.m, one)));
     return hn::IfThenElse(tiny, x, sLogEPSum<sNaturalLog>(d, u.scaled, t));
   }
 };
 
-// LA adds the rounding error of u = 1 + x to the reduced argument. For x above 1 the difference below is itself off by
-// at most half an ulp of u.
+// 2^-e (1 + x) - a without the rounding error of 1 + x.
 struct sLog1pLA : sLog1pKernel {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const V one = hn::Set(d, 1.0f);
     const auto tiny = MagnitudeBelow(d, x, kTiny);
-    const V y = hn::IfThenZeroElse(tiny, x);
-    const V sum = hn::Add(y, one);
-    const V sum_rest = hn::Sub(y, hn::Sub(sum, one));
-    const auto u = sLogReduce(d, sum);
-    // 2^-e; 0 from e = 127 on, where the rest is 0 too.
-    const auto most = SetBits(d, BitsOfNumber(1.0f));
-    const V scale = FromBits(d, hn::Sub(most, hn::Min(u.exponent_bits, most)));
-    const auto near = sLogNextSixteenth(d, u.m);
-    const V t = hn::Add(near.t, hn::Mul(sum_rest, scale));
-    return hn::IfThenElse(tiny, x, sLogLASum<sNaturalLog>(d, u.scaled, t, near.row));
+    const auto u = sLogReduce(d, hn::Add(x, one));
+    const auto point = sLogNextPoint(d, u.m);
+    const V scale = FromBits(d, hn::Sub(Bits(d, one), u.exponent_bits));  // 2^-e
+    const V t = hn::Add(hn::Sub(scale, point.a), hn::Mul(x, scale));
+    const V sum = sLogLASum<sNaturalLog>(d, u.scaled, hn::IfThenZeroElse(tiny, t), point.row);
+    return hn::IfThenElse(tiny, x, sum);
   }
 };
 
 // 1 + x is exact in double, up to 2^53.
 struct sLog1pHA : Kernel<float, double> {
+#ifdef UNH
+  static constexpr int kUnroll = UNH;
+#endif
   using Rarity = sLog1pRarity;
-  static HWY_INLINE int Rare(float x, float* r) { return Log1pRare(x, r, sLnScalar); }
+  static HWY_INLINE int Rare(float x, float* r) { return sLog1pRare(x, r); }
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const hn::Rebind<double, D> wide;
+    const auto one = hn::Set(d, 1.0f);
     const auto tiny = MagnitudeBelow(d, x, kTiny);
-    const auto y = hn::PromoteTo(wide, hn::IfThenZeroElse(tiny, x));
-    const auto r = sLogWide<NaturalLog, sNaturalLog>(wide, hn::Add(y, hn::Set(wide, 1.0)));
-    return hn::IfThenElse(tiny, x, hn::DemoteTo(d, r));
+    const auto y = hn::IfThenZeroElse(tiny, x);
+    const auto u = sLogReduce(d, hn::Add(x, one));
+    const auto scale = hn::PromoteTo(wide, FromBits(d, hn::Sub(Bits(d, one), u.exponent_bits)));
+    const auto sum = hn::Add(hn::PromoteTo(wide, y), hn::Set(wide, 1.0));
+    const V r = sLogWide<NaturalLog, sNaturalLog>(d, u, hn::Mul(sum, scale));
+    return hn::IfThenElse(tiny, x, r);
   }
 };
 

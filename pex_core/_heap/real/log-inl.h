@@ -25,6 +25,26 @@ struct LogRow {
   V a, factor, log, rest;
 };
 
+#if HWY_TARGET == HWY_AVX2
+// Whole rows by lane, then a transposition: cheaper than a gather for each column. The rows begin at
+// these bytes of the table.
+template <class Base, class D>
+HWY_INLINE LogRow<VecOf<D>> LogRowsAt(D, uint64_t b0, uint64_t b1, uint64_t b2, uint64_t b3) {
+  using V = VecOf<D>;
+  const auto row = [](uint64_t bytes) HWY_ATTR {
+    return _mm256_load_pd(
+        reinterpret_cast<const double*>(reinterpret_cast<const char*>(Base::kRows.row) + bytes));
+  };
+  const __m256d r0 = row(b0), r1 = row(b1), r2 = row(b2), r3 = row(b3);
+  const __m256d even01 = _mm256_unpacklo_pd(r0, r1), odd01 = _mm256_unpackhi_pd(r0, r1);
+  const __m256d even23 = _mm256_unpacklo_pd(r2, r3), odd23 = _mm256_unpackhi_pd(r2, r3);
+  return {V{_mm256_permute2f128_pd(even01, even23, 0x20)},
+          V{_mm256_permute2f128_pd(odd01, odd23, 0x20)},
+          V{_mm256_permute2f128_pd(even01, even23, 0x31)},
+          V{_mm256_permute2f128_pd(odd01, odd23, 0x31)}};
+}
+#endif
+
 // Rows `i & 15`.
 template <class Base, class D>
 HWY_INLINE LogRow<VecOf<D>> LogLookUp(D d, BitsOf<D> i) {
@@ -37,22 +57,14 @@ HWY_INLINE LogRow<VecOf<D>> LogLookUp(D d, BitsOf<D> i) {
   constexpr auto& t = Base::kTable;
   return {column(t.a), column(t.factor), column(t.log), column(t.rest)};
 #elif HWY_TARGET == HWY_AVX2
-  // Whole rows by lane, then a transposition: cheaper than a gather for each column.
-  const auto offset = hn::And(hn::ShiftLeft<5>(i), SetBits(d, 15 * sizeof(Base::kRows.row[0])));
+  static_assert(sizeof(Base::kRows.row[0]) == 32);
+  const auto offset = hn::And(hn::ShiftLeft<5>(i), SetBits(d, 15 * 32));
   const __m128i lower = _mm256_castsi256_si128(offset.raw);
   const __m128i upper = _mm256_extracti128_si256(offset.raw, 1);
-  const auto row = [](int64_t bytes) HWY_ATTR {
-    return _mm256_load_pd(
-        reinterpret_cast<const double*>(reinterpret_cast<const char*>(Base::kRows.row) + bytes));
-  };
-  const __m256d r0 = row(_mm_cvtsi128_si64(lower)), r1 = row(_mm_extract_epi64(lower, 1));
-  const __m256d r2 = row(_mm_cvtsi128_si64(upper)), r3 = row(_mm_extract_epi64(upper, 1));
-  const __m256d even01 = _mm256_unpacklo_pd(r0, r1), odd01 = _mm256_unpackhi_pd(r0, r1);
-  const __m256d even23 = _mm256_unpacklo_pd(r2, r3), odd23 = _mm256_unpackhi_pd(r2, r3);
-  return {V{_mm256_permute2f128_pd(even01, even23, 0x20)},
-          V{_mm256_permute2f128_pd(odd01, odd23, 0x20)},
-          V{_mm256_permute2f128_pd(even01, even23, 0x31)},
-          V{_mm256_permute2f128_pd(odd01, odd23, 0x31)}};
+  return LogRowsAt<Base>(d, static_cast<uint64_t>(_mm_cvtsi128_si64(lower)),
+                         static_cast<uint64_t>(_mm_extract_epi64(lower, 1)),
+                         static_cast<uint64_t>(_mm_cvtsi128_si64(upper)),
+                         static_cast<uint64_t>(_mm_extract_epi64(upper, 1)));
 #else
   const auto offset = hn::And(i, SetBits(d, 15));
   constexpr auto& rows = Base::kRows.row;

@@ -4,7 +4,7 @@
 
 namespace pex {
 
-// Rows j = i & 15 for points a near i/16, i = 13 .. 25. log(a) is a multiple of 2^-42 to within
+// Rows j = i & 15 for points a near i/16, i = 12 .. 25. log(a) is a multiple of 2^-42 to within
 // 2^-60 of itself; `factor` is 1/a, or log10(e)/a, to within 2^-58 or better, and `rest` what it lacks (of
 // use for a = 1 alone, where the decimal factor is no freer).
 struct LogTable {
@@ -16,25 +16,25 @@ inline constexpr LogTable kLnTable = {
      0x1.3000200712acdp+0, 0x1.40001ffe8ad82p+0, 0x1.50001ffebdbe3p+0,
      0x1.6000200007bb3p+0, 0x1.70001fffb624p+0, 0x1.800020001d239p+0,
      0x1.90002000ffac7p+0, 0x0p+0, 0x0p+0,
-     0x1.a0004005a6615p-1, 0x1.a0004005a6615p-1, 0x1.c0003ff1467fep-1,
+     0x1.800040010abafp-1, 0x1.a0004005a6615p-1, 0x1.c0003ff1467fep-1,
      0x1.e0004011cc7b7p-1},
     {0x1p+0, 0x1.e1e1a973549bbp-1, 0x1.c71c3f3565d46p-1,
      0x1.af283e5d8599ep-1, 0x1.999970a5b8c62p-1, 0x1.86183c60ad576p-1,
      0x1.745cf56be182bp-1, 0x1.642c66983e908p-1, 0x1.555538e376b1p-1,
      0x1.47adfa432f02fp-1, 0x0p+0, 0x0p+0,
-     0x1.3b1380bda4b69p+0, 0x1.3b1380bda4b69p+0, 0x1.24921f6274a78p+0,
+     0x1.55551c70e3801p+0, 0x1.3b1380bda4b69p+0, 0x1.24921f6274a78p+0,
      0x1.1110ec9e48db8p+0},
     {0x0p+0, 0x1.f0a6cb58bp-5, 0x1.e2723e0234p-4,
      0x1.5ff3dece4ap-3, 0x1.c900493d18p-3, 0x1.16762c3cf8p-2,
      0x1.461919391ep-2, 0x1.739dd8760dp-2, 0x1.9f32942199p-2,
      0x1.c8ffce67bap-2, 0x0p+0, 0x0p+0,
-     -0x1.a93d989944p-3, -0x1.a93d989944p-3, -0x1.1177c3d39ap-3,
+     -0x1.26957665eap-2, -0x1.a93d989944p-3, -0x1.1177c3d39ap-3,
      -0x1.085768a004p-4},
     {0x0p+0, -0x1.7f70dca6c32b2p-59, 0x1.6138aee4ec608p-58,
      -0x1.ad9437478ef1dp-58, -0x1.e7cfc119785bap-58, 0x1.0d7c92e1ed22dp-57,
      0x1.00bc484674784p-57, -0x1.22bb3d0f72425p-59, -0x1.3e249f1f78ae8p-58,
      -0x1.cec81eb0e33a2p-58, 0x0p+0, 0x0p+0,
-     -0x1.7e67b8ad5675dp-57, -0x1.7e67b8ad5675dp-57, 0x1.3841398e46652p-58,
+     -0x1.697024c6bd1ffp-59, -0x1.7e67b8ad5675dp-57, 0x1.3841398e46652p-58,
      0x1.090f2c3e10617p-60},
 };
 
@@ -43,25 +43,25 @@ inline constexpr LogTable kLog10Table = {
      0x1.3000200516351p+0, 0x1.4000200064db8p+0, 0x1.50001ffe275d4p+0,
      0x1.600020028dd51p+0, 0x1.70001fff70281p+0, 0x1.80001fff2c771p+0,
      0x1.90001fffbc066p+0, 0x0p+0, 0x0p+0,
-     0x1.a0003ffbd17e6p-1, 0x1.a0003ffbd17e6p-1, 0x1.c0003ffd887e2p-1,
+     0x1.80003ffefd638p-1, 0x1.a0003ffbd17e6p-1, 0x1.c0003ffd887e2p-1,
      0x1.e000401a5b71ap-1},
     {0x1.bcb7b1526e50ep-2, 0x1.a28e93fb35e5ap-2, 0x1.8b4dc7077b7f9p-2,
      0x1.767f964caa918p-2, 0x1.63c603e0e7bb8p-2, 0x1.52d4f9203153p-2,
      0x1.436e350109eb4p-2, 0x1.355e4a319dd3p-2, 0x1.287a5d82ba68p-2,
      0x1.1c9e6f32828ddp-2, 0x0p+0, 0x0p+0,
-     0x1.11abf44268672p-1, 0x1.11abf44268672p-1, 0x1.fc3f5d7c864bdp-2,
+     0x1.287a44ce05be9p-1, 0x1.11abf44268672p-1, 0x1.fc3f5d7c864bdp-2,
      0x1.da5d4a97d6f7cp-2},
     {0x0p+0, 0x1.af62d4289p-6, 0x1.a30c28b0dp-5,
      0x1.31b3c0b9ep-4, 0x1.8cf2356dap-4, 0x1.e3bcc411ap-4,
      0x1.1b3ec2ce9ap-3, 0x1.42c835547ap-3, 0x1.68a2d2d2bcp-3,
      0x1.8cf1caaf6cp-3, 0x0p+0, 0x0p+0,
-     -0x1.715bfb494p-4, -0x1.715bfb494p-4, -0x1.db0ff14a8p-5,
+     -0x1.ffbe9a4618p-4, -0x1.715bfb494p-4, -0x1.db0ff14a8p-5,
      -0x1.cb35468cp-6},
     {0x1.95355baaafad3p-57, -0x1.88e94b29ac627p-61, 0x1.c2af2fa07ada3p-64,
      -0x1.501afa281438p-60, 0x1.48f5d060f3cf9p-60, 0x1.dc9c953e342e4p-59,
      -0x1.970068d8d0bap-58, -0x1.3f5a2f003e137p-59, -0x1.67a03c4680842p-58,
      -0x1.f5b3fee779a29p-58, 0x0p+0, 0x0p+0,
-     -0x1.9dd6dfc2af38cp-58, -0x1.9dd6dfc2af38cp-58, 0x1.e7b203dbde944p-60,
+     0x1.3650198c76512p-57, -0x1.9dd6dfc2af38cp-58, 0x1.e7b203dbde944p-60,
      -0x1.384e70200181cp-67},
 };
 

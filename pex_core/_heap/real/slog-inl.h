@@ -44,7 +44,11 @@ template <class D, class V>
 HWY_INLINE sLogReduced<D> sLogReduce(D d, V x) {
   sLogReduced<D> r;
 #if HWY_TARGET == HWY_AVX3
-  r.m = V{_mm512_getmant_ps(x.raw, _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_zero)};
+  if constexpr (sizeof(x.raw) == 64) {
+    r.m = V{_mm512_getmant_ps(x.raw, _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_zero)};
+  } else {
+    r.m = V{_mm256_getmant_ps(x.raw, _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_zero)};
+  }
   r.exponent_bits = hn::Sub(Bits(d, x), Bits(d, r.m));
 #else
   const auto above = hn::Sub(Bits(d, x), SetBits(d, BitsOfNumber(0.75f)));
@@ -80,18 +84,18 @@ HWY_INLINE V sLog2Times(D d, V scaled) {
   return hn::Mul(scaled, hn::Set(d, Base::kLog2Part));
 }
 
-// m - a for a the sixteenth next to m, and the table row of a.
+// The sixteenth a next to m, and its row.
 template <class D>
-struct sLogNear {
-  VecOf<D> t;
+struct sLogPoint {
+  VecOf<D> a;
   sLogIndex<D> row;
 };
 
 template <class D, class V>
-HWY_INLINE sLogNear<D> sLogNextSixteenth(D d, V m) {
+HWY_INLINE sLogPoint<D> sLogNextPoint(D d, V m) {
   const V shifter = hn::Set(d, 0x1.8p19f);  // the sum ends in the number of sixteenths
   const V shifted = hn::Add(m, shifter);
-  return {hn::Sub(m, hn::Sub(shifted, shifter)), sLogIndex<D>(d, Bits(d, shifted))};
+  return {hn::Sub(shifted, shifter), sLogIndex<D>(d, Bits(d, shifted))};
 }
 
 // e log(2) + log(a) + log(1 + t/a).
@@ -106,8 +110,8 @@ HWY_INLINE V sLogLASum(D d, V scaled, V t, sLogIndex<D> row) {
 template <class Base, class D, class V>
 HWY_INLINE V sLogLA(D d, V x) {
   const auto u = sLogReduce(d, x);
-  const auto near = sLogNextSixteenth(d, u.m);
-  return sLogLASum<Base>(d, u.scaled, near.t, near.row);
+  const auto point = sLogNextPoint(d, u.m);
+  return sLogLASum<Base>(d, u.scaled, hn::Sub(u.m, point.a), point.row);
 }
 
 // e log(2) + log(1 + t), -1/4 <= t <= 1/2.
@@ -123,26 +127,46 @@ HWY_INLINE V sLogEP(D d, V x) {
   return sLogEPSum<Base>(d, u.scaled, hn::Sub(u.m, hn::Set(d, 1.0f)));
 }
 
-// HA computes in double: the rounding errors of the plain sum stay below one ulp of the double.
+// HA computes in double, with the table of the double logarithms. The exponent and the row come from
+// the float; all of it but the last two sums is exact or small, so that the double's error stays below
+// one ulp.
 struct sLogWideKernel : Kernel<float, double> {
   using Rarity = RareOutside<float, 0x00800000, 0x7F7FFFFF>;
 };
 
+// Rows `i & 15`.
+template <class Base, class D>
+HWY_INLINE LogRow<VecOf<hn::Rebind<double, D>>> sLogLookUp(D, BitsOf<D> i) {
+  const hn::Rebind<double, D> wide;
+#if HWY_TARGET == HWY_AVX2
+  const auto offset = hn::And(hn::ShiftLeft<5>(i), SetBits(D(), 15 * 32));
+  const uint64_t lower = static_cast<uint64_t>(_mm_cvtsi128_si64(offset.raw));
+  const uint64_t upper = static_cast<uint64_t>(_mm_extract_epi64(offset.raw, 1));
+  return LogRowsAt<Base>(wide, static_cast<uint32_t>(lower), lower >> 32,
+                         static_cast<uint32_t>(upper), upper >> 32);
+#else
+  return LogLookUp<Base>(wide, hn::PromoteTo(hn::RebindToSigned<decltype(wide)>(), i));
+#endif
+}
+
+// log(2^e m), for e and m to float's accuracy in u.
 template <class Base, class Single, class D, class V>
-HWY_INLINE V sLogWide(D d, V x) {
-  const auto u = LogReduce<Base>(d, x);
-  const V p = hn::Mul(hn::Sub(u.m, u.row.a), u.row.factor);
+HWY_INLINE VecOf<D> sLogWide(D d, const sLogReduced<D>& u, V m) {
+  const hn::Rebind<double, D> wide;
+  const auto row = sLogLookUp<Base>(d, Bits(d, hn::Add(u.m, hn::Set(d, 0x1.8p19f))));
+  const V scaled = hn::PromoteTo(wide, u.exponent_bits);  // 2^23 e
+  const V p = hn::Mul(hn::Sub(m, row.a), row.factor);
   const V p2 = hn::Mul(p, p);
-  const V head = hn::Add(hn::Mul(u.e, hn::Set(d, Base::kLog2Hi)), u.row.log);  // exact
-  const V tail = hn::Mul(u.e, hn::Set(d, Base::kLog2Lo));
-  const V s = hn::Add(p, hn::Add(hn::Mul(p2, Estrin(d, p, p2, Single::kHA)), tail));
-  return hn::Add(head, s);
+  const V head = hn::Add(hn::Mul(scaled, hn::Set(wide, Base::kLog2Hi * 0x1p-23)), row.log);  // exact
+  const V tail = hn::Mul(scaled, hn::Set(wide, Base::kLog2Lo * 0x1p-23));
+  const V s = hn::Add(p, hn::Add(hn::Mul(p2, Estrin(wide, p, p2, Single::kHA)), tail));
+  return hn::DemoteTo(d, hn::Add(head, s));
 }
 
 template <class Base, class Single, class D, class V>
 HWY_INLINE V sLogHA(D d, V x) {
-  const hn::Rebind<double, D> wide;
-  return hn::DemoteTo(d, sLogWide<Base, Single>(wide, hn::PromoteTo(wide, x)));
+  const auto u = sLogReduce(d, x);
+  return sLogWide<Base, Single>(d, u, hn::PromoteTo(hn::Rebind<double, D>(), u.m));
 }
 
 }  // namespace pex::HWY_NAMESPACE
