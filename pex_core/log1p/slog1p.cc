@@ -63,9 +63,6 @@ struct sLog1pLA : sLog1pKernel {
 
 // 1 + x is exact in double, up to 2^53.
 struct sLog1pHA : Kernel<float, double> {
-#ifdef UNH
-  static constexpr int kUnroll = UNH;
-#endif
   using Rarity = sLog1pRarity;
   static HWY_INLINE int Rare(float x, float* r) { return sLog1pRare(x, r); }
   template <class D, class V>
