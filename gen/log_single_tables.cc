@@ -26,6 +26,8 @@ struct Row {
 
 // The largest error in ulps for m within 1/32 of a.
 double Worst(const Base& base, float a, Row row) {
+  // The polynomial is one of the argument times the float next to log(e).
+  const long double scale = base.log_e / static_cast<float>(base.log_e);
   double worst = 0;
   for (int e = -16; e <= 16; ++e) {
     const float whole = base.part * (static_cast<float>(e) * base.multiple);
@@ -35,7 +37,7 @@ double Worst(const Base& base, float a, Row row) {
       const long double exact = e * base.log2 + base.log_e * std::log(static_cast<long double>(a + t));
       const long double error = (whole - e * base.log2) +
                                 (row.log - base.log_e * std::log(static_cast<long double>(a))) +
-                                t * (row.factor - base.log_e / a);
+                                t * (row.factor * scale - base.log_e / a);
       const int exponent = std::ilogb(exact);
       worst = std::max(worst, static_cast<double>(std::fabs(std::ldexp(error, 23 - exponent))));
     }
@@ -45,7 +47,7 @@ double Worst(const Base& base, float a, Row row) {
 
 Row Search(const Base& base, float a) {
   if (a == 1) return {static_cast<float>(base.log_e), 0};
-  const Row nearest = {static_cast<float>(base.log_e / a),
+  const Row nearest = {static_cast<float>(base.log_e) / a,
                        static_cast<float>(base.log_e * std::log(static_cast<long double>(a)))};
   Row best = nearest;
   double least = Worst(base, a, nearest);
