@@ -49,8 +49,8 @@ struct dLog1pEP : dLog1pCommon {
   }
 };
 
-// t = 2^-e (1 + x) - a as (2^-e - a) + 2^-e x, without the rounding of 1 + x, where it has one: below
-// -1/2 it is exact, and 2^-e too large.
+// t = 2^-e (1 + x) - a as (2^-e - a) + 2^-e x, without the rounding of 1 + x, where it has one:
+// below -1/2 it is exact, and 2^-e too large.
 struct dLog1pLA : dLog1pCommon {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
@@ -87,7 +87,8 @@ struct dLog1pHA : dLog1pCommon {
     }
     LogReduce<NaturalLog>(d, u, v);
     for (size_t k = 0; k < K; ++k) {
-      const Pair<V> t = TwoSum(hn::Sub(v[k].m, v[k].row.a), hn::Mul(InversePower(d, v[k]), u_rest[k]));
+      const Pair<V> t =
+          TwoSum(hn::Sub(v[k].m, v[k].row.a), hn::Mul(InversePower(d, v[k]), u_rest[k]));
       p[k] = TwoProduct(d, t.hi, v[k].row.factor);
       p[k].lo = hn::Add(p[k].lo, hn::Mul(t.lo, v[k].row.factor));
     }

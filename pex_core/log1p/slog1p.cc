@@ -11,8 +11,8 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsLog1p";
 
-// Rare: 1 + x is not positive and finite, or is so small or large that sLog1pLA could not scale by its
-// exponent: x < 2^-20 - 1, x >= 2^126, NaN. 1 + x rounded will do for all of them.
+// Rare: 1 + x is not positive and finite, or is so small or large that sLog1pLA could not scale by
+// its exponent: x < 2^-20 - 1, x >= 2^126, NaN. 1 + x rounded will do for all of them.
 struct sLog1pRarity : RareOutside<float, 0x35800000, 0x7E7FFFFF> {
   template <class D>
   static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
@@ -28,12 +28,12 @@ struct sLog1pKernel : Kernel<float> {
   static HWY_INLINE int Rare(float x, float* r) { return sLog1pRare(x, r); }
 };
 
-// A tiny x is its own result: to nearest down to 2^-25 below it, signed zeros and subnormals without
-// a flag.
+// A tiny x is its own result: to nearest down to 2^-25 below it, signed zeros and subnormals
+// without a flag.
 inline constexpr float kTiny = 0x1p-25f;
 
-// Where 1 + x keeps the exponent 0, x itself is the argument of the polynomial; elsewhere the rounding
-// error of 1 + x does not matter to EP.
+// Where 1 + x keeps the exponent 0, x itself is the argument of the polynomial; elsewhere the
+// rounding error of 1 + x does not matter to EP.
 struct sLog1pEP : sLog1pKernel {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {

@@ -26,8 +26,8 @@ struct LogRow {
 };
 
 #if HWY_TARGET == HWY_AVX2
-// Whole rows by lane, then a transposition: cheaper than a gather for each column. The rows begin at
-// these bytes of the table.
+// Whole rows by lane, then a transposition: cheaper than a gather for each column. The rows begin
+// at these bytes of the table.
 template <class Base, class D>
 HWY_INLINE LogRow<VecOf<D>> LogRowsAt(D, uint64_t b0, uint64_t b1, uint64_t b2, uint64_t b3) {
   using V = VecOf<D>;

@@ -1,4 +1,5 @@
-// Logarithms in single precision, LA and EP: reduction and sums. Base is sNaturalLog or sDecimalLog.
+// Logarithms in single precision, LA and EP: reduction and sums. Base is sNaturalLog or
+// sDecimalLog.
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/log-inl.h"
@@ -69,7 +70,8 @@ struct sLogIndex {
 #elif HWY_TARGET == HWY_AVX2
     const __m256 lower = _mm256_permutevar8x32_ps(_mm256_load_ps(table), i_.raw);
     const __m256 upper = _mm256_permutevar8x32_ps(_mm256_load_ps(table + 8), i_.raw);
-    return VecOf<D>{_mm256_blendv_ps(lower, upper, _mm256_castsi256_ps(_mm256_slli_epi32(i_.raw, 28)))};
+    return VecOf<D>{
+        _mm256_blendv_ps(lower, upper, _mm256_castsi256_ps(_mm256_slli_epi32(i_.raw, 28)))};
 #else
     return hn::GatherIndex(D(), table, hn::And(i_, SetBits(D(), 15)));
 #endif
@@ -127,9 +129,9 @@ HWY_INLINE V sLogEP(D d, V x) {
   return sLogEPSum<Base>(d, u.scaled, hn::Sub(u.m, hn::Set(d, 1.0f)));
 }
 
-// HA computes in double, with the table of the double logarithms. The exponent and the row come from
-// the float; all of it but the last two sums is exact or small, so that the double's error stays below
-// one ulp.
+// HA computes in double, with the table of the double logarithms. The exponent and the row come
+// from the float; all of it but the last two sums is exact or small, so that the double's error
+// stays below one ulp.
 struct sLogWideKernel : Kernel<float, double> {
   using Rarity = RareOutside<float, 0x00800000, 0x7F7FFFFF>;
 };
@@ -160,8 +162,8 @@ HWY_INLINE VecOf<D> RoundPair(D d, W wide, V hi, V lo) {
   return hn::DemoteTo(d, FromBits(wide, hn::Add(bits, step)));
 }
 
-// log(2^e m) correctly rounded, scaled = 2^23 e: the sum in full errs by less than 2^-57 of itself, and
-// on all floats it says on which side of the middle of two floats the logarithm lies.
+// log(2^e m) correctly rounded, scaled = 2^23 e: the sum in full errs by less than 2^-57 of itself,
+// and on all floats it says on which side of the middle of two floats the logarithm lies.
 template <class Base, class D, class V>
 HWY_NOINLINE VecOf<D> sLogInFull(D d, V m, V scaled, const LogRow<V>& row) {
   const hn::Rebind<double, D> wide;
@@ -171,16 +173,17 @@ HWY_NOINLINE VecOf<D> sLogInFull(D d, V m, V scaled, const LogRow<V>& row) {
   if constexpr (Base::kHasRest) p_rest = hn::Add(p_rest, hn::Mul(t, row.rest));
   const V p2 = hn::Mul(p.hi, p.hi);
   const V q = hn::Mul(p2, Estrin(wide, p.hi, p2, Base::kPolynomial));
-  const V head = hn::Add(hn::Mul(scaled, hn::Set(wide, Base::kLog2Hi * 0x1p-23)), row.log);  // exact
+  const V head =
+      hn::Add(hn::Mul(scaled, hn::Set(wide, Base::kLog2Hi * 0x1p-23)), row.log);  // exact
   const Pair<V> s = FastTwoSum(head, p.hi);
   const V tail = hn::Add(q, hn::Mul(scaled, hn::Set(wide, Base::kLog2Lo * 0x1p-23)));
   const Pair<V> sum = FastTwoSum(s.hi, hn::Add(s.lo, hn::Add(p_rest, tail)));
   return RoundPair(d, wide, sum.hi, sum.lo);
 }
 
-// log(2^e m) for e and m to float's accuracy in u, correctly rounded. The short sum errs by less than
-// 2^-47 of itself; where that leaves the rounding in doubt, one vector in about 2^17, the full one
-// decides.
+// log(2^e m) for e and m to float's accuracy in u, correctly rounded. The short sum errs by less
+// than 2^-47 of itself; where that leaves the rounding in doubt, one vector in about 2^17, the full
+// one decides.
 template <class Base, class Single, class D, class V>
 HWY_INLINE VecOf<D> sLogWide(D d, const sLogReduced<D>& u, V m) {
   const hn::Rebind<double, D> wide;
@@ -188,8 +191,8 @@ HWY_INLINE VecOf<D> sLogWide(D d, const sLogReduced<D>& u, V m) {
   const V scaled = hn::PromoteTo(wide, u.exponent_bits);  // 2^23 e
   const V p = hn::Mul(hn::Sub(m, row.a), row.factor);
   const V p2 = hn::Mul(p, p);
-  const V head = hn::Add(hn::Mul(scaled, hn::Set(wide, (Base::kLog2Hi + Base::kLog2Lo) * 0x1p-23)),
-                         row.log);
+  const V head =
+      hn::Add(hn::Mul(scaled, hn::Set(wide, (Base::kLog2Hi + Base::kLog2Lo) * 0x1p-23)), row.log);
   const V s = hn::Add(p, hn::Mul(p2, Estrin(wide, p, p2, Single::kHA)));
   const V sum = hn::Add(head, s);
   // In units of the double's last place the middle of two floats is at 2^28 of 2^29.
