@@ -79,16 +79,17 @@ struct sExpm1LA : sExpm1Common<> {
   }
 };
 
-// In double precision, where nothing underflows; a zero's sign is put back. Correctly rounded for
-// all floats.
+// In double precision, where nothing underflows; a tiny x is its own result, so that zeros keep
+// their sign and subnormal results are exact in the end. Correctly rounded for all floats.
 struct sExpm1HA : sExpm1Common<double> {
   static constexpr int kUnroll = 4;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const hn::Rebind<double, D> dd;
-    const auto [s, p] = ExpReduceWide(dd, hn::PromoteTo(dd, x));
+    const auto wide = hn::PromoteTo(dd, x);
+    const auto [s, p] = ExpReduceWide(dd, wide);
     const auto y = hn::Add(hn::Mul(s, p), hn::Sub(s, hn::Set(dd, 1.0)));
-    return hn::Or(hn::DemoteTo(d, y), hn::And(x, hn::Set(d, -0.0f)));
+    return hn::DemoteTo(d, hn::IfThenElse(MagnitudeBelow(dd, wide, 0x1p-60), wide, y));
   }
 };
 
