@@ -9,8 +9,8 @@ HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
 using EP = HypotKernel<double, HypotEP>;
-using LA = HypotKernel<double, HypotLA>;
-using HA = HypotKernel<double, HypotHA>;
+using LA = HypotKernel<double, HypotPlain<double>>;
+using HA = HypotKernel<double, HypotHA<double>>;
 
 PEX_PLAIN_BINARY(double, dHypot_26, EP)
 PEX_PLAIN_BINARY(double, dHypot_50, LA)

@@ -23,52 +23,66 @@ template <typename T>
 struct HypotConstants {
   using Word = std::conditional_t<sizeof(T) == 8, uint64_t, uint32_t>;
   static constexpr int kFraction = sizeof(T) == 8 ? 52 : 23;
-  static constexpr Word kExponents = sizeof(T) == 8 ? 0x7FF : 0xFF;
-  // Moderate: the exponent in the middle quarter of all, |x| from 2^-256 up to 2^256 (double), from
-  // 2^-32 up to 2^32 (single). Moved to the upper end, it begins with two ones.
-  static constexpr Word kTopTwo = Word{3} << (sizeof(T) * 8 - 3);
-  static constexpr Word kShift = (sizeof(T) == 8 ? Word{769} : Word{97}) << kFraction;
+  static constexpr int kExponentBits = sizeof(T) == 8 ? 11 : 8;
+  static constexpr Word kExponents = (Word{1} << kExponentBits) - 1;
+  // Moderate: one of the 2^j exponents in the middle of all. Adding the shift moves these to the
+  // upper end, where the upper bits are ones.
+  static constexpr Word Shift(int j) {
+    return ((kExponents >> 1) + 2 - (Word{1} << (j - 1))) << kFraction;
+  }
+  static constexpr Word UpperBits(int j) {
+    return ((Word{1} << (kExponentBits - j)) - 1) << (kFraction + j);
+  }
   // b^2 below 2^-120 a^2 (2^-60) changes no result.
   static constexpr Word kNegligible = (sizeof(T) == 8 ? Word{60} : Word{30}) << kFraction;
 };
 
-template <class D, class V>
-HWY_INLINE V Squares(V a, V b) {
-  return hn::Add(hn::Mul(a, a), hn::Mul(b, b));
-}
+// The tiers: roots of a^2 + b^2 as main parts and corrections to be added at last, for moderate
+// numbers.
 
-// The tiers: a root as the pair (main part, correction to be added at last).
-struct HypotEP {
+// The processor's root: below 1.3 ulp. In single precision nothing is faster.
+template <typename T>
+struct HypotPlain {
   static constexpr bool kCorrected = false;
-  template <class D, class V>
-  static HWY_INLINE Pair<V> Root(D d, V a, V b) {
-    return {RootEP(d, Squares<D>(a, b)), hn::Zero(d)};
+  static constexpr int kModerate = sizeof(T) == 8 ? 9 : 6;  // 2^-256 to 2^256 (2^-32 to 2^32)
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Root(D, const V (&a)[K], const V (&b)[K], V (&s)[K], V (&)[K]) {
+    for (size_t k = 0; k < K; ++k) {
+      s[k] = hn::Sqrt(hn::Add(hn::Mul(a[k], a[k]), hn::Mul(b[k], b[k])));
+    }
   }
 };
 
-struct HypotLA {
+// 28 correct bits.
+struct HypotEP {
   static constexpr bool kCorrected = false;
-  template <class D, class V>
-  static HWY_INLINE Pair<V> Root(D d, V a, V b) {
-    return {RootLA(d, Squares<D>(a, b)), hn::Zero(d)};
+  static constexpr int kModerate = 9;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Root(D d, const V (&a)[K], const V (&b)[K], V (&s)[K], V (&)[K]) {
+    for (size_t k = 0; k < K; ++k) s[k] = hn::Add(hn::Mul(a[k], a[k]), hn::Mul(b[k], b[k]));
+    RootEP(d, s, s);
   }
 };
 
 // The squares in full, t + rest; s the rounded root of t; the remainder t + rest - s^2 over 2 s.
+template <typename T>
 struct HypotHA {
   static constexpr bool kCorrected = true;
-  template <class D, class V>
-  static HWY_INLINE Pair<V> Root(D d, V a, V b) {
+  static constexpr int kModerate = sizeof(T) == 8 ? 9 : 6;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Root(D d, const V (&a)[K], const V (&b)[K], V (&s)[K], V (&c)[K]) {
     using C = RootConstantsOf<D>;
-    const Pair<V> a2 = TwoProduct(d, a, a), b2 = TwoProduct(d, b, b);
-    const Pair<V> t = FastTwoSum(hn::Max(a2.hi, b2.hi), hn::Min(a2.hi, b2.hi));
-    const V rest = hn::Add(t.lo, hn::Add(a2.lo, b2.lo));
-    const V s = hn::Sqrt(t.hi);
-    const Pair<V> s2 = TwoProduct(d, s, s);
-    const V remainder = hn::Add(hn::Sub(hn::Sub(t.hi, s2.hi), s2.lo), rest);
-    const V z = FromBits(d, hn::Sub(SetBits(d, C::kInverse), Bits(d, s)));
-    const V half_inverse = hn::Mul(z, hn::Sub(hn::Set(d, C::kInverseSum), hn::Mul(s, z)));
-    return {s, hn::Mul(remainder, half_inverse)};
+    for (size_t k = 0; k < K; ++k) {
+      const Pair<V> a2 = TwoProduct(d, a[k], a[k]), b2 = TwoProduct(d, b[k], b[k]);
+      const Pair<V> t = FastTwoSum(hn::Max(a2.hi, b2.hi), hn::Min(a2.hi, b2.hi));
+      s[k] = hn::Sqrt(t.hi);
+      const Pair<V> s2 = TwoProduct(d, s[k], s[k]);
+      const V rest = hn::Add(t.lo, hn::Add(a2.lo, b2.lo));
+      const V remainder = hn::Add(hn::Sub(hn::Sub(t.hi, s2.hi), s2.lo), rest);
+      const V z = FromBits(d, hn::Sub(SetBits(d, C::kInverse), Bits(d, s[k])));
+      const V half_inverse = hn::Mul(z, hn::Sub(hn::Set(d, C::kInverseSum), hn::Mul(s[k], z)));
+      c[k] = hn::Mul(remainder, half_inverse);
+    }
   }
 };
 
@@ -79,18 +93,25 @@ struct HypotKernel : PlainKernel<Element, 2> {
 
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&a)[K], const V (&b)[K], V (&r)[K]) {
-    const auto shift = SetBits(d, C::kShift), top = SetBits(d, C::kTopTwo);
+    const auto shift = SetBits(d, C::Shift(Tier::kModerate));
+    const auto top = SetBits(d, C::UpperBits(Tier::kModerate));
     auto all = top;
     for (size_t k = 0; k < K; ++k) {
       all = hn::And(all, hn::And(hn::Add(Bits(d, a[k]), shift), hn::Add(Bits(d, b[k]), shift)));
     }
+    V c[K];
     if (hn::AllTrue(hn::RebindToSigned<D>(), hn::Eq(all, top))) [[likely]] {
-      for (size_t k = 0; k < K; ++k) {
-        const Pair<V> s = Tier::Root(d, a[k], b[k]);
-        r[k] = Tier::kCorrected ? hn::Add(s.hi, s.lo) : s.hi;
+      Tier::Root(d, a, b, r, c);
+      if constexpr (Tier::kCorrected) {
+        for (size_t k = 0; k < K; ++k) r[k] = hn::Add(r[k], c[k]);
       }
     } else {
-      for (size_t k = 0; k < K; ++k) r[k] = Wide(d, a[k], b[k]);
+      Scaled<D> x[K];
+      V m[K], n[K];
+      for (size_t k = 0; k < K; ++k) x[k] = ScaleDown(d, a[k], b[k], m[k], n[k]);
+      V s[K];
+      Tier::Root(d, m, n, s, c);
+      for (size_t k = 0; k < K; ++k) r[k] = ScaleUp(d, x[k], s[k], c[k], a[k], b[k]);
     }
   }
 
@@ -102,42 +123,59 @@ struct HypotKernel : PlainKernel<Element, 2> {
     return r[0];
   }
 
-  // Any a and b.
+  // What leads back from scaled numbers.
+  template <class D>
+  struct Scaled {
+    BitsOf<D> m, n;   // larger and smaller magnitude; 1 where one is not finite
+    BitsOf<D> power;  // the exponent field of m, at least 1
+    BitsOf<D> most;   // the larger magnitude, infinite or not a number included
+  };
+
+  // Any a and b; the larger one goes to [2, 4), subnormal ones up to 2.
   template <class D, class V>
-  static HWY_NOINLINE V Wide(D d, V a, V b) {
+  static HWY_INLINE Scaled<D> ScaleDown(D d, V a, V b, V& scaled_m, V& scaled_n) {
     const hn::RebindToSigned<D> di;
     const auto infinity = SetBits(d, C::kExponents << C::kFraction);
     const auto abs_a = Bits(d, hn::Abs(a)), abs_b = Bits(d, hn::Abs(b));
     const auto order = hn::Gt(abs_b, abs_a);
-    const auto most = hn::IfThenElse(order, abs_b, abs_a);
-    const auto special = hn::Not(hn::Lt(most, infinity));
+    Scaled<D> x;
+    x.most = hn::IfThenElse(order, abs_b, abs_a);
+    const auto finite = hn::Lt(x.most, infinity);
     const auto one = SetBits(d, RootConstants<T>::kOne);
-    const auto m = hn::IfThenElse(special, one, most);
-    const auto n = hn::IfThenElse(special, one, hn::IfThenElse(order, abs_a, abs_b));
+    x.m = hn::IfThenElse(finite, x.most, one);
+    x.n = hn::IfThenElse(finite, hn::IfThenElse(order, abs_a, abs_b), one);
+    const auto field = hn::And(x.m, infinity);
+    const auto least = SetBits(d, typename C::Word{1} << C::kFraction);
+    x.power = hn::IfThenElse(hn::Eq(field, hn::Zero(di)), least, field);
+    const V up = FromBits(d, hn::Sub(infinity, x.power));
+    const auto counts = hn::Not(hn::Lt(x.n, hn::Sub(x.m, SetBits(d, C::kNegligible))));
+    // Alone, m is the result; whatever is computed for it must not divide by zero.
+    const auto alone = hn::RebindMask(d, hn::Eq(x.n, hn::Zero(di)));
+    scaled_m = hn::IfThenElse(alone, hn::Set(d, 2), hn::Mul(FromBits(d, x.m), up));
+    scaled_n = hn::Mul(FromBits(d, hn::IfThenElseZero(counts, x.n)), up);
+    return x;
+  }
 
-    // The larger one goes to [2, 4), subnormal ones up to 2. A power of two is its exponent field.
-    const auto field = hn::And(m, infinity);
-    const auto subnormal = hn::Eq(field, hn::Zero(di));
-    const auto power =
-        hn::IfThenElse(subnormal, SetBits(d, typename C::Word{1} << C::kFraction), field);
-    const V up = FromBits(d, hn::Sub(infinity, power));
-    const auto negligible = hn::Lt(n, hn::Sub(m, SetBits(d, C::kNegligible)));
-    const V scaled_m = hn::Mul(FromBits(d, m), up);
-    const V scaled_n = hn::Mul(FromBits(d, hn::IfThenElse(negligible, hn::Zero(di), n)), up);
-    const Pair<V> root = Tier::Root(d, scaled_m, scaled_n);
-
-    V s = root.hi;
+  template <class D, class V>
+  static HWY_INLINE V ScaleUp(D d, const Scaled<D>& x, V s, V c, V a, V b) {
+    const hn::RebindToSigned<D> di;
+    const auto infinity = SetBits(d, C::kExponents << C::kFraction);
     if constexpr (Tier::kCorrected) {
       // Subnormal results are rounded once: a sum of at least 2 has their ulp.
       const V two = hn::Set(d, T(2));
-      const auto small = hn::And(hn::RebindMask(d, subnormal), hn::Lt(root.hi, two));
+      const auto least = SetBits(d, typename C::Word{1} << C::kFraction);
+      const auto small = hn::And(hn::RebindMask(d, hn::Lt(x.m, least)), hn::Lt(s, two));
       const V big = hn::IfThenElse(small, two, hn::Zero(d));
-      const Pair<V> sum = FastTwoSum(big, root.hi);
-      s = hn::Sub(hn::Add(sum.hi, hn::Add(sum.lo, root.lo)), big);
+      const Pair<V> sum = FastTwoSum(big, s);
+      s = hn::Sub(hn::Add(sum.hi, hn::Add(sum.lo, c)), big);
     }
-    V r = hn::Mul(hn::Mul(s, hn::Set(d, T(0.5))), FromBits(d, power));
-    r = hn::IfThenElse(hn::RebindMask(d, hn::Eq(n, hn::Zero(di))), FromBits(d, m), r);
-    if (hn::AllFalse(di, special)) return r;
+    // Power as a number is 2^(its exponent).
+    const V up = hn::Mul(hn::Mul(s, hn::Set(d, T(0.5))), FromBits(d, x.power));
+    const auto alone = hn::RebindMask(d, hn::Eq(x.n, hn::Zero(di)));
+    const V r = hn::IfThenElse(alone, FromBits(d, x.m), up);
+    const auto special = hn::Not(hn::Lt(x.most, infinity));
+    if (hn::AllFalse(di, special)) [[likely]]
+      return r;
     return hn::IfThenElse(hn::RebindMask(d, special), Special(d, a, b), r);
   }
 
@@ -145,7 +183,6 @@ struct HypotKernel : PlainKernel<Element, 2> {
   // precision without its sign.
   template <class D, class V>
   static HWY_INLINE V Special(D d, V a, V b) {
-    const hn::RebindToSigned<D> di;
     const auto infinity = SetBits(d, C::kExponents << C::kFraction);
     const auto abs_a = Bits(d, hn::Abs(a)), abs_b = Bits(d, hn::Abs(b));
     const auto is_infinite = hn::Or(hn::Eq(abs_a, infinity), hn::Eq(abs_b, infinity));
@@ -153,7 +190,6 @@ struct HypotKernel : PlainKernel<Element, 2> {
     V nan = hn::IfThenElse(second, b, a);
     if constexpr (sizeof(T) == 4) nan = hn::Abs(nan);
     const auto quiet = Bits(d, HardwareMul(nan, hn::Set(d, T(1))));
-    (void)di;
     return FromBits(d, hn::IfThenElse(is_infinite, infinity, quiet));
   }
 };

@@ -8,9 +8,9 @@
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
-using EP = HypotKernel<float, HypotEP>;
-using LA = HypotKernel<float, HypotLA>;
-using HA = HypotKernel<float, HypotHA>;
+using EP = HypotKernel<float, HypotPlain<float>>;
+using LA = HypotKernel<float, HypotPlain<float>>;
+using HA = HypotKernel<float, HypotHA<float>>;
 
 PEX_PLAIN_BINARY(float, sHypot_11, EP)
 PEX_PLAIN_BINARY(float, sHypot_21, LA)

@@ -13,33 +13,38 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vdInvSqrt";
 
 struct dInvSqrtCommon : Kernel<double> {
-  using Rarity = RareOutside<double, 0x00100000, 0x7E1FFFFF>;  // not positive, normal and below 2^993
+  using Rarity = RareOutside<double, 0x00100000, 0x7FEFFFFF>;  // not positive, normal and finite
   static HWY_INLINE int Rare(double x, double* r) { return InvSqrtScalar(x, r); }
 };
 
 struct dInvSqrtEP : dInvSqrtCommon {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return InverseRootEP(d, x);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    InverseRootEP(d, x, r);
   }
 };
 
 struct dInvSqrtLA : dInvSqrtCommon {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return InverseRootLA(d, x);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    InverseRootLA(d, x, r);
   }
 };
 
 // In full from 20 correct bits on: their square is exact, and so is its product with x as a pair.
 struct dInvSqrtHA : dInvSqrtCommon {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    const V start = RootStart(d, x, dRootStart).inverse;
-    const V y = FromBits(d, hn::And(Bits(d, start), SetBits(d, 0xFFFFFFFF00000000)));
-    const Pair<V> p = TwoProduct(d, x, hn::Mul(y, y));
-    const V e = hn::Sub(hn::Sub(hn::Set(d, 1), p.hi), p.lo);
-    return hn::Add(y, hn::Mul(hn::Mul(y, e), Horner(d, e, dRootRest)));
+  using Rarity = RareOutside<double, 0x02100000, 0x7E0FFFFF>;  // 2^-990 to 2^993, for TwoProduct
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    V y[K], e[K];
+    RootStart<false>(d, x, dRootStart, y, y);
+    for (size_t k = 0; k < K; ++k) {
+      y[k] = FromBits(d, hn::And(Bits(d, y[k]), SetBits(d, 0xFFFFFFFF00000000)));
+      const Pair<V> p = TwoProduct(d, x[k], hn::Mul(y[k], y[k]));
+      e[k] = hn::Sub(hn::Sub(hn::Set(d, 1), p.hi), p.lo);
+    }
+    RootCorrect(d, e, y);
+    for (size_t k = 0; k < K; ++k) r[k] = y[k];
   }
 };
 

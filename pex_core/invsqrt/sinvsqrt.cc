@@ -18,31 +18,39 @@ struct sInvSqrtCommon : Kernel<float> {
 };
 
 struct sInvSqrtEP : sInvSqrtCommon {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return InverseRootEP(d, x);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    InverseRootEP(d, x, r);
   }
 };
 
 struct sInvSqrtLA : sInvSqrtCommon {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return InverseRootLA(d, x);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    InverseRootLA(d, x, r);
   }
 };
 
 // One more step from the LA result, its square and the product with x as exact pairs. Correctly
 // rounded for all floats.
 struct sInvSqrtHA : sInvSqrtCommon {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    const auto [m, exponent] = RootReduce(d, x);
-    const V y = InverseRootLA(d, m);
-    const Pair<V> square = TwoProduct(d, y, y);
-    const Pair<V> p = TwoProduct(d, m, square.hi);
-    const V e = hn::Sub(hn::Sub(hn::Sub(hn::Set(d, 1), p.hi), p.lo), hn::Mul(m, square.lo));
-    const V half = hn::Mul(hn::Set(d, 0.5f), y);
-    return InverseRootScale(d, hn::Add(y, hn::Mul(half, e)), exponent);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    V m[K], y[K];
+    BitsOf<D> exponent[K];
+    for (size_t k = 0; k < K; ++k) {
+      const RootReduced<D> reduced = RootReduce(d, x[k]);
+      m[k] = reduced.m;
+      exponent[k] = reduced.exponent;
+    }
+    InverseRootLA(d, m, y);
+    for (size_t k = 0; k < K; ++k) {
+      const Pair<V> square = TwoProduct(d, y[k], y[k]);
+      const Pair<V> p = TwoProduct(d, m[k], square.hi);
+      const V e = hn::Sub(hn::Sub(hn::Sub(hn::Set(d, 1), p.hi), p.lo), hn::Mul(m[k], square.lo));
+      const V half = hn::Mul(hn::Set(d, 0.5f), y[k]);
+      r[k] = InverseRootScale(d, hn::Add(y[k], hn::Mul(half, e)), exponent[k]);
+    }
   }
 };
 

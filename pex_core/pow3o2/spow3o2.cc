@@ -3,9 +3,8 @@
 #define HWY_TARGET_INCLUDE "pex_core/pow3o2/spow3o2.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
-#include "pex_core/_heap/real/root_scalar.h"
+#include "pex_core/_heap/real/root_hardware-inl.h"
 #include "pex_core/_heap/real/root_square-inl.h"
-#include "pex_core/_kernel/elementwise-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
@@ -18,17 +17,25 @@ struct sPow3o2Common : Kernel<float> {
 };
 
 struct sPow3o2EP : sPow3o2Common {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return hn::Mul(x, RootEP(d, x));
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    V s[K];
+    RootEP(d, x, s);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::Mul(x[k], s[k]);
   }
 };
 
-struct sPow3o2LA : sPow3o2Common {
+// The product with the processor's root: below 1.5 ulp.
+struct sPow3o2LA : Kernel<float> {
   template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return hn::Mul(x, RootLA(d, x));
+  static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
+    return IsNegative(d, x);
   }
+  template <class D, class V>
+  static HWY_INLINE V Main(D, V x) {
+    return hn::Mul(x, hn::Sqrt(x));
+  }
+  static HWY_INLINE int Rare(float x, float* r) { return Pow3o2Scalar(x, r); }
 };
 
 // x s + s (x - s^2)/2 for the rounded root s: products and remainder exact. Correctly rounded for all

@@ -13,7 +13,6 @@ struct RootConstants;
 
 template <>
 struct RootConstants<double> {
-  static constexpr int kFraction = 52;
   // y = kInverseRoot - (bits of t >> 1), read as a number, is a straight line between powers of
   // two; here 3/2 <= t y^2 <= 27/16, the narrowest interval of all such constants.
   static constexpr uint64_t kInverseRoot = 0x5FEC000000000000;
@@ -24,20 +23,19 @@ struct RootConstants<double> {
   static constexpr uint64_t kOne = 0x3FF0000000000000;
   static constexpr uint64_t kEvenExponent = 0xFFE0000000000000;
   static constexpr auto& kStart = dRootStart;
-  static constexpr auto& kFirstStart = dRootFirstStart;
-  static constexpr double kSecondStep = dRootSecondStep;
+  static constexpr auto& kStepStart = dRootStepStart;
+  static constexpr double kStep = dRootStep;
 };
 
 template <>
 struct RootConstants<float> {
-  static constexpr int kFraction = 23;
   static constexpr uint32_t kInverseRoot = 0x5F600000;
   static constexpr uint32_t kInverse = 0x7EB21300;
   static constexpr float kInverseSum = 0x1.6a16p+0f;
   static constexpr uint32_t kOne = 0x3F800000;
   static constexpr uint32_t kEvenExponent = 0xFF000000;
   static constexpr auto& kStart = sRootStart;
-  static constexpr auto& kFirstStart = sRootStart;
+  static constexpr auto& kStepStart = sRootStart;
 };
 
 }  // namespace pex

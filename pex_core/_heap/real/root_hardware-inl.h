@@ -16,13 +16,23 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+// Negative numbers but -0, and NaNs with a sign.
+template <class D, class V>
+HWY_INLINE MaskOf<D> IsNegative(D d, V x) {
+  const auto flipped = hn::Xor(Bits(d, x), Bits(d, hn::SignBit(d)));
+  return hn::RebindMask(d, hn::Gt(flipped, SetBits(d, 0)));
+}
+
+template <class D, class V>
+HWY_INLINE MaskOf<D> IsZero(D d, V x) {
+  return hn::RebindMask(d, hn::Eq(hn::Add(Bits(d, x), Bits(d, x)), SetBits(d, 0)));
+}
+
 template <typename T>
 struct SqrtKernel : Kernel<T> {
-  // Rare: negative numbers but -0, and NaNs with a sign.
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
-    const auto flipped = hn::Xor(Bits(d, x), Bits(d, hn::SignBit(d)));
-    return hn::RebindMask(d, hn::Gt(flipped, SetBits(d, 0)));
+    return IsNegative(d, x);
   }
   template <class D, class V>
   static HWY_INLINE V Main(D, V x) {
@@ -30,12 +40,6 @@ struct SqrtKernel : Kernel<T> {
   }
   static HWY_INLINE int Rare(T x, T* r) { return SqrtScalar(x, r); }
 };
-
-// Rare: zero.
-template <class D, class V>
-HWY_INLINE MaskOf<D> IsZero(D d, V x) {
-  return hn::RebindMask(d, hn::Eq(hn::Add(Bits(d, x), Bits(d, x)), SetBits(d, 0)));
-}
 
 template <typename T>
 struct InvKernel : Kernel<T> {

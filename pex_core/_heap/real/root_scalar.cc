@@ -134,7 +134,7 @@ int InvSqrtScalar(float x, float* r) {
 int Pow3o2Scalar(double x, double* r) {
   int code = PEX_STATUS_OK;
   if (NotPositive(x, r, &code)) return code;
-  if (x == 0 || x > 0x1p700) {
+  if (x == 0 || x > 0x1p683) {
     *r = x * x;  // 0, or infinity
     return PEX_STATUS_OK;
   }

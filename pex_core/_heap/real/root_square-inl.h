@@ -19,71 +19,84 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Approximations of sqrt(t) and 1/sqrt(t).
-template <class V>
-struct RootPair {
-  V root, inverse;
-};
-
 template <class D>
 using RootConstantsOf = RootConstants<hn::TFromD<D>>;
 
-// Times the scale of the polynomial c: with 15 correct bits for positive normal t, and anything
-// finite for zero.
-template <class D, class V, typename T>
-HWY_INLINE RootPair<V> RootStart(D d, V t, const T (&c)[3]) {
-  const V y = FromBits(d, hn::Sub(SetBits(d, RootConstantsOf<D>::kInverseRoot),
-                                  hn::ShiftRight<1>(Bits(d, t))));
-  const V h = hn::Mul(t, y);
-  const V q = Horner(d, hn::Mul(h, y), c);
-  return {hn::Mul(h, q), hn::Mul(y, q)};
-}
-
-// sqrt(t) with an error of sqrt and t y below 1.2 ulp, and as much of a rounding of t.
-template <class D, class V>
-HWY_INLINE V RootLA(D d, V t) {
-  const auto [s, y] = RootStart(d, t, RootConstantsOf<D>::kStart);
-  const V e = hn::Sub(hn::Set(d, 1), hn::Mul(s, y));
-  if constexpr (sizeof(hn::TFromD<D>) == 8) {
-    return hn::Add(s, hn::Mul(hn::Mul(s, e), Horner(d, e, dRootRest)));
+// y near 1/sqrt(t) and s near sqrt(t), times the scale of the polynomial c: with 15 correct bits for
+// positive normal t, and anything finite for zero. All of this works on several vectors, a step at
+// a time: the chains of dependent operations are long.
+template <bool kRoots, class D, class V, size_t K, typename T>
+HWY_INLINE void RootStart(D d, const V (&t)[K], const T (&c)[3], V (&y)[K], V (&s)[K]) {
+  const hn::RebindToUnsigned<D> du;
+  const auto line = hn::Set(du, RootConstantsOf<D>::kInverseRoot);
+  V h[K], q[K];
+  for (size_t k = 0; k < K; ++k) {
+    y[k] = hn::BitCast(d, hn::Sub(line, hn::ShiftRight<1>(hn::BitCast(du, t[k]))));
+  }
+  for (size_t k = 0; k < K; ++k) h[k] = hn::Mul(t[k], y[k]);
+  for (size_t k = 0; k < K; ++k) q[k] = hn::Mul(h[k], y[k]);
+  for (size_t k = 0; k < K; ++k) q[k] = Horner(d, q[k], c);
+  for (size_t k = 0; k < K; ++k) y[k] = hn::Mul(y[k], q[k]);
+  if constexpr (kRoots) {
+    for (size_t k = 0; k < K; ++k) s[k] = hn::Mul(h[k], q[k]);
   } else {
-    return hn::Add(s, hn::Mul(hn::Mul(s, e), hn::Set(d, 0.5f)));
+    (void)s;
   }
 }
 
-// sqrt(t) with 28 or 15 correct bits.
-template <class D, class V>
-HWY_INLINE V RootEP(D d, V t) {
+// r / sqrt(1 - e) by the binomial series: in double for |e| < 2^-14 within 2^-57, in single precision
+// within 2^-29.
+template <class D, class V, size_t K>
+HWY_INLINE void RootCorrect(D d, const V (&e)[K], V (&r)[K]) {
+  V p[K];
+  for (size_t k = 0; k < K; ++k) {
+    if constexpr (sizeof(hn::TFromD<D>) == 8) {
+      p[k] = Horner(d, e[k], {0.5, 0.375, 0.3125});
+    } else {
+      p[k] = hn::Set(d, 0.5f);
+    }
+  }
+  for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(hn::Mul(r[k], e[k]), p[k]);
+  for (size_t k = 0; k < K; ++k) r[k] = hn::Add(r[k], p[k]);
+}
+
+// sqrt(t) with 28 correct bits, in single precision 15.
+template <class D, class V, size_t K>
+HWY_INLINE void RootEP(D d, const V (&t)[K], V (&r)[K]) {
   using C = RootConstantsOf<D>;
-  const auto [s, y] = RootStart(d, t, C::kFirstStart);
+  V y[K], s[K];
+  RootStart<true>(d, t, C::kStepStart, y, s);
   if constexpr (sizeof(hn::TFromD<D>) == 8) {
-    return hn::Mul(s, hn::Sub(hn::Set(d, C::kSecondStep), hn::Mul(s, y)));
-  } else {
-    return s;
+    for (size_t k = 0; k < K; ++k) {
+      s[k] = hn::Mul(s[k], hn::Sub(hn::Set(d, C::kStep), hn::Mul(s[k], y[k])));
+    }
   }
+  for (size_t k = 0; k < K; ++k) r[k] = s[k];
 }
 
-// 1/sqrt(t) likewise, for positive normal t.
-template <class D, class V>
-HWY_INLINE V InverseRootLA(D d, V t) {
-  const V y = RootStart(d, t, RootConstantsOf<D>::kStart).inverse;
-  const V e = hn::Sub(hn::Set(d, 1), hn::Mul(hn::Mul(t, y), y));
-  if constexpr (sizeof(hn::TFromD<D>) == 8) {
-    return hn::Add(y, hn::Mul(hn::Mul(y, e), Horner(d, e, dRootRest)));
-  } else {
-    return hn::Add(y, hn::Mul(hn::Mul(y, e), hn::Set(d, 0.5f)));
-  }
+// 1/sqrt(t) for positive normal t: within 1.5 ulp; with 28 or 15 correct bits.
+template <class D, class V, size_t K>
+HWY_INLINE void InverseRootLA(D d, const V (&t)[K], V (&r)[K]) {
+  V y[K], e[K];
+  RootStart<false>(d, t, RootConstantsOf<D>::kStart, y, y);
+  for (size_t k = 0; k < K; ++k) e[k] = hn::Mul(t[k], y[k]);
+  for (size_t k = 0; k < K; ++k) e[k] = hn::Sub(hn::Set(d, 1), hn::Mul(e[k], y[k]));
+  RootCorrect(d, e, y);
+  for (size_t k = 0; k < K; ++k) r[k] = y[k];
 }
 
-template <class D, class V>
-HWY_INLINE V InverseRootEP(D d, V t) {
+template <class D, class V, size_t K>
+HWY_INLINE void InverseRootEP(D d, const V (&t)[K], V (&r)[K]) {
   using C = RootConstantsOf<D>;
-  const V y = RootStart(d, t, C::kFirstStart).inverse;
+  V y[K];
+  RootStart<false>(d, t, C::kStepStart, y, y);
   if constexpr (sizeof(hn::TFromD<D>) == 8) {
-    return hn::Mul(y, hn::Sub(hn::Set(d, C::kSecondStep), hn::Mul(hn::Mul(t, y), y)));
-  } else {
-    return y;
+    for (size_t k = 0; k < K; ++k) {
+      const V u = hn::Mul(hn::Mul(t[k], y[k]), y[k]);
+      y[k] = hn::Mul(y[k], hn::Sub(hn::Set(d, C::kStep), u));
+    }
   }
+  for (size_t k = 0; k < K; ++k) r[k] = y[k];
 }
 
 // t = 4^k m, 1 <= m < 4, for positive normal t.
