@@ -86,7 +86,7 @@ inline constexpr LogFactors kLnFactors = {{
     {0x1p+0, 0x0p+0},
     {0x1.5556561955555p+0, -0x1.2699235e2cp-2},
     {0x1.3b17a48f13b14p+0, -0x1.a958814178p-3},
-    {0x1.2498f75492492p+0, -0x1.11a7aae9d4p-3},
+    {0x1.2333b12133333p+0, -0x1.07dcfd01c4p-3},
     {0x1p+0, 0x0p+0},
 }};
 
