@@ -1,6 +1,6 @@
-// sqrt(a^2 + b^2) without overflow or underflow on the way. Groups whose numbers are all of moderate
-// size go straight ahead; the others are scaled lane by lane, which changes no bit of the former's
-// lanes: scaling by powers of two is exact.
+// sqrt(a^2 + b^2) without overflow or underflow on the way. Groups whose numbers are all of
+// moderate size go straight ahead; the others are scaled lane by lane, which changes no bit of the
+// former's lanes: scaling by powers of two is exact.
 
 #include <algorithm>
 

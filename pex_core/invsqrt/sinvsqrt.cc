@@ -48,8 +48,10 @@ struct sInvSqrtHA : sInvSqrtCommon {
       const Pair<V> square = TwoProduct(d, y[k], y[k]);
       const Pair<V> p = TwoProduct(d, m[k], square.hi);
       const V e = hn::Sub(hn::Sub(hn::Sub(hn::Set(d, 1), p.hi), p.lo), hn::Mul(m[k], square.lo));
+      // y (1 - e)^(-1/2): the square counts where e is largest.
       const V half = hn::Mul(hn::Set(d, 0.5f), y[k]);
-      r[k] = InverseRootScale(d, hn::Add(y[k], hn::Mul(half, e)), exponent[k]);
+      const V step = hn::Add(e, hn::Mul(hn::Mul(hn::Set(d, 0.75f), e), e));
+      r[k] = InverseRootScale(d, hn::Add(y[k], hn::Mul(half, step)), exponent[k]);
     }
   }
 };

@@ -12,7 +12,8 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vdPow3o2";
 
 struct dPow3o2Common : Kernel<double> {
-  using Rarity = RareOutside<double, 0x15600000, 0x6A995FFF>;  // results below 2^-1021 or next to overflow
+  using Rarity =
+      RareOutside<double, 0x15600000, 0x6A995FFF>;  // results below 2^-1021 or next to overflow
   static HWY_INLINE int Rare(double x, double* r) { return Pow3o2Scalar(x, r); }
 };
 

@@ -12,7 +12,8 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vsPow3o2";
 
 struct sPow3o2Common : Kernel<float> {
-  using Rarity = RareOutside<float, 0x16000000, 0x6A214000>;  // results below 2^-124 or next to overflow
+  using Rarity =
+      RareOutside<float, 0x16000000, 0x6A214000>;  // results below 2^-124 or next to overflow
   static HWY_INLINE int Rare(float x, float* r) { return Pow3o2Scalar(x, r); }
 };
 
@@ -38,8 +39,8 @@ struct sPow3o2LA : Kernel<float> {
   static HWY_INLINE int Rare(float x, float* r) { return Pow3o2Scalar(x, r); }
 };
 
-// x s + s (x - s^2)/2 for the rounded root s: products and remainder exact. Correctly rounded for all
-// floats.
+// x s + s (x - s^2)/2 for the rounded root s: products and remainder exact. Correctly rounded for
+// all floats; with 1/2 itself, the one just below 4 and its like would be lost to a tie.
 struct sPow3o2HA : sPow3o2Common {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
@@ -48,7 +49,7 @@ struct sPow3o2HA : sPow3o2Common {
     const Pair<V> square = TwoProduct(d, s, s);
     const V rest = hn::Sub(hn::Sub(m, square.hi), square.lo);
     const Pair<V> p = TwoProduct(d, m, s);
-    const V tail = hn::Add(p.lo, hn::Mul(hn::Mul(hn::Set(d, 0.5f), s), rest));
+    const V tail = hn::Add(p.lo, hn::Mul(hn::Mul(s, rest), hn::Set(d, 0x1.000002p-1f)));
     return CubedRootScale(d, hn::Add(p.hi, tail), exponent);
   }
 };

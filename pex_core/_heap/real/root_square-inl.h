@@ -22,9 +22,9 @@ namespace hn = hwy::HWY_NAMESPACE;
 template <class D>
 using RootConstantsOf = RootConstants<hn::TFromD<D>>;
 
-// y near 1/sqrt(t) and s near sqrt(t), times the scale of the polynomial c: with 15 correct bits for
-// positive normal t, and anything finite for zero. All of this works on several vectors, a step at
-// a time: the chains of dependent operations are long.
+// y near 1/sqrt(t) and s near sqrt(t), times the scale of the polynomial c: with 15 correct bits
+// for positive normal t, and anything finite for zero. All of this works on several vectors, a step
+// at a time: the chains of dependent operations are long.
 template <bool kRoots, class D, class V, size_t K, typename T>
 HWY_INLINE void RootStart(D d, const V (&t)[K], const T (&c)[3], V (&y)[K], V (&s)[K]) {
   const hn::RebindToUnsigned<D> du;
@@ -44,8 +44,8 @@ HWY_INLINE void RootStart(D d, const V (&t)[K], const T (&c)[3], V (&y)[K], V (&
   }
 }
 
-// r / sqrt(1 - e) by the binomial series: in double for |e| < 2^-14 within 2^-57, in single precision
-// within 2^-29.
+// r / sqrt(1 - e) by the binomial series: in double for |e| < 2^-14 within 2^-57, in single
+// precision within 2^-29.
 template <class D, class V, size_t K>
 HWY_INLINE void RootCorrect(D d, const V (&e)[K], V (&r)[K]) {
   V p[K];
