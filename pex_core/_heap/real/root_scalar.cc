@@ -76,6 +76,28 @@ bool NotPositive(T x, T* r, int* code) {
   return true;
 }
 
+// A zero divisor's quotient is made without the division: its exceptions are the error report's.
+template <typename Word, typename T>
+int Quotient(T a, T b, T* r) {
+  constexpr Word kSign = Word{1} << (sizeof(Word) * 8 - 1);
+  const Word infinity = std::bit_cast<Word>(std::numeric_limits<T>::infinity());
+  const Word nan = std::bit_cast<Word>(std::numeric_limits<T>::quiet_NaN());
+  const Word bits_a = std::bit_cast<Word>(a), bits_b = std::bit_cast<Word>(b);
+  const Word magnitude = bits_a & ~kSign;
+  if ((bits_b & ~kSign) != 0) {
+    *r = a / b;
+    return PEX_STATUS_OK;
+  }
+  if (magnitude > infinity) {
+    *r = std::bit_cast<T>(bits_a | nan);
+  } else if (magnitude == 0) {
+    *r = std::bit_cast<T>(nan | kSign);
+  } else {
+    *r = std::bit_cast<T>(((bits_a ^ bits_b) & kSign) | infinity);
+  }
+  return PEX_STATUS_SINGULARITY;
+}
+
 }  // namespace
 
 int SqrtScalar(double x, double* r) {
@@ -90,15 +112,8 @@ int SqrtScalar(float x, float* r) {
   return code;
 }
 
-int DivScalar(double a, double b, double* r) {
-  *r = a / b;
-  return b == 0 ? PEX_STATUS_SINGULARITY : PEX_STATUS_OK;
-}
-
-int DivScalar(float a, float b, float* r) {
-  *r = a / b;
-  return b == 0 ? PEX_STATUS_SINGULARITY : PEX_STATUS_OK;
-}
+int DivScalar(double a, double b, double* r) { return Quotient<uint64_t>(a, b, r); }
+int DivScalar(float a, float b, float* r) { return Quotient<uint32_t>(a, b, r); }
 
 int InvSqrtScalar(double x, double* r) {
   int code = PEX_STATUS_OK;
