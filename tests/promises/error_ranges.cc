@@ -77,8 +77,8 @@ std::vector<ErrorRange> RangesOf(const std::vector<ErrorRange>& all, const pex::
 
 // The closed line from -inf to inf stands for any argument, NaNs included.
 static bool Fits(const Interval& interval, double x) {
-  const bool any = std::isinf(interval.lo) && std::isinf(interval.hi) && !interval.open_lo &&
-                   !interval.open_hi;
+  const bool any =
+      std::isinf(interval.lo) && std::isinf(interval.hi) && !interval.open_lo && !interval.open_hi;
   return interval.Has(x) || (any && std::isnan(x));
 }
 
