@@ -107,11 +107,16 @@ struct HypotKernel : PlainKernel<Element, 2> {
       }
     } else {
       Scaled<D> x[K];
-      V m[K], n[K];
-      for (size_t k = 0; k < K; ++k) x[k] = ScaleDown(d, a[k], b[k], m[k], n[k]);
-      V s[K];
+      V m[K], n[K], s[K];
+      auto special = hn::Zero(hn::RebindToSigned<D>());
+      for (size_t k = 0; k < K; ++k) x[k] = ScaleDown(d, a[k], b[k], m[k], n[k], special);
       Tier::Root(d, m, n, s, c);
-      for (size_t k = 0; k < K; ++k) r[k] = ScaleUp(d, x[k], s[k], c[k], a[k], b[k]);
+      const bool any =
+          !hn::AllTrue(hn::RebindToSigned<D>(), hn::Eq(special, hn::Zero(hn::RebindToSigned<D>())));
+      for (size_t k = 0; k < K; ++k) {
+        const V up = ScaleUp(d, x[k], s[k], c[k]);
+        r[k] = any ? Special(d, a[k], b[k], up) : up;
+      }
     }
   }
 
@@ -128,69 +133,64 @@ struct HypotKernel : PlainKernel<Element, 2> {
   struct Scaled {
     BitsOf<D> m, n;   // larger and smaller magnitude; 1 where one is not finite
     BitsOf<D> power;  // the exponent field of m, at least 1
-    BitsOf<D> most;   // the larger magnitude, infinite or not a number included
   };
 
-  // Any a and b; the larger one goes to [2, 4), subnormal ones up to 2.
+  // Any a and b; the larger one goes to [2, 4), subnormal ones up to 2. Bits stay in `special`
+  // where one is not finite.
   template <class D, class V>
-  static HWY_INLINE Scaled<D> ScaleDown(D d, V a, V b, V& scaled_m, V& scaled_n) {
+  static HWY_INLINE Scaled<D> ScaleDown(D d, V a, V b, V& scaled_m, V& scaled_n,
+                                        BitsOf<D>& special) {
     const hn::RebindToSigned<D> di;
     const auto infinity = SetBits(d, C::kExponents << C::kFraction);
-    const auto abs_a = Bits(d, hn::Abs(a)), abs_b = Bits(d, hn::Abs(b));
-    const auto order = hn::Gt(abs_b, abs_a);
-    Scaled<D> x;
-    x.most = hn::IfThenElse(order, abs_b, abs_a);
-    const auto finite = hn::Lt(x.most, infinity);
     const auto one = SetBits(d, RootConstants<T>::kOne);
-    x.m = hn::IfThenElse(finite, x.most, one);
-    x.n = hn::IfThenElse(finite, hn::IfThenElse(order, abs_a, abs_b), one);
-    const auto field = hn::And(x.m, infinity);
     const auto least = SetBits(d, typename C::Word{1} << C::kFraction);
+    const auto abs_a = Bits(d, hn::Abs(a)), abs_b = Bits(d, hn::Abs(b));
+    const auto most = hn::IfThenElse(hn::Gt(abs_b, abs_a), abs_b, abs_a);
+    const auto not_finite = hn::VecFromMask(di, hn::Gt(most, hn::Sub(infinity, hn::Set(di, 1))));
+    special = hn::Or(special, not_finite);
+    Scaled<D> x;
+    x.m = hn::IfVecThenElse(not_finite, one, most);
+    x.n = hn::IfVecThenElse(not_finite, one, hn::Xor(hn::Xor(abs_a, abs_b), most));
+    const auto field = hn::And(x.m, infinity);
     x.power = hn::IfThenElse(hn::Eq(field, hn::Zero(di)), least, field);
     const V up = FromBits(d, hn::Sub(infinity, x.power));
-    const auto counts = hn::Not(hn::Lt(x.n, hn::Sub(x.m, SetBits(d, C::kNegligible))));
-    // Alone, m is the result; whatever is computed for it must not divide by zero.
-    const auto alone = hn::RebindMask(d, hn::Eq(x.n, hn::Zero(di)));
-    scaled_m = hn::IfThenElse(alone, hn::Set(d, 2), hn::Mul(FromBits(d, x.m), up));
-    scaled_n = hn::Mul(FromBits(d, hn::IfThenElseZero(counts, x.n)), up);
+    const auto negligible = hn::Gt(hn::Sub(x.m, SetBits(d, C::kNegligible)), x.n);
+    scaled_m = hn::Mul(FromBits(d, x.m), up);
+    scaled_n = hn::Mul(FromBits(d, hn::IfThenZeroElse(negligible, x.n)), up);
     return x;
   }
 
   template <class D, class V>
-  static HWY_INLINE V ScaleUp(D d, const Scaled<D>& x, V s, V c, V a, V b) {
+  static HWY_INLINE V ScaleUp(D d, const Scaled<D>& x, V s, V c) {
     const hn::RebindToSigned<D> di;
-    const auto infinity = SetBits(d, C::kExponents << C::kFraction);
     if constexpr (Tier::kCorrected) {
       // Subnormal results are rounded once: a sum of at least 2 has their ulp.
       const V two = hn::Set(d, T(2));
       const auto least = SetBits(d, typename C::Word{1} << C::kFraction);
-      const auto small = hn::And(hn::RebindMask(d, hn::Lt(x.m, least)), hn::Lt(s, two));
-      const V big = hn::IfThenElse(small, two, hn::Zero(d));
+      const auto small = hn::And(hn::RebindMask(d, hn::Gt(least, x.m)), hn::Lt(s, two));
+      const V big = hn::IfThenElseZero(small, two);
       const Pair<V> sum = FastTwoSum(big, s);
       s = hn::Sub(hn::Add(sum.hi, hn::Add(sum.lo, c)), big);
     }
-    // Power as a number is 2^(its exponent).
+    // As a number, power is 2 to its exponent.
     const V up = hn::Mul(hn::Mul(s, hn::Set(d, T(0.5))), FromBits(d, x.power));
     const auto alone = hn::RebindMask(d, hn::Eq(x.n, hn::Zero(di)));
-    const V r = hn::IfThenElse(alone, FromBits(d, x.m), up);
-    const auto special = hn::Not(hn::Lt(x.most, infinity));
-    if (hn::AllFalse(di, special)) [[likely]]
-      return r;
-    return hn::IfThenElse(hn::RebindMask(d, special), Special(d, a, b), r);
+    return hn::IfThenElse(alone, FromBits(d, x.m), up);
   }
 
-  // Infinity, and otherwise a NaN, where there is one: the second, or the first, quiet; in single
-  // precision without its sign.
+  // Infinity, or otherwise a NaN, where there is one: the second, or the first, quiet; in single
+  // precision without its sign. r in the other lanes.
   template <class D, class V>
-  static HWY_INLINE V Special(D d, V a, V b) {
+  static HWY_NOINLINE V Special(D d, V a, V b, V r) {
     const auto infinity = SetBits(d, C::kExponents << C::kFraction);
     const auto abs_a = Bits(d, hn::Abs(a)), abs_b = Bits(d, hn::Abs(b));
     const auto is_infinite = hn::Or(hn::Eq(abs_a, infinity), hn::Eq(abs_b, infinity));
-    const auto second = hn::RebindMask(d, hn::Gt(abs_b, infinity));
-    V nan = hn::IfThenElse(second, b, a);
+    const auto second = hn::Gt(abs_b, infinity);
+    V nan = hn::IfThenElse(hn::RebindMask(d, second), b, a);
     if constexpr (sizeof(T) == 4) nan = hn::Abs(nan);
-    const auto quiet = Bits(d, HardwareMul(nan, hn::Set(d, T(1))));
-    return FromBits(d, hn::IfThenElse(is_infinite, infinity, quiet));
+    const auto is_nan = hn::Or(second, hn::Gt(abs_a, infinity));
+    r = hn::IfThenElse(hn::RebindMask(d, is_nan), HardwareMul(nan, hn::Set(d, T(1))), r);
+    return FromBits(d, hn::IfThenElse(is_infinite, infinity, Bits(d, r)));
   }
 };
 
