@@ -35,6 +35,7 @@ HWY_INLINE LogArgument<V> OrLarge(D d, M large, V a, V u, V rest) {
 struct AsinhSum {
   static constexpr double kFactor = 1;
   static constexpr bool kHasLarge = true;
+  static constexpr bool kExactSum = false;
   template <class D, class V>
   static HWY_INLINE LogArgument<V> Plain(D d, V a) {
     using T = hn::TFromD<D>;
@@ -55,11 +56,13 @@ struct AsinhSum {
     const Pair<V> sum = kFull ? TwoSum(one, square.hi) : FastTwoSum(one, square.hi);
     const V root = hn::Sqrt(sum.hi);
     V residual = hn::Add(Remainder(d, sum.hi, root, root), sum.lo);
-    // Where the residual weighs, LA's root is 1.
+    // It weighs where the root is close to 1; LA takes it for 1, and leaves the residual out beyond
+    // a = 2.
     if constexpr (kFull) {
       residual = hn::Div(hn::Add(residual, square.lo), hn::Add(root, root));
     } else {
-      residual = hn::Mul(residual, hn::Set(d, T(0.5)));
+      residual =
+          hn::IfThenElseZero(hn::Lt(y, hn::Set(d, T(2))), hn::Mul(residual, hn::Set(d, T(0.5))));
     }
     const Pair<V> u = FastTwoSum(root, y);
     return OrLarge(d, large, a, u.hi, hn::Add(u.lo, residual));
@@ -70,6 +73,7 @@ struct AsinhSum {
 struct AcoshSum {
   static constexpr double kFactor = 1;
   static constexpr bool kHasLarge = true;
+  static constexpr bool kExactSum = true;
   template <class D, class V>
   static HWY_INLINE LogArgument<V> Plain(D d, V a) {
     using T = hn::TFromD<D>;
@@ -106,6 +110,7 @@ struct AcoshSum {
 struct AtanhSum {
   static constexpr double kFactor = 0.5;
   static constexpr bool kHasLarge = false;
+  static constexpr bool kExactSum = false;
   template <class D, class V>
   static HWY_INLINE LogArgument<V> Plain(D d, V a) {
     const V one = hn::Set(d, static_cast<hn::TFromD<D>>(1));
@@ -116,19 +121,20 @@ struct AtanhSum {
     using T = hn::TFromD<D>;
     const V one = hn::Set(d, T(1));
     const V twice = hn::Add(a, a);
-    const Pair<V> less = FastTwoSum(one, hn::Neg(a));
-    const V quotient = hn::Div(twice, less.hi);
-    V rest = hn::Zero(d);
-    if constexpr (kFull) {
-      const V residual = Remainder(d, twice, quotient, less.hi);
-      rest = hn::Div(hn::Sub(residual, hn::Mul(quotient, less.lo)), less.hi);
+    const V less = hn::Sub(one, a);
+    const V quotient = hn::Div(twice, less);
+    V residual = Remainder(d, twice, quotient, less);
+    if constexpr (sizeof(hn::TFromD<D>) == 8) {
+      const V less_lost = hn::Sub(hn::Sub(one, less), a);
+      residual = hn::Sub(residual, hn::Mul(quotient, less_lost));
     }
     if constexpr (kFull) {
       const Pair<V> u = TwoSum(one, quotient);
-      return {u.hi, hn::Add(u.lo, rest), hn::Zero(d)};
+      return {u.hi, hn::Add(u.lo, hn::Div(residual, less)), hn::Zero(d)};
     }
+    // The residual weighs where 1 - a is close to 1. The sum's error is exact below 2^53.
     const V u = hn::Add(one, quotient);
-    return {u, hn::Sub(quotient, hn::Sub(u, one)), hn::Zero(d)};  // exact below 2^53
+    return {u, hn::Add(hn::Sub(quotient, hn::Sub(u, one)), residual), hn::Zero(d)};
   }
 };
 
@@ -166,7 +172,7 @@ template <class F, class D, class V, size_t K>
 HWY_INLINE void InverseLA(D d, const V (&a)[K], V (&r)[K]) {
   LogArgument<V> argument[K];
   for (size_t k = 0; k < K; ++k) argument[k] = F::template Argument<false>(d, a[k]);
-  LogOfSumLA<F::kHasLarge>(d, argument, r);
+  LogOfSumLA<F::kHasLarge, F::kExactSum>(d, argument, r);
   for (size_t k = 0; k < K && F::kFactor != 1; ++k) {
     r[k] = hn::Mul(r[k], hn::Set(d, F::kFactor));
   }
@@ -204,11 +210,11 @@ HWY_INLINE V InverseSingleLA(D d, V a) {
   auto u = sLogReduce(d, x.u);
   const auto point = sLogNextPoint(d, u.m);
   const V scale = FromBits(d, hn::Sub(Bits(d, hn::Set(d, 1.0f)), u.exponent_bits));  // 2^-e
-  const V t = hn::Add(hn::Sub(u.m, point.a), hn::Mul(scale, x.rest));
+  const Pair<V> t = FastTwoSum(hn::Sub(u.m, point.a), hn::Mul(scale, x.rest));
   if constexpr (F::kHasLarge) {
     u.scaled = hn::Add(u.scaled, hn::Mul(x.shift, hn::Set(d, 0x1p23f)));
   }
-  const V r = sLogLASum<sNaturalLog>(d, u.scaled, t, point.row);
+  const V r = sLogLASum<sNaturalLog>(d, u.scaled, t.hi, t.lo, point.row);
   return F::kFactor == 1 ? r : hn::Mul(r, hn::Set(d, static_cast<float>(F::kFactor)));
 }
 

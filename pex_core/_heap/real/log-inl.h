@@ -163,9 +163,10 @@ HWY_INLINE void LogPlain(D d, const LogReduced<D> (&x)[K], const V (&p)[K], cons
 }
 
 // The sum of LA, on a division instead of a long polynomial: log(1 + p) = p - s (p - s^2 R(s^2))
-// for s = p/(2 + p) = t/(m + a).
+// for s = p/(2 + p) = t/(m + a). `low` is what t lacks, of weight next to a = 1 alone.
 template <class Base, class D, class V, size_t K>
-HWY_INLINE void LogByDivision(D d, const LogReduced<D> (&x)[K], const V (&t)[K], V (&r)[K]) {
+HWY_INLINE void LogByDivision(D d, const LogReduced<D> (&x)[K], const V (&t)[K], V (&r)[K],
+                              const V* low = nullptr) {
   V s[K], s2[K], p[K];
   for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(x[k].m, x[k].row.a));
   for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(t[k], x[k].row.factor);
@@ -174,7 +175,9 @@ HWY_INLINE void LogByDivision(D d, const LogReduced<D> (&x)[K], const V (&t)[K],
     const V rest = hn::Mul(s2[k], Horner(d, s2[k], Base::kLA));
     const V head =
         hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x[k].row.log);
-    r[k] = hn::Add(head, hn::Sub(p[k], hn::Mul(s[k], hn::Sub(p[k], rest))));
+    V tail = hn::Mul(s[k], hn::Sub(p[k], rest));
+    if (low != nullptr) tail = hn::Sub(tail, low[k]);
+    r[k] = hn::Add(head, hn::Sub(p[k], tail));
   }
 }
 

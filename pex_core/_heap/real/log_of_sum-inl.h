@@ -40,18 +40,22 @@ HWY_INLINE void LogOfSumPair(D d, const LogArgument<V> (&x)[K], Pair<V> (&r)[K])
   LogPair<NaturalLog>(d, v, p, r);
 }
 
-// Within 1.5 ulp.
-template <bool kShift, class D, class V, size_t K>
+// Within 1.8 ulp for the arguments of the functions here. kExact keeps the rounding error of the
+// polynomial's argument.
+template <bool kShift, bool kExact, class D, class V, size_t K>
 HWY_INLINE void LogOfSumLA(D d, const LogArgument<V> (&x)[K], V (&r)[K]) {
-  V u[K], t[K];
+  V u[K], t[K], low[K];
   LogReduced<D> v[K];
   for (size_t k = 0; k < K; ++k) u[k] = x[k].u;
   LogReduce<NaturalLog>(d, u, v);
   for (size_t k = 0; k < K; ++k) {
-    t[k] = hn::Add(hn::Sub(v[k].m, v[k].row.a), hn::Mul(InversePower(d, v[k]), x[k].rest));
+    const Pair<V> sum =
+        FastTwoSum(hn::Sub(v[k].m, v[k].row.a), hn::Mul(InversePower(d, v[k]), x[k].rest));
+    t[k] = sum.hi;
+    low[k] = sum.lo;
     if constexpr (kShift) v[k].e = hn::Add(v[k].e, x[k].shift);
   }
-  LogByDivision<NaturalLog>(d, v, t, r);
+  LogByDivision<NaturalLog>(d, v, t, r, kExact ? low : nullptr);
 }
 
 // The function F of x correctly rounded to single precision, x given in double: by LA's sum, and in
@@ -72,7 +76,7 @@ HWY_INLINE VecOf<D> LogOfSumSingle(D d, V x) {
   const hn::Rebind<double, D> wide;
   const LogArgument<V> argument[1] = {F::template Argument<false>(wide, x)};
   V r[1];
-  LogOfSumLA<F::kHasLarge>(wide, argument, r);
+  LogOfSumLA<F::kHasLarge, F::kExactSum>(wide, argument, r);
   const V y = hn::Mul(r[0], hn::Set(wide, F::kFactor));
   // In units of the double's last place the middle of two floats is at 2^28 of 2^29.
   constexpr uint64_t kDoubt = 16;
