@@ -110,10 +110,8 @@ void Erfc(bool rests) {
   for (int j = 0; j < pex::kErfcRowCount; ++j) {
     At(j / 128.0, true);
     double rest_f, rest_s;
-    if (j >= pex::kErfcScaledRow) {
-      mpfr_mul_2ui(value, value, 512, MPFR_RNDN);
-      mpfr_mul_2ui(slope, slope, 512, MPFR_RNDN);
-    }
+    mpfr_mul_2ui(value, value, pex::kErfcScale, MPFR_RNDN);
+    mpfr_mul_2ui(slope, slope, pex::kErfcScale, MPFR_RNDN);
     const double f = Round(value, &rest_f), s = Round(slope, &rest_s);
     if (rests) {
       std::printf("%s0x%016" PRIX64 ",", j % 4 ? " " : "\n    ", Packed(rest_f, rest_s));

@@ -16,6 +16,7 @@ static char _PEX_THISFUNC_NAME[] = "vdErfc";
 
 template <ErfcTier kTier>
 struct dErfcKernel : Kernel<double> {
+  static constexpr int kUnroll = 6;
   // Common from -8164 to 26.54, where the result comes close to the subnormal numbers.
   struct Rarity : RareAbove<double, 0x40AFFF14> {  // |x + 4069| > 4095.54
     template <class D>
@@ -29,20 +30,16 @@ struct dErfcKernel : Kernel<double> {
     ErfcReduced<D> u[K];
     V z[K];
     Pair<V> e[K];
-    // From -6 down the result is 2.
-    for (size_t k = 0; k < K; ++k) z[k] = hn::Abs(hn::Max(x[k], hn::Set(d, -6.0)));
+    for (size_t k = 0; k < K; ++k) {
+      // From -6 down the result is 2.
+      const V ax = hn::Abs(hn::Max(x[k], hn::Set(d, -6.0)));
+      z[k] = hn::Add(ax, hn::Set(d, 0x1p-200));
+    }
     ErfcReduce<kTier, false>(d, z, z, u);
     ErfcScaled<kTier, false>(d, u, e);
     for (size_t k = 0; k < K; ++k) {
-      const V two = hn::Set(d, 2.0);
-      if constexpr (kTier == ErfcTier::kHA) {
-        const V y = Unscaled<0>(d, hn::Add(e[k].hi, e[k].lo), u[k].j);
-        const Pair<V> less = FastTwoSum(two, hn::Neg(e[k].hi));
-        out[k] = hn::IfNegativeThenElse(x[k], hn::Add(less.hi, hn::Sub(less.lo, e[k].lo)), y);
-      } else {
-        const V y = Unscaled<0>(d, e[k].hi, u[k].j);
-        out[k] = hn::IfNegativeThenElse(x[k], hn::Sub(two, y), y);
-      }
+      const V y = ErfcOrRest<kTier, true>(d, x[k], e[k], 2.0);
+      out[k] = hn::Mul(y, hn::Set(d, 0x1p-300));
     }
   }
 };

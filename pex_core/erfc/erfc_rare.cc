@@ -44,7 +44,7 @@ Sum OverRootTwo(double z) {
   return FastTwoSum(p.hi, p.lo);
 }
 
-// erfc(z.hi + z.lo) for 0 <= z <= 27.25, times 2^512 from 16 on.
+// erfc(z.hi + z.lo) for 0 <= z <= 27.25, times 2^300.
 Sum Complement(Sum z) {
   const double shifter = 0x1.8p45;
   const double sum = z.hi + shifter;
@@ -52,11 +52,11 @@ Sum Complement(Sum z) {
   const double c = sum - shifter;
   const double exact = z.hi - c, d = exact + z.lo, d_rest = z.lo - (d - exact);
   const double w = d * (d + 2 * c), w2 = w * w, v = d * d;
-  double t = kErfcMean[8];
-  for (int i = 8; i-- > 0;) t = t * w + kErfcMean[i];
-  const double r = (kErfcRatio[0] + w2 * (kErfcRatio[1] + w2 * kErfcRatio[2])) * v +
+  double t = kErfcMeanHA[8];
+  for (int i = 8; i-- > 0;) t = t * w + kErfcMeanHA[i];
+  const double r = (kErfcRatioHA[0] + w2 * (kErfcRatioHA[1] + w2 * (kErfcRatioHA[2] + w2 * kErfcRatioHA[3]))) * v +
                    (1.0 / 60 - w2 * (1.0 / 2520)) * (v * v);
-  t = w * t + (1 + w * t) * r;
+  t = (w2 * t + (1 + (w2 * t - w * 0.5)) * r) - w * 0.5;
   const ErfcRow& row = kErfcRows[j];
   const double value_rest = std::bit_cast<double>(kErfcRests[j]);
   const double slope_rest = std::bit_cast<double>(kErfcRests[j] << 32);
@@ -66,14 +66,14 @@ Sum Complement(Sum z) {
   return FastTwoSum(head.hi, head.lo + ((value_rest - p.lo) - p.hi * t));
 }
 
-// y 2^-512 rounded once; subnormal where it is below 2^-1022.
+// y 2^-300 rounded once; subnormal where it is below 2^-1022.
 double Unscale(Sum y, bool subnormal) {
-  if (!subnormal) return (y.hi + y.lo) * 0x1p-512;
+  if (!subnormal) return (y.hi + y.lo) * 0x1p-300;
   Underflow();
-  constexpr double kGrid = 0x1p-510;  // its sum with a subnormal number, scaled, is on the grid
+  constexpr double kGrid = 0x1p-722;  // its sum with a subnormal number, scaled, is on the grid
   const double sum = kGrid + y.hi;
   const double rest = (y.hi - (sum - kGrid)) + y.lo;
-  return ((sum + rest) - kGrid) * 0x1p-512;
+  return ((sum + rest) - kGrid) * 0x1p-300;
 }
 
 // NaN, infinities and where the function is one of its limits in the upper direction; false for
@@ -120,14 +120,14 @@ int dCdfNormRare(double x, double* r) {
 int sErfcRare(float x, float* r) {
   if (Limits(x, false, 2.0f, r)) return PEX_STATUS_OK;
   const double z = x < 15 ? x : 15;
-  *r = static_cast<float>(Complement({z, 0}).hi);
+  *r = static_cast<float>(0x1p-300 * Complement({z, 0}).hi);
   return x > 0x1.2639bep+3f ? PEX_STATUS_UNDERFLOW : PEX_STATUS_OK;
 }
 
 int sCdfNormRare(float x, float* r) {
   if (Limits(x, true, 1.0f, r)) return PEX_STATUS_OK;
   const double z = x > -20 ? -x : 20;
-  *r = static_cast<float>(0.5 * Complement(OverRootTwo(z)).hi);
+  *r = static_cast<float>(0x1p-301 * Complement(OverRootTwo(z)).hi);
   return x < -0x1.9e6602p+3f ? PEX_STATUS_UNDERFLOW : PEX_STATUS_OK;
 }
 

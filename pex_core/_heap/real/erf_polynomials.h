@@ -12,6 +12,13 @@ inline constexpr double kErfcMean[] = {
     -0x1.6c16c16cec3cep-10, 0x1.a019f517ef399p-13, -0x1.a019f58d386aap-16, 0x1.7238319b4b05dp-19,
     -0x1.282b56d47b596p-22};
 
+// (F(x) - 1 + x/2)/x^2 for F(x) = (1 - e^-x)/x,
+// -0.21549999713897705078125 <= x <= 0.21549999713897705078125; absolute error 2^-55.875.
+inline constexpr double kErfcMeanHA[] = {
+    0x1.5555555555555p-3, -0x1.5555555555524p-5, 0x1.11111111116dep-7, -0x1.6c16c16c85476p-10,
+    0x1.a01a01995e3acp-13, -0x1.a019f94364a28p-16, 0x1.71de66ebb172bp-19, -0x1.2820fa8e4428fp-22,
+    0x1.adc20376b1a3ep-26};
+
 // (F(x) - 1)/x for F(x) = (1 - e^-x)/x,
 // -0.21549999713897705078125 <= x <= 0.21549999713897705078125; absolute error 2^-27.34375.
 inline constexpr double kErfcMeanEP[] = {
@@ -22,6 +29,11 @@ inline constexpr double kErfcMeanEP[] = {
 // 9.5367431640625e-7 <= x <= 4.65000011026859283447265625e-2; absolute error 2^-37.4375.
 inline constexpr double kErfcRatio[] = {
     0x1.5555555527bacp-3, -0x1.6c16b02e254a9p-9, 0x1.14eb03123fadap-14};
+
+// (y coth(y/2) - 2)/y^2 for x = y^2,
+// 9.5367431640625e-7 <= x <= 4.65000011026859283447265625e-2; absolute error 2^-49.1875.
+inline constexpr double kErfcRatioHA[] = {
+    0x1.555555555551fp-3, -0x1.6c16c169cab46p-9, 0x1.15668cd38dabap-14, -0x1.bacd28e244b07p-20};
 
 // (erf(y)/y - 2/sqrt(pi))/y^2 for x = y^2,
 // 9.5367431640625e-7 <= x <= 6.350000202655792236328125e-2; absolute error 2^-56.

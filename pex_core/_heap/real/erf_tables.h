@@ -17,11 +17,11 @@ struct ErfRow {
 inline constexpr int kErfRowCount = 761;
 extern const ErfRow kErfRows[kErfRowCount];
 
-// Row j: erfc(j/128) and the slope 2/sqrt(pi) e^(-c^2); from kErfcScaledRow on times 2^512.
+// Row j: erfc(c) and the slope 2/sqrt(pi) e^(-c^2) at c = j/128, times 2^kErfcScale.
 struct ErfcRow {
   double value, slope;
 };
-inline constexpr int kErfcScaledRow = 2048;
+inline constexpr int kErfcScale = 300;
 inline constexpr int kErfcRowCount = 3490;
 extern const ErfcRow kErfcRows[kErfcRowCount];
 

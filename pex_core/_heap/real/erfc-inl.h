@@ -3,8 +3,8 @@
 //   T = mean of e^(-w t + v t (1 - t)) over t from 0 to 1,  w = d (d + 2 c),  v = d^2
 //     = F(w) (1 + v R(w^2) + v^2 (1/60 - w^2/2520) + ...),
 // F(w) = (1 - e^-w)/w, |w| < 0.2155, and R the mean of t (1 - t) e^(-w t) in relation to F, an even
-// function of w. The argument may be a sum z + rest: a quotient by sqrt(2), say. From z = 16 on the
-// table is scaled by 2^512, so that nothing underflows on the way.
+// function of w. The argument may be a sum z + rest: a quotient by sqrt(2), say. The
+// table is scaled by 2^300, so that nothing underflows on the way.
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/erf_polynomials.h"
@@ -31,13 +31,12 @@ enum class ErfcTier { kEP, kLA, kHA };
 
 template <class D>
 struct ErfcReduced {
-  BitsOf<D> j;  // in the low bits
   VecOf<D> value, slope, d, w, v;
-  VecOf<D> value_rest, slope_rest, d_rest;  // HA
+  VecOf<D> value_rest, slope_rest, d_rest, w_rest;  // HA
 };
 
-// For z from 0 to 27.25. Adding 2^-300 to d keeps the products of tiny numbers from underflow
-// and changes nothing else. kSum: z = z + rest.
+// For z from 2^-200 to 27.25: to add 2^-200 keeps the products of tiny numbers from underflow and
+// changes nothing else. kSum: the argument is z + rest.
 template <ErfcTier kTier, bool kSum, class D, class V, size_t K>
 HWY_INLINE void ErfcReduce(D d, const V (&z)[K], const V (&rest)[K], ErfcReduced<D> (&u)[K]) {
   using Offsets = RowOffsets<sizeof(ErfcRow), D>;
@@ -46,8 +45,7 @@ HWY_INLINE void ErfcReduce(D d, const V (&z)[K], const V (&rest)[K], ErfcReduced
   for (size_t k = 0; k < K; ++k) {
     const V shifter = hn::Set(d, 0x1.8p45);  // the sum ends in the number of 128ths
     const V sum = hn::Add(z[k], shifter);
-    u[k].j = Bits(d, sum);
-    at[k] = Offsets(d, u[k].j);
+    at[k] = Offsets(d, Bits(d, sum));
     c[k] = hn::Sub(sum, shifter);
   }
   for (size_t k = 0; k < K; ++k) {
@@ -62,11 +60,19 @@ HWY_INLINE void ErfcReduce(D d, const V (&z)[K], const V (&rest)[K], ErfcReduced
   }
   for (size_t k = 0; k < K; ++k) {
     const V exact = hn::Sub(z[k], c[k]);
-    u[k].d = hn::Add(exact, kSum ? rest[k] : hn::Set(d, 0x1p-300));
+    u[k].d = kSum ? hn::Add(exact, rest[k]) : exact;
     if constexpr (kTier == ErfcTier::kHA && kSum) {
       u[k].d_rest = hn::Sub(rest[k], hn::Sub(u[k].d, exact));
     }
-    u[k].w = hn::Mul(u[k].d, hn::Add(u[k].d, hn::Add(c[k], c[k])));
+    if constexpr (kTier == ErfcTier::kHA) {
+      const Pair<V> sum = FastTwoSum(hn::Add(c[k], c[k]), u[k].d);
+      const Pair<V> w = TwoProduct(d, u[k].d, sum.hi);
+      u[k].w = w.hi;
+      u[k].w_rest = hn::Add(w.lo, hn::Mul(u[k].d, sum.lo));
+      if constexpr (kSum) u[k].w_rest = hn::Add(u[k].w_rest, hn::Mul(u[k].d_rest, sum.hi));
+    } else {
+      u[k].w = hn::Mul(u[k].d, hn::Add(z[k], c[k]));
+    }
     u[k].v = hn::Mul(u[k].d, u[k].d);
   }
 }
@@ -89,18 +95,30 @@ HWY_INLINE void ErfcMean(D d, const ErfcReduced<D> (&u)[K], V (&t)[K]) {
   }
   for (size_t k = 0; k < K; ++k) {
     const V high = hn::Add(hn::Mul(w2[k], hn::Set(d, -1.0 / 2520)), hn::Set(d, 1.0 / 60));
-    r[k] = hn::Add(hn::Mul(Horner(d, w2[k], kErfcRatio), u[k].v),
-                   hn::Mul(high, hn::Mul(u[k].v, u[k].v)));
+    const V low = kTier == ErfcTier::kHA ? Horner(d, w2[k], kErfcRatioHA)
+                                         : Horner(d, w2[k], kErfcRatio);
+    r[k] = hn::Mul(hn::Add(hn::Mul(high, u[k].v), low), u[k].v);
   }
-  EvenOdd(d, w, w2, kErfcMean, t);
+  if constexpr (kTier == ErfcTier::kHA) {
+    EvenOdd(d, w, w2, kErfcMeanHA, t);
+  } else {
+    EvenOdd(d, w, w2, kErfcMean, t);
+  }
   for (size_t k = 0; k < K; ++k) {
-    const V less_one = hn::Mul(w[k], t[k]);
-    const V mean = hn::Add(hn::Set(d, 1.0), less_one);
-    t[k] = hn::Add(kTier == ErfcTier::kHA ? less_one : mean, hn::Mul(mean, r[k]));
+    const V one = hn::Set(d, 1.0);
+    if constexpr (kTier == ErfcTier::kHA) {
+      const V half_w = hn::Mul(w[k], hn::Set(d, 0.5)), rest = hn::Mul(w2[k], t[k]);
+      const V mean = hn::Add(one, hn::Sub(rest, half_w));
+      const V half_rest = hn::Mul(u[k].w_rest, hn::Set(d, 0.5));
+      t[k] = hn::Sub(hn::Add(rest, hn::Sub(hn::Mul(mean, r[k]), half_rest)), half_w);
+    } else {
+      const V mean = hn::Add(one, hn::Mul(w[k], t[k]));
+      t[k] = hn::Add(mean, hn::Mul(mean, r[k]));
+    }
   }
 }
 
-// erfc(z), scaled from z = 16 on. The rest is HA's.
+// erfc(z) 2^300. The rest is HA's.
 template <ErfcTier kTier, bool kSum, class D, class V, size_t K>
 HWY_INLINE void ErfcScaled(D d, const ErfcReduced<D> (&u)[K], Pair<V> (&e)[K]) {
   V t[K];
@@ -119,13 +137,20 @@ HWY_INLINE void ErfcScaled(D d, const ErfcReduced<D> (&u)[K], Pair<V> (&e)[K]) {
   }
 }
 
-// y without the scale, times 2^kPower, for normal results.
-template <int kPower, class D, class V>
-HWY_INLINE V Unscaled(D d, V y, BitsOf<D> j) {
-  static_assert(kErfcScaledRow == 2048);
-  auto less = hn::ShiftLeft<52 + 9 - 11>(hn::And(j, SetBits(d, 2048)));
-  if constexpr (kPower != 0) less = hn::Add(less, SetBits(d, uint64_t{-kPower} << 52));
-  return FromBits(d, hn::Sub(Bits(d, y), less));
+// Where x has its sign bit, limit 2^300 - erfc(z) 2^300, elsewhere erfc(z) 2^300, or the other way
+// round.
+template <ErfcTier kTier, bool kNegative, class D, class V>
+HWY_INLINE V ErfcOrRest(D d, V x, Pair<V> e, double limit) {
+  const V most = hn::Set(d, limit * 0x1p300);
+  V tail = e.hi, rest;
+  if constexpr (kTier == ErfcTier::kHA) {
+    tail = hn::Add(e.hi, e.lo);
+    const Pair<V> less = FastTwoSum(most, hn::Neg(e.hi));
+    rest = hn::Add(less.hi, hn::Sub(less.lo, e.lo));
+  } else {
+    rest = hn::Sub(most, e.hi);
+  }
+  return kNegative ? hn::IfNegativeThenElse(x, rest, tail) : hn::IfNegativeThenElse(x, tail, rest);
 }
 
 }  // namespace pex::HWY_NAMESPACE
