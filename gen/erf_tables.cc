@@ -98,9 +98,7 @@ void Erf() {
 
 // The upper words of two doubles.
 uint64_t Packed(double upper, double lower) {
-  const auto top = [](double x) {
-    return (std::bit_cast<uint64_t>(x) + 0x80000000u) >> 32;
-  };
+  const auto top = [](double x) { return (std::bit_cast<uint64_t>(x) + 0x80000000u) >> 32; };
   return top(upper) << 32 | top(lower);
 }
 

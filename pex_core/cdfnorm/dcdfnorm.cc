@@ -32,7 +32,7 @@ struct dCdfNormKernel : Kernel<double> {
     V z[K], rest[K];
     Pair<V> e[K];
     for (size_t k = 0; k < K; ++k) {
-      // From 8.5 on the result is 1. 
+      // From 8.5 on the result is 1.
       const V ax = hn::Abs(hn::Min(x[k], hn::Set(d, 8.5)));
       const V safe = hn::Add(ax, hn::Set(d, 0x1p-200));
       const Pair<V> p = TwoProduct(d, safe, hn::Set(d, 0x1.6a09e667f3bcdp-1));  // 1/sqrt(2)

@@ -54,8 +54,10 @@ Sum Complement(Sum z) {
   const double w = d * (d + 2 * c), w2 = w * w, v = d * d;
   double t = kErfcMeanHA[8];
   for (int i = 8; i-- > 0;) t = t * w + kErfcMeanHA[i];
-  const double r = (kErfcRatioHA[0] + w2 * (kErfcRatioHA[1] + w2 * (kErfcRatioHA[2] + w2 * kErfcRatioHA[3]))) * v +
-                   (1.0 / 60 - w2 * (1.0 / 2520)) * (v * v);
+  const double r =
+      (kErfcRatioHA[0] + w2 * (kErfcRatioHA[1] + w2 * (kErfcRatioHA[2] + w2 * kErfcRatioHA[3]))) *
+          v +
+      (1.0 / 60 - w2 * (1.0 / 2520)) * (v * v);
   t = (w2 * t + (1 + (w2 * t - w * 0.5)) * r) - w * 0.5;
   const ErfcRow& row = kErfcRows[j];
   const double value_rest = std::bit_cast<double>(kErfcRests[j]);

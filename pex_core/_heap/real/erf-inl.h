@@ -47,9 +47,8 @@ HWY_INLINE MaskOf<D> NotOrdinary(D d, V x) {
 
 // The same and zeros, in one comparison.
 template <typename T>
-struct NotOrdinaryOrZero
-    : RareOutside<T, sizeof(T) == 8 ? 0x00100000 : 0x00800000,
-                  sizeof(T) == 8 ? 0x7FEFFFFF : 0x7F7FFFFF> {
+struct NotOrdinaryOrZero : RareOutside<T, sizeof(T) == 8 ? 0x00100000 : 0x00800000,
+                                       sizeof(T) == 8 ? 0x7FEFFFFF : 0x7F7FFFFF> {
   using Outside = RareOutside<T, sizeof(T) == 8 ? 0x00100000 : 0x00800000,
                               sizeof(T) == 8 ? 0x7FEFFFFF : 0x7F7FFFFF>;
   template <class D>
@@ -89,10 +88,10 @@ struct ErfSeries {
   double b3[2], b4[3], less;
 };
 inline constexpr ErfSeries kErfTaylor = {{1.0 / 3, -0.5}, {-1.0 / 15 - 4e-7, -0.4, 0.3}, -1};
-inline constexpr ErfSeries kErfEconomised = {{0x1.5554d5850a682p-2, -0x1.ffff3ae07c56cp-2},
-                                             {-0x1.1110db9f450b6p-4, -0x1.99996c9e4f3f5p-2,
-                                              0x1.3332fa500d3dfp-2},
-                                             -0x1.ffffffffeacf6p-1};
+inline constexpr ErfSeries kErfEconomised = {
+    {0x1.5554d5850a682p-2, -0x1.ffff3ae07c56cp-2},
+    {-0x1.1110db9f450b6p-4, -0x1.99996c9e4f3f5p-2, 0x1.3332fa500d3dfp-2},
+    -0x1.ffffffffeacf6p-1};
 
 // g to within 2^-57 or, by the economised coefficients, 2^-54 of the result.
 template <bool kFull, class D, class V, size_t K>

@@ -87,10 +87,9 @@ HWY_INLINE Row4<VecOf<D>> LoadRows4(D, const double* rows, const RowOffsets<32, 
   const __m512d r02 = two(0), r13 = two(1), r46 = two(4), r57 = two(5);
   const __m512d even03 = _mm512_unpacklo_pd(r02, r13), odd03 = _mm512_unpackhi_pd(r02, r13);
   const __m512d even47 = _mm512_unpacklo_pd(r46, r57), odd47 = _mm512_unpackhi_pd(r46, r57);
-  return {V{_mm512_shuffle_f64x2(even03, even47, 0x88)},
-          V{_mm512_shuffle_f64x2(odd03, odd47, 0x88)},
-          V{_mm512_shuffle_f64x2(even03, even47, 0xDD)},
-          V{_mm512_shuffle_f64x2(odd03, odd47, 0xDD)}};
+  return {
+      V{_mm512_shuffle_f64x2(even03, even47, 0x88)}, V{_mm512_shuffle_f64x2(odd03, odd47, 0x88)},
+      V{_mm512_shuffle_f64x2(even03, even47, 0xDD)}, V{_mm512_shuffle_f64x2(odd03, odd47, 0xDD)}};
 #elif HWY_TARGET == HWY_AVX2
   const auto row = [&](size_t lane) HWY_ATTR { return _mm256_load_pd(j.Of(rows, lane)); };
   const __m256d r0 = row(0), r1 = row(1), r2 = row(2), r3 = row(3);
@@ -114,17 +113,14 @@ HWY_INLINE Row4<VecOf<D>> LoadRows4(D, const double* rows, const RowOffsets<32, 
 template <class D>
 HWY_INLINE BitsOf<D> LoadWords(D, const uint64_t* words, const RowOffsets<16, D>& j) {
   const auto word = [&](size_t lane) HWY_ATTR {
-    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(words) +
-                                           j.Byte(lane) / 2);
+    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(words) + j.Byte(lane) / 2);
   };
-  const auto two = [&](size_t lane) HWY_ATTR {
-    return _mm_loadh_pd(_mm_load_sd(word(lane)), word(lane + 1));
-  };
+  const auto two = [&](size_t lane)
+                       HWY_ATTR { return _mm_loadh_pd(_mm_load_sd(word(lane)), word(lane + 1)); };
 #if HWY_TARGET == HWY_AVX3
   const __m256d low = _mm256_insertf128_pd(_mm256_castpd128_pd256(two(0)), two(2), 1);
   const __m256d high = _mm256_insertf128_pd(_mm256_castpd128_pd256(two(4)), two(6), 1);
-  return BitsOf<D>{
-      _mm512_castpd_si512(_mm512_insertf64x4(_mm512_castpd256_pd512(low), high, 1))};
+  return BitsOf<D>{_mm512_castpd_si512(_mm512_insertf64x4(_mm512_castpd256_pd512(low), high, 1))};
 #elif HWY_TARGET == HWY_AVX2
   const __m256d all = _mm256_insertf128_pd(_mm256_castpd128_pd256(two(0)), two(2), 1);
   return BitsOf<D>{_mm256_castpd_si256(all)};
