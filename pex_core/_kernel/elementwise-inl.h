@@ -3,7 +3,7 @@
 //
 // A kernel is a struct derived from Kernel<T, Compute> with
 //   Rarity                 a test of bits-inl.h for the lanes that Main does not handle, or instead
-//   IsRare(d, x...)        their mask. It raises no flag: Lt and its kin signal invalid on a NaN,
+//   IsRare(d, x...)        their mask; beside a Rarity it has the last word on a vector.
 //   so
 //                          NaNs are found in the bits or by Eq;
 //   Main(d, x...)          the result of common lanes; (d, x, r1, r2) where there are two results;
@@ -112,12 +112,16 @@ template <class K>
 inline constexpr bool HasRarity = requires {
   typename K::Rarity;
 };
+template <class K, class D>
+inline constexpr bool HasIsRare = requires(D d, VecOf<D> x) {
+  K::IsRare(d, x);
+};
 
 template <class K, class D, class V>
 HWY_INLINE MaskOf<D> RareLanes(D d, V x, V y) {
   if constexpr (K::kArguments == 2) {
     return K::IsRare(d, x, y);
-  } else if constexpr (HasRarity<K>) {
+  } else if constexpr (HasRarity<K> && !HasIsRare<K, D>) {
     // Select asks for whole lanes of ones.
     const auto above = KeyAbove(d, K::Rarity::Key(d, x), K::Rarity::kLimit);
     return hn::RebindMask(d, hn::Lt(Bits(d, hn::VecFromMask(d, above)), SetBits(d, 0)));
