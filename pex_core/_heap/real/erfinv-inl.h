@@ -1,0 +1,166 @@
+// The inverse of the error function and its relations: of x = erf(y) and q = 1 - |x|, from a table
+// of polynomials G in q, by intervals whose length goes with q:
+//   y = x G(q)       q >= 1/2, where x is exact,
+//   y = +-G(q)       q < 1/2, where q is exact.
+// For 2^-20 <= q <= 1; erfinv_tail.h has the others.
+
+#include "hwy/highway.h"
+#include "pex_core/_heap/real/erf_rows-inl.h"
+#include "pex_core/_heap/real/erfinv_tables.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
+
+#if defined(PEX_CORE__HEAP_REAL_ERFINV_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__HEAP_REAL_ERFINV_INL_H_
+#undef PEX_CORE__HEAP_REAL_ERFINV_INL_H_
+#else
+#define PEX_CORE__HEAP_REAL_ERFINV_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// How far the computation goes, from 12 bits to 60.
+enum class ErfInvTier { kLine, kShort, kLA, kHA };
+
+template <class V>
+struct ErfInvArgument {
+  V x, q;
+};
+
+// The functions: x and q from their arguments, the rare arguments (q outside of the table, results
+// near the subnormal numbers), the factor of y in the result.
+struct InverseOfErf {
+  static constexpr const auto& kRows = kErfcInvRows;
+  static constexpr double kFactor = 1;
+  template <typename T>  // |x| outside of [2^-900, 1 - 2^-20); in single precision 2^-100
+  struct Rarity : RareOutside<T, sizeof(T) == 8 ? 0x07B00000 : 0x0D800000,
+                              sizeof(T) == 8 ? 0x3FEFFFFD : 0x3F7FFFEF> {
+    using Outside = RareOutside<T, sizeof(T) == 8 ? 0x07B00000 : 0x0D800000,
+                                sizeof(T) == 8 ? 0x3FEFFFFD : 0x3F7FFFEF>;
+    template <class D>
+    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+      return Outside::Key(d, hn::Abs(x));
+    }
+  };
+  template <class D, class V>
+  static HWY_INLINE ErfInvArgument<V> Split(D d, V a) {
+    return {a, hn::Sub(hn::Set(d, 1.0), hn::Abs(a))};
+  }
+};
+
+struct InverseOfErfc {
+  static constexpr const auto& kRows = kErfcInvRows;
+  static constexpr double kFactor = 1;
+  template <typename T>  // outside of [2^-20, 2 - 2^-20)
+  struct Rarity : RareOutside<T, sizeof(T) == 8 ? 0x3EB00000 : 0x35800000,
+                              sizeof(T) == 8 ? 0x3FFFFFFE : 0x3FFFFFF7> {};
+  template <class D, class V>
+  static HWY_INLINE ErfInvArgument<V> Split(D d, V a) {
+    return {hn::Sub(hn::Set(d, 1.0), a), hn::Min(a, hn::Sub(hn::Set(d, 2.0), a))};
+  }
+};
+
+struct InverseOfCdfNorm {
+  static constexpr const auto& kRows = kNormInvRows;
+  static constexpr double kFactor = 0x1.6a09e667f3bcdp+0;  // sqrt(2)
+  template <typename T>                                    // outside of [2^-21, 1 - 2^-21)
+  struct Rarity : RareOutside<T, sizeof(T) == 8 ? 0x3EA00000 : 0x35000000,
+                              sizeof(T) == 8 ? 0x3FEFFFFE : 0x3F7FFFF7> {};
+  template <class D, class V>
+  static HWY_INLINE ErfInvArgument<V> Split(D d, V a) {
+    const V x = hn::Sub(a, hn::Set(d, 0.5)), q = hn::Min(a, hn::Sub(hn::Set(d, 1.0), a));
+    return {hn::Add(x, x), hn::Add(q, q)};
+  }
+};
+
+// The number of q's row in a table with 2^kBits rows to an octave.
+template <int kBits, class D, class V>
+HWY_INLINE BitsOf<D> ErfInvRowNumber(D d, V q) {
+  constexpr uint64_t kFirst = static_cast<uint64_t>(1023 - kErfInvOctaves) << kBits;
+  return hn::Sub(hn::ShiftRight<52 - kBits>(Bits(d, q)), SetBits(d, kFirst));
+}
+
+// What G is to be multiplied with.
+template <class D, class V>
+HWY_INLINE V ErfInvMultiplier(D d, const ErfInvArgument<V>& u, MaskOf<D> central, double factor) {
+  const V one = hn::CopySignToAbs(hn::Set(d, factor), u.x);
+  return hn::IfThenElse(central, factor == 1 ? u.x : hn::Mul(u.x, hn::Set(d, factor)), one);
+}
+
+// In single precision and EP.
+template <class Function, ErfInvTier kTier, class D, class V, size_t K>
+HWY_INLINE void ErfInvShort(D d, const ErfInvArgument<V> (&u)[K], V (&y)[K]) {
+  constexpr bool kLine = kTier == ErfInvTier::kLine;
+  constexpr int kBits = kLine ? kErfInvBits : kErfInvShortBits;
+  using Offsets = RowOffsets<kLine ? sizeof(ErfInvLine) : sizeof(ErfInvRow), D>;
+  Offsets at[K];
+  for (size_t k = 0; k < K; ++k) at[k] = Offsets(d, ErfInvRowNumber<kBits>(d, u[k].q));
+  for (size_t k = 0; k < K; ++k) {
+    V g;
+    if constexpr (kLine) {
+      const auto row = LoadRows2(d, &kErfInvLines[0].constant, at[k]);
+      g = hn::Add(row.a, hn::Mul(row.b, u[k].q));
+    } else {
+      const auto row = LoadRows4(d, &kErfInvShort[0].a, at[k]);
+      constexpr int kRest = 52 - kBits;
+      const auto lower = hn::And(Bits(d, u[k].q), SetBits(d, -(uint64_t{1} << kRest)));
+      const auto middle = hn::Or(lower, SetBits(d, uint64_t{1} << (kRest - 1)));
+      const V t = hn::Sub(u[k].q, FromBits(d, middle));
+      const V t2 = hn::Mul(t, t);
+      g = hn::Add(hn::Add(row.a, hn::Mul(row.b, t)),
+                  hn::Mul(t2, hn::Add(row.c, hn::Mul(row.d, t))));
+    }
+    const auto central = hn::Ge(u[k].q, hn::Set(d, 0.5));
+    y[k] = hn::Mul(ErfInvMultiplier(d, u[k], central, Function::kFactor), g);
+  }
+}
+
+// In full. LA's is in y[k].hi alone.
+template <class Function, ErfInvTier kTier, class D, class V, size_t K>
+HWY_INLINE void ErfInvFull(D d, const ErfInvArgument<V> (&u)[K], Pair<V> (&y)[K]) {
+  constexpr auto& kRows = Function::kRows;
+  using Offsets = RowOffsets<sizeof(ErfInvRow), D>;
+  Offsets at[K];
+  V t[K], t2[K], p[K];
+  Row4<V> first[K];
+  MaskOf<D> central[K];
+  for (size_t k = 0; k < K; ++k) at[k] = Offsets(d, ErfInvRowNumber<kErfInvBits>(d, u[k].q));
+  for (size_t k = 0; k < K; ++k) {
+    first[k] = LoadRows4(d, &kRows[0][0].a, at[k]);
+    central[k] = hn::Ge(u[k].q, hn::Set(d, 0.5));
+    // Exact, but for small |x|, where G is flat.
+    t[k] = hn::Sub(hn::IfThenElse(central[k], hn::Neg(hn::Abs(u[k].x)), u[k].q), first[k].a);
+    t2[k] = hn::Mul(t[k], t[k]);
+  }
+  for (size_t k = 0; k < K; ++k) {
+    const auto row = LoadRows4(d, &kRows[2][0].a, at[k]);
+    p[k] = hn::Add(hn::Add(row.a, hn::Mul(row.b, t[k])),
+                   hn::Mul(t2[k], hn::Add(row.c, hn::Mul(row.d, t[k]))));
+  }
+  for (size_t k = 0; k < K; ++k) {
+    const auto row = LoadRows4(d, &kRows[1][0].a, at[k]);
+    const V upper = hn::Add(hn::Add(row.c, hn::Mul(row.d, t[k])), hn::Mul(t2[k], p[k]));
+    p[k] = hn::Add(hn::Add(row.a, hn::Mul(row.b, t[k])), hn::Mul(t2[k], upper));
+  }
+  for (size_t k = 0; k < K; ++k) {
+    const V m = ErfInvMultiplier(d, u[k], central[k], 1);
+    if constexpr (kTier == ErfInvTier::kHA) {
+      const Pair<V> linear = TwoProduct(d, first[k].d, t[k]);
+      const Pair<V> sum = FastTwoSum(first[k].b, linear.hi);
+      const V rest = hn::Add(hn::Add(first[k].c, linear.lo), hn::Mul(t2[k], p[k]));
+      y[k] = TwoProduct(d, m, sum.hi);
+      y[k].lo = hn::Add(y[k].lo, hn::Mul(m, hn::Add(sum.lo, rest)));
+    } else {
+      const V slope = hn::Add(first[k].d, hn::Mul(t[k], p[k]));
+      y[k].hi = hn::Mul(m, hn::Add(first[k].b, hn::Mul(t[k], slope)));
+    }
+  }
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__HEAP_REAL_ERFINV_INL_H_
