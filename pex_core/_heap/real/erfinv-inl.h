@@ -155,7 +155,8 @@ HWY_INLINE void ErfInvFull(D d, const ErfInvArgument<V> (&u)[K], Pair<V> (&y)[K]
       y[k].lo = hn::Add(y[k].lo, hn::Mul(m, hn::Add(sum.lo, rest)));
     } else {
       const V slope = hn::Add(first[k].d, hn::Mul(t[k], p[k]));
-      y[k].hi = hn::Mul(m, hn::Add(first[k].b, hn::Mul(t[k], slope)));
+      const V rest = hn::Add(first[k].c, hn::Mul(t[k], slope));
+      y[k].hi = hn::Mul(m, hn::Add(first[k].b, rest));
     }
   }
 }
