@@ -102,7 +102,7 @@ std::vector<Real> Row(int j, int bits, int degree, double* center) {
 }
 
 void Full(const char* name, const Real& factor) {
-  std::printf("\nalignas(64) const ErfInvRow %s[3][kErfInvRowCount] = {", name);
+  std::printf("\nalignas(64) const double %s[3][kErfInvRowCount][4] = {", name);
   for (int part = 0; part < 3; ++part) {
     std::printf("{");
     for (int j = 0; j < pex::kErfInvRowCount; ++j) {
@@ -122,14 +122,14 @@ void Full(const char* name, const Real& factor) {
 }
 
 void Short() {
-  std::printf("\nalignas(64) const ErfInvRow kErfInvShort[kErfInvShortCount] = {");
+  std::printf("\nalignas(64) const double kErfInvShort[kErfInvShortCount][4] = {");
   for (int j = 0; j < pex::kErfInvShortCount; ++j) {
     double center;
     const std::vector<Real> c = Row(j, pex::kErfInvShortBits, 3, &center);
     std::printf("\n    {%a, %a, %a, %a},", c[0].Double(), c[1].Double(), c[2].Double(),
                 c[3].Double());
   }
-  std::printf("\n};\n\nalignas(64) const ErfInvLine kErfInvLines[kErfInvRowCount] = {");
+  std::printf("\n};\n\nalignas(64) const double kErfInvLines[kErfInvRowCount][2] = {");
   for (int j = 0; j < pex::kErfInvRowCount; ++j) {
     double center;
     const std::vector<Real> c = Row(j, pex::kErfInvBits, 1, &center);
@@ -141,20 +141,24 @@ void Short() {
 }
 
 void Tail() {
-  std::printf(
-      "\nalignas(64) const double kErfInvTail[kErfInvTailCount][kErfInvTailDegree + 2] = {");
-  for (int j = 0; j < pex::kErfInvTailCount; ++j) {
-    const auto less = [](const Real& s) {
-      const Real q = Real::Of<mpfr_exp>(Real(-1) / (s * s));
-      return 1 - s * ErfcInverse(q);
-    };
-    const double center = (pex::kErfInvTailFirst + j + 0.5) / 128;
-    const std::vector<Real> c = Interpolate(less, center, 0.5 / 128, pex::kErfInvTailDegree);
-    std::printf("\n    {%a, %a", c[0].Double(), (c[0] - c[0].Double()).Double());
-    for (int i = 1; i <= pex::kErfInvTailDegree; ++i) std::printf(", %a", c[i].Double());
-    std::printf("},");
+  std::printf("\nalignas(64) const double kErfInvTail[4][kErfInvTailCount][4] = {");
+  for (int part = 0; part < 4; ++part) {
+    std::printf("{");
+    for (int j = 0; j < pex::kErfInvTailCount; ++j) {
+      const auto less = [](const Real& s) {
+        const Real q = Real::Of<mpfr_exp>(Real(-1) / (s * s));
+        return 1 - s * ErfcInverse(q);
+      };
+      const double center = (pex::kErfInvTailFirst + j + 0.5) / 128;
+      const std::vector<Real> c = Interpolate(less, center, 0.5 / 128, pex::kErfInvTailDegree);
+      double row[16] = {c[0].Double(), (c[0] - c[0].Double()).Double()};
+      for (int i = 1; i <= pex::kErfInvTailDegree; ++i) row[i + 1] = c[i].Double();
+      const double* r = row + 4 * part;
+      std::printf("\n    {%a, %a, %a, %a},", r[0], r[1], r[2], r[3]);
+    }
+    std::printf("}%s", part < 3 ? ", " : "");
   }
-  std::printf("\n};\n");
+  std::printf("};\n");
 }
 
 }  // namespace

@@ -21,6 +21,26 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+// In y[k].hi, of HA with a rest in y[k].lo.
+template <class Function, ErfInvTier kTier, class D, class V, size_t K>
+HWY_INLINE void ErfInvAll(D d, const ErfInvArgument<V> (&u)[K], Pair<V> (&y)[K]) {
+  ErfInvArgument<V> served[K];
+  for (size_t k = 0; k < K; ++k) served[k] = {u[k].x, hn::Max(u[k].q, hn::Set(d, kErfInvLeast))};
+  if constexpr (kTier == ErfInvTier::kLA || kTier == ErfInvTier::kHA) {
+    ErfInvFull<Function, kTier>(d, served, y);
+  } else {
+    V r[K];
+    ErfInvShort<Function, kTier>(d, served, r);
+    for (size_t k = 0; k < K; ++k) y[k].hi = r[k];
+  }
+  if (AnyTail(d, u)) [[unlikely]] {
+    for (size_t k = 0; k < K; ++k) {
+      if constexpr (kTier != ErfInvTier::kHA) y[k].lo = hn::Zero(d);
+      y[k] = ErfInvTail<Function>(d, u[k], y[k]);
+    }
+  }
+}
+
 template <class Function, ErfInvTier kTier, int (*kRare)(const double*, double*)>
 struct dErfInvKernel : Kernel<double> {
   static constexpr int kUnroll = 4;
@@ -30,15 +50,11 @@ struct dErfInvKernel : Kernel<double> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     ErfInvArgument<V> u[K];
+    Pair<V> y[K];
     for (size_t k = 0; k < K; ++k) u[k] = Function::Split(d, x[k]);
-    if constexpr (kTier == ErfInvTier::kLA || kTier == ErfInvTier::kHA) {
-      Pair<V> y[K];
-      ErfInvFull<Function, kTier>(d, u, y);
-      for (size_t k = 0; k < K; ++k) {
-        out[k] = kTier == ErfInvTier::kHA ? hn::Add(y[k].hi, y[k].lo) : y[k].hi;
-      }
-    } else {
-      ErfInvShort<Function, kTier>(d, u, out);
+    ErfInvAll<Function, kTier>(d, u, y);
+    for (size_t k = 0; k < K; ++k) {
+      out[k] = kTier == ErfInvTier::kHA ? hn::Add(y[k].hi, y[k].lo) : y[k].hi;
     }
   }
 };
@@ -54,18 +70,16 @@ struct sErfInvKernel : Kernel<float, double> {
     const hn::Rebind<double, D> wide;
     using W = VecOf<hn::Rebind<double, D>>;
     ErfInvArgument<W> u[K];
+    Pair<W> y[K];
     for (size_t k = 0; k < K; ++k) u[k] = Function::Split(wide, hn::PromoteTo(wide, x[k]));
-    if constexpr (kTier == ErfInvTier::kHA) {
-      Pair<W> y[K];
-      ErfInvFull<Function, kTier>(wide, u, y);
-      for (size_t k = 0; k < K; ++k) {
+    ErfInvAll<Function, kTier>(wide, u, y);
+    for (size_t k = 0; k < K; ++k) {
+      if constexpr (kTier == ErfInvTier::kHA) {
         const Pair<W> sum = FastTwoSum(y[k].hi, y[k].lo);
         out[k] = RoundPair(d, wide, sum.hi, sum.lo);
+      } else {
+        out[k] = hn::DemoteTo(d, y[k].hi);
       }
-    } else {
-      W y[K];
-      ErfInvShort<Function, kTier>(wide, u, y);
-      for (size_t k = 0; k < K; ++k) out[k] = hn::DemoteTo(d, y[k]);
     }
   }
 };

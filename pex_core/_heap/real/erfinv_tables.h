@@ -5,40 +5,35 @@
 
 namespace pex {
 
-// Rows cover 2^-20 <= q <= 1 by intervals, 2^bits of equal length to an octave. Each holds a polynomial in q - (the middle of the interval) for
+// Rows cover 2^-20 <= q <= 1 by intervals, 2^bits of equal length to an octave. Each holds a
+// polynomial in q - (the middle of the interval) for
 //   G(q) = erfcinv(q)           q < 1/2
 //        = erfcinv(q)/(1 - q)   q >= 1/2, analytic at 1.
 inline constexpr int kErfInvOctaves = 20;
 inline constexpr int kErfInvBits = 4;
 inline constexpr int kErfInvRowCount = (kErfInvOctaves << kErfInvBits) + 1;
 
-struct ErfInvRow {
-  double a, b, c, d;
-};
-
 // The middle (less 1 for q >= 1/2), the constant in two parts, and coefficients 1 to 9 of G, within
-// 2^-62; of sqrt(2) G.
-extern const ErfInvRow kErfcInvRows[3][kErfInvRowCount];
-extern const ErfInvRow kNormInvRows[3][kErfInvRowCount];
+// 2^-62; the same of sqrt(2) G. Numbers 4 i to 4 i + 3 of row j are at [i][j].
+extern const double kErfcInvRows[3][kErfInvRowCount][4];
+extern const double kNormInvRows[3][kErfInvRowCount][4];
 
 // Coefficients 0 to 3 of G, within 2^-29.
 inline constexpr int kErfInvShortBits = 5;
 inline constexpr int kErfInvShortCount = (kErfInvOctaves << kErfInvShortBits) + 1;
-extern const ErfInvRow kErfInvShort[kErfInvShortCount];
+extern const double kErfInvShort[kErfInvShortCount][4];
 
 // G within 2^-12: a line in q.
-struct ErfInvLine {
-  double constant, slope;
-};
-extern const ErfInvLine kErfInvLines[kErfInvRowCount];
+extern const double kErfInvLines[kErfInvRowCount][2];
 
-// Row j: the constant in two parts and coefficients 1 to 12, in s - (j + kErfInvTailFirst + 1/2)/128, |.| <= 1/256, of
+// Row j: the constant in two parts and coefficients 1 to 12, in s - (j + kErfInvTailFirst +
+// 1/2)/128, up to 1/256 in magnitude, of
 //   1 - s erfcinv(e^(-1/s^2)),
-// within 2^-60, for s up to 35/128: q < 2^-19.
+// within 2^-60, for s up to 35/128: q < 2^-19. Laid out as the others.
 inline constexpr int kErfInvTailFirst = 4;
 inline constexpr int kErfInvTailCount = 31;
 inline constexpr int kErfInvTailDegree = 12;
-extern const double kErfInvTail[kErfInvTailCount][kErfInvTailDegree + 2];
+extern const double kErfInvTail[4][kErfInvTailCount][4];
 
 }  // namespace pex
 

@@ -61,7 +61,8 @@ TailSum ErfcInvTail(double q) {
   const double s_rest = ((1 - one.hi) - one.lo - s * v_rest) * s;
 
   const int j = static_cast<int>(s * 128);
-  const double* row = kErfInvTail[j - kErfInvTailFirst];
+  double row[16];
+  for (int i = 0; i < 16; ++i) row[i] = kErfInvTail[i / 4][j - kErfInvTailFirst][i % 4];
   const double t = (s - (j + 0.5) / 128) + s_rest;
   double p = row[kErfInvTailDegree + 1];
   for (int i = kErfInvTailDegree; i > 2; --i) p = p * t + row[i];
