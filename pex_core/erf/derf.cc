@@ -91,7 +91,7 @@ struct dErfHA : Kernel<double> {
     ErfReduce(d, x, u);
     for (size_t k = 0; k < K; ++k) {
       z[k] = hn::Min(hn::Abs(x[k]), hn::Set(d, 0.25));
-      const V safe = hn::Max(z[k], hn::Set(d, 0x1p-300));
+      const V safe = hn::Max(z[k], hn::Set(d, 0x1p-200));
       z2[k] = hn::Mul(safe, safe);
       z4[k] = hn::Mul(z2[k], z2[k]);
     }
