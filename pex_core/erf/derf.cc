@@ -98,7 +98,7 @@ struct dErfHA : Kernel<double> {
     EvenOdd(d, z2, z4, kErfNear, p);
     ErfSum<true>(d, u, g);
     for (size_t k = 0; k < K; ++k) {
-      const V t = hn::Mul(u[k].slope, u[k].d);
+      const V t = hn::Mul(u[k].slope, u[k].safe);
       const V far = hn::Add(u[k].value, hn::Add(t, hn::Mul(t, g[k])));
       const Pair<V> product = TwoProduct(d, z[k], hn::Set(d, kTwoOverRootPi));
       const V rest = hn::Add(hn::Mul(z2[k], p[k]), hn::Set(d, kTwoOverRootPiRest));

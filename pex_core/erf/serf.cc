@@ -31,7 +31,7 @@ struct sErfCommon : Kernel<float, Compute> {
 // erf(c) + (|x| - c) Q(|x| - c), c and the coefficients those of the interval about k 8/15 next to
 // |x|. In Q the difference is raised by 2^-60, which keeps the products of tiny numbers from
 // underflow. Row 0 of the table has the points, row i + 1 the coefficients of degree i.
-template <const auto& kTable>
+template <const auto& kTable, bool kRest>
 struct sErfPolynomial : sErfCommon<> {
   static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
@@ -47,20 +47,26 @@ struct sErfPolynomial : sErfCommon<> {
       safe[k] = hn::Add(dx[k], hn::Set(d, 0x1p-60f));
       q[k] = LookupEighth(d, kTable[kTop], at[k]);
     }
-    for (int i = kTop - 1; i > 1; --i) {
+    for (int i = kTop - 1; i > (kRest ? 2 : 1); --i) {
       for (size_t k = 0; k < K; ++k) {
         q[k] = hn::Add(hn::Mul(q[k], safe[k]), LookupEighth(d, kTable[i], at[k]));
       }
     }
     for (size_t k = 0; k < K; ++k) {
-      const V y = hn::Add(LookupEighth(d, kTable[1], at[k]), hn::Mul(dx[k], q[k]));
+      V y = hn::Mul(dx[k], q[k]);
+      if constexpr (kRest) {
+        // The coefficient of degree 1 in two parts, for the sake of small numbers.
+        const V rest = hn::Add(hn::Mul(q[k], safe[k]), LookupEighth(d, kErfSingleRest, at[k]));
+        y = hn::Mul(dx[k], hn::Add(LookupEighth(d, kTable[2], at[k]), rest));
+      }
+      y = hn::Add(LookupEighth(d, kTable[1], at[k]), y);
       out[k] = hn::Or(y, hn::And(x[k], hn::SignBit(d)));
     }
   }
 };
 
-using sErfEP = sErfPolynomial<kErfSingleEP>;
-using sErfLA = sErfPolynomial<kErfSingleLA>;
+using sErfEP = sErfPolynomial<kErfSingleEP, false>;
+using sErfLA = sErfPolynomial<kErfSingleLA, true>;
 
 struct sErfHA : sErfCommon<double> {
   static constexpr int kUnroll = 6;
