@@ -2,13 +2,15 @@
 // where b names one, else the power. Errors met in another kernel bear that kernel's name.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/powx/dpowx.cc"
+#include <cstdint>
+#include <type_traits>
+
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/pow-inl.h"
 #include "pex_core/_heap/real/pow_rare.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
-#endif
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
@@ -98,8 +100,7 @@ struct PowxPlainKernels {
 
 struct PowxFullKernels {
   template <int kWhole>  // a square is rounded once as it is
-  using Product =
-      std::conditional_t<kWhole == 2, PowxProduct<kWhole>, PowxFullProduct<kWhole>>;
+  using Product = std::conditional_t<kWhole == 2, PowxProduct<kWhole>, PowxFullProduct<kWhole>>;
   template <int kWhole>
   using Reciprocal = PowxFullReciprocal<kWhole>;
 };
@@ -108,9 +109,8 @@ struct PowxFullKernels {
 // element is rare.
 template <class Power, class Kernels>
 HWY_INLINE int PowxBody(int32_t n, const double* a, double b, double* r) {
-  const auto map = [=]<class K>(K) HWY_ATTR {
-    return MapUnaryScalar<K>(n, a, b, r, _PEX_THISFUNC_NAME);
-  };
+  const auto map = [=]<class K>(K)
+                       HWY_ATTR { return MapUnaryScalar<K>(n, a, b, r, _PEX_THISFUNC_NAME); };
   switch (BitsOfNumber(b)) {
     case BitsOfNumber(2.0):
       return map(typename Kernels::template Product<2>());
@@ -145,28 +145,30 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace pex {
 
+static constexpr uint64_t Pattern(double x) { return __builtin_bit_cast(uint64_t, x); }
+
 // Exponents that name another kernel go there whole; the reciprocal is the HA one in every tier.
-#define PEX_EXPORT_POWX(tier)                                                                 \
-  HWY_EXPORT(dPowx##tier);                                                                    \
+#define PEX_EXPORT_POWX(tier)                                                                  \
+  HWY_EXPORT(dPowx##tier);                                                                     \
   extern "C" PEXQUO_API int _pexdPowx##tier(int32_t n, const double* a, double b, double* r) { \
-    switch (BitsOfNumber(b)) {                                                                \
-      case BitsOfNumber(0.5):                                                                 \
-        return _pexdSqrt##tier(n, a, r);                                                      \
-      case BitsOfNumber(-0.5):                                                                \
-        return _pexdInvSqrt##tier(n, a, r);                                                   \
-      case BitsOfNumber(1.0 / 3):                                                             \
-        return _pexdCbrt##tier(n, a, r);                                                      \
-      case BitsOfNumber(-1.0 / 3):                                                            \
-        return _pexdInvCbrt##tier(n, a, r);                                                   \
-      case BitsOfNumber(2.0 / 3):                                                             \
-        return _pexdPow2o3##tier(n, a, r);                                                    \
-      case BitsOfNumber(1.5):                                                                 \
-        return _pexdPow3o2##tier(n, a, r);                                                    \
-      case BitsOfNumber(-1.0):                                                                \
-        return _pexdInv_HA(n, a, r);                                                          \
-    }                                                                                         \
-    const ControlGuard guard;                                                                 \
-    return HWY_DYNAMIC_DISPATCH(dPowx##tier)(n, a, b, r);                                     \
+    switch (Pattern(b)) {                                                                      \
+      case Pattern(0.5):                                                                       \
+        return _pexdSqrt##tier(n, a, r);                                                       \
+      case Pattern(-0.5):                                                                      \
+        return _pexdInvSqrt##tier(n, a, r);                                                    \
+      case Pattern(1.0 / 3):                                                                   \
+        return _pexdCbrt##tier(n, a, r);                                                       \
+      case Pattern(-1.0 / 3):                                                                  \
+        return _pexdInvCbrt##tier(n, a, r);                                                    \
+      case Pattern(2.0 / 3):                                                                   \
+        return _pexdPow2o3##tier(n, a, r);                                                     \
+      case Pattern(1.5):                                                                       \
+        return _pexdPow3o2##tier(n, a, r);                                                     \
+      case Pattern(-1.0):                                                                      \
+        return _pexdInv_HA(n, a, r);                                                           \
+    }                                                                                          \
+    const ControlGuard guard;                                                                  \
+    return HWY_DYNAMIC_DISPATCH(dPowx##tier)(n, a, b, r);                                      \
   }
 
 PEX_EXPORT_POWX(_26)

@@ -285,6 +285,7 @@ HWY_INLINE V WithoutTiny(D d, V y) {
 template <class Method, bool kKeepsFirstPower>
 struct PowKernel : Kernel<double> {
   static constexpr int kArguments = 2;
+  static constexpr int kUnroll = 4;
   using XRarity = RareOutside<double, 0x00100000, 0x7FEFFFFF>;
   using YRarity = RareAbove<double, 0x43DFFFFF>;
 
