@@ -119,30 +119,51 @@ double Fraction(mpfr_t x) {
   return f;
 }
 
+// The least k >= 0 with low <= step k mod size <= high, for step < size and low <= high < size; -1
+// for none.
+__int128 FirstBetween(__int128 step, __int128 size, __int128 low, __int128 high) {
+  if (low == 0) return 0;
+  if (step == 0) return -1;
+  const __int128 k = (low + step - 1) / step;
+  if (step * k <= high) return k;
+  // step k - size j lies between low and high: so does size j, modulo step, between -high and -low.
+  const __int128 j =
+      FirstBetween(size % step, step, (step - high % step) % step, (step - low % step) % step);
+  return j < 0 ? -1 : (low + size * j + step - 1) / step;
+}
+
 // The double next to 1/center whose logarithm is, to within 2^-69 of itself, a multiple of 2^-42.
 double Search(double center) {
-  constexpr int64_t kBlock = 1 << 14;  // within which the logarithm is linear
+  constexpr int64_t kBlock = 1 << 16;  // within which the logarithm is taken for linear
+  constexpr __int128 kTurn = static_cast<__int128>(1) << 64;
   mpfr_t x;
   mpfr_init2(x, 300);
   const double first = 1 / center;
   const double ulp = first < 1 ? 0x1p-53 : 0x1p-52;
   const double close = std::fabs(std::log(center)) * 0x1p-27;  // in units of 2^-42
-  const auto close64 = static_cast<uint64_t>(close * 1.01 * 0x1p64);
-  for (int64_t block = 1; block < int64_t{1} << 22; ++block) {
+  // Twice as wide, for what the line misses; the unit is turned into 2^64 parts.
+  const auto reach = static_cast<uint64_t>(close * 2 * 0x1p64);
+  for (int64_t block = 1; block < int64_t{1} << 20; ++block) {
     const double start = first + static_cast<double>(block * kBlock) * ulp;
     Logarithm(x, start);
-    // The fraction in units of 2^-64, wrapped, and its step.
-    uint64_t f = static_cast<uint64_t>(static_cast<int64_t>(Fraction(x) * 0x1p63)) * 2;
-    const auto step = static_cast<uint64_t>(
-        -static_cast<int64_t>(ulp / (start + kBlock / 2 * ulp) * 0x1p42 * 0x1p64));
-    f += close64;
-    for (int64_t k = 0; k < kBlock; ++k, f += step) {
-      if (f > 2 * close64) continue;
+    const auto fraction = static_cast<uint64_t>(static_cast<int64_t>(Fraction(x) * 0x1p63)) * 2;
+    // The logarithm falls by this much from one double to the next.
+    const auto step = static_cast<uint64_t>(ulp / (start + kBlock / 2 * ulp) * 0x1p42 * 0x1p64);
+    // fraction - step k is within reach of 0: step k is between fraction - reach and + reach.
+    int64_t k = 0;
+    for (;;) {
+      const uint64_t low = fraction - reach - step * static_cast<uint64_t>(k);
+      const uint64_t high = low + 2 * reach;
+      const __int128 next = low > high ? 0 : FirstBetween(step, kTurn, low, high);
+      if (next < 0 || k + next >= kBlock) break;
+      k += static_cast<int64_t>(next);
       const double r = start + static_cast<double>(k) * ulp;
       Logarithm(x, r);
-      if (std::fabs(Fraction(x)) > close) continue;
-      mpfr_clear(x);
-      return r;
+      if (std::fabs(Fraction(x)) <= close) {
+        mpfr_clear(x);
+        return r;
+      }
+      ++k;
     }
   }
   std::fprintf(stderr, "no factor near 1/%g\n", center);
