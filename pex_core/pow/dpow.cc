@@ -3,7 +3,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/pow/dpow.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
-#include "pex_core/_heap/real/pow-inl.h"
+#include "pex_core/_heap/real/pow_kernel-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 
 HWY_BEFORE_NAMESPACE();

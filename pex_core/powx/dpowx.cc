@@ -7,7 +7,7 @@
 
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
-#include "pex_core/_heap/real/pow-inl.h"
+#include "pex_core/_heap/real/pow_kernel-inl.h"
 #include "pex_core/_heap/real/pow_rare.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"

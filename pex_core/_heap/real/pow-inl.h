@@ -7,9 +7,7 @@
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/pow_constants.h"
-#include "pex_core/_heap/real/pow_rare.h"
 #include "pex_core/_kernel/bits-inl.h"
-#include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 
@@ -265,100 +263,6 @@ struct PowPlain {
     return hn::Gt(hn::Abs(p[0]), hn::Set(d, kLimit));
   }
 };
-
-// y is an integer below 2^52 in magnitude.
-template <class D, class V>
-HWY_INLINE MaskOf<D> IsShortInteger(D d, V y) {
-  const V magnitude = hn::Abs(y), shifter = hn::Set(d, 0x1p52);
-  const auto integer = hn::Eq(hn::Sub(hn::Add(magnitude, shifter), shifter), magnitude);
-  return hn::And(integer, MagnitudeBelow(d, y, 0x1p52));
-}
-
-// y, or 0 where it is so small that every power is 1.
-template <class D, class V>
-HWY_INLINE V WithoutTiny(D d, V y) {
-  return hn::IfThenZeroElse(MagnitudeBelow(d, y, 0x1p-70), y);
-}
-
-// The kernel of the power. Common lanes: x normal and finite, y below 2^63 in magnitude and for
-// negative x an integer, the result normal.
-template <class Method, bool kKeepsFirstPower>
-struct PowKernel : Kernel<double> {
-  static constexpr int kArguments = 2;
-  static constexpr int kUnroll = 4;
-  using XRarity = RareOutside<double, 0x00100000, 0x7FEFFFFF>;
-  using YRarity = RareAbove<double, 0x43DFFFFF>;
-
-  static HWY_INLINE int Rare(double x, double y, double* r) { return dPowScalar(x, y, r); }
-
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> IsRare(D d, V x, V y) {
-    const auto odd_x = KeyAbove(d, XRarity::Key(d, hn::Abs(x)), XRarity::kLimit);
-    const auto odd_y = KeyAbove(d, YRarity::Key(d, y), YRarity::kLimit);
-    const V one = hn::Set(d, 1.0);
-    const auto odd = hn::RebindMask(
-        d, hn::Lt(Bits(d, hn::Or(hn::VecFromMask(d, odd_x), hn::VecFromMask(d, odd_y))),
-                  SetBits(d, 0)));
-    x = hn::IfThenElse(odd, one, x);
-    y = WithoutTiny(d, hn::IfThenElse(odd, one, y));
-    const auto negative = hn::Lt(x, hn::Zero(d));
-    const auto domain = hn::AndNot(IsShortInteger(d, y), negative);
-    return hn::Or(hn::Or(odd, domain), Method::Beyond(d, hn::Abs(x), y));
-  }
-
-  template <class D, class V, size_t K>
-  static HWY_INLINE bool TryGroup(D d, const V (&x)[K], const V (&powers)[K], V (&r)[K]) {
-    V y[K];
-    for (size_t k = 0; k < K; ++k) y[k] = WithoutTiny(d, powers[k]);
-    auto x_key = XRarity::Key(d, hn::Abs(x[0]));
-    auto y_key = YRarity::Key(d, y[0]);
-    V signs = x[0];
-    for (size_t k = 1; k < K; ++k) {
-      x_key = JoinKeys(d, x_key, XRarity::Key(d, hn::Abs(x[k])));
-      y_key = JoinKeys(d, y_key, YRarity::Key(d, y[k]));
-      signs = hn::Or(signs, x[k]);
-    }
-    const auto odd = hn::Or(hn::VecFromMask(d, KeyAbove(d, x_key, XRarity::kLimit)),
-                            hn::VecFromMask(d, KeyAbove(d, y_key, YRarity::kLimit)));
-    if (!hn::AllFalse(d, hn::MaskFromVec(odd))) [[unlikely]]
-      return false;
-    const bool any_negative =
-        !hn::AllFalse(d, hn::RebindMask(d, hn::Lt(Bits(d, signs), SetBits(d, 0))));
-    V sign[K], magnitude[K];
-    if (any_negative) {
-      auto domain = hn::AndNot(IsShortInteger(d, y[0]), hn::Lt(x[0], hn::Zero(d)));
-      for (size_t k = 1; k < K; ++k) {
-        domain = hn::Or(domain, hn::AndNot(IsShortInteger(d, y[k]), hn::Lt(x[k], hn::Zero(d))));
-      }
-      if (!hn::AllFalse(d, domain)) [[unlikely]]
-        return false;
-      for (size_t k = 0; k < K; ++k) {
-        // The sum ends in the integer's lowest bit.
-        const V integer = hn::Add(hn::Abs(y[k]), hn::Set(d, 0x1p52));
-        const V odd_y = FromBits(d, hn::ShiftLeft<63>(Bits(d, integer)));
-        sign[k] = hn::And(x[k], odd_y);
-      }
-    }
-    for (size_t k = 0; k < K; ++k) magnitude[k] = hn::Abs(x[k]);
-    V power[K];
-    if (!Method::Power(d, magnitude, y, power)) [[unlikely]]
-      return false;
-    for (size_t k = 0; k < K; ++k) {
-      if constexpr (kKeepsFirstPower) {
-        power[k] = hn::IfThenElse(hn::Eq(y[k], hn::Set(d, 1.0)), magnitude[k], power[k]);
-      }
-      r[k] = power[k];
-    }
-    if (any_negative) {
-      for (size_t k = 0; k < K; ++k) r[k] = hn::Or(r[k], hn::And(sign[k], hn::SignBit(d)));
-    }
-    return true;
-  }
-};
-
-using dPowKernelEP = PowKernel<PowPlain, true>;
-using dPowKernelLA = PowKernel<PowByPairs<PowLA>, true>;
-using dPowKernelHA = PowKernel<PowByPairs<PowHA>, false>;
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
