@@ -10,9 +10,9 @@
 //   or MainGroup(d, x, r)     the same for arrays of several vectors, step by step for all of them:
 //   long
 //                          chains of dependent operations then overlap;
-//   or TryGroup(d, x, y, r)   the same with two arguments and a test of its own in place of IsRare's
-//                          (which names the lanes, but may cost as much as the result): false,
-//                          with results of no use, when some lane is rare;
+//   or TryGroup(d, x, y, r)   the same for two arguments, with a test of its own: false, with
+//                          results of no use, when IsRare would name some lane. For kernels that
+//                          know their rare lanes by what they compute;
 //   Rare(x..., T* r...)    a scalar routine: the result of one rare element; returns its status
 //   code.
 // In HWY_NAMESPACE a kernel K gets its entry's body by PEX_UNARY(double, dExp_50, dExpLA) and so

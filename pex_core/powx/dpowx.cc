@@ -69,8 +69,8 @@ struct PowxFullProduct : PowxRange<kWhole> {
   }
 };
 
-// x^-kWhole as the quotient of 1 and a product: 1.5 ulp if that is rounded once, but 2.4 and 3.2 ulp
-// on the plain cube and fourth power.
+// x^-kWhole as the quotient of 1 and a product: 1.5 ulp if that is rounded once, but 2.4 and 3.2
+// ulp on the plain cube and fourth power.
 template <int kWhole, template <int> class Product>
 struct PowxReciprocal : PowxRange<kWhole> {
   template <class D, class V>
