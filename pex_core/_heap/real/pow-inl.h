@@ -3,7 +3,8 @@
 //
 // |x| = 2^e m, m next to a point 1/f of a table: ln|x| = e ln2 - ln(f) + ln(1 + z), z = m f - 1
 // exactly, as two doubles. The logarithm's relative error is below 2^-66.5 in HA and 2^-62 in LA,
-// as it must be when the product reaches 700.
+// as it must be when the product reaches 700. Largest errors seen: HA 0.53 ulp, LA 1.2 ulp (0.7
+// where the product is below 50), EP 2^-28.6.
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/pow_constants.h"
@@ -167,14 +168,9 @@ HWY_INLINE void PowExp(D d, const Pair<V> (&p)[K], V (&r)[K]) {
   EvenOdd(d, x, square, Tier::kExpPolynomial, q);
   for (size_t k = 0; k < K; ++k) {
     const V above_one = hn::Add(x[k], hn::Mul(square[k], q[k]));
-    if constexpr (Tier::kSteps == 32) {
-      const Pair<V> t =
-          PowLookUp<32>(d, kPowPowers32.hi, kPowPowers32.lo, kPowPowerPairs32, steps[k]);
-      r[k] = hn::Add(t.hi, hn::Add(t.lo, hn::Mul(t.hi, above_one)));
-    } else {
-      const V t = PowSixteenth(d, steps[k]);
-      r[k] = hn::Add(t, hn::Mul(t, above_one));
-    }
+    const Pair<V> t =
+        PowLookUp<Tier::kSteps>(d, Tier::kPower, Tier::kPowerRest, Tier::kPowerPairs, steps[k]);
+    r[k] = hn::Add(t.hi, hn::Add(t.lo, hn::Mul(t.hi, above_one)));
     r[k] = PowScale<Tier::kSteps>(d, r[k], steps[k]);
   }
 }

@@ -26,6 +26,7 @@ constexpr PowPairs<kRows> SideBySide(const double (&first)[kRows], const double 
 inline constexpr PowPairs kPowLogPairs64 = SideBySide(kPowFactors64.factor, kPowFactors64.log);
 inline constexpr PowPairs kPowLogPairs32 = SideBySide(kPowFactors32.factor, kPowFactors32.log);
 inline constexpr PowPairs kPowLog2Pairs32 = SideBySide(kPowFactors32.factor, kPowFactors32.log2);
+inline constexpr PowPairs kPowPowerPairs16 = SideBySide(kPowPowers16.hi, kPowPowers16.lo);
 inline constexpr PowPairs kPowPowerPairs32 = SideBySide(kPowPowers32.hi, kPowPowers32.lo);
 
 // ln2 = kPowLn2Hi + kPowLn2Lo; the first is a multiple of 2^-42, so that its product with an
@@ -38,6 +39,9 @@ struct PowHA {
   static constexpr const double* kFactor = kPowFactors64.factor;
   static constexpr const double* kLog = kPowFactors64.log;
   static constexpr auto& kLogPairs = kPowLogPairs64;
+  static constexpr const double* kPower = kPowPowers32.hi;
+  static constexpr const double* kPowerRest = kPowPowers32.lo;
+  static constexpr auto& kPowerPairs = kPowPowerPairs32;
   static constexpr auto& kLogPolynomial = kPowLogHA;
   static constexpr auto& kExpPolynomial = kPowExpHA;
   // ln2/32 in two parts, the first a multiple of 2^-42: times any number of steps it is exact.
@@ -50,6 +54,9 @@ struct PowLA {
   static constexpr const double* kFactor = kPowFactors32.factor;
   static constexpr const double* kLog = kPowFactors32.log;
   static constexpr auto& kLogPairs = kPowLogPairs32;
+  static constexpr const double* kPower = kPowPowers16.hi;
+  static constexpr const double* kPowerRest = kPowPowers16.lo;
+  static constexpr auto& kPowerPairs = kPowPowerPairs16;
   static constexpr auto& kLogPolynomial = kPowLogLA;
   static constexpr auto& kExpPolynomial = kPowExpLA;
   static constexpr double kStepHi = 0x1.62e42fefap-5, kStepLo = 0x1.cf79abc9e3b3ap-44;

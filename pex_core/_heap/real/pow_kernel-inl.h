@@ -42,11 +42,11 @@ HWY_INLINE V SignOfPower(D d, V x, V y) {
 }
 
 // Common lanes: x normal and finite, y below 2^63 in magnitude and for negative x an integer below
-// 2^52, the result normal. Where kKeepsFirstPower, x^1 is x without the help of the method.
+// 2^52, the result normal. kKeepsFirstPower: the method may miss x^1, which is x.
 template <class Method, bool kKeepsFirstPower>
 struct PowKernel : Kernel<double> {
   static constexpr int kArguments = 2;
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 5;
   using XRarity = RareOutside<double, 0x00100000, 0x7FEFFFFF>;  // of |x|
   using YRarity = RareAbove<double, 0x43DFFFFF>;
 
@@ -106,7 +106,7 @@ struct PowKernel : Kernel<double> {
 };
 
 using dPowKernelEP = PowKernel<PowPlain, true>;
-using dPowKernelLA = PowKernel<PowByPairs<PowLA>, true>;
+using dPowKernelLA = PowKernel<PowByPairs<PowLA>, false>;
 using dPowKernelHA = PowKernel<PowByPairs<PowHA>, false>;
 
 }  // namespace pex::HWY_NAMESPACE
