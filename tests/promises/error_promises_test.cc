@@ -49,7 +49,7 @@ class ErrorPromises : public testing::TestWithParam<size_t> {
   // The flags of results beyond the range that are delivered without a report, and of a pole that
   // is reported as an argument outside the domain.
   uint32_t FlagsOfPowers(const Numbers& r) const {
-    if (!entry().function->name.starts_with("Pow")) return 0;
+    if (entry().function->name != "Pow" && entry().function->name != "Powx") return 0;
     uint32_t flags = 0;
     for (size_t i = 0; i < r.size(); ++i) {
       const double magnitude = std::fabs(r.value(i));
