@@ -10,6 +10,9 @@
 //   or MainGroup(d, x, r)     the same for arrays of several vectors, step by step for all of them:
 //   long
 //                          chains of dependent operations then overlap;
+//   or TryGroup(d, x, y, r)   the same for two arguments, with a test of its own: false, with
+//                          results of no use, when IsRare would name some lane. For kernels that
+//                          know their rare lanes by what they compute;
 //   Rare(x..., T* r...)    a scalar routine: the result of one rare element; returns its status
 //   code.
 // In HWY_NAMESPACE a kernel K gets its entry's body by PEX_UNARY(double, dExp_50, dExpLA) and so
@@ -108,6 +111,10 @@ template <class K, class D>
 inline constexpr bool HasMainGroup = requires(D d, VecOf<D> (&v)[1]) {
   K::MainGroup(d, v, v);
 };
+template <class K, class D>
+inline constexpr bool HasTryGroup = requires(D d, VecOf<D> (&v)[1]) {
+  K::TryGroup(d, v, v, v);
+};
 template <class K>
 inline constexpr bool HasRarity = requires {
   typename K::Rarity;
@@ -145,6 +152,10 @@ HWY_INLINE void Compute(D d, V x, V y, V& r1, V& r2) {
   if constexpr (HasMainGroup<K, D>) {
     V in[1] = {x}, out[1];
     K::MainGroup(d, in, out);
+    r1 = out[0];
+  } else if constexpr (HasTryGroup<K, D>) {
+    V in1[1] = {x}, in2[1] = {y}, out[1] = {r1};
+    K::TryGroup(d, in1, in2, out);
     r1 = out[0];
   } else if constexpr (K::kResults == 2) {
     K::Main(d, x, r1, r2);
@@ -237,9 +248,12 @@ HWY_INLINE bool CommonGroup(const C& call, size_t i) {
     x[k] = call.a.Load(d, i + k * lanes);
     y[k] = K::kArguments == 2 ? call.b.Load(d, i + k * lanes) : x[k];
   }
-  if (AnyRare<K, kVectors>(d, x, y)) [[unlikely]]
+  if constexpr (HasTryGroup<K, decltype(d)>) {
+    if (!K::TryGroup(d, x, y, x)) [[unlikely]]
+      return false;
+  } else if (AnyRare<K, kVectors>(d, x, y)) [[unlikely]] {
     return false;
-  if constexpr (HasMainGroup<K, decltype(d)>) {
+  } else if constexpr (HasMainGroup<K, decltype(d)>) {
     K::MainGroup(d, x, x);
   } else {
     for (int k = 0; k < kVectors; ++k) {
@@ -267,10 +281,17 @@ HWY_INLINE bool CommonVector(const C& call, size_t i, size_t count) {
   if constexpr (K::kArguments == 2) {
     y = whole ? call.b.Load(d, i) : call.b.LoadTail(d, i, count, K::kHarmless);
   }
-  if (AnyRare<K, 1>(d, &x, &y)) [[unlikely]]
-    return false;
   auto v1 = x, v2 = x;
-  Compute<K>(d, x, y, v1, v2);
+  if constexpr (HasTryGroup<K, decltype(d)>) {
+    VecOf<typename K::Tag> in1[1] = {x}, in2[1] = {y}, out[1] = {x};
+    if (!K::TryGroup(d, in1, in2, out)) [[unlikely]]
+      return false;
+    v1 = out[0];
+  } else {
+    if (AnyRare<K, 1>(d, &x, &y)) [[unlikely]]
+      return false;
+    Compute<K>(d, x, y, v1, v2);
+  }
   StoreResults<K>(d, call, i, count, v1, v2);
   return true;
 }
