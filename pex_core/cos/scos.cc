@@ -1,0 +1,38 @@
+// The cosine in single precision.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/cos/scos.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/trig_single-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vsCos";
+
+struct sCosEP {
+  static constexpr Turn kTurn = Turn::kCosine;
+  static constexpr bool kPrecise = false;
+  static constexpr auto& kPolynomial = sCosEPPolynomial;
+};
+
+struct sCosLA {
+  static constexpr Turn kTurn = Turn::kCosine;
+  static constexpr bool kPrecise = true;
+  static constexpr auto& kPolynomial = sCosLAPolynomial;
+};
+
+PEX_UNARY(float, sCos_11, TrigNarrow<sSineNarrow<sCosEP>>)
+PEX_UNARY(float, sCos_21, TrigNarrow<sSineNarrow<sCosLA>>)
+PEX_UNARY(float, sCos_HA, TrigWide<sSineHA<Turn::kCosine>>)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY(float, sCos_11)
+PEX_EXPORT_UNARY(float, sCos_21)
+PEX_EXPORT_UNARY(float, sCos_HA)
+}  // namespace pex
+#endif

@@ -1,0 +1,38 @@
+// The sine in single precision.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/sin/ssin.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/trig_single-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vsSin";
+
+struct sSinEP {
+  static constexpr Turn kTurn = Turn::kSine;
+  static constexpr bool kPrecise = false;
+  static constexpr auto& kPolynomial = sSinEPPolynomial;
+};
+
+struct sSinLA {
+  static constexpr Turn kTurn = Turn::kSine;
+  static constexpr bool kPrecise = true;
+  static constexpr auto& kPolynomial = sSinLAPolynomial;
+};
+
+PEX_UNARY(float, sSin_11, TrigNarrow<sSineNarrow<sSinEP>>)
+PEX_UNARY(float, sSin_21, TrigNarrow<sSineNarrow<sSinLA>>)
+PEX_UNARY(float, sSin_HA, TrigWide<sSineHA<Turn::kSine>>)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY(float, sSin_11)
+PEX_EXPORT_UNARY(float, sSin_21)
+PEX_EXPORT_UNARY(float, sSin_HA)
+}  // namespace pex
+#endif
