@@ -62,6 +62,25 @@ HWY_INLINE V QuietMul(D d, V a, V b) {
 #endif
 }
 
+template <class D, class V, size_t N>
+HWY_INLINE V QuietHorner(D d, V x, const float (&c)[N]) {
+  V p = hn::Set(d, c[N - 1]);
+  for (size_t i = N - 1; i-- > 0;) p = hn::Add(QuietMul(d, p, x), hn::Set(d, c[i]));
+  return p;
+}
+
+// x with its sign changed where the highest of `bits` is set.
+template <class D, class V>
+HWY_INLINE V FlipSign(D d, V x, BitsOf<D> bits) {
+  const auto sign = SetBits(d, sizeof(hn::TFromD<D>) == 8 ? 1ull << 63 : 1ull << 31);
+#if HWY_TARGET == HWY_AVX3
+  return FromBits(d, BitsOf<D>{_mm512_ternarylogic_epi32(Bits(d, x).raw, bits.raw, sign.raw,
+                                                         0x78)});  // x ^ (bits & sign)
+#else
+  return hn::Xor(x, FromBits(d, hn::And(bits, sign)));
+#endif
+}
+
 // pi = high + middle + low with an error of 2^-62, and with 2^-50 in high + rest. N times the
 // middle part is exact for N of 11 bits.
 inline constexpr float kPiHigh = 0x1.921fb6p+1f, kPiMiddle = -0x1.778p-24f,
@@ -364,6 +383,13 @@ HWY_INLINE V Tame(D d, V y) {
   return hn::IfThenZeroElse(MagnitudeBelow(d, y, 0x1p-40f), y);
 }
 
+// Lanes with an odd k.
+template <class D>
+HWY_INLINE MaskOf<D> OddQuarter(D d, BitsOf<D> k) {
+  const auto one = SetBits(d, 1);
+  return hn::RebindMask(d, hn::Eq(hn::And(k, one), one));
+}
+
 // sin y: the sine and the cosine. The cosine's polynomials give 1 at pi/2.
 template <class Half>
 struct sSineNarrow {
@@ -374,7 +400,7 @@ struct sSineNarrow {
   static HWY_INLINE VecOf<D> Of(D d, Reduced<D> u) {
     const auto tame = Tame<kTurn>(d, u.y);
     const auto s = QuietMul(d, tame, tame);
-    const auto p = QuietMul(d, QuietMul(d, tame, s), Horner(d, s, Half::kPolynomial));
+    const auto p = QuietMul(d, QuietMul(d, tame, s), QuietHorner(d, s, Half::kPolynomial));
     return hn::Add(u.y, p);
   }
 };
