@@ -7,6 +7,7 @@
 namespace {
 
 constexpr int kRows = 16;  // exponents 0 to 127 in steps of 8
+constexpr int kWords = 6;
 
 // Takes from x what it is to nearest with `bits` bits.
 double TakeRounded(mpfr_t x, int bits) {
@@ -45,7 +46,7 @@ void Print(const char* name, const char* what, const double (&values)[kRows]) {
 int main() {
   double high[kRows], middle[kRows], low[kRows];
   mpfr_t inverse, window, pi;
-  mpfr_inits2(400, inverse, window, pi, static_cast<mpfr_ptr>(nullptr));
+  mpfr_inits2(600, inverse, window, pi, static_cast<mpfr_ptr>(nullptr));
   mpfr_const_pi(pi, MPFR_RNDN);
   mpfr_ui_div(inverse, 1, pi, MPFR_RNDN);
   for (int row = 0; row < kRows; ++row) {
@@ -62,6 +63,7 @@ int main() {
       "//   gen_trig_single_tables > pex_core/_heap/real/trig_single_tables.h\n"
       "#ifndef PEX_CORE__HEAP_REAL_TRIG_SINGLE_TABLES_H_\n"
       "#define PEX_CORE__HEAP_REAL_TRIG_SINGLE_TABLES_H_\n\n"
+      "#include <cstdint>\n\n"
       "namespace pex {\n\n"
       "// 2^(8i)/pi mod 2^24 in three parts, for the reduction of numbers between 2^(8i) and "
       "2^(8i+8),\n"
@@ -74,6 +76,22 @@ int main() {
       kRows);
   for (int i = 0; i < kRows; ++i) {
     std::printf("%s\n    {%a, %a, %a}", i > 0 ? "," : "", high[i], middle[i], low[i]);
+  }
+  std::printf("};\n\n// 384 bits of 2/pi, highest first.\ninline constexpr uint64_t kTwoOverPi[%d] = {", kWords);
+  mpfr_mul_2ui(window, inverse, 1, MPFR_RNDN);
+  for (int i = 0; i < kWords; ++i) {
+    mpfr_mul_2ui(window, window, 64, MPFR_RNDN);
+    const unsigned long word = mpfr_get_ui(window, MPFR_RNDZ);
+    mpfr_sub_ui(window, window, word, MPFR_RNDN);
+    std::printf("%s%s0x%016lX", i > 0 ? "," : "", i % 3 == 0 ? "\n    " : " ", word);
+  }
+  std::printf("};\n\n// sin(j pi/32).\ninline constexpr double kSineOf32nds[64] = {");
+  for (int j = 0; j < 64; ++j) {
+    mpfr_mul_ui(window, pi, static_cast<unsigned long>(j), MPFR_RNDN);
+    mpfr_div_ui(window, window, 32, MPFR_RNDN);
+    mpfr_sin(window, window, MPFR_RNDN);
+    const double value = j % 32 == 0 ? 0.0 : mpfr_get_d(window, MPFR_RNDN);
+    std::printf("%s%s%a", j > 0 ? "," : "", j % 4 == 0 ? "\n    " : " ", value);
   }
   std::puts("};\n\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_TRIG_SINGLE_TABLES_H_");
   mpfr_clears(inverse, window, pi, static_cast<mpfr_ptr>(nullptr));

@@ -12,19 +12,21 @@ static char _PEX_THISFUNC_NAME[] = "vsCos";
 
 struct sCosEP {
   static constexpr Turn kTurn = Turn::kCosine;
-  static constexpr bool kPrecise = false;
+  static constexpr Care kCare = Care::kRough;
   static constexpr auto& kPolynomial = sCosEPPolynomial;
 };
 
 struct sCosLA {
   static constexpr Turn kTurn = Turn::kCosine;
-  static constexpr bool kPrecise = true;
+  static constexpr Care kCare = Care::kTwoRoundings;
   static constexpr auto& kPolynomial = sCosLAPolynomial;
 };
 
+using sCosHA = TrigWide<sSineHA<Turn::kCosine, sSettleCosine>>;
+
 PEX_UNARY(float, sCos_11, TrigNarrow<sSineNarrow<sCosEP>>)
 PEX_UNARY(float, sCos_21, TrigNarrow<sSineNarrow<sCosLA>>)
-PEX_UNARY(float, sCos_HA, TrigWide<sSineHA<Turn::kCosine>>)
+PEX_UNARY(float, sCos_HA, sCosHA)
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

@@ -12,19 +12,21 @@ static char _PEX_THISFUNC_NAME[] = "vsSin";
 
 struct sSinEP {
   static constexpr Turn kTurn = Turn::kSine;
-  static constexpr bool kPrecise = false;
+  static constexpr Care kCare = Care::kRough;
   static constexpr auto& kPolynomial = sSinEPPolynomial;
 };
 
 struct sSinLA {
   static constexpr Turn kTurn = Turn::kSine;
-  static constexpr bool kPrecise = true;
+  static constexpr Care kCare = Care::kTwoRoundings;
   static constexpr auto& kPolynomial = sSinLAPolynomial;
 };
 
+using sSinHA = TrigWide<sSineHA<Turn::kSine, sSettleSine>>;
+
 PEX_UNARY(float, sSin_11, TrigNarrow<sSineNarrow<sSinEP>>)
 PEX_UNARY(float, sSin_21, TrigNarrow<sSineNarrow<sSinLA>>)
-PEX_UNARY(float, sSin_HA, TrigWide<sSineHA<Turn::kSine>>)
+PEX_UNARY(float, sSin_HA, sSinHA)
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

@@ -24,7 +24,7 @@ template <class Tier>
 struct sSinCosNarrow {
   static constexpr int kUnroll = Tier::kUnroll, kResults = 2;
   static constexpr Turn kTurn = Turn::kQuarter;
-  static constexpr bool kPrecise = Tier::kPrecise;
+  static constexpr Care kCare = Tier::kCare;
   template <class D, class V>
   static HWY_INLINE void Of(D d, Reduced<D> u, V& sine, V& cosine) {
     const auto y = Tame<kTurn>(d, u.y);
@@ -37,34 +37,30 @@ struct sSinCosNarrow {
 
 struct sSinCosEP {
   static constexpr int kUnroll = 8;
-  static constexpr bool kPrecise = false;
+  static constexpr Care kCare = Care::kRough;
   static constexpr auto& kSine = sQuarterSinEPPolynomial;
   static constexpr auto& kCosine = sQuarterCosEPPolynomial;
 };
 
 struct sSinCosLA {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 4;
-  static constexpr bool kPrecise = true;
+  static constexpr Care kCare = Care::kTwoRoundings;
   static constexpr auto& kSine = sQuarterSinLAPolynomial;
   static constexpr auto& kCosine = sQuarterCosLAPolynomial;
 };
 
 // In double precision.
 struct sSinCosHA {
-  static constexpr int kUnroll = 4, kResults = 2;
+  static constexpr int kUnroll = 4, kResults = 2, kDoubt = 10;
   static constexpr Turn kTurn = Turn::kQuarter;
   template <class D, class V>
   static HWY_INLINE void Of(D d, Reduced<D> u, V& sine, V& cosine) {
-    const auto one = hn::Set(d, 1.0);
     const auto s = hn::Mul(u.y, u.y);
     const auto s2 = hn::Mul(s, s);
     const auto p = EvenOdd(d, s, s2, sQuarterSinHAPolynomial);
     const auto q = EvenOdd(d, s, s2, sQuarterCosHAPolynomial);
-    const auto half = hn::Mul(s, hn::Set(d, 0.5));
-    const auto high = hn::Sub(one, half);
-    const auto rest = hn::Sub(hn::Sub(one, high), half);
     TurnBack(d, u.k, hn::Add(hn::Mul(hn::Mul(u.y, s), p), u.y),
-             hn::Add(high, hn::Add(hn::Mul(s2, q), rest)), sine, cosine);
+             hn::Add(hn::Mul(s, q), hn::Set(d, 1.0)), sine, cosine);
   }
 };
 

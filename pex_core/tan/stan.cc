@@ -22,7 +22,7 @@ HWY_INLINE V Quotient(D d, BitsOf<D> k, V y, V c) {
 struct sTanEP {
   static constexpr int kUnroll = 8, kResults = 1;
   static constexpr Turn kTurn = Turn::kQuarter;
-  static constexpr bool kPrecise = false;
+  static constexpr Care kCare = Care::kRough;
   template <class D>
   static HWY_INLINE VecOf<D> Of(D d, Reduced<D> u) {
     const auto y = Tame<kTurn>(d, u.y);
@@ -37,7 +37,7 @@ struct sTanEP {
 struct sTanLA {
   static constexpr int kUnroll = 8, kResults = 1;
   static constexpr Turn kTurn = Turn::kQuarter;
-  static constexpr bool kPrecise = true;
+  static constexpr Care kCare = Care::kOneRounding;
   template <class D>
   static HWY_INLINE VecOf<D> Of(D d, Reduced<D> u) {
     const auto y = Tame<kTurn>(d, u.y);
@@ -53,7 +53,8 @@ struct sTanLA {
 
 // In double precision.
 struct sTanHA {
-  static constexpr int kUnroll = 8, kResults = 1;
+  static constexpr int kUnroll = 4, kResults = 1, kDoubt = 10;
+  static constexpr sSettle kSettle = sSettleTangent;
   static constexpr Turn kTurn = Turn::kQuarter;
   template <class D>
   static HWY_INLINE VecOf<D> Of(D d, Reduced<D> u) {

@@ -31,6 +31,10 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 enum class Turn { kSine, kCosine, kQuarter };
 
+// How good the reduction is in float arithmetic: about 14 bits next to the zeros; two roundings;
+// one rounding.
+enum class Care { kRough, kTwoRoundings, kOneRounding };
+
 // The reduced argument: of half turns (-1)^k y, of quarters y, and k in the lowest two bits.
 template <class D>
 struct Reduced {
@@ -190,16 +194,23 @@ struct Reduction {
   }
 
   // For arguments that are not Beyond.
-  template <bool kPrecise, class D, class V>
+  template <Care kCare, class D, class V>
   static HWY_INLINE Reduced<D> Near(D d, V x) {
     const V quotient = Quotient(d, x);
     const V n = Multiple(d, quotient);
     V y = ExactDifference(d, x, n, hn::Set(d, kPiHigh * kUnit));
-    if constexpr (kPrecise) {
-      y = ExactDifference(d, y, n, hn::Set(d, kPiMiddle * kUnit));
-      y = hn::Sub(y, hn::Mul(n, hn::Set(d, kPiLow * kUnit)));
-    } else {
+    if constexpr (kCare == Care::kRough) {
       y = hn::Sub(y, hn::Mul(n, hn::Set(d, kPiRest * kUnit)));
+    } else {
+      const V middle = hn::Set(d, kPiMiddle * kUnit);
+      const V low = hn::Mul(n, hn::Set(d, kPiLow * kUnit));
+      const V sum = ExactDifference(d, y, n, middle);
+      if constexpr (kCare == Care::kTwoRoundings) {
+        y = hn::Sub(sum, low);
+      } else {
+        const V error = ExactDifference(d, hn::Sub(y, sum), n, middle);
+        y = hn::Add(sum, hn::Sub(error, low));
+      }
     }
     return Signed(d, {y, Bits(d, quotient)});
   }
@@ -263,10 +274,10 @@ struct Reduction {
   }
 
   // In single precision, for all finite arguments.
-  template <bool kPrecise, class D, class V>
+  template <Care kCare, class D, class V>
   static HWY_INLINE Reduced<D> Whole(D d, V x) {
     const auto beyond = Beyond(d, x);
-    const Reduced<D> near = Near<kPrecise>(d, hn::IfThenZeroElse(beyond, x));
+    const Reduced<D> near = Near<kCare>(d, hn::IfThenZeroElse(beyond, x));
     const V far_x = hn::IfThenElse(beyond, x, hn::Set(d, 1.0f));
     const hn::Half<D> half;
     const auto lower = FarNarrow(half, hn::LowerHalf(half, far_x));
@@ -305,7 +316,7 @@ struct TrigNarrow : Kernel<float> {
   using Rarity = Reduce;
   template <class D, class V, class... R>
   static HWY_INLINE auto Main(D d, V x, R&... r) {
-    return Formula::Of(d, Reduce::template Near<Formula::kPrecise>(d, x), r...);
+    return Formula::Of(d, Reduce::template Near<Formula::kCare>(d, x), r...);
   }
   template <class... R>
   static HWY_INLINE int Rare(float x, R*... r) {
@@ -317,7 +328,7 @@ struct TrigNarrow : Kernel<float> {
     using Rarity = RareAbove<float, 0x7F7FFFFF>;
     template <class D, class V, class... R>
     static HWY_INLINE auto Main(D d, V x, R&... r) {
-      return Formula::Of(d, Reduce::template Whole<Formula::kPrecise>(d, x), r...);
+      return Formula::Of(d, Reduce::template Whole<Formula::kCare>(d, x), r...);
     }
     template <class... R>
     static HWY_INLINE int Rare(float x, R*... r) {
@@ -326,46 +337,95 @@ struct TrigNarrow : Kernel<float> {
   };
 };
 
-// The same in double precision: vectors of half as many floats.
+// The same in double precision: vectors of half as many floats, computed to some 42 bits. Results
+// that are so near the midpoint between two floats that the error could decide are settled one by
+// one.
 template <class Formula>
 struct TrigWide : Kernel<float, double> {
   static constexpr int kUnroll = Formula::kUnroll;
   static constexpr int kResults = Formula::kResults;
   using Reduce = Reduction<Formula::kTurn>;
   using Rarity = RareAbove<float, BitsOfNumber(kWideLimit) - 1>;
+
+  // The distance from a midpoint in last places of a double is 2^kDoubt or less.
   template <class D, class V>
-  static HWY_INLINE auto Main(D d, V x) {
+  static HWY_INLINE MaskOf<D> InDoubt(D d, V v) {
+    const auto above = hn::Add(Bits(d, v), SetBits(d, (1ull << 28) + (1ull << Formula::kDoubt)));
+    constexpr uint64_t kMask = (1ull << 29) - (1ull << (Formula::kDoubt + 1));
+    return hn::RebindMask(d, hn::Eq(hn::And(above, SetBits(d, kMask)), SetBits(d, 0)));
+  }
+  template <class D, class V, class W>
+  static HWY_NOINLINE W Settled(D d, V x, W v, sSettle settle) {
     const hn::Rebind<double, D> wide;
-    return hn::DemoteTo(d, Formula::Of(wide, Reduce::NearWide(wide, hn::PromoteTo(wide, x))));
+    HWY_ALIGN float xs[hn::MaxLanes(D())];
+    HWY_ALIGN double vs[hn::MaxLanes(D())];
+    hn::Store(x, d, xs);
+    hn::Store(v, wide, vs);
+    for (size_t i = 0; i < hn::Lanes(d); ++i) vs[i] = settle(xs[i], vs[i], Formula::kDoubt);
+    return hn::Load(wide, vs);
+  }
+
+  template <bool kWhole, class D, class V>
+  static HWY_INLINE auto Reduced(D d, V x) {
+    const hn::Rebind<double, D> wide;
+    if constexpr (kWhole) {
+      return Reduce::WholeWide(d, x);
+    } else {
+      return Reduce::NearWide(wide, hn::PromoteTo(wide, x));
+    }
+  }
+  template <bool kWhole, class D, class V, size_t K>
+  static HWY_INLINE void Group(D d, const V (&x)[K], V (&r)[K]) {
+    const hn::Rebind<double, D> wide;
+    VecOf<decltype(wide)> v[K];
+    for (size_t k = 0; k < K; ++k) v[k] = Formula::Of(wide, Reduced<kWhole>(d, x[k]));
+    auto doubt = InDoubt(wide, v[0]);
+    for (size_t k = 1; k < K; ++k) doubt = hn::Or(doubt, InDoubt(wide, v[k]));
+    if (!hn::AllFalse(wide, doubt)) [[unlikely]] {
+      for (size_t k = 0; k < K; ++k) v[k] = Settled(d, x[k], v[k], Formula::kSettle);
+    }
+    for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, v[k]);
+  }
+  template <bool kWhole, class D, class V>
+  static HWY_INLINE void Two(D d, V x, V& r1, V& r2) {
+    const hn::Rebind<double, D> wide;
+    VecOf<decltype(wide)> v1, v2;
+    Formula::Of(wide, Reduced<kWhole>(d, x), v1, v2);
+    const auto doubt = hn::Or(InDoubt(wide, v1), InDoubt(wide, v2));
+    if (!hn::AllFalse(wide, doubt)) [[unlikely]] {
+      v1 = Settled(d, x, v1, sSettleSine);
+      v2 = Settled(d, x, v2, sSettleCosine);
+    }
+    r1 = hn::DemoteTo(d, v1);
+    r2 = hn::DemoteTo(d, v2);
+  }
+
+  template <class D, class V, size_t K>
+    requires(kResults == 1)
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    Group<false>(d, x, r);
   }
   template <class D, class V>
   static HWY_INLINE void Main(D d, V x, V& r1, V& r2) {
-    const hn::Rebind<double, D> wide;
-    VecOf<decltype(wide)> w1, w2;
-    Formula::Of(wide, Reduce::NearWide(wide, hn::PromoteTo(wide, x)), w1, w2);
-    r1 = hn::DemoteTo(d, w1);
-    r2 = hn::DemoteTo(d, w2);
+    Two<false>(d, x, r1, r2);
   }
   template <class... R>
   static HWY_INLINE int Rare(float x, R*... r) {
     return sTrigScalar(x, r...);
   }
+
   struct Wide : Kernel<float, double> {
     static constexpr int kUnroll = 2;
     static constexpr int kResults = Formula::kResults;
     using Rarity = RareAbove<float, 0x7F7FFFFF>;
-    template <class D, class V>
-    static HWY_INLINE auto Main(D d, V x) {
-      const hn::Rebind<double, D> wide;
-      return hn::DemoteTo(d, Formula::Of(wide, Reduce::WholeWide(d, x)));
+    template <class D, class V, size_t K>
+      requires(kResults == 1)
+    static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+      Group<true>(d, x, r);
     }
     template <class D, class V>
     static HWY_INLINE void Main(D d, V x, V& r1, V& r2) {
-      const hn::Rebind<double, D> wide;
-      VecOf<decltype(wide)> w1, w2;
-      Formula::Of(wide, Reduce::WholeWide(d, x), w1, w2);
-      r1 = hn::DemoteTo(d, w1);
-      r2 = hn::DemoteTo(d, w2);
+      Two<true>(d, x, r1, r2);
     }
     template <class... R>
     static HWY_INLINE int Rare(float x, R*... r) {
@@ -395,7 +455,7 @@ template <class Half>
 struct sSineNarrow {
   static constexpr int kUnroll = 8, kResults = 1;
   static constexpr Turn kTurn = Half::kTurn;
-  static constexpr bool kPrecise = Half::kPrecise;
+  static constexpr Care kCare = Half::kCare;
   template <class D>
   static HWY_INLINE VecOf<D> Of(D d, Reduced<D> u) {
     const auto tame = Tame<kTurn>(d, u.y);
@@ -405,15 +465,16 @@ struct sSineNarrow {
   }
 };
 
-template <Turn kTurnOf>
+template <Turn kTurnOf, sSettle kSettleOf>
 struct sSineHA {
-  static constexpr int kUnroll = 8, kResults = 1;
+  static constexpr int kUnroll = 4, kResults = 1, kDoubt = 10;
   static constexpr Turn kTurn = kTurnOf;
+  static constexpr sSettle kSettle = kSettleOf;
   template <class D>
   static HWY_INLINE VecOf<D> Of(D d, Reduced<D> u) {
-    const auto y = u.y, s = hn::Mul(y, y);
+    const auto s = hn::Mul(u.y, u.y);
     const auto p = EvenOdd(d, s, hn::Mul(s, s), sSinHAPolynomial);
-    return hn::Add(hn::Mul(hn::Mul(y, s), p), y);
+    return hn::Add(hn::Mul(hn::Mul(u.y, s), p), u.y);
   }
 };
 
