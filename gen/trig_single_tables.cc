@@ -77,7 +77,9 @@ int main() {
   for (int i = 0; i < kRows; ++i) {
     std::printf("%s\n    {%a, %a, %a}", i > 0 ? "," : "", high[i], middle[i], low[i]);
   }
-  std::printf("};\n\n// 384 bits of 2/pi, highest first.\ninline constexpr uint64_t kTwoOverPi[%d] = {", kWords);
+  std::printf(
+      "};\n\n// 384 bits of 2/pi, highest first.\ninline constexpr uint64_t kTwoOverPi[%d] = {",
+      kWords);
   mpfr_mul_2ui(window, inverse, 1, MPFR_RNDN);
   for (int i = 0; i < kWords; ++i) {
     mpfr_mul_2ui(window, window, 64, MPFR_RNDN);

@@ -45,8 +45,8 @@ struct sTanLA {
     const auto q = QuietMul(d, s, QuietHorner(d, s, sTanLAPolynomial));
     const auto c = hn::Add(q, hn::Set(d, 1.0f));
     const auto odd = OddQuarter(d, u.k);
-    const auto quotient = hn::Div(hn::IfThenElse(odd, c, QuietMul(d, u.y, q)),
-                                  hn::IfThenElse(odd, u.y, c));
+    const auto quotient =
+        hn::Div(hn::IfThenElse(odd, c, QuietMul(d, u.y, q)), hn::IfThenElse(odd, u.y, c));
     return hn::Sub(hn::IfThenZeroElse(odd, u.y), quotient);
   }
 };

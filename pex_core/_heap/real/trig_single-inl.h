@@ -401,8 +401,7 @@ struct TrigWide : Kernel<float, double> {
   }
 
   template <class D, class V, size_t K>
-    requires(kResults == 1)
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+  requires(kResults == 1) static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     Group<false>(d, x, r);
   }
   template <class D, class V>
@@ -419,8 +418,7 @@ struct TrigWide : Kernel<float, double> {
     static constexpr int kResults = Formula::kResults;
     using Rarity = RareAbove<float, 0x7F7FFFFF>;
     template <class D, class V, size_t K>
-      requires(kResults == 1)
-    static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    requires(kResults == 1) static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
       Group<true>(d, x, r);
     }
     template <class D, class V>

@@ -83,7 +83,8 @@ Pair ReduceQuarter(float x, unsigned* k) {
 
   const double hi = static_cast<double>(rest);
   const double lo = static_cast<double>(rest - static_cast<__int128>(hi));
-  const Pair y = Multiply({hi * 0x1p-128, lo * 0x1p-128}, {0x1.921fb54442d18p+0, 0x1.1a62633145c07p-54});
+  const Pair y =
+      Multiply({hi * 0x1p-128, lo * 0x1p-128}, {0x1.921fb54442d18p+0, 0x1.1a62633145c07p-54});
   const bool negative = bits >> 31;
   *k = negative ? 0 - turns : turns;
   return negative ? Pair{-y.hi, -y.lo} : y;
