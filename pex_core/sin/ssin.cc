@@ -18,7 +18,7 @@ struct sSinEP {
 
 struct sSinLA {
   static constexpr Turn kTurn = Turn::kSine;
-  static constexpr Care kCare = Care::kTwoRoundings;
+  static constexpr Care kCare = Care::kRounded;
   static constexpr auto& kPolynomial = sSinLAPolynomial;
 };
 

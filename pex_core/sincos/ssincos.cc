@@ -44,7 +44,7 @@ struct sSinCosEP {
 
 struct sSinCosLA {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 4;
-  static constexpr Care kCare = Care::kTwoRoundings;
+  static constexpr Care kCare = Care::kRounded;
   static constexpr auto& kSine = sQuarterSinLAPolynomial;
   static constexpr auto& kCosine = sQuarterCosLAPolynomial;
 };

@@ -32,14 +32,15 @@ namespace hn = hwy::HWY_NAMESPACE;
 enum class Turn { kSine, kCosine, kQuarter };
 
 // How good the reduction is in float arithmetic: about 14 bits next to the zeros; two roundings;
-// one rounding.
-enum class Care { kRough, kTwoRoundings, kOneRounding };
+// with the rest that the roundings leave.
+enum class Care { kRough, kRounded, kWithRest };
 
 // The reduced argument: of half turns (-1)^k y, of quarters y, and k in the lowest two bits.
 template <class D>
 struct Reduced {
   VecOf<D> y;
   BitsOf<D> k;
+  VecOf<D> rest = {};  // of y, with Care::kWithRest
 };
 
 // x - a b, where either that or a b is a number: fused or not, the result is the same.
@@ -205,12 +206,13 @@ struct Reduction {
       const V middle = hn::Set(d, kPiMiddle * kUnit);
       const V low = hn::Mul(n, hn::Set(d, kPiLow * kUnit));
       const V sum = ExactDifference(d, y, n, middle);
-      if constexpr (kCare == Care::kTwoRoundings) {
-        y = hn::Sub(sum, low);
-      } else {
+      if constexpr (kCare == Care::kWithRest) {
         const V error = ExactDifference(d, hn::Sub(y, sum), n, middle);
-        y = hn::Add(sum, hn::Sub(error, low));
+        y = hn::Sub(sum, low);
+        const V rest = hn::Add(hn::Sub(hn::Sub(sum, y), low), error);
+        return {y, Bits(d, quotient), rest};
       }
+      y = hn::Sub(sum, low);
     }
     return Signed(d, {y, Bits(d, quotient)});
   }
@@ -285,24 +287,27 @@ struct Reduction {
     const V y = hn::IfThenElse(beyond, hn::Combine(d, upper.y, lower.y), near.y);
     if (!kQuarter) return {y, near.k};
     const V k = hn::Combine(d, upper.k, lower.k);
-    return {y, Bits(d, hn::IfThenElse(beyond, k, FromBits(d, near.k)))};
+    const V rest = hn::Combine(d, upper.rest, lower.rest);
+    return {y, Bits(d, hn::IfThenElse(beyond, k, FromBits(d, near.k))),
+            hn::IfThenElse(beyond, rest, near.rest)};
   }
 
   // Far, rounded to single precision; k in the lowest bits of a float.
   template <class D>
   struct Rounded {
-    VecOf<D> y, k;
+    VecOf<D> y, k, rest;
   };
   template <class D, class V>
   static HWY_INLINE Rounded<D> FarNarrow(D d, V x) {
     const hn::Rebind<double, D> wide;
     const auto far = FarWide(d, x);
     const V y = hn::DemoteTo(d, far.y);
-    if (!kQuarter) return {y, y};
+    if (!kQuarter) return {y, y, y};
     const auto offset = hn::Set(wide, 0x1p52);  // its lowest bits are those of k mod 4
     const auto k = hn::Or(hn::And(far.k, SetBits(wide, 3)), Bits(wide, offset));
     const V k_narrow = hn::DemoteTo(d, hn::Sub(FromBits(wide, k), offset));
-    return {y, hn::Add(k_narrow, hn::Set(d, 0x1p23f))};
+    const V rest = hn::DemoteTo(d, hn::Sub(far.y, hn::PromoteTo(wide, y)));
+    return {y, hn::Add(k_narrow, hn::Set(d, 0x1p23f)), rest};
   }
 };
 
