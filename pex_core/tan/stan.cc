@@ -35,7 +35,7 @@ struct sTanEP {
 // y cot y = 1 + q, and in even quarter turns the quotient is y - y q/(1 + q), so that its rounding
 // errors are those of a small correction.
 struct sTanLA {
-  static constexpr int kUnroll = 8, kResults = 1;
+  static constexpr int kUnroll = 4, kResults = 1;
   static constexpr Turn kTurn = Turn::kQuarter;
   static constexpr Care kCare = Care::kWithRest;
   template <class D>
