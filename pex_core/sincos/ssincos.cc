@@ -31,7 +31,9 @@ struct sSinCosNarrow {
     const auto s = QuietMul(d, y, y);
     const auto p = QuietMul(d, QuietMul(d, y, s), QuietHorner(d, s, Tier::kSine));
     const auto q = QuietMul(d, s, QuietHorner(d, s, Tier::kCosine));
-    TurnBack(d, u.k, hn::Add(u.y, p), hn::Add(q, hn::Set(d, 1.0f)), sine, cosine);
+    const auto sum = hn::Add(u.y, p);
+    TurnBack(d, u.k, HWY_TARGET == HWY_AVX3 ? KeepSign(d, sum, u.y) : sum,
+             hn::Add(q, hn::Set(d, 1.0f)), sine, cosine);
   }
 };
 
@@ -59,8 +61,8 @@ struct sSinCosHA {
     const auto s2 = hn::Mul(s, s);
     const auto p = EvenOdd(d, s, s2, sQuarterSinHAPolynomial);
     const auto q = EvenOdd(d, s, s2, sQuarterCosHAPolynomial);
-    TurnBack(d, u.k, hn::Add(hn::Mul(hn::Mul(u.y, s), p), u.y),
-             hn::Add(hn::Mul(s, q), hn::Set(d, 1.0)), sine, cosine);
+    const auto sum = hn::Add(hn::Mul(hn::Mul(u.y, s), p), u.y);
+    TurnBack(d, u.k, KeepSign(d, sum, u.y), hn::Add(hn::Mul(s, q), hn::Set(d, 1.0)), sine, cosine);
   }
 };
 

@@ -86,10 +86,22 @@ HWY_INLINE V FlipSign(D d, V x, BitsOf<D> bits) {
 #endif
 }
 
+// x with the sign of y, for an x that has it already or is a zero: -0 and 0 from its powers is 0.
+template <class D, class V>
+HWY_INLINE V KeepSign(D d, V x, V y) {
+  const auto sign = SetBits(d, sizeof(hn::TFromD<D>) == 8 ? 1ull << 63 : 1ull << 31);
+#if HWY_TARGET == HWY_AVX3
+  return FromBits(d, BitsOf<D>{_mm512_ternarylogic_epi32(Bits(d, x).raw, Bits(d, y).raw, sign.raw,
+                                                         0xF8)});  // x | (y & sign)
+#else
+  return hn::Or(x, hn::And(y, FromBits(d, sign)));
+#endif
+}
+
 // pi = high + middle + low with an error of 2^-62, and with 2^-50 in high + rest. N times the
 // middle part is exact for N of 11 bits.
-inline constexpr float kPiHigh = 0x1.921fb6p+1f, kPiMiddle = -0x1.778p-24f,
-                       kPiLow = 0x1.68c234p-38f, kPiRest = -0x1.777a5cp-24f;
+inline constexpr float kPiHigh = 0x1.921fb4p+1f, kPiMiddle = 0x1.444p-23f,
+                       kPiLow = 0x1.68c234p-38f, kPiRest = 0x1.4442d2p-23f;
 
 // A row of the parts of 1/pi for each lane, row & 15.
 template <class V>
@@ -439,7 +451,7 @@ struct TrigWide : Kernel<float, double> {
 
 // A reduced argument whose powers raise no underflow. AVX-512 multiplies without flags (QuietMul);
 // the other levels put 0 in place of tiny numbers, and the terms that are added to them vanish as
-// they would anyway.
+// they would anyway: they are -0, where the first coefficient is negative.
 template <Turn kTurn, class D, class V>
 HWY_INLINE V Tame(D d, V y) {
   if (HWY_TARGET == HWY_AVX3 || kTurn == Turn::kCosine) return y;  // the cosine's are not tiny
@@ -464,7 +476,8 @@ struct sSineNarrow {
     const auto tame = Tame<kTurn>(d, u.y);
     const auto s = QuietMul(d, tame, tame);
     const auto p = QuietMul(d, QuietMul(d, tame, s), QuietHorner(d, s, Half::kPolynomial));
-    return hn::Add(u.y, p);
+    const auto sum = hn::Add(u.y, p);
+    return HWY_TARGET == HWY_AVX3 && kTurn == Turn::kSine ? KeepSign(d, sum, u.y) : sum;
   }
 };
 
@@ -477,7 +490,8 @@ struct sSineHA {
   static HWY_INLINE VecOf<D> Of(D d, Reduced<D> u) {
     const auto s = hn::Mul(u.y, u.y);
     const auto p = EvenOdd(d, s, hn::Mul(s, s), sSinHAPolynomial);
-    return hn::Add(hn::Mul(hn::Mul(u.y, s), p), u.y);
+    const auto sum = hn::Add(hn::Mul(hn::Mul(u.y, s), p), u.y);
+    return kTurn == Turn::kSine ? KeepSign(d, sum, u.y) : sum;
   }
 };
 
