@@ -18,7 +18,7 @@ struct sCosEP {
 
 struct sCosLA {
   static constexpr Turn kTurn = Turn::kCosine;
-  static constexpr Care kCare = Care::kRounded;
+  static constexpr Care kCare = Care::kSecondRounding;
   static constexpr auto& kPolynomial = sCosLAPolynomial;
 };
 

@@ -18,7 +18,7 @@ struct sSinEP {
 
 struct sSinLA {
   static constexpr Turn kTurn = Turn::kSine;
-  static constexpr Care kCare = Care::kRounded;
+  static constexpr Care kCare = Care::kSecondRounding;
   static constexpr auto& kPolynomial = sSinLAPolynomial;
 };
 

@@ -29,7 +29,8 @@ struct sSinCosNarrow {
   static HWY_INLINE void Of(D d, Reduced<D> u, V& sine, V& cosine) {
     const auto y = Tame<kTurn>(d, u.y);
     const auto s = QuietMul(d, y, y);
-    const auto p = QuietMul(d, QuietMul(d, y, s), QuietHorner(d, s, Tier::kSine));
+    auto p = QuietMul(d, QuietMul(d, y, s), QuietHorner(d, s, Tier::kSine));
+    if (kCare != Care::kRough) p = hn::Sub(p, u.excess);
     const auto q = QuietMul(d, s, QuietHorner(d, s, Tier::kCosine));
     const auto sum = hn::Add(u.y, p);
     TurnBack(d, u.k, HWY_TARGET == HWY_AVX3 ? KeepSign(d, sum, u.y) : sum,
@@ -46,7 +47,7 @@ struct sSinCosEP {
 
 struct sSinCosLA {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 4;
-  static constexpr Care kCare = Care::kRounded;
+  static constexpr Care kCare = Care::kSecondRounding;
   static constexpr auto& kSine = sQuarterSinLAPolynomial;
   static constexpr auto& kCosine = sQuarterCosLAPolynomial;
 };

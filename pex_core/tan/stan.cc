@@ -37,7 +37,7 @@ struct sTanEP {
 struct sTanLA {
   static constexpr int kUnroll = 4, kResults = 1;
   static constexpr Turn kTurn = Turn::kQuarter;
-  static constexpr Care kCare = Care::kWithRest;
+  static constexpr Care kCare = Care::kBothRoundings;
   template <class D>
   static HWY_INLINE VecOf<D> Of(D d, Reduced<D> u) {
     const auto y = Tame<kTurn>(d, u.y);
@@ -50,7 +50,7 @@ struct sTanLA {
     // The derivatives are 1 + tan^2 y, nearly 1 + y^2, and 1 + cot^2 y.
     const auto root = hn::IfThenElse(odd, quotient, y);
     const auto slope = hn::Add(QuietMul(d, root, root), hn::Set(d, 1.0f));
-    return hn::Sub(hn::IfThenZeroElse(odd, u.y), hn::Sub(quotient, QuietMul(d, slope, u.rest)));
+    return hn::Sub(hn::IfThenZeroElse(odd, u.y), hn::Add(quotient, QuietMul(d, slope, u.excess)));
   }
 };
 

@@ -31,16 +31,16 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 enum class Turn { kSine, kCosine, kQuarter };
 
-// How good the reduction is in float arithmetic: about 14 bits next to the zeros; two roundings;
-// with the rest that the roundings leave.
-enum class Care { kRough, kRounded, kWithRest };
+// How good the reduction is in float arithmetic: about 14 bits next to the zeros; rounded twice,
+// with the error of the second rounding; with the error of both.
+enum class Care { kRough, kSecondRounding, kBothRoundings };
 
 // The reduced argument: of half turns (-1)^k y, of quarters y, and k in the lowest two bits.
 template <class D>
 struct Reduced {
   VecOf<D> y;
   BitsOf<D> k;
-  VecOf<D> rest = {};  // of y, with Care::kWithRest
+  VecOf<D> excess = {};  // y less its exact value, as far as Care says
 };
 
 // x - a b, where either that or a b is a number: fused or not, the result is the same.
@@ -100,8 +100,8 @@ HWY_INLINE V KeepSign(D d, V x, V y) {
 
 // pi = high + middle + low with an error of 2^-62, and with 2^-50 in high + rest. N times the
 // middle part is exact for N of 11 bits.
-inline constexpr float kPiHigh = 0x1.921fb4p+1f, kPiMiddle = 0x1.444p-23f,
-                       kPiLow = 0x1.68c234p-38f, kPiRest = 0x1.4442d2p-23f;
+inline constexpr float kPiHigh = 0x1.921fb4p+1f, kPiMiddle = 0x1.444p-23f, kPiLow = 0x1.68c234p-38f,
+                       kPiRest = 0x1.4442d2p-23f;
 
 // A row of the parts of 1/pi for each lane, row & 15.
 template <class V>
@@ -203,7 +203,8 @@ struct Reduction {
   template <class D>
   static HWY_INLINE Reduced<D> Signed(D d, Reduced<D> u) {
     if (kQuarter) return u;
-    return {hn::Xor(u.y, FromBits(d, hn::ShiftLeft<sizeof(hn::TFromD<D>) * 8 - 1>(u.k))), u.k};
+    const auto sign = FromBits(d, hn::ShiftLeft<sizeof(hn::TFromD<D>) * 8 - 1>(u.k));
+    return {hn::Xor(u.y, sign), u.k, hn::Xor(u.excess, sign)};
   }
 
   // For arguments that are not Beyond.
@@ -218,13 +219,14 @@ struct Reduction {
       const V middle = hn::Set(d, kPiMiddle * kUnit);
       const V low = hn::Mul(n, hn::Set(d, kPiLow * kUnit));
       const V sum = ExactDifference(d, y, n, middle);
-      if constexpr (kCare == Care::kWithRest) {
-        const V error = ExactDifference(d, hn::Sub(y, sum), n, middle);
-        y = hn::Sub(sum, low);
-        const V rest = hn::Add(hn::Sub(hn::Sub(sum, y), low), error);
-        return {y, Bits(d, quotient), rest};
+      V excess = hn::Zero(d);
+      if constexpr (kCare == Care::kBothRoundings) {
+        excess = ExactDifference(d, hn::Sub(y, sum), n, middle);
       }
       y = hn::Sub(sum, low);
+      const V second = hn::Add(hn::Sub(y, sum), low);
+      excess = kCare == Care::kBothRoundings ? hn::Sub(second, excess) : second;
+      return Signed(d, {y, Bits(d, quotient), excess});
     }
     return Signed(d, {y, Bits(d, quotient)});
   }
@@ -297,17 +299,17 @@ struct Reduction {
     const auto lower = FarNarrow(half, hn::LowerHalf(half, far_x));
     const auto upper = FarNarrow(half, hn::UpperHalf(half, far_x));
     const V y = hn::IfThenElse(beyond, hn::Combine(d, upper.y, lower.y), near.y);
-    if (!kQuarter) return {y, near.k};
+    if (!kQuarter) return {y, near.k, hn::IfThenZeroElse(beyond, near.excess)};
     const V k = hn::Combine(d, upper.k, lower.k);
-    const V rest = hn::Combine(d, upper.rest, lower.rest);
+    const V excess = hn::Combine(d, upper.excess, lower.excess);
     return {y, Bits(d, hn::IfThenElse(beyond, k, FromBits(d, near.k))),
-            hn::IfThenElse(beyond, rest, near.rest)};
+            hn::IfThenElse(beyond, excess, near.excess)};
   }
 
   // Far, rounded to single precision; k in the lowest bits of a float.
   template <class D>
   struct Rounded {
-    VecOf<D> y, k, rest;
+    VecOf<D> y, k, excess;
   };
   template <class D, class V>
   static HWY_INLINE Rounded<D> FarNarrow(D d, V x) {
@@ -318,8 +320,8 @@ struct Reduction {
     const auto offset = hn::Set(wide, 0x1p52);  // its lowest bits are those of k mod 4
     const auto k = hn::Or(hn::And(far.k, SetBits(wide, 3)), Bits(wide, offset));
     const V k_narrow = hn::DemoteTo(d, hn::Sub(FromBits(wide, k), offset));
-    const V rest = hn::DemoteTo(d, hn::Sub(far.y, hn::PromoteTo(wide, y)));
-    return {y, hn::Add(k_narrow, hn::Set(d, 0x1p23f)), rest};
+    const V excess = hn::DemoteTo(d, hn::Sub(hn::PromoteTo(wide, y), far.y));
+    return {y, hn::Add(k_narrow, hn::Set(d, 0x1p23f)), excess};
   }
 };
 
@@ -475,7 +477,8 @@ struct sSineNarrow {
   static HWY_INLINE VecOf<D> Of(D d, Reduced<D> u) {
     const auto tame = Tame<kTurn>(d, u.y);
     const auto s = QuietMul(d, tame, tame);
-    const auto p = QuietMul(d, QuietMul(d, tame, s), QuietHorner(d, s, Half::kPolynomial));
+    auto p = QuietMul(d, QuietMul(d, tame, s), QuietHorner(d, s, Half::kPolynomial));
+    if (Half::kCare != Care::kRough) p = hn::Sub(p, u.excess);
     const auto sum = hn::Add(u.y, p);
     return HWY_TARGET == HWY_AVX3 && kTurn == Turn::kSine ? KeepSign(d, sum, u.y) : sum;
   }
