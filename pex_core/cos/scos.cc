@@ -1,4 +1,5 @@
-// The cosine in single precision.
+// The cosine in single precision. EP has 12.5 correct bits, LA errs by less than 2 ulp, HA is
+// rounded correctly for all floats.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/cos/scos.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level

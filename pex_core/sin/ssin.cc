@@ -1,4 +1,5 @@
-// The sine in single precision.
+// The sine in single precision. EP has 12.8 correct bits, LA errs by less than 2 ulp, HA is rounded
+// correctly for all floats.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/sin/ssin.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
