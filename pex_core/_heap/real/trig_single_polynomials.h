@@ -5,13 +5,9 @@
 
 namespace pex {
 
-// (sin x)/x - 1 from s on, |x| <= 1.57179629802703857421875; relative error 2^-27.25.
+// (sin x)/x - 1 from s on, 1 at pi/2, |x| <= 1.57179629802703857421875; relative error 2^-26.09375.
 inline constexpr float sSinLAPolynomial[] = {
-    -0x1.55554cp-3f, 0x1.110edap-7f, -0x1.9f70e8p-13f, 0x1.5dc80cp-19f};
-
-// (sin x)/x - 1 from s on, 1 at pi/2, |x| <= 1.57179629802703857421875; relative error 2^-26.1875.
-inline constexpr float sCosLAPolynomial[] = {
-    -0x1.55554cp-3f, 0x1.110ed6p-7f, -0x1.9f70aep-13f, 0x1.5dc832p-19f};
+    -0x1.55554cp-3f, 0x1.110edcp-7f, -0x1.9f70eap-13f, 0x1.5dc77ep-19f};
 
 // (sin x)/x - 1 from s on, 1 at pi/2, |x| <= 1.57179629802703857421875; relative error 2^-12.546875.
 inline constexpr float sCosEPPolynomial[] = {
