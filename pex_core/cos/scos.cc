@@ -1,5 +1,5 @@
-// The cosine in single precision. EP has 12.5 correct bits, LA errs by 2.04 ulp as far as seen, HA is
-// rounded correctly for all floats.
+// The cosine in single precision. EP has 12.5 correct bits, LA errs by 2.04 ulp as far as seen, HA
+// is rounded correctly for all floats.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/cos/scos.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
