@@ -47,8 +47,11 @@ template <typename T>
 void Column(const T* values) {
   std::printf("    {");
   for (int i = 0; i < 16; ++i) {
-    std::printf("%s%a%s", i == 0 ? "" : i % 4 ? ", " : ",\n     ", static_cast<double>(values[i]),
-                sizeof(T) == 4 ? "f" : "");
+    std::printf("%s%a%s",
+                i == 0  ? ""
+                : i % 4 ? ", "
+                        : ",\n     ",
+                static_cast<double>(values[i]), sizeof(T) == 4 ? "f" : "");
   }
   std::printf("},\n");
 }
@@ -118,7 +121,6 @@ struct AtanBins {
 };
 )");
   BinTable<double>("double", "kAtanBins");
-  BinTable<float>("float", "kAtanSingleBins");
   ScalarTable();
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_ATAN_TABLES_H_\n");
 }

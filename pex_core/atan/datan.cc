@@ -17,33 +17,31 @@ struct dAtanCommon : Kernel<double> {
   static HWY_INLINE int Rare(double x, double* r) { return dAtanRare(x, r); }
 };
 
-template <class D, class V, size_t K>
-HWY_INLINE void Magnitudes(D, const V (&x)[K], V (&a)[K]) {
-  for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
-}
-
-template <class D, class V, size_t K>
-HWY_INLINE void PutSigns(D, const V (&v)[K], const V (&x)[K], V (&r)[K]) {
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void SignedAtan(D d, const V (&x)[K], const double (&c)[N], V (&r)[K]) {
+  AtanThird<V> third[K];
+  V v[K];
+  for (size_t k = 0; k < K; ++k) {
+    third[k] =
+        AtanThirdOf(d, hn::Abs(x[k]), hn::Set(d, 1.0), hn::Set(d, kAtanLow), hn::Set(d, kAtanHigh));
+  }
+  PlainAtan(d, third, c, v);
   for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(v[k], x[k]);
 }
 
 struct dAtanEP : dAtanCommon {
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    V a[K], v[K];
-    Magnitudes(d, x, a);
-    PlainAtan(d, a, kAtanEP, v);
-    PutSigns(d, v, x, r);
+    SignedAtan(d, x, kAtanEP, r);
   }
 };
 
 struct dAtanLA : dAtanCommon {
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    V a[K], v[K];
-    Magnitudes(d, x, a);
-    PlainAtan(d, a, kAtanLA, v);
-    PutSigns(d, v, x, r);
+    SignedAtan(d, x, kAtanLA, r);
   }
 };
 
@@ -51,9 +49,9 @@ struct dAtanHA : dAtanCommon {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], v[K];
-    Magnitudes(d, x, a);
+    for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
     FullAtan(d, a, v);
-    PutSigns(d, v, x, r);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(v[k], x[k]);
   }
 };
 

@@ -99,36 +99,52 @@ HWY_INLINE AtanRow<V> AtanRowOf(D d, V y, V x) {
   return AtanLookUp(d, hn::ShiftRight<51>(hn::BitCast(hn::RebindToSigned<D>(), biased)));
 }
 
-// Below this atan(t) is t to within 2^-61 of itself, and the square of t is left out: no product
-// underflows.
-inline constexpr double kAtanTiny = 0x1p-30;
-
-// atan(t) - t for |t| < 0.0999.
-template <class D, class V, size_t N>
-HWY_INLINE V AtanTail(D d, V t, const double (&c)[N]) {
-  const V u = hn::IfThenZeroElse(MagnitudeBelow(d, t, kAtanTiny), t);
-  const V z = hn::Mul(u, u);
-  return hn::Mul(t, hn::Mul(z, Horner(d, z, c)));
+// atan(t) - t; 0 for tiny t, where no product shall underflow: it is below 2^-61 t there (single:
+// 2^-29 t).
+template <class D, class V, size_t K, size_t N, typename T = hn::TFromD<D>>
+HWY_INLINE void AtanTail(D d, const V (&t)[K], const T (&c)[N], V (&r)[K]) {
+  constexpr T kTiny = sizeof(T) == 8 ? T(0x1p-30) : T(0x1p-14);
+  V z[K], z2[K], p[K];
+  for (size_t k = 0; k < K; ++k) {
+    const V u = hn::IfThenZeroElse(MagnitudeBelow(d, t[k], kTiny), t[k]);
+    z[k] = hn::Mul(u, u);
+  }
+  for (size_t k = 0; k < K; ++k) z2[k] = hn::Mul(z[k], z[k]);
+  EvenOdd(d, z, z2, c, p);
+  for (size_t k = 0; k < K; ++k) r[k] = hn::Mul(t[k], hn::Mul(z[k], p[k]));
 }
 
-// atan(a), a >= 0, by plain sums: below 1.5 ulp with the coefficients of LA.
+// For the ratio y/x >= 0 with c = 0, 1 or infinity, whichever is next to it: the numerator and the
+// denominator of t = (y - c x)/(x + c y), |t| <= 7/16, and atan(c).
+template <class V>
+struct AtanThird {
+  V numerator, denominator, angle;
+};
+
+template <class D, class V>
+HWY_INLINE AtanThird<V> AtanThirdOf(D d, V y, V x, V x_low, V x_high) {
+  using T = hn::TFromD<D>;
+  const auto low = hn::Lt(y, x_low), high = hn::Gt(y, x_high);
+  const V middle = hn::IfThenZeroElse(low, hn::Set(d, T(0x1.921fb54442d18p-1)));
+  return {hn::Sub(hn::IfThenZeroElse(high, y), hn::IfThenZeroElse(low, x)),
+          hn::Add(hn::IfThenZeroElse(low, y), hn::IfThenZeroElse(high, x)),
+          hn::IfThenElse(high, hn::Set(d, T(0x1.921fb54442d18p+0)), middle)};
+}
+
+inline constexpr double kAtanLow = 0.4375, kAtanHigh = 2.4;
+
+// atan(y/x) for the third of the ratio, by plain sums.
 template <class D, class V, size_t K, size_t N>
-HWY_INLINE void PlainAtan(D d, const V (&a)[K], const double (&c)[N], V (&r)[K]) {
-  V t[K], angle[K];
-  for (size_t k = 0; k < K; ++k) {
-    const auto row = AtanRowOf(d, a[k]);
-    angle[k] = row.angle;
-    t[k] = hn::Div(hn::Sub(hn::Mul(row.finite, a[k]), row.c),
-                   hn::Add(row.finite, hn::Mul(row.c, a[k])));
-  }
-  for (size_t k = 0; k < K; ++k) {
-    r[k] = hn::Add(angle[k], hn::Add(t[k], AtanTail(d, t[k], c)));
-  }
+HWY_INLINE void PlainAtan(D d, const AtanThird<V> (&q)[K], const hn::TFromD<D> (&c)[N], V (&r)[K]) {
+  V t[K], tail[K];
+  for (size_t k = 0; k < K; ++k) t[k] = hn::Div(q[k].numerator, q[k].denominator);
+  AtanTail(d, t, c, tail);
+  for (size_t k = 0; k < K; ++k) r[k] = hn::Add(q[k].angle, hn::Add(t[k], tail[k]));
 }
 
 // t = hi + lo = (n.hi + n.lo)/(m.hi + m.lo) to about 2^-100.
-template <class D, class V>
-HWY_INLINE Pair<V> AtanQuotient(D d, Pair<V> n, Pair<V> m) {
+template <class D, class V = VecOf<D>>
+HWY_INLINE Pair<V> AtanQuotient(D d, Pair<VecOf<D>> n, Pair<VecOf<D>> m) {
   const V inverse = hn::Div(hn::Set(d, 1.0), m.hi);
   const V t = hn::Mul(n.hi, inverse);
   const Pair<V> p = TwoProduct(d, t, m.hi);
@@ -141,7 +157,7 @@ HWY_INLINE Pair<V> AtanQuotient(D d, Pair<V> n, Pair<V> m) {
 template <class D, class V, size_t K>
 HWY_INLINE void FullAtan(D d, const V (&a)[K], V (&r)[K]) {
   Pair<V> t[K];
-  V angle[K], rest[K];
+  V lead[K], tail[K], angle[K], rest[K];
   for (size_t k = 0; k < K; ++k) {
     const auto row = AtanRowOf(d, a[k]);
     angle[k] = row.angle;
@@ -150,45 +166,63 @@ HWY_INLINE void FullAtan(D d, const V (&a)[K], V (&r)[K]) {
     const Pair<V> m = FastTwoSum(row.finite, p.hi);  // exact: 1 is a multiple of the sum's ulp
     t[k] = AtanQuotient(d, {hn::Sub(hn::Mul(row.finite, a[k]), row.c), hn::Zero(d)},
                         {m.hi, hn::Add(m.lo, p.lo)});
+    lead[k] = t[k].hi;
   }
+  AtanTail(d, lead, kAtanHA, tail);
   for (size_t k = 0; k < K; ++k) {
-    const V tail = hn::Add(AtanTail(d, t[k].hi, kAtanHA), hn::Add(t[k].lo, rest[k]));
-    const Pair<V> s = FastTwoSum(angle[k], t[k].hi);
-    r[k] = hn::Add(s.hi, hn::Add(s.lo, tail));
+    const Pair<V> s = FastTwoSum(angle[k], lead[k]);
+    r[k] = hn::Add(s.hi, hn::Add(s.lo, hn::Add(tail[k], hn::Add(t[k].lo, rest[k]))));
   }
 }
 
-// atan2(y, x) for |x| and |y| in [2^-450, 2^450], one of them may be 0. sign(x) v stands for v with
-// the sign changed where x < 0; then the angle is taken from pi.
-template <class D, class V, size_t N>
-HWY_INLINE V PlainAtan2(D d, V y, V x, const double (&c)[N]) {
-  const V ay = hn::Abs(y), ax = hn::Abs(x);
-  const V x_sign = hn::And(x, hn::SignBit(d));
-  const auto row = AtanRowOf(d, ay, ax);
-  const V t = hn::Div(hn::Sub(hn::Mul(row.finite, ay), hn::Mul(row.c, ax)),
-                      hn::Add(hn::Mul(row.finite, ax), hn::Mul(row.c, ay)));
-  const V angle = hn::Add(row.angle, hn::Add(t, AtanTail(d, t, c)));
-  const V base = hn::IfNegativeThenElse(x, hn::Set(d, 0x1.921fb54442d18p+1), hn::Zero(d));
-  return hn::CopySign(hn::Add(base, hn::Xor(angle, x_sign)), y);
+// atan2(y, x) for |x| and |y| in [2^-450, 2^450] (single: [2^-60, 2^60]); one of them may be 0.
+// Where x < 0 the angle is taken from pi.
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void PlainAtan2(D d, const V (&y)[K], const V (&x)[K], const hn::TFromD<D> (&c)[N],
+                           V (&r)[K]) {
+  using T = hn::TFromD<D>;
+  AtanThird<V> third[K];
+  V angle[K];
+  for (size_t k = 0; k < K; ++k) {
+    const V ax = hn::Abs(x[k]);
+    third[k] = AtanThirdOf(d, hn::Abs(y[k]), ax, hn::Mul(ax, hn::Set(d, T(kAtanLow))),
+                           hn::Mul(ax, hn::Set(d, T(kAtanHigh))));
+  }
+  PlainAtan(d, third, c, angle);
+  for (size_t k = 0; k < K; ++k) {
+    const V pi = hn::IfNegativeThenElse(x[k], hn::Set(d, T(0x1.921fb54442d18p+1)), hn::Zero(d));
+    const V turned = hn::Xor(angle[k], hn::And(x[k], hn::SignBit(d)));
+    r[k] = hn::CopySignToAbs(hn::Add(pi, turned), y[k]);
+  }
 }
 
-template <class D, class V>
-HWY_INLINE V FullAtan2(D d, V y, V x) {
-  const V ay = hn::Abs(y), ax = hn::Abs(x);
-  const V x_sign = hn::And(x, hn::SignBit(d));
-  const auto row = AtanRowOf(d, ay, ax);
-  const Pair<V> cx = TwoProduct(d, row.c, ax), cy = TwoProduct(d, row.c, ay);
-  const V n = hn::Sub(hn::Mul(row.finite, ay), cx.hi);  // exact
-  const Pair<V> m = TwoSum(hn::Mul(row.finite, ax), cy.hi);
-  const Pair<V> t = AtanQuotient(d, {n, hn::Neg(cx.lo)}, {m.hi, hn::Add(m.lo, cy.lo)});
-  const V tail = hn::Add(AtanTail(d, t.hi, kAtanHA), hn::Add(t.lo, row.rest));
-  const V zero = hn::Zero(d);
-  const V pi = hn::IfNegativeThenElse(x, hn::Set(d, 0x1.921fb54442d18p+1), zero);
-  const V pi_rest = hn::IfNegativeThenElse(x, hn::Set(d, 0x1.1a62633145c07p-53), zero);
-  const Pair<V> s1 = FastTwoSum(pi, hn::Xor(row.angle, x_sign));
-  const Pair<V> s2 = FastTwoSum(s1.hi, hn::Xor(t.hi, x_sign));
-  const V rest = hn::Add(s1.lo, hn::Add(pi_rest, hn::Xor(tail, x_sign)));
-  return hn::CopySign(hn::Add(s2.hi, hn::Add(s2.lo, rest)), y);
+// The same at most 0.53 ulp.
+template <class D, class V, size_t K>
+HWY_INLINE void FullAtan2(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
+  Pair<V> t[K];
+  V lead[K], tail[K], angle[K], rest[K];
+  for (size_t k = 0; k < K; ++k) {
+    const V ay = hn::Abs(y[k]), ax = hn::Abs(x[k]);
+    const auto row = AtanRowOf(d, ay, ax);
+    angle[k] = row.angle;
+    rest[k] = row.rest;
+    const Pair<V> cx = TwoProduct(d, row.c, ax), cy = TwoProduct(d, row.c, ay);
+    const V n = hn::Sub(hn::Mul(row.finite, ay), cx.hi);  // exact
+    const Pair<V> m = TwoSum(hn::Mul(row.finite, ax), cy.hi);
+    t[k] = AtanQuotient(d, {n, hn::Neg(cx.lo)}, {m.hi, hn::Add(m.lo, cy.lo)});
+    lead[k] = t[k].hi;
+  }
+  AtanTail(d, lead, kAtanHA, tail);
+  for (size_t k = 0; k < K; ++k) {
+    const V zero = hn::Zero(d), x_sign = hn::And(x[k], hn::SignBit(d));
+    const V pi = hn::IfNegativeThenElse(x[k], hn::Set(d, 0x1.921fb54442d18p+1), zero);
+    const V pi_rest = hn::IfNegativeThenElse(x[k], hn::Set(d, 0x1.1a62633145c07p-53), zero);
+    const Pair<V> s1 = FastTwoSum(pi, hn::Xor(angle[k], x_sign));
+    const Pair<V> s2 = FastTwoSum(s1.hi, hn::Xor(lead[k], x_sign));
+    const V low = hn::Xor(hn::Add(tail[k], hn::Add(t[k].lo, rest[k])), x_sign);
+    const V sum = hn::Add(s2.hi, hn::Add(s2.lo, hn::Add(s1.lo, hn::Add(pi_rest, low))));
+    r[k] = hn::CopySignToAbs(sum, y[k]);
+  }
 }
 
 }  // namespace pex::HWY_NAMESPACE

@@ -8,28 +8,29 @@ namespace pex {
 // atan(t) = t (1 + c[0] z + c[1] z^2 ...) for z = t^2, |t| < 0.0999.
 
 // Error 2^-63.3125 of the whole.
-inline constexpr double kAtanHA[] = {
-    -0x1.555555555554cp-2, 0x1.9999999990a43p-3, -0x1.2492490dbe0a9p-3, 0x1.c71c3c573f803p-4,
-    -0x1.743d75eb18636p-4, 0x1.31d7e39ec89acp-4};
+inline constexpr double kAtanHA[] = {-0x1.555555555554cp-2, 0x1.9999999990a43p-3,
+                                     -0x1.2492490dbe0a9p-3, 0x1.c71c3c573f803p-4,
+                                     -0x1.743d75eb18636p-4, 0x1.31d7e39ec89acp-4};
 
-// Error 2^-54.4375 of the whole.
+// The same for |t| <= 7/16.
+
+// Error 2^-53.0625 of the whole.
 inline constexpr double kAtanLA[] = {
-    -0x1.555555555487bp-2, 0x1.99999990ac74dp-3, -0x1.24923907b4ed2p-3, 0x1.c70308675f8c6p-4,
-    -0x1.6b3e4ab0559e4p-4};
+    -0x1.5555555554f5ap-2, 0x1.99999998d8c19p-3, -0x1.249248e13969bp-3, 0x1.c71c5a6f986ap-4,
+    -0x1.745ac218a9079p-4, 0x1.3aee8e622d764p-4, -0x1.0f933f6eb2ee3p-4, 0x1.cdde8655ee392p-5,
+    -0x1.58c33c67bd5f6p-5, 0x1.3f7361619f605p-6};
 
-// Error 2^-27.46875 of the whole.
-inline constexpr double kAtanEP[] = {
-    -0x1.5553bf091f76fp-2, 0x1.95922608240d7p-3};
+// Error 2^-29.625 of the whole.
+inline constexpr double kAtanEP[] = {-0x1.5555419d81ee8p-2, 0x1.998ddf83ba2b9p-3,
+                                     -0x1.236e0869a208bp-3, 0x1.adcce4d51bae9p-4,
+                                     -0x1.dd1b322e5ade3p-5};
 
-// Error 2^-27.4375 of the whole.
-inline constexpr float kAtanSingleLA[] = {
-    -0x1.5553cp-2f, 0x1.959302p-3f};
+// Error 2^-24.84375 of the whole.
+inline constexpr float kAtanSingleLA[] = {-0x1.5553dcp-2f, 0x1.98feb8p-3f, -0x1.1a8d1p-3f,
+                                          0x1.3ee1dap-4f};
 
-// The same for |t| <= 1.
-
-// Error 2^-14.953125 of the whole.
-inline constexpr float kAtanSingleEP[] = {
-    -0x1.542d58p-2f, 0x1.7f826ep-3f, -0x1.8494a6p-4f, 0x1.9d8ea8p-6f};
+// Error 2^-15.046875 of the whole.
+inline constexpr float kAtanSingleEP[] = {-0x1.537af8p-2f, 0x1.5716d6p-3f};
 
 }  // namespace pex
 
