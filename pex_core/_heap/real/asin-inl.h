@@ -1,0 +1,157 @@
+// Inverse sine and cosine: asin(x) = x (1 + u P(u)) with u = 2 x^2 for |x| <= 1/2, and for larger
+// ones acos(|x|) = s (1 + u P(u)) with u = 1 - |x|, s = sqrt(2 u).
+
+#include <cstdint>
+
+#include "hwy/highway.h"
+#include "pex_core/_heap/real/asin_polynomials.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/_kernel/polynomial-inl.h"
+
+#if defined(PEX_CORE__HEAP_REAL_ASIN_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__HEAP_REAL_ASIN_INL_H_
+#undef PEX_CORE__HEAP_REAL_ASIN_INL_H_
+#else
+#define PEX_CORE__HEAP_REAL_ASIN_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// Rare: |x| > 1 or NaN. The levels that compare high words alone have 1 moved below its octave.
+template <typename T>
+struct AboveOne : RareAbove<T, (sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F7FFFFF)> {
+#if HWY_TARGET == HWY_AVX3
+  static constexpr int64_t kLimit = BitsOfNumber(T(1));
+#endif
+  template <class D>
+  static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+#if HWY_TARGET == HWY_AVX3
+    return Bits(d, hn::Abs(x));
+#else
+    return hn::Sub(Bits(d, hn::Abs(x)), SetBits(d, 1));
+#endif
+  }
+};
+
+inline constexpr double kPi = 0x1.921fb54442d18p+1, kPiRest = 0x1.1a62633145c07p-53;
+
+// What both functions are made of. `large`: |x| > 1/2. Below `tiny` u is 0, so that no product
+// underflows.
+template <class D>
+struct AsinParts {
+  VecOf<D> magnitude, root, up;
+  MaskOf<D> large;
+};
+
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void AsinReduce(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N],
+                           AsinParts<D> (&r)[K]) {
+  using T = hn::TFromD<D>;
+  constexpr T kTiny = sizeof(T) == 8 ? T(0x1p-30) : T(0x1p-14);
+  V u[K], u2[K], p[K];
+  for (size_t k = 0; k < K; ++k) {
+    const V a = hn::Abs(x[k]);
+    const V rest = hn::Sub(hn::Set(d, T(1)), a);  // exact where it is used
+    const V b = hn::IfThenZeroElse(hn::Lt(a, hn::Set(d, kTiny)), a);
+    r[k].magnitude = a;
+    r[k].large = hn::Gt(a, hn::Set(d, T(0.5)));
+    r[k].root = hn::Sqrt(hn::Add(rest, rest));
+    u[k] = hn::Min(rest, hn::Mul(b, hn::Add(b, b)));  // they are equal for a = 1/2
+  }
+  for (size_t k = 0; k < K; ++k) u2[k] = hn::Mul(u[k], u[k]);
+  EvenOdd(d, u, u2, c, p);
+  for (size_t k = 0; k < K; ++k) r[k].up = hn::Mul(u[k], p[k]);
+}
+
+// By plain sums: below 2 ulp with the coefficients of LA.
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void PlainAsin(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&r)[K]) {
+  using T = hn::TFromD<D>;
+  AsinParts<D> v[K];
+  AsinReduce(d, x, c, v);
+  for (size_t k = 0; k < K; ++k) {
+    const V lead = hn::IfThenElse(v[k].large, hn::Neg(v[k].root), v[k].magnitude);
+    const V base = hn::IfThenElseZero(v[k].large, hn::Set(d, T(kPi / 2)));
+    const V sum = hn::Add(hn::Add(base, lead), hn::Mul(lead, v[k].up));
+    r[k] = hn::CopySignToAbs(sum, x[k]);
+  }
+}
+
+// pi/2 - x ..., s ... or pi - s ...: what the leading term is added to, a quarter of pi at a time.
+template <class D, class V>
+HWY_INLINE V AcosBase(D d, MaskOf<D> large, V x, hn::TFromD<D> pi) {
+  using T = hn::TFromD<D>;
+  const V left = hn::IfNegativeThenElse(x, hn::Set(d, pi), hn::Zero(d));
+  return hn::IfThenElse(large, left, hn::Set(d, pi * T(0.5)));
+}
+
+// The leading term `part`, large or not, with its sign.
+template <class D, class V>
+HWY_INLINE V AcosLead(D d, MaskOf<D> large, V part_large, V part_small, V x) {
+  const V part = hn::IfThenElse(large, part_large, hn::Neg(part_small));
+  return hn::Xor(part, hn::And(x, hn::SignBit(d)));
+}
+
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void PlainAcos(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&r)[K]) {
+  using T = hn::TFromD<D>;
+  AsinParts<D> v[K];
+  AsinReduce(d, x, c, v);
+  for (size_t k = 0; k < K; ++k) {
+    const V lead = AcosLead(d, v[k].large, v[k].root, v[k].magnitude, x[k]);
+    const V base = AcosBase(d, v[k].large, x[k], T(kPi));
+    r[k] = hn::Add(hn::Add(base, lead), hn::Mul(lead, v[k].up));
+  }
+}
+
+// What the root lacks of sqrt(2 (1 - a)): its exact remainder over twice the root, by a division of
+// floats, both scaled by 2^60 so that none underflows.
+template <class D, class V>
+HWY_INLINE V RootRest(D d, V a, V root) {
+  const hn::Rebind<float, D> df;
+  const V one = hn::Set(d, 1.0);
+  const V rest = hn::Sub(one, a);
+  const Pair<V> square = TwoProduct(d, root, root);
+  const V remainder = hn::Sub(hn::Sub(hn::Add(rest, rest), square.hi), square.lo);
+  const auto n = hn::DemoteTo(df, hn::Mul(remainder, hn::Set(d, 0x1p60)));
+  const auto m = hn::DemoteTo(df, hn::Max(hn::Mul(root, hn::Set(d, 0x1p61)), one));
+  return hn::PromoteTo(d, hn::Div(n, m));
+}
+
+template <class D, class V, size_t K>
+HWY_INLINE void FullAsin(D d, const V (&x)[K], V (&r)[K]) {
+  AsinParts<D> v[K];
+  AsinReduce(d, x, kAsinHA, v);
+  for (size_t k = 0; k < K; ++k) {
+    const auto& [magnitude, root, up, large] = v[k];
+    const V lead = hn::IfThenElse(large, hn::Neg(root), magnitude);
+    const V rest = hn::Sub(hn::Set(d, kPiRest / 2), RootRest(d, magnitude, root));
+    const Pair<V> s = FastTwoSum(hn::IfThenElseZero(large, hn::Set(d, kPi / 2)), lead);
+    const V tail = hn::Add(hn::IfThenElseZero(large, rest), hn::Mul(lead, up));
+    r[k] = hn::CopySignToAbs(hn::Add(s.hi, hn::Add(s.lo, tail)), x[k]);
+  }
+}
+
+template <class D, class V, size_t K>
+HWY_INLINE void FullAcos(D d, const V (&x)[K], V (&r)[K]) {
+  AsinParts<D> v[K];
+  AsinReduce(d, x, kAsinHA, v);
+  for (size_t k = 0; k < K; ++k) {
+    const auto& [magnitude, root, up, large] = v[k];
+    const V lead = AcosLead(d, large, root, magnitude, x[k]);
+    const V lead_rest = AcosLead(d, large, RootRest(d, magnitude, root), hn::Zero(d), x[k]);
+    const V rest = hn::Add(AcosBase(d, large, x[k], kPiRest), lead_rest);
+    const Pair<V> s = FastTwoSum(AcosBase(d, large, x[k], kPi), lead);
+    r[k] = hn::Add(s.hi, hn::Add(s.lo, hn::Add(rest, hn::Mul(lead, up))));
+  }
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__HEAP_REAL_ASIN_INL_H_
