@@ -28,18 +28,22 @@ T Arctangent(T c, double* rest) {
 // difference of the bit patterns of y and x, which is the exponent and the mantissa of the ratio
 // when x is a power of two. The first bin has ratios from 1 to 3/2 of the octave's foot, the second
 // ones from 4/3 to 2.
-template <typename T>
-T Breakpoint(int bin, T* angle) {
-  if (bin == 0) return *angle = 0;
+double Center(int bin) {
+  if (bin == 0) return 0;
   const double foot = std::ldexp(1.0, bin / 2 - 4);
   const double low = bin % 2 ? foot * 4 / 3 : foot;
   const double high = bin % 2 ? foot * 2 : foot * 3 / 2;
-  T c = static_cast<T>(std::tan((std::atan(low) + std::atan(high)) / 2));
+  return std::tan((std::atan(low) + std::atan(high)) / 2);
+}
+
+// A number near `center` whose arctangent is almost a T.
+template <typename T>
+T Breakpoint(double center, T* angle) {
   const double slack = sizeof(T) == 8 ? 0x1p-64 : 0x1p-32;
-  for (;; c = std::nextafter(c, T(100))) {
+  for (T c = static_cast<T>(center);; c = std::nextafter(c, T(100))) {
     double rest;
     *angle = Arctangent(c, &rest);
-    if (std::fabs(rest) < slack * *angle) return c;
+    if (std::fabs(rest) <= slack * *angle) return c;
   }
 }
 
@@ -56,14 +60,13 @@ void Column(const T* values) {
   std::printf("},\n");
 }
 
-template <typename T>
-void BinTable(const char* type, const char* name) {
-  T c[16], finite[16], angle[16], rest[16];
+void BinTable() {
+  double c[16], finite[16], angle[16], rest[16];
   for (int bin = 0; bin < 16; ++bin) {
     const int row = (bin + 6) & 15;
     finite[row] = 1;
     rest[row] = 0;
-    c[row] = Breakpoint(bin, &angle[row]);
+    c[row] = Breakpoint(Center(bin), &angle[row]);
     if (bin == 15) {
       c[row] = 1;
       finite[row] = 0;
@@ -71,19 +74,29 @@ void BinTable(const char* type, const char* name) {
       mpfr_init2(half_pi, 200);
       mpfr_const_pi(half_pi, MPFR_RNDN);
       mpfr_div_ui(half_pi, half_pi, 2, MPFR_RNDN);
-      angle[row] = static_cast<T>(sizeof(T) == 8 ? mpfr_get_d(half_pi, MPFR_RNDN)
-                                                 : mpfr_get_flt(half_pi, MPFR_RNDN));
+      angle[row] = mpfr_get_d(half_pi, MPFR_RNDN);
       mpfr_sub_d(half_pi, half_pi, angle[row], MPFR_RNDN);
-      rest[row] = static_cast<T>(mpfr_get_d(half_pi, MPFR_RNDN));
+      rest[row] = mpfr_get_d(half_pi, MPFR_RNDN);
       mpfr_clear(half_pi);
     }
   }
-  std::printf("\ninline constexpr AtanBins<%s> %s = {\n", type, name);
+  std::printf("\ninline constexpr AtanBins kAtanBins = {\n");
   Column(c);
   Column(finite);
   Column(angle);
   Column(rest);
   std::printf("};\n");
+}
+
+// The one breakpoint of the short arctangents.
+template <typename T>
+void Middle(const char* type, const char* name) {
+  T angle;
+  // Off 3/4 itself, where the steps of the arctangent are 16/25 and fall on few fractions.
+  const T c = Breakpoint<T>(0.7502, &angle);
+  const char* suffix = sizeof(T) == 4 ? "f" : "";
+  std::printf("inline constexpr %s %s = %a%s, %sAngle = %a%s;\n", type, name,
+              static_cast<double>(c), suffix, name, static_cast<double>(angle), suffix);
 }
 
 void ScalarTable() {
@@ -113,14 +126,16 @@ namespace pex {
 
 // Half octaves from 1/16 to 16, rows i & 15 for the exponent and the leading bit of the mantissa, i:
 // atan(a) = angle + rest + atan((finite a - c)/(finite + c a)) with a fraction below 0.0999. The
-// angle is atan(c) to within 2^-64 of itself (single: 2^-32); the lowest bin, with all that is below
+// angle is atan(c) to within 2^-64 of itself; the lowest bin, with all that is below
 // it, has c = 0, the highest one stands for infinity and has c = 1, finite = 0 and a rest.
-template <typename T>
 struct AtanBins {
-  alignas(64) T c[16], finite[16], angle[16], rest[16];
+  alignas(64) double c[16], finite[16], angle[16], rest[16];
 };
 )");
-  BinTable<double>("double", "kAtanBins");
+  BinTable();
+  std::printf("\n// Near 3/4, with its arctangent to within 2^-64 (single: 2^-32) of itself.\n");
+  Middle<double>("double", "kAtanMiddle");
+  Middle<float>("float", "kAtanSingleMiddle");
   ScalarTable();
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_ATAN_TABLES_H_\n");
 }

@@ -1,7 +1,9 @@
 // Inverse sine and cosine: asin(x) = x (1 + u P(u)) with u = 2 x^2 for |x| <= 1/2, and for larger
 // ones acos(|x|) = s (1 + u P(u)) with u = 1 - |x|, s = sqrt(2 u).
 
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/asin_polynomials.h"
@@ -40,44 +42,53 @@ struct AboveOne : RareAbove<T, (sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F7FFFFF)> {
 
 inline constexpr double kPi = 0x1.921fb54442d18p+1, kPiRest = 0x1.1a62633145c07p-53;
 
-// What both functions are made of. `large`: |x| > 1/2. Below `tiny` u is 0, so that no product
-// underflows.
+// What both functions are made of: |x|, the root s, u, and whether |x| > 1/2. Where |x| is tiny u
+// is 0, so that no product underflows.
 template <class D>
 struct AsinParts {
-  VecOf<D> magnitude, root, up;
+  VecOf<D> magnitude, root, u;
   MaskOf<D> large;
 };
 
-template <class D, class V, size_t K, size_t N>
-HWY_INLINE void AsinReduce(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N],
-                           AsinParts<D> (&r)[K]) {
+template <class D, class V>
+HWY_INLINE AsinParts<D> AsinReduce(D d, V x) {
   using T = hn::TFromD<D>;
   constexpr T kTiny = sizeof(T) == 8 ? T(0x1p-30) : T(0x1p-14);
-  V u[K], u2[K], p[K];
+  const V a = hn::Abs(x);
+  const V rest = hn::Sub(hn::Set(d, T(1)), a);  // exact where it is used
+  const V b = hn::IfThenZeroElse(hn::Lt(a, hn::Set(d, kTiny)), a);
+  return {a, hn::Sqrt(hn::Add(rest, rest)),
+          hn::Min(rest, hn::Mul(b, hn::Add(b, b))),  // equal for a = 1/2
+          hn::Gt(a, hn::Set(d, T(0.5)))};
+}
+
+// The parts and u P(u) for all of a group.
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void AsinReduce(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], AsinParts<D> (&r)[K],
+                           V (&up)[K]) {
+  V u[K], u2[K];
   for (size_t k = 0; k < K; ++k) {
-    const V a = hn::Abs(x[k]);
-    const V rest = hn::Sub(hn::Set(d, T(1)), a);  // exact where it is used
-    const V b = hn::IfThenZeroElse(hn::Lt(a, hn::Set(d, kTiny)), a);
-    r[k].magnitude = a;
-    r[k].large = hn::Gt(a, hn::Set(d, T(0.5)));
-    r[k].root = hn::Sqrt(hn::Add(rest, rest));
-    u[k] = hn::Min(rest, hn::Mul(b, hn::Add(b, b)));  // they are equal for a = 1/2
+    r[k] = AsinReduce(d, x[k]);
+    u[k] = r[k].u;
   }
   for (size_t k = 0; k < K; ++k) u2[k] = hn::Mul(u[k], u[k]);
-  EvenOdd(d, u, u2, c, p);
-  for (size_t k = 0; k < K; ++k) r[k].up = hn::Mul(u[k], p[k]);
+  EvenOdd(d, u, u2, c, up);
+  for (size_t k = 0; k < K; ++k) up[k] = hn::Mul(u[k], up[k]);
 }
 
 // By plain sums: below 2 ulp with the coefficients of LA.
 template <class D, class V, size_t K, size_t N>
 HWY_INLINE void PlainAsin(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&r)[K]) {
   using T = hn::TFromD<D>;
+  constexpr T kHalfPi = T(kPi / 2), kRest = sizeof(T) == 8 ? T(kPiRest / 2) : T(kPi / 2 - kHalfPi);
   AsinParts<D> v[K];
-  AsinReduce(d, x, c, v);
+  V up[K];
+  AsinReduce(d, x, c, v, up);
   for (size_t k = 0; k < K; ++k) {
     const V lead = hn::IfThenElse(v[k].large, hn::Neg(v[k].root), v[k].magnitude);
-    const V base = hn::IfThenElseZero(v[k].large, hn::Set(d, T(kPi / 2)));
-    const V sum = hn::Add(hn::Add(base, lead), hn::Mul(lead, v[k].up));
+    const V base = hn::IfThenElseZero(v[k].large, hn::Set(d, kHalfPi));
+    const V rest = hn::IfThenElseZero(v[k].large, hn::Set(d, kRest));
+    const V sum = hn::Add(base, hn::Add(lead, hn::Add(hn::Mul(lead, up[k]), rest)));
     r[k] = hn::CopySignToAbs(sum, x[k]);
   }
 }
@@ -101,11 +112,12 @@ template <class D, class V, size_t K, size_t N>
 HWY_INLINE void PlainAcos(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&r)[K]) {
   using T = hn::TFromD<D>;
   AsinParts<D> v[K];
-  AsinReduce(d, x, c, v);
+  V up[K];
+  AsinReduce(d, x, c, v, up);
   for (size_t k = 0; k < K; ++k) {
     const V lead = AcosLead(d, v[k].large, v[k].root, v[k].magnitude, x[k]);
     const V base = AcosBase(d, v[k].large, x[k], T(kPi));
-    r[k] = hn::Add(hn::Add(base, lead), hn::Mul(lead, v[k].up));
+    r[k] = hn::Add(hn::Add(base, lead), hn::Mul(lead, up[k]));
   }
 }
 
@@ -123,31 +135,69 @@ HWY_INLINE V RootRest(D d, V a, V root) {
   return hn::PromoteTo(d, hn::Div(n, m));
 }
 
+// The coefficients of HA from c[1].
+struct AsinHARest {
+  double c[std::size(kAsinHA) - 1];
+};
+inline constexpr AsinHARest kAsinHARest = [] {
+  AsinHARest rest = {};
+  for (size_t i = 1; i < std::size(kAsinHA); ++i) rest.c[i - 1] = kAsinHA[i];
+  return rest;
+}();
+
+// The parts and u P(u) as a pair: the product with c[0] exact, for it is up to a tenth of the
+// result.
+template <class D, class V, size_t K>
+HWY_INLINE void FullAsinReduce(D d, const V (&x)[K], AsinParts<D> (&r)[K], Pair<V> (&up)[K]) {
+  V u[K], u2[K], p[K];
+  for (size_t k = 0; k < K; ++k) {
+    r[k] = AsinReduce(d, x[k]);
+    u[k] = r[k].u;
+  }
+  for (size_t k = 0; k < K; ++k) u2[k] = hn::Mul(u[k], u[k]);
+  EvenOdd(d, u, u2, kAsinHARest.c, p);
+  for (size_t k = 0; k < K; ++k) {
+    const Pair<V> first = TwoProduct(d, u[k], hn::Set(d, kAsinHA[0]));
+    up[k] = FastTwoSum(first.hi, hn::Mul(u2[k], p[k]));
+    up[k].lo = hn::Add(up[k].lo, first.lo);
+  }
+}
+
+// base + lead (1 + up) + rest for |base| >= |lead| or base = 0.
+template <class D, class V>
+HWY_INLINE V AsinSum(D d, V base, V lead, Pair<V> up, V rest) {
+  const Pair<V> s = FastTwoSum(base, lead);
+  const Pair<V> p = TwoProduct(d, lead, up.hi);
+  const V low = hn::Add(hn::Add(p.lo, hn::Mul(lead, up.lo)), rest);
+  return hn::Add(s.hi, hn::Add(p.hi, hn::Add(s.lo, low)));
+}
+
 template <class D, class V, size_t K>
 HWY_INLINE void FullAsin(D d, const V (&x)[K], V (&r)[K]) {
   AsinParts<D> v[K];
-  AsinReduce(d, x, kAsinHA, v);
+  Pair<V> up[K];
+  FullAsinReduce(d, x, v, up);
   for (size_t k = 0; k < K; ++k) {
-    const auto& [magnitude, root, up, large] = v[k];
+    const auto& [magnitude, root, u, large] = v[k];
     const V lead = hn::IfThenElse(large, hn::Neg(root), magnitude);
+    const V base = hn::IfThenElseZero(large, hn::Set(d, kPi / 2));
     const V rest = hn::Sub(hn::Set(d, kPiRest / 2), RootRest(d, magnitude, root));
-    const Pair<V> s = FastTwoSum(hn::IfThenElseZero(large, hn::Set(d, kPi / 2)), lead);
-    const V tail = hn::Add(hn::IfThenElseZero(large, rest), hn::Mul(lead, up));
-    r[k] = hn::CopySignToAbs(hn::Add(s.hi, hn::Add(s.lo, tail)), x[k]);
+    const V sum = AsinSum(d, base, lead, up[k], hn::IfThenElseZero(large, rest));
+    r[k] = hn::CopySignToAbs(sum, x[k]);
   }
 }
 
 template <class D, class V, size_t K>
 HWY_INLINE void FullAcos(D d, const V (&x)[K], V (&r)[K]) {
   AsinParts<D> v[K];
-  AsinReduce(d, x, kAsinHA, v);
+  Pair<V> up[K];
+  FullAsinReduce(d, x, v, up);
   for (size_t k = 0; k < K; ++k) {
-    const auto& [magnitude, root, up, large] = v[k];
+    const auto& [magnitude, root, u, large] = v[k];
     const V lead = AcosLead(d, large, root, magnitude, x[k]);
     const V lead_rest = AcosLead(d, large, RootRest(d, magnitude, root), hn::Zero(d), x[k]);
     const V rest = hn::Add(AcosBase(d, large, x[k], kPiRest), lead_rest);
-    const Pair<V> s = FastTwoSum(AcosBase(d, large, x[k], kPi), lead);
-    r[k] = hn::Add(s.hi, hn::Add(s.lo, hn::Add(rest, hn::Mul(lead, up))));
+    r[k] = AsinSum(d, AcosBase(d, large, x[k], kPi), lead, up[k], rest);
   }
 }
 

@@ -114,24 +114,26 @@ HWY_INLINE void AtanTail(D d, const V (&t)[K], const T (&c)[N], V (&r)[K]) {
   for (size_t k = 0; k < K; ++k) r[k] = hn::Mul(t[k], hn::Mul(z[k], p[k]));
 }
 
-// For the ratio y/x >= 0 with c = 0, 1 or infinity, whichever is next to it: the numerator and the
-// denominator of t = (y - c x)/(x + c y), |t| <= 7/16, and atan(c).
+// For the ratio y/x >= 0 with c = 0 (below 1/2), 3/4 or infinity (above 2): the numerator and the
+// denominator of t = (y - c x)/(x + c y), |t| <= 1/2, and atan(c). y - c x is exact but for the
+// product.
 template <class V>
 struct AtanThird {
   V numerator, denominator, angle;
 };
 
 template <class D, class V>
-HWY_INLINE AtanThird<V> AtanThirdOf(D d, V y, V x, V x_low, V x_high) {
+HWY_INLINE AtanThird<V> AtanThirdOf(D d, V y, V x, V half_x, V twice_x) {
   using T = hn::TFromD<D>;
-  const auto low = hn::Lt(y, x_low), high = hn::Gt(y, x_high);
-  const V middle = hn::IfThenZeroElse(low, hn::Set(d, T(0x1.921fb54442d18p-1)));
-  return {hn::Sub(hn::IfThenZeroElse(high, y), hn::IfThenZeroElse(low, x)),
-          hn::Add(hn::IfThenZeroElse(low, y), hn::IfThenZeroElse(high, x)),
-          hn::IfThenElse(high, hn::Set(d, T(0x1.921fb54442d18p+0)), middle)};
+  constexpr T kMiddle = sizeof(T) == 8 ? T(kAtanMiddle) : T(kAtanSingleMiddle);
+  constexpr T kAngle = sizeof(T) == 8 ? T(kAtanMiddleAngle) : T(kAtanSingleMiddleAngle);
+  const auto low = hn::Lt(y, half_x), high = hn::Gt(y, twice_x);
+  const V c = hn::IfThenElse(high, hn::Set(d, T(1)), hn::IfThenZeroElse(low, hn::Set(d, kMiddle)));
+  return {hn::Sub(hn::IfThenZeroElse(high, y), hn::Mul(c, x)),
+          hn::Add(hn::IfThenZeroElse(high, x), hn::Mul(c, y)),
+          hn::IfThenElse(high, hn::Set(d, T(0x1.921fb54442d18p+0)),
+                         hn::IfThenZeroElse(low, hn::Set(d, kAngle)))};
 }
-
-inline constexpr double kAtanLow = 0.4375, kAtanHigh = 2.4;
 
 // atan(y/x) for the third of the ratio, by plain sums.
 template <class D, class V, size_t K, size_t N>
@@ -185,8 +187,7 @@ HWY_INLINE void PlainAtan2(D d, const V (&y)[K], const V (&x)[K], const hn::TFro
   V angle[K];
   for (size_t k = 0; k < K; ++k) {
     const V ax = hn::Abs(x[k]);
-    third[k] = AtanThirdOf(d, hn::Abs(y[k]), ax, hn::Mul(ax, hn::Set(d, T(kAtanLow))),
-                           hn::Mul(ax, hn::Set(d, T(kAtanHigh))));
+    third[k] = AtanThirdOf(d, hn::Abs(y[k]), ax, hn::Mul(ax, hn::Set(d, T(0.5))), hn::Add(ax, ax));
   }
   PlainAtan(d, third, c, angle);
   for (size_t k = 0; k < K; ++k) {

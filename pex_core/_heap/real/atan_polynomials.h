@@ -8,29 +8,31 @@ namespace pex {
 // atan(t) = t (1 + c[0] z + c[1] z^2 ...) for z = t^2, |t| < 0.0999.
 
 // Error 2^-63.3125 of the whole.
-inline constexpr double kAtanHA[] = {-0x1.555555555554cp-2, 0x1.9999999990a43p-3,
-                                     -0x1.2492490dbe0a9p-3, 0x1.c71c3c573f803p-4,
-                                     -0x1.743d75eb18636p-4, 0x1.31d7e39ec89acp-4};
+inline constexpr double kAtanHA[] = {
+    -0x1.555555555554cp-2, 0x1.9999999990a43p-3, -0x1.2492490dbe0a9p-3, 0x1.c71c3c573f803p-4,
+    -0x1.743d75eb18636p-4, 0x1.31d7e39ec89acp-4};
 
-// The same for |t| <= 7/16.
+// The same for |t| <= 1/2.
 
-// Error 2^-53.0625 of the whole.
+// Error 2^-53.5 of the whole.
 inline constexpr double kAtanLA[] = {
-    -0x1.5555555554f5ap-2, 0x1.99999998d8c19p-3, -0x1.249248e13969bp-3, 0x1.c71c5a6f986ap-4,
-    -0x1.745ac218a9079p-4, 0x1.3aee8e622d764p-4, -0x1.0f933f6eb2ee3p-4, 0x1.cdde8655ee392p-5,
-    -0x1.58c33c67bd5f6p-5, 0x1.3f7361619f605p-6};
+    -0x1.555555555515bp-2, 0x1.999999992433ap-3, -0x1.249248fee2326p-3, 0x1.c71c65aebfa3bp-4,
+    -0x1.745bf584a9c6bp-4, 0x1.3b028aea88572p-4, -0x1.106540918c579p-4, 0x1.d8ccf461f2141p-5,
+    -0x1.8588267351aedp-5, 0x1.0681886df3023p-5, -0x1.94ecaab132dd6p-7};
 
-// Error 2^-29.625 of the whole.
-inline constexpr double kAtanEP[] = {-0x1.5555419d81ee8p-2, 0x1.998ddf83ba2b9p-3,
-                                     -0x1.236e0869a208bp-3, 0x1.adcce4d51bae9p-4,
-                                     -0x1.dd1b322e5ade3p-5};
+// Error 2^-27.53125 of the whole.
+inline constexpr double kAtanEP[] = {
+    -0x1.5555147d1ec8ap-2, 0x1.997bd20390dd4p-3, -0x1.2253ca3679fffp-3, 0x1.a05fc36fa8882p-4,
+    -0x1.a52f232249bbbp-5};
 
-// Error 2^-24.84375 of the whole.
-inline constexpr float kAtanSingleLA[] = {-0x1.5553dcp-2f, 0x1.98feb8p-3f, -0x1.1a8d1p-3f,
-                                          0x1.3ee1dap-4f};
+// Error 2^-27.5 of the whole.
+inline constexpr float kAtanSingleLA[] = {
+    -0x1.555514p-2f, 0x1.997bb2p-3f, -0x1.22527p-3f, 0x1.a053dap-4f,
+    -0x1.a50a3ep-5f};
 
-// Error 2^-15.046875 of the whole.
-inline constexpr float kAtanSingleEP[] = {-0x1.537af8p-2f, 0x1.5716d6p-3f};
+// Error 2^-14 of the whole.
+inline constexpr float kAtanSingleEP[] = {
+    -0x1.525d34p-2f, 0x1.46854ap-3f};
 
 }  // namespace pex
 
