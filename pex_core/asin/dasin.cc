@@ -13,12 +13,12 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vdAsin";
 
 struct dAsinCommon : Kernel<double> {
-  static constexpr int kUnroll = 4;
   using Rarity = AboveOne<double>;
   static HWY_INLINE int Rare(double x, double* r) { return AsinRare(x, r); }
 };
 
 struct dAsinEP : dAsinCommon {
+  static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     PlainAsin(d, x, kAsinEP, r);
@@ -26,6 +26,7 @@ struct dAsinEP : dAsinCommon {
 };
 
 struct dAsinLA : dAsinCommon {
+  static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     PlainAsin(d, x, kAsinLA, r);

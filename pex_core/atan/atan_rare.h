@@ -6,7 +6,7 @@
 
 namespace pex {
 
-// |x| >= 2^60 (single: 2^30) or NaN: half of pi, to nearest. Status 0.
+// |x| >= 2^60 (single: 2^26) or NaN: half of pi, to nearest. Status 0.
 inline int dAtanRare(double x, double* r) {
   *r = x != x  ? x + x
        : x > 0 ? 0x1.921fb54442d18p+0 + 0x1.1a62633145c07p-54

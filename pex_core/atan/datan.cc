@@ -13,7 +13,7 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vdAtan";
 
 struct dAtanCommon : Kernel<double> {
-  using Rarity = RareAbove<double, 0x7E6FFFFF>;  // |x| >= 2^1000, where 1/x nears underflow
+  using Rarity = RareAbove<double, 0x783FFFFF>;  // |x| >= 2^900, where 1/x nears underflow
   static HWY_INLINE int Rare(double x, double* r) { return dAtanRare(x, r); }
 };
 

@@ -46,7 +46,7 @@ struct dAtan2LA : dAtan2Common {
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    PlainAtan2(d, y, x, kAtanLA, r);
+    PlainAtan2(d, y, x, kAtan2LA, r);
   }
 };
 

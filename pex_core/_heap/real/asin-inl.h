@@ -85,11 +85,29 @@ HWY_INLINE void PlainAsin(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (
   V up[K];
   AsinReduce(d, x, c, v, up);
   for (size_t k = 0; k < K; ++k) {
-    const V lead = hn::IfThenElse(v[k].large, hn::Neg(v[k].root), v[k].magnitude);
-    const V base = hn::IfThenElseZero(v[k].large, hn::Set(d, kHalfPi));
-    const V rest = hn::IfThenElseZero(v[k].large, hn::Set(d, kRest));
-    const V sum = hn::Add(base, hn::Add(lead, hn::Add(hn::Mul(lead, up[k]), rest)));
-    r[k] = hn::CopySignToAbs(sum, x[k]);
+    const auto large = v[k].large;
+    const V lead = hn::IfThenElse(large, v[k].root, v[k].magnitude);
+    const V tail = hn::Mul(lead, up[k]);
+    const V rest = hn::Sub(tail, hn::Set(d, kRest));
+    const V sum = hn::Add(lead, hn::IfThenElse(large, rest, tail));
+    const V turned = hn::Sub(hn::Set(d, kHalfPi), sum);
+    r[k] = hn::CopySignToAbs(hn::IfThenElse(large, turned, sum), x[k]);
+  }
+}
+
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void PlainAcos(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&r)[K]) {
+  using T = hn::TFromD<D>;
+  AsinParts<D> v[K];
+  V up[K];
+  AsinReduce(d, x, c, v, up);
+  for (size_t k = 0; k < K; ++k) {
+    const V lead = hn::IfThenElse(v[k].large, v[k].root, v[k].magnitude);
+    const V sum = hn::Add(lead, hn::Mul(lead, up[k]));
+    const V turned = hn::Xor(sum, hn::And(x[k], hn::SignBit(d)));
+    const V left = hn::IfNegativeThenElse(x[k], hn::Set(d, T(kPi)), hn::Zero(d));
+    r[k] =
+        hn::IfThenElse(v[k].large, hn::Add(left, turned), hn::Sub(hn::Set(d, T(kPi / 2)), turned));
   }
 }
 
@@ -106,19 +124,6 @@ template <class D, class V>
 HWY_INLINE V AcosLead(D d, MaskOf<D> large, V part_large, V part_small, V x) {
   const V part = hn::IfThenElse(large, part_large, hn::Neg(part_small));
   return hn::Xor(part, hn::And(x, hn::SignBit(d)));
-}
-
-template <class D, class V, size_t K, size_t N>
-HWY_INLINE void PlainAcos(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&r)[K]) {
-  using T = hn::TFromD<D>;
-  AsinParts<D> v[K];
-  V up[K];
-  AsinReduce(d, x, c, v, up);
-  for (size_t k = 0; k < K; ++k) {
-    const V lead = AcosLead(d, v[k].large, v[k].root, v[k].magnitude, x[k]);
-    const V base = AcosBase(d, v[k].large, x[k], T(kPi));
-    r[k] = hn::Add(hn::Add(base, lead), hn::Mul(lead, up[k]));
-  }
 }
 
 // What the root lacks of sqrt(2 (1 - a)): its exact remainder over twice the root, by a division of
@@ -163,13 +168,15 @@ HWY_INLINE void FullAsinReduce(D d, const V (&x)[K], AsinParts<D> (&r)[K], Pair<
   }
 }
 
-// base + lead (1 + up) + rest for |base| >= |lead| or base = 0.
-template <class D, class V>
-HWY_INLINE V AsinSum(D d, V base, V lead, Pair<V> up, V rest) {
-  const Pair<V> s = FastTwoSum(base, lead);
-  const Pair<V> p = TwoProduct(d, lead, up.hi);
-  const V low = hn::Add(hn::Add(p.lo, hn::Mul(lead, up.lo)), rest);
-  return hn::Add(s.hi, hn::Add(p.hi, hn::Add(s.lo, low)));
+// base + lead (1 + up) for |base.hi| >= |lead.hi| or base = 0.
+template <class D, class V = VecOf<D>>
+HWY_INLINE V AsinSum(D d, Pair<VecOf<D>> base, Pair<VecOf<D>> lead, Pair<VecOf<D>> up) {
+  const Pair<V> s = FastTwoSum(base.hi, lead.hi);
+  const Pair<V> p = TwoProduct(d, lead.hi, up.hi);
+  const Pair<V> q = FastTwoSum(s.hi, p.hi);
+  const V cross = hn::Add(hn::Mul(lead.hi, up.lo), hn::Mul(lead.lo, up.hi));
+  const V low = hn::Add(hn::Add(p.lo, cross), hn::Add(lead.lo, base.lo));
+  return hn::Add(q.hi, hn::Add(q.lo, hn::Add(s.lo, low)));
 }
 
 template <class D, class V, size_t K>
@@ -179,11 +186,12 @@ HWY_INLINE void FullAsin(D d, const V (&x)[K], V (&r)[K]) {
   FullAsinReduce(d, x, v, up);
   for (size_t k = 0; k < K; ++k) {
     const auto& [magnitude, root, u, large] = v[k];
-    const V lead = hn::IfThenElse(large, hn::Neg(root), magnitude);
-    const V base = hn::IfThenElseZero(large, hn::Set(d, kPi / 2));
-    const V rest = hn::Sub(hn::Set(d, kPiRest / 2), RootRest(d, magnitude, root));
-    const V sum = AsinSum(d, base, lead, up[k], hn::IfThenElseZero(large, rest));
-    r[k] = hn::CopySignToAbs(sum, x[k]);
+    const V root_rest = RootRest(d, magnitude, root);
+    const Pair<V> lead = {hn::IfThenElse(large, hn::Neg(root), magnitude),
+                          hn::IfThenElseZero(large, hn::Neg(root_rest))};
+    const Pair<V> base = {hn::IfThenElseZero(large, hn::Set(d, kPi / 2)),
+                          hn::IfThenElseZero(large, hn::Set(d, kPiRest / 2))};
+    r[k] = hn::CopySignToAbs(AsinSum(d, base, lead, up[k]), x[k]);
   }
 }
 
@@ -194,10 +202,11 @@ HWY_INLINE void FullAcos(D d, const V (&x)[K], V (&r)[K]) {
   FullAsinReduce(d, x, v, up);
   for (size_t k = 0; k < K; ++k) {
     const auto& [magnitude, root, u, large] = v[k];
-    const V lead = AcosLead(d, large, root, magnitude, x[k]);
-    const V lead_rest = AcosLead(d, large, RootRest(d, magnitude, root), hn::Zero(d), x[k]);
-    const V rest = hn::Add(AcosBase(d, large, x[k], kPiRest), lead_rest);
-    r[k] = AsinSum(d, AcosBase(d, large, x[k], kPi), lead, up[k], rest);
+    const V root_rest = RootRest(d, magnitude, root);
+    const Pair<V> lead = {AcosLead(d, large, root, magnitude, x[k]),
+                          AcosLead(d, large, root_rest, hn::Zero(d), x[k])};
+    const Pair<V> base = {AcosBase(d, large, x[k], kPi), AcosBase(d, large, x[k], kPiRest)};
+    r[k] = AsinSum(d, base, lead, up[k]);
   }
 }
 

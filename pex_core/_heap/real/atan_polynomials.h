@@ -20,6 +20,12 @@ inline constexpr double kAtanLA[] = {
     -0x1.745bf584a9c6bp-4, 0x1.3b028aea88572p-4, -0x1.106540918c579p-4, 0x1.d8ccf461f2141p-5,
     -0x1.8588267351aedp-5, 0x1.0681886df3023p-5, -0x1.94ecaab132dd6p-7};
 
+// Error 2^-57.8125 of the whole.
+inline constexpr double kAtan2LA[] = {
+    -0x1.5555555555518p-2, 0x1.99999999914d8p-3, -0x1.249249216fdc5p-3, 0x1.c71c7096893c3p-4,
+    -0x1.745cf54e5af31p-4, 0x1.3b1145443ae11p-4, -0x1.10f3674ceeb97p-4, 0x1.dfed12a00d925p-5,
+    -0x1.a3a7959c4dc2dp-5, 0x1.571e493183435p-5, -0x1.c1fbdcda57a38p-6, 0x1.4c2a164f56697p-7};
+
 // Error 2^-27.53125 of the whole.
 inline constexpr double kAtanEP[] = {
     -0x1.5555147d1ec8ap-2, 0x1.997bd20390dd4p-3, -0x1.2253ca3679fffp-3, 0x1.a05fc36fa8882p-4,
