@@ -131,12 +131,12 @@ HWY_INLINE V AcosLead(D d, MaskOf<D> large, V part_large, V part_small, V x) {
 template <class D, class V>
 HWY_INLINE V RootRest(D d, V a, V root) {
   const hn::Rebind<float, D> df;
-  const V one = hn::Set(d, 1.0);
-  const V rest = hn::Sub(one, a);
+  const V rest = hn::Sub(hn::Set(d, 1.0), a);
   const Pair<V> square = TwoProduct(d, root, root);
   const V remainder = hn::Sub(hn::Sub(hn::Add(rest, rest), square.hi), square.lo);
   const auto n = hn::DemoteTo(df, hn::Mul(remainder, hn::Set(d, 0x1p60)));
-  const auto m = hn::DemoteTo(df, hn::Max(hn::Mul(root, hn::Set(d, 0x1p61)), one));
+  // The lower bound is for a root of 0, and for the lanes of the register beyond the vector.
+  const auto m = hn::Max(hn::DemoteTo(df, hn::Mul(root, hn::Set(d, 0x1p61))), hn::Set(df, 1.0f));
   return hn::PromoteTo(d, hn::Div(n, m));
 }
 
@@ -186,9 +186,9 @@ HWY_INLINE void FullAsin(D d, const V (&x)[K], V (&r)[K]) {
   FullAsinReduce(d, x, v, up);
   for (size_t k = 0; k < K; ++k) {
     const auto& [magnitude, root, u, large] = v[k];
-    const V root_rest = RootRest(d, magnitude, root);
-    const Pair<V> lead = {hn::IfThenElse(large, hn::Neg(root), magnitude),
-                          hn::IfThenElseZero(large, hn::Neg(root_rest))};
+    const V zero = hn::Zero(d), root_rest = RootRest(d, magnitude, root);
+    const Pair<V> lead = {hn::IfThenElse(large, hn::Sub(zero, root), magnitude),
+                          hn::IfThenElseZero(large, hn::Sub(zero, root_rest))};
     const Pair<V> base = {hn::IfThenElseZero(large, hn::Set(d, kPi / 2)),
                           hn::IfThenElseZero(large, hn::Set(d, kPiRest / 2))};
     r[k] = hn::CopySignToAbs(AsinSum(d, base, lead, up[k]), x[k]);
