@@ -76,7 +76,7 @@ HWY_INLINE void AsinReduce(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], As
   for (size_t k = 0; k < K; ++k) up[k] = hn::Mul(u[k], up[k]);
 }
 
-// By plain sums: below 2 ulp with the coefficients of LA.
+// By plain sums: below 2 ulp with the coefficients of LA (1.74 seen).
 template <class D, class V, size_t K, size_t N>
 HWY_INLINE void PlainAsin(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&r)[K]) {
   using T = hn::TFromD<D>;

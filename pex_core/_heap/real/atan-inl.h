@@ -135,7 +135,7 @@ HWY_INLINE AtanThird<V> AtanThirdOf(D d, V y, V x, V half_x, V twice_x) {
                          hn::IfThenZeroElse(low, hn::Set(d, kAngle)))};
 }
 
-// atan(y/x) for the third of the ratio, by plain sums.
+// atan(y/x) for the third of the ratio, by plain sums: below 2 ulp (1.64 and 1.88 seen in LA).
 template <class D, class V, size_t K, size_t N>
 HWY_INLINE void PlainAtan(D d, const AtanThird<V> (&q)[K], const hn::TFromD<D> (&c)[N], V (&r)[K]) {
   V t[K], tail[K];
@@ -154,7 +154,7 @@ HWY_INLINE Pair<V> AtanQuotient(D d, Pair<VecOf<D>> n, Pair<VecOf<D>> m) {
   return {t, hn::Mul(rest, inverse)};
 }
 
-// atan(a), a >= 0: at most 0.52 ulp. a - c is exact, for a is less than twice c and c less than
+// atan(a), a >= 0: at most 0.51 ulp. a - c is exact, for a is less than twice c and c less than
 // twice a.
 template <class D, class V, size_t K>
 HWY_INLINE void FullAtan(D d, const V (&a)[K], V (&r)[K]) {
@@ -197,7 +197,7 @@ HWY_INLINE void PlainAtan2(D d, const V (&y)[K], const V (&x)[K], const hn::TFro
   }
 }
 
-// The same at most 0.53 ulp.
+// The same, at most 0.51 ulp.
 template <class D, class V, size_t K>
 HWY_INLINE void FullAtan2(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
   Pair<V> t[K];
