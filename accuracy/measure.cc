@@ -194,7 +194,7 @@ std::vector<RegimeResult> MeasureRegimes(const Entry& entry, const Oracle& oracl
     std::vector<double> a(std::min(kChunk, regimes[i].points - first));
     std::vector<double> b(two_arguments ? a.size() : 0);
     regimes[i].fill(first, random, a);
-    if (two_arguments) SecondArguments(entry, b.size()).fill(first, random, b);
+    if (two_arguments) SecondArguments(entry, regimes[i].name, random, a, b);
     double best = 0;
     {
       const std::lock_guard lock(mutex);

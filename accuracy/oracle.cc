@@ -20,6 +20,97 @@ long double Extended(int, long double a, long double) {
   return F(a);
 }
 
+template <int (*F)(mpfr_ptr, mpfr_srcptr, mpfr_srcptr, mpfr_rnd_t)>
+int ExactOfTwo(int, mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr b) {
+  return F(r, a, b, MPFR_RNDN);
+}
+
+template <long double (*F)(long double, long double)>
+long double ExtendedOfTwo(int, long double a, long double b) {
+  return F(a, b);
+}
+
+int ExactSinCos(int result, mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr) {
+  return result == 0 ? mpfr_sin(r, a, MPFR_RNDN) : mpfr_cos(r, a, MPFR_RNDN);
+}
+long double ExtendedSinCos(int result, long double a, long double) {
+  return result == 0 ? ::sinl(a) : ::cosl(a);
+}
+
+// Squares and cubes of the arguments are exact before the one rounding.
+int ExactPow2o3(int, mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr) {
+  Real square(2 * mpfr_get_prec(a));
+  mpfr_sqr(square, a, MPFR_RNDN);
+  return mpfr_cbrt(r, square, MPFR_RNDN);
+}
+long double ExtendedPow2o3(int, long double a, long double) { return ::cbrtl(a * a); }
+double QuickPow2o3(double a) { return static_cast<double>(::cbrtl(a * a)); }
+// The C library's double cube root errs by 3.7 units.
+double QuickCbrt(double a) { return static_cast<double>(::cbrtl(a)); }
+
+int ExactPow3o2(int, mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr) {
+  Real cube(3 * mpfr_get_prec(a));
+  mpfr_pow_ui(cube, a, 3, MPFR_RNDN);
+  return mpfr_sqrt(r, cube, MPFR_RNDN);
+}
+long double ExtendedPow3o2(int, long double a, long double) { return a * ::sqrtl(a); }
+double QuickPow3o2(double a) { return static_cast<double>(a * ::sqrtl(a)); }
+
+// MPFR's reciprocal root of -0 is +inf; 1 / sqrt(-0) is -inf.
+int ExactInvSqrt(int, mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr) {
+  if (mpfr_zero_p(a)) {
+    mpfr_set_inf(r, mpfr_signbit(a) ? -1 : 1);
+    return 0;
+  }
+  return mpfr_rec_sqrt(r, a, MPFR_RNDN);
+}
+long double ExtendedInvSqrt(int, long double a, long double) { return 1 / ::sqrtl(a); }
+double QuickInvSqrt(double a) { return static_cast<double>(1 / ::sqrtl(a)); }
+
+int ExactInvCbrt(int, mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr) {
+  return mpfr_rootn_si(r, a, -3, MPFR_RNDN);
+}
+long double ExtendedInvCbrt(int, long double a, long double) { return 1 / ::cbrtl(a); }
+double QuickInvCbrt(double a) { return static_cast<double>(1 / ::cbrtl(a)); }
+
+int ExactInv(int, mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr) {
+  return mpfr_ui_div(r, 1, a, MPFR_RNDN);
+}
+long double ExtendedInv(int, long double a, long double) { return 1 / a; }
+double QuickInv(double a) { return 1 / a; }
+
+long double ExtendedDiv(int, long double a, long double b) { return a / b; }
+
+// erfc(-a / sqrt(2)) / 2.
+int ExactCdfNorm(int, mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr) {
+  const long bits = mpfr_get_prec(r) + 64;
+  Real x(bits);
+  mpfr_set_ui(x, 2, MPFR_RNDN);
+  mpfr_rec_sqrt(x, x, MPFR_RNDN);
+  mpfr_mul(x, x, a, MPFR_RNDN);
+  mpfr_neg(x, x, MPFR_RNDN);
+  Real y(bits);
+  const int inexact = mpfr_erfc(y, x, MPFR_RNDN);
+  mpfr_div_2ui(y, y, 1, MPFR_RNDN);
+  const int rounded = mpfr_set(r, y, MPFR_RNDN);
+  return rounded != 0 ? rounded : inexact;
+}
+// The rounding error of the argument, which the function magnifies by its square, is put back with
+// the derivative.
+long double ExtendedCdfNorm(int, long double a, long double) {
+  constexpr long double kHigh = 0x1.6ap-1L, kLow = 0x9.e667f3bcc908b2fbp-17L;
+  const long double high = -a * kHigh;
+  if (!(std::fabs(high) < 110)) return 0.5L * ::erfcl(high);
+  const long double argument = high - a * kLow;
+  const long double rest = (high - argument) - a * kLow;
+  return 0.5L * (::erfcl(argument) - 1.12837916709551257390L * ::expl(-argument * argument) * rest);
+}
+double QuickCdfNorm(double a) { return static_cast<double>(ExtendedCdfNorm(0, a, 0)); }
+
+constexpr double kPi = 0x1.921fb54442d18p+1;
+// The double number next to an odd multiple of pi / 2.
+constexpr double kNearestToPole = 0x1.6ac5b262ca1ffp+849;
+
 constexpr Oracle kOracles[] = {
     {"Exp",
      Exact<mpfr_exp>,
@@ -32,6 +123,58 @@ constexpr Oracle kOracles[] = {
     {"Ln", Exact<mpfr_log>, Extended<::logl>, ::log, {0, 1, 0x1.5bf0a8b145769p+1, 2}},
     {"Log10", Exact<mpfr_log10>, Extended<::log10l>, ::log10, {0, 1, 10, 0.1}},
     {"Log1p", Exact<mpfr_log1p>, Extended<::log1pl>, ::log1p, {0, 1, -1, 0x1.b7e151628aed3p+0}},
+    {"Sin", Exact<mpfr_sin>, Extended<::sinl>, ::sin, {0, kPi, kPi / 2, kNearestToPole}},
+    {"Cos", Exact<mpfr_cos>, Extended<::cosl>, ::cos, {0, kPi, kPi / 2, kNearestToPole}},
+    {"SinCos", ExactSinCos, ExtendedSinCos, ::sin, {0, kPi, kPi / 2, kNearestToPole}},
+    {"Tan", Exact<mpfr_tan>, Extended<::tanl>, ::tan, {0, kPi, kPi / 2, kNearestToPole}},
+    {"Pow", ExactOfTwo<mpfr_pow>, ExtendedOfTwo<::powl>, nullptr, {0, 1, -1, 2}},
+    {"Powx", ExactOfTwo<mpfr_pow>, ExtendedOfTwo<::powl>, nullptr, {0, 1, -1, 2}},
+    {"Pow2o3", ExactPow2o3, ExtendedPow2o3, QuickPow2o3, {0, 1, -1, 8}},
+    {"Pow3o2",
+     ExactPow3o2,
+     ExtendedPow3o2,
+     QuickPow3o2,
+     {0, 1, -1, 4},
+     {{0x1p-716, 0x1p-681}, {0x1p-682, 0x1p-680}},
+     {{0x1p-100, 0x1p-83}, {0x1p-85, 0x1p-83}}},
+    {"Sqrt", Exact<mpfr_sqrt>, Extended<::sqrtl>, ::sqrt, {0, 1, 4, 2}},
+    {"InvSqrt", ExactInvSqrt, ExtendedInvSqrt, QuickInvSqrt, {0, 1, 4, 2}},
+    {"Cbrt", Exact<mpfr_cbrt>, Extended<::cbrtl>, QuickCbrt, {0, 1, -1, 8}},
+    {"InvCbrt", ExactInvCbrt, ExtendedInvCbrt, QuickInvCbrt, {0, 1, -1, 8}},
+    {"Inv",
+     ExactInv,
+     ExtendedInv,
+     QuickInv,
+     {0, 1, -1, 2},
+     {{0x1p1022, 0x1.fffffffffffffp1023}, {0x1p1020, 0x1p1022}},
+     {{0x1p126, 0x1.fffffep127}, {0x1p124, 0x1p126}}},
+    {"Div", ExactOfTwo<mpfr_div>, ExtendedDiv, nullptr, {0, 1, -1, 2}},
+    {"Hypot", ExactOfTwo<mpfr_hypot>, ExtendedOfTwo<::hypotl>, nullptr, {0, 1, -1, 3}},
+    {"Acos", Exact<mpfr_acos>, Extended<::acosl>, ::acos, {0, 1, -1, 0.5}},
+    {"Asin", Exact<mpfr_asin>, Extended<::asinl>, ::asin, {0, 1, -1, 0.5}},
+    {"Atan", Exact<mpfr_atan>, Extended<::atanl>, ::atan, {0, 1, -1, 0.125}},
+    {"Atan2", ExactOfTwo<mpfr_atan2>, ExtendedOfTwo<::atan2l>, nullptr, {0, 1, -1, 0.125}},
+    {"Acosh", Exact<mpfr_acosh>, Extended<::acoshl>, ::acosh, {0, 1, 2, 0x1.8b07551d9f55p+0}},
+    {"Asinh", Exact<mpfr_asinh>, Extended<::asinhl>, ::asinh, {0, 1, -1, 0x1.2cd9fc44eb982p+0}},
+    {"Atanh", Exact<mpfr_atanh>, Extended<::atanhl>, ::atanh, {0, 1, -1, 0x1.85efab514f394p-1}},
+    {"Cosh", Exact<mpfr_cosh>, Extended<::coshl>, ::cosh, {0, 1, -1, 0}},
+    {"Sinh", Exact<mpfr_sinh>, Extended<::sinhl>, ::sinh, {0, 1, -1, 0x1.c34366179d427p-1}},
+    {"Tanh", Exact<mpfr_tanh>, Extended<::tanhl>, ::tanh, {0, 1, -1, 0}},
+    {"Erf", Exact<mpfr_erf>, Extended<::erfl>, ::erf, {0, 1, -1, 0}},
+    {"Erfc",
+     Exact<mpfr_erfc>,
+     Extended<::erfcl>,
+     ::erfc,
+     {0, 1, -1, 0},
+     {{26.54, 27.23}, {26.51, 26.55}},
+     {{9.19, 10.06}, {9.1, 9.2}}},
+    {"CdfNorm",
+     ExactCdfNorm,
+     ExtendedCdfNorm,
+     QuickCdfNorm,
+     {0, 1, -1, 0},
+     {{-38.49, -37.51}, {-37.53, -37.48}},
+     {{-14.2, -12.9}, {-13, -12.8}}},
 };
 
 constexpr long kFirstPrecision = 120;

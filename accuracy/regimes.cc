@@ -106,6 +106,23 @@ T Step(T c, int64_t k) {
   return std::bit_cast<T>(Ordered(static_cast<I>(std::clamp(at, -end, end))));
 }
 
+// b such that a^b is anywhere in the type's range, or next to its ends or to 1.
+double BesidePower(Random& random, double a, bool single) {
+  const double top = single ? 128 : 1024, bottom = single ? -149 : -1074;
+  const double ends[] = {top, bottom + (single ? 23 : 52), bottom - 1, 0};
+  const double log2 = random() % 2 ? Between(random, bottom - 2, top + 1)
+                                   : ends[random() % 4] + LogUniform(random, -60, 2);
+  return log2 / std::log2(std::fabs(a));
+}
+
+// a times a power of two, more often a small one, and a factor next to 1 or in [1, 2).
+double BesideFirst(Random& random, double a) {
+  const int size = random() % 4 == 0 ? 120 : 4;
+  const int exponent = static_cast<int>(random() % static_cast<uint64_t>(2 * size + 1)) - size;
+  const double factor = random() % 2 ? 1 + Unit(random) : 1 + LogUniform(random, -55, -1);
+  return std::ldexp(random() % 2 ? -a * factor : a * factor, exponent);
+}
+
 std::string Trimmed(const std::string& line) {
   const std::string text = line.substr(0, line.find('#'));
   const size_t first = text.find_first_not_of(" \t\r");
@@ -147,10 +164,29 @@ Regime Around(std::string name, const std::vector<double>& points, bool single, 
   return {std::move(name), points.empty() ? 0 : count, fill};
 }
 
-Regime SecondArguments(const Entry& entry, uint64_t count) {
+void SecondArguments(const Entry& entry, std::string_view regime, Random& random,
+                     std::span<const double> a, std::span<double> b) {
   const Precision& p = entry.precision();
   const Range range = p.typical2.lo == p.typical2.hi ? p.typical : p.typical2;
-  return Typical(range, "second", !entry.is_double(), count);
+  const bool single = !entry.is_double();
+  const bool power = entry.function->name.starts_with("Pow");
+  for (size_t i = 0; i < b.size(); ++i) {
+    switch (regime == "typical" ? 0 : random() % 4) {
+      case 0:
+        b[i] = Between(random, range.lo, range.hi);
+        break;
+      case 1:
+        b[i] = random() % 2 ? AnyPattern(random, single) : LogUniform(random, -64, 64);
+        break;
+      case 2:
+        b[i] = static_cast<double>(static_cast<int64_t>(random() % 129) - 64) /
+               static_cast<double>(1 + random() % 3);
+        break;
+      default:
+        b[i] = power ? BesidePower(random, a[i], single) : BesideFirst(random, a[i]);
+    }
+    b[i] = ToType(b[i], single);
+  }
 }
 
 std::vector<Regime> RegimesOf(const Entry& entry, const Oracle& oracle, uint64_t count,

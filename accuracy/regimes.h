@@ -8,6 +8,7 @@
 #include <random>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "accuracy/oracle.h"
@@ -40,8 +41,13 @@ std::vector<Regime> RegimesOf(const Entry& entry, const Oracle& oracle, uint64_t
 // Around given points, as for `marks`.
 Regime Around(std::string name, const std::vector<double>& points, bool single, uint64_t count);
 
-// Uniform over the catalogue's range of the second argument.
-Regime SecondArguments(const Entry& entry, uint64_t count);
+// The second arguments of a regime's points, for the first arguments a: in the regime `typical`
+// uniform over the catalogue's range of the second argument; in the others a quarter of those, a
+// quarter from `whole`, a quarter small integers, halves and thirds, and a quarter beside the first
+// argument: for powers such that the result lies anywhere from underflow to overflow or next to
+// their thresholds, for the others a times a power of two, often 1.
+void SecondArguments(const Entry& entry, std::string_view regime, Random& random,
+                     std::span<const double> a, std::span<double> b);
 
 // The recorded worst cases of a function: DIRECTORY/NAME.txt, one hexadecimal number a line, blank
 // lines and lines from `#` on left out. Empty when there is no such file; throws

@@ -101,9 +101,9 @@ class Second {
       case Parsed::Ok:
         break;
       case Parsed::Malformed:
-        Fail("--with-value ", Quoted(options.with_value), " is not a number");
+        Fail("--b ", Quoted(options.with_value), " is not a number");
       case Parsed::OutOfRange:
-        Fail("--with-value ", Quoted(options.with_value), " is beyond the range of ",
+        Fail("--b ", Quoted(options.with_value), " is beyond the range of ",
              sizeof(T) == 8 ? "double" : "single", " precision");
     }
     values_.assign(kBlock, value);
@@ -205,11 +205,12 @@ int Eval(const EvalOptions& options) {
   const bool two_arguments = pex::ArgumentCount(function.shape) == 2;
   const bool has_second = !options.with.empty() || !options.with_value.empty();
   if (two_arguments && !has_second) {
-    Fail(name, " takes two arguments: give the second by --with FILE or --with-value NUMBER");
+    Fail(name, " takes two arguments: give the second as a file after the first, or as --b NUMBER");
   }
-  if (!two_arguments && has_second) Fail(name, " takes one argument; --with is for two");
+  if (!two_arguments && has_second)
+    Fail(name, " takes one argument; a second is for functions of two");
   if (function.shape == pex::Shape::UnaryScalar && !options.with.empty()) {
-    Fail(name, " takes one second argument for all elements: --with-value NUMBER");
+    Fail(name, " takes one second argument for all elements: --b NUMBER");
   }
   if (options.input == "-" && options.with == "-") Fail("standard input can be read once only");
 

@@ -49,10 +49,11 @@ void AddEval(CLI::App* command, EvalOptions* o) {
                       "Column of separated values: its name, or its number from 1");
   command->add_option("--delimiter", o->text.delimiter, "One character, tab or space")
       ->capture_default_str();
-  auto* with = command->add_option("--with", o->with, "File of second arguments");
+  auto* with = command->add_option("second,--with", o->with, "File of second arguments");
   command->add_option("--with-column", o->with_column, "Its column, when not the same")
       ->needs(with);
-  command->add_option("--with-value", o->with_value, "One second argument for all")->excludes(with);
+  command->add_option("--b,--with-value", o->with_value, "One second argument for all")
+      ->excludes(with);
   command->add_option("--max-reports", o->max_reports,
                       "Special elements to show; the others are counted");
   AddOutput(command, &o->output, &o->format, "text or npy");
@@ -60,7 +61,9 @@ void AddEval(CLI::App* command, EvalOptions* o) {
       "Examples:\n"
       "  pexquo eval ln --tier ha prices.txt\n"
       "  pexquo eval exp trades.csv --column change --type s -o growth.npy\n"
-      "  pexquo eval sub trades.csv --column ask --with trades.csv --with-column bid");
+      "  pexquo eval sub trades.csv --column ask --with trades.csv --with-column bid\n"
+      "  pexquo eval atan2 y.npy x.npy\n"
+      "  pexquo eval powx --b 0.5 areas.txt");
 }
 
 void AddDraw(CLI::App* command, DrawOptions* o) {

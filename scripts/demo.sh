@@ -19,7 +19,7 @@ printf '\n== The vector levels of this machine (pexquo list levels)\n'
 "$bin/pexquo" list levels
 
 printf '\n== The speed of light, measured 100 times in 1879: km/s and its logarithm\n'
-"$bin/pexquo" eval add --with-value 299000 "$data" -o "$work/speeds.txt"
+"$bin/pexquo" eval add --b 299000 "$data" -o "$work/speeds.txt"
 "$bin/pexquo" eval ln --tier ha "$work/speeds.txt" -o "$work/ln.txt"
 paste "$work/speeds.txt" "$work/ln.txt" | head -n 3
 echo "... 97 more"

@@ -104,4 +104,322 @@ PEXQUO_API int _pexsLog1p_11(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsLog1p_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsLog1p_HA(int32_t n, const float* a, float* r);
 
+/* Sin: r[i] = the sine of a radians. Keeps the sign of zero. Arguments of any finite size are
+   reduced exactly. Reports infinities (code 1, result NaN). Bounds in double: HA 0.55 ulp, _50 4
+   ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdSin_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdSin_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdSin_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsSin_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsSin_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsSin_HA(int32_t n, const float* a, float* r);
+
+/* Cos: r[i] = the cosine of a radians. Arguments of any finite size are reduced exactly. Reports
+   infinities (code 1, result NaN). Bounds in double: HA 0.55 ulp, _50 4 ulp, _26 at least 26 bits;
+   in single: HA correctly rounded, _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdCos_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdCos_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdCos_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsCos_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsCos_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsCos_HA(int32_t n, const float* a, float* r);
+
+/* SinCos: r[i] = the sine and the cosine of a radians. The sines go to the first result array.
+   Arguments of any finite size are reduced exactly. Reports infinities (code 1, result NaN). Bounds
+   in double: HA 0.55 ulp, _50 4 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2
+   ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdSinCos_26(int32_t n, const double* a, double* r1, double* r2);
+PEXQUO_API int _pexdSinCos_50(int32_t n, const double* a, double* r1, double* r2);
+PEXQUO_API int _pexdSinCos_HA(int32_t n, const double* a, double* r1, double* r2);
+PEXQUO_API int _pexsSinCos_11(int32_t n, const float* a, float* r1, float* r2);
+PEXQUO_API int _pexsSinCos_21(int32_t n, const float* a, float* r1, float* r2);
+PEXQUO_API int _pexsSinCos_HA(int32_t n, const float* a, float* r1, float* r2);
+
+/* Tan: r[i] = the tangent of a radians. Keeps the sign of zero. Arguments of any finite size are
+   reduced exactly. Reports infinities (code 1, result NaN). Bounds in double: HA 0.55 ulp, _50 4
+   ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdTan_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdTan_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdTan_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsTan_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsTan_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsTan_HA(int32_t n, const float* a, float* r);
+
+/* Pow: r[i] = a^b. Reports a pole, zero to a negative power, with code 1 (result inf or -inf), and
+   a negative base with a fractional exponent with code 1 (result NaN). Overflow and underflow are
+   not reported. Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA 0.51
+   ulp, _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdPow_26(int32_t n, const double* a, const double* b, double* r);
+PEXQUO_API int _pexdPow_50(int32_t n, const double* a, const double* b, double* r);
+PEXQUO_API int _pexdPow_HA(int32_t n, const double* a, const double* b, double* r);
+PEXQUO_API int _pexsPow_11(int32_t n, const float* a, const float* b, float* r);
+PEXQUO_API int _pexsPow_21(int32_t n, const float* a, const float* b, float* r);
+PEXQUO_API int _pexsPow_HA(int32_t n, const float* a, const float* b, float* r);
+
+/* Powx: r[i] = a^b, one b for all elements. Reports a pole, zero to a negative power, with code 1
+   (result inf or -inf), and a negative base with a fractional exponent with code 1 (result NaN).
+   Overflow and underflow are not reported. An exponent of 1/2, -1/2, 1/3, -1/3, 2/3, 3/2 or -1 is
+   handed to Sqrt, InvSqrt, Cbrt, InvCbrt, Pow2o3, Pow3o2 or Inv, which report under their own
+   names. Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA 0.51 ulp,
+   _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdPowx_26(int32_t n, const double* a, double b, double* r);
+PEXQUO_API int _pexdPowx_50(int32_t n, const double* a, double b, double* r);
+PEXQUO_API int _pexdPowx_HA(int32_t n, const double* a, double b, double* r);
+PEXQUO_API int _pexsPowx_11(int32_t n, const float* a, float b, float* r);
+PEXQUO_API int _pexsPowx_21(int32_t n, const float* a, float b, float* r);
+PEXQUO_API int _pexsPowx_HA(int32_t n, const float* a, float b, float* r);
+
+/* Pow2o3: r[i] = a^(2/3), the square of the real cube root. Reports nothing. Bounds in double: HA
+   0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at
+   least 11 bits. */
+PEXQUO_API int _pexdPow2o3_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdPow2o3_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdPow2o3_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsPow2o3_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsPow2o3_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsPow2o3_HA(int32_t n, const float* a, float* r);
+
+/* Pow3o2: r[i] = a^(3/2). Reports negative arguments (code 1, result NaN). Bounds in double: HA
+   0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at
+   least 11 bits. */
+PEXQUO_API int _pexdPow3o2_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdPow3o2_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdPow3o2_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsPow3o2_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsPow3o2_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsPow3o2_HA(int32_t n, const float* a, float* r);
+
+/* Sqrt: r[i] = the square root of a. Correctly rounded. Keeps the sign of zero. Reports negative
+   arguments (code 1, result NaN). Bounds in double: HA 0.5 ulp, _50 2 ulp, _26 at least 26 bits; in
+   single: HA correctly rounded, _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdSqrt_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdSqrt_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdSqrt_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsSqrt_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsSqrt_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsSqrt_HA(int32_t n, const float* a, float* r);
+
+/* InvSqrt: r[i] = 1 / the square root of a. Reports a pole at plus or minus 0 (code 2, result inf
+   or -inf) and negative arguments (code 1, result NaN). Bounds in double: HA 0.55 ulp, _50 2 ulp,
+   _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdInvSqrt_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdInvSqrt_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdInvSqrt_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsInvSqrt_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsInvSqrt_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsInvSqrt_HA(int32_t n, const float* a, float* r);
+
+/* Cbrt: r[i] = the cube root of a. Reports nothing. Bounds in double: HA 0.55 ulp, _50 2 ulp, _26
+   at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdCbrt_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdCbrt_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdCbrt_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsCbrt_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsCbrt_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsCbrt_HA(int32_t n, const float* a, float* r);
+
+/* InvCbrt: r[i] = 1 / the cube root of a. Reports a pole at plus or minus 0 (code 2, result inf or
+   -inf). Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly
+   rounded, _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdInvCbrt_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdInvCbrt_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdInvCbrt_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsInvCbrt_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsInvCbrt_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsInvCbrt_HA(int32_t n, const float* a, float* r);
+
+/* Inv: r[i] = 1 / a. Reports a pole at plus or minus 0 (code 2, result inf or -inf). Bounds in
+   double: HA 0.5 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp,
+   _11 at least 11 bits. */
+PEXQUO_API int _pexdInv_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdInv_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdInv_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsInv_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsInv_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsInv_HA(int32_t n, const float* a, float* r);
+
+/* Div: r[i] = a / b. Reports a divisor of plus or minus 0 (code 2, the quotient as it is: inf, -inf
+   or NaN). Bounds in double: HA 0.5 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly
+   rounded, _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdDiv_26(int32_t n, const double* a, const double* b, double* r);
+PEXQUO_API int _pexdDiv_50(int32_t n, const double* a, const double* b, double* r);
+PEXQUO_API int _pexdDiv_HA(int32_t n, const double* a, const double* b, double* r);
+PEXQUO_API int _pexsDiv_11(int32_t n, const float* a, const float* b, float* r);
+PEXQUO_API int _pexsDiv_21(int32_t n, const float* a, const float* b, float* r);
+PEXQUO_API int _pexsDiv_HA(int32_t n, const float* a, const float* b, float* r);
+
+/* Hypot: r[i] = the square root of a^2 + b^2. No overflow or underflow on the way; inf if either
+   argument is infinite. Reports nothing. Bounds in double: HA 0.51 ulp, _50 2 ulp, _26 at least 26
+   bits; in single: HA 0.51 ulp, _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdHypot_26(int32_t n, const double* a, const double* b, double* r);
+PEXQUO_API int _pexdHypot_50(int32_t n, const double* a, const double* b, double* r);
+PEXQUO_API int _pexdHypot_HA(int32_t n, const double* a, const double* b, double* r);
+PEXQUO_API int _pexsHypot_11(int32_t n, const float* a, const float* b, float* r);
+PEXQUO_API int _pexsHypot_21(int32_t n, const float* a, const float* b, float* r);
+PEXQUO_API int _pexsHypot_HA(int32_t n, const float* a, const float* b, float* r);
+
+/* Acos: r[i] = the arc cosine of a, in [0, pi]. Reports arguments beyond plus or minus 1 (code 1,
+   result NaN). Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA
+   correctly rounded, _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdAcos_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdAcos_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdAcos_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsAcos_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsAcos_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsAcos_HA(int32_t n, const float* a, float* r);
+
+/* Asin: r[i] = the arc sine of a, in [-pi/2, pi/2]. Keeps the sign of zero. Reports arguments
+   beyond plus or minus 1 (code 1, result NaN). Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at
+   least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdAsin_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdAsin_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdAsin_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsAsin_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsAsin_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsAsin_HA(int32_t n, const float* a, float* r);
+
+/* Atan: r[i] = the arc tangent of a, in [-pi/2, pi/2]. Keeps the sign of zero. Reports nothing.
+   Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded,
+   _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdAtan_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdAtan_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdAtan_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsAtan_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsAtan_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsAtan_HA(int32_t n, const float* a, float* r);
+
+/* Atan2: r[i] = the angle of the point (b, a), in [-pi, pi]. a is the ordinate, b the abscissa;
+   signs of zero choose the side. Reports nothing. Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at
+   least 26 bits; in single: HA 0.51 ulp, _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdAtan2_26(int32_t n, const double* a, const double* b, double* r);
+PEXQUO_API int _pexdAtan2_50(int32_t n, const double* a, const double* b, double* r);
+PEXQUO_API int _pexdAtan2_HA(int32_t n, const double* a, const double* b, double* r);
+PEXQUO_API int _pexsAtan2_11(int32_t n, const float* a, const float* b, float* r);
+PEXQUO_API int _pexsAtan2_21(int32_t n, const float* a, const float* b, float* r);
+PEXQUO_API int _pexsAtan2_HA(int32_t n, const float* a, const float* b, float* r);
+
+/* Acosh: r[i] = the inverse hyperbolic cosine of a. Reports arguments below 1 (code 1, result NaN).
+   Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded,
+   _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdAcosh_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdAcosh_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdAcosh_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsAcosh_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsAcosh_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsAcosh_HA(int32_t n, const float* a, float* r);
+
+/* Asinh: r[i] = the inverse hyperbolic sine of a. Keeps the sign of zero. Reports nothing. Bounds
+   in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2
+   ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdAsinh_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdAsinh_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdAsinh_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsAsinh_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsAsinh_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsAsinh_HA(int32_t n, const float* a, float* r);
+
+/* Atanh: r[i] = the inverse hyperbolic tangent of a. Keeps the sign of zero. Reports poles at 1 and
+   -1 (code 2, result inf or -inf) and arguments beyond them (code 1, result NaN). Bounds in double:
+   HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at
+   least 11 bits. */
+PEXQUO_API int _pexdAtanh_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdAtanh_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdAtanh_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsAtanh_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsAtanh_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsAtanh_HA(int32_t n, const float* a, float* r);
+
+/* Cosh: r[i] = the hyperbolic cosine of a. Reports overflow (code 3, result inf). Bounds in double:
+   HA 0.55 ulp, _50 4 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at
+   least 11 bits. */
+PEXQUO_API int _pexdCosh_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdCosh_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdCosh_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsCosh_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsCosh_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsCosh_HA(int32_t n, const float* a, float* r);
+
+/* Sinh: r[i] = the hyperbolic sine of a. Keeps the sign of zero. Reports overflow (code 3, result
+   inf or -inf). Bounds in double: HA 0.55 ulp, _50 4 ulp, _26 at least 26 bits; in single: HA
+   correctly rounded, _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdSinh_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdSinh_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdSinh_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsSinh_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsSinh_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsSinh_HA(int32_t n, const float* a, float* r);
+
+/* Tanh: r[i] = the hyperbolic tangent of a. Keeps the sign of zero. Reports nothing. Bounds in
+   double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp,
+   _11 at least 11 bits. */
+PEXQUO_API int _pexdTanh_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdTanh_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdTanh_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsTanh_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsTanh_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsTanh_HA(int32_t n, const float* a, float* r);
+
+/* Erf: r[i] = the error function of a. Keeps the sign of zero. Reports nothing. Bounds in double:
+   HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at
+   least 11 bits. */
+PEXQUO_API int _pexdErf_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdErf_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdErf_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsErf_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsErf_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsErf_HA(int32_t n, const float* a, float* r);
+
+/* Erfc: r[i] = 1 - the error function of a. Reports underflow (code 4, result subnormal or 0).
+   Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded,
+   _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdErfc_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdErfc_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdErfc_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsErfc_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsErfc_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsErfc_HA(int32_t n, const float* a, float* r);
+
+/* CdfNorm: r[i] = the standard normal distribution function of a. Reports underflow (code 4, result
+   subnormal or 0). Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA
+   correctly rounded, _21 2 ulp, _11 at least 11 bits. */
+PEXQUO_API int _pexdCdfNorm_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdCdfNorm_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdCdfNorm_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsCdfNorm_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsCdfNorm_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsCdfNorm_HA(int32_t n, const float* a, float* r);
+
+/* ErfInv: r[i] = the inverse of the error function at a. Keeps the sign of zero. Reports poles at 1
+   and -1 (code 2, result inf or -inf) and arguments beyond them (code 1, result NaN). Bounds in
+   double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp,
+   _11 at least 11 bits. */
+PEXQUO_API int _pexdErfInv_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdErfInv_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdErfInv_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsErfInv_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsErfInv_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsErfInv_HA(int32_t n, const float* a, float* r);
+
+/* ErfcInv: r[i] = the inverse of 1 - the error function at a. Reports poles at 0 and 2 (code 2,
+   result inf or -inf) and arguments outside [0, 2] (code 1, result NaN). Bounds in double: HA 0.55
+   ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at least 11
+   bits. */
+PEXQUO_API int _pexdErfcInv_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdErfcInv_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdErfcInv_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsErfcInv_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsErfcInv_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsErfcInv_HA(int32_t n, const float* a, float* r);
+
+/* CdfNormInv: r[i] = the quantile of the standard normal distribution at a. Reports poles at 0 and
+   1 (code 2, result -inf or inf) and arguments outside [0, 1] (code 1, result NaN). Bounds in
+   double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp,
+   _11 at least 11 bits. */
+PEXQUO_API int _pexdCdfNormInv_26(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdCdfNormInv_50(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexdCdfNormInv_HA(int32_t n, const double* a, double* r);
+PEXQUO_API int _pexsCdfNormInv_11(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsCdfNormInv_21(int32_t n, const float* a, float* r);
+PEXQUO_API int _pexsCdfNormInv_HA(int32_t n, const float* a, float* r);
+
 #endif /* PEXQUO_PEX_FUNCTIONS_H_ */

@@ -27,7 +27,8 @@ TEST_F(BadInputTest, CommandsAndOptions) {
   } kCases[] = {
       {"evla ln", "unknown command \"evla\"; did you mean eval?"},
       {"eval ln --tire ha", "\"--tire\"; did you mean --tier?"},
-      {"eval ln a b", "unexpected \"b\""},
+      {"eval ln a b", "ln takes one argument"},
+      {"eval add a b c", "unexpected \"c\""},
       {"eval", "function is required"},
       {"eval lnn", "unknown function \"lnn\"; did you mean ln?"},
       {"eval qqqqq", "unknown function \"qqqqq\"\n"},
@@ -42,7 +43,7 @@ TEST_F(BadInputTest, CommandsAndOptions) {
       {"eval add --with x --with-value 2", "--with"},
       {"eval add --with-value 2 --with-column 2", "--with"},
       {"eval add --with -", "standard input can be read once only"},
-      {"eval add --with-value two", "--with-value \"two\" is not a number"},
+      {"eval add --with-value two", "--b \"two\" is not a number"},
       {"eval add --with-value 1e999", "beyond the range of double"},
       {"draw uniform", "--count is required"},
       {"draw unifrom --count 1", "did you mean uniform?"},

@@ -146,6 +146,9 @@ TEST_F(EvalTest, SecondArguments) {
   EXPECT_EQ(Run("eval add t.csv --column b --with-value -0x1p-1").out, "9.5\n19.5\n");
   WriteNumbers("b.npy", {5, 7});
   EXPECT_EQ(Run("eval add t.csv --column a --with b.npy").out, "6\n9\n");
+  WriteNumbers("a.npy", {1, 2});
+  EXPECT_EQ(Run("eval sub a.npy b.npy").out, "-4\n-5\n");
+  EXPECT_EQ(Run("eval sub a.npy --b 3").out, "-2\n-1\n");
   EXPECT_EQ(Run("eval mul t.csv --column b --with -", "3\n4\n").status, 2);  // a has no column "b"
 }
 
