@@ -1,0 +1,170 @@
+// |x|^y in single precision as 2^(y log2 |x|). log2 of 2^e a (1 + t), a the sixteenth next to the
+// mantissa, is e + log2(a) + a polynomial in t; 2^(k/16 + f) is a power from a table times one.
+
+#include "hwy/highway.h"
+#include "pex_core/_heap/real/exp_single-inl.h"
+#include "pex_core/_heap/real/pow_single_tables.h"
+#include "pex_core/_heap/real/slog-inl.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/polynomial-inl.h"
+
+#if defined(PEX_CORE__HEAP_REAL_POW_SINGLE_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__HEAP_REAL_POW_SINGLE_INL_H_
+#undef PEX_CORE__HEAP_REAL_POW_SINGLE_INL_H_
+#else
+#define PEX_CORE__HEAP_REAL_POW_SINGLE_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// The columns of the wide table by rows.
+struct PowWideRows {
+  alignas(64) double row[16][2];
+};
+inline constexpr PowWideRows kPowWideRows = [] {
+  PowWideRows rows = {};
+  for (int j = 0; j < 16; ++j) {
+    rows.row[j][0] = kPowWideTable.factor[j];
+    rows.row[j][1] = kPowWideTable.log[j];
+  }
+  return rows;
+}();
+
+// Positive normal x = 2^e (a + t), 3/4 <= a + t < 3/2; the sixteenth a is the row `i & 15` of the
+// tables.
+template <class D>
+struct sPowReduced {
+  BitsOf<D> e, i;
+  VecOf<D> t;
+};
+
+template <class D, class V>
+HWY_INLINE sPowReduced<D> sPowReduce(D d, V x) {
+  sPowReduced<D> r;
+  const auto above = hn::Sub(Bits(d, x), SetBits(d, BitsOfNumber(0.75f)));
+  const V m = FromBits(d, hn::Sub(Bits(d, x), hn::And(above, SetBits(d, 0xFF800000))));
+  r.e = hn::ShiftRight<23>(above);
+  const V shifter = hn::Set(d, 0x1.8p19f);  // the sum ends in the number of sixteenths
+  const V shifted = hn::Add(m, shifter);
+  r.i = Bits(d, shifted);
+  r.t = hn::Sub(m, hn::Sub(shifted, shifter));
+  return r;
+}
+
+// Entries `i & 15` of two columns of doubles, for indexes in the lanes of floats.
+template <class D>
+HWY_INLINE void PowWideLookUp(D, hn::Vec<hn::Rebind<int32_t, D>> i, hn::Vec<D>& factor,
+                              hn::Vec<D>& log) {
+#if HWY_TARGET == HWY_AVX3
+  const __m512i wide = _mm512_cvtepi32_epi64(i.raw);
+  const auto column = [wide](const double* c) HWY_ATTR {
+    return hn::Vec<D>{_mm512_permutex2var_pd(_mm512_load_pd(c), wide, _mm512_load_pd(c + 8))};
+  };
+  factor = column(kPowWideTable.factor);
+  log = column(kPowWideTable.log);
+#elif HWY_TARGET == HWY_AVX2
+  // Whole rows by lane: cheaper than gathers.
+  const __m128i offset = _mm_slli_epi32(_mm_and_si128(i.raw, _mm_set1_epi32(15)), 4);
+  const uint64_t lower = static_cast<uint64_t>(_mm_cvtsi128_si64(offset));
+  const uint64_t upper = static_cast<uint64_t>(_mm_extract_epi64(offset, 1));
+  const auto row = [](uint64_t bytes) HWY_ATTR {
+    return _mm_load_pd(
+        reinterpret_cast<const double*>(reinterpret_cast<const char*>(kPowWideRows.row) + bytes));
+  };
+  const __m256d even =
+      _mm256_set_m128d(row(static_cast<uint32_t>(upper)), row(static_cast<uint32_t>(lower)));
+  const __m256d odd = _mm256_set_m128d(row(upper >> 32), row(lower >> 32));
+  factor.raw = _mm256_unpacklo_pd(even, odd);
+  log.raw = _mm256_unpackhi_pd(even, odd);
+#else
+  const hn::RebindToSigned<D> di;
+  const auto wide = hn::And(hn::PromoteTo(di, i), hn::Set(di, 15));
+  factor = hn::GatherIndex(D(), kPowWideTable.factor, wide);
+  log = hn::GatherIndex(D(), kPowWideTable.log, wide);
+#endif
+}
+
+// 2^(k/16) in double; only the low bits of k count.
+template <class D>
+HWY_INLINE VecOf<D> PowWideSixteenth(D d, BitsOf<D> k) {
+#if HWY_TARGET == HWY_AVX2
+  const __m256i index = _mm256_and_si256(k.raw, _mm256_set1_epi64x(15));
+  const __m128i lower = _mm256_castsi256_si128(index);
+  const __m128i upper = _mm256_extracti128_si256(index, 1);
+  const auto entry = [](int64_t j)
+                         HWY_ATTR { return _mm_cvtsi64_si128(sExpShiftedSixteenthsHA[j]); };
+  const __m128i t01 =
+      _mm_unpacklo_epi64(entry(_mm_cvtsi128_si64(lower)), entry(_mm_extract_epi64(lower, 1)));
+  const __m128i t23 =
+      _mm_unpacklo_epi64(entry(_mm_cvtsi128_si64(upper)), entry(_mm_extract_epi64(upper, 1)));
+  const BitsOf<D> t{_mm256_set_m128i(t23, t01)};
+#else
+  const auto t = LookupWideSixteenth(d, sExpShiftedSixteenthsHA, k);
+#endif
+  return FromBits(d, hn::Add(t, hn::ShiftLeft<48>(k)));
+}
+
+// log2 of positive normal x in double, c the polynomial.
+template <class D, class V, size_t N>
+HWY_INLINE hn::Vec<hn::Rebind<double, D>> PowWideLog2(D d, V x, const double (&c)[N]) {
+  const hn::Rebind<double, D> wide;
+  const auto u = sPowReduce(d, x);
+  hn::Vec<decltype(wide)> factor, log;
+  PowWideLookUp(wide, u.i, factor, log);
+  const auto p = hn::Mul(hn::PromoteTo(wide, u.t), factor);
+  const auto p2 = hn::Mul(p, p);
+  return hn::Add(hn::Add(hn::PromoteTo(wide, u.e), log),
+                 hn::Add(p, hn::Mul(p2, EvenOdd(wide, p, p2, c))));
+}
+
+// 2^z rounded once to single, c the polynomial. Beyond 2^-300 and 2^300 the float is 0 or infinite
+// anyway.
+template <class D, class W, size_t N>
+HWY_INLINE VecOf<D> PowWideExp2(D d, W z, const double (&c)[N]) {
+  const hn::Rebind<double, D> wide;
+  z = hn::Min(hn::Max(z, hn::Set(wide, -300.0)), hn::Set(wide, 300.0));
+  const W shifter = hn::Set(wide, 0x1.8p48);  // the sum ends in the number of sixteenths
+  const W shifted = hn::Add(z, shifter);
+  const W f = hn::Sub(z, hn::Sub(shifted, shifter));
+  const W s = PowWideSixteenth(wide, Bits(wide, shifted));
+  return hn::DemoteTo(d, hn::Add(s, hn::Mul(s, hn::Mul(f, Horner(wide, f, c)))));
+}
+
+// x^y in float for 2^-90 <= |y| <= 2^33 or y = 0, so that no product leaves the range: 15 bits.
+template <class D, class V>
+HWY_INLINE V sPowShort(D d, V x, V y) {
+  const auto u = sPowReduce(d, x);
+  const sLogIndex<D> row(d, u.i);
+  const V p = hn::Mul(u.t, row.LookUp(kPowSingleTable.factor));
+  const V p2 = hn::Mul(p, p);
+  const V head = hn::Add(hn::ConvertTo(d, u.e), row.LookUp(kPowSingleTable.log));
+  const V log2 = hn::Add(head, hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, kPowLog2EP))));
+  const V product = hn::Mul(y, log2);
+  const V z = hn::Min(hn::Max(product, hn::Set(d, -160.0f)), hn::Set(d, 140.0f));
+
+  const V shifter = hn::Set(d, 0x1.8p19f);  // the sum ends in the number of sixteenths
+  const V shifted = hn::Add(z, shifter);
+  const V f = hn::Sub(z, hn::Sub(shifted, shifter));
+  const auto k = Bits(d, shifted);
+  const V factor = hn::Add(hn::Mul(f, Horner(d, f, kPowExp2EP)), hn::Set(d, 1.0f));
+  const auto table = LookupSixteenth(d, sExpShiftedSixteenths, k);
+  const auto far = hn::Gt(Bits(d, hn::Abs(z)), SetBits(d, BitsOfNumber(125.5f)));
+  if (hn::AllFalse(hn::RebindToSigned<D>(), far)) [[likely]] {
+    return hn::Mul(factor, FromBits(d, hn::Add(table, hn::ShiftLeft<19>(k))));
+  }
+  // Half of the power of two before, half after: what is not far comes out the same.
+  const auto halves = hn::And(hn::ShiftRight<1>(k), SetBits(d, 0xFFFFFFF0));
+  const auto rest = hn::Sub(k, halves);
+  const V one = hn::Set(d, 1.0f);
+  const V power = FromBits(d, hn::Add(table, hn::ShiftLeft<19>(rest)));
+  return hn::Mul(hn::Mul(factor, power),
+                 FromBits(d, hn::Add(Bits(d, one), hn::ShiftLeft<19>(halves))));
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__HEAP_REAL_POW_SINGLE_INL_H_
