@@ -3,9 +3,11 @@
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/exp_single-inl.h"
+#include "pex_core/_heap/real/pow_points.h"
 #include "pex_core/_heap/real/pow_single_tables.h"
 #include "pex_core/_heap/real/slog-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 
 #if defined(PEX_CORE__HEAP_REAL_POW_SINGLE_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -33,24 +35,24 @@ inline constexpr PowWideRows kPowWideRows = [] {
   return rows;
 }();
 
-// Positive normal x = 2^e (a + t), 3/4 <= a + t < 3/2; the sixteenth a is the row `i & 15` of the
+// Positive normal x = 2^e m, m = a + t, 3/4 <= m < 3/2; the sixteenth a is the row `i & 15` of the
 // tables.
 template <class D>
 struct sPowReduced {
   BitsOf<D> e, i;
-  VecOf<D> t;
+  VecOf<D> m, t;
 };
 
 template <class D, class V>
 HWY_INLINE sPowReduced<D> sPowReduce(D d, V x) {
   sPowReduced<D> r;
   const auto above = hn::Sub(Bits(d, x), SetBits(d, BitsOfNumber(0.75f)));
-  const V m = FromBits(d, hn::Sub(Bits(d, x), hn::And(above, SetBits(d, 0xFF800000))));
+  r.m = FromBits(d, hn::Sub(Bits(d, x), hn::And(above, SetBits(d, 0xFF800000))));
   r.e = hn::ShiftRight<23>(above);
   const V shifter = hn::Set(d, 0x1.8p19f);  // the sum ends in the number of sixteenths
-  const V shifted = hn::Add(m, shifter);
+  const V shifted = hn::Add(r.m, shifter);
   r.i = Bits(d, shifted);
-  r.t = hn::Sub(m, hn::Sub(shifted, shifter));
+  r.t = hn::Sub(r.m, hn::Sub(shifted, shifter));
   return r;
 }
 
@@ -133,7 +135,38 @@ HWY_INLINE VecOf<D> PowWideExp2(D d, W z, const double (&c)[N]) {
   return hn::DemoteTo(d, hn::Add(s, hn::Mul(s, hn::Mul(f, Horner(wide, f, c)))));
 }
 
-// x^y in float for 2^-90 <= |y| <= 2^33 or y = 0, so that no product leaves the range: 15 bits.
+// 2^(high + low), |low| below 2^-8 |high|, c the polynomial; with what the table's powers of
+// 2^(1/16) lack, or without.
+template <bool kFull, class D, class V, size_t N>
+HWY_INLINE V sPowExp2(D d, V high, V low, const float (&c)[N]) {
+  const auto beyond = [d, high](float limit) HWY_ATTR {
+    return hn::Gt(Bits(d, hn::Abs(high)), SetBits(d, BitsOfNumber(limit)));
+  };
+  const V shifter = hn::Set(d, 0x1.8p19f);  // the sum ends in the number of sixteenths
+  const auto far = beyond(64.0f);           // below, no product is subnormal
+  const bool any_far = !hn::AllFalse(hn::RebindToSigned<D>(), far);
+  if (any_far) [[unlikely]] {
+    low = hn::IfThenZeroElse(hn::RebindMask(d, beyond(200.0f)), low);
+    high = hn::Min(hn::Max(high, hn::Set(d, -200.0f)), hn::Set(d, 200.0f));
+  }
+  const V shifted = hn::Add(hn::Add(high, low), shifter);
+  const V f = hn::Add(hn::Sub(high, hn::Sub(shifted, shifter)), low);
+  const auto k = Bits(d, shifted);
+  V p = hn::Mul(f, Horner(d, f, c));
+  if constexpr (kFull) p = hn::Add(p, sLogIndex<D>(d, k).LookUp(kPowSixteenthRest));
+  const auto table = LookupSixteenth(d, sExpShiftedSixteenths, k);
+  if (!any_far) [[likely]] {
+    const V power = FromBits(d, hn::Add(table, hn::ShiftLeft<19>(k)));
+    return hn::Add(power, hn::Mul(power, p));
+  }
+  // Half of the exponent after the sum: what is not far comes out the same.
+  const auto halves = hn::And(hn::ShiftRight<1>(k), SetBits(d, 0xFFFFFFF0));
+  const V power = FromBits(d, hn::Add(table, hn::ShiftLeft<19>(hn::Sub(k, halves))));
+  const V rest = FromBits(d, hn::Add(SetBits(d, BitsOfNumber(1.0f)), hn::ShiftLeft<19>(halves)));
+  return hn::Mul(hn::Add(power, hn::Mul(power, p)), rest);
+}
+
+// x^y in float for 2^-40 <= |y| <= 2^33 or y = 0, so that no product leaves the range: 15 bits.
 template <class D, class V>
 HWY_INLINE V sPowShort(D d, V x, V y) {
   const auto u = sPowReduce(d, x);
@@ -142,26 +175,33 @@ HWY_INLINE V sPowShort(D d, V x, V y) {
   const V p2 = hn::Mul(p, p);
   const V head = hn::Add(hn::ConvertTo(d, u.e), row.LookUp(kPowSingleTable.log));
   const V log2 = hn::Add(head, hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, kPowLog2EP))));
-  const V product = hn::Mul(y, log2);
-  const V z = hn::Min(hn::Max(product, hn::Set(d, -160.0f)), hn::Set(d, 140.0f));
+  return sPowExp2<false>(d, hn::Mul(y, log2), hn::Zero(d), kPowExp2EP);
+}
 
-  const V shifter = hn::Set(d, 0x1.8p19f);  // the sum ends in the number of sixteenths
-  const V shifted = hn::Add(z, shifter);
-  const V f = hn::Sub(z, hn::Sub(shifted, shifter));
-  const auto k = Bits(d, shifted);
-  const V factor = hn::Add(hn::Mul(f, Horner(d, f, kPowExp2EP)), hn::Set(d, 1.0f));
-  const auto table = LookupSixteenth(d, sExpShiftedSixteenths, k);
-  const auto far = hn::Gt(Bits(d, hn::Abs(z)), SetBits(d, BitsOfNumber(125.5f)));
-  if (hn::AllFalse(hn::RebindToSigned<D>(), far)) [[likely]] {
-    return hn::Mul(factor, FromBits(d, hn::Add(table, hn::ShiftLeft<19>(k))));
-  }
-  // Half of the power of two before, half after: what is not far comes out the same.
-  const auto halves = hn::And(hn::ShiftRight<1>(k), SetBits(d, 0xFFFFFFF0));
-  const auto rest = hn::Sub(k, halves);
-  const V one = hn::Set(d, 1.0f);
-  const V power = FromBits(d, hn::Add(table, hn::ShiftLeft<19>(rest)));
-  return hn::Mul(hn::Mul(factor, power),
-                 FromBits(d, hn::Add(Bits(d, one), hn::ShiftLeft<19>(halves))));
+// The same with log2(x) and its product with y in pairs of floats: log2(x) to 2^-30.
+template <class D, class V>
+HWY_INLINE V sPowPairs(D d, V x, V y) {
+  constexpr float kLn2 = 0x1.62e43p-1f, kLn2Rest = -0x1.05c61p-29f;
+  const auto u = sPowReduce(d, x);
+  const sLogIndex<D> row(d, u.i);
+  // log2(m) = log2(a) + p - ln2/2 p^2 + p^3 ..., the first three in full.
+  const V t = hn::Sub(u.m, row.LookUp(kPowPoints.a));  // exact
+  const Pair<V> p = TwoProduct(d, t, row.LookUp(kPowPoints.factor));
+  const Pair<V> square = TwoProduct(d, p.hi, p.hi);
+  const Pair<V> second = TwoProduct(d, square.hi, hn::Set(d, -kLn2 / 2));
+  const V higher = hn::Mul(
+      square.hi, hn::Add(hn::Mul(p.hi, Horner(d, p.hi, kPowLog2LA)), hn::Set(d, -kLn2Rest / 2)));
+  const V second_rest = hn::Add(second.lo, hn::Mul(square.lo, hn::Set(d, -kLn2 / 2)));
+  const V slope = hn::Sub(hn::Set(d, 1.0f), hn::Mul(p.hi, hn::Set(d, kLn2)));
+  const V first_rest = hn::Add(hn::Mul(p.lo, slope), hn::Mul(p.hi, hn::Set(d, kLog2ERest)));
+  const V tail =
+      hn::Add(hn::Add(first_rest, second_rest), hn::Add(higher, row.LookUp(kPowPoints.rest)));
+  const V head = hn::Add(hn::ConvertTo(d, u.e), row.LookUp(kPowPoints.log));  // exact
+  const Pair<V> s = FastTwoSum(head, p.hi);
+  const Pair<V> log2 = FastTwoSum(s.hi, second.hi);
+  const V log2_lo = hn::Add(hn::Add(log2.lo, s.lo), tail);
+  const Pair<V> z = TwoProduct(d, y, log2.hi);
+  return sPowExp2<true>(d, z.hi, hn::Add(z.lo, hn::Mul(y, log2_lo)), kPowExp2LA);
 }
 
 }  // namespace pex::HWY_NAMESPACE

@@ -105,27 +105,33 @@ struct sPowKernel : Kernel<float, Compute> {
   }
 };
 
-// In float, about 16 bits; x^1 is x.
-struct sPowEP : sPowKernel<float, BitsOfNumber(0x1p-90f), BitsOfNumber(0x1p33f)> {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x, V y) {
+struct sPowNarrowKernel : sPowKernel<float, BitsOfNumber(0x1p-40f), BitsOfNumber(0x1p33f)> {
+  // The power by kPower; x^1 is x.
+  template <auto kPower, class D, class V>
+  static HWY_INLINE V SignedPower(D d, V x, V y) {
     const auto first = hn::Eq(y, hn::Set(d, 1.0f));
-    const V power = sPowShort(d, hn::Abs(x), hn::IfThenZeroElse(first, y));
+    const V power = kPower(d, hn::Abs(x), hn::IfThenZeroElse(first, y));
     return hn::IfThenElse(first, x, Signed(d, power, x, y));
   }
 };
 
-struct sPowWideKernel : sPowKernel<double, 1, 0x7F7FFFFF> {};
-
-// In double: y log2(x) to 2^-28, its power to 2^-29.
-struct sPowLA : sPowWideKernel {
+// In float, 15 bits.
+struct sPowEP : sPowNarrowKernel {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x, V y) {
-    const hn::Rebind<double, D> wide;
-    const auto z = hn::Mul(hn::PromoteTo(wide, y), PowWideLog2(d, hn::Abs(x), kPowLog2LA));
-    return Signed(d, PowWideExp2(d, z, kPowExp2LA), x, y);
+    return SignedPower<sPowShort<D, V>>(d, x, y);
   }
 };
+
+// In pairs of floats.
+struct sPowLA : sPowNarrowKernel {
+  template <class D, class V>
+  static HWY_INLINE V Main(D d, V x, V y) {
+    return SignedPower<sPowPairs<D, V>>(d, x, y);
+  }
+};
+
+struct sPowWideKernel : sPowKernel<double, 1, 0x7F7FFFFF> {};
 
 // In double: y log2(x) to 2^-34, its power to 2^-38.
 struct sPowHA : sPowWideKernel {

@@ -38,10 +38,9 @@ inline constexpr double kPowLog2HA[] = {
     -0x1.62e42ff07afc9p-2, 0x1.47fd3ffdce751p-3, -0x1.55044cb6688f8p-4, 0x1.7a3303063f4d5p-5,
     -0x1.b5e8c8b4d4454p-6, 0x1.045ab411b0d23p-6};
 
-// log2(1 + x ln2) = x (1 + c[0] x + ...), |x| <= 6.011962890625e-2; error 2^-35 x.
-inline constexpr double kPowLog2LA[] = {
-    -0x1.62e42ff0c2d2cp-2, 0x1.47fd33fe660cap-3, -0x1.550445e26519ap-4, 0x1.7adaadc5f7a49p-5,
-    -0x1.b6035d6655eeep-6};
+// log2(1 + x ln2) = x (1 - x ln2/2 + c[0] x^2 + ...), |x| <= 6.3873291015625e-2; error 2^-34.3125 x.
+inline constexpr float kPowLog2LA[] = {
+    0x1.47fd3p-3f, -0x1.55044cp-4f, 0x1.7af35ep-5f, -0x1.b60156p-6f};
 
 // log2(1 + x ln2) = x (1 + c[0] x + ...), |x| <= 6.011962890625e-2; error 2^-23.1875 x.
 inline constexpr float kPowLog2EP[] = {
@@ -52,12 +51,19 @@ inline constexpr double kPowExp2HA[] = {
     0x1.62e42fec3ad7ap-1, 0x1.ebfbdff4dea26p-3, 0x1.c6b3f6f66de17p-5, 0x1.3b2ccd730c081p-7};
 
 // 2^x = 1 + x (c[0] + c[1] x ...), |x| <= 1/32; error 2^-29.21875.
-inline constexpr double kPowExp2LA[] = {
-    0x1.62e42feb1d3cap-1, 0x1.ebfff45adb6a4p-3, 0x1.c6b46a1adc288p-5};
+inline constexpr float kPowExp2LA[] = {
+    0x1.62e43p-1f, 0x1.ebfff4p-3f, 0x1.c6ae1cp-5f};
 
 // 2^x = 1 + x (c[0] + c[1] x ...), |x| <= 1/32; error 2^-21.15625.
 inline constexpr float kPowExp2EP[] = {
     0x1.62e982p-1f, 0x1.ec00ccp-3f};
+
+// 2^(j/16) is 1 + this times the float next to it.
+alignas(64) inline constexpr float kPowSixteenthRest[] = {
+    0.0f, 0x1.8d96d4p-25f, -0x1.9c0c22p-27f, 0x1.964904p-25f,
+    0x1.125002p-25f, 0x1.370be4p-25f, -0x1.0a355p-25f, -0x1.00d8acp-27f,
+    0x1.26055cp-26f, -0x1.05cb44p-25f, 0x1.67a1cap-28f, 0x1.a3b5e4p-28f,
+    -0x1.f9c304p-27f, -0x1.6961b4p-28f, -0x1.a5217cp-28f, 0x1.61428ep-28f};
 
 }  // namespace pex
 
