@@ -78,6 +78,7 @@ struct RootKernel : Kernel<T, Compute> {
 
 template <class Form>
 struct dRootEP : RootKernel<Form, double> {
+  static constexpr int kUnroll = 8;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     return RootEP<Form>(d, x);
@@ -86,6 +87,7 @@ struct dRootEP : RootKernel<Form, double> {
 
 template <class Form>
 struct dRootLA : RootKernel<Form, double> {
+  static constexpr int kUnroll = 8;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     return RootLA<Form>(d, x);
@@ -102,6 +104,7 @@ struct dRootHA : RootKernel<Form, double> {
 
 template <class Form>
 struct sRootKernelEP : RootKernel<Form, float> {
+  static constexpr int kUnroll = 8;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     return sRootEP<Form>(d, x);
@@ -110,6 +113,7 @@ struct sRootKernelEP : RootKernel<Form, float> {
 
 template <class Form>
 struct sRootKernelLA : RootKernel<Form, float> {
+  static constexpr int kUnroll = 8;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     return sRootLA<Form>(d, x);

@@ -21,9 +21,10 @@ inline constexpr double kInvCbrtLA[] = {
 inline constexpr double kCbrtEP[] = {
     0x1.aaa9d5893b101p0, -0x1.5553aaee18443p-1};
 
-// w^(-1/3), 0.9998931884765625 <= w <= 1.0001220703125; error 2^-29.09375.
+// w^(-1/3), 0.894500732421875 <= w <= 1.096893310546875; error 2^-27.90625.
 inline constexpr double kInvCbrtEP[] = {
-    0x1.5555001312ba7p0, -0x1.5554002f33044p-2};
+    0x1.0081736620523p1, -0x1.43a45ff3069c7p1, 0x1.74f5e7443a71cp1, -0x1.06f9b984725c2p1,
+    0x1.971a9e125fe21p-1, -0x1.09fe8af98214ep-3};
 
 // ((1 + e)^(-2/3) - 1)/e, -4.119968414306640625e-2 <= e <= 4.0599822998046875e-2; error 2^-27.15625.
 inline constexpr float kCbrtSingleLA[] = {

@@ -59,7 +59,8 @@ HWY_INLINE V sBetterInvCbrt(D d, V x) {
   return FromBits(d, hn::Sub(magic, third));
 }
 
-// Rounded to 12 bits, so that roots of so few bits come out exact.
+// Rounded to 12 bits, so that most roots of so few bits come out exact. Cbrt 11.31 correct bits,
+// InvCbrt 11.75, Pow2o3 11.70.
 template <class Form, class D, class V>
 HWY_INLINE V sRootEP(D d, V x) {
   const V magnitude = hn::Abs(x);
@@ -70,6 +71,7 @@ HWY_INLINE V sRootEP(D d, V x) {
   return RootSign<Form>(FromBits(d, rounded), x);
 }
 
+// Largest errors: Cbrt 1.36 ulp, InvCbrt 1.14, Pow2o3 1.47.
 template <class Form, class D, class V>
 HWY_INLINE V sRootLA(D d, V x) {
   const V magnitude = hn::Abs(x);
@@ -80,6 +82,7 @@ HWY_INLINE V sRootLA(D d, V x) {
   return RootSign<Form>(hn::Add(a, hn::Mul(a, hn::Mul(e, q))), x);
 }
 
+// Correctly rounded for all floats.
 template <class Form, class D, class V>
 HWY_INLINE V sRootHA(D d, V x) {
   const hn::Rebind<double, D> wide;
