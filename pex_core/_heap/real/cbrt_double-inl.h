@@ -4,6 +4,7 @@
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/cbrt_polynomials.h"
+#include "pex_core/_heap/real/cbrt_tables.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
@@ -31,9 +32,7 @@ HWY_INLINE BitsOf<D> ThirdOfBits(D, hn::Vec<D> x) {
   return hn::BitCast(hn::RebindToSigned<D>(), third);
 }
 
-// 1/cbrt(x) within 3.6 percent, made from a third of x's bits, and x z^3.
-inline constexpr uint64_t kInvCbrtMagic = 0x553EE00000000000;
-
+// 1/cbrt(x) within 3.6 percent, from a third of x's bits.
 template <class D>
 HWY_INLINE VecOf<D> EstimateInvCbrt(D d, BitsOf<D> third) {
   return FromBits(d, hn::Sub(SetBits(d, kInvCbrtMagic), third));

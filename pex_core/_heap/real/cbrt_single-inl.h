@@ -4,6 +4,7 @@
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/cbrt_double-inl.h"
 #include "pex_core/_heap/real/cbrt_polynomials.h"
+#include "pex_core/_heap/real/cbrt_tables.h"
 #include "pex_core/_heap/real/exp_single-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
@@ -44,14 +45,10 @@ HWY_INLINE BitsOf<D> sThirdOfBits(D d, V x) {
 // 1/cbrt(x) within 3.8 percent, in 8 bits, so that its square is exact.
 template <class D, class V>
 HWY_INLINE V sEstimateInvCbrt(D d, V x) {
-  return FromBits(d, hn::Sub(SetBits(d, 0x54A10000), sThirdOfBits(d, x)));
+  return FromBits(d, hn::Sub(SetBits(d, kInvCbrtSingleMagic), sThirdOfBits(d, x)));
 }
 
-// 1/cbrt(x) within 1.4 percent, in 12 bits: the best constant for each sixteenth of a period of x.
-alignas(64) inline constexpr int32_t kInvCbrtMagics[16] = {
-    0x549FE000, 0x549FD000, 0x54A13000, 0x54A3A000, 0x54A6D000, 0x54A76000, 0x54A2E000, 0x549FC000,
-    0x549E7000, 0x549E7000, 0x549EE000, 0x549CE000, 0x549B7000, 0x549B9000, 0x549CF000, 0x549F3000};
-
+// 1/cbrt(x) within 1.4 percent, in 12 bits.
 template <class D, class V>
 HWY_INLINE V sBetterInvCbrt(D d, V x) {
   const auto third = sThirdOfBits(d, x);
