@@ -35,7 +35,7 @@ HWY_INLINE float PowOfPositive(float x, float y) {
 // x^y for rare elements; returns the status code. Poles have the domain code too.
 static HWY_NOINLINE int sPowRare(float x, float y, float* r) {
   const bool whole = y == std::rint(y);  // infinities too
-  const bool odd = whole && std::fabs(y) < 0x1p24f && std::fmod(y, 2.0f) != 0;
+  const bool odd = whole && std::fabs(y) < 0x1p24f && (static_cast<int32_t>(y) & 1) != 0;
   const float sign = std::signbit(x) && odd ? -1.0f : 1.0f;
   const float magnitude = std::fabs(x);
   int code = PEX_STATUS_OK;
@@ -45,6 +45,8 @@ static HWY_NOINLINE int sPowRare(float x, float y, float* r) {
     *r = x == 1 || y == 0 ? 1.0f : sum;
   } else if (x == 1 || y == 0) {
     *r = 1;
+  } else if (y == 1) {
+    *r = x;
   } else if (x == 0) {
     *r = y > 0 ? sign * 0.0f : sign / 0.0f;
     if (y < 0) code = PEX_STATUS_DOMAIN;
