@@ -109,9 +109,9 @@ HWY_INLINE VecOf<D> PowWideSixteenth(D d, BitsOf<D> k) {
   return FromBits(d, hn::Add(t, hn::ShiftLeft<48>(k)));
 }
 
-// log2 of positive normal x in double, c the polynomial.
-template <class D, class V, size_t N>
-HWY_INLINE hn::Vec<hn::Rebind<double, D>> PowWideLog2(D d, V x, const double (&c)[N]) {
+// log2 of positive normal x in double, to 2^-41.
+template <class D, class V>
+HWY_INLINE hn::Vec<hn::Rebind<double, D>> PowWideLog2(D d, V x) {
   const hn::Rebind<double, D> wide;
   const auto u = sPowReduce(d, x);
   hn::Vec<decltype(wide)> factor, log;
@@ -119,20 +119,20 @@ HWY_INLINE hn::Vec<hn::Rebind<double, D>> PowWideLog2(D d, V x, const double (&c
   const auto p = hn::Mul(hn::PromoteTo(wide, u.t), factor);
   const auto p2 = hn::Mul(p, p);
   return hn::Add(hn::Add(hn::PromoteTo(wide, u.e), log),
-                 hn::Add(p, hn::Mul(p2, EvenOdd(wide, p, p2, c))));
+                 hn::Add(p, hn::Mul(p2, EvenOdd(wide, p, p2, kPowLog2HA))));
 }
 
-// 2^z rounded once to single, c the polynomial. Beyond 2^-300 and 2^300 the float is 0 or infinite
+// 2^z, to 2^-38, rounded once to single. Beyond 2^-300 and 2^300 the float is 0 or infinite
 // anyway.
-template <class D, class W, size_t N>
-HWY_INLINE VecOf<D> PowWideExp2(D d, W z, const double (&c)[N]) {
+template <class D, class W>
+HWY_INLINE VecOf<D> PowWideExp2(D d, W z) {
   const hn::Rebind<double, D> wide;
   z = hn::Min(hn::Max(z, hn::Set(wide, -300.0)), hn::Set(wide, 300.0));
   const W shifter = hn::Set(wide, 0x1.8p48);  // the sum ends in the number of sixteenths
   const W shifted = hn::Add(z, shifter);
   const W f = hn::Sub(z, hn::Sub(shifted, shifter));
   const W s = PowWideSixteenth(wide, Bits(wide, shifted));
-  return hn::DemoteTo(d, hn::Add(s, hn::Mul(s, hn::Mul(f, Horner(wide, f, c)))));
+  return hn::DemoteTo(d, hn::Add(s, hn::Mul(s, hn::Mul(f, Horner(wide, f, kPowExp2HA)))));
 }
 
 // 2^(high + low), |low| below 2^-8 |high|, c the polynomial; with what the table's powers of
@@ -166,19 +166,16 @@ HWY_INLINE V sPowExp2(D d, V high, V low, const float (&c)[N]) {
   return hn::Mul(hn::Add(power, hn::Mul(power, p)), rest);
 }
 
-// x^y in float for 2^-40 <= |y| <= 2^33 or y = 0, so that no product leaves the range: 15 bits.
+// x^y for finite y, by double: y log2(x) to 2^-34, its power to 2^-38.
 template <class D, class V>
-HWY_INLINE V sPowShort(D d, V x, V y) {
-  const auto u = sPowReduce(d, x);
-  const sLogIndex<D> row(d, u.i);
-  const V p = hn::Mul(u.t, row.LookUp(kPowSingleTable.factor));
-  const V p2 = hn::Mul(p, p);
-  const V head = hn::Add(hn::ConvertTo(d, u.e), row.LookUp(kPowSingleTable.log));
-  const V log2 = hn::Add(head, hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, kPowLog2EP))));
-  return sPowExp2<false>(d, hn::Mul(y, log2), hn::Zero(d), kPowExp2EP);
+HWY_INLINE V PowWide(D d, V x, V y) {
+  const hn::Rebind<double, D> wide;
+  const auto z = hn::Mul(hn::PromoteTo(wide, y), PowWideLog2(d, x));
+  return PowWideExp2(d, z);
 }
 
-// The same with log2(x) and its product with y in pairs of floats: log2(x) to 2^-30.
+// x^y for 2^-40 <= |y| <= 2^33 or y = 0, so that no product leaves the range, with log2(x) and its
+// product with y in pairs of floats.
 template <class D, class V>
 HWY_INLINE V sPowPairs(D d, V x, V y) {
   constexpr float kLn2 = 0x1.62e43p-1f, kLn2Rest = -0x1.05c61p-29f;
@@ -202,6 +199,27 @@ HWY_INLINE V sPowPairs(D d, V x, V y) {
   const V log2_lo = hn::Add(hn::Add(log2.lo, s.lo), tail);
   const Pair<V> z = TwoProduct(d, y, log2.hi);
   return sPowExp2<true>(d, z.hi, hn::Add(z.lo, hn::Mul(y, log2_lo)), kPowExp2LA);
+}
+
+// The same in float, but for the powers next to the largest numbers, where an error would show as
+// infinity: 15 bits.
+template <class D, class V>
+HWY_INLINE V sPowShort(D d, V x, V y) {
+  const auto u = sPowReduce(d, x);
+  const sLogIndex<D> row(d, u.i);
+  const V p = hn::Mul(u.t, row.LookUp(kPowSingleTable.factor));
+  const V p2 = hn::Mul(p, p);
+  const V head = hn::Add(hn::ConvertTo(d, u.e), row.LookUp(kPowSingleTable.log));
+  const V log2 = hn::Add(head, hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, kPowLog2EP))));
+  const V z = hn::Mul(y, log2);
+  const V power = sPowExp2<false>(d, z, hn::Zero(d), kPowExp2EP);
+  const auto edge = hn::Gt(Bits(d, z), SetBits(d, BitsOfNumber(127.9f)));  // and positive
+  if (hn::AllFalse(hn::RebindToSigned<D>(), edge)) [[likely]]
+    return power;
+  const hn::Half<D> half;
+  const V wide = hn::Combine(d, PowWide(half, hn::UpperHalf(half, x), hn::UpperHalf(half, y)),
+                             PowWide(half, hn::LowerHalf(half, x), hn::LowerHalf(half, y)));
+  return hn::IfThenElse(hn::RebindMask(d, edge), wide, power);
 }
 
 }  // namespace pex::HWY_NAMESPACE

@@ -27,9 +27,9 @@ HWY_INLINE float PowOfPositive(float x, float y) {
   const bool subnormal = x < 0x1p-126f;
   const hn::ScalableTag<double> wide;
   const hn::Rebind<float, decltype(wide)> d;
-  const auto log2 = PowWideLog2(d, hn::Set(d, subnormal ? x * 0x1p24f : x), kPowLog2HA);
+  const auto log2 = PowWideLog2(d, hn::Set(d, subnormal ? x * 0x1p24f : x));
   const auto z = hn::Mul(hn::Set(wide, y), hn::Sub(log2, hn::Set(wide, subnormal ? 24.0 : 0.0)));
-  return hn::GetLane(PowWideExp2(d, z, kPowExp2HA));
+  return hn::GetLane(PowWideExp2(d, z));
 }
 
 // x^y for rare elements; returns the status code. Poles have the domain code too.
@@ -117,7 +117,7 @@ struct sPowNarrowKernel : sPowKernel<float, BitsOfNumber(0x1p-40f), BitsOfNumber
   }
 };
 
-// In float, 15 bits.
+// In float. 15.7 correct bits.
 struct sPowEP : sPowNarrowKernel {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x, V y) {
@@ -125,7 +125,7 @@ struct sPowEP : sPowNarrowKernel {
   }
 };
 
-// In pairs of floats.
+// In pairs of floats. Largest error 1.10 ulp.
 struct sPowLA : sPowNarrowKernel {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x, V y) {
@@ -133,15 +133,11 @@ struct sPowLA : sPowNarrowKernel {
   }
 };
 
-struct sPowWideKernel : sPowKernel<double, 1, 0x7F7FFFFF> {};
-
-// In double: y log2(x) to 2^-34, its power to 2^-38.
-struct sPowHA : sPowWideKernel {
+// In double. At most 0.5005 ulp.
+struct sPowHA : sPowKernel<double, 1, 0x7F7FFFFF> {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x, V y) {
-    const hn::Rebind<double, D> wide;
-    const auto z = hn::Mul(hn::PromoteTo(wide, y), PowWideLog2(d, hn::Abs(x), kPowLog2HA));
-    return Signed(d, PowWideExp2(d, z, kPowExp2HA), x, y);
+    return Signed(d, PowWide(d, hn::Abs(x), y), x, y);
   }
 };
 
