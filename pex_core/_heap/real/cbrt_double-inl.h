@@ -151,7 +151,7 @@ HWY_INLINE V PolynomialRoot(D d, V x, V z) {
   return hn::Add(a, hn::Mul(a, hn::Mul(e, Horner(d, e, Form::kLA))));
 }
 
-// Largest errors: Cbrt 1.57 ulp, InvCbrt 1.23, Pow2o3 1.36.
+// Largest errors: Cbrt 1.57 ulp, InvCbrt 1.23, Pow2o3 1.53.
 template <class Form, class D, class V>
 HWY_INLINE V RootLA(D d, V x) {
   const V magnitude = hn::Abs(x);

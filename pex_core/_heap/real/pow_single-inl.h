@@ -3,7 +3,7 @@
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/exp_single-inl.h"
-#include "pex_core/_heap/real/pow_points.h"
+#include "pex_core/_heap/real/pow_point_tables.h"
 #include "pex_core/_heap/real/pow_single_tables.h"
 #include "pex_core/_heap/real/slog-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
