@@ -163,7 +163,21 @@ HWY_INLINE V sPowExp2(D d, V high, V low, const float (&c)[N]) {
   const auto halves = hn::And(hn::ShiftRight<1>(k), SetBits(d, 0xFFFFFFF0));
   const V power = FromBits(d, hn::Add(table, hn::ShiftLeft<19>(hn::Sub(k, halves))));
   const V rest = FromBits(d, hn::Add(SetBits(d, BitsOfNumber(1.0f)), hn::ShiftLeft<19>(halves)));
-  return hn::Mul(hn::Add(power, hn::Mul(power, p)), rest);
+  const V near = hn::Mul(hn::Add(power, hn::Mul(power, p)), rest);
+  const auto tiny = hn::Lt(Bits(d, near), SetBits(d, BitsOfNumber(0x1p-125f)));
+  if (hn::AllFalse(hn::RebindToSigned<D>(), tiny)) return near;
+  // Subnormal numbers are rounded once, from double.
+  const hn::Half<D> half;
+  const hn::Rebind<double, decltype(half)> wide;
+  const auto once = [half, wide](auto p_half, auto power_half, auto rest_half) HWY_ATTR {
+    const auto factor = hn::Add(hn::PromoteTo(wide, p_half), hn::Set(wide, 1.0));
+    const auto scale = hn::Mul(hn::PromoteTo(wide, power_half), hn::PromoteTo(wide, rest_half));
+    return hn::DemoteTo(half, hn::Mul(factor, scale));
+  };
+  const V rounded = hn::Combine(
+      d, once(hn::UpperHalf(half, p), hn::UpperHalf(half, power), hn::UpperHalf(half, rest)),
+      once(hn::LowerHalf(half, p), hn::LowerHalf(half, power), hn::LowerHalf(half, rest)));
+  return hn::IfThenElse(hn::RebindMask(d, tiny), rounded, near);
 }
 
 // x^y for finite y, by double: y log2(x) to 2^-34, its power to 2^-38.
