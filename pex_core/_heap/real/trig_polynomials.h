@@ -18,6 +18,40 @@ inline constexpr double kSinEP[] = {
     0x1.ffffffdb58471p-1, -0x1.555549b0b2602p-3, 0x1.110eb2e50098cp-7, -0x1.9f6d29ab0ed1cp-13,
     0x1.5daad7269cdb4p-19};
 
+// (sin(y)/y - 1)/y^2 in x = y^2, |y| <= 0.785399138927459716796875; error of the function 2^-56.0625.
+inline constexpr double kSinQuarter[] = {
+    -0x1.5555555555555p-3, 0x1.1111111110c84p-7, -0x1.a01a019ea17c5p-13, 0x1.71de37b235b35p-19,
+    -0x1.ae60217812a5cp-26, 0x1.5e11ba5d38138p-33};
+
+// (cos(y) - 1)/y^2 in x = y^2, |y| <= 0.785399138927459716796875; error of the function 2^-62.75.
+inline constexpr double kCosQuarter[] = {
+    -0x1p-1, 0x1.5555555555552p-5, -0x1.6c16c16c15f4cp-10, 0x1.a01a019e08c8ap-16,
+    -0x1.27e4f8fef5949p-22, 0x1.1eea90077442bp-29, -0x1.90022e8ff4efdp-37};
+
+// sin(y)/y in x = y^2, |y| <= 0.785399138927459716796875; error of the function 2^-28.25.
+inline constexpr double kSinQuarterEP[] = {
+    0x1.ffffffe598e41p-1, -0x1.55553fe6ea22dp-3, 0x1.110630ee349dcp-7, -0x1.99076a9b2a21dp-13};
+
+// (cos(y) - 1)/y^2 in x = y^2, |y| <= 0.785399138927459716796875; error of the function 2^-32.25.
+inline constexpr double kCosQuarterEP[] = {
+    -0x1.fffffffab502fp-2, 0x1.55554cbe24438p-5, -0x1.6c0e0a0c970fep-10, 0x1.9a6f96dd95ef9p-16};
+
+// N for tan(y)/y = (1 + x N(x))/(1 + x D(x)) in x = y^2, |y| <= pi/4; error 2^-54.9375.
+inline constexpr double kTanLANumerator[] = {
+    -0x1.06b95e08f55bdp-3, 0x1.6fc628f24bc6cp-9, -0x1.f633bde7f521ep-18};
+
+// D.
+inline constexpr double kTanLADenominator[] = {
+    -0x1.d8b20459d0009p-2, 0x1.7e7afe74bc449p-6, -0x1.b523c7588b7c7p-13};
+
+// N for tan(y)/y = (1 + x N(x))/(1 + x D(x)) in x = y^2, |y| <= pi/4; error 2^-34.75.
+inline constexpr double kTanEPNumerator[] = {
+    -0x1.c82209986c8a6p-4, 0x1.19d46e1feb0ddp-10};
+
+// D.
+inline constexpr double kTanEPDenominator[] = {
+    -0x1.c75dd7a321d1cp-2, 0x1.05b3d249bcc4ap-6};
+
 }  // namespace pex
 
 #endif  // PEX_CORE__HEAP_REAL_TRIG_POLYNOMIALS_H_
