@@ -25,7 +25,7 @@ HWY_INLINE void SetTinyLanes(D d, const TrigLanes<D, K>& lanes, const V (&x)[K],
 template <class Formula>
 struct dSinCosQuarter {
   static constexpr int kResults = 2;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 2;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 3;
   using Usual = UsualExponents<-20, 5>;
 
   template <class D, class V, size_t K>
@@ -52,8 +52,7 @@ struct dSinCosQuarter {
       const auto quadrant = u.quadrant[k];
       const auto odd = OddLanes(d, quadrant);
       sin[k] = FlipSign<1>(d, hn::IfThenElse(odd, c[k], s[k]), quadrant);
-      cos[k] = FlipSign<1>(d, hn::IfThenElse(odd, s[k], c[k]),
-                           hn::Add(quadrant, SetBits(d, 1)));
+      cos[k] = FlipSign<1>(d, hn::IfThenElse(odd, s[k], c[k]), hn::Add(quadrant, SetBits(d, 1)));
     }
   }
 };
@@ -95,7 +94,7 @@ struct dSinCosLA : dSinCosQuarter<dSinCosFormulaLA> {};
 // Both sums of the table's sine and cosine.
 struct dSinCosHA {
   static constexpr int kResults = 2;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 2;
+  static constexpr size_t kUnroll = 4;
   using Usual = UsualExponents<-20, 5>;
 
   template <class D, class V, size_t K>

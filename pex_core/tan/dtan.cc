@@ -11,11 +11,11 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdTan";
 
-// tan(y) as a quotient, turned over in odd quadrants.
+// tan(y) = base + above/below, |y| <= pi/4, or in odd quadrants -cot(y), with the sign to come.
 template <class Formula>
 struct dTanQuarter {
   static constexpr int kResults = 1;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;
+  static constexpr size_t kUnroll = Formula::kUnroll;
   using Usual = UsualExponents<-20, 5>;
 
   template <class D, class V, size_t K>
@@ -36,23 +36,19 @@ struct dTanQuarter {
  private:
   template <class D, class V, size_t K>
   static HWY_INLINE void Finish(D d, const Quarters<D, K>& u, V (&r)[K]) {
-    V above[K], below[K];
-    Formula::Quotient(d, u, above, below);
-    for (size_t k = 0; k < K; ++k) {
-      const auto odd = OddLanes(d, u.quadrant[k]);
-      const V q = hn::Div(hn::IfThenElse(odd, below[k], above[k]),
-                          hn::IfThenElse(odd, above[k], below[k]));
-      r[k] = FlipSign<0>(d, q, u.quadrant[k]);
-    }
+    Formula::Tangent(d, u, r);
+    for (size_t k = 0; k < K; ++k) r[k] = FlipSign<0>(d, r[k], u.quadrant[k]);
   }
 };
 
+// y N/D, turned over in odd quadrants.
 struct dTanFormulaEP {
   using Quarter = QuarterEP;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 4;
   template <class D, class V, size_t K>
-  static HWY_INLINE void Quotient(D d, const Quarters<D, K>& u, V (&above)[K], V (&below)[K]) {
+  static HWY_INLINE void Tangent(D d, const Quarters<D, K>& u, V (&r)[K]) {
     const V one = hn::Set(d, 1.0);
-    V y2[K];
+    V y2[K], above[K], below[K];
     for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(u.y[k], u.y[k]);
     Horner(d, y2, kTanEPNumerator, above);
     Horner(d, y2, kTanEPDenominator, below);
@@ -60,21 +56,38 @@ struct dTanFormulaEP {
       above[k] = hn::Mul(u.y[k], hn::Add(hn::Mul(y2[k], above[k]), one));
       below[k] = hn::Add(hn::Mul(y2[k], below[k]), one);
     }
+    for (size_t k = 0; k < K; ++k) {
+      const auto odd = OddLanes(d, u.quadrant[k]);
+      r[k] =
+          hn::Div(hn::IfThenElse(odd, below[k], above[k]), hn::IfThenElse(odd, above[k], below[k]));
+    }
   }
 };
 
+// In even quadrants y + y^3 (N - D)/D', D' = 1 + y^2 D: the quotient is small beside y. In odd ones
+// D'/(y + y^3 N), whose value above 1 hides more of the roundings.
 struct dTanFormulaLA {
   using Quarter = QuarterLA;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 6;
   template <class D, class V, size_t K>
-  static HWY_INLINE void Quotient(D d, const Quarters<D, K>& u, V (&above)[K], V (&below)[K]) {
-    V y2[K];
+  static HWY_INLINE void Tangent(D d, const Quarters<D, K>& u, V (&r)[K]) {
+    V y2[K], above[K], below[K], y3[K];
     for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(u.y[k], u.y[k]);
     Horner(d, y2, kTanLANumerator, above);
     Horner(d, y2, kTanLADenominator, below);
+    for (size_t k = 0; k < K; ++k) y3[k] = hn::Mul(u.y[k], y2[k]);
+    for (size_t k = 0; k < K; ++k) below[k] = hn::Mul(y2[k], below[k]);
+    for (size_t k = 0; k < K; ++k) above[k] = hn::Add(hn::Mul(y3[k], above[k]), u.rest[k]);
     for (size_t k = 0; k < K; ++k) {
-      const V y3 = hn::Mul(u.y[k], y2[k]);
-      above[k] = hn::Add(u.y[k], hn::Add(hn::Mul(y3, above[k]), u.rest[k]));
-      below[k] = hn::Add(hn::Set(d, 1.0), hn::Mul(y2[k], below[k]));
+      const auto odd = OddLanes(d, u.quadrant[k]);
+      const V small = hn::Sub(above[k], hn::Mul(u.y[k], below[k]));
+      const V under = hn::Add(hn::Set(d, 1.0), below[k]);
+      const V whole = hn::Add(u.y[k], above[k]);
+      r[k] = hn::Div(hn::IfThenElse(odd, under, small), hn::IfThenElse(odd, whole, under));
+    }
+    for (size_t k = 0; k < K; ++k) {
+      const auto odd = OddLanes(d, u.quadrant[k]);
+      r[k] = hn::Add(hn::IfThenElse(odd, hn::Zero(d), u.y[k]), r[k]);
     }
   }
 };
@@ -85,7 +98,7 @@ struct dTanLA : dTanQuarter<dTanFormulaLA> {};
 // The quotient of the unevaluated sums for sine and cosine, corrected by its remainder.
 struct dTanHA {
   static constexpr int kResults = 1;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 2;
+  static constexpr size_t kUnroll = 4;
   using Usual = UsualExponents<-20, 5>;
 
   template <class D, class V, size_t K>
@@ -115,8 +128,7 @@ struct dTanHA {
       const V q = hn::Mul(hn::Add(s.hi, s.lo), inverse);
       // s.hi - q c.hi exactly, and the small terms.
       const Pair<V> p = TwoProduct(d, q, c.hi);
-      const V rest = hn::Sub(hn::Sub(hn::Sub(s.hi, p.hi), p.lo),
-                             hn::Sub(hn::Mul(q, c.lo), s.lo));
+      const V rest = hn::Sub(hn::Sub(hn::Sub(s.hi, p.hi), p.lo), hn::Sub(hn::Mul(q, c.lo), s.lo));
       r[k] = hn::Add(q, hn::Mul(rest, inverse));
     }
   }

@@ -47,7 +47,8 @@ struct QuarterEP {
   }
 };
 
-// In three parts, of which n times the first two is exact. The rounding of the sum stays in the rest.
+// In three parts, of which n times the first two is exact. The rounding of the sum stays in the
+// rest.
 struct QuarterLA {
   static constexpr bool kBrief = false;
   template <class D, class V, size_t K>
@@ -86,7 +87,8 @@ HWY_INLINE MaskOf<D> OddLanes(D d, BitsOf<D> quadrant) {
 #if HWY_TARGET == HWY_AVX3
   return hn::RebindMask(d, hn::TestBit(quadrant, SetBits(d, 1)));
 #else
-  return hn::MaskFromVec(FromBits(d, hn::ShiftLeft<63>(quadrant)));  // blends look at the sign alone
+  return hn::MaskFromVec(
+      FromBits(d, hn::ShiftLeft<63>(quadrant)));  // blends look at the sign alone
 #endif
 }
 

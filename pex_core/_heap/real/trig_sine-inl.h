@@ -274,7 +274,7 @@ HWY_INLINE void ReduceWide(D d, const TrigLanes<D, K>& lanes, const V (&x)[K],
 template <Wave kWave>
 struct WaveHA {
   static constexpr int kResults = 1;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 4;
+  static constexpr size_t kUnroll = 4;
   static constexpr double kTiny = 0x1p-27;
   using Usual = UsualExponents<-20, 5>;
 
