@@ -65,6 +65,18 @@ HWY_INLINE Pair<V> TwoProduct(D d, V a, V b) {
 #endif
 }
 
+// a * b - 1 rounded once, for products from 1/2 to 2.
+template <class D, class V>
+HWY_INLINE V ProductLessOne(D d, V a, V b) {
+  const V one = hn::Set(d, static_cast<hn::TFromD<D>>(1));
+#if HWY_TARGET == HWY_SSE4
+  const Pair<V> product = TwoProduct(d, a, b);
+  return hn::Add(hn::Sub(product.hi, one), product.lo);  // the difference is exact (Sterbenz)
+#else
+  return hn::MulSub(a, b, one);
+#endif
+}
+
 // (a.hi + a.lo) + b for |a.hi| >= |b| or a.hi = 0. The error is at most 2 u^2 (|a| + |b|), u half
 // an ulp of 1: twice the working precision, unless the sum cancels.
 template <class V>

@@ -196,6 +196,109 @@ HWY_INLINE void FullLog(D d, const V (&x)[K], V (&r)[K]) {
   LogSum<Base>(d, u, p, r);
 }
 
+// The natural logarithm below 1 ulp, without a full sum. Reduction: x = 2^e m, 3/4 <= m < 3/2, for
+// positive normal x, a factor c of the table next to 1/m, and -log(c).
+template <class D>
+struct LogShort {
+  VecOf<D> e, m, c, log;
+};
+
+template <class D, class V>
+HWY_INLINE void LogFactorAt(D d, V sixteenths, V& c, V& log) {
+#if HWY_TARGET == HWY_AVX3
+  (void)d;
+  const __m512i i = _mm512_castpd_si512(sixteenths.raw);
+  const auto column = [i](const double* t) HWY_ATTR {
+    return V{_mm512_permutex2var_pd(_mm512_load_pd(t), i, _mm512_load_pd(t + 8))};
+  };
+  c = column(kLnColumns.factor);
+  log = column(kLnColumns.log);
+#else
+  // Byte offsets of rows, and rows by lane.
+  const auto i = hn::And(hn::ShiftLeft<4>(Bits(d, sixteenths)), SetBits(d, 15 * 16)).raw;
+  const auto row = [](int64_t bytes) HWY_ATTR {
+    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(kLnFactors.row) + bytes);
+  };
+#if HWY_TARGET == HWY_AVX2
+  const __m128i low = _mm256_castsi256_si128(i), high = _mm256_extracti128_si256(i, 1);
+  const auto at = [row](int64_t j, int64_t k) HWY_ATTR {
+    return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_load_pd(row(j))), _mm_load_pd(row(k)),
+                                1);
+  };
+  const __m256d even = at(_mm_cvtsi128_si64(low), _mm_cvtsi128_si64(high));
+  const __m256d odd = at(_mm_extract_epi64(low, 1), _mm_extract_epi64(high, 1));
+  c = V{_mm256_unpacklo_pd(even, odd)};
+  log = V{_mm256_unpackhi_pd(even, odd)};
+#else
+  const __m128d r0 = _mm_load_pd(row(_mm_cvtsi128_si64(i)));
+  const __m128d r1 = _mm_load_pd(row(_mm_extract_epi64(i, 1)));
+  c = V{_mm_unpacklo_pd(r0, r1)};
+  log = V{_mm_unpackhi_pd(r0, r1)};
+#endif
+#endif
+}
+
+template <class D, class V, size_t K>
+HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D> (&r)[K]) {
+  constexpr int64_t kLeast = BitsOfNumber(0.75);
+  for (size_t k = 0; k < K; ++k) {
+    const auto bits = Bits(d, x[k]);
+#if HWY_TARGET == HWY_AVX3
+    const auto above = hn::Add(bits, SetBits(d, static_cast<uint64_t>(BitsOfNumber(1.0) - kLeast)));
+    r[k].e = V{_mm512_getexp_round_pd(_mm512_castsi512_pd(above.raw), _MM_FROUND_NO_EXC)};
+    r[k].m = V{_mm512_getmant_round_pd(x[k].raw, _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_src,
+                                       _MM_FROUND_NO_EXC)};
+#else
+    const hn::RebindToUnsigned<D> du;
+    const auto above = hn::Add(bits, SetBits(d, static_cast<uint64_t>(kBias - kLeast)));
+    const auto biased =
+        hn::Or(hn::ShiftRight<52>(hn::BitCast(du, above)), hn::Set(du, 0x4330000000000000));
+    r[k].e = hn::Sub(hn::BitCast(d, biased), hn::Set(d, 0x1p52 + 1024));
+    const auto exponent = hn::And(above, SetBits(d, 0xFFF0000000000000));  // e + 1024
+    r[k].m =
+        FromBits(d, hn::Add(hn::Sub(bits, exponent), SetBits(d, static_cast<uint64_t>(kBias))));
+#endif
+  }
+  for (size_t k = 0; k < K; ++k) {
+    // The sum ends in the number of sixteenths.
+    LogFactorAt(d, hn::Add(r[k].m, hn::Set(d, 0x1.8p48)), r[k].c, r[k].log);
+  }
+}
+
+// By a division instead of a long polynomial: log(1 + t) = t - s (t - s^2 R(s^2))
+// for s = t/(2 + t), t standing for m c - 1. e log(2) - log(c) is exact but for a small part.
+template <class D, class V, size_t K>
+HWY_INLINE void LogShortSum(D d, const LogShort<D> (&x)[K], const V (&t)[K], V (&r)[K]) {
+  V s[K], s2[K], rest[K];
+  for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(t[k], hn::Set(d, 2.0)));
+  for (size_t k = 0; k < K; ++k) s2[k] = hn::Mul(s[k], s[k]);
+  for (size_t k = 0; k < K; ++k) {
+    rest[k] = hn::Add(hn::Mul(s2[k], hn::Set(d, kLnShort[3])), hn::Set(d, kLnShort[2]));
+  }
+  for (size_t k = 0; k < K; ++k) {
+    rest[k] = hn::Add(hn::Mul(s2[k], rest[k]), hn::Set(d, kLnShort[1]));
+  }
+  for (size_t k = 0; k < K; ++k) {
+    rest[k] = hn::Add(hn::Mul(s2[k], rest[k]), hn::Set(d, kLnShort[0]));
+  }
+  for (size_t k = 0; k < K; ++k) rest[k] = hn::Sub(t[k], hn::Mul(s2[k], rest[k]));
+  for (size_t k = 0; k < K; ++k) {
+    const V head = hn::Add(hn::Mul(x[k].e, hn::Set(d, NaturalLog::kLog2Hi)), x[k].log);  // exact
+    const V low = hn::Mul(x[k].e, hn::Set(d, NaturalLog::kLog2Lo));
+    const V log = hn::Sub(t[k], hn::Mul(s[k], rest[k]));
+    r[k] = hn::Add(head, hn::Add(log, low));
+  }
+}
+
+template <class D, class V, size_t K>
+HWY_INLINE void LogBelowOne(D d, const V (&x)[K], V (&r)[K]) {
+  LogShort<D> u[K];
+  V t[K];
+  LogShortReduce(d, x, u);
+  for (size_t k = 0; k < K; ++k) t[k] = ProductLessOne(d, u[k].m, u[k].c);
+  LogShortSum(d, u, t, r);
+}
+
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

@@ -25,6 +25,20 @@ constexpr LogRows ByRows(const LogTable& t) {
   return r;
 }
 
+struct LogFactorColumns {
+  alignas(64) double factor[16], log[16];
+};
+
+constexpr LogFactorColumns ByColumns(const LogFactors& f) {
+  LogFactorColumns c{};
+  for (int j = 0; j < 16; ++j) {
+    c.factor[j] = f.row[j][0];
+    c.log[j] = f.row[j][1];
+  }
+  return c;
+}
+
+inline constexpr LogFactorColumns kLnColumns = ByColumns(kLnFactors);
 inline constexpr LogRows kLnRows = ByRows(kLnTable);
 inline constexpr LogRows kLog10Rows = ByRows(kLog10Table);
 

@@ -65,6 +65,31 @@ inline constexpr LogTable kLog10Table = {
      -0x1.384e70200181cp-67},
 };
 
+// Rows j = i & 15 of factors c near 16/i, i = 12 .. 24, 1 for i = 15, 16, 17, each with -log(c),
+// which is a multiple of 2^-42 to within 2^-61.
+struct LogFactors {
+  alignas(64) double row[16][2];
+};
+
+inline constexpr LogFactors kLnFactors = {{
+    {0x1p+0, 0x0p+0},
+    {0x1p+0, 0x0p+0},
+    {0x1.c71df2ad1c71cp-1, 0x1.e262eed268p-4},
+    {0x1.af3384d81af28p-1, 0x1.5fbe50b5a4p-3},
+    {0x1.999d57ad9999ap-1, 0x1.c8ecc62b8cp-3},
+    {0x1.8618a37218618p-1, 0x1.16751daf49p-2},
+    {0x1.74616ac5d1746p-1, 0x1.460cd69377p-2},
+    {0x1.642dfbb8b2164p-1, 0x1.73994bbaf2p-2},
+    {0x1.55613c8955555p-1, 0x1.9f0e89cf5bp-2},
+    {0x1p+0, 0x0p+0},
+    {0x1p+0, 0x0p+0},
+    {0x1p+0, 0x0p+0},
+    {0x1.5556561955555p+0, -0x1.2699235e2cp-2},
+    {0x1.3b17a48f13b14p+0, -0x1.a958814178p-3},
+    {0x1.2333b12133333p+0, -0x1.07dcfd01c4p-3},
+    {0x1p+0, 0x0p+0},
+}};
+
 }  // namespace pex
 
 #endif  // PEX_CORE__HEAP_REAL_LOG_TABLES_H_
