@@ -130,6 +130,7 @@ PEXQUO_API int _pexdUnpackM(int64_t n, const double* a, double* y, const void* m
 PEXQUO_API int _pexsUnpackM(int64_t n, const float* a, float* y, const void* my, int32_t width);
 
 #include "pexquo/pex_functions.h"
+#include "pexquo/pex_elements.h"
 
 #ifdef __cplusplus
 }
