@@ -162,7 +162,8 @@ HWY_INLINE void SubExactProducts(const V (&x)[K], const V (&n)[K], V p, V (&r)[K
   for (size_t k = 0; k < K; ++k) r[k] = hn::NegMulAdd(n[k], p, x[k]);
 }
 
-// The lanes of some vectors by magnitude, and the usual ones' arguments, 0 in the others.
+// The lanes of some vectors by magnitude, and the arguments of those in between, 0 in the others.
+// Large are those of which neither x nor x + shift is below the limit.
 template <class D, size_t K>
 struct TrigLanes {
   MaskOf<D> tiny[K], large[K];
@@ -171,11 +172,16 @@ struct TrigLanes {
 };
 
 template <class D, class V, size_t K>
-HWY_INLINE TrigLanes<D, K> SortLanes(D d, const V (&x)[K], double least, double limit) {
+HWY_INLINE TrigLanes<D, K> SortLanes(D d, const V (&x)[K], double least, double limit,
+                                     double shift = 0) {
   TrigLanes<D, K> lanes;
   for (size_t k = 0; k < K; ++k) {
     lanes.tiny[k] = MagnitudeBelow(d, x[k], least);
     lanes.large[k] = hn::Not(MagnitudeBelow(d, x[k], limit));
+    if (shift != 0) {
+      const V shifted = hn::Add(x[k], hn::Set(d, shift));
+      lanes.large[k] = hn::AndNot(MagnitudeBelow(d, shifted, limit), lanes.large[k]);
+    }
     lanes.x[k] = hn::IfThenZeroElse(hn::Or(lanes.tiny[k], lanes.large[k]), x[k]);
   }
   auto any = lanes.large[0];

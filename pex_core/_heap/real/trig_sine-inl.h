@@ -57,7 +57,7 @@ struct HalfTurnWave {
 
   template <class D, class V, size_t K>
   static HWY_INLINE void Wide(D d, const V (&x)[K], V (&r)[K]) {
-    const auto lanes = SortLanes(d, x, kTiny, Usual::kLimit);
+    const auto lanes = SortLanes(d, x, kTiny, Usual::kLimit, kWave == Wave::kSine ? 0 : kPiOver2);
     V y[K];
     BitsOf<D> sign[K];
     Formula::template Reduce<kWave>(d, lanes.x, sign, y);
@@ -267,7 +267,11 @@ HWY_INLINE void ReduceWide(D d, const TrigLanes<D, K>& lanes, const V (&x)[K],
     u[k].index = hn::Add(u[k].index, hn::ShiftLeft<3>(quadrant[k]));
   }
   SubtractSixteenths(d, x1, n, u);
-  for (size_t k = 0; k < K; ++k) u[k].rest = hn::Add(u[k].rest, rest[k]);
+  for (size_t k = 0; k < K; ++k) {
+    const Pair<V> sum = FastTwoSum(u[k].y, hn::Add(u[k].rest, rest[k]));
+    u[k].y = hn::IfThenElse(lanes.large[k], sum.hi, u[k].y);
+    u[k].rest = hn::IfThenElse(lanes.large[k], sum.lo, u[k].rest);
+  }
 }
 
 // Sine or cosine in full: one rounding, and a few hundredths of an ulp before.
