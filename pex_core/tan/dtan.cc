@@ -4,7 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/trig_quarter-inl.h"
-#include "pex_core/_heap/real/trig_sine-inl.h"
+#include "pex_core/_heap/real/trig_sixteenth-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {

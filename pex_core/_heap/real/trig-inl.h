@@ -30,6 +30,10 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+enum class Wave { kSine, kCosine };
+
+inline constexpr double kShifter = 0x1.8p52;  // leaves the rounded integer in the low bits
+
 // Magnitudes from 2^kFirst below 2^(kFirst + 2^kLog2Count): their exponents less the first have
 // only the lowest bits, whatever the sign.
 template <int kFirst, int kLog2Count>

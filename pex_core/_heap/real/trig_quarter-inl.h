@@ -1,7 +1,7 @@
 // Formulas on |y| <= pi/4, for the kernels that need sine and cosine or their quotient.
 
 #include "hwy/highway.h"
-#include "pex_core/_heap/real/trig_sine-inl.h"
+#include "pex_core/_heap/real/trig-inl.h"
 
 #if defined(PEX_CORE__HEAP_REAL_TRIG_QUARTER_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef PEX_CORE__HEAP_REAL_TRIG_QUARTER_INL_H_
