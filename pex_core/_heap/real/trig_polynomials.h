@@ -5,34 +5,34 @@
 
 namespace pex {
 
-// (sin(y)/y - 1)/y^2 in x = y^2, |y| <= 9.8300002515316009521484375e-2; error of the function 2^-67.
+// (sin(y)/y - 1)/y^2 in x = y^2, |y| <= 9.829998016357421875e-2; error of the function 2^-67.
 inline constexpr double kSinHA[] = {
     -0x1.5555555555555p-3, 0x1.111111110f647p-7, -0x1.a01a010bbef25p-13, 0x1.71caf7889d4ddp-19};
 
-// (cos(y) - 1)/y^2 in x = y^2, |y| <= 9.8300002515316009521484375e-2; error of the function 2^-62.0625.
+// (cos(y) - 1)/y^2 in x = y^2, |y| <= 9.829998016357421875e-2; error of the function 2^-62.0625.
 inline constexpr double kCosHA[] = {
     -0x1p-1, 0x1.5555555553b18p-5, -0x1.6c16c0eccbf4fp-10, 0x1.a003f3b55d586p-16};
 
-// sin(y)/y in x = y^2, |y| <= 1.57079732418060302734375; error of the function 2^-27.78125.
+// sin(y)/y in x = y^2, |y| <= 1.570796966552734375; error of the function 2^-27.78125.
 inline constexpr double kSinEP[] = {
     0x1.ffffffdb58471p-1, -0x1.555549b0b2602p-3, 0x1.110eb2e50098cp-7, -0x1.9f6d29ab0ed1cp-13,
     0x1.5daad7269cdb4p-19};
 
-// (sin(y)/y - 1)/y^2 in x = y^2, |y| <= 0.785399138927459716796875; error of the function 2^-56.0625.
+// (sin(y)/y - 1)/y^2 in x = y^2, |y| <= 0.78539943695068359375; error of the function 2^-56.0625.
 inline constexpr double kSinQuarter[] = {
     -0x1.5555555555555p-3, 0x1.1111111110c84p-7, -0x1.a01a019ea17c5p-13, 0x1.71de37b235b35p-19,
     -0x1.ae60217812a5cp-26, 0x1.5e11ba5d38138p-33};
 
-// (cos(y) - 1)/y^2 in x = y^2, |y| <= 0.785399138927459716796875; error of the function 2^-62.75.
+// (cos(y) - 1)/y^2 in x = y^2, |y| <= 0.78539943695068359375; error of the function 2^-62.75.
 inline constexpr double kCosQuarter[] = {
     -0x1p-1, 0x1.5555555555552p-5, -0x1.6c16c16c15f4cp-10, 0x1.a01a019e08c8ap-16,
     -0x1.27e4f8fef5949p-22, 0x1.1eea90077442bp-29, -0x1.90022e8ff4efdp-37};
 
-// sin(y)/y in x = y^2, |y| <= 0.785399138927459716796875; error of the function 2^-28.25.
+// sin(y)/y in x = y^2, |y| <= 0.78539943695068359375; error of the function 2^-28.25.
 inline constexpr double kSinQuarterEP[] = {
     0x1.ffffffe598e41p-1, -0x1.55553fe6ea22dp-3, 0x1.110630ee349dcp-7, -0x1.99076a9b2a21dp-13};
 
-// (cos(y) - 1)/y^2 in x = y^2, |y| <= 0.785399138927459716796875; error of the function 2^-32.25.
+// (cos(y) - 1)/y^2 in x = y^2, |y| <= 0.78539943695068359375; error of the function 2^-32.25.
 inline constexpr double kCosQuarterEP[] = {
     -0x1.fffffffab502fp-2, 0x1.55554cbe24438p-5, -0x1.6c0e0a0c970fep-10, 0x1.9a6f96dd95ef9p-16};
 
