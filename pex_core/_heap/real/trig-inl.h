@@ -118,6 +118,39 @@ HWY_NOINLINE void RunWide(const C& call, size_t i, size_t end) {
   }
 }
 
+// The elements that make no whole group: pairs of vectors, the last of them padded with harmless
+// arguments.
+template <class F, class C>
+HWY_INLINE void RunLast(const C& call, size_t i, size_t end) {
+  using K = TrigWide<F>;
+  const hn::ScalableTag<double> d;
+  using V = VecOf<decltype(d)>;
+  const size_t lanes = hn::Lanes(d);
+  for (; i < end; i += 2 * lanes) {
+    const size_t left = end - i;
+    const size_t count[2] = {HWY_MIN(lanes, left), left > lanes ? HWY_MIN(lanes, left - lanes) : 0};
+    V x[2], r[2], r2[2];
+    for (size_t k = 0; k < 2; ++k) {
+      const size_t at = i + k * lanes;
+      x[k] = count[k] == lanes ? call.a.Load(d, at)
+             : count[k] > 0    ? call.a.LoadTail(d, at, count[k], K::kHarmless)
+                               : hn::Set(d, K::kHarmless);
+    }
+    if (!F::Usual::All(d, x)) [[unlikely]] {
+      RunWide<F>(call, i, HWY_MIN(end, i + 2 * lanes));
+      continue;
+    }
+    if constexpr (F::kResults == 2) {
+      F::Group(d, x, r, r2);
+    } else {
+      F::Group(d, x, r);
+    }
+    for (size_t k = 0; k < 2 && count[k] > 0; ++k) {
+      StoreResults<K>(d, call, i + k * lanes, count[k], r[k], F::kResults == 2 ? r2[k] : r[k]);
+    }
+  }
+}
+
 template <class F>
 HWY_INLINE int RunTrig(int32_t n, const double* a, double* r1, double* r2, const char* name) {
   const hn::ScalableTag<double> d;
@@ -147,7 +180,7 @@ HWY_INLINE int RunTrig(int32_t n, const double* a, double* r1, double* r2, const
       for (size_t k = 0; k < F::kUnroll; ++k) hn::StoreU(x[k], d, r1 + i + k * lanes);
     }
   }
-  RunWide<F>(call, i, end);
+  RunLast<F>(call, i, end);
   return 0;
 }
 
