@@ -126,7 +126,7 @@ PEXQUO_API int _pexsCos_HA(int32_t n, const float* a, float* r);
 
 /* SinCos: r[i] = the sine and the cosine of a radians. The sines go to the first result array.
    Arguments of any finite size are reduced exactly. Reports infinities (code 1, result NaN). Bounds
-   in double: HA 0.55 ulp, _50 4 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2
+   in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2
    ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdSinCos_26(int32_t n, const double* a, double* r1, double* r2);
 PEXQUO_API int _pexdSinCos_50(int32_t n, const double* a, double* r1, double* r2);
@@ -136,7 +136,7 @@ PEXQUO_API int _pexsSinCos_21(int32_t n, const float* a, float* r1, float* r2);
 PEXQUO_API int _pexsSinCos_HA(int32_t n, const float* a, float* r1, float* r2);
 
 /* Tan: r[i] = the tangent of a radians. Keeps the sign of zero. Arguments of any finite size are
-   reduced exactly. Reports infinities (code 1, result NaN). Bounds in double: HA 0.55 ulp, _50 4
+   reduced exactly. Reports infinities (code 1, result NaN). Bounds in double: HA 0.55 ulp, _50 2
    ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdTan_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdTan_50(int32_t n, const double* a, double* r);
