@@ -25,13 +25,13 @@ struct Format {
 };
 
 constexpr Format kDouble = {"dHyperbolic", "double", "int64_t", "", 53, 50, int64_t{1} << 24, 1};
-constexpr Format kSingle = {"sHyperbolic", "float", "int32_t", "f", 24, 24, int64_t{1} << 12, 2};
+constexpr Format kSingle = {"sHyperbolic", "float", "int32_t", "f", 24, 28, int64_t{1} << 17, 2};
 
 struct Point {
-  double offset;  // from j ln2/8
-  double grow;    // e^x/2
-  double decay;   // e^-x/2
-  double error;   // largest relative distance of the two from the exponentials
+  double offset;    // from j ln2/8
+  double grow;      // e^x/2
+  double decay;     // e^-x/2
+  double error[2];  // relative distances of the two from the exponentials
 };
 
 // x 2^shift less its integer, in units of 2^-64.
@@ -70,6 +70,23 @@ void SetEighth(mpfr_t x, int j) {
   mpfr_div_si(x, x, kSteps, MPFR_RNDN);
 }
 
+// The point with the least offset where e^x/2 is to 2^-64 a double that ends in a zero, such that a
+// half can be added without a rounding error.
+double Nearest(int j) {
+  if (j == 0) return 0;
+  constexpr int kGrid = 50;
+  mpfr_t x, y;
+  mpfr_inits2(300, x, y, nullptr);
+  SetEighth(x, j);
+  mpfr_exp(y, x, MPFR_RNDN);
+  const uint64_t grow = Fraction(y, 51), step = Fraction(y, 51 - kGrid);
+  mpfr_clears(x, y, nullptr);
+  for (int64_t i = 0;; i = i > 0 ? -i : 1 - i) {
+    const uint64_t n = static_cast<uint64_t>(i);
+    if (ToInteger(grow + n * step) >> 51 == 0) return std::ldexp(static_cast<double>(i), -kGrid);
+  }
+}
+
 Point At(const Format& f, int j, double offset) {
   mpfr_t x;
   mpfr_init2(x, 300);
@@ -80,10 +97,11 @@ Point At(const Format& f, int j, double offset) {
   mpfr_neg(x, x, MPFR_RNDN);
   const double decay = HalfExp(x, f.precision, &error_down);
   mpfr_clear(x);
-  return {offset, grow, decay, std::fmax(error_up, error_down)};
+  return {offset, grow, decay, {error_up, error_down}};
 }
 
-// The point within reach of j ln2/8 whose two exponentials are closest to numbers of the format.
+// The point within reach of j ln2/8 whose two exponentials are closest to numbers of the format
+// that end in zeros, such that their sum and difference are exact.
 Point Best(const Format& f, int j) {
   mpfr_t x, y;
   mpfr_inits2(300, x, y, nullptr);
@@ -92,7 +110,8 @@ Point Best(const Format& f, int j) {
   if (j > 0) {
     // e^x/2 is in [1/2, 1), e^-x/2 in [1/4, 1/2). In the offset both are as good as quadratic; the
     // square matters where they would otherwise be the same number, at ln2/2.
-    const int up = f.precision - 1, down = f.precision;
+    // Both on the grid of the sum, which then has no rounding error, nor has the difference.
+    const int up = f.precision - 2, down = f.precision - 2;
     mpfr_exp(y, x, MPFR_RNDN);
     const uint64_t grow[] = {Fraction(y, up), Fraction(y, up - f.grid),
                              Fraction(y, up - 2 * f.grid - 1)};
@@ -153,17 +172,13 @@ void Tables(const Format& f) {
   for (int j = 0; j < kSteps; ++j) {
     points[j] = Best(f, j);
     plain[j] = At(f, j, 0);
-    error = std::fmax(error, points[j].error);
+    error = std::fmax(error, points[j].error[0]);
   }
   const char* twice = f.copies == 2 ? ", twice" : "";
   const int shift = f.precision - 4;
   std::printf("\n// How far the points x[j] are from j ln2/8%s: multiples of 2^-%d.\n", twice,
               f.grid);
   Offsets(f, "Offset", points, 1);
-  if (f.precision == 53) {
-    std::printf("\n// Their halves.\n");
-    Offsets(f, "HalfOffset", points, 0.5);
-  }
   std::printf(
       "\n// Bits of e^x[j]/2 less j << %d%s: adding k << %d, k = 8 n + j, gives those of\n"
       "// 2^n e^x[j]/2. Relative distance from the exponential, here and below, at most 2^%.2f.\n",
@@ -177,6 +192,26 @@ void Tables(const Format& f) {
   Patterns(f, "PlainDecay", plain, &Point::decay, 1);
 }
 
+// The points of the hyperbolic tangent, which needs no e^-x.
+void Tangent() {
+  Point points[kSteps];
+  double error = 0, offset = 0;
+  for (int j = 0; j < kSteps; ++j) {
+    points[j] = At(kDouble, j, Nearest(j));
+    error = std::fmax(error, points[j].error[0]);
+    offset = std::fmax(offset, std::fabs(points[j].offset));
+  }
+  std::printf(
+      "\n// Half of how far other points y[j] are from j ln2/8, at most 2^%.1f: those where "
+      "e^y[j]/2\n"
+      "// ends in a zero bit.\n",
+      std::log2(offset / 2));
+  Offsets(kDouble, "TangentHalfOffset", points, 0.5);
+  std::printf("\n// Bits of e^y[j]/2 less j << 49. Relative distance at most 2^%.2f.\n",
+              std::log2(error));
+  Patterns(kDouble, "TangentGrow", points, &Point::grow, -1);
+}
+
 }  // namespace
 
 int main() {
@@ -187,6 +222,7 @@ int main() {
       "#define PEX_CORE__HEAP_REAL_HYPERBOLIC_TABLES_H_\n\n#include <cstdint>\n\n"
       "namespace pex {\n");
   Tables(kDouble);
+  Tangent();
   Tables(kSingle);
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_HYPERBOLIC_TABLES_H_\n");
 }

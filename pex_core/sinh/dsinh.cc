@@ -38,7 +38,7 @@ struct dSinhLA : dSinhCommon {
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K], y[K];
     Magnitudes(x, m);
-    SinhOfMagnitude<Points::kAccurate>(d, m, y, dCoshLAPolynomial, dSinhPolynomial);
+    SinhOfMagnitude<Points::kLate>(d, m, y, dCoshLatePolynomial, dSinhLatePolynomial);
     for (size_t k = 0; k < K; ++k) out[k] = hn::CopySignToAbs(y[k], x[k]);
   }
 };

@@ -38,7 +38,7 @@ struct sSinhLA : sSinhCommon<> {
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K], y[K];
     for (size_t k = 0; k < K; ++k) m[k] = hn::Abs(x[k]);
-    SinhOfMagnitude<Points::kAccurate>(d, m, y, sCoshPolynomial, sSinhPolynomial);
+    SinhOfMagnitude<Points::kLate>(d, m, y, sCoshLatePolynomial, sSinhLatePolynomial);
     for (size_t k = 0; k < K; ++k) out[k] = hn::CopySignToAbs(y[k], x[k]);
   }
 };
@@ -50,7 +50,7 @@ struct sSinhHA : sSinhCommon<double> {
     const hn::Rebind<double, D> dd;
     VecOf<decltype(dd)> m[K], y[K];
     for (size_t k = 0; k < K; ++k) m[k] = hn::PromoteTo(dd, hn::Abs(x[k]));
-    SinhOfMagnitude<Points::kAccurate>(dd, m, y, dCoshLAPolynomial, dSinhPolynomial);
+    SinhOfMagnitude<Points::kLate>(dd, m, y, dCoshLatePolynomial, dSinhLatePolynomial);
     for (size_t k = 0; k < K; ++k) out[k] = hn::CopySignToAbs(hn::DemoteTo(d, y[k]), x[k]);
   }
 };

@@ -49,10 +49,10 @@ struct sTanhHA : sTanhCommon<double> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     const hn::Rebind<double, D> dd;
-    VecOf<decltype(dd)> wide[K], y[K];
-    for (size_t k = 0; k < K; ++k) wide[k] = hn::PromoteTo(dd, x[k]);
-    TanhOfMagnitude<Points::kAccurate>(dd, wide, y, dTanhLAPolynomial);
-    for (size_t k = 0; k < K; ++k) out[k] = hn::CopySignToAbs(hn::DemoteTo(d, y[k]), x[k]);
+    VecOf<decltype(dd)> m[K], y[K];
+    for (size_t k = 0; k < K; ++k) m[k] = TanhMagnitude(dd, hn::PromoteTo(dd, x[k]));
+    TanhOfMagnitude(dd, m, y);
+    for (size_t k = 0; k < K; ++k) out[k] = TanhResult(hn::DemoteTo(d, y[k]), x[k]);
   }
 };
 

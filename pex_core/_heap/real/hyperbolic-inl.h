@@ -103,6 +103,7 @@ struct EighthSteps<double> {
   using Lookup = EighthLookup<D>;
   static constexpr double kPerUnit = 0x1.71547652b82fep+3;
   static constexpr double kHi = 0x1.62e42fefap-4, kLo = 0x1.cf79abc9e3b3ap-43;
+  static constexpr double kDelay = 0x1.0a2bp-6;  // 3/16 of a step
   static constexpr int kToExponent = 49;
   static constexpr auto& kOffset = dHyperbolicOffset;
   static constexpr auto& kGrow = dHyperbolicGrow;
@@ -117,6 +118,7 @@ struct EighthSteps<float> {
   using Lookup = SingleEighthLookup<D>;
   static constexpr float kPerUnit = 0x1.715476p+3f;
   static constexpr float kHi = 0x1.62ep-4f, kLo = 0x1.0bfbe8p-18f;
+  static constexpr float kDelay = 0x1.62e4p-7f;  // 1/8 of a step
   static constexpr int kToExponent = 20;
   static constexpr auto& kOffset = sHyperbolicOffset;
   static constexpr auto& kGrow = sHyperbolicGrow;
@@ -128,7 +130,8 @@ struct EighthSteps<float> {
 enum class Points {
   kRough,    // the eighths of ln2 in one part: r is good to 2^-40 (single: 2^-18)
   kPlain,    // the eighths, A and B rounded: good enough for their sum
-  kAccurate  // the points beside them, A and B exact
+  kLate,     // the points beside them, A and B exact, each point a little after its turn
+  kAccurate  // the same each in its turn
 };
 
 template <class V>
@@ -141,9 +144,10 @@ struct HyperbolicSplit {
 template <Points kPoints, class D, class V>
 HWY_INLINE HyperbolicSplit<V> Split(D d, V x) {
   using Steps = EighthSteps<hn::TFromD<D>>;
-  constexpr bool kAccurate = kPoints == Points::kAccurate;
+  constexpr bool kAccurate = kPoints == Points::kAccurate || kPoints == Points::kLate;
   HyperbolicSplit<V> u;
-  const auto [k, kd] = ToNearestStep(d, x, Steps::kPerUnit);
+  const V turn = kPoints == Points::kLate ? hn::Sub(x, hn::Set(d, Steps::kDelay)) : x;
+  const auto [k, kd] = ToNearestStep(d, turn, Steps::kPerUnit);
   const typename Steps::template Lookup<D> lookup(k);
   const auto n = hn::ShiftLeft<Steps::kToExponent>(k);
   const auto& grow = kAccurate ? Steps::kGrow : Steps::kPlainGrow;
@@ -240,51 +244,67 @@ HWY_INLINE void HyperbolicHA(D d, const V (&x)[K], V (&out)[K]) {
 
 // ---- Tanh ----
 
-// |x| = n ln2/2 + x[j]/2 + h, where P/2 = 2^n e^x[j]/2: with t = tanh h
+// |x| = n ln2/2 + y[j]/2 + h, where P/2 = 2^n e^y[j]/2: with t = tanh h
 //   tanh |x| = ((P - 1) + (P + 1) t)/((P + 1) + (P - 1) t).
+// P is a double to 2^-64, and (P + 1)/2 one for n < 3.
 template <class V>
 struct TanhSplit {
   V half_power;  // P/2
   V h;
-  V h_rest;  // of accurate points: what is below the double of h
+  V h_rest;  // what is below the double of h
 };
 
-// Beyond 22 the result is that of 22, which is 1.
-template <Points kPoints, class D, class V>
-HWY_INLINE TanhSplit<V> SplitForTanh(D d, V x) {
-  constexpr bool kAccurate = kPoints == Points::kAccurate;
+// The magnitude for which tanh is computed, 2^-100 to 22: below, the argument is its own result,
+// and above the result is 1, as it is for 22.
+template <class D, class V>
+HWY_INLINE V TanhMagnitude(D d, V x) {
+  return hn::Min(hn::Max(hn::Abs(x), hn::Set(d, 0x1p-100)), hn::Set(d, 22.0));
+}
+
+// y with the sign of x, and not above |x|.
+template <class V>
+HWY_INLINE V TanhResult(V y, V x) {
+  return hn::CopySignToAbs(hn::Min(y, hn::Abs(x)), x);
+}
+
+// The step is the nearest one to 16 |x|/ln2 less 1/4, so that h is at most a third of |x|, and what
+// is rounded in h is a third at most as large in relation to |x|.
+template <class D, class V>
+HWY_INLINE TanhSplit<V> SplitForTanh(D d, V m) {
   // ln2/16, the product of k and the first part exact.
   constexpr double kHi = 0x1.62e42fefa38p-5, kLo = 0x1.ef35793c7673p-49;
   TanhSplit<V> u;
-  const V m = hn::Min(hn::Abs(x), hn::Set(d, 22.0));
-  const auto [k, kd] = ToNearestStep(d, m, 0x1.71547652b82fep+4);
+  const V shifted = hn::Sub(m, hn::Set(d, 0x1.62e4p-7));
+  const auto [k, kd] = ToNearestStep(d, shifted, 0x1.71547652b82fep+4);
   const EighthLookup<D> lookup(k);
-  const auto power = lookup(kAccurate ? dHyperbolicGrow : dHyperbolicPlainGrow);
+  const auto power = lookup(dHyperbolicTangentGrow);
   u.half_power = FromBits(d, hn::Add(power, hn::ShiftLeft<49>(k)));
-  if constexpr (kPoints == Points::kRough) {
-    u.h = u.h_rest = hn::Sub(m, hn::Mul(kd, hn::Set(d, kHi + kLo)));
-  } else {
-    const V h0 = hn::Sub(hn::Sub(m, hn::Mul(kd, hn::Set(d, kHi))),
-                         lookup(dHyperbolicHalfOffset));  // exact
-    const V h1 = hn::Mul(kd, hn::Set(d, kLo));
-    u.h = hn::Sub(h0, h1);
-    u.h_rest = hn::Sub(hn::Sub(h0, u.h), h1);
-  }
+  const V h0 = hn::Sub(hn::Sub(m, hn::Mul(kd, hn::Set(d, kHi))),
+                       lookup(dHyperbolicTangentHalfOffset));  // exact
+  const V h1 = hn::Mul(kd, hn::Set(d, kLo));
+  u.h = hn::Sub(h0, h1);
+  u.h_rest = hn::Sub(hn::Sub(h0, u.h), h1);
   return u;
 }
 
-// tanh |x|, with tanh h = h (1 + h2 odd(h2)).
-template <Points kPoints, class D, class V, size_t K, size_t N>
-HWY_INLINE void TanhOfMagnitude(D d, const V (&x)[K], V (&out)[K], const hn::TFromD<D> (&odd)[N]) {
+// tanh m for m of TanhMagnitude. What is rounded away from both sides of the quotient comes back
+// at the end, divided by roughly the divisor.
+template <class D, class V, size_t K>
+HWY_INLINE void TanhOfMagnitude(D d, const V (&m)[K], V (&out)[K]) {
   TanhSplit<V> u[K];
-  for (size_t k = 0; k < K; ++k) u[k] = SplitForTanh<kPoints>(d, x[k]);
+  for (size_t k = 0; k < K; ++k) u[k] = SplitForTanh(d, m[k]);
   for (size_t k = 0; k < K; ++k) {
     const auto& [half_power, h, h_rest] = u[k];
     const V half = hn::Set(d, 0.5);
-    const V h2 = SquareNearZero(d, h);
-    const V t = hn::Mul(h, hn::Add(hn::Mul(h2, Horner(d, h2, odd)), hn::Set(d, 1.0)));
+    const V h2 = hn::Mul(h, h);
+    const V t = hn::Add(hn::Mul(h, hn::Mul(h2, Horner(d, h2, dTanhPolynomial))), h);
     const V a = hn::Sub(half_power, half), b = hn::Add(half_power, half);
-    out[k] = hn::Div(hn::Add(a, hn::Mul(b, t)), hn::Add(b, hn::Mul(a, t)));
+    const Pair<V> above = FastTwoSum(a, hn::Mul(b, t)), below = FastTwoSum(b, hn::Mul(a, t));
+    const V q = hn::Div(above.hi, below.hi);
+    const V rest = hn::Sub(above.lo, hn::Mul(q, below.lo));
+    // 1/below.hi to an eighth of itself.
+    const V inverse = FromBits(d, hn::Sub(SetBits(d, 0x7FDE000000000000), Bits(d, below.hi)));
+    out[k] = hn::Add(q, hn::Mul(rest, inverse));
   }
 }
 

@@ -25,25 +25,37 @@ inline constexpr double dSinhEPPolynomial[] = {
 inline constexpr double dSinhPolynomial[] = {
     0x1.55555555555cep-3, 0x1.1111110b1e699p-7, 0x1.a01f579ebf4e6p-13};
 
+// cosh x = 1 + p(x^2) x^2, |x| <= 5.9565000236034393310546875e-2; relative error 2^-54.625.
+inline constexpr double dCoshLatePolynomial[] = {
+    0x1.0000000000726p-1, 0x1.55555525900fdp-5, 0x1.6c22192b2e7f6p-10};
+
+// sinh x = x + p(x^2) x^3, |x| <= 5.9565000236034393310546875e-2; relative error 2^-57.75.
+inline constexpr double dSinhLatePolynomial[] = {
+    0x1.5555555555883p-3, 0x1.111110fbd4b75p-7, 0x1.a02416f065eafp-13};
+
 // tanh x = x + p(x^2) x^3, |x| <= 2.16624997556209564208984375e-2; relative error 2^-27.5625.
 inline constexpr double dTanhEPPolynomial[] = {
     -0x1.5547bf67eeaccp-2};
 
-// tanh x = x + p(x^2) x^3, |x| <= 2.16624997556209564208984375e-2; relative error 2^-56.5.
-inline constexpr double dTanhLAPolynomial[] = {
-    -0x1.555555555382ap-2, 0x1.11111058e063fp-3, -0x1.b9f24d00d6a49p-5};
+// tanh x = x + p(x^2) x^3, |x| <= 3.24999988079071044921875e-2; relative error 2^-65.
+inline constexpr double dTanhPolynomial[] = {
+    -0x1.5555555555547p-2, 0x1.11111110d1b4p-3, -0x1.ba1b96c3a7291p-5, 0x1.65ef4879f81ap-6};
 
-// tanh x = x + p(x^2) x^3, |x| <= 2.16624997556209564208984375e-2; relative error 2^-70.5.
-inline constexpr double dTanhHAPolynomial[] = {
-    -0x1.5555555555555p-2, 0x1.111111110cb51p-3, -0x1.ba1b9fcdd9dffp-5, 0x1.662690db683ccp-6};
-
-// cosh x = 1 + p(x^2) x^2, |x| <= 4.3600000441074371337890625e-2; relative error 2^-25.1875.
+// cosh x = 1 + p(x^2) x^2, |x| <= 4.39000017940998077392578125e-2; relative error 2^-25.15625.
 inline constexpr float sCoshPolynomial[] = {
-    0x1.00089ap-1f};
+    0x1.0008b8p-1f};
 
-// sinh x = x + p(x^2) x^3, |x| <= 4.3600000441074371337890625e-2; relative error 2^-27.5.
+// sinh x = x + p(x^2) x^3, |x| <= 4.39000017940998077392578125e-2; relative error 2^-27.46875.
 inline constexpr float sSinhPolynomial[] = {
-    0x1.555c36p-3f};
+    0x1.555c5p-3f};
+
+// cosh x = 1 + p(x^2) x^2, |x| <= 5.48000000417232513427734375e-2; relative error 2^-23.875.
+inline constexpr float sCoshLatePolynomial[] = {
+    0x1.000d96p-1f};
+
+// sinh x = x + p(x^2) x^3, |x| <= 5.48000000417232513427734375e-2; relative error 2^-26.1875.
+inline constexpr float sSinhLatePolynomial[] = {
+    0x1.556034p-3f};
 
 // tanh x = x + p(x^2) x^3, |x| <= 0.17339999973773956298828125; relative error 2^-32.4375.
 inline constexpr float sTanhPolynomial[] = {

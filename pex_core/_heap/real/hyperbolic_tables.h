@@ -9,27 +9,21 @@ namespace pex {
 
 // How far the points x[j] are from j ln2/8: multiples of 2^-50.
 alignas(64) inline constexpr double dHyperbolicOffset[8] = {
-    0x0p+0, -0x1.32c93p-27, 0x1.b3ab04p-27, 0x1.54bc9cp-27,
-    -0x1.91cb26p-27, -0x1.54bc9cp-27, -0x1.b3ab04p-27, 0x1.32c93p-27,
-};
-
-// Their halves.
-alignas(64) inline constexpr double dHyperbolicHalfOffset[8] = {
-    0x0p+0, -0x1.32c93p-28, 0x1.b3ab04p-28, 0x1.54bc9cp-28,
-    -0x1.91cb26p-28, -0x1.54bc9cp-28, -0x1.b3ab04p-28, 0x1.32c93p-28,
+    0x0p+0, 0x1.3543e4p-28, -0x1.82a7bcp-28, -0x1.01fa1ep-27,
+    -0x1.91cb26p-27, 0x1.53616cp-27, 0x1.fff23ep-27, 0x1.98feep-30,
 };
 
 // Bits of e^x[j]/2 less j << 49: adding k << 49, k = 8 n + j, gives those of
-// 2^n e^x[j]/2. Relative distance from the exponential, here and below, at most 2^-65.26.
+// 2^n e^x[j]/2. Relative distance from the exponential, here and below, at most 2^-64.34.
 alignas(64) inline constexpr int64_t dHyperbolicGrow[8] = {
-    0x3FE0000000000000, 0x3FDF72B839E036A9, 0x3FDF06FE0E3DEA0A, 0x3FDEBFDAD8A9ED2D,
-    0x3FDEA09E620ECA32, 0x3FDEACE53E0FA70C, 0x3FDEE89F93A16B8E, 0x3FDF5818E160F034,
+    0x3FE0000000000000, 0x3FDF72B83DCE930A, 0x3FDF06FE0865E6EC, 0x3FDEBFDAD2990E18,
+    0x3FDEA09E620ECA32, 0x3FDEACE546416BCC, 0x3FDEE89FA014CD4E, 0x3FDF5818DDB72B02,
 };
 
 // Bits of e^-x[j]/2 plus j << 49, from which k << 49 is to be subtracted.
 alignas(64) inline constexpr int64_t dHyperbolicDecay[8] = {
-    0x3FE0000000000000, 0x3FDF5818E160F034, 0x3FDEE89F93A16B8E, 0x3FDEACE53E0FA70C,
-    0x3FDEA09E6AEFAD68, 0x3FDEBFDAD8A9ED2D, 0x3FDF06FE0E3DEA0A, 0x3FDF72B839E036A9,
+    0x3FE0000000000000, 0x3FDF5818DAC472A4, 0x3FDEE89F9BE519D0, 0x3FDEACE545465698,
+    0x3FDEA09E6AEFAD68, 0x3FDEBFDAD1C5EBA0, 0x3FDF06FE0570184C, 0x3FDF72B83C0DD0A8,
 };
 
 // The same for the eighths themselves, without the accuracy.
@@ -42,29 +36,42 @@ alignas(64) inline constexpr int64_t dHyperbolicPlainDecay[8] = {
     0x3FDEA09E667F3BCD, 0x3FDEBFDAD5362A27, 0x3FDF06FE0A31B715, 0x3FDF72B83C7D517B,
 };
 
-// How far the points x[j] are from j ln2/8, twice: multiples of 2^-24.
+// Half of how far other points y[j] are from j ln2/8, at most 2^-35.0: those where e^y[j]/2
+// ends in a zero bit.
+alignas(64) inline constexpr double dHyperbolicTangentHalfOffset[8] = {
+    0x0p+0, -0x1.efb4p-36, 0x1.bc8p-42, -0x1.dep-42,
+    -0x1.91cp-41, -0x1.38p-42, -0x1.494p-40, -0x1.3438p-36,
+};
+
+// Bits of e^y[j]/2 less j << 49. Relative distance at most 2^-64.13.
+alignas(64) inline constexpr int64_t dHyperbolicTangentGrow[8] = {
+    0x3FE0000000000000, 0x3FDF72B83C791858, 0x3FDF06FE0A31C79A, 0x3FDEBFDAD53616C8,
+    0x3FDEA09E667F184A, 0x3FDEACE5422A91D2, 0x3FDEE89F995A8E76, 0x3FDF5818DCF739FA,
+};
+
+// How far the points x[j] are from j ln2/8, twice: multiples of 2^-28.
 alignas(64) inline constexpr float sHyperbolicOffset[16] = {
-    0x0p+0f, -0x1.028p-15f, 0x1.56p-17f, -0x1.184p-13f,
-    -0x1.d76p-13f, 0x1.184p-13f, -0x1.56p-17f, 0x1.028p-15f,
-    0x0p+0f, -0x1.028p-15f, 0x1.56p-17f, -0x1.184p-13f,
-    -0x1.d76p-13f, 0x1.184p-13f, -0x1.56p-17f, 0x1.028p-15f,
+    0x0p+0f, -0x1.3b4p-16f, 0x1.a0fap-13f, 0x1.03b8p-13f,
+    -0x1.805p-12f, -0x1.fadp-13f, 0x1.066dp-12f, 0x1.7abp-14f,
+    0x0p+0f, -0x1.3b4p-16f, 0x1.a0fap-13f, 0x1.03b8p-13f,
+    -0x1.805p-12f, -0x1.fadp-13f, 0x1.066dp-12f, 0x1.7abp-14f,
 };
 
 // Bits of e^x[j]/2 less j << 20, twice: adding k << 20, k = 8 n + j, gives those of
-// 2^n e^x[j]/2. Relative distance from the exponential, here and below, at most 2^-31.33.
+// 2^n e^x[j]/2. Relative distance from the exponential, here and below, at most 2^-32.41.
 alignas(64) inline constexpr int32_t sHyperbolicGrow[16] = {
-    0x3F000000, 0x3EFB94A8, 0x3EF83856, 0x3EF5F929,
-    0x3EF4FA89, 0x3EF56DEB, 0x3EF7446D, 0x3EFAC2A1,
-    0x3F000000, 0x3EFB94A8, 0x3EF83856, 0x3EF5F929,
-    0x3EF4FA89, 0x3EF56DEB, 0x3EF7446D, 0x3EFAC2A1,
+    0x3F000000, 0x3EFB9516, 0x3EF83FB0, 0x3EF6041A,
+    0x3EF4F3F8, 0x3EF55AF4, 0x3EF752C8, 0x3EFAC634,
+    0x3F000000, 0x3EFB9516, 0x3EF83FB0, 0x3EF6041A,
+    0x3EF4F3F8, 0x3EF55AF4, 0x3EF752C8, 0x3EFAC634,
 };
 
 // Bits of e^-x[j]/2 plus j << 20, twice, from which k << 20 is to be subtracted.
 alignas(64) inline constexpr int32_t sHyperbolicDecay[16] = {
-    0x3F000000, 0x3EFAC2A1, 0x3EF7446D, 0x3EF56DEB,
-    0x3EF50F5E, 0x3EF5F929, 0x3EF83856, 0x3EFB94A8,
-    0x3F000000, 0x3EFAC2A1, 0x3EF7446D, 0x3EF56DEB,
-    0x3EF50F5E, 0x3EF5F929, 0x3EF83856, 0x3EFB94A8,
+    0x3F000000, 0x3EFAC1E8, 0x3EF73A08, 0x3EF560E8,
+    0x3EF515F0, 0x3EF6091C, 0x3EF82E30, 0x3EFB9288,
+    0x3F000000, 0x3EFAC1E8, 0x3EF73A08, 0x3EF560E8,
+    0x3EF515F0, 0x3EF6091C, 0x3EF82E30, 0x3EFB9288,
 };
 
 // The same for the eighths themselves, without the accuracy.
