@@ -118,7 +118,7 @@ struct EighthSteps<float> {
   using Lookup = SingleEighthLookup<D>;
   static constexpr float kPerUnit = 0x1.715476p+3f;
   static constexpr float kHi = 0x1.62ep-4f, kLo = 0x1.0bfbe8p-18f;
-  static constexpr float kDelay = 0x1.62e4p-7f;  // 1/8 of a step
+  static constexpr float kDelay = 0x1.0a2bp-6f;
   static constexpr int kToExponent = 20;
   static constexpr auto& kOffset = sHyperbolicOffset;
   static constexpr auto& kGrow = sHyperbolicGrow;

@@ -49,16 +49,20 @@ inline constexpr float sCoshPolynomial[] = {
 inline constexpr float sSinhPolynomial[] = {
     0x1.555c5p-3f};
 
-// cosh x = 1 + p(x^2) x^2, |x| <= 5.48000000417232513427734375e-2; relative error 2^-23.875.
+// cosh x = 1 + p(x^2) x^2, |x| <= 6.0199998319149017333984375e-2; relative error 2^-37.
 inline constexpr float sCoshLatePolynomial[] = {
-    0x1.000d96p-1f};
+    0x1p-1f, 0x1.555ed8p-5f};
 
-// sinh x = x + p(x^2) x^3, |x| <= 5.48000000417232513427734375e-2; relative error 2^-26.1875.
+// sinh x = x + p(x^2) x^3, |x| <= 6.0199998319149017333984375e-2; relative error 2^-25.65625.
 inline constexpr float sSinhLatePolynomial[] = {
-    0x1.556034p-3f};
+    0x1.556274p-3f};
+
+// tanh x = x + p(x^2) x^3, |x| <= 0.17339999973773956298828125; relative error 2^-15.5625.
+inline constexpr float sTanhEPPolynomial[] = {
+    -0x1.51f78ep-2f};
 
 // tanh x = x + p(x^2) x^3, |x| <= 0.17339999973773956298828125; relative error 2^-32.4375.
-inline constexpr float sTanhPolynomial[] = {
+inline constexpr float sTanhLAPolynomial[] = {
     -0x1.55554ep-2f, 0x1.1105a2p-3f, -0x1.afe178p-5f};
 
 }  // namespace pex
