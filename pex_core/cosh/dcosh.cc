@@ -21,7 +21,7 @@ struct dCoshCommon : Kernel<double> {
 // |x| and 2^-300, which changes no result and keeps squares from underflow.
 template <class D, class V, size_t K>
 HWY_INLINE void Magnitudes(D d, const V (&x)[K], V (&m)[K]) {
-  for (size_t k = 0; k < K; ++k) m[k] = hn::Add(hn::Abs(x[k]), hn::Set(d, 0x1p-300));
+  for (size_t k = 0; k < K; ++k) m[k] = AboveUnderflow(d, hn::Abs(x[k]));
 }
 
 struct dCoshEP : dCoshCommon {

@@ -24,7 +24,7 @@ struct sCoshEP : sCoshCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     for (size_t k = 0; k < K; ++k) {
-      const V m = hn::Add(hn::Abs(x[k]), hn::Set(d, 0x1p-36f));
+      const V m = AboveUnderflow(d, hn::Abs(x[k]));
       const auto [grow, decay, r, rest] = Split<Points::kRough>(d, m);
       const V a = hn::Add(grow, decay), b = hn::Sub(grow, decay);
       const V slope = hn::Add(b, hn::Mul(a, hn::Mul(r, hn::Set(d, 0.5f))));
@@ -37,7 +37,7 @@ struct sCoshLA : sCoshCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K];
-    for (size_t k = 0; k < K; ++k) m[k] = hn::Add(hn::Abs(x[k]), hn::Set(d, 0x1p-36f));
+    for (size_t k = 0; k < K; ++k) m[k] = AboveUnderflow(d, hn::Abs(x[k]));
     CoshOfMagnitude<Points::kPlain>(d, m, out, sCoshPolynomial, sSinhPolynomial);
   }
 };

@@ -28,7 +28,7 @@ struct dSinhEP : dSinhCommon {
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K], y[K];
     Magnitudes(x, m);
-    SinhOfMagnitude<Points::kRough>(d, m, y, dCoshEPPolynomial, dSinhEPPolynomial);
+    SinhOfMagnitude<Points::kRoughFromZero>(d, m, y, dCoshEPPolynomial, dSinhEPPolynomial);
     for (size_t k = 0; k < K; ++k) out[k] = hn::CopySignToAbs(y[k], x[k]);
   }
 };

@@ -24,9 +24,9 @@ struct sSinhEP : sSinhCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     for (size_t k = 0; k < K; ++k) {
-      const auto [grow, decay, r, rest] = Split<Points::kRough>(d, hn::Abs(x[k]));
+      const auto [grow, decay, r, rest] = Split<Points::kRoughFromZero>(d, hn::Abs(x[k]));
       const V a = hn::Sub(grow, decay), b = hn::Add(grow, decay);
-      const V half = hn::Add(hn::Mul(r, hn::Set(d, 0.5f)), hn::Set(d, 0x1p-36f));
+      const V half = hn::Mul(AboveUnderflow(d, r), hn::Set(d, 0.5f));
       const V slope = hn::Add(b, hn::Mul(a, half));
       out[k] = hn::CopySignToAbs(hn::Add(a, hn::Mul(r, slope)), x[k]);
     }

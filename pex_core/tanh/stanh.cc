@@ -31,7 +31,7 @@ struct Halves {
 template <class D, class V>
 HWY_INLINE Halves<V> ToHalves(D d, V x) {
   const V m = hn::Min(hn::Max(x, hn::Set(d, -10.0f)), hn::Set(d, 10.0f));
-  const auto [n, nd] = ToNearestStep(d, m, 0x1.715476p+1f);
+  const auto [n, nd] = ToNearestStep(d, AboveUnderflow(d, m), 0x1.715476p+1f);
   return {FromBits(d, hn::Add(hn::ShiftLeft<23>(n), SetBits(d, 0x3F800000))),
           hn::Sub(m, hn::Mul(nd, hn::Set(d, 0x1.62e43p-2f)))};
 }

@@ -77,6 +77,18 @@ struct SingleEighthLookup {
   }
 };
 
+// x and 2^-300 (single: 2^-36), for products that must not underflow and matter only beside 1.
+template <class D, class V>
+HWY_INLINE V AboveUnderflow(D d, V x) {
+  return hn::Add(x, hn::Set(d, sizeof(hn::TFromD<D>) == 8 ? 0x1p-300 : 0x1p-36f));
+}
+
+template <class D, class V>
+HWY_INLINE V SquareNearZero(D d, V r) {
+  const V w = AboveUnderflow(d, r);
+  return hn::Mul(w, w);
+}
+
 // k = round(x steps), in the low bits of a lane and as a number.
 template <class D>
 struct NearestStep {
@@ -128,10 +140,11 @@ struct EighthSteps<float> {
 };
 
 enum class Points {
-  kRough,    // the eighths of ln2 in one part: r is good to 2^-40 (single: 2^-18)
-  kPlain,    // the eighths, A and B rounded: good enough for their sum
-  kLate,     // the points beside them, A and B exact, each point a little after its turn
-  kAccurate  // the same each in its turn
+  kRoughFromZero,  // as kRough, for tiny x too, whose product with the steps would underflow
+  kRough,          // the eighths of ln2 in one part: r is good to 2^-40 (single: 2^-18)
+  kPlain,          // the eighths, A and B rounded: good enough for their sum
+  kLate,           // the points beside them, A and B exact, each point a little after its turn
+  kAccurate        // the same each in its turn
 };
 
 template <class V>
@@ -146,7 +159,9 @@ HWY_INLINE HyperbolicSplit<V> Split(D d, V x) {
   using Steps = EighthSteps<hn::TFromD<D>>;
   constexpr bool kAccurate = kPoints == Points::kAccurate || kPoints == Points::kLate;
   HyperbolicSplit<V> u;
-  const V turn = kPoints == Points::kLate ? hn::Sub(x, hn::Set(d, Steps::kDelay)) : x;
+  V turn = x;
+  if constexpr (kPoints == Points::kLate) turn = hn::Sub(x, hn::Set(d, Steps::kDelay));
+  if constexpr (kPoints == Points::kRoughFromZero) turn = AboveUnderflow(d, x);
   const auto [k, kd] = ToNearestStep(d, turn, Steps::kPerUnit);
   const typename Steps::template Lookup<D> lookup(k);
   const auto n = hn::ShiftLeft<Steps::kToExponent>(k);
@@ -154,7 +169,7 @@ HWY_INLINE HyperbolicSplit<V> Split(D d, V x) {
   const auto& decay = kAccurate ? Steps::kDecay : Steps::kPlainDecay;
   u.grow = FromBits(d, hn::Add(lookup(grow), n));
   u.decay = FromBits(d, hn::Sub(lookup(decay), n));
-  if constexpr (kPoints == Points::kRough) {
+  if constexpr (kPoints == Points::kRough || kPoints == Points::kRoughFromZero) {
     u.r = u.r_rest = hn::Sub(x, hn::Mul(kd, hn::Set(d, Steps::kHi + Steps::kLo)));
   } else {
     V r0 = hn::Sub(x, hn::Mul(kd, hn::Set(d, Steps::kHi)));
@@ -175,14 +190,6 @@ HWY_INLINE V HyperbolicSum(D d, V a, V b, V r, V r2, const hn::TFromD<D> (&even)
   const V c = hn::Mul(r2, Horner(d, r2, even));
   const V s = hn::Mul(r, hn::Add(hn::Mul(r2, Horner(d, r2, odd)), one));
   return hn::Add(a, hn::Add(hn::Mul(a, c), hn::Mul(b, s)));
-}
-
-// r^2 without an underflow: 2^-300 (single: 2^-36) changes it only where it is far below an ulp
-// of 1.
-template <class D, class V>
-HWY_INLINE V SquareNearZero(D d, V r) {
-  const V w = hn::Add(r, hn::Set(d, sizeof(hn::TFromD<D>) == 8 ? 0x1p-300 : 0x1p-36f));
-  return hn::Mul(w, w);
 }
 
 // cosh x for x >= 2^-300 (single: 2^-36), which has the square of r without an underflow.
@@ -220,6 +227,8 @@ HWY_INLINE void HyperbolicHA(D d, const V (&x)[K], V (&out)[K]) {
   V r2[K], even[K], odd[K];
   for (size_t k = 0; k < K; ++k) {
     u[k] = Split<Points::kAccurate>(d, x[k]);
+    // Far beyond the last place, but what is left of it must not underflow when r multiplies it.
+    u[k].decay = hn::Max(u[k].decay, hn::Set(d, 0x1p-200));
     r2[k] = hn::Mul(u[k].r, u[k].r);
   }
   for (size_t k = 0; k < K; ++k) {

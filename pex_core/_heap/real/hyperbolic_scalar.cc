@@ -131,7 +131,7 @@ int dSinhScalar(double x, double* r) {
 }
 
 int sCoshScalar(float x, float* r) {
-  if (!(std::fabs(x) <= std::numeric_limits<float>::max())) {
+  if (!std::islessequal(std::fabs(x), std::numeric_limits<float>::max())) {
     *r = x * x;
     return PEX_STATUS_OK;
   }
@@ -142,7 +142,7 @@ int sCoshScalar(float x, float* r) {
 }
 
 int sSinhScalar(float x, float* r) {
-  if (!(std::fabs(x) <= std::numeric_limits<float>::max())) {
+  if (!std::islessequal(std::fabs(x), std::numeric_limits<float>::max())) {
     *r = x + x;
     return PEX_STATUS_OK;
   }
