@@ -28,14 +28,15 @@ struct Batch {
   float a[kBatch];
   double y[kBatch];
   float low[kBatch], high[kBatch];
-  float r[kBatch];
+  float r[2][kBatch];
 };
 
-void Fill(Batch& batch, uint64_t first, const Oracle& oracle) {
+void Fill(Batch& batch, uint64_t first, const Oracle& oracle, int result = 0) {
+  const auto quick = result == 0 ? oracle.quick : oracle.quick_second;
   for (size_t i = 0; i < kBatch; ++i) {
     batch.a[i] = std::bit_cast<float>(static_cast<uint32_t>(first + i));
   }
-  for (size_t i = 0; i < kBatch; ++i) batch.y[i] = oracle.quick(batch.a[i]);
+  for (size_t i = 0; i < kBatch; ++i) batch.y[i] = quick(batch.a[i]);
   for (size_t i = 0; i < kBatch; ++i) {
     batch.low[i] = static_cast<float>(batch.y[i] * (1 - kQuickError));
     batch.high[i] = static_cast<float>(batch.y[i] * (1 + kQuickError));
@@ -62,10 +63,10 @@ struct Tally {
 };
 
 // The errors of one batch by the double reference; infinite where only the exact way can tell.
-double EstimateBatch(const Batch& batch, bool relative, double* estimates) {
+double EstimateBatch(const Batch& batch, int result, bool relative, double* estimates) {
   double largest = 0;
   for (size_t i = 0; i < kBatch; ++i) {
-    const float got = batch.r[i];
+    const float got = batch.r[result][i];
     // Special values, overflow, and zeros, whose sign counts.
     if (!std::isfinite(got) || !std::isfinite(batch.high[i]) || got == 0) {
       const bool right = SameBits(batch.low[i], got) && SameBits(batch.high[i], got);
@@ -78,15 +79,15 @@ double EstimateBatch(const Batch& batch, bool relative, double* estimates) {
   return largest;
 }
 
-void Compare(const Batch& batch, const Entry& entry, const Oracle& oracle, double best,
+void Compare(const Batch& batch, const Entry& entry, const Oracle& oracle, int result, double best,
              Tally& tally) {
   const bool relative = IsRelative(entry);
   const bool held_to_half = entry.ulp_bound() <= 0.5;
   double estimates[kBatch];
-  const double largest = EstimateBatch(batch, relative, estimates);
+  const double largest = EstimateBatch(batch, result, relative, estimates);
   const double candidate = std::max({best, tally.worst.error, largest}) - kMargin;
   for (size_t i = 0; i < kBatch; ++i) {
-    const float got = batch.r[i], rounded = batch.low[i];
+    const float got = batch.r[result][i], rounded = batch.low[i];
     const bool same = SameBits(rounded, got);
     const bool certain = SameBits(rounded, batch.high[i]);
     const bool largest_yet = estimates[i] >= candidate;
@@ -103,7 +104,7 @@ void Compare(const Batch& batch, const Entry& entry, const Oracle& oracle, doubl
       continue;
     }
     ++tally.decided;
-    const Error error = ExactError(oracle, 0, batch.a[i], 0, got, kSingle);
+    const Error error = ExactError(oracle, result, batch.a[i], 0, got, kSingle);
     tally.wrong += error.from_half > 0;
     const double value = relative ? error.relative : error.ulp;
     if (value > tally.worst.error) {
@@ -121,6 +122,7 @@ std::vector<ExhaustiveResult> Exhaust(const std::vector<const Entry*>& entries,
   if (oracle.quick == nullptr) {
     throw std::runtime_error("no double-precision reference for " + std::string(oracle.function));
   }
+  const int results_of_each = oracle.quick_second != nullptr ? 2 : 1;
   std::vector<ExhaustiveResult> results;
   for (const Entry* entry : entries) results.push_back({entry, inputs, 0, 0, {}});
   std::mutex mutex;
@@ -137,10 +139,12 @@ std::vector<ExhaustiveResult> Exhaust(const std::vector<const Entry*>& entries,
     static thread_local Batch batch;
     const uint64_t end = std::min((block + 1) * kBlock, inputs);
     for (uint64_t at = block * kBlock; at < end; at += kBatch) {
-      Fill(batch, first + at, oracle);
-      for (size_t e = 0; e < entries.size(); ++e) {
-        entries[e]->Call(kBatch, batch.a, nullptr, batch.r, nullptr);
-        Compare(batch, *entries[e], oracle, best[e], tallies[e]);
+      for (int result = 0; result < results_of_each; ++result) {
+        Fill(batch, first + at, oracle, result);
+        for (size_t e = 0; e < entries.size(); ++e) {
+          entries[e]->Call(kBatch, batch.a, nullptr, batch.r[0], batch.r[1]);
+          Compare(batch, *entries[e], oracle, result, best[e], tallies[e]);
+        }
       }
     }
     _pexSetMode(mode);

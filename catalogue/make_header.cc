@@ -1,9 +1,19 @@
 // Writes include/pexquo/pex_functions.h, the declarations of the catalogued functions, to standard
-// output, or with --markdown docs/functions.md. It reads the rows alone, so that it runs before the
+// output, or with --markdown DOCS the text of DOCS/functions.md, with the errors of
+// DOCS/accuracy.md and the plots beside it. It reads the rows alone, so that it runs before the
 // library exists.
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "catalogue/catalogue.h"
 
@@ -104,31 +114,57 @@ std::string Header() {
   return text;
 }
 
-std::string Entries(const pex::Function& f, char type) {
-  const std::string stem = "`_pex" + std::string(1, type) + std::string(f.name);
-  if (!f.tiered) return stem + "`";
-  return stem + (type == 'd' ? "_26`, `_50`, `_HA`" : "_11`, `_21`, `_HA`");
+// The largest errors found, by symbol, from the tables of docs/accuracy.md:
+// | `symbol` | bound | largest error | ...
+std::map<std::string, std::string> Measured(const std::filesystem::path& file) {
+  std::map<std::string, std::string> errors;
+  std::ifstream in(file);
+  if (!in) throw std::runtime_error("cannot read " + file.string());
+  for (std::string line; std::getline(in, line);) {
+    std::vector<std::string> cells;
+    std::istringstream fields(line);
+    for (std::string cell; std::getline(fields, cell, '|');) cells.push_back(cell);
+    if (cells.size() < 5 || !cells[1].starts_with(" `_pex")) continue;
+    const std::string symbol = cells[1].substr(2, cells[1].rfind('`') - 2);
+    const std::string error = cells[3].substr(1, cells[3].size() - 2);
+    errors.try_emplace(symbol, error);  // the first table of a function has the largest of all
+  }
+  return errors;
 }
 
-std::string Bounds(const pex::Precision& p) {
-  return "at least " + Number(p.ep_bits) + " bits, " + Number(p.la) + " ulp, " +
-         (p.ha == 0.5 ? "correctly rounded" : Number(p.ha) + " ulp");
-}
-
-std::string Markdown() {
+std::string Markdown(const std::filesystem::path& docs) {
+  const auto measured = Measured(docs / "accuracy.md");
   std::string text =
-      "# Functions\n\nGenerated from `catalogue/functions.def` by `make_header --markdown`. Every "
-      "function takes the count first,\nthen the argument arrays a (and b), then the results; "
-      "status "
-      "codes are 1 domain, 2 singularity, 3 overflow,\n4 underflow. The bounds are those that the "
-      "tests hold; `docs/accuracy.md` has what was measured.\n";
+      "# Functions\n\nGenerated from `catalogue/functions.def` and `accuracy.md` by `make_header "
+      "--markdown docs`. Every function\ntakes the count first, then the argument arrays a (and "
+      "b), then the results; status codes are 1 domain,\n2 singularity, 3 overflow, 4 underflow. "
+      "The bounds are those that the tests hold; `accuracy.md` says where\nand how the largest "
+      "errors were found.\n";
   for (const pex::Function& f : kFunctions) {
-    text += "\n## " + std::string(f.name) + "\n\nr = " + std::string(f.formula) + ". " +
-            std::string(f.notes) + "\n\n";
+    const std::string name(f.name);
+    text +=
+        "\n## " + name + "\n\nr = " + std::string(f.formula) + ". " + std::string(f.notes) + "\n\n";
+    if (!f.tiered) {
+      text += "- double: `_pexd" + name + "`\n- single: `_pexs" + name + "`\n";
+      continue;
+    }
+    text += "| entry | bound | largest error found |\n|---|---|---|\n";
     for (const char type : {'d', 's'}) {
-      text += std::string(type == 'd' ? "- double: " : "- single: ") + Entries(f, type);
-      if (f.tiered) text += ": " + Bounds(type == 'd' ? f.d : f.s);
-      text += "\n";
+      const pex::Precision& p = type == 'd' ? f.d : f.s;
+      const std::string stem = "_pex" + std::string(1, type) + name;
+      const auto row = [&](const std::string& symbol, const std::string& bound) {
+        const auto found = measured.find(symbol);
+        text += "| `" + symbol + "` | " + bound + " | " +
+                (found == measured.end() ? "not measured" : found->second) + " |\n";
+      };
+      row(stem + (type == 'd' ? "_26" : "_11"), "at least " + Number(p.ep_bits) + " bits");
+      row(stem + (type == 'd' ? "_50" : "_21"), Number(p.la) + " ulp");
+      row(stem + "_HA", p.ha == 0.5 ? "correctly rounded" : Number(p.ha) + " ulp");
+    }
+    std::string plot = "accuracy-" + name + ".svg";
+    std::ranges::transform(plot, plot.begin(), [](unsigned char c) { return std::tolower(c); });
+    if (std::filesystem::exists(docs / plot)) {
+      text += "\n![Error of " + name + " over the typical range](" + plot + ")\n";
     }
   }
   return text;
@@ -137,6 +173,11 @@ std::string Markdown() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const bool markdown = argc > 1 && std::string_view(argv[1]) == "--markdown";
-  std::fputs((markdown ? Markdown() : Header()).c_str(), stdout);
+  try {
+    const bool markdown = argc > 2 && std::string_view(argv[1]) == "--markdown";
+    std::fputs((markdown ? Markdown(argv[2]) : Header()).c_str(), stdout);
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "make_header: %s\n", e.what());
+    return 1;
+  }
 }

@@ -179,9 +179,9 @@ PEXQUO_API int _pexsPow2o3_11(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsPow2o3_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsPow2o3_HA(int32_t n, const float* a, float* r);
 
-/* Pow3o2: r[i] = a^(3/2). Reports negative arguments (code 1, result NaN). Bounds in double: HA
-   0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at
-   least 11 bits. */
+/* Pow3o2: r[i] = a^(3/2). Zero, without a sign, for both zeros. Reports negative arguments (code 1,
+   result NaN). Bounds in double: HA 0.51 ulp, _50 1.5 ulp, _26 at least 26 bits; in single: HA
+   correctly rounded, _21 1.5 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdPow3o2_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdPow3o2_50(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdPow3o2_HA(int32_t n, const double* a, double* r);
@@ -190,8 +190,8 @@ PEXQUO_API int _pexsPow3o2_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsPow3o2_HA(int32_t n, const float* a, float* r);
 
 /* Sqrt: r[i] = the square root of a. Correctly rounded. Keeps the sign of zero. Reports negative
-   arguments (code 1, result NaN). Bounds in double: HA 0.5 ulp, _50 2 ulp, _26 at least 26 bits; in
-   single: HA correctly rounded, _21 2 ulp, _11 at least 11 bits. */
+   arguments (code 1, result NaN). Bounds in double: HA 0.5 ulp, _50 0.5 ulp, _26 at least 26 bits;
+   in single: HA correctly rounded, _21 0.5 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdSqrt_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdSqrt_50(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdSqrt_HA(int32_t n, const double* a, double* r);
@@ -200,8 +200,8 @@ PEXQUO_API int _pexsSqrt_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsSqrt_HA(int32_t n, const float* a, float* r);
 
 /* InvSqrt: r[i] = 1 / the square root of a. Reports a pole at plus or minus 0 (code 2, result inf
-   or -inf) and negative arguments (code 1, result NaN). Bounds in double: HA 0.55 ulp, _50 2 ulp,
-   _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at least 11 bits. */
+   or -inf) and negative arguments (code 1, result NaN). Bounds in double: HA 0.52 ulp, _50 1.5 ulp,
+   _26 at least 26 bits; in single: HA correctly rounded, _21 1.5 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdInvSqrt_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdInvSqrt_50(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdInvSqrt_HA(int32_t n, const double* a, double* r);
@@ -228,9 +228,9 @@ PEXQUO_API int _pexsInvCbrt_11(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsInvCbrt_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsInvCbrt_HA(int32_t n, const float* a, float* r);
 
-/* Inv: r[i] = 1 / a. Reports a pole at plus or minus 0 (code 2, result inf or -inf). Bounds in
-   double: HA 0.5 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp,
-   _11 at least 11 bits. */
+/* Inv: r[i] = 1 / a. Correctly rounded. Reports a pole at plus or minus 0 (code 2, result inf or
+   -inf). Bounds in double: HA 0.5 ulp, _50 0.5 ulp, _26 at least 26 bits; in single: HA correctly
+   rounded, _21 0.5 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdInv_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdInv_50(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdInv_HA(int32_t n, const double* a, double* r);
@@ -238,9 +238,9 @@ PEXQUO_API int _pexsInv_11(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsInv_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsInv_HA(int32_t n, const float* a, float* r);
 
-/* Div: r[i] = a / b. Reports a divisor of plus or minus 0 (code 2, the quotient as it is: inf, -inf
-   or NaN). Bounds in double: HA 0.5 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly
-   rounded, _21 2 ulp, _11 at least 11 bits. */
+/* Div: r[i] = a / b. Correctly rounded. Reports a divisor of plus or minus 0, whatever a is (code
+   2, the quotient as it is: inf, -inf or NaN). Bounds in double: HA 0.5 ulp, _50 0.5 ulp, _26 at
+   least 26 bits; in single: HA correctly rounded, _21 0.5 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdDiv_26(int32_t n, const double* a, const double* b, double* r);
 PEXQUO_API int _pexdDiv_50(int32_t n, const double* a, const double* b, double* r);
 PEXQUO_API int _pexdDiv_HA(int32_t n, const double* a, const double* b, double* r);
@@ -249,8 +249,8 @@ PEXQUO_API int _pexsDiv_21(int32_t n, const float* a, const float* b, float* r);
 PEXQUO_API int _pexsDiv_HA(int32_t n, const float* a, const float* b, float* r);
 
 /* Hypot: r[i] = the square root of a^2 + b^2. No overflow or underflow on the way; inf if either
-   argument is infinite. Reports nothing. Bounds in double: HA 0.51 ulp, _50 2 ulp, _26 at least 26
-   bits; in single: HA 0.51 ulp, _21 2 ulp, _11 at least 11 bits. */
+   argument is infinite. Reports nothing. Bounds in double: HA 0.51 ulp, _50 1.5 ulp, _26 at least
+   26 bits; in single: HA 0.51 ulp, _21 1.5 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdHypot_26(int32_t n, const double* a, const double* b, double* r);
 PEXQUO_API int _pexdHypot_50(int32_t n, const double* a, const double* b, double* r);
 PEXQUO_API int _pexdHypot_HA(int32_t n, const double* a, const double* b, double* r);

@@ -65,6 +65,18 @@ HWY_INLINE Pair<V> TwoProduct(D d, V a, V b) {
 #endif
 }
 
+// c - a * b where that is representable: what a quotient or a square root leaves.
+template <class D, class V>
+HWY_INLINE V Remainder(D d, V c, V a, V b) {
+#if HWY_TARGET == HWY_SSE4
+  const Pair<V> product = TwoProduct(d, a, b);
+  return hn::Sub(hn::Sub(c, product.hi), product.lo);
+#else
+  (void)d;
+  return hn::NegMulAdd(a, b, c);
+#endif
+}
+
 // a * b - 1 rounded once, for products from 1/2 to 2.
 template <class D, class V>
 HWY_INLINE V ProductLessOne(D d, V a, V b) {

@@ -2,7 +2,8 @@
 // read or written outside the arrays, results that overlap arguments in any way.
 //
 // A kernel is a struct derived from PlainKernel with Main as in elementwise-inl.h. It must raise no
-// exception on a zero argument, which stands in the lanes beyond the end.
+// exception on a zero argument, which stands in the lanes beyond the end. With two arguments it may
+// also have MainGroup(d, x, y, r) for arrays of several vectors.
 
 #include <cstdint>
 
@@ -26,6 +27,11 @@ struct PlainKernel {
   using T = Element;
   static constexpr int kArguments = kArgs;
   static constexpr int kResults = kRes;
+};
+
+template <class K, class D>
+inline constexpr bool HasPairGroup = requires(D d, VecOf<D> (&v)[1]) {
+  K::MainGroup(d, v, v, v);
 };
 
 inline constexpr int kPlainUnroll = 4;  // vectors per group
@@ -68,11 +74,16 @@ HWY_INLINE void PlainGroup(D d, const PlainArrays<K>& p, size_t i) {
     x[k] = hn::LoadU(d, p.a + i + k * lanes);
     y[k] = K::kArguments == 2 ? hn::LoadU(d, p.b + i + k * lanes) : x[k];
   }
-  for (int k = 0; k < kVectors; ++k) {
-    V v1 = x[k], v2 = x[k];
-    Compute<K>(d, x[k], y[k], v1, v2);
-    hn::StoreU(v1, d, p.r1 + i + k * lanes);
-    if constexpr (K::kResults == 2) hn::StoreU(v2, d, p.r2 + i + k * lanes);
+  if constexpr (HasPairGroup<K, D>) {
+    K::MainGroup(d, x, y, x);
+    for (int k = 0; k < kVectors; ++k) hn::StoreU(x[k], d, p.r1 + i + k * lanes);
+  } else {
+    for (int k = 0; k < kVectors; ++k) {
+      V v1 = x[k], v2 = x[k];
+      Compute<K>(d, x[k], y[k], v1, v2);
+      hn::StoreU(v1, d, p.r1 + i + k * lanes);
+      if constexpr (K::kResults == 2) hn::StoreU(v2, d, p.r2 + i + k * lanes);
+    }
   }
 }
 

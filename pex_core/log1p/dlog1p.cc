@@ -29,13 +29,6 @@ struct dLog1pCommon : Kernel<double> {
 // without a flag.
 inline constexpr double kTiny = 0x1p-54;
 
-// 2^-e, for what LogReduce found.
-template <class D>
-HWY_INLINE VecOf<D> InversePower(D d, const LogReduced<D>& u) {
-  const auto one = SetBits(d, static_cast<uint64_t>(BitsOfNumber(1.0) + kBias));
-  return FromBits(d, hn::Sub(one, u.exponent_bits));
-}
-
 // Without the rounding error of u: below 2^-26 x itself is as good.
 struct dLog1pEP : dLog1pCommon {
   template <class D, class V, size_t K>

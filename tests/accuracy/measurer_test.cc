@@ -124,7 +124,7 @@ TEST(Measurer, QuickReferencesKeepTheirBounds) {
   for (const Oracle& oracle : Oracles()) {
     const auto entry = FakeEntry<float>(oracle.function, Tier::HA, [](float x) { return x; });
     double extended = 0, quick = 0;
-    for (const Regime& regime : RegimesOf(entry, oracle, 4'000, {})) {
+    for (const Regime& regime : RegimesOf(entry, oracle, 1'000, {})) {
       std::vector<double> a(regime.points);
       Random random(7);
       std::vector<double> b(regime.points);

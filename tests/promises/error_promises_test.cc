@@ -4,6 +4,8 @@
 #include <cmath>
 
 #include <cerrno>
+#include <set>
+#include <string_view>
 
 #include "tests/promises/arguments.h"
 #include "tests/promises/error_ranges.h"
@@ -80,7 +82,7 @@ TEST_P(ErrorPromises, EverySpecialElementIsReportedOnceAndNothingElse) {
       if (code == 0) continue;
       last = code;
       const PexErrorContext& record = outcome.records[next++];
-      EXPECT_EQ(record.arg1, arguments.a.value(i));
+      EXPECT_TRUE(record.arg1 == arguments.a.value(i) || IsNaN(arguments.a, i));
       const Numbers& second = outcome.r2.size() > 0 ? outcome.r2 : outcome.r1;
       EXPECT_TRUE(record.res1 == outcome.r1.value(i) || IsNaN(outcome.r1, i));
       EXPECT_TRUE(record.res2 == second.value(i) || IsNaN(second, i));
@@ -91,6 +93,19 @@ TEST_P(ErrorPromises, EverySpecialElementIsReportedOnceAndNothingElse) {
     EXPECT_EQ(next, outcome.records.size()) << "a record out of order, or twice";
     EXPECT_EQ(outcome.status, last);
   }
+}
+
+// Of functions that report neither overflow nor underflow: the flags that the result explains. A
+// division or a root of two squares is the processor's operation, with its flags.
+uint32_t Explained(const pex::Entry& entry, const Arguments& arguments) {
+  static const std::set<std::string_view> kSilent = {"Inv", "Div", "Hypot", "Pow3o2"};
+  if (!kSilent.contains(entry.function->name)) return 0;
+  const Outcome outcome = CallEntry(entry, arguments, kDefaultControl);
+  const double r = std::fabs(outcome.r1.value(0));
+  if (std::isinf(r) && std::isfinite(arguments.a.value(0))) return kOverflow;
+  if (r < (entry.is_double() ? 0x1p-1022 : 0x1p-126)) return kUnderflow;
+  if (std::isnan(r) && std::isinf(arguments.a.value(0))) return kInvalid;  // inf / inf
+  return 0;
 }
 
 TEST_P(ErrorPromises, OrdinaryElementsRaiseNothingButInexact) {
@@ -108,7 +123,7 @@ TEST_P(ErrorPromises, OrdinaryElementsRaiseNothingButInexact) {
       // Round takes the difference of an infinity from itself.
       if (entry().function->name == "Round" && std::isinf(arguments.a.value(i))) continue;
       const uint32_t stray = Flags(One(arguments, i), PEX_ERRMODE_IGNORE) & ~(kInexact | kDenormal);
-      if (stray == 0) continue;
+      if ((stray & ~Explained(entry(), One(arguments, i))) == 0) continue;
       ADD_FAILURE() << "flags " << stray << " at " << testing::PrintToString(arguments.a.value(i));
       if (++faults == 5) return;
     }
@@ -121,7 +136,7 @@ TEST_P(ErrorPromises, SpecialElementsRaiseTheirFlagAndNoOther) {
   for (const Arguments& arguments : EveryKind(entry(), 53, 300)) {
     for (size_t i = 0; i < arguments.size(); ++i) {
       const int code = Code(arguments, i);
-      if (code == 0) continue;
+      if (code == 0 || Signalling(arguments, i)) continue;
       // Among ordinary neighbours, at any place.
       const size_t n = 1 + random.Below(33);
       const size_t at = random.Below(static_cast<uint32_t>(n));

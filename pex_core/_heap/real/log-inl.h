@@ -115,10 +115,17 @@ HWY_INLINE LogReduced<D> LogReduce(D d, V x) {
   return r[0];
 }
 
+// 2^-e, for what LogReduce found.
+template <class D>
+HWY_INLINE VecOf<D> InversePower(D d, const LogReduced<D>& u) {
+  const auto one = SetBits(d, static_cast<uint64_t>(BitsOfNumber(1.0) + kBias));
+  return FromBits(d, hn::Sub(one, u.exponent_bits));
+}
+
 // e log(2) + log(a) + log(1 + (m - a)/a) in full, p + p_rest standing for the polynomial's
-// argument: at most 0.53 ulp.
+// argument, as a sum of two: within 2^-57 of itself.
 template <class Base, class D, class V, size_t K>
-HWY_INLINE void LogSum(D d, const LogReduced<D> (&x)[K], const Pair<V> (&p)[K], V (&r)[K]) {
+HWY_INLINE void LogPair(D d, const LogReduced<D> (&x)[K], const Pair<V> (&p)[K], Pair<V> (&r)[K]) {
   V arg[K], square[K], q[K];
   for (size_t k = 0; k < K; ++k) {
     arg[k] = p[k].hi;
@@ -129,8 +136,16 @@ HWY_INLINE void LogSum(D d, const LogReduced<D> (&x)[K], const Pair<V> (&p)[K], 
     const V head = hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi)), x[k].row.log);  // exact
     const Pair<V> s = FastTwoSum(head, arg[k]);
     const V tail = hn::Add(hn::Mul(square[k], q[k]), hn::Mul(x[k].e, hn::Set(d, Base::kLog2Lo)));
-    r[k] = hn::Add(s.hi, hn::Add(s.lo, hn::Add(p[k].lo, tail)));
+    r[k] = {s.hi, hn::Add(s.lo, hn::Add(p[k].lo, tail))};
   }
+}
+
+// The same rounded: at most 0.53 ulp.
+template <class Base, class D, class V, size_t K>
+HWY_INLINE void LogSum(D d, const LogReduced<D> (&x)[K], const Pair<V> (&p)[K], V (&r)[K]) {
+  Pair<V> sum[K];
+  LogPair<Base>(d, x, p, sum);
+  for (size_t k = 0; k < K; ++k) r[k] = hn::Add(sum[k].hi, sum[k].lo);
 }
 
 // The plain sum: a few roundings more, log(2) in one part.
@@ -148,9 +163,10 @@ HWY_INLINE void LogPlain(D d, const LogReduced<D> (&x)[K], const V (&p)[K], cons
 }
 
 // The sum of LA, on a division instead of a long polynomial: log(1 + p) = p - s (p - s^2 R(s^2))
-// for s = p/(2 + p) = t/(m + a).
+// for s = p/(2 + p) = t/(m + a). `low` is what t lacks, of weight next to a = 1 alone.
 template <class Base, class D, class V, size_t K>
-HWY_INLINE void LogByDivision(D d, const LogReduced<D> (&x)[K], const V (&t)[K], V (&r)[K]) {
+HWY_INLINE void LogByDivision(D d, const LogReduced<D> (&x)[K], const V (&t)[K], V (&r)[K],
+                              const V* low = nullptr) {
   V s[K], s2[K], p[K];
   for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(x[k].m, x[k].row.a));
   for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(t[k], x[k].row.factor);
@@ -159,7 +175,9 @@ HWY_INLINE void LogByDivision(D d, const LogReduced<D> (&x)[K], const V (&t)[K],
     const V rest = hn::Mul(s2[k], Horner(d, s2[k], Base::kLA));
     const V head =
         hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x[k].row.log);
-    r[k] = hn::Add(head, hn::Sub(p[k], hn::Mul(s[k], hn::Sub(p[k], rest))));
+    V tail = hn::Mul(s[k], hn::Sub(p[k], rest));
+    if (low != nullptr) tail = hn::Sub(tail, low[k]);
+    r[k] = hn::Add(head, hn::Sub(p[k], tail));
   }
 }
 

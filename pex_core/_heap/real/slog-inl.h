@@ -109,6 +109,15 @@ HWY_INLINE V sLogLASum(D d, V scaled, V t, sLogIndex<D> row) {
   return hn::Add(sLog2Times<Base>(d, scaled), hn::Add(row.LookUp(Base::kTable.log), s));
 }
 
+// The same for t + t_low, t_low of weight next to a = 1 alone.
+template <class Base, class D, class V>
+HWY_INLINE V sLogLASum(D d, V scaled, V t, V t_low, sLogIndex<D> row) {
+  const V p = hn::Mul(t, row.LookUp(Base::kTable.factor));
+  const V p2 = hn::Mul(p, p);
+  const V s = hn::Add(p, hn::Add(hn::Mul(p2, EvenOdd(d, p, p2, Base::kLA)), t_low));
+  return hn::Add(sLog2Times<Base>(d, scaled), hn::Add(row.LookUp(Base::kTable.log), s));
+}
+
 template <class Base, class D, class V>
 HWY_INLINE V sLogLA(D d, V x) {
   const auto u = sLogReduce(d, x);

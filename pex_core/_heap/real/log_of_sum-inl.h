@@ -1,0 +1,95 @@
+// ln(u + rest) + shift ln(2) in double precision for 1 <= u, |rest| at most a few ulp of u: what
+// the inverse hyperbolic functions come to. Near u = 1 the result keeps the relative accuracy of (u
+// - 1) + rest.
+
+#include "hwy/highway.h"
+#include "pex_core/_heap/real/log-inl.h"
+#include "pex_core/_heap/real/slog-inl.h"
+
+#if defined(PEX_CORE__HEAP_REAL_LOG_OF_SUM_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__HEAP_REAL_LOG_OF_SUM_INL_H_
+#undef PEX_CORE__HEAP_REAL_LOG_OF_SUM_INL_H_
+#else
+#define PEX_CORE__HEAP_REAL_LOG_OF_SUM_INL_H_
+#endif
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+template <class V>
+struct LogArgument {
+  V u, rest, shift;
+};
+
+// Within 2^-57 of itself.
+template <class D, class V, size_t K>
+HWY_INLINE void LogOfSumPair(D d, const LogArgument<V> (&x)[K], Pair<V> (&r)[K]) {
+  V u[K];
+  LogReduced<D> v[K];
+  Pair<V> p[K];
+  for (size_t k = 0; k < K; ++k) u[k] = x[k].u;
+  LogReduce<NaturalLog>(d, u, v);
+  for (size_t k = 0; k < K; ++k) {
+    const Pair<V> t =
+        TwoSum(hn::Sub(v[k].m, v[k].row.a), hn::Mul(InversePower(d, v[k]), x[k].rest));
+    p[k] = TwoProduct(d, t.hi, v[k].row.factor);
+    p[k].lo = hn::Add(p[k].lo, hn::Mul(t.lo, v[k].row.factor));
+    v[k].e = hn::Add(v[k].e, x[k].shift);
+  }
+  LogPair<NaturalLog>(d, v, p, r);
+}
+
+// Within 1.8 ulp for the arguments of the functions here. kExact keeps the rounding error of the
+// polynomial's argument.
+template <bool kShift, bool kExact, class D, class V, size_t K>
+HWY_INLINE void LogOfSumLA(D d, const LogArgument<V> (&x)[K], V (&r)[K]) {
+  V u[K], t[K], low[K];
+  LogReduced<D> v[K];
+  for (size_t k = 0; k < K; ++k) u[k] = x[k].u;
+  LogReduce<NaturalLog>(d, u, v);
+  for (size_t k = 0; k < K; ++k) {
+    const Pair<V> sum =
+        FastTwoSum(hn::Sub(v[k].m, v[k].row.a), hn::Mul(InversePower(d, v[k]), x[k].rest));
+    t[k] = sum.hi;
+    low[k] = sum.lo;
+    if constexpr (kShift) v[k].e = hn::Add(v[k].e, x[k].shift);
+  }
+  LogByDivision<NaturalLog>(d, v, t, r, kExact ? low : nullptr);
+}
+
+// The function F of x correctly rounded to single precision, x given in double: by LA's sum, and in
+// full where that leaves the rounding in doubt. F::template Argument<true> makes the argument of
+// the full sum.
+template <class F, class D, class W, class V>
+HWY_NOINLINE VecOf<D> LogOfSumInFull(D d, W wide, V x) {
+  const LogArgument<V> argument[1] = {F::template Argument<true>(wide, x)};
+  Pair<V> sum[1];
+  LogOfSumPair(wide, argument, sum);
+  const Pair<V> r = FastTwoSum(hn::Mul(sum[0].hi, hn::Set(wide, F::kFactor)),
+                               hn::Mul(sum[0].lo, hn::Set(wide, F::kFactor)));
+  return RoundPair(d, wide, r.hi, r.lo);
+}
+
+template <class F, class D, class V>
+HWY_INLINE VecOf<D> LogOfSumSingle(D d, V x) {
+  const hn::Rebind<double, D> wide;
+  const LogArgument<V> argument[1] = {F::template Argument<false>(wide, x)};
+  V r[1];
+  LogOfSumLA<F::kHasLarge, F::kExactSum>(wide, argument, r);
+  const V y = hn::Mul(r[0], hn::Set(wide, F::kFactor));
+  // In units of the double's last place the middle of two floats is at 2^28 of 2^29.
+  constexpr uint64_t kDoubt = 16;
+  const auto place = hn::And(hn::Add(Bits(wide, y), SetBits(wide, kDoubt - 0x10000000)),
+                             SetBits(wide, 0x1FFFFFFF));
+  if (!hn::AllFalse(wide, hn::RebindMask(wide, hn::Lt(place, SetBits(wide, 2 * kDoubt)))))
+      [[unlikely]] {
+    return LogOfSumInFull<F>(d, wide, x);
+  }
+  return hn::DemoteTo(d, y);
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__HEAP_REAL_LOG_OF_SUM_INL_H_

@@ -1,0 +1,57 @@
+// acosh(x) = ln(x + sqrt(x^2 - 1)) in single precision.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/acosh/sacosh.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/inverse_hyperbolic-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/acosh/acosh_rare.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vsAcosh";
+
+template <typename Compute = float>
+struct sAcoshCommon : Kernel<float, Compute> {
+  using Rarity = RareOutside<float, 0x3F800000, 0x7F7FFFFF>;  // below 1, infinite, NaN
+  static HWY_INLINE int Rare(float x, float* r) { return AcoshRare(x, r); }
+};
+
+struct sAcoshEP : sAcoshCommon<> {
+  template <class D, class V>
+  static HWY_INLINE V Main(D d, V x) {
+    return InverseSingleEP<AcoshSum>(d, x);
+  }
+};
+
+struct sAcoshLA : sAcoshCommon<> {
+  template <class D, class V>
+  static HWY_INLINE V Main(D d, V x) {
+    return InverseSingleLA<AcoshSum>(d, x);
+  }
+};
+
+// In double precision. Correctly rounded for all floats.
+struct sAcoshHA : sAcoshCommon<double> {
+  template <class D, class V>
+  static HWY_INLINE V Main(D d, V x) {
+    const hn::Rebind<double, D> wide;
+    return LogOfSumSingle<AcoshSum>(d, hn::PromoteTo(wide, x));
+  }
+};
+
+PEX_UNARY(float, sAcosh_11, sAcoshEP)
+PEX_UNARY(float, sAcosh_21, sAcoshLA)
+PEX_UNARY(float, sAcosh_HA, sAcoshHA)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY(float, sAcosh_11)
+PEX_EXPORT_UNARY(float, sAcosh_21)
+PEX_EXPORT_UNARY(float, sAcosh_HA)
+}  // namespace pex
+#endif

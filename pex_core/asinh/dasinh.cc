@@ -1,0 +1,66 @@
+// asinh(x) = sign(x) ln(|x| + sqrt(1 + x^2)) in double precision.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/asinh/dasinh.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/inverse_hyperbolic-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/asinh/asinh_rare.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vdAsinh";
+
+struct dAsinhCommon : Kernel<double> {
+  using Rarity = RareAbove<double, 0x7FEFFFFF>;  // infinities, NaN
+  static HWY_INLINE int Rare(double x, double* r) { return AsinhRare(x, r); }
+};
+
+// A tiny x is its own result to the tier's accuracy.
+inline constexpr double kTiny = 0x1p-28, kTinyEP = 0x1p-16;
+
+struct dAsinhEP : dAsinhCommon {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    V a[K], y[K];
+    for (size_t k = 0; k < K; ++k) a[k] = MagnitudeUnlessTiny(d, x[k], kTinyEP);
+    InverseEP<AsinhSum>(d, a, y);
+    for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kTinyEP);
+  }
+};
+
+struct dAsinhLA : dAsinhCommon {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    V a[K], y[K];
+    for (size_t k = 0; k < K; ++k) a[k] = MagnitudeUnlessTiny(d, x[k], kTiny);
+    InverseLA<AsinhSum>(d, a, y);
+    for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kTiny);
+  }
+};
+
+struct dAsinhHA : dAsinhCommon {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    V a[K], y[K];
+    for (size_t k = 0; k < K; ++k) a[k] = MagnitudeUnlessTiny(d, x[k], kTiny);
+    InverseHA<AsinhSum>(d, a, y);
+    for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kTiny);
+  }
+};
+
+PEX_UNARY(double, dAsinh_26, dAsinhEP)
+PEX_UNARY(double, dAsinh_50, dAsinhLA)
+PEX_UNARY(double, dAsinh_HA, dAsinhHA)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY(double, dAsinh_26)
+PEX_EXPORT_UNARY(double, dAsinh_50)
+PEX_EXPORT_UNARY(double, dAsinh_HA)
+}  // namespace pex
+#endif
