@@ -43,6 +43,7 @@ struct dCoshLA : dCoshCommon {
 };
 
 struct dCoshHA : dCoshCommon {
+  using Rarity = RareAbove<double, 0x40857FFF>;  // |x| >= 688: halves of e^x would overflow
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K];

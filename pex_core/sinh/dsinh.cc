@@ -45,6 +45,7 @@ struct dSinhLA : dSinhCommon {
 
 // Tiny arguments are their own results; products with them would underflow.
 struct dSinhHA : dSinhCommon {
+  using Rarity = RareAbove<double, 0x40857FFF>;  // |x| >= 688: halves of e^x would overflow
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K], y[K];
