@@ -4,8 +4,8 @@
 // A kernel is a struct derived from Kernel<T, Compute> with
 //   Rarity                 a test of bits-inl.h for the lanes that Main does not handle, or instead
 //   IsRare(d, x...)        their mask; beside a Rarity it has the last word on a vector.
-//   so
-//                          NaNs are found in the bits or by Eq;
+//                          Comparisons with NaN would raise invalid, so NaNs are found in the bits
+//                          or by Eq;
 //   MayBeRare(d, x, y)     optional: a cheaper mask that covers IsRare and decides for a group; its
 //                          masks are tested together and not used by lane;
 //   Main(d, x...)          the result of common lanes; (d, x, r1, r2) where there are two results;
