@@ -91,14 +91,14 @@ struct dErfHA : Kernel<double> {
     ErfReduce(d, x, u);
     for (size_t k = 0; k < K; ++k) {
       z[k] = hn::Min(hn::Abs(x[k]), hn::Set(d, 0.25));
-      const V safe = hn::Max(z[k], hn::Set(d, 0x1p-300));
+      const V safe = hn::Max(z[k], hn::Set(d, 0x1p-200));
       z2[k] = hn::Mul(safe, safe);
       z4[k] = hn::Mul(z2[k], z2[k]);
     }
     EvenOdd(d, z2, z4, kErfNear, p);
     ErfSum<true>(d, u, g);
     for (size_t k = 0; k < K; ++k) {
-      const V t = hn::Mul(u[k].slope, u[k].d);
+      const V t = hn::Mul(u[k].slope, u[k].safe);
       const V far = hn::Add(u[k].value, hn::Add(t, hn::Mul(t, g[k])));
       const Pair<V> product = TwoProduct(d, z[k], hn::Set(d, kTwoOverRootPi));
       const V rest = hn::Add(hn::Mul(z2[k], p[k]), hn::Set(d, kTwoOverRootPiRest));

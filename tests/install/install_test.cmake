@@ -14,7 +14,7 @@ file(RENAME ${WORK}/first ${WORK}/moved)
 set(prefix ${WORK}/moved)
 
 # What is public is there, and nothing of the inside.
-foreach(header IN ITEMS pex.h pex_functions.h quo.h kro.h)
+foreach(header IN ITEMS pex.h pex_functions.h pex_elements.h quo.h kro.h)
   if(NOT EXISTS ${prefix}/include/pexquo/${header})
     message(FATAL_ERROR "include/pexquo/${header} is not installed")
   endif()
