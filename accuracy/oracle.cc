@@ -56,6 +56,11 @@ int ExactPow3o2(int, mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr) {
 long double ExtendedPow3o2(int, long double a, long double) { return a * ::sqrtl(a); }
 double QuickPow3o2(double a) { return static_cast<double>(a * ::sqrtl(a)); }
 
+// The exponents for which Powx is a root: as they stand in either type.
+bool IsExponent(double b, double fraction) {
+  return b == fraction || b == static_cast<double>(static_cast<float>(fraction));
+}
+
 // MPFR's reciprocal root of -0 is +inf; 1 / sqrt(-0) is -inf.
 int ExactInvSqrt(int, mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr) {
   if (mpfr_zero_p(a)) {
@@ -72,6 +77,27 @@ int ExactInvCbrt(int, mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr) {
 }
 long double ExtendedInvCbrt(int, long double a, long double) { return 1 / ::cbrtl(a); }
 double QuickInvCbrt(double a) { return static_cast<double>(1 / ::cbrtl(a)); }
+
+int ExactPowx(int result, mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr b) {
+  const double exponent = mpfr_get_d(b, MPFR_RNDN);
+  if (exponent == 0.5) return mpfr_sqrt(r, a, MPFR_RNDN);
+  if (exponent == -0.5) return ExactInvSqrt(result, r, a, b);
+  if (exponent == 1.5) return ExactPow3o2(result, r, a, b);
+  if (IsExponent(exponent, 1.0 / 3)) return mpfr_cbrt(r, a, MPFR_RNDN);
+  if (IsExponent(exponent, -1.0 / 3)) return ExactInvCbrt(result, r, a, b);
+  if (IsExponent(exponent, 2.0 / 3)) return ExactPow2o3(result, r, a, b);
+  return mpfr_pow(r, a, b, MPFR_RNDN);
+}
+long double ExtendedPowx(int result, long double a, long double b) {
+  const auto exponent = static_cast<double>(b);
+  if (exponent == 0.5) return ::sqrtl(a);
+  if (exponent == -0.5) return ExtendedInvSqrt(result, a, b);
+  if (exponent == 1.5) return ExtendedPow3o2(result, a, b);
+  if (IsExponent(exponent, 1.0 / 3)) return ::cbrtl(a);
+  if (IsExponent(exponent, -1.0 / 3)) return ExtendedInvCbrt(result, a, b);
+  if (IsExponent(exponent, 2.0 / 3)) return ExtendedPow2o3(result, a, b);
+  return ::powl(a, b);
+}
 
 int ExactInv(int, mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr) {
   return mpfr_ui_div(r, 1, a, MPFR_RNDN);
@@ -135,7 +161,7 @@ constexpr Oracle kOracles[] = {
      ::cos},
     {"Tan", Exact<mpfr_tan>, Extended<::tanl>, ::tan, {0, kPi, kPi / 2, kNearestToPole}},
     {"Pow", ExactOfTwo<mpfr_pow>, ExtendedOfTwo<::powl>, nullptr, {0, 1, -1, 2}},
-    {"Powx", ExactOfTwo<mpfr_pow>, ExtendedOfTwo<::powl>, nullptr, {0, 1, -1, 2}},
+    {"Powx", ExactPowx, ExtendedPowx, nullptr, {0, 1, -1, 2}},
     {"Pow2o3", ExactPow2o3, ExtendedPow2o3, QuickPow2o3, {0, 1, -1, 8}},
     {"Pow3o2",
      ExactPow3o2,

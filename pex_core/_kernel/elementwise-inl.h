@@ -3,15 +3,22 @@
 //
 // A kernel is a struct derived from Kernel<T, Compute> with
 //   Rarity                 a test of bits-inl.h for the lanes that Main does not handle, or instead
-//   IsRare(d, x...)        their mask. It raises no flag: Lt and its kin signal invalid on a NaN,
-//   so
-//                          NaNs are found in the bits or by Eq;
+//   IsRare(d, x...)        their mask; beside a Rarity it has the last word on a vector.
+//                          Comparisons with NaN would raise invalid, so NaNs are found in the bits
+//                          or by Eq;
+//   MayBeRare(d, x, y)     optional: a cheaper mask that covers IsRare and decides for a group; its
+//                          masks are tested together and not used by lane;
 //   Main(d, x...)          the result of common lanes; (d, x, r1, r2) where there are two results;
-//   or MainGroup(d, x, r)     the same for arrays of several vectors, step by step for all of them:
-//   long
-//                          chains of dependent operations then overlap;
+//   or MainGroup(d, x..., r)  the same for arrays of several vectors, step by step for all of them:
+//                          long chains of dependent operations then overlap; r may be an x;
+//   or TryGroup(d, x, y, r)   the same for two arguments, with a test of its own: false, with
+//                          results of no use, when IsRare would name some lane. For kernels that
+//                          know their rare lanes by what they compute;
 //   Rare(x..., T* r...)    a scalar routine: the result of one rare element; returns its status
-//   code.
+//                          code.
+// A kernel whose Main covers a part of the domain that is left often has a second one, K::Wide, for
+// the whole domain but rare lanes: the vectors of a group with a lane beyond Main's part go through
+// it. It gives the lanes of Main's part the same bits.
 // In HWY_NAMESPACE a kernel K gets its entry's body by PEX_UNARY(double, dExp_50, dExpLA) and so
 // on.
 
@@ -108,16 +115,33 @@ template <class K, class D>
 inline constexpr bool HasMainGroup = requires(D d, VecOf<D> (&v)[1]) {
   K::MainGroup(d, v, v);
 };
+template <class K, class D>
+inline constexpr bool HasMainGroup2 = requires(D d, VecOf<D> (&v)[1]) {
+  K::MainGroup(d, v, v, v);
+};
+template <class K, class D>
+inline constexpr bool HasTryGroup = requires(D d, VecOf<D> (&v)[1]) {
+  K::TryGroup(d, v, v, v);
+};
 template <class K>
 inline constexpr bool HasRarity = requires {
   typename K::Rarity;
+};
+template <class K, class D>
+inline constexpr bool HasIsRare = requires(D d, VecOf<D> x) {
+  K::IsRare(d, x);
+};
+
+template <class K, class D>
+inline constexpr bool HasMayBeRare = requires(D d, VecOf<D> v) {
+  K::MayBeRare(d, v, v);
 };
 
 template <class K, class D, class V>
 HWY_INLINE MaskOf<D> RareLanes(D d, V x, V y) {
   if constexpr (K::kArguments == 2) {
     return K::IsRare(d, x, y);
-  } else if constexpr (HasRarity<K>) {
+  } else if constexpr (HasRarity<K> && !HasIsRare<K, D>) {
     // Select asks for whole lanes of ones.
     const auto above = KeyAbove(d, K::Rarity::Key(d, x), K::Rarity::kLimit);
     return hn::RebindMask(d, hn::Lt(Bits(d, hn::VecFromMask(d, above)), SetBits(d, 0)));
@@ -126,13 +150,31 @@ HWY_INLINE MaskOf<D> RareLanes(D d, V x, V y) {
   }
 }
 
+template <class K>
+inline constexpr bool HasWide = requires {
+  typename K::Wide;
+};
+// A Rarity may join keys its own way: Joined(d, key, x), Any(d, key).
+template <class K, class D>
+inline constexpr bool HasOwnJoin = requires(D d, VecOf<D> x) {
+  K::Rarity::Any(d, K::Rarity::Joined(d, K::Rarity::Key(d, x), x));
+};
+
 // Whether a group of vectors has a rare lane.
 template <class K, int kVectors, class D, class V>
 HWY_INLINE bool AnyRare(D d, const V* x, const V* y) {
-  if constexpr (HasRarity<K>) {
+  if constexpr (HasOwnJoin<K, D>) {
+    auto key = K::Rarity::Key(d, x[0]);
+    for (int k = 1; k < kVectors; ++k) key = K::Rarity::Joined(d, key, x[k]);
+    return K::Rarity::Any(d, key);
+  } else if constexpr (HasRarity<K>) {
     auto key = K::Rarity::Key(d, x[0]);
     for (int k = 1; k < kVectors; ++k) key = JoinKeys(d, key, K::Rarity::Key(d, x[k]));
     return !hn::AllFalse(d, KeyAbove(d, key, K::Rarity::kLimit));
+  } else if constexpr (HasMayBeRare<K, D>) {
+    auto rare = K::MayBeRare(d, x[0], y[0]);
+    for (int k = 1; k < kVectors; ++k) rare = hn::Or(rare, K::MayBeRare(d, x[k], y[k]));
+    return !hn::AllFalse(d, rare);
   } else {
     auto rare = RareLanes<K>(d, x[0], y[0]);
     for (int k = 1; k < kVectors; ++k) rare = hn::Or(rare, RareLanes<K>(d, x[k], y[k]));
@@ -145,6 +187,14 @@ HWY_INLINE void Compute(D d, V x, V y, V& r1, V& r2) {
   if constexpr (HasMainGroup<K, D>) {
     V in[1] = {x}, out[1];
     K::MainGroup(d, in, out);
+    r1 = out[0];
+  } else if constexpr (HasMainGroup2<K, D>) {
+    V in1[1] = {x}, in2[1] = {y}, out[1];
+    K::MainGroup(d, in1, in2, out);
+    r1 = out[0];
+  } else if constexpr (HasTryGroup<K, D>) {
+    V in1[1] = {x}, in2[1] = {y}, out[1] = {r1};
+    K::TryGroup(d, in1, in2, out);
     r1 = out[0];
   } else if constexpr (K::kResults == 2) {
     K::Main(d, x, r1, r2);
@@ -237,10 +287,15 @@ HWY_INLINE bool CommonGroup(const C& call, size_t i) {
     x[k] = call.a.Load(d, i + k * lanes);
     y[k] = K::kArguments == 2 ? call.b.Load(d, i + k * lanes) : x[k];
   }
-  if (AnyRare<K, kVectors>(d, x, y)) [[unlikely]]
+  if constexpr (HasTryGroup<K, decltype(d)>) {
+    if (!K::TryGroup(d, x, y, x)) [[unlikely]]
+      return false;
+  } else if (AnyRare<K, kVectors>(d, x, y)) [[unlikely]] {
     return false;
-  if constexpr (HasMainGroup<K, decltype(d)>) {
+  } else if constexpr (HasMainGroup<K, decltype(d)>) {
     K::MainGroup(d, x, x);
+  } else if constexpr (HasMainGroup2<K, decltype(d)>) {
+    K::MainGroup(d, x, y, x);
   } else {
     for (int k = 0; k < kVectors; ++k) {
       V v1 = x[k], v2 = x[k];
@@ -267,12 +322,50 @@ HWY_INLINE bool CommonVector(const C& call, size_t i, size_t count) {
   if constexpr (K::kArguments == 2) {
     y = whole ? call.b.Load(d, i) : call.b.LoadTail(d, i, count, K::kHarmless);
   }
-  if (AnyRare<K, 1>(d, &x, &y)) [[unlikely]]
-    return false;
   auto v1 = x, v2 = x;
-  Compute<K>(d, x, y, v1, v2);
+  if constexpr (HasTryGroup<K, decltype(d)>) {
+    VecOf<typename K::Tag> in1[1] = {x}, in2[1] = {y}, out[1] = {x};
+    if (!K::TryGroup(d, in1, in2, out)) [[unlikely]]
+      return false;
+    v1 = out[0];
+  } else {
+    if (AnyRare<K, 1>(d, &x, &y)) [[unlikely]]
+      return false;
+    Compute<K>(d, x, y, v1, v2);
+  }
   StoreResults<K>(d, call, i, count, v1, v2);
   return true;
+}
+
+// One vector of `count` elements that CommonVector has not taken.
+template <class K, class C>
+HWY_NOINLINE void UncommonVector(const C& call, size_t i, size_t count) {
+  if constexpr (HasWide<K>) {
+    if (!CommonVector<typename K::Wide>(call, i, count)) [[unlikely]]
+      CarefulVector<typename K::Wide>(call, i, count);
+  } else {
+    CarefulVector<K>(call, i, count);
+  }
+}
+
+// A group that CommonGroup has not taken.
+template <class K, class C>
+HWY_NOINLINE void UncommonGroup(const C& call, size_t i) {
+  const size_t lanes = hn::Lanes(typename K::Tag());
+  size_t k = 0;
+  if constexpr (HasWide<K>) {
+    constexpr int kVectors = K::Wide::kUnroll;
+    static_assert(K::kUnroll % kVectors == 0);
+    for (; k < K::kUnroll; k += kVectors) {
+      if (CommonGroup<typename K::Wide, kVectors>(call, i + k * lanes)) [[likely]]
+        continue;
+      for (size_t m = k; m < k + kVectors; ++m) {
+        CarefulVector<typename K::Wide>(call, i + m * lanes, lanes);
+      }
+    }
+  } else {
+    for (; k < K::kUnroll; ++k) CarefulVector<K>(call, i + k * lanes, lanes);
+  }
 }
 
 template <class K, class C>
@@ -285,12 +378,12 @@ HWY_INLINE int RunCall(int32_t n, const C& call) {
   for (; i + group <= end; i += group) {
     if (CommonGroup<K, K::kUnroll>(call, i)) [[likely]]
       continue;
-    for (size_t k = 0; k < group; k += lanes) CarefulVector<K>(call, i + k, lanes);
+    UncommonGroup<K>(call, i);
   }
   for (; i < end; i += lanes) {
     const size_t count = HWY_MIN(lanes, end - i);
     if (!CommonVector<K>(call, i, count)) [[unlikely]]
-      CarefulVector<K>(call, i, count);
+      UncommonVector<K>(call, i, count);
   }
   return 0;
 }

@@ -67,6 +67,19 @@ struct Quotient : Kernel<T> {
   static int Rare(T x, T y, T* r) { return RareQuotient(x, y, r); }
 };
 
+// The same with a test of its own for groups.
+template <typename T>
+struct TriedQuotient : Quotient<T> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool TryGroup(D d, const V (&x)[K], const V (&y)[K], V (&r)[K]) {
+    auto rare = Quotient<T>::IsRare(d, x[0], y[0]);
+    for (size_t k = 1; k < K; ++k) rare = hn::Or(rare, Quotient<T>::IsRare(d, x[k], y[k]));
+    if (!hn::AllFalse(d, rare)) return false;
+    for (size_t k = 0; k < K; ++k) r[k] = hn::Div(x[k], y[k]);
+    return true;
+  }
+};
+
 template <typename T>
 struct RootAndInverse : Kernel<T> {
   static constexpr int kResults = 2;
@@ -87,6 +100,8 @@ PEX_UNARY(float, sTestRoot, Root<float>)
 PEX_UNARY(float, sTestWideRoot, WideRoot)
 PEX_BINARY(double, dTestQuotient, Quotient<double>)
 PEX_BINARY(float, sTestQuotient, Quotient<float>)
+PEX_BINARY(double, dTestTriedQuotient, TriedQuotient<double>)
+PEX_BINARY(float, sTestTriedQuotient, TriedQuotient<float>)
 PEX_UNARY_SCALAR(double, dTestQuotientBy, Quotient<double>)
 PEX_UNARY_SCALAR(float, sTestQuotientBy, Quotient<float>)
 PEX_UNARY_TWO(double, dTestPair, RootAndInverse<double>)
@@ -104,6 +119,8 @@ PEX_EXPORT_UNARY(float, sTestRoot)
 PEX_EXPORT_UNARY(float, sTestWideRoot)
 PEX_EXPORT_BINARY(double, dTestQuotient)
 PEX_EXPORT_BINARY(float, sTestQuotient)
+PEX_EXPORT_BINARY(double, dTestTriedQuotient)
+PEX_EXPORT_BINARY(float, sTestTriedQuotient)
 PEX_EXPORT_UNARY_SCALAR(double, dTestQuotientBy)
 PEX_EXPORT_UNARY_SCALAR(float, sTestQuotientBy)
 PEX_EXPORT_UNARY_TWO(double, dTestPair)

@@ -56,6 +56,8 @@ int _pexsTestRoot(int32_t n, const float* a, float* r);
 int _pexsTestWideRoot(int32_t n, const float* a, float* r);
 int _pexdTestQuotient(int32_t n, const double* a, const double* b, double* r);
 int _pexsTestQuotient(int32_t n, const float* a, const float* b, float* r);
+int _pexdTestTriedQuotient(int32_t n, const double* a, const double* b, double* r);
+int _pexsTestTriedQuotient(int32_t n, const float* a, const float* b, float* r);
 int _pexdTestQuotientBy(int32_t n, const double* a, double b, double* r);
 int _pexsTestQuotientBy(int32_t n, const float* a, float b, float* r);
 int _pexdTestPair(int32_t n, const double* a, double* r1, double* r2);

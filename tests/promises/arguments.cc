@@ -143,7 +143,8 @@ void Shuffle(Random& random, std::vector<uint64_t>& list) {
   }
 }
 
-constexpr double kScalars[] = {0, -0.0, 1, -1, 0.5, 2, 3, -2, 1.0 / 3, 2.0 / 3, 17.25, -1e-5, 1e30};
+constexpr double kScalars[] = {0,  -0.0, 1,  -1,      0.5,      -0.5,    1.5,   2,     3,   4,
+                               -2, -3,   -4, 1.0 / 3, -1.0 / 3, 2.0 / 3, 17.25, -1e-5, 1e30};
 
 }  // namespace
 

@@ -9,8 +9,10 @@
 
 namespace {
 
-Interval ParseInterval(const std::string& text) {
+Interval ParseInterval(std::string text) {
   Interval interval{};
+  interval.fractions_only = text.ends_with("\\Z");
+  if (interval.fractions_only) text.resize(text.size() - 2);
   const size_t comma = text.find(',');
   const char open = text.front(), close = text.back();
   if (comma == std::string::npos || (open != '(' && open != '[') ||
@@ -64,11 +66,26 @@ std::vector<ErrorRange> ReadErrorRanges(const std::string& folder) {
   return all;
 }
 
-std::vector<ErrorRange> RangesOf(const std::vector<ErrorRange>& all, const pex::Entry& entry) {
+std::string ReportingFunction(const pex::Entry& entry, double b) {
+  if (entry.function->name != "Powx") return std::string(entry.function->name);
+  const auto is = [&](double exponent) {
+    return b == (entry.is_double() ? exponent : static_cast<float>(exponent));
+  };
+  if (is(0.5)) return "Sqrt";
+  if (is(-0.5)) return "InvSqrt";
+  if (is(1.0 / 3)) return "Cbrt";
+  if (is(-1.0 / 3)) return "InvCbrt";
+  if (is(2.0 / 3)) return "Pow2o3";
+  if (is(1.5)) return "Pow3o2";
+  if (is(-1)) return "Inv";
+  return "Powx";
+}
+
+std::vector<ErrorRange> RangesOf(const std::vector<ErrorRange>& all, const std::string& function,
+                                 char type) {
   std::vector<ErrorRange> lines;
   for (const ErrorRange& range : all) {
-    if (range.function == entry.function->name &&
-        range.types.find(entry.type) != std::string::npos) {
+    if (range.function == function && range.types.find(type) != std::string::npos) {
       lines.push_back(range);
     }
   }

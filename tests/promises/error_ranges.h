@@ -2,16 +2,21 @@
 #ifndef TESTS_PROMISES_ERROR_RANGES_H_
 #define TESTS_PROMISES_ERROR_RANGES_H_
 
+#include <cmath>
 #include <string>
 #include <vector>
 
 #include "catalogue/catalogue.h"
 
-// An interval of extended real numbers; no NaN lies in any.
+// An interval of extended real numbers, with or without the integers; no NaN lies in any.
 struct Interval {
   double lo, hi;
   bool open_lo, open_hi;
-  bool Has(double x) const { return (open_lo ? x > lo : x >= lo) && (open_hi ? x < hi : x <= hi); }
+  bool fractions_only = false;
+  bool Has(double x) const {
+    if (fractions_only && x == std::trunc(x)) return false;
+    return (open_lo ? x > lo : x >= lo) && (open_hi ? x < hi : x <= hi);
+  }
 };
 
 struct ErrorRange {
@@ -24,8 +29,13 @@ struct ErrorRange {
 // All lines of all tables in `folder`; throws std::runtime_error with file and line for a bad one.
 std::vector<ErrorRange> ReadErrorRanges(const std::string& folder);
 
-// The lines of an entry.
-std::vector<ErrorRange> RangesOf(const std::vector<ErrorRange>& all, const pex::Entry& entry);
+// The function under whose name, and with whose codes, an entry reports: its own, but for Powx with
+// an exponent that another kernel serves.
+std::string ReportingFunction(const pex::Entry& entry, double b);
+
+// The lines of a function for a type.
+std::vector<ErrorRange> RangesOf(const std::vector<ErrorRange>& all, const std::string& function,
+                                 char type);
 
 // The code of the first line that has the arguments; 0 for none.
 int ExpectedCode(const std::vector<ErrorRange>& lines, double a, double b);

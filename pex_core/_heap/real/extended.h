@@ -217,6 +217,47 @@ template <auto F>
   return X87Guard::Needed() ? UnderGuard<F>(x) : F(x);
 }
 
+// The same for two arguments.
+template <auto F>
+[[gnu::noinline]] long double UnderGuard(long double x, long double y) {
+  const X87Guard guard;
+  __asm__ volatile("" : "+m"(x), "+m"(y));
+  long double r = F(x, y);
+  __asm__ volatile("" : "+t"(r));
+  return r;
+}
+template <auto F>
+[[gnu::always_inline]] inline long double Guarded(long double x, long double y) {
+  return X87Guard::Needed() ? UnderGuard<F>(x, y) : F(x, y);
+}
+
+// Two results in memory.
+template <auto F>
+[[gnu::noinline]] void UnderGuard(long double x, long double* r1, long double* r2) {
+  const X87Guard guard;
+  __asm__ volatile("" : "+m"(x));
+  F(x, r1, r2);
+  __asm__ volatile("" : "+m"(*r1), "+m"(*r2));
+}
+template <auto F>
+[[gnu::always_inline]] inline void Guarded(long double x, long double* r1, long double* r2) {
+  X87Guard::Needed() ? UnderGuard<F>(x, r1, r2) : F(x, r1, r2);
+}
+
+// NaN with the invalid flag.
+inline long double Invalid() {
+  long double zero = 0;
+  __asm__ volatile("" : "+t"(zero));
+  return zero / zero;
+}
+
+// x, with the underflow flag where it is subnormal: the result of functions that are almost x.
+inline long double Tiny(long double x) {
+  const Bits b = ToBits(x);
+  if ((b.sign_exponent & 0x7FFF) == 0 && b.significand != 0) Raise(0x1p-16382L, 0x1p-16382L);
+  return x;
+}
+
 }  // namespace pex::ldbl
 
 #endif  // PEX_CORE__HEAP_REAL_EXTENDED_H_

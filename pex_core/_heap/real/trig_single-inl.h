@@ -1,0 +1,504 @@
+// Sine, cosine and tangent in single precision: arguments reduced exactly, whatever their size.
+//
+// x = N u + y. For the sine u = pi and N = k is an integer, for the cosine u = pi and N = k - 1/2,
+// so that both are (-1)^k sin y with |y| <= pi/2; for the tangent and the pair of sine and cosine
+// u = pi/2 and N = k, with |y| <= pi/4. Arguments that float arithmetic can reduce (|x| < 1600)
+// stay in it; the others go through double precision, multiplied by a part of 1/pi (Payne and Hanek
+// 1983) that depends on their exponent.
+
+#include <cstdint>
+
+#include "hwy/highway.h"
+#include "pex_core/_heap/real/trig_single.h"
+#include "pex_core/_heap/real/trig_single_polynomials.h"
+#include "pex_core/_heap/real/trig_single_tables.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/_kernel/polynomial-inl.h"
+
+#if defined(PEX_CORE__HEAP_REAL_TRIG_SINGLE_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__HEAP_REAL_TRIG_SINGLE_INL_H_
+#undef PEX_CORE__HEAP_REAL_TRIG_SINGLE_INL_H_
+#else
+#define PEX_CORE__HEAP_REAL_TRIG_SINGLE_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+enum class Turn { kSine, kCosine, kQuarter };
+
+// How good the reduction is in float arithmetic: about 14 bits next to the zeros; rounded twice,
+// with the error of the second rounding; with the error of both.
+enum class Care { kRough, kSecondRounding, kBothRoundings };
+
+// The reduced argument: of half turns (-1)^k y, of quarters y, and k in the lowest two bits.
+template <class D>
+struct Reduced {
+  VecOf<D> y;
+  BitsOf<D> k;
+  VecOf<D> excess = {};  // y less its exact value, as far as Care says
+};
+
+// x - a b, where either that or a b is a number: fused or not, the result is the same.
+template <class D, class V>
+HWY_INLINE V ExactDifference(D d, V x, V a, V b) {
+#if HWY_TARGET == HWY_SSE4
+  const Pair<V> p = TwoProduct(d, a, b);
+  return hn::Sub(hn::Sub(x, p.hi), p.lo);
+#else
+  (void)d;
+  return hn::NegMulAdd(a, b, x);
+#endif
+}
+
+// The product without a flag where that costs nothing.
+template <class D, class V>
+HWY_INLINE V QuietMul(D d, V a, V b) {
+#if HWY_TARGET == HWY_AVX3
+  (void)d;
+  return V{_mm512_mul_round_ps(a.raw, b.raw, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
+#else
+  (void)d;
+  return hn::Mul(a, b);
+#endif
+}
+
+template <class D, class V, size_t N>
+HWY_INLINE V QuietHorner(D d, V x, const float (&c)[N]) {
+  V p = hn::Set(d, c[N - 1]);
+  for (size_t i = N - 1; i-- > 0;) p = hn::Add(QuietMul(d, p, x), hn::Set(d, c[i]));
+  return p;
+}
+
+// x with its sign changed where the highest of `bits` is set.
+template <class D, class V>
+HWY_INLINE V FlipSign(D d, V x, BitsOf<D> bits) {
+  const auto sign = SetBits(d, sizeof(hn::TFromD<D>) == 8 ? 1ull << 63 : 1ull << 31);
+#if HWY_TARGET == HWY_AVX3
+  return FromBits(d, BitsOf<D>{_mm512_ternarylogic_epi32(Bits(d, x).raw, bits.raw, sign.raw,
+                                                         0x78)});  // x ^ (bits & sign)
+#else
+  return hn::Xor(x, FromBits(d, hn::And(bits, sign)));
+#endif
+}
+
+// x with the sign of y, for an x that has it already or is a zero: -0 and 0 from its powers is 0.
+template <class D, class V>
+HWY_INLINE V KeepSign(D d, V x, V y) {
+  const auto sign = SetBits(d, sizeof(hn::TFromD<D>) == 8 ? 1ull << 63 : 1ull << 31);
+#if HWY_TARGET == HWY_AVX3
+  return FromBits(d, BitsOf<D>{_mm512_ternarylogic_epi32(Bits(d, x).raw, Bits(d, y).raw, sign.raw,
+                                                         0xF8)});  // x | (y & sign)
+#else
+  return hn::Or(x, hn::And(y, FromBits(d, sign)));
+#endif
+}
+
+// pi = high + middle + low with an error of 2^-62, and with 2^-50 in high + rest. N times the
+// middle part is exact for N of 11 bits.
+inline constexpr float kPiHigh = 0x1.921fb4p+1f, kPiMiddle = 0x1.444p-23f, kPiLow = 0x1.68c234p-38f,
+                       kPiRest = 0x1.4442d2p-23f;
+
+// A row of the parts of 1/pi for each lane, row & 15.
+template <class V>
+struct InversePi {
+  V high, middle, low;
+};
+template <class D>
+HWY_INLINE InversePi<VecOf<D>> InversePiAt(D d, BitsOf<hn::Rebind<float, D>> row) {
+  using V = VecOf<D>;
+#if HWY_TARGET == HWY_AVX3
+  const auto i = hn::PromoteTo(hn::RebindToSigned<D>(), row);
+  (void)d;
+  const auto column = [i](const double* c) HWY_ATTR {
+    return V{_mm512_permutex2var_pd(_mm512_load_pd(c), i.raw, _mm512_load_pd(c + 8))};
+  };
+  return {column(kInversePiHigh), column(kInversePiMiddle), column(kInversePiLow)};
+#else
+  const hn::RebindToSigned<hn::Rebind<float, D>> di;
+  const auto i = hn::And(row, hn::Set(di, 15));
+  const auto row_of = [](int32_t k) HWY_ATTR { return kInversePiRows[static_cast<uint32_t>(k)]; };
+  (void)d;
+#if HWY_TARGET == HWY_AVX2  // whole rows, then a transposition
+  const __m256d r0 = _mm256_load_pd(row_of(_mm_cvtsi128_si32(i.raw)));
+  const __m256d r1 = _mm256_load_pd(row_of(_mm_extract_epi32(i.raw, 1)));
+  const __m256d r2 = _mm256_load_pd(row_of(_mm_extract_epi32(i.raw, 2)));
+  const __m256d r3 = _mm256_load_pd(row_of(_mm_extract_epi32(i.raw, 3)));
+  const __m256d even01 = _mm256_unpacklo_pd(r0, r1), even23 = _mm256_unpacklo_pd(r2, r3);
+  const __m256d odd01 = _mm256_unpackhi_pd(r0, r1), odd23 = _mm256_unpackhi_pd(r2, r3);
+  return {V{_mm256_permute2f128_pd(even01, even23, 0x20)},
+          V{_mm256_permute2f128_pd(odd01, odd23, 0x20)},
+          V{_mm256_permute2f128_pd(even01, even23, 0x31)}};
+#else
+  const double* r0 = row_of(_mm_cvtsi128_si32(i.raw));
+  const double* r1 = row_of(_mm_extract_epi32(i.raw, 1));
+  const __m128d low0 = _mm_load_pd(r0), low1 = _mm_load_pd(r1);
+  return {V{_mm_unpacklo_pd(low0, low1)}, V{_mm_unpackhi_pd(low0, low1)},
+          V{_mm_unpacklo_pd(_mm_load_pd(r0 + 2), _mm_load_pd(r1 + 2))}};
+#endif
+#endif
+}
+
+inline constexpr float kWideLimit = 0x1p22f;
+
+template <Turn kTurn>
+struct Reduction {
+  static constexpr bool kQuarter = kTurn == Turn::kQuarter;
+  static constexpr float kUnit = kQuarter ? 0.5f : 1.0f;  // u/pi
+  // |k| is at most 2^(kBits - 1), so that x - N times the high part of u is a multiple of the high
+  // part's last place, and a number.
+  static constexpr int kBits = kQuarter ? 11 : 10;
+  static constexpr float kShifter = 0x1.8p23f + (1 << (kBits - 1));
+
+  // k in the lowest bits. Adding 2^-40 to the argument changes no k; it keeps the product of a
+  // tiny number from underflow.
+  template <class D, class V>
+  static HWY_INLINE V Quotient(D d, V x) {
+    if (kTurn == Turn::kCosine) {
+      x = hn::Add(x, hn::Set(d, 0x1.921fb6p+0f));
+    } else if (HWY_TARGET != HWY_AVX3) {
+      x = hn::Add(x, hn::Set(d, 0x1p-40f));
+    }
+    return hn::Add(QuietMul(d, x, hn::Set(d, 0x1.45f306p-2f / kUnit)), hn::Set(d, kShifter));
+  }
+  template <class D, class V>
+  static HWY_INLINE V Multiple(D d, V quotient) {
+    const V k = hn::Sub(quotient, hn::Set(d, kShifter));
+    return kTurn == Turn::kCosine ? hn::Sub(k, hn::Set(d, 0.5f)) : k;
+  }
+
+  // The quotient is out of bounds: any of the bits above the lowest kBits differs from those of
+  // 1.5 2^23.
+  static constexpr uint32_t kPattern = 0x4B400000;
+  static constexpr uint32_t kHighBits = ~((1u << kBits) - 1);
+  template <class D, class V>
+  static HWY_INLINE BitsOf<D> Key(D d, V x) {
+    return hn::Xor(Bits(d, Quotient(d, x)), SetBits(d, kPattern));
+  }
+  template <class D, class V>
+  static HWY_INLINE BitsOf<D> Joined(D d, BitsOf<D> key, V x) {
+#if HWY_TARGET == HWY_AVX3
+    const auto pattern = SetBits(d, kPattern);
+    return BitsOf<D>{_mm512_ternarylogic_epi32(key.raw, Bits(d, Quotient(d, x)).raw, pattern.raw,
+                                               0xF6)};  // key | quotient ^ pattern
+#else
+    return hn::Or(key, Key(d, x));
+#endif
+  }
+  template <class D>
+  static HWY_INLINE bool Any(D d, BitsOf<D> key) {
+    return !hn::AllTrue(hn::RebindToSigned<D>(),
+                        hn::Eq(hn::And(key, SetBits(d, kHighBits)), SetBits(d, 0)));
+  }
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> Beyond(D d, V x) {
+    return hn::RebindMask(d, hn::Ne(hn::And(Key(d, x), SetBits(d, kHighBits)), SetBits(d, 0)));
+  }
+
+  // Half turns take their sign at once: what is left is sin y.
+  template <class D>
+  static HWY_INLINE Reduced<D> Signed(D d, Reduced<D> u) {
+    if (kQuarter) return u;
+    const auto sign = FromBits(d, hn::ShiftLeft<sizeof(hn::TFromD<D>) * 8 - 1>(u.k));
+    return {hn::Xor(u.y, sign), u.k, hn::Xor(u.excess, sign)};
+  }
+
+  // For arguments that are not Beyond.
+  template <Care kCare, class D, class V>
+  static HWY_INLINE Reduced<D> Near(D d, V x) {
+    const V quotient = Quotient(d, x);
+    const V n = Multiple(d, quotient);
+    V y = ExactDifference(d, x, n, hn::Set(d, kPiHigh * kUnit));
+    if constexpr (kCare == Care::kRough) {
+      y = hn::Sub(y, hn::Mul(n, hn::Set(d, kPiRest * kUnit)));
+    } else {
+      const V middle = hn::Set(d, kPiMiddle * kUnit);
+      const V low = hn::Mul(n, hn::Set(d, kPiLow * kUnit));
+      const V sum = ExactDifference(d, y, n, middle);
+      V excess = hn::Zero(d);
+      if constexpr (kCare == Care::kBothRoundings) {
+        excess = ExactDifference(d, hn::Sub(y, sum), n, middle);
+      }
+      y = hn::Sub(sum, low);
+      const V second = hn::Add(hn::Sub(y, sum), low);
+      excess = kCare == Care::kBothRoundings ? hn::Sub(second, excess) : second;
+      return Signed(d, {y, Bits(d, quotient), excess});
+    }
+    return Signed(d, {y, Bits(d, quotient)});
+  }
+
+  // In double precision, for floats below kWideLimit in magnitude. Multiples of u's high part have
+  // no bits below 2^-52, nor have floats that are more than a quarter of it.
+  template <class D, class V>
+  static HWY_INLINE Reduced<D> NearWide(D d, V x) {
+    const V shifter = hn::Set(d, 0x1.8p52);
+    V turns = hn::Mul(x, hn::Set(d, 0x1.45f306dc9c883p-2 / kUnit));
+    if (kTurn == Turn::kCosine) turns = hn::Add(turns, hn::Set(d, 0.5));
+    const V quotient = hn::Add(turns, shifter);
+    V n = hn::Sub(quotient, shifter);
+    if (kTurn == Turn::kCosine) n = hn::Sub(n, hn::Set(d, 0.5));
+    const V y = ExactDifference(d, x, n, hn::Set(d, 0x1.921fb54442d18p+1 * kUnit));
+    return Signed(
+        d, {hn::Sub(y, hn::Mul(n, hn::Set(d, 0x1.1a62633145c07p-53 * kUnit))), Bits(d, quotient)});
+  }
+
+  // In double precision, for floats of at least 1: x is the argument divided by 2^(8 row), in
+  // [1, 256). The three products with the parts of 1/pi are x/pi mod 2, the first two exact. What
+  // the sum of the first two is off an integer is exact too where it is small, so that y has a
+  // relative error of a few 2^-53.
+  template <class D, class V>
+  static HWY_INLINE Reduced<D> Far(D d, V x, BitsOf<hn::Rebind<float, D>> row) {
+    const V shifter = hn::Set(d, 0x1.8p52);
+    const auto inverse = InversePiAt(d, row);
+    if (kQuarter) x = hn::Add(x, x);
+    const V high = hn::Mul(x, inverse.high);
+    const V middle = hn::Mul(x, inverse.middle);
+    const V low = hn::Mul(x, inverse.low);
+    const V k1 = hn::Add(high, shifter);
+    V rest = hn::Sub(high, hn::Sub(k1, shifter));
+    if (kTurn == Turn::kCosine) rest = hn::Add(rest, hn::Set(d, 0.5));
+    const V k2 = hn::Add(hn::Add(rest, middle), shifter);
+    const V turns = hn::Add(hn::Add(hn::Sub(rest, hn::Sub(k2, shifter)), middle), low);
+    return Signed(d, {hn::Mul(turns, hn::Set(d, 0x1.921fb54442d18p+1 * kUnit)),
+                      hn::Add(Bits(d, k1), Bits(d, k2))});
+  }
+
+  // The same for vectors of floats of at least 1 in magnitude, finite.
+  template <class D, class V>
+  static HWY_INLINE Reduced<hn::Rebind<double, D>> FarWide(D d, V x) {
+    const hn::Rebind<double, D> wide;
+    const auto above_one = hn::Sub(Bits(d, x), SetBits(d, 0x3F800000));
+    const auto scaled = hn::Add(hn::And(above_one, SetBits(d, 0x83FFFFFF)), SetBits(d, 0x3F800000));
+    return Far(wide, hn::PromoteTo(wide, FromBits(d, scaled)), hn::ShiftRight<26>(above_one));
+  }
+
+  // In double precision, for all finite floats.
+  template <class D, class V>
+  static HWY_INLINE Reduced<hn::Rebind<double, D>> WholeWide(D d, V x) {
+    const hn::Rebind<double, D> wide;
+    const auto near_mask = MagnitudeBelow(d, x, kWideLimit);
+    const auto near = NearWide(wide, hn::PromoteTo(wide, hn::IfThenElseZero(near_mask, x)));
+    const auto far = FarWide(d, hn::IfThenElse(near_mask, hn::Set(d, 1.0f), x));
+    const auto select = MagnitudeBelow(wide, hn::PromoteTo(wide, x), double{kWideLimit});
+    const auto y = hn::IfThenElse(select, near.y, far.y);
+    if (!kQuarter) return {y, near.k};
+    return {y, Bits(wide, hn::IfThenElse(select, FromBits(wide, near.k), FromBits(wide, far.k)))};
+  }
+
+  // In single precision, for all finite arguments.
+  template <Care kCare, class D, class V>
+  static HWY_INLINE Reduced<D> Whole(D d, V x) {
+    const auto beyond = Beyond(d, x);
+    const Reduced<D> near = Near<kCare>(d, hn::IfThenZeroElse(beyond, x));
+    const V far_x = hn::IfThenElse(beyond, x, hn::Set(d, 1.0f));
+    const hn::Half<D> half;
+    const auto lower = FarNarrow(half, hn::LowerHalf(half, far_x));
+    const auto upper = FarNarrow(half, hn::UpperHalf(half, far_x));
+    const V y = hn::IfThenElse(beyond, hn::Combine(d, upper.y, lower.y), near.y);
+    if (!kQuarter) return {y, near.k, hn::IfThenZeroElse(beyond, near.excess)};
+    const V k = hn::Combine(d, upper.k, lower.k);
+    const V excess = hn::Combine(d, upper.excess, lower.excess);
+    return {y, Bits(d, hn::IfThenElse(beyond, k, FromBits(d, near.k))),
+            hn::IfThenElse(beyond, excess, near.excess)};
+  }
+
+  // Far, rounded to single precision; k in the lowest bits of a float.
+  template <class D>
+  struct Rounded {
+    VecOf<D> y, k, excess;
+  };
+  template <class D, class V>
+  static HWY_INLINE Rounded<D> FarNarrow(D d, V x) {
+    const hn::Rebind<double, D> wide;
+    const auto far = FarWide(d, x);
+    const V y = hn::DemoteTo(d, far.y);
+    if (!kQuarter) return {y, y, y};
+    const auto offset = hn::Set(wide, 0x1p52);  // its lowest bits are those of k mod 4
+    const auto k = hn::Or(hn::And(far.k, SetBits(wide, 3)), Bits(wide, offset));
+    const V k_narrow = hn::DemoteTo(d, hn::Sub(FromBits(wide, k), offset));
+    const V excess = hn::DemoteTo(d, hn::Sub(hn::PromoteTo(wide, y), far.y));
+    return {y, hn::Add(k_narrow, hn::Set(d, 0x1p23f)), excess};
+  }
+};
+
+// Kernels of a function with a formula for the reduced argument: a Main for what the fast reduction
+// covers, and its Wide companion for all finite arguments.
+template <class Formula>
+struct TrigNarrow : Kernel<float> {
+  static constexpr int kUnroll = Formula::kUnroll;
+  static constexpr int kResults = Formula::kResults;
+  using Reduce = Reduction<Formula::kTurn>;
+  using Rarity = Reduce;
+  template <class D, class V, class... R>
+  static HWY_INLINE auto Main(D d, V x, R&... r) {
+    return Formula::Of(d, Reduce::template Near<Formula::kCare>(d, x), r...);
+  }
+  template <class... R>
+  static HWY_INLINE int Rare(float x, R*... r) {
+    return sTrigScalar(x, r...);
+  }
+  struct Wide : Kernel<float> {
+    static constexpr int kUnroll = 2;
+    static constexpr int kResults = Formula::kResults;
+    using Rarity = RareAbove<float, 0x7F7FFFFF>;
+    template <class D, class V, class... R>
+    static HWY_INLINE auto Main(D d, V x, R&... r) {
+      return Formula::Of(d, Reduce::template Whole<Formula::kCare>(d, x), r...);
+    }
+    template <class... R>
+    static HWY_INLINE int Rare(float x, R*... r) {
+      return sTrigScalar(x, r...);
+    }
+  };
+};
+
+// The same in double precision: vectors of half as many floats, computed to some 42 bits. Results
+// that are so near the midpoint between two floats that the error could decide are settled one by
+// one.
+template <class Formula>
+struct TrigWide : Kernel<float, double> {
+  static constexpr int kUnroll = Formula::kUnroll;
+  static constexpr int kResults = Formula::kResults;
+  using Reduce = Reduction<Formula::kTurn>;
+  using Rarity = RareAbove<float, BitsOfNumber(kWideLimit) - 1>;
+
+  // The distance from a midpoint in last places of a double is 2^kDoubt or less.
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> InDoubt(D d, V v) {
+    const auto above = hn::Add(Bits(d, v), SetBits(d, (1ull << 28) + (1ull << Formula::kDoubt)));
+    constexpr uint64_t kMask = (1ull << 29) - (1ull << (Formula::kDoubt + 1));
+    return hn::RebindMask(d, hn::Eq(hn::And(above, SetBits(d, kMask)), SetBits(d, 0)));
+  }
+  template <class D, class V, class W>
+  static HWY_NOINLINE W Settled(D d, V x, W v, sSettle settle) {
+    const hn::Rebind<double, D> wide;
+    HWY_ALIGN float xs[hn::MaxLanes(D())];
+    HWY_ALIGN double vs[hn::MaxLanes(D())];
+    hn::Store(x, d, xs);
+    hn::Store(v, wide, vs);
+    for (size_t i = 0; i < hn::Lanes(d); ++i) vs[i] = settle(xs[i], vs[i], Formula::kDoubt);
+    return hn::Load(wide, vs);
+  }
+
+  template <bool kWhole, class D, class V>
+  static HWY_INLINE auto Reduced(D d, V x) {
+    const hn::Rebind<double, D> wide;
+    if constexpr (kWhole) {
+      return Reduce::WholeWide(d, x);
+    } else {
+      return Reduce::NearWide(wide, hn::PromoteTo(wide, x));
+    }
+  }
+  template <bool kWhole, class D, class V, size_t K>
+  static HWY_INLINE void Group(D d, const V (&x)[K], V (&r)[K]) {
+    const hn::Rebind<double, D> wide;
+    VecOf<decltype(wide)> v[K];
+    for (size_t k = 0; k < K; ++k) v[k] = Formula::Of(wide, Reduced<kWhole>(d, x[k]));
+    auto doubt = InDoubt(wide, v[0]);
+    for (size_t k = 1; k < K; ++k) doubt = hn::Or(doubt, InDoubt(wide, v[k]));
+    if (!hn::AllFalse(wide, doubt)) [[unlikely]] {
+      for (size_t k = 0; k < K; ++k) v[k] = Settled(d, x[k], v[k], Formula::kSettle);
+    }
+    for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, v[k]);
+  }
+  template <bool kWhole, class D, class V>
+  static HWY_INLINE void Two(D d, V x, V& r1, V& r2) {
+    const hn::Rebind<double, D> wide;
+    VecOf<decltype(wide)> v1, v2;
+    Formula::Of(wide, Reduced<kWhole>(d, x), v1, v2);
+    const auto doubt = hn::Or(InDoubt(wide, v1), InDoubt(wide, v2));
+    if (!hn::AllFalse(wide, doubt)) [[unlikely]] {
+      v1 = Settled(d, x, v1, sSettleSine);
+      v2 = Settled(d, x, v2, sSettleCosine);
+    }
+    r1 = hn::DemoteTo(d, v1);
+    r2 = hn::DemoteTo(d, v2);
+  }
+
+  template <class D, class V, size_t K>
+  requires(kResults == 1) static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    Group<false>(d, x, r);
+  }
+  template <class D, class V>
+  static HWY_INLINE void Main(D d, V x, V& r1, V& r2) {
+    Two<false>(d, x, r1, r2);
+  }
+  template <class... R>
+  static HWY_INLINE int Rare(float x, R*... r) {
+    return sTrigScalar(x, r...);
+  }
+
+  struct Wide : Kernel<float, double> {
+    static constexpr int kUnroll = 2;
+    static constexpr int kResults = Formula::kResults;
+    using Rarity = RareAbove<float, 0x7F7FFFFF>;
+    template <class D, class V, size_t K>
+    requires(kResults == 1) static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+      Group<true>(d, x, r);
+    }
+    template <class D, class V>
+    static HWY_INLINE void Main(D d, V x, V& r1, V& r2) {
+      Two<true>(d, x, r1, r2);
+    }
+    template <class... R>
+    static HWY_INLINE int Rare(float x, R*... r) {
+      return sTrigScalar(x, r...);
+    }
+  };
+};
+
+// A reduced argument whose powers raise no underflow. AVX-512 multiplies without flags (QuietMul);
+// the other levels put 0 in place of tiny numbers, and the terms that are added to them vanish as
+// they would anyway: they are -0, where the first coefficient is negative.
+template <Turn kTurn, class D, class V>
+HWY_INLINE V Tame(D d, V y) {
+  if (HWY_TARGET == HWY_AVX3 || kTurn == Turn::kCosine) return y;  // the cosine's are not tiny
+  return hn::IfThenZeroElse(MagnitudeBelow(d, y, 0x1p-40f), y);
+}
+
+// Lanes with an odd k.
+template <class D>
+HWY_INLINE MaskOf<D> OddQuarter(D d, BitsOf<D> k) {
+  const auto one = SetBits(d, 1);
+  return hn::RebindMask(d, hn::Eq(hn::And(k, one), one));
+}
+
+// sin y: the sine and the cosine. The cosine's polynomials give 1 at pi/2.
+template <class Half>
+struct sSineNarrow {
+  static constexpr int kUnroll = 8, kResults = 1;
+  static constexpr Turn kTurn = Half::kTurn;
+  static constexpr Care kCare = Half::kCare;
+  template <class D>
+  static HWY_INLINE VecOf<D> Of(D d, Reduced<D> u) {
+    const auto tame = Tame<kTurn>(d, u.y);
+    const auto s = QuietMul(d, tame, tame);
+    auto p = QuietMul(d, QuietMul(d, tame, s), QuietHorner(d, s, Half::kPolynomial));
+    if (Half::kCare != Care::kRough) p = hn::Sub(p, u.excess);
+    const auto sum = hn::Add(u.y, p);
+    return HWY_TARGET == HWY_AVX3 && kTurn == Turn::kSine ? KeepSign(d, sum, u.y) : sum;
+  }
+};
+
+template <Turn kTurnOf, sSettle kSettleOf>
+struct sSineHA {
+  static constexpr int kUnroll = 4, kResults = 1, kDoubt = 10;
+  static constexpr Turn kTurn = kTurnOf;
+  static constexpr sSettle kSettle = kSettleOf;
+  template <class D>
+  static HWY_INLINE VecOf<D> Of(D d, Reduced<D> u) {
+    const auto s = hn::Mul(u.y, u.y);
+    const auto p = EvenOdd(d, s, hn::Mul(s, s), sSinHAPolynomial);
+    const auto sum = hn::Add(hn::Mul(hn::Mul(u.y, s), p), u.y);
+    return kTurn == Turn::kSine ? KeepSign(d, sum, u.y) : sum;
+  }
+};
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__HEAP_REAL_TRIG_SINGLE_INL_H_
