@@ -129,6 +129,7 @@ PEXQUO_API int _pexsUnpackV(int64_t n, const float* a, float* y, const void* iy,
 PEXQUO_API int _pexdUnpackM(int64_t n, const double* a, double* y, const void* my, int32_t width);
 PEXQUO_API int _pexsUnpackM(int64_t n, const float* a, float* y, const void* my, int32_t width);
 
+#include "pexquo/pex_elements.h"
 #include "pexquo/pex_functions.h"
 #include "pexquo/pex_elements.h"
 

@@ -3,13 +3,14 @@
 //
 // A kernel is a struct derived from Kernel<T, Compute> with
 //   Rarity                 a test of bits-inl.h for the lanes that Main does not handle, or instead
-//   IsRare(d, x...)        their mask. It raises no flag: Lt and its kin signal invalid on a NaN,
-//   so
-//                          NaNs are found in the bits or by Eq;
+//   IsRare(d, x...)        their mask; beside a Rarity it has the last word on a vector.
+//                          Comparisons with NaN would raise invalid, so NaNs are found in the bits
+//                          or by Eq;
+//   MayBeRare(d, x, y)     optional: a cheaper mask that covers IsRare and decides for a group; its
+//                          masks are tested together and not used by lane;
 //   Main(d, x...)          the result of common lanes; (d, x, r1, r2) where there are two results;
-//   or MainGroup(d, x, r)     the same for arrays of several vectors, step by step for all of them:
-//   long
-//                          chains of dependent operations then overlap;
+//   or MainGroup(d, x..., r)  the same for arrays of several vectors, step by step for all of them:
+//                          long chains of dependent operations then overlap; r may be an x;
 //   or TryGroup(d, x, y, r)   the same for two arguments, with a test of its own: false, with
 //                          results of no use, when IsRare would name some lane. For kernels that
 //                          know their rare lanes by what they compute;
@@ -115,6 +116,10 @@ inline constexpr bool HasMainGroup = requires(D d, VecOf<D> (&v)[1]) {
   K::MainGroup(d, v, v);
 };
 template <class K, class D>
+inline constexpr bool HasMainGroup2 = requires(D d, VecOf<D> (&v)[1]) {
+  K::MainGroup(d, v, v, v);
+};
+template <class K, class D>
 inline constexpr bool HasTryGroup = requires(D d, VecOf<D> (&v)[1]) {
   K::TryGroup(d, v, v, v);
 };
@@ -122,12 +127,21 @@ template <class K>
 inline constexpr bool HasRarity = requires {
   typename K::Rarity;
 };
+template <class K, class D>
+inline constexpr bool HasIsRare = requires(D d, VecOf<D> x) {
+  K::IsRare(d, x);
+};
+
+template <class K, class D>
+inline constexpr bool HasMayBeRare = requires(D d, VecOf<D> v) {
+  K::MayBeRare(d, v, v);
+};
 
 template <class K, class D, class V>
 HWY_INLINE MaskOf<D> RareLanes(D d, V x, V y) {
   if constexpr (K::kArguments == 2) {
     return K::IsRare(d, x, y);
-  } else if constexpr (HasRarity<K>) {
+  } else if constexpr (HasRarity<K> && !HasIsRare<K, D>) {
     // Select asks for whole lanes of ones.
     const auto above = KeyAbove(d, K::Rarity::Key(d, x), K::Rarity::kLimit);
     return hn::RebindMask(d, hn::Lt(Bits(d, hn::VecFromMask(d, above)), SetBits(d, 0)));
@@ -157,6 +171,10 @@ HWY_INLINE bool AnyRare(D d, const V* x, const V* y) {
     auto key = K::Rarity::Key(d, x[0]);
     for (int k = 1; k < kVectors; ++k) key = JoinKeys(d, key, K::Rarity::Key(d, x[k]));
     return !hn::AllFalse(d, KeyAbove(d, key, K::Rarity::kLimit));
+  } else if constexpr (HasMayBeRare<K, D>) {
+    auto rare = K::MayBeRare(d, x[0], y[0]);
+    for (int k = 1; k < kVectors; ++k) rare = hn::Or(rare, K::MayBeRare(d, x[k], y[k]));
+    return !hn::AllFalse(d, rare);
   } else {
     auto rare = RareLanes<K>(d, x[0], y[0]);
     for (int k = 1; k < kVectors; ++k) rare = hn::Or(rare, RareLanes<K>(d, x[k], y[k]));
@@ -169,6 +187,10 @@ HWY_INLINE void Compute(D d, V x, V y, V& r1, V& r2) {
   if constexpr (HasMainGroup<K, D>) {
     V in[1] = {x}, out[1];
     K::MainGroup(d, in, out);
+    r1 = out[0];
+  } else if constexpr (HasMainGroup2<K, D>) {
+    V in1[1] = {x}, in2[1] = {y}, out[1];
+    K::MainGroup(d, in1, in2, out);
     r1 = out[0];
   } else if constexpr (HasTryGroup<K, D>) {
     V in1[1] = {x}, in2[1] = {y}, out[1] = {r1};
@@ -272,6 +294,8 @@ HWY_INLINE bool CommonGroup(const C& call, size_t i) {
     return false;
   } else if constexpr (HasMainGroup<K, decltype(d)>) {
     K::MainGroup(d, x, x);
+  } else if constexpr (HasMainGroup2<K, decltype(d)>) {
+    K::MainGroup(d, x, y, x);
   } else {
     for (int k = 0; k < kVectors; ++k) {
       V v1 = x[k], v2 = x[k];

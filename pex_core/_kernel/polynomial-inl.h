@@ -24,6 +24,16 @@ HWY_INLINE V Horner(D d, V x, const hn::TFromD<D> (&c)[N]) {
   return p;
 }
 
+// The same for several vectors, a step at a time for all of them.
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void Horner(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&p)[K]) {
+  for (size_t k = 0; k < K; ++k) p[k] = hn::Set(d, c[N - 1]);
+  for (size_t i = N - 1; i-- > 0;) {
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(p[k], x[k]);
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Add(p[k], hn::Set(d, c[i]));
+  }
+}
+
 // Pairs (c[0] + c[1] x) + x^2 ((c[2] + c[3] x) + x^2 ...): half the latency.
 template <class D, class V, size_t N>
 HWY_INLINE V EvenOdd(D d, V x, V x2, const hn::TFromD<D> (&c)[N]) {

@@ -1,0 +1,135 @@
+// Rows of tables by lane: loads of whole rows and a transposition, which take less time than a
+// gather for each column.
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+
+#include "hwy/highway.h"
+#include "pex_core/_kernel/bits-inl.h"
+
+#if defined(PEX_CORE__HEAP_REAL_ERF_ROWS_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__HEAP_REAL_ERF_ROWS_INL_H_
+#undef PEX_CORE__HEAP_REAL_ERF_ROWS_INL_H_
+#else
+#define PEX_CORE__HEAP_REAL_ERF_ROWS_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// Rows of kBytes begin at these bytes of a table, from row numbers in the low 16 bits of each lane.
+// They go by memory: the loads that fetch them leave the vector units to the arithmetic.
+template <size_t kBytes, class D>
+class RowOffsets {
+ public:
+  RowOffsets() = default;
+  HWY_INLINE RowOffsets(D d, BitsOf<D> j) {
+    constexpr int kShift = std::countr_zero(kBytes);
+    const auto offset = hn::And(hn::ShiftLeft<kShift>(j), SetBits(d, 0xFFFF * kBytes));
+    hn::Store(offset, hn::RebindToSigned<D>(), at_);
+    asm("" : "+m"(at_));
+  }
+  HWY_INLINE size_t Byte(size_t lane) const { return static_cast<size_t>(at_[lane]); }
+  HWY_INLINE const double* Of(const double* table, size_t lane) const {
+    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(table) + at_[lane]);
+  }
+
+ private:
+  HWY_ALIGN int64_t at_[hn::MaxLanes(D())];
+};
+
+// Rows of two numbers.
+template <class V>
+struct Row2 {
+  V a, b;
+};
+
+template <class D>
+HWY_INLINE Row2<VecOf<D>> LoadRows2(D, const double* rows, const RowOffsets<16, D>& j) {
+  using V = VecOf<D>;
+  const auto row = [&](size_t lane) HWY_ATTR { return _mm_load_pd(j.Of(rows, lane)); };
+#if HWY_TARGET == HWY_AVX3
+  // Every other row: 128 bits each, in order.
+  const auto four = [&](size_t lane) HWY_ATTR {
+    const __m256d low = _mm256_insertf128_pd(_mm256_castpd128_pd256(row(lane)), row(lane + 2), 1);
+    const __m256d high =
+        _mm256_insertf128_pd(_mm256_castpd128_pd256(row(lane + 4)), row(lane + 6), 1);
+    return _mm512_insertf64x4(_mm512_castpd256_pd512(low), high, 1);
+  };
+  const __m512d even = four(0), odd = four(1);
+  return {V{_mm512_unpacklo_pd(even, odd)}, V{_mm512_unpackhi_pd(even, odd)}};
+#elif HWY_TARGET == HWY_AVX2
+  const __m256d even = _mm256_insertf128_pd(_mm256_castpd128_pd256(row(0)), row(2), 1);
+  const __m256d odd = _mm256_insertf128_pd(_mm256_castpd128_pd256(row(1)), row(3), 1);
+  return {V{_mm256_unpacklo_pd(even, odd)}, V{_mm256_unpackhi_pd(even, odd)}};
+#else
+  return {V{_mm_unpacklo_pd(row(0), row(1))}, V{_mm_unpackhi_pd(row(0), row(1))}};
+#endif
+}
+
+// Rows of four numbers.
+template <class V>
+struct Row4 {
+  V a, b, c, d;
+};
+
+template <class D>
+HWY_INLINE Row4<VecOf<D>> LoadRows4(D, const double* rows, const RowOffsets<32, D>& j) {
+  using V = VecOf<D>;
+#if HWY_TARGET == HWY_AVX3
+  const auto row = [&](size_t lane) HWY_ATTR { return _mm256_load_pd(j.Of(rows, lane)); };
+  const auto two = [&](size_t lane) HWY_ATTR {
+    return _mm512_insertf64x4(_mm512_castpd256_pd512(row(lane)), row(lane + 2), 1);
+  };
+  const __m512d r02 = two(0), r13 = two(1), r46 = two(4), r57 = two(5);
+  const __m512d even03 = _mm512_unpacklo_pd(r02, r13), odd03 = _mm512_unpackhi_pd(r02, r13);
+  const __m512d even47 = _mm512_unpacklo_pd(r46, r57), odd47 = _mm512_unpackhi_pd(r46, r57);
+  return {
+      V{_mm512_shuffle_f64x2(even03, even47, 0x88)}, V{_mm512_shuffle_f64x2(odd03, odd47, 0x88)},
+      V{_mm512_shuffle_f64x2(even03, even47, 0xDD)}, V{_mm512_shuffle_f64x2(odd03, odd47, 0xDD)}};
+#elif HWY_TARGET == HWY_AVX2
+  const auto row = [&](size_t lane) HWY_ATTR { return _mm256_load_pd(j.Of(rows, lane)); };
+  const __m256d r0 = row(0), r1 = row(1), r2 = row(2), r3 = row(3);
+  const __m256d even01 = _mm256_unpacklo_pd(r0, r1), odd01 = _mm256_unpackhi_pd(r0, r1);
+  const __m256d even23 = _mm256_unpacklo_pd(r2, r3), odd23 = _mm256_unpackhi_pd(r2, r3);
+  return {V{_mm256_permute2f128_pd(even01, even23, 0x20)},
+          V{_mm256_permute2f128_pd(odd01, odd23, 0x20)},
+          V{_mm256_permute2f128_pd(even01, even23, 0x31)},
+          V{_mm256_permute2f128_pd(odd01, odd23, 0x31)}};
+#else
+  const double* r0 = j.Of(rows, 0);
+  const double* r1 = j.Of(rows, 1);
+  const __m128d low0 = _mm_load_pd(r0), high0 = _mm_load_pd(r0 + 2);
+  const __m128d low1 = _mm_load_pd(r1), high1 = _mm_load_pd(r1 + 2);
+  return {V{_mm_unpacklo_pd(low0, low1)}, V{_mm_unpackhi_pd(low0, low1)},
+          V{_mm_unpacklo_pd(high0, high1)}, V{_mm_unpackhi_pd(high0, high1)}};
+#endif
+}
+
+// The words of a table beside one of rows of two numbers.
+template <class D>
+HWY_INLINE BitsOf<D> LoadWords(D, const uint64_t* words, const RowOffsets<16, D>& j) {
+  const auto word = [&](size_t lane) HWY_ATTR {
+    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(words) + j.Byte(lane) / 2);
+  };
+  const auto two = [&](size_t lane)
+                       HWY_ATTR { return _mm_loadh_pd(_mm_load_sd(word(lane)), word(lane + 1)); };
+#if HWY_TARGET == HWY_AVX3
+  const __m256d low = _mm256_insertf128_pd(_mm256_castpd128_pd256(two(0)), two(2), 1);
+  const __m256d high = _mm256_insertf128_pd(_mm256_castpd128_pd256(two(4)), two(6), 1);
+  return BitsOf<D>{_mm512_castpd_si512(_mm512_insertf64x4(_mm512_castpd256_pd512(low), high, 1))};
+#elif HWY_TARGET == HWY_AVX2
+  const __m256d all = _mm256_insertf128_pd(_mm256_castpd128_pd256(two(0)), two(2), 1);
+  return BitsOf<D>{_mm256_castpd_si256(all)};
+#else
+  return BitsOf<D>{_mm_castpd_si128(two(0))};
+#endif
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__HEAP_REAL_ERF_ROWS_INL_H_

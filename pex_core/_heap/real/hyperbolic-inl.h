@@ -1,0 +1,323 @@
+// What cosh, sinh and tanh share: argument reduction by points x[j] beside the eighths of ln2,
+// whose exponentials come from registers.
+//
+// |x| = n ln2 + x[j] + r, k = 8 n + j, gives A = e^(|x| - r)/2 and B = e^-(|x| - r)/2, and with
+// C = A + B and S = A - B
+//   cosh x = C cosh r + S sinh r,   sinh |x| = S cosh r + C sinh r.
+// For k = 0 that is C = 1, S = 0, r = |x| exactly, so there is no second regime near zero: A and B
+// have no rounding errors that S could magnify, as both exponentials of a point are within 2^-65 of
+// doubles (2^-31 of floats).
+
+#include <cstdint>
+
+#include "hwy/highway.h"
+#include "pex_core/_heap/real/exp_single-inl.h"
+#include "pex_core/_heap/real/hyperbolic_polynomials.h"
+#include "pex_core/_heap/real/hyperbolic_tables.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/_kernel/polynomial-inl.h"
+
+#if defined(PEX_CORE__HEAP_REAL_HYPERBOLIC_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__HEAP_REAL_HYPERBOLIC_INL_H_
+#undef PEX_CORE__HEAP_REAL_HYPERBOLIC_INL_H_
+#else
+#define PEX_CORE__HEAP_REAL_HYPERBOLIC_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// Entries k & 7 of tables of 8 doubles; the other bits of k are of no concern.
+template <class D>
+struct EighthLookup {
+#if HWY_TARGET == HWY_AVX3
+  __m512i index;
+  explicit HWY_INLINE EighthLookup(BitsOf<D> k) : index(k.raw) {}
+  HWY_INLINE VecOf<D> operator()(const double* table) const {
+    return VecOf<D>{_mm512_permutexvar_pd(index, _mm512_load_pd(table))};
+  }
+#elif HWY_TARGET == HWY_AVX2
+  __m256i index;  // of the 32-bit halves in four doubles
+  __m256d upper;  // whether in the upper four: in the sign
+  explicit HWY_INLINE EighthLookup(BitsOf<D> k) {
+    const __m256i twice = _mm256_slli_epi32(_mm256_shuffle_epi32(k.raw, 0xA0), 1);
+    index = _mm256_add_epi32(twice, _mm256_set1_epi64x(int64_t{1} << 32));
+    upper = _mm256_castsi256_pd(_mm256_slli_epi64(k.raw, 61));
+  }
+  HWY_INLINE VecOf<D> operator()(const double* table) const {
+    const auto four = [&](const double* t) HWY_ATTR {
+      const __m256 halves = _mm256_castpd_ps(_mm256_load_pd(t));
+      return _mm256_castps_pd(_mm256_permutevar8x32_ps(halves, index));
+    };
+    return VecOf<D>{_mm256_blendv_pd(four(table), four(table + 4), upper)};
+  }
+#else
+  BitsOf<D> index;
+  explicit HWY_INLINE EighthLookup(BitsOf<D> k) : index(hn::And(k, SetBits(D(), 7))) {}
+  HWY_INLINE VecOf<D> operator()(const double* table) const {
+    return hn::GatherIndex(D(), table, index);
+  }
+#endif
+  HWY_INLINE BitsOf<D> operator()(const int64_t* table) const {
+    return Bits(D(), (*this)(reinterpret_cast<const double*>(table)));
+  }
+};
+
+// The same of floats, each table standing twice in memory.
+template <class D>
+struct SingleEighthLookup {
+  BitsOf<D> k;
+  explicit HWY_INLINE SingleEighthLookup(BitsOf<D> number) : k(number) {}
+  HWY_INLINE VecOf<D> operator()(const float* table) const { return LookupEighth(D(), table, k); }
+  HWY_INLINE BitsOf<D> operator()(const int32_t* table) const {
+    return Bits(D(), (*this)(reinterpret_cast<const float*>(table)));
+  }
+};
+
+// x and 2^-300 (single: 2^-36), for products that must not underflow and matter only beside 1.
+template <class D, class V>
+HWY_INLINE V AboveUnderflow(D d, V x) {
+  return hn::Add(x, hn::Set(d, sizeof(hn::TFromD<D>) == 8 ? 0x1p-300 : 0x1p-36f));
+}
+
+template <class D, class V>
+HWY_INLINE V SquareNearZero(D d, V r) {
+  const V w = AboveUnderflow(d, r);
+  return hn::Mul(w, w);
+}
+
+// k = round(x steps), in the low bits of a lane and as a number.
+template <class D>
+struct NearestStep {
+  BitsOf<D> k;
+  VecOf<D> kd;
+};
+
+template <class D, class V>
+HWY_INLINE NearestStep<D> ToNearestStep(D d, V x, hn::TFromD<D> steps) {
+  const V shifter = hn::Set(d, sizeof(hn::TFromD<D>) == 8 ? 0x1.8p52 : 0x1.8p23f);
+  const V kf = hn::Add(hn::Mul(x, hn::Set(d, steps)), shifter);
+  return {Bits(d, kf), hn::Sub(kf, shifter)};
+}
+
+// ---- Cosh and sinh, 0 <= x < 704 or, in single precision, x < 86.5 ----
+
+// Steps of ln2/8 = kHi + kLo, the product of any k and the first part exact.
+template <typename T>
+struct EighthSteps;
+
+template <>
+struct EighthSteps<double> {
+  template <class D>
+  using Lookup = EighthLookup<D>;
+  static constexpr double kPerUnit = 0x1.71547652b82fep+3;
+  static constexpr double kHi = 0x1.62e42fefap-4, kLo = 0x1.cf79abc9e3b3ap-43;
+  static constexpr double kDelay = 0x1.0a2bp-6;  // 3/16 of a step
+  static constexpr int kToExponent = 49;
+  static constexpr auto& kOffset = dHyperbolicOffset;
+  static constexpr auto& kGrow = dHyperbolicGrow;
+  static constexpr auto& kDecay = dHyperbolicDecay;
+  static constexpr auto& kPlainGrow = dHyperbolicPlainGrow;
+  static constexpr auto& kPlainDecay = dHyperbolicPlainDecay;
+};
+
+template <>
+struct EighthSteps<float> {
+  template <class D>
+  using Lookup = SingleEighthLookup<D>;
+  static constexpr float kPerUnit = 0x1.715476p+3f;
+  static constexpr float kHi = 0x1.62ep-4f, kLo = 0x1.0bfbe8p-18f;
+  static constexpr float kDelay = 0x1.0a2bp-6f;
+  static constexpr int kToExponent = 20;
+  static constexpr auto& kOffset = sHyperbolicOffset;
+  static constexpr auto& kGrow = sHyperbolicGrow;
+  static constexpr auto& kDecay = sHyperbolicDecay;
+  static constexpr auto& kPlainGrow = sHyperbolicPlainGrow;
+  static constexpr auto& kPlainDecay = sHyperbolicPlainDecay;
+};
+
+enum class Points {
+  kRoughFromZero,  // as kRough, for tiny x too, whose product with the steps would underflow
+  kRough,          // the eighths of ln2 in one part: r is good to 2^-40 (single: 2^-18)
+  kPlain,          // the eighths, A and B rounded: good enough for their sum
+  kLate,           // the points beside them, A and B exact, each point a little after its turn
+  kAccurate        // the same each in its turn
+};
+
+template <class V>
+struct HyperbolicSplit {
+  V grow, decay;  // A and B
+  V r;
+  V r_rest;  // of accurate points: what is below the double of r
+};
+
+template <Points kPoints, class D, class V>
+HWY_INLINE HyperbolicSplit<V> Split(D d, V x) {
+  using Steps = EighthSteps<hn::TFromD<D>>;
+  constexpr bool kAccurate = kPoints == Points::kAccurate || kPoints == Points::kLate;
+  HyperbolicSplit<V> u;
+  V turn = x;
+  if constexpr (kPoints == Points::kLate) turn = hn::Sub(x, hn::Set(d, Steps::kDelay));
+  if constexpr (kPoints == Points::kRoughFromZero) turn = AboveUnderflow(d, x);
+  const auto [k, kd] = ToNearestStep(d, turn, Steps::kPerUnit);
+  const typename Steps::template Lookup<D> lookup(k);
+  const auto n = hn::ShiftLeft<Steps::kToExponent>(k);
+  const auto& grow = kAccurate ? Steps::kGrow : Steps::kPlainGrow;
+  const auto& decay = kAccurate ? Steps::kDecay : Steps::kPlainDecay;
+  u.grow = FromBits(d, hn::Add(lookup(grow), n));
+  u.decay = FromBits(d, hn::Sub(lookup(decay), n));
+  if constexpr (kPoints == Points::kRough || kPoints == Points::kRoughFromZero) {
+    u.r = u.r_rest = hn::Sub(x, hn::Mul(kd, hn::Set(d, Steps::kHi + Steps::kLo)));
+  } else {
+    V r0 = hn::Sub(x, hn::Mul(kd, hn::Set(d, Steps::kHi)));
+    if constexpr (kAccurate) r0 = hn::Sub(r0, lookup(Steps::kOffset));  // exact
+    const V r1 = hn::Mul(kd, hn::Set(d, Steps::kLo));
+    u.r = hn::Sub(r0, r1);
+    u.r_rest = hn::Sub(hn::Sub(r0, u.r), r1);
+  }
+  return u;
+}
+
+// a cosh r + b sinh r, where cosh r = 1 + r2 even(r2) and sinh r = r (1 + r2 odd(r2)). The last
+// product is exact for a = 0, b = 1 and tiny r.
+template <class D, class V, size_t N, size_t M>
+HWY_INLINE V HyperbolicSum(D d, V a, V b, V r, V r2, const hn::TFromD<D> (&even)[N],
+                           const hn::TFromD<D> (&odd)[M]) {
+  const V one = hn::Set(d, static_cast<hn::TFromD<D>>(1));
+  const V c = hn::Mul(r2, Horner(d, r2, even));
+  const V s = hn::Mul(r, hn::Add(hn::Mul(r2, Horner(d, r2, odd)), one));
+  return hn::Add(a, hn::Add(hn::Mul(a, c), hn::Mul(b, s)));
+}
+
+// cosh x for x >= 2^-300 (single: 2^-36), which has the square of r without an underflow.
+template <Points kPoints, class D, class V, size_t K, size_t N, size_t M>
+HWY_INLINE void CoshOfMagnitude(D d, const V (&x)[K], V (&out)[K], const hn::TFromD<D> (&even)[N],
+                                const hn::TFromD<D> (&odd)[M]) {
+  HyperbolicSplit<V> u[K];
+  for (size_t k = 0; k < K; ++k) u[k] = Split<kPoints>(d, x[k]);
+  for (size_t k = 0; k < K; ++k) {
+    const auto& [grow, decay, r, rest] = u[k];
+    const V a = hn::Add(grow, decay), b = hn::Sub(grow, decay);
+    out[k] = HyperbolicSum(d, a, b, r, hn::Mul(r, r), even, odd);
+  }
+}
+
+// sinh x, x >= 0.
+template <Points kPoints, class D, class V, size_t K, size_t N, size_t M>
+HWY_INLINE void SinhOfMagnitude(D d, const V (&x)[K], V (&out)[K], const hn::TFromD<D> (&even)[N],
+                                const hn::TFromD<D> (&odd)[M]) {
+  HyperbolicSplit<V> u[K];
+  for (size_t k = 0; k < K; ++k) u[k] = Split<kPoints>(d, x[k]);
+  for (size_t k = 0; k < K; ++k) {
+    const auto& [grow, decay, r, rest] = u[k];
+    const V a = hn::Sub(grow, decay), b = hn::Add(grow, decay);
+    out[k] = HyperbolicSum(d, a, b, r, SquareNearZero(d, r), even, odd);
+  }
+}
+
+// The HA tier: a cosh r + b sinh r with a = C, b = S (kCosh) or the reverse, all of them with the
+// rests below their doubles. a, b r and their sum have no rounding error; what is left is below
+// 2^-9 of the result.
+template <bool kCosh, class D, class V, size_t K>
+HWY_INLINE void HyperbolicHA(D d, const V (&x)[K], V (&out)[K]) {
+  HyperbolicSplit<V> u[K];
+  V r2[K], even[K], odd[K];
+  for (size_t k = 0; k < K; ++k) {
+    u[k] = Split<Points::kAccurate>(d, x[k]);
+    // Far beyond the last place, but what is left of it must not underflow when r multiplies it.
+    u[k].decay = hn::Max(u[k].decay, hn::Set(d, 0x1p-200));
+    r2[k] = hn::Mul(u[k].r, u[k].r);
+  }
+  for (size_t k = 0; k < K; ++k) {
+    even[k] = Horner(d, r2[k], dCoshHAPolynomial);
+    odd[k] = Horner(d, r2[k], dSinhPolynomial);
+  }
+  for (size_t k = 0; k < K; ++k) {
+    const V r = u[k].r;
+    const V cosh = hn::Mul(r2[k], hn::Add(hn::Set(d, 0.5), hn::Mul(r2[k], even[k])));  // cosh r - 1
+    const V sinh = hn::Add(hn::Mul(hn::Mul(r, r2[k]), odd[k]), u[k].r_rest);           // sinh r - r
+    const Pair<V> sum = FastTwoSum(u[k].grow, u[k].decay);
+    const V difference = hn::Sub(u[k].grow, u[k].decay);
+    const Pair<V> rest = {difference, hn::Sub(hn::Sub(u[k].grow, difference), u[k].decay)};
+    const Pair<V> a = kCosh ? sum : rest, b = kCosh ? rest : sum;
+    const Pair<V> product = TwoProduct(d, b.hi, r);
+    const Pair<V> head = FastTwoSum(a.hi, product.hi);
+    const V low = hn::Add(hn::Add(a.lo, head.lo), hn::Add(product.lo, hn::Mul(b.lo, r)));
+    const V high = hn::Add(hn::Mul(a.hi, cosh), hn::Mul(b.hi, sinh));
+    out[k] = hn::Add(head.hi, hn::Add(high, low));
+  }
+}
+
+// ---- Tanh ----
+
+// |x| = n ln2/2 + y[j]/2 + h, where P/2 = 2^n e^y[j]/2: with t = tanh h
+//   tanh |x| = ((P - 1) + (P + 1) t)/((P + 1) + (P - 1) t).
+// P is a double to 2^-64, and (P + 1)/2 one for n < 3.
+template <class V>
+struct TanhSplit {
+  V half_power;  // P/2
+  V h;
+  V h_rest;  // what is below the double of h
+};
+
+// The magnitude for which tanh is computed, 2^-100 to 22: below, the argument is its own result,
+// and above the result is 1, as it is for 22.
+template <class D, class V>
+HWY_INLINE V TanhMagnitude(D d, V x) {
+  return hn::Min(hn::Max(hn::Abs(x), hn::Set(d, 0x1p-100)), hn::Set(d, 22.0));
+}
+
+// y with the sign of x, and not above |x|.
+template <class V>
+HWY_INLINE V TanhResult(V y, V x) {
+  return hn::CopySignToAbs(hn::Min(y, hn::Abs(x)), x);
+}
+
+// The step is the nearest one to 16 |x|/ln2 less 1/4, so that h is at most a third of |x|, and what
+// is rounded in h is a third at most as large in relation to |x|.
+template <class D, class V>
+HWY_INLINE TanhSplit<V> SplitForTanh(D d, V m) {
+  // ln2/16, the product of k and the first part exact.
+  constexpr double kHi = 0x1.62e42fefa38p-5, kLo = 0x1.ef35793c7673p-49;
+  TanhSplit<V> u;
+  const V shifted = hn::Sub(m, hn::Set(d, 0x1.62e4p-7));
+  const auto [k, kd] = ToNearestStep(d, shifted, 0x1.71547652b82fep+4);
+  const EighthLookup<D> lookup(k);
+  const auto power = lookup(dHyperbolicTangentGrow);
+  u.half_power = FromBits(d, hn::Add(power, hn::ShiftLeft<49>(k)));
+  const V h0 = hn::Sub(hn::Sub(m, hn::Mul(kd, hn::Set(d, kHi))),
+                       lookup(dHyperbolicTangentHalfOffset));  // exact
+  const V h1 = hn::Mul(kd, hn::Set(d, kLo));
+  u.h = hn::Sub(h0, h1);
+  u.h_rest = hn::Sub(hn::Sub(h0, u.h), h1);
+  return u;
+}
+
+// tanh m for m of TanhMagnitude. What is rounded away from both sides of the quotient comes back
+// at the end, divided by roughly the divisor.
+template <class D, class V, size_t K>
+HWY_INLINE void TanhOfMagnitude(D d, const V (&m)[K], V (&out)[K]) {
+  TanhSplit<V> u[K];
+  for (size_t k = 0; k < K; ++k) u[k] = SplitForTanh(d, m[k]);
+  for (size_t k = 0; k < K; ++k) {
+    const auto& [half_power, h, h_rest] = u[k];
+    const V half = hn::Set(d, 0.5);
+    const V h2 = hn::Mul(h, h);
+    const V t = hn::Add(hn::Mul(h, hn::Mul(h2, Horner(d, h2, dTanhPolynomial))), h);
+    const V a = hn::Sub(half_power, half), b = hn::Add(half_power, half);
+    const Pair<V> above = FastTwoSum(a, hn::Mul(b, t)), below = FastTwoSum(b, hn::Mul(a, t));
+    const V q = hn::Div(above.hi, below.hi);
+    const V rest = hn::Sub(above.lo, hn::Mul(q, below.lo));
+    // 1/below.hi to an eighth of itself.
+    const V inverse = FromBits(d, hn::Sub(SetBits(d, 0x7FDE000000000000), Bits(d, below.hi)));
+    out[k] = hn::Add(q, hn::Mul(rest, inverse));
+  }
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__HEAP_REAL_HYPERBOLIC_INL_H_

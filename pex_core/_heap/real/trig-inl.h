@@ -1,0 +1,266 @@
+// What the double-precision trigonometric kernels share: the loop with its two ways, and the parts
+// of the formulas.
+//
+// Most arguments have usual exponents: one test of a group's joined exponent bits says so, and the
+// formula is computed without further ado. Groups with a tiny, large or special argument go through
+// Wide, vector by vector: tiny arguments have their limit as result, large ones are reduced
+// exactly, and the lanes are blended, so that no lane's result depends on its neighbours.
+
+#include <cstdint>
+
+#include "hwy/highway.h"
+#include "pex_core/_heap/real/trig_polynomials.h"
+#include "pex_core/_heap/real/trig_rare.h"
+#include "pex_core/_heap/real/trig_reduce-inl.h"
+#include "pex_core/_heap/real/trig_tables.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/_kernel/polynomial-inl.h"
+
+#if defined(PEX_CORE__HEAP_REAL_TRIG_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__HEAP_REAL_TRIG_INL_H_
+#undef PEX_CORE__HEAP_REAL_TRIG_INL_H_
+#else
+#define PEX_CORE__HEAP_REAL_TRIG_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+enum class Wave { kSine, kCosine };
+
+inline constexpr double kShifter = 0x1.8p52;  // leaves the rounded integer in the low bits
+
+// Magnitudes from 2^kFirst below 2^(kFirst + 2^kLog2Count): their exponents less the first have
+// only the lowest bits, whatever the sign.
+template <int kFirst, int kLog2Count>
+struct UsualExponents {
+  static constexpr uint64_t kMask = (uint64_t{0x7FF} << (52 + kLog2Count)) & ~(uint64_t{1} << 63);
+  static constexpr uint64_t kOffset = uint64_t{1023 + kFirst} << 52;
+  static constexpr double kLimit =
+      __builtin_bit_cast(double, kOffset + (uint64_t{1} << (52 + kLog2Count)));
+  template <class D, size_t K>
+  static HWY_INLINE bool All(D d, const VecOf<D> (&x)[K]) {
+    auto joined = hn::Sub(Bits(d, x[0]), SetBits(d, kOffset));
+    for (size_t k = 1; k < K; ++k) {
+      joined = hn::Or(joined, hn::Sub(Bits(d, x[k]), SetBits(d, kOffset)));
+    }
+#if HWY_TARGET == HWY_AVX3
+    return _mm512_test_epi64_mask(joined.raw, SetBits(d, kMask).raw) == 0;
+#elif HWY_TARGET == HWY_AVX2
+    return _mm256_testz_si256(joined.raw, SetBits(d, kMask).raw) != 0;
+#else
+    return _mm_testz_si128(joined.raw, SetBits(d, kMask).raw) != 0;
+#endif
+  }
+};
+
+// A trigonometric kernel F has
+//   Usual                      its usual exponents;
+//   Group(d, x, r...)          results of usual lanes for arrays of vectors;
+//   Wide(d, x, r...)           results of any finite lanes.
+template <class F>
+struct TrigWide : Kernel<double> {
+  using Rarity = RareAbove<double, 0x7FEFFFFF>;  // infinities and NaN
+  static constexpr int kResults = F::kResults;
+  template <class... R>
+  static HWY_INLINE int Rare(double x, R... r) {
+    return TrigRare(x, r...);
+  }
+  template <class D, class V>
+  static HWY_INLINE V Main(D d, V x) {
+    const V in[1] = {x};
+    V r[1];
+    F::Wide(d, in, r);
+    return r[0];
+  }
+  template <class D, class V>
+  static HWY_INLINE void Main(D d, V x, V& r1, V& r2) {
+    const V in[1] = {x};
+    V out1[1], out2[1];
+    F::Wide(d, in, out1, out2);
+    r1 = out1[0];
+    r2 = out2[0];
+  }
+};
+
+// Elements i to end: some vectors at a time, rare lanes and the last elements vector by vector.
+template <class F, class C>
+HWY_NOINLINE void RunWide(const C& call, size_t i, size_t end) {
+  using K = TrigWide<F>;
+  const hn::ScalableTag<double> d;
+  using V = VecOf<decltype(d)>;
+  constexpr size_t kVectors = HWY_TARGET == HWY_AVX3 ? 4 : 2;
+  const size_t lanes = hn::Lanes(d);
+  while (i < end) {
+    if (i + kVectors * lanes <= end) {
+      V x[kVectors], r[kVectors];
+      for (size_t k = 0; k < kVectors; ++k) x[k] = call.a.Load(d, i + k * lanes);
+      if (!AnyRare<K, kVectors>(d, x, x)) [[likely]] {
+        if constexpr (F::kResults == 2) {
+          V r2[kVectors];
+          F::Wide(d, x, r, r2);
+          for (size_t k = 0; k < kVectors; ++k) hn::StoreU(r2[k], d, call.r2 + i + k * lanes);
+        } else {
+          F::Wide(d, x, r);
+        }
+        for (size_t k = 0; k < kVectors; ++k) hn::StoreU(r[k], d, call.r1 + i + k * lanes);
+        i += kVectors * lanes;
+        continue;
+      }
+    }
+    const size_t count = HWY_MIN(lanes, end - i);
+    CarefulVector<K>(call, i, count);
+    i += lanes;
+  }
+}
+
+// The elements that make no whole group: pairs of vectors, the last of them padded with harmless
+// arguments.
+template <class F, class C>
+HWY_INLINE void RunLast(const C& call, size_t i, size_t end) {
+  using K = TrigWide<F>;
+  const hn::ScalableTag<double> d;
+  using V = VecOf<decltype(d)>;
+  const size_t lanes = hn::Lanes(d);
+  for (; i < end; i += 2 * lanes) {
+    const size_t left = end - i;
+    const size_t count[2] = {HWY_MIN(lanes, left), left > lanes ? HWY_MIN(lanes, left - lanes) : 0};
+    V x[2], r[2], r2[2];
+    for (size_t k = 0; k < 2; ++k) {
+      const size_t at = i + k * lanes;
+      x[k] = count[k] == lanes ? call.a.Load(d, at)
+             : count[k] > 0    ? call.a.LoadTail(d, at, count[k], K::kHarmless)
+                               : hn::Set(d, K::kHarmless);
+    }
+    if (!F::Usual::All(d, x)) [[unlikely]] {
+      RunWide<F>(call, i, HWY_MIN(end, i + 2 * lanes));
+      continue;
+    }
+    if constexpr (F::kResults == 2) {
+      F::Group(d, x, r, r2);
+    } else {
+      F::Group(d, x, r);
+    }
+    for (size_t k = 0; k < 2 && count[k] > 0; ++k) {
+      StoreResults<K>(d, call, i + k * lanes, count[k], r[k], F::kResults == 2 ? r2[k] : r[k]);
+    }
+  }
+}
+
+template <class F>
+HWY_INLINE int RunTrig(int32_t n, const double* a, double* r1, double* r2, const char* name) {
+  const hn::ScalableTag<double> d;
+  using V = VecOf<decltype(d)>;
+  const ArraySource<double> in{a};
+  const Call<TrigWide<F>, ArraySource<double>, ArraySource<double>> call{in, in, a, r1, r2, name};
+  const size_t lanes = hn::Lanes(d);
+  const size_t group = F::kUnroll * lanes;
+  const size_t end = n > 0 ? static_cast<size_t>(n) : 0;
+  size_t i = 0;
+  for (; i + group <= end; i += group) {
+    V x[F::kUnroll];
+    for (size_t k = 0; k < F::kUnroll; ++k) x[k] = hn::LoadU(d, a + i + k * lanes);
+    if (!F::Usual::All(d, x)) [[unlikely]] {
+      RunWide<F>(call, i, i + group);
+      continue;
+    }
+    if constexpr (F::kResults == 2) {
+      V y[F::kUnroll];
+      F::Group(d, x, x, y);
+      for (size_t k = 0; k < F::kUnroll; ++k) {
+        hn::StoreU(x[k], d, r1 + i + k * lanes);
+        hn::StoreU(y[k], d, r2 + i + k * lanes);
+      }
+    } else {
+      F::Group(d, x, x);
+      for (size_t k = 0; k < F::kUnroll; ++k) hn::StoreU(x[k], d, r1 + i + k * lanes);
+    }
+  }
+  RunLast<F>(call, i, end);
+  return 0;
+}
+
+#define PEX_TRIG(body, F)                              \
+  int body(int32_t n, const double* a, double* r) {    \
+    return RunTrig<F>(n, a, r, r, _PEX_THISFUNC_NAME); \
+  }
+#define PEX_TRIG_TWO(body, F)                                    \
+  int body(int32_t n, const double* a, double* r1, double* r2) { \
+    return RunTrig<F>(n, a, r1, r2, _PEX_THISFUNC_NAME);         \
+  }
+
+// x - n p where n p is exact, so that the fused form is the same.
+template <class V, size_t K>
+HWY_INLINE void SubExactProducts(const V (&x)[K], const V (&n)[K], V p, V (&r)[K]) {
+  for (size_t k = 0; k < K; ++k) r[k] = hn::NegMulAdd(n[k], p, x[k]);
+}
+
+// The lanes of some vectors by magnitude, and the arguments of those in between, 0 in the others.
+// Large are those of which neither x nor x + shift is below the limit.
+template <class D, size_t K>
+struct TrigLanes {
+  MaskOf<D> tiny[K], large[K];
+  VecOf<D> x[K];
+  bool any_large;
+};
+
+template <class D, class V, size_t K>
+HWY_INLINE TrigLanes<D, K> SortLanes(D d, const V (&x)[K], double least, double limit,
+                                     double shift = 0) {
+  TrigLanes<D, K> lanes;
+  for (size_t k = 0; k < K; ++k) {
+    lanes.tiny[k] = MagnitudeBelow(d, x[k], least);
+    lanes.large[k] = hn::Not(MagnitudeBelow(d, x[k], limit));
+    if (shift != 0) {
+      const V shifted = hn::Add(x[k], hn::Set(d, shift));
+      lanes.large[k] = hn::AndNot(MagnitudeBelow(d, shifted, limit), lanes.large[k]);
+    }
+    lanes.x[k] = hn::IfThenZeroElse(hn::Or(lanes.tiny[k], lanes.large[k]), x[k]);
+  }
+  auto any = lanes.large[0];
+  for (size_t k = 1; k < K; ++k) any = hn::Or(any, lanes.large[k]);
+  lanes.any_large = !hn::AllFalse(d, any);
+  return lanes;
+}
+
+// The large lanes reduced; harmless arguments in the others.
+template <bool kBrief = false, class D, class V>
+HWY_INLINE ReducedByPiOver2<D> ReduceLargeLanes(D d, MaskOf<D> large, V x) {
+  return ReduceLarge<kBrief>(d, hn::IfThenElse(large, x, hn::Set(d, 1.0)));
+}
+
+// x with its sign flipped where the bit `kBit` of `bits` is set.
+template <int kBit, class D, class V>
+HWY_INLINE V FlipSign(D d, V x, BitsOf<D> bits) {
+  const auto sign = hn::ShiftLeft<63 - kBit>(bits);
+  if constexpr (kBit == 0) {
+    return FromBits(d, hn::Xor(Bits(d, x), sign));
+  } else {
+    return FromBits(d, hn::Xor(Bits(d, x), hn::And(sign, SetBits(d, uint64_t{1} << 63))));
+  }
+}
+
+// For the kernels of one polynomial: the sine of y and a sign in the lowest bit stand for the sine
+// of x, y for r or pi/2 - |r| as the quadrant is even or odd.
+template <class D>
+struct HalfTurn {
+  VecOf<D> y;
+  BitsOf<D> sign;
+};
+
+template <class D>
+HWY_INLINE HalfTurn<D> SineOfQuadrant(D d, const ReducedByPiOver2<D>& u, BitsOf<D> quadrant) {
+  const auto is_odd = hn::TestBit(quadrant, SetBits(d, 1));
+  const VecOf<D> half = hn::Set(d, 0x1.921fb54442d18p0);
+  const VecOf<D> other = hn::Sub(half, hn::Abs(hn::Add(u.r.hi, u.r.lo)));
+  return {hn::IfThenElse(hn::RebindMask(d, is_odd), other, u.r.hi), hn::ShiftRight<1>(quadrant)};
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__HEAP_REAL_TRIG_INL_H_

@@ -1,0 +1,178 @@
+// The kernels of sine and cosine in double precision.
+
+#include "hwy/highway.h"
+#include "pex_core/_heap/real/trig-inl.h"
+#include "pex_core/_heap/real/trig_sixteenth-inl.h"
+
+#if defined(PEX_CORE__HEAP_REAL_TRIG_SINE_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__HEAP_REAL_TRIG_SINE_INL_H_
+#undef PEX_CORE__HEAP_REAL_TRIG_SINE_INL_H_
+#else
+#define PEX_CORE__HEAP_REAL_TRIG_SINE_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+inline constexpr double kPiOver2 = 0x1.921fb54442d18p0;
+
+// x or x + pi/2 in half turns: the nearest integer k in the low bits of `sign`, and n, which is k
+// or k - 1/2, so that x = n pi + y.
+template <Wave kWave, class D, class V, size_t K>
+HWY_INLINE void NearestHalfTurn(D d, const V (&x)[K], BitsOf<D> (&sign)[K], V (&n)[K]) {
+  const V shifter = hn::Set(d, kShifter);
+  for (size_t k = 0; k < K; ++k) {
+    n[k] = kWave == Wave::kSine ? x[k] : hn::Add(x[k], hn::Set(d, kPiOver2));
+  }
+  for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], hn::Set(d, 0x1.45f306dc9c883p-2));
+  for (size_t k = 0; k < K; ++k) n[k] = hn::Add(n[k], shifter);
+  for (size_t k = 0; k < K; ++k) {
+    sign[k] = Bits(d, n[k]);
+    n[k] = hn::Sub(n[k], shifter);
+    if constexpr (kWave == Wave::kCosine) n[k] = hn::Sub(n[k], hn::Set(d, 0.5));
+  }
+}
+
+// Kernels of one odd polynomial in |y| <= pi/2. Formula has kLimitExponent (arguments
+// below 2^kLimitExponent are its own), kBrief, kUnroll, Reduce and Polynomial.
+template <Wave kWave, class Formula>
+struct HalfTurnWave {
+  static constexpr int kResults = 1;
+  static constexpr size_t kUnroll = Formula::kUnroll;
+  static constexpr double kTiny = 0x1p-27;  // sin x = x and cos x = 1 below
+  using Usual = UsualExponents<Formula::kLimitExponent - 32, 5>;
+
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Group(D d, const V (&x)[K], V (&r)[K]) {
+    V y[K];
+    BitsOf<D> sign[K];
+    Formula::template Reduce<kWave>(d, x, sign, y);
+    Formula::Polynomial(d, y, r);
+    for (size_t k = 0; k < K; ++k) r[k] = FlipSign<0>(d, r[k], sign[k]);
+  }
+
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Wide(D d, const V (&x)[K], V (&r)[K]) {
+    const auto lanes = SortLanes(d, x, kTiny, Usual::kLimit, kWave == Wave::kSine ? 0 : kPiOver2);
+    V y[K];
+    BitsOf<D> sign[K];
+    Formula::template Reduce<kWave>(d, lanes.x, sign, y);
+    if (lanes.any_large) {
+      for (size_t k = 0; k < K; ++k) {
+        const auto u = ReduceLargeLanes<Formula::kBrief>(d, lanes.large[k], x[k]);
+        const auto turn = SineOfQuadrant(
+            d, u, kWave == Wave::kSine ? u.quadrant : hn::Add(u.quadrant, SetBits(d, 1)));
+        y[k] = hn::IfThenElse(lanes.large[k], turn.y, y[k]);
+        sign[k] =
+            Bits(d, hn::IfThenElse(lanes.large[k], FromBits(d, turn.sign), FromBits(d, sign[k])));
+      }
+    }
+    Formula::Polynomial(d, y, r);
+    for (size_t k = 0; k < K; ++k) {
+      const V limit = kWave == Wave::kSine ? x[k] : hn::Set(d, 1.0);
+      r[k] = hn::IfThenElse(lanes.tiny[k], limit, FlipSign<0>(d, r[k], sign[k]));
+    }
+  }
+};
+
+// pi in four parts, of which n times the first three is exact for |n| < 2^22, and a polynomial of
+// degree 15.
+struct SineLA {
+  static constexpr int kLimitExponent = 23;
+  static constexpr bool kBrief = false;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 6;
+  static constexpr double kCoefficients[] = {-0.16666666666666186,    0.008333333333285542,
+                                             -0.00019841269825056256, 2.7557316600552628e-06,
+                                             -2.505188027386288e-08,  1.6048095404959637e-10,
+                                             -7.373344533110665e-13};
+
+  template <Wave kWave, class D, class V, size_t K>
+  static HWY_INLINE void Reduce(D d, const V (&x)[K], BitsOf<D> (&sign)[K], V (&y)[K]) {
+    V n[K];
+    NearestHalfTurn<kWave>(d, x, sign, n);
+    SubExactProducts(x, n, hn::Set(d, 3.141592502593994), y);
+    SubExactProducts(y, n, hn::Set(d, 1.5099578831723193e-7), y);
+    SubExactProducts(y, n, hn::Set(d, 1.078060505991553e-14), y);
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], hn::Set(d, 6.564007085747001e-22));
+    for (size_t k = 0; k < K; ++k) y[k] = hn::Sub(y[k], n[k]);
+  }
+
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Polynomial(D d, const V (&y)[K], V (&p)[K]) {
+    V s[K];
+    for (size_t k = 0; k < K; ++k) s[k] = hn::Mul(y[k], y[k]);
+    Horner(d, s, kCoefficients, p);
+    for (size_t k = 0; k < K; ++k) s[k] = hn::Mul(y[k], s[k]);
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(s[k], p[k]);
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Add(y[k], p[k]);
+  }
+};
+
+// pi in two parts, of which n times the first is exact for the usual arguments.
+struct SineEP {
+  static constexpr int kLimitExponent = 12;
+  static constexpr bool kBrief = true;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 6;
+
+  template <Wave kWave, class D, class V, size_t K>
+  static HWY_INLINE void Reduce(D d, const V (&x)[K], BitsOf<D> (&sign)[K], V (&y)[K]) {
+    V n[K];
+    NearestHalfTurn<kWave>(d, x, sign, n);
+    SubExactProducts(x, n, hn::Set(d, 0x1.921fb54442p+1), y);
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], hn::Set(d, 0x1.a308d313198a3p-40));
+    for (size_t k = 0; k < K; ++k) y[k] = hn::Sub(y[k], n[k]);
+  }
+
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Polynomial(D d, const V (&y)[K], V (&p)[K]) {
+    V s[K];
+    for (size_t k = 0; k < K; ++k) s[k] = hn::Mul(y[k], y[k]);
+    Horner(d, s, kSinEP, p);
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(y[k], p[k]);
+  }
+};
+
+// Sine or cosine in full: one rounding, and a few hundredths of an ulp before.
+template <Wave kWave>
+struct WaveHA {
+  static constexpr int kResults = 1;
+  static constexpr size_t kUnroll = 4;
+  static constexpr double kTiny = 0x1p-27;
+  using Usual = UsualExponents<-20, 5>;
+
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Group(D d, const V (&x)[K], V (&r)[K]) {
+    Sixteenth<D> u[K];
+    ReduceToSixteenth(d, x, u);
+    Finish(d, u, r);
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Wide(D d, const V (&x)[K], V (&r)[K]) {
+    const auto lanes = SortLanes(d, x, kTiny, Usual::kLimit);
+    Sixteenth<D> u[K];
+    ReduceWide(d, lanes, x, u);
+    Finish(d, u, r);
+    for (size_t k = 0; k < K; ++k) {
+      const V limit = kWave == Wave::kSine ? x[k] : hn::Set(d, 1.0);
+      r[k] = hn::IfThenElse(lanes.tiny[k], limit, r[k]);
+    }
+  }
+
+ private:
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Finish(D d, const Sixteenth<D> (&u)[K], V (&r)[K]) {
+    V small_sin[K], small_cos[K];
+    SmallSineCosine(d, u, small_sin, small_cos);
+    for (size_t k = 0; k < K; ++k) {
+      const Pair<V> sum = SumOfAngles<kWave>(d, u[k], small_sin[k], small_cos[k]);
+      r[k] = FlipSign<4>(d, hn::Add(sum.hi, sum.lo), u[k].index);
+    }
+  }
+};
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__HEAP_REAL_TRIG_SINE_INL_H_

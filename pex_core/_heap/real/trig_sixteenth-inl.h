@@ -1,0 +1,162 @@
+// Sine and cosine about a table of accurate points near the multiples of pi/16 (S. Gal, 1986), for
+// the HA kernels: the points' sines and cosines are doubles to within 2^-64, so that one word of
+// each is enough.
+
+#include "hwy/highway.h"
+#include "pex_core/_heap/real/trig-inl.h"
+#include "pex_core/_heap/real/trig_rows.h"
+
+#if defined(PEX_CORE__HEAP_REAL_TRIG_SIXTEENTH_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__HEAP_REAL_TRIG_SIXTEENTH_INL_H_
+#undef PEX_CORE__HEAP_REAL_TRIG_SIXTEENTH_INL_H_
+#else
+#define PEX_CORE__HEAP_REAL_TRIG_SIXTEENTH_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// x = a + y + rest, |y| < 0.0983, for a next to a multiple of pi/16; its number plus 8 stands in
+// the low bits of `index`. sin and cos are those of a but for the sign of bit 4 of `index`.
+template <class D>
+struct Sixteenth {
+  VecOf<D> y, rest, sin, cos;
+  BitsOf<D> index;
+};
+
+template <class D, class V>
+HWY_INLINE void TrigRowsAt(D d, BitsOf<D> index, V& offset, V& sin, V& cos) {
+#if HWY_TARGET == HWY_AVX3
+  (void)d;
+  const auto column = [index](const double* c) HWY_ATTR {
+    return V{_mm512_permutex2var_pd(_mm512_load_pd(c), index.raw, _mm512_load_pd(c + 8))};
+  };
+  offset = column(kTrigTable.offset);
+  sin = column(kTrigTable.sin);
+  cos = column(kTrigTable.cos);
+#elif HWY_TARGET == HWY_AVX2
+  const auto bytes = hn::And(hn::ShiftLeft<5>(index), SetBits(d, 15 * 32));
+  const __m128i lower = _mm256_castsi256_si128(bytes.raw);
+  const __m128i upper = _mm256_extracti128_si256(bytes.raw, 1);
+  const auto row = [](int64_t at) HWY_ATTR {
+    return _mm256_load_pd(
+        reinterpret_cast<const double*>(reinterpret_cast<const char*>(kTrigRows.row) + at));
+  };
+  const __m256d r0 = row(_mm_cvtsi128_si64(lower)), r1 = row(_mm_extract_epi64(lower, 1));
+  const __m256d r2 = row(_mm_cvtsi128_si64(upper)), r3 = row(_mm_extract_epi64(upper, 1));
+  const __m256d even01 = _mm256_unpacklo_pd(r0, r1), odd01 = _mm256_unpackhi_pd(r0, r1);
+  const __m256d even23 = _mm256_unpacklo_pd(r2, r3), odd23 = _mm256_unpackhi_pd(r2, r3);
+  offset = V{_mm256_permute2f128_pd(even01, even23, 0x20)};
+  sin = V{_mm256_permute2f128_pd(odd01, odd23, 0x20)};
+  cos = V{_mm256_permute2f128_pd(even01, even23, 0x31)};
+#else
+  const auto i = hn::And(index, SetBits(d, 15));
+  const double* r0 = kTrigRows.row[_mm_cvtsi128_si64(i.raw)];
+  const double* r1 = kTrigRows.row[_mm_extract_epi64(i.raw, 1)];
+  const __m128d low0 = _mm_load_pd(r0), low1 = _mm_load_pd(r1);
+  offset = V{_mm_unpacklo_pd(low0, low1)};
+  sin = V{_mm_unpackhi_pd(low0, low1)};
+  cos = V{_mm_unpacklo_pd(_mm_load_pd(r0 + 2), _mm_load_pd(r1 + 2))};
+#endif
+}
+
+// For |x| < 2^12: the steps of pi/16, rounded, with a second reading as numbers.
+template <class D, class V, size_t K>
+HWY_INLINE void NearestSixteenth(D d, const V (&x)[K], Sixteenth<D> (&u)[K], V (&n)[K]) {
+  const V shifter = hn::Set(d, kShifter + 8);  // rows begin at -8
+  for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(x[k], hn::Set(d, 0x1.45f306dc9c883p+2));
+  for (size_t k = 0; k < K; ++k) n[k] = hn::Add(n[k], shifter);
+  for (size_t k = 0; k < K; ++k) {
+    u[k].index = Bits(d, n[k]);
+    n[k] = hn::Sub(n[k], shifter);
+  }
+}
+
+// What remains of x for the rows u.index. The products with the first two parts of pi/16 are exact;
+// of the sum, one rounding goes to the rest.
+template <class D, class V, size_t K>
+HWY_INLINE void SubtractSixteenths(D d, const V (&x)[K], const V (&n)[K], Sixteenth<D> (&u)[K]) {
+  const V part2 = hn::Set(d, 0x1.68c234c4c0000p-42);
+  V high[K], offset[K];
+  SubExactProducts(x, n, hn::Set(d, 0x1.921fb54440000p-3), high);
+  for (size_t k = 0; k < K; ++k) TrigRowsAt(d, u[k].index, offset[k], u[k].sin, u[k].cos);
+  for (size_t k = 0; k < K; ++k) high[k] = hn::Sub(high[k], offset[k]);
+  for (size_t k = 0; k < K; ++k) u[k].y = hn::NegMulAdd(n[k], part2, high[k]);
+  for (size_t k = 0; k < K; ++k) high[k] = hn::Sub(high[k], u[k].y);
+  SubExactProducts(high, n, part2, high);
+  for (size_t k = 0; k < K; ++k) {
+    u[k].rest = hn::Sub(high[k], hn::Mul(n[k], hn::Set(d, 0x1.98a2e03707345p-80)));
+  }
+}
+
+template <class D, class V, size_t K>
+HWY_INLINE void ReduceToSixteenth(D d, const V (&x)[K], Sixteenth<D> (&u)[K]) {
+  V n[K];
+  NearestSixteenth(d, x, u, n);
+  SubtractSixteenths(d, x, n, u);
+}
+
+// sin(y) - y + rest and cos(y) - 1.
+template <class D, class V, size_t K>
+HWY_INLINE void SmallSineCosine(D d, const Sixteenth<D> (&u)[K], V (&sin)[K], V (&cos)[K]) {
+  V y2[K];
+  for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(u[k].y, u[k].y);
+  Horner(d, y2, kSinHA, sin);
+  Horner(d, y2, kCosHA, cos);
+  for (size_t k = 0; k < K; ++k) cos[k] = hn::Mul(y2[k], cos[k]);
+  for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(u[k].y, y2[k]);
+  for (size_t k = 0; k < K; ++k) sin[k] = hn::Add(hn::Mul(y2[k], sin[k]), u[k].rest);
+}
+
+// The sine or cosine of a + y but for the sign, as an unevaluated sum: hi is the rounded value of
+// sin(a) + cos(a) y or cos(a) - sin(a) y.
+template <Wave kWave, class D, class V>
+HWY_INLINE Pair<V> SumOfAngles(D d, const Sixteenth<D>& u, V small_sin, V small_cos) {
+  if constexpr (kWave == Wave::kSine) {
+    const Pair<V> p = TwoProduct(d, u.cos, u.y);
+    const Pair<V> s = FastTwoSum(u.sin, p.hi);
+    const V tail = hn::Add(hn::Mul(u.sin, small_cos), hn::Mul(u.cos, small_sin));
+    return {s.hi, hn::Add(hn::Add(s.lo, p.lo), tail)};
+  } else {
+    const Pair<V> p = TwoProduct(d, u.sin, u.y);
+    const V hi = hn::Sub(u.cos, p.hi);
+    const V lo = hn::Sub(hn::Sub(u.cos, hi), p.hi);
+    const V tail = hn::Sub(hn::Mul(u.cos, small_cos), hn::Mul(u.sin, small_sin));
+    return {hi, hn::Add(hn::Sub(lo, p.lo), tail)};
+  }
+}
+
+// Lanes of every kind, reduced. Of a large one first the quadrants are taken off, each eight steps.
+template <class D, class V, size_t K>
+HWY_INLINE void ReduceWide(D d, const TrigLanes<D, K>& lanes, const V (&x)[K],
+                           Sixteenth<D> (&u)[K]) {
+  if (!lanes.any_large) {
+    ReduceToSixteenth(d, lanes.x, u);
+    return;
+  }
+  V x1[K], rest[K], n[K];
+  BitsOf<D> quadrant[K];
+  for (size_t k = 0; k < K; ++k) {
+    const auto large = ReduceLargeLanes(d, lanes.large[k], x[k]);
+    x1[k] = hn::IfThenElse(lanes.large[k], large.r.hi, lanes.x[k]);
+    rest[k] = hn::IfThenElseZero(lanes.large[k], large.r.lo);
+    quadrant[k] = Bits(d, hn::IfThenElseZero(lanes.large[k], FromBits(d, large.quadrant)));
+  }
+  NearestSixteenth(d, x1, u, n);
+  for (size_t k = 0; k < K; ++k) {
+    u[k].index = hn::Add(u[k].index, hn::ShiftLeft<3>(quadrant[k]));
+  }
+  SubtractSixteenths(d, x1, n, u);
+  for (size_t k = 0; k < K; ++k) {
+    const Pair<V> sum = FastTwoSum(u[k].y, hn::Add(u[k].rest, rest[k]));
+    u[k].y = hn::IfThenElse(lanes.large[k], sum.hi, u[k].y);
+    u[k].rest = hn::IfThenElse(lanes.large[k], sum.lo, u[k].rest);
+  }
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__HEAP_REAL_TRIG_SIXTEENTH_INL_H_

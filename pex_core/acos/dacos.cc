@@ -1,0 +1,56 @@
+// acos(x) in double precision.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/acos/dacos.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/asin-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/asin/asin_rare.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vdAcos";
+
+struct dAcosCommon : Kernel<double> {
+  using Rarity = AboveOne<double>;
+  static HWY_INLINE int Rare(double x, double* r) { return AsinRare(x, r); }
+};
+
+struct dAcosEP : dAcosCommon {
+  static constexpr int kUnroll = 4;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    PlainAcos(d, x, kAsinEP, r);
+  }
+};
+
+struct dAcosLA : dAcosCommon {
+  static constexpr int kUnroll = 4;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    PlainAcos(d, x, kAsinLA, r);
+  }
+};
+
+struct dAcosHA : dAcosCommon {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    FullAcos(d, x, r);
+  }
+};
+
+PEX_UNARY(double, dAcos_26, dAcosEP)
+PEX_UNARY(double, dAcos_50, dAcosLA)
+PEX_UNARY(double, dAcos_HA, dAcosHA)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY(double, dAcos_26)
+PEX_EXPORT_UNARY(double, dAcos_50)
+PEX_EXPORT_UNARY(double, dAcos_HA)
+}  // namespace pex
+#endif

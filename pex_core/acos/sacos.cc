@@ -1,0 +1,63 @@
+// acos(x) in single precision.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/acos/sacos.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/asin-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/asin/asin_rare.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vsAcos";
+
+struct sAcosCommon : Kernel<float> {
+  static constexpr int kUnroll = 4;
+  using Rarity = AboveOne<float>;
+  static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
+};
+
+struct sAcosEP : sAcosCommon {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    PlainAcos(d, x, kAsinSingleEP, r);
+  }
+};
+
+struct sAcosLA : sAcosCommon {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    PlainAcos(d, x, kAsinSingleLA, r);
+  }
+};
+
+// In double precision, to 2^-52 or better. Correctly rounded for all floats.
+struct sAcosHA : Kernel<float, double> {
+  static constexpr int kUnroll = 4;
+  using Rarity = AboveOne<float>;
+  static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    const hn::Rebind<double, D> wide;
+    VecOf<decltype(wide)> v[K], w[K];
+    for (size_t k = 0; k < K; ++k) v[k] = hn::PromoteTo(wide, x[k]);
+    PlainAcos(wide, v, kAsinHA, w);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, w[k]);
+  }
+};
+
+PEX_UNARY(float, sAcos_11, sAcosEP)
+PEX_UNARY(float, sAcos_21, sAcosLA)
+PEX_UNARY(float, sAcos_HA, sAcosHA)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY(float, sAcos_11)
+PEX_EXPORT_UNARY(float, sAcos_21)
+PEX_EXPORT_UNARY(float, sAcos_HA)
+}  // namespace pex
+#endif

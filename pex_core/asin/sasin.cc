@@ -1,0 +1,63 @@
+// asin(x) in single precision.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/asin/sasin.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/asin-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/asin/asin_rare.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vsAsin";
+
+struct sAsinCommon : Kernel<float> {
+  static constexpr int kUnroll = 8;
+  using Rarity = AboveOne<float>;
+  static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
+};
+
+struct sAsinEP : sAsinCommon {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    PlainAsin(d, x, kAsinSingleEP, r);
+  }
+};
+
+struct sAsinLA : sAsinCommon {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    PlainAsin(d, x, kAsinSingleLA, r);
+  }
+};
+
+// In double precision, to 2^-52 or better. Correctly rounded for all floats.
+struct sAsinHA : Kernel<float, double> {
+  static constexpr int kUnroll = 4;
+  using Rarity = AboveOne<float>;
+  static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    const hn::Rebind<double, D> wide;
+    VecOf<decltype(wide)> v[K], w[K];
+    for (size_t k = 0; k < K; ++k) v[k] = hn::PromoteTo(wide, x[k]);
+    PlainAsin(wide, v, kAsinHA, w);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, w[k]);
+  }
+};
+
+PEX_UNARY(float, sAsin_11, sAsinEP)
+PEX_UNARY(float, sAsin_21, sAsinLA)
+PEX_UNARY(float, sAsin_HA, sAsinHA)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY(float, sAsin_11)
+PEX_EXPORT_UNARY(float, sAsin_21)
+PEX_EXPORT_UNARY(float, sAsin_HA)
+}  // namespace pex
+#endif

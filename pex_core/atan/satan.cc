@@ -1,0 +1,75 @@
+// atan(x) in single precision.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/atan/satan.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/atan-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/atan/atan_rare.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vsAtan";
+
+struct sAtanCommon : Kernel<float> {
+  using Rarity = RareAbove<float, 0x717FFFFF>;  // |x| >= 2^100, where 1/x nears underflow
+  static HWY_INLINE int Rare(float x, float* r) { return sAtanRare(x, r); }
+};
+
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void SignesAtan(D d, const V (&x)[K], const float (&c)[N], V (&r)[K]) {
+  AtanThird<V> third[K];
+  V v[K];
+  for (size_t k = 0; k < K; ++k) {
+    third[k] = AtanThirdOf(d, hn::Abs(x[k]), hn::Set(d, 1.0f), hn::Set(d, 0.5f), hn::Set(d, 2.0f));
+  }
+  PlainAtan(d, third, c, v);
+  for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(v[k], x[k]);
+}
+
+struct sAtanEP : sAtanCommon {
+  static constexpr int kUnroll = 8;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    SignesAtan(d, x, kAtanSingleEP, r);
+  }
+};
+
+struct sAtanLA : sAtanCommon {
+  static constexpr int kUnroll = 8;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    SignesAtan(d, x, kAtanSingleLA, r);
+  }
+};
+
+// In double precision. Correctly rounded for all floats.
+struct sAtanHA : Kernel<float, double> {
+  static constexpr int kUnroll = 4;
+  using Rarity = RareAbove<float, 0x7F7FFFFF>;  // infinity or NaN
+  static HWY_INLINE int Rare(float x, float* r) { return sAtanRare(x, r); }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    const hn::Rebind<double, D> wide;
+    VecOf<decltype(wide)> a[K], v[K];
+    for (size_t k = 0; k < K; ++k) a[k] = hn::PromoteTo(wide, hn::Abs(x[k]));
+    FullAtan(wide, a, v);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(hn::DemoteTo(d, v[k]), x[k]);
+  }
+};
+
+PEX_UNARY(float, sAtan_11, sAtanEP)
+PEX_UNARY(float, sAtan_21, sAtanLA)
+PEX_UNARY(float, sAtan_HA, sAtanHA)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY(float, sAtan_11)
+PEX_EXPORT_UNARY(float, sAtan_21)
+PEX_EXPORT_UNARY(float, sAtan_HA)
+}  // namespace pex
+#endif

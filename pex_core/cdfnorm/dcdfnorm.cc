@@ -1,0 +1,70 @@
+// The standard normal distribution function in double precision: erfc(-x/sqrt(2))/2 for negative x,
+// 1 - erfc(x/sqrt(2))/2 for others, the quotient in two parts.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/cdfnorm/dcdfnorm.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/erfc-inl.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/erfc/erfc_rare.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vdCdfNorm";
+
+template <ErfcTier kTier>
+struct dCdfNormKernel : Kernel<double> {
+  static constexpr int kUnroll = 6;
+  // Common from -37.509 to 8153; below, the result comes close to the subnormal numbers.
+  struct Rarity : RareAbove<double, 0x40AFFF04> {  // |x - 4058| > 4095.51
+    template <class D>
+    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+      return Bits(d, hn::Abs(hn::Sub(x, hn::Set(d, 4058.0))));
+    }
+  };
+  static HWY_INLINE int Rare(double x, double* r) { return dCdfNormRare(x, r); }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    ErfcReduced<D> u[K];
+    V z[K], rest[K];
+    Pair<V> e[K];
+    for (size_t k = 0; k < K; ++k) {
+      // From 8.5 on the result is 1.
+      const V ax = hn::Abs(hn::Min(x[k], hn::Set(d, 8.5)));
+      const V safe = hn::Add(ax, hn::Set(d, 0x1p-200));
+      const Pair<V> p = TwoProduct(d, safe, hn::Set(d, 0x1.6a09e667f3bcdp-1));  // 1/sqrt(2)
+      z[k] = p.hi;
+      rest[k] = kTier == ErfcTier::kEP
+                    ? p.lo
+                    : hn::Sub(p.lo, hn::Mul(safe, hn::Set(d, 0x1.bdd3413b26456p-55)));
+    }
+    ErfcReduce<kTier, true>(d, z, rest, u);
+    ErfcScaled<kTier, true>(d, u, e);
+    for (size_t k = 0; k < K; ++k) {
+      const V y = ErfcOrRest<kTier, false>(d, x[k], e[k], 2.0);
+      out[k] = hn::Mul(y, hn::Set(d, 0x1p-301));
+    }
+  }
+};
+
+using dCdfNormEP = dCdfNormKernel<ErfcTier::kEP>;
+using dCdfNormLA = dCdfNormKernel<ErfcTier::kLA>;
+using dCdfNormHA = dCdfNormKernel<ErfcTier::kHA>;
+
+PEX_UNARY(double, dCdfNorm_26, dCdfNormEP)
+PEX_UNARY(double, dCdfNorm_50, dCdfNormLA)
+PEX_UNARY(double, dCdfNorm_HA, dCdfNormHA)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY(double, dCdfNorm_26)
+PEX_EXPORT_UNARY(double, dCdfNorm_50)
+PEX_EXPORT_UNARY(double, dCdfNorm_HA)
+}  // namespace pex
+#endif

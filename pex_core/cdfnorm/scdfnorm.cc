@@ -1,0 +1,70 @@
+// The standard normal distribution function in single precision, computed in double.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/cdfnorm/scdfnorm.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/erfc-inl.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/erfc/erfc_rare.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vsCdfNorm";
+
+template <ErfcTier kTier>
+struct sCdfNormKernel : Kernel<float, double> {
+  static constexpr int kUnroll = 6;
+  // Common from -12.94 to 242.
+  struct Rarity : RareAbove<float, 0x42FFE148> {  // |x - 115| > 127.94
+    template <class D>
+    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+      return Bits(d, hn::Abs(hn::Sub(x, hn::Set(d, 115.0f))));
+    }
+  };
+  static HWY_INLINE int Rare(float x, float* r) { return sCdfNormRare(x, r); }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    using Wide = hn::Rebind<double, D>;
+    const Wide dd;
+    using W = VecOf<Wide>;
+    ErfcReduced<Wide> u[K];
+    W z[K], rest[K];
+    Pair<W> e[K];
+    for (size_t k = 0; k < K; ++k) {
+      // From 7 on the result is 1.
+      const W ax = hn::Abs(hn::Min(hn::PromoteTo(dd, x[k]), hn::Set(dd, 7.0)));
+      const W safe = hn::Add(ax, hn::Set(dd, 0x1p-200));
+      z[k] = hn::Mul(safe, hn::Set(dd, 0x1.6a09e667f3bcdp-1));  // 1/sqrt(2)
+      rest[k] = hn::Sub(TwoProduct(dd, safe, hn::Set(dd, 0x1.6a09e667f3bcdp-1)).lo,
+                        hn::Mul(safe, hn::Set(dd, 0x1.bdd3413b26456p-55)));
+    }
+    ErfcReduce<kTier, true>(dd, z, rest, u);
+    ErfcScaled<kTier, true>(dd, u, e);
+    for (size_t k = 0; k < K; ++k) {
+      const W y = ErfcOrRest<kTier, false>(dd, hn::PromoteTo(dd, x[k]), e[k], 2.0);
+      out[k] = hn::DemoteTo(d, hn::Mul(y, hn::Set(dd, 0x1p-301)));
+    }
+  }
+};
+
+using sCdfNormEP = sCdfNormKernel<ErfcTier::kSingleEP>;
+using sCdfNormLA = sCdfNormKernel<ErfcTier::kSingleLA>;
+using sCdfNormHA = sCdfNormKernel<ErfcTier::kLA>;
+
+PEX_UNARY(float, sCdfNorm_11, sCdfNormEP)
+PEX_UNARY(float, sCdfNorm_21, sCdfNormLA)
+PEX_UNARY(float, sCdfNorm_HA, sCdfNormHA)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY(float, sCdfNorm_11)
+PEX_EXPORT_UNARY(float, sCdfNorm_21)
+PEX_EXPORT_UNARY(float, sCdfNorm_HA)
+}  // namespace pex
+#endif

@@ -1,0 +1,68 @@
+// The hyperbolic cosine in double precision.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/cosh/dcosh.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/hyperbolic-inl.h"
+#include "pex_core/_heap/real/hyperbolic_scalar.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vdCosh";
+
+struct dCoshCommon : Kernel<double> {
+  using Rarity = RareAbove<double, 0x4085FFFF>;  // |x| >= 704
+  static HWY_INLINE int Rare(double x, double* r) { return dCoshScalar(x, r); }
+};
+
+// |x| and 2^-300, which changes no result and keeps squares from underflow.
+template <class D, class V, size_t K>
+HWY_INLINE void Magnitudes(D d, const V (&x)[K], V (&m)[K]) {
+  for (size_t k = 0; k < K; ++k) m[k] = AboveUnderflow(d, hn::Abs(x[k]));
+}
+
+struct dCoshEP : dCoshCommon {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    V m[K];
+    Magnitudes(d, x, m);
+    CoshOfMagnitude<Points::kRough>(d, m, out, dCoshEPPolynomial, dSinhEPPolynomial);
+  }
+};
+
+struct dCoshLA : dCoshCommon {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    V m[K];
+    Magnitudes(d, x, m);
+    CoshOfMagnitude<Points::kPlain>(d, m, out, dCoshLAPolynomial, dSinhPolynomial);
+  }
+};
+
+struct dCoshHA : dCoshCommon {
+  using Rarity = RareAbove<double, 0x40857FFF>;  // |x| >= 688: halves of e^x would overflow
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    V m[K];
+    Magnitudes(d, x, m);
+    HyperbolicHA<true>(d, m, out);
+  }
+};
+
+PEX_UNARY(double, dCosh_26, dCoshEP)
+PEX_UNARY(double, dCosh_50, dCoshLA)
+PEX_UNARY(double, dCosh_HA, dCoshHA)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY(double, dCosh_26)
+PEX_EXPORT_UNARY(double, dCosh_50)
+PEX_EXPORT_UNARY(double, dCosh_HA)
+}  // namespace pex
+#endif

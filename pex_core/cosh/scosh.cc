@@ -1,0 +1,70 @@
+// The hyperbolic cosine in single precision.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/cosh/scosh.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/hyperbolic-inl.h"
+#include "pex_core/_heap/real/hyperbolic_scalar.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vsCosh";
+
+template <typename Compute = float>
+struct sCoshCommon : Kernel<float, Compute> {
+  using Rarity = RareAbove<float, 0x42ACFFFF>;  // |x| >= 86.5
+  static HWY_INLINE int Rare(float x, float* r) { return sCoshScalar(x, r); }
+};
+
+// C (1 + r^2/2) + S r.
+struct sCoshEP : sCoshCommon<> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    for (size_t k = 0; k < K; ++k) {
+      const V m = AboveUnderflow(d, hn::Abs(x[k]));
+      const auto [grow, decay, r, rest] = Split<Points::kRough>(d, m);
+      const V a = hn::Add(grow, decay), b = hn::Sub(grow, decay);
+      const V slope = hn::Add(b, hn::Mul(a, hn::Mul(r, hn::Set(d, 0.5f))));
+      out[k] = hn::Add(a, hn::Mul(r, slope));
+    }
+  }
+};
+
+struct sCoshLA : sCoshCommon<> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    V m[K];
+    for (size_t k = 0; k < K; ++k) m[k] = AboveUnderflow(d, hn::Abs(x[k]));
+    CoshOfMagnitude<Points::kPlain>(d, m, out, sCoshPolynomial, sSinhPolynomial);
+  }
+};
+
+// In double precision, where nothing underflows. Correctly rounded for all floats.
+struct sCoshHA : sCoshCommon<double> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    const hn::Rebind<double, D> dd;
+    VecOf<decltype(dd)> m[K], y[K];
+    for (size_t k = 0; k < K; ++k) m[k] = hn::PromoteTo(dd, hn::Abs(x[k]));
+    CoshOfMagnitude<Points::kPlain>(dd, m, y, dCoshLAPolynomial, dSinhPolynomial);
+    for (size_t k = 0; k < K; ++k) out[k] = hn::DemoteTo(d, y[k]);
+  }
+};
+
+PEX_UNARY(float, sCosh_11, sCoshEP)
+PEX_UNARY(float, sCosh_21, sCoshLA)
+PEX_UNARY(float, sCosh_HA, sCoshHA)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY(float, sCosh_11)
+PEX_EXPORT_UNARY(float, sCosh_21)
+PEX_EXPORT_UNARY(float, sCosh_HA)
+}  // namespace pex
+#endif

@@ -1,0 +1,67 @@
+// The complementary error function in single precision, computed in double.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/erfc/serfc.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/erfc-inl.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/erfc/erfc_rare.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vsErfc";
+
+template <ErfcTier kTier>
+struct sErfcKernel : Kernel<float, double> {
+  static constexpr int kUnroll = 6;
+  // Common from -245 to 9.18.
+  struct Rarity : RareAbove<float, 0x42FE5C28> {  // |x + 118| > 127.18
+    template <class D>
+    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+      return Bits(d, hn::Abs(hn::Add(x, hn::Set(d, 118.0f))));
+    }
+  };
+  static HWY_INLINE int Rare(float x, float* r) { return sErfcRare(x, r); }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    using Wide = hn::Rebind<double, D>;
+    const Wide dd;
+    using W = VecOf<Wide>;
+    ErfcReduced<Wide> u[K];
+    W z[K];
+    Pair<W> e[K];
+    for (size_t k = 0; k < K; ++k) {
+      // From -5 down the result is 2.
+      const W ax = hn::Abs(hn::Max(hn::PromoteTo(dd, x[k]), hn::Set(dd, -5.0)));
+      z[k] = hn::Add(ax, hn::Set(dd, 0x1p-200));
+    }
+    ErfcReduce<kTier, false>(dd, z, z, u);
+    ErfcScaled<kTier, false>(dd, u, e);
+    for (size_t k = 0; k < K; ++k) {
+      const W y = ErfcOrRest<kTier, true>(dd, hn::PromoteTo(dd, x[k]), e[k], 2.0);
+      out[k] = hn::DemoteTo(d, hn::Mul(y, hn::Set(dd, 0x1p-300)));
+    }
+  }
+};
+
+using sErfcEP = sErfcKernel<ErfcTier::kSingleEP>;
+using sErfcLA = sErfcKernel<ErfcTier::kSingleLA>;
+using sErfcHA = sErfcKernel<ErfcTier::kLA>;
+
+PEX_UNARY(float, sErfc_11, sErfcEP)
+PEX_UNARY(float, sErfc_21, sErfcLA)
+PEX_UNARY(float, sErfc_HA, sErfcHA)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY(float, sErfc_11)
+PEX_EXPORT_UNARY(float, sErfc_21)
+PEX_EXPORT_UNARY(float, sErfc_HA)
+}  // namespace pex
+#endif

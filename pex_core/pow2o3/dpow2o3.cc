@@ -1,0 +1,26 @@
+// x^(2/3), the square of the cube root, in double precision.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/pow2o3/dpow2o3.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/cbrt_kernels-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vdPow2o3";
+
+PEX_UNARY(double, dPow2o3_26, dRootEP<Pow2o3Form>)
+PEX_UNARY(double, dPow2o3_50, dRootLA<Pow2o3Form>)
+PEX_UNARY(double, dPow2o3_HA, dRootHA<Pow2o3Form>)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY(double, dPow2o3_26)
+PEX_EXPORT_UNARY(double, dPow2o3_50)
+PEX_EXPORT_UNARY(double, dPow2o3_HA)
+}  // namespace pex
+#endif

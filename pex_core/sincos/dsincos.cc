@@ -1,0 +1,142 @@
+// Sine and cosine together in double precision.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/sincos/dsincos.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/trig_quarter-inl.h"
+#include "pex_core/_heap/real/trig_sixteenth-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+static char _PEX_THISFUNC_NAME[] = "vdSinCos";
+
+// In tiny lanes sin x = x and cos x = 1.
+template <class D, class V, size_t K>
+HWY_INLINE void SetTinyLanes(D d, const TrigLanes<D, K>& lanes, const V (&x)[K], V (&sin)[K],
+                             V (&cos)[K]) {
+  for (size_t k = 0; k < K; ++k) {
+    sin[k] = hn::IfThenElse(lanes.tiny[k], x[k], sin[k]);
+    cos[k] = hn::IfThenElse(lanes.tiny[k], hn::Set(d, 1.0), cos[k]);
+  }
+}
+
+// One reduction by pi/2 and two polynomials.
+template <class Formula>
+struct dSinCosQuarter {
+  static constexpr int kResults = 2;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 3;
+  using Usual = UsualExponents<-20, 5>;
+
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Group(D d, const V (&x)[K], V (&sin)[K], V (&cos)[K]) {
+    Quarters<D, K> u;
+    Formula::Quarter::Reduce(d, x, u);
+    Finish(d, u, sin, cos);
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Wide(D d, const V (&x)[K], V (&sin)[K], V (&cos)[K]) {
+    const auto lanes = SortLanes(d, x, 0x1p-27, Usual::kLimit);
+    Quarters<D, K> u;
+    ReduceQuarters<typename Formula::Quarter>(d, lanes, x, u);
+    Finish(d, u, sin, cos);
+    SetTinyLanes(d, lanes, x, sin, cos);
+  }
+
+ private:
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Finish(D d, const Quarters<D, K>& u, V (&sin)[K], V (&cos)[K]) {
+    V s[K], c[K];
+    Formula::SineCosine(d, u, s, c);
+    for (size_t k = 0; k < K; ++k) {
+      const auto quadrant = u.quadrant[k];
+      const auto odd = OddLanes(d, quadrant);
+      sin[k] = FlipSign<1>(d, hn::IfThenElse(odd, c[k], s[k]), quadrant);
+      cos[k] = FlipSign<1>(d, hn::IfThenElse(odd, s[k], c[k]), hn::Add(quadrant, SetBits(d, 1)));
+    }
+  }
+};
+
+struct dSinCosFormulaLA {
+  using Quarter = QuarterLA;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void SineCosine(D d, const Quarters<D, K>& u, V (&s)[K], V (&c)[K]) {
+    V y2[K];
+    for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(u.y[k], u.y[k]);
+    Horner(d, y2, kSinQuarter, s);
+    Horner(d, y2, kCosQuarter, c);
+    for (size_t k = 0; k < K; ++k) {
+      const V y3 = hn::Mul(u.y[k], y2[k]);
+      s[k] = hn::Add(u.y[k], hn::Add(hn::Mul(y3, s[k]), u.rest[k]));
+      c[k] = hn::Add(hn::Set(d, 1.0), hn::Mul(y2[k], c[k]));
+    }
+  }
+};
+
+struct dSinCosFormulaEP {
+  using Quarter = QuarterEP;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void SineCosine(D d, const Quarters<D, K>& u, V (&s)[K], V (&c)[K]) {
+    V y2[K];
+    for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(u.y[k], u.y[k]);
+    Horner(d, y2, kSinQuarterEP, s);
+    Horner(d, y2, kCosQuarterEP, c);
+    for (size_t k = 0; k < K; ++k) {
+      s[k] = hn::Mul(u.y[k], s[k]);
+      c[k] = hn::Add(hn::Set(d, 1.0), hn::Mul(y2[k], c[k]));
+    }
+  }
+};
+
+struct dSinCosEP : dSinCosQuarter<dSinCosFormulaEP> {};
+struct dSinCosLA : dSinCosQuarter<dSinCosFormulaLA> {};
+
+// Both sums of the table's sine and cosine.
+struct dSinCosHA {
+  static constexpr int kResults = 2;
+  static constexpr size_t kUnroll = 4;
+  using Usual = UsualExponents<-20, 5>;
+
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Group(D d, const V (&x)[K], V (&sin)[K], V (&cos)[K]) {
+    Sixteenth<D> u[K];
+    ReduceToSixteenth(d, x, u);
+    Finish(d, u, sin, cos);
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Wide(D d, const V (&x)[K], V (&sin)[K], V (&cos)[K]) {
+    const auto lanes = SortLanes(d, x, 0x1p-27, Usual::kLimit);
+    Sixteenth<D> u[K];
+    ReduceWide(d, lanes, x, u);
+    Finish(d, u, sin, cos);
+    SetTinyLanes(d, lanes, x, sin, cos);
+  }
+
+ private:
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Finish(D d, const Sixteenth<D> (&u)[K], V (&sin)[K], V (&cos)[K]) {
+    V s[K], c[K];
+    SmallSineCosine(d, u, s, c);
+    for (size_t k = 0; k < K; ++k) {
+      const Pair<V> sine = SumOfAngles<Wave::kSine>(d, u[k], s[k], c[k]);
+      const Pair<V> cosine = SumOfAngles<Wave::kCosine>(d, u[k], s[k], c[k]);
+      sin[k] = FlipSign<4>(d, hn::Add(sine.hi, sine.lo), u[k].index);
+      cos[k] = FlipSign<4>(d, hn::Add(cosine.hi, cosine.lo), u[k].index);
+    }
+  }
+};
+
+PEX_TRIG_TWO(dSinCos_26, dSinCosEP)
+PEX_TRIG_TWO(dSinCos_50, dSinCosLA)
+PEX_TRIG_TWO(dSinCos_HA, dSinCosHA)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_UNARY_TWO(double, dSinCos_26)
+PEX_EXPORT_UNARY_TWO(double, dSinCos_50)
+PEX_EXPORT_UNARY_TWO(double, dSinCos_HA)
+}  // namespace pex
+#endif
