@@ -482,9 +482,9 @@ struct TrigWide : Kernel<float, double> {
 // the other levels put 0 in place of tiny numbers, and the terms that are added to them vanish as
 // they would anyway: they are -0, where the first coefficient is negative.
 template <Turn kTurn, class D, class V>
-HWY_INLINE V Tame(D d, V y) {
+HWY_INLINE V Tame(D d, V y, float limit = 0x1p-40f) {
   if (HWY_TARGET == HWY_AVX3 || kTurn == Turn::kCosine) return y;  // the cosine's are not tiny
-  return hn::IfThenZeroElse(MagnitudeBelow(d, y, 0x1p-40f), y);
+  return hn::IfThenZeroElse(MagnitudeBelow(d, y, limit), y);
 }
 
 // Lanes with an odd k.
