@@ -25,7 +25,23 @@ namespace {
 using Reference = std::function<long double(long double a, long double b)>;
 using Wide = long double;
 
+// y with erf(y) = x, of which q = 1 - |x| is exact where x is not, by Newton's method from 0.
+Wide InverseErf(Wide x, Wide q) {
+  Wide y = 0;
+  for (int i = 0; i < 60; ++i) {
+    const Wide rest = q > 0.5L ? std::fabs(x) - std::erf(y) : std::erfc(y) - q;
+    y += rest * std::exp(y * y) * 0.886226925452758013649L;
+  }
+  return std::copysign(y, x);
+}
+
 const std::map<std::string, Reference> kReferences = {
+    {"ErfInv", [](Wide a, Wide) { return InverseErf(a, 1 - std::fabs(a)); }},
+    {"ErfcInv", [](Wide a, Wide) { return InverseErf(1 - a, std::min(a, 2 - a)); }},
+    {"CdfNormInv",
+     [](Wide a, Wide) {
+       return InverseErf(2 * a - 1, 2 * std::min(a, 1 - a)) * 1.41421356237309504880L;
+     }},
     {"Exp", [](Wide a, Wide) { return std::exp(a); }},
     {"Expm1", [](Wide a, Wide) { return std::expm1(a); }},
     {"Ln", [](Wide a, Wide) { return std::log(a); }},
