@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <stdexcept>
 #include <string>
 
@@ -133,6 +134,96 @@ long double ExtendedCdfNorm(int, long double a, long double) {
 }
 double QuickCdfNorm(double a) { return static_cast<double>(ExtendedCdfNorm(0, a, 0)); }
 
+// The inverses of the error functions, from x = erf(y) and q = 1 - |x|, of which x is exact for
+// q >= 1/2 and q elsewhere, by Halley's method.
+template <typename T>
+struct ErfArgument {
+  T x, q;
+};
+template <typename T>
+ErfArgument<T> OfErf(T a) {
+  return {a, 1 - std::fabs(a)};
+}
+template <typename T>
+ErfArgument<T> OfErfc(T a) {
+  return {1 - a, std::min(a, 2 - a)};
+}
+template <typename T>
+ErfArgument<T> OfCdfNorm(T a) {
+  return {2 * (a - T(0.5)), 2 * std::min(a, 1 - a)};
+}
+
+// Within a few units of T's last place, for finite y.
+template <typename T>
+T ErfInverse(ErfArgument<T> u) {
+  constexpr T kHalfRootPi = 0.88622692545275801365L;
+  const T x = std::fabs(u.x), q = u.q;
+  if (!(q >= 0)) return std::numeric_limits<T>::quiet_NaN();
+  if (q == 0) return std::copysign(std::numeric_limits<T>::infinity(), u.x);
+  if (x < T(0x1p-18)) return kHalfRootPi * u.x * (1 + x * x * T(0.26179938779914943654L));
+  T y;
+  if (q >= T(0.5)) {
+    const T x2 = x * x;
+    y = kHalfRootPi * x * (1 + x2 * (T(0.2618) + x2 * (T(0.14393) + x2 * T(0.13))));
+  } else {
+    const T log = -std::log(q), pi = 3.14159265358979323846L;
+    const T y2 = log - T(0.5) * std::log(pi * (log + T(0.3)));
+    y = std::sqrt(y2 < T(0.2) ? T(0.2) : y2);
+    if (y > 2) y = std::sqrt(log - std::log(std::sqrt(pi) * y * (1 + 1 / (2 * y * y + 3))));
+  }
+  for (int i = 0; i < 20; ++i) {
+    const T difference = q >= T(0.5) ? std::erf(y) - x : q - std::erfc(y);
+    const T newton = difference * kHalfRootPi * std::exp(y * y);
+    y -= newton / (1 + newton * y);
+    if (std::fabs(newton) * (1 + y) < (sizeof(T) == 8 ? T(0x1p-18) : T(0x1p-23)) * y) break;
+  }
+  return std::copysign(y, u.x);
+}
+
+template <ErfArgument<long double> (*Of)(long double), bool kNorm>
+long double ExtendedErfInverse(int, long double a, long double) {
+  return ErfInverse(Of(a)) * (kNorm ? 1.41421356237309504880L : 1.0L);
+}
+template <ErfArgument<double> (*Of)(double), bool kNorm>
+double QuickErfInverse(double a) {
+  return ErfInverse(Of(a)) * (kNorm ? 1.41421356237309504880 : 1.0);
+}
+
+// By Newton's method from the extended value.
+template <ErfArgument<long double> (*Of)(long double), bool kNorm>
+int ExactErfInverse(int, mpfr_ptr r, mpfr_srcptr a, mpfr_srcptr) {
+  const ErfArgument<long double> u = Of(mpfr_get_ld(a, MPFR_RNDN));  // x or q exact
+  const long double start = ErfInverse(u);
+  if (start == 0 || !std::isfinite(start)) return mpfr_set_ld(r, start, MPFR_RNDN);
+  const long bits = mpfr_get_prec(r) + 64;
+  const bool central = u.q >= 0.5L;
+  Real y(bits), value(bits), factor(bits), target(64);
+  mpfr_set_ld(y, std::fabs(start), MPFR_RNDN);
+  mpfr_set_ld(target, central ? std::fabs(u.x) : u.q, MPFR_RNDN);
+  for (bool last = false; !last;) {
+    central ? mpfr_erf(value, y, MPFR_RNDN) : mpfr_erfc(value, y, MPFR_RNDN);
+    mpfr_sub(value, value, target, MPFR_RNDN);
+    mpfr_sqr(factor, y, MPFR_RNDN);
+    mpfr_exp(factor, factor, MPFR_RNDN);
+    mpfr_mul(value, value, factor, MPFR_RNDN);
+    mpfr_const_pi(factor, MPFR_RNDN);
+    mpfr_sqrt(factor, factor, MPFR_RNDN);
+    mpfr_mul(value, value, factor, MPFR_RNDN);
+    mpfr_div_2ui(value, value, 1, MPFR_RNDN);
+    // A step squares the relative error, but for a factor of up to y^2 < 2^10.
+    last = mpfr_zero_p(value) ||
+           mpfr_get_exp(value) < mpfr_get_exp(y) - static_cast<mpfr_exp_t>(bits) / 2 - 8;
+    central ? mpfr_sub(y, y, value, MPFR_RNDN) : mpfr_add(y, y, value, MPFR_RNDN);
+  }
+  if (kNorm) {
+    mpfr_sqrt_ui(factor, 2, MPFR_RNDN);
+    mpfr_mul(y, y, factor, MPFR_RNDN);
+  }
+  if (std::signbit(start)) mpfr_neg(y, y, MPFR_RNDN);
+  const int rounded = mpfr_set(r, y, MPFR_RNDN);
+  return rounded != 0 ? rounded : 1;
+}
+
 constexpr double kPi = 0x1.921fb54442d18p+1;
 // The double number next to an odd multiple of pi / 2.
 constexpr double kNearestToPole = 0x1.6ac5b262ca1ffp+849;
@@ -208,6 +299,21 @@ constexpr Oracle kOracles[] = {
      {0, 1, -1, 0},
      {{-38.49, -37.51}, {-37.53, -37.48}},
      {{-14.2, -12.9}, {-13, -12.8}}},
+    {"ErfInv",
+     ExactErfInverse<OfErf, false>,
+     ExtendedErfInverse<OfErf, false>,
+     QuickErfInverse<OfErf, false>,
+     {0, 1, -1, 0x1.af767a741088bp-1}},
+    {"ErfcInv",
+     ExactErfInverse<OfErfc, false>,
+     ExtendedErfInverse<OfErfc, false>,
+     QuickErfInverse<OfErfc, false>,
+     {0, 1, 2, 0x1.4226162fbddd5p-3}},
+    {"CdfNormInv",
+     ExactErfInverse<OfCdfNorm, true>,
+     ExtendedErfInverse<OfCdfNorm, true>,
+     QuickErfInverse<OfCdfNorm, true>,
+     {0, 0.5, 1, 0x1.aec4bd120d37dp-1}},
 };
 
 constexpr long kFirstPrecision = 120;

@@ -31,6 +31,8 @@ PeerRows PeersAVX2();
 PeerRows PeersSSE4();
 // Highway's own functions at the level in use.
 PeerRows PeersHighway();
+// Boost.Math in scalar loops, for functions without a vector peer.
+PeerRows PeersBoost();
 
 }  // namespace bench
 

@@ -10,8 +10,9 @@
 // Weak until every catalogued function exists.
 #define PEX_WEAK(symbol) extern "C" decltype(symbol) symbol __attribute__((weak));
 #define PEX_TIERED(Name, ...)                                                      \
-  PEX_WEAK(_pexd##Name##_26) PEX_WEAK(_pexd##Name##_50) PEX_WEAK(_pexd##Name##_HA) \
-  PEX_WEAK(_pexs##Name##_11) PEX_WEAK(_pexs##Name##_21) PEX_WEAK(_pexs##Name##_HA)
+  PEX_WEAK(_pexd##Name##_26)                                                       \
+  PEX_WEAK(_pexd##Name##_50) PEX_WEAK(_pexd##Name##_HA) PEX_WEAK(_pexs##Name##_11) \
+      PEX_WEAK(_pexs##Name##_21) PEX_WEAK(_pexs##Name##_HA)
 #define PEX_PLAIN(Name, ...) PEX_WEAK(_pexd##Name) PEX_WEAK(_pexs##Name)
 #include "catalogue/functions.def"
 #undef PEX_TIERED

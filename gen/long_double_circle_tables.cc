@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int kPrecision = 64 * pex::kTwoOverPiWords + 64;
+constexpr int kPrecision = 64 * pex::kTwoOverPiDigitWords + 64;
 
 // x rounded, and the rest.
 void PrintPair(mpfr_ptr x, const char* end) {
@@ -27,9 +27,10 @@ void Words() {
   mpfr_init2(word, kPrecision);
   mpfr_const_pi(x, MPFR_RNDD);
   mpfr_ui_div(x, 2, x, MPFR_RNDD);
-  std::printf("\nconst uint64_t kTwoOverPi[kTwoOverPiWords] = {\n    0x0000000000000000,");
+  std::printf(
+      "\nconst uint64_t kTwoOverPiDigits[kTwoOverPiDigitWords] = {\n    0x0000000000000000,");
   std::printf(" 0x0000000000000000,");
-  for (int i = 2; i < pex::kTwoOverPiWords; ++i) {
+  for (int i = 2; i < pex::kTwoOverPiDigitWords; ++i) {
     mpfr_mul_2ui(x, x, 64, MPFR_RNDD);
     mpfr_floor(word, x);
     mpfr_sub(x, x, word, MPFR_RNDD);

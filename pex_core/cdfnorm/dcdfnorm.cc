@@ -17,7 +17,7 @@ static char _PEX_THISFUNC_NAME[] = "vdCdfNorm";
 
 template <ErfcTier kTier>
 struct dCdfNormKernel : Kernel<double> {
-  static constexpr int kUnroll = 6;
+  static constexpr int kUnroll = 5;
   // Common from -37.509 to 8153; below, the result comes close to the subnormal numbers.
   struct Rarity : RareAbove<double, 0x40AFFF04> {  // |x - 4058| > 4095.51
     template <class D>

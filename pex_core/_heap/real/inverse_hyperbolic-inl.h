@@ -96,11 +96,17 @@ struct AcoshSum {
     const V root = hn::Sqrt(w.hi);
     const Pair<V> u = FastTwoSum(y, root);
     V rest = u.lo;
-    if constexpr (kFull) {
+    if constexpr (kFull || sizeof(T) == 4) {
       const V residual = hn::Add(Remainder(d, w.hi, root, root), w.lo);
-      // The root of 0 has no residual; the small number keeps the quotient from being 0/0.
-      rest =
-          hn::Add(rest, hn::Div(residual, hn::Add(hn::Add(root, root), hn::Set(d, T(0x1p-100)))));
+      if constexpr (kFull) {
+        // The root of 0 has no residual; the small number keeps the quotient from being 0/0.
+        rest =
+            hn::Add(rest, hn::Div(residual, hn::Add(hn::Add(root, root), hn::Set(d, T(0x1p-100)))));
+      } else {
+        // 1/(2 root) to within an eighth, by the bits.
+        const V half_inverse = FromBits(d, hn::Sub(SetBits(d, 0x7E7311C3), Bits(d, root)));
+        rest = hn::Add(rest, hn::Mul(residual, half_inverse));
+      }
     }
     return OrLarge(d, large, a, u.hi, rest);
   }

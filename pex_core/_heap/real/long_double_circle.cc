@@ -27,8 +27,9 @@ int Reduce(long double x, Pair* rest) {
   uint64_t digits[4];
   for (int i = 0; i < 4; ++i) {
     const int word = first / 64 + i, shift = first % 64;
-    digits[i] = shift == 0 ? kTwoOverPi[word]
-                           : kTwoOverPi[word] << shift | kTwoOverPi[word + 1] >> (64 - shift);
+    digits[i] = shift == 0
+                    ? kTwoOverPiDigits[word]
+                    : kTwoOverPiDigits[word] << shift | kTwoOverPiDigits[word + 1] >> (64 - shift);
   }
   // The fraction of significand * digits, most significant word first: quarters of |x| 2/pi.
   uint64_t fraction[4];

@@ -4,7 +4,7 @@
 
 namespace pex {
 
-const uint64_t kTwoOverPi[kTwoOverPiWords] = {
+const uint64_t kTwoOverPiDigits[kTwoOverPiDigitWords] = {
     0x0000000000000000, 0x0000000000000000, 0xa2f9836e4e441529, 0xfc2757d1f534ddc0,
     0xdb6295993c439041, 0xfe5163abdebbc561, 0xb7246e3a424dd2e0, 0x06492eea09d1921c,
     0xfe1deb1cb129a73e, 0xe88235f52ebb4484, 0xe99c7026b45f7e41, 0x3991d639835339f4,

@@ -11,7 +11,7 @@ namespace pex {
 
 // Two words of zeros, then the binary digits of 2/pi, the first digit after the point the highest
 // bit: enough for the largest number, whose product with them is looked at from bit 16384 on.
-inline constexpr int kTwoOverPiWords = 2 + 262;
+inline constexpr int kTwoOverPiDigitWords = 2 + 262;
 inline constexpr int kCircleRows = 52;      // up to pi/4
 inline constexpr int kArctangentRows = 65;  // up to 1
 
@@ -20,7 +20,7 @@ struct CircleRow {
 };
 
 #pragma GCC visibility push(hidden)
-extern const uint64_t kTwoOverPi[kTwoOverPiWords];
+extern const uint64_t kTwoOverPiDigits[kTwoOverPiDigitWords];
 extern const CircleRow kCircle[kCircleRows];
 extern const PairRow kArctangents[kArctangentRows];  // of j/64
 #pragma GCC visibility pop

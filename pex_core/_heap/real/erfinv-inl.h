@@ -1,0 +1,237 @@
+// The inverse of the error function and its relations: of x = erf(y) and q = 1 - |x|, from a table
+// of polynomials G in q, by intervals whose length goes with q:
+//   y = x G(q)       q >= 1/2, where x is exact,
+//   y = +-G(q)       2^-20 <= q < 1/2, where q is exact.
+// Below 2^-20, with v = sqrt(-ln q),
+//   y = +-v (1 - D(1/v)),
+// the logarithm that of log-inl.h, D by a table of polynomials too.
+
+#include "hwy/highway.h"
+#include "pex_core/_heap/real/erf_rows-inl.h"
+#include "pex_core/_heap/real/erfinv_tables.h"
+#include "pex_core/_heap/real/log-inl.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
+
+#if defined(PEX_CORE__HEAP_REAL_ERFINV_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__HEAP_REAL_ERFINV_INL_H_
+#undef PEX_CORE__HEAP_REAL_ERFINV_INL_H_
+#else
+#define PEX_CORE__HEAP_REAL_ERFINV_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// How far the computation goes, from 12 bits to 60.
+enum class ErfInvTier { kLine, kShort, kLA, kHA };
+
+inline constexpr double kErfInvLeast = 0x1p-20;
+
+template <class V>
+struct ErfInvArgument {
+  V x, q;
+};
+
+// The functions: x and q from their arguments, the rare arguments (poles, beyond them, subnormal
+// results or double arguments), the factor of y in the result.
+struct InverseOfErf {
+  static constexpr const auto& kRows = kErfcInvRows;
+  static constexpr double kFactor = 1;
+  template <typename T>  // |x| outside of [2^-900, 1), in single precision [2^-100, 1)
+  struct Rarity : RareOutside<T, sizeof(T) == 8 ? 0x07B00000 : 0x0D800000,
+                              sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F7FFFFF> {
+    using Outside = RareOutside<T, sizeof(T) == 8 ? 0x07B00000 : 0x0D800000,
+                                sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F7FFFFF>;
+    template <class D>
+    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+      return Outside::Key(d, hn::Abs(x));
+    }
+  };
+  template <class D, class V>
+  static HWY_INLINE ErfInvArgument<V> Split(D d, V a) {
+    return {a, hn::Sub(hn::Set(d, 1.0), hn::Abs(a))};
+  }
+};
+
+struct InverseOfErfc {
+  static constexpr const auto& kRows = kErfcInvRows;
+  static constexpr double kFactor = 1;
+  template <typename T>  // outside of [2^-1022, 2), in single precision (0, 2)
+  struct Rarity
+      : RareOutside<T, sizeof(T) == 8 ? 0x00100000 : 1, sizeof(T) == 8 ? 0x3FFFFFFF : 0x3FFFFFFF> {
+  };
+  template <class D, class V>
+  static HWY_INLINE ErfInvArgument<V> Split(D d, V a) {
+    return {hn::Sub(hn::Set(d, 1.0), a), hn::Min(a, hn::Sub(hn::Set(d, 2.0), a))};
+  }
+};
+
+struct InverseOfCdfNorm {
+  static constexpr const auto& kRows = kNormInvRows;
+  static constexpr double kFactor = 0x1.6a09e667f3bcdp+0;  // sqrt(2)
+  static constexpr double kFactorRest = -0x1.bdd3413b26456p-54;
+  template <typename T>  // outside of [2^-1022, 1), in single precision (0, 1)
+  struct Rarity
+      : RareOutside<T, sizeof(T) == 8 ? 0x00100000 : 1, sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F7FFFFF> {
+  };
+  template <class D, class V>
+  static HWY_INLINE ErfInvArgument<V> Split(D d, V a) {
+    const V x = hn::Sub(a, hn::Set(d, 0.5)), q = hn::Min(a, hn::Sub(hn::Set(d, 1.0), a));
+    return {hn::Add(x, x), hn::Add(q, q)};
+  }
+};
+
+// The number of q's row in a table with 2^kBits rows to an octave.
+template <int kBits, class D, class V>
+HWY_INLINE BitsOf<D> ErfInvRowNumber(D d, V q) {
+  constexpr uint64_t kFirst = static_cast<uint64_t>(1023 - kErfInvOctaves) << kBits;
+  return hn::Sub(hn::ShiftRight<52 - kBits>(Bits(d, q)), SetBits(d, kFirst));
+}
+
+// What G is to be multiplied with.
+template <class D, class V>
+HWY_INLINE V ErfInvMultiplier(D d, const ErfInvArgument<V>& u, MaskOf<D> central, double factor) {
+  const V one = hn::CopySignToAbs(hn::Set(d, factor), u.x);
+  return hn::IfThenElse(central, factor == 1 ? u.x : hn::Mul(u.x, hn::Set(d, factor)), one);
+}
+
+// In single precision and EP.
+template <class Function, ErfInvTier kTier, class D, class V, size_t K>
+HWY_INLINE void ErfInvShort(D d, const ErfInvArgument<V> (&u)[K], V (&y)[K]) {
+  constexpr bool kLine = kTier == ErfInvTier::kLine;
+  constexpr int kBits = kLine ? kErfInvBits : kErfInvShortBits;
+  using Offsets = RowOffsets<kLine ? sizeof(kErfInvLines[0]) : sizeof(kErfInvShort[0]), D>;
+  Offsets at[K];
+  for (size_t k = 0; k < K; ++k) at[k] = Offsets(d, ErfInvRowNumber<kBits>(d, u[k].q));
+  for (size_t k = 0; k < K; ++k) {
+    V g;
+    if constexpr (kLine) {
+      const auto row = LoadRows2(d, &kErfInvLines[0][0], at[k]);
+      g = hn::Add(row.a, hn::Mul(row.b, u[k].q));
+    } else {
+      const auto row = LoadRows4(d, &kErfInvShort[0][0], at[k]);
+      constexpr int kRest = 52 - kBits;
+      const auto lower = hn::And(Bits(d, u[k].q), SetBits(d, -(uint64_t{1} << kRest)));
+      const auto middle = hn::Or(lower, SetBits(d, uint64_t{1} << (kRest - 1)));
+      const V t = hn::Sub(u[k].q, FromBits(d, middle));
+      const V t2 = hn::Mul(t, t);
+      g = hn::Add(hn::Add(row.a, hn::Mul(row.b, t)),
+                  hn::Mul(t2, hn::Add(row.c, hn::Mul(row.d, t))));
+    }
+    const auto central = hn::Ge(u[k].q, hn::Set(d, 0.5));
+    y[k] = hn::Mul(ErfInvMultiplier(d, u[k], central, Function::kFactor), g);
+  }
+}
+
+// In full. LA's is in y[k].hi alone.
+template <class Function, ErfInvTier kTier, class D, class V, size_t K>
+HWY_INLINE void ErfInvFull(D d, const ErfInvArgument<V> (&u)[K], Pair<V> (&y)[K]) {
+  constexpr auto& kRows = Function::kRows;
+  using Offsets = RowOffsets<sizeof(kRows[0][0]), D>;
+  Offsets at[K];
+  V t[K], t2[K], p[K];
+  Row4<V> first[K];
+  MaskOf<D> central[K];
+  for (size_t k = 0; k < K; ++k) at[k] = Offsets(d, ErfInvRowNumber<kErfInvBits>(d, u[k].q));
+  for (size_t k = 0; k < K; ++k) {
+    first[k] = LoadRows4(d, &kRows[0][0][0], at[k]);
+    central[k] = hn::Ge(u[k].q, hn::Set(d, 0.5));
+    // Exact, but for small |x|, where G is flat.
+    t[k] = hn::Sub(hn::IfThenElse(central[k], hn::Neg(hn::Abs(u[k].x)), u[k].q), first[k].a);
+    t2[k] = hn::Mul(t[k], t[k]);
+  }
+  for (size_t k = 0; k < K; ++k) {
+    const auto row = LoadRows4(d, &kRows[2][0][0], at[k]);
+    p[k] = hn::Add(hn::Add(row.a, hn::Mul(row.b, t[k])),
+                   hn::Mul(t2[k], hn::Add(row.c, hn::Mul(row.d, t[k]))));
+  }
+  for (size_t k = 0; k < K; ++k) {
+    const auto row = LoadRows4(d, &kRows[1][0][0], at[k]);
+    const V upper = hn::Add(hn::Add(row.c, hn::Mul(row.d, t[k])), hn::Mul(t2[k], p[k]));
+    p[k] = hn::Add(hn::Add(row.a, hn::Mul(row.b, t[k])), hn::Mul(t2[k], upper));
+  }
+  for (size_t k = 0; k < K; ++k) {
+    const V m = ErfInvMultiplier(d, u[k], central[k], 1);
+    if constexpr (kTier == ErfInvTier::kHA) {
+      const Pair<V> linear = TwoProduct(d, first[k].d, t[k]);
+      const Pair<V> sum = FastTwoSum(first[k].b, linear.hi);
+      const V rest = hn::Add(hn::Add(first[k].c, linear.lo), hn::Mul(t2[k], p[k]));
+      y[k] = TwoProduct(d, m, sum.hi);
+      y[k].lo = hn::Add(y[k].lo, hn::Mul(m, hn::Add(sum.lo, rest)));
+    } else {
+      const V slope = hn::Add(first[k].d, hn::Mul(t[k], p[k]));
+      const V rest = hn::Add(first[k].c, hn::Mul(t[k], slope));
+      y[k].hi = hn::Mul(m, hn::Add(first[k].b, rest));
+    }
+  }
+}
+
+// Whether some q is too small for the table of G.
+template <class D, class V, size_t K>
+HWY_INLINE bool AnyTail(D d, const ErfInvArgument<V> (&u)[K]) {
+  V least = u[0].q;
+  for (size_t k = 1; k < K; ++k) least = hn::Min(least, u[k].q);
+  return !hn::AllFalse(d, hn::Lt(least, hn::Set(d, kErfInvLeast)));
+}
+
+// y where q is less than the table of G serves, `y` as it is elsewhere.
+template <class Function, class D, class V>
+HWY_NOINLINE Pair<V> ErfInvTail(D d, ErfInvArgument<V> u, Pair<V> y) {
+  const V one = hn::Set(d, 1.0);
+  const auto serves = hn::Ge(u.q, hn::Set(d, kErfInvLeast));
+  const V q[1] = {hn::Min(u.q, hn::Set(d, kErfInvLeast))};
+  LogReduced<D> reduced[1];
+  LogReduce<NaturalLog>(d, q, reduced);
+  const Pair<V> p[1] = {
+      TwoProduct(d, hn::Sub(reduced[0].m, reduced[0].row.a), reduced[0].row.factor)};
+  Pair<V> sum[1];
+  LogPair<NaturalLog>(d, reduced, p, sum);
+  const Pair<V> log = FastTwoSum(hn::Neg(sum[0].hi), hn::Neg(sum[0].lo));
+
+  const V v = hn::Sqrt(log.hi);
+  const V v_rest = hn::Div(hn::Add(Remainder(d, log.hi, v, v), log.lo), hn::Add(v, v));
+  const V s = hn::Div(one, v);
+  const V s_rest = hn::Mul(hn::Sub(Remainder(d, one, s, v), hn::Mul(s, v_rest)), s);
+
+  // The sum ends in the number of 128ths, rounded to nearest: that of the middle's left.
+  const V half = hn::Set(d, 0.5 / 128), shifter = hn::Set(d, 0x1.8p45);
+  const V shifted = hn::Add(hn::Sub(s, half), shifter);
+  const V middle = hn::Add(hn::Sub(shifted, shifter), half);
+  using Offsets = RowOffsets<sizeof(kErfInvTail[0][0]), D>;
+  const Offsets at(d, hn::Sub(Bits(d, shifted), SetBits(d, kErfInvTailFirst)));
+  const V t = hn::Add(hn::Sub(s, middle), s_rest), t2 = hn::Mul(t, t);
+  const auto r0 = LoadRows4(d, &kErfInvTail[0][0][0], at);
+  const auto r1 = LoadRows4(d, &kErfInvTail[1][0][0], at);
+  const auto r2 = LoadRows4(d, &kErfInvTail[2][0][0], at);
+  const auto r3 = LoadRows4(d, &kErfInvTail[3][0][0], at);
+  const auto pair = [&](V low, V high) HWY_ATTR { return hn::Add(low, hn::Mul(high, t)); };
+  V rest = pair(r3.a, r3.b);
+  rest = hn::Add(pair(r2.c, r2.d), hn::Mul(t2, rest));
+  rest = hn::Add(pair(r2.a, r2.b), hn::Mul(t2, rest));
+  rest = hn::Add(pair(r1.c, r1.d), hn::Mul(t2, rest));
+  rest = hn::Add(pair(r1.a, r1.b), hn::Mul(t2, rest));
+  rest = hn::Add(r0.d, hn::Mul(t, rest));
+  const Pair<V> linear = TwoProduct(d, r0.c, t);
+  Pair<V> less = FastTwoSum(r0.a, linear.hi);
+  less.lo = hn::Add(less.lo, hn::Add(hn::Add(r0.b, linear.lo), hn::Mul(t2, rest)));
+
+  const Pair<V> product = TwoProduct(d, v, less.hi);
+  const Pair<V> head = FastTwoSum(v, hn::Neg(product.hi));
+  const V tail = hn::Sub(hn::Mul(v_rest, hn::Sub(one, less.hi)), hn::Mul(v, less.lo));
+  Pair<V> r = {head.hi, hn::Add(head.lo, hn::Sub(tail, product.lo))};
+  if constexpr (Function::kFactor != 1) {
+    r = Mul(d, r, Pair<V>{hn::Set(d, Function::kFactor), hn::Set(d, Function::kFactorRest)});
+  }
+  r = FastTwoSum(r.hi, r.lo);
+  const V sign = hn::And(u.x, hn::Set(d, -0.0));
+  return {hn::IfThenElse(serves, y.hi, hn::Or(r.hi, sign)),
+          hn::IfThenElse(serves, y.lo, hn::Xor(r.lo, sign))};
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__HEAP_REAL_ERFINV_INL_H_
