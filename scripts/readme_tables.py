@@ -38,17 +38,29 @@ def replace(text, name, table):
 
 
 def speed():
-    """The rows of the AVX-512 summary of docs/performance.md, as they stand."""
+    """One row for each tiered function and type from the AVX-512 table of docs/performance.md."""
     text = (ROOT / "docs/performance.md").read_text()
-    section = text.split("## ")
-    table = []
-    for part in section:
-        if part.lower().startswith(("vector math, avx-512", "avx-512")):
-            table = [line for line in part.splitlines()
-                     if line.startswith("|") and "plain loop" not in line]
-            break
-    if not table:
+    part = next((p for p in text.split("## ")
+                 if p.lower().startswith(("vector math, avx-512", "avx-512"))), "")
+    lines = [line for line in part.splitlines() if line.startswith("| ")]
+    cells = [[cell.strip() for cell in line.strip("|").split("|")] for line in lines]
+    if len(cells) < 2:
         raise SystemExit("docs/performance.md: no table for AVX-512")
+    columns = {name: k for k, name in enumerate(cells[0])}
+    found = {}
+    for row in cells[1:]:
+        tier = row[columns["tier"]]
+        if tier not in ("EP", "LA", "HA"):
+            continue
+        ours, peer = row[columns["n = 1024"]], row[columns["peer"]]
+        text = ours
+        if peer and tier != "EP":
+            text += f" ({row[columns['ratio']]} of {peer.split(' (')[0]})"
+        found.setdefault((row[0], row[1]), {})[tier] = text
+    table = ["| function | type | EP | LA | HA |", "|---|---|---:|---|---|"]
+    for (function, kind), tiers in found.items():
+        table.append("| " + " | ".join([function, kind] + [tiers.get(t, "-") for t in ("EP", "LA", "HA")])
+                     + " |")
     return table
 
 

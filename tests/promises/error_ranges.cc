@@ -95,7 +95,7 @@ std::vector<ErrorRange> RangesOf(const std::vector<ErrorRange>& all, const std::
 // The closed line from -inf to inf stands for any argument, NaNs included.
 static bool Fits(const Interval& interval, double x) {
   const bool any =
-      std::isinf(interval.lo) && std::isinf(interval.hi) && !interval.open_lo && !interval.open_hi;
+      interval.lo == -HUGE_VAL && interval.hi == HUGE_VAL && !interval.open_lo && !interval.open_hi;
   return interval.Has(x) || (any && std::isnan(x));
 }
 

@@ -32,8 +32,8 @@ namespace hn = hwy::HWY_NAMESPACE;
 enum class Turn { kSine, kCosine, kQuarter };
 
 // How good the reduction is in float arithmetic: about 14 bits next to the zeros; rounded twice,
-// with the error of the second rounding; with the error of both.
-enum class Care { kRough, kSecondRounding, kBothRoundings };
+// with the error of the second rounding; rounded once, with the error of that.
+enum class Care { kRough, kSecondRounding, kOneRounding };
 
 // The reduced argument: of half turns (-1)^k y, of quarters y, and k in the lowest two bits.
 template <class D>
@@ -210,6 +210,11 @@ struct Reduction {
   // For arguments that are not Beyond.
   template <Care kCare, class D, class V>
   static HWY_INLINE Reduced<D> Near(D d, V x) {
+    if constexpr (kCare == Care::kOneRounding) {
+      Reduced<D> u[1];
+      NearGroup(d, {x}, u);
+      return u[0];
+    }
     const V quotient = Quotient(d, x);
     const V n = Multiple(d, quotient);
     V y = ExactDifference(d, x, n, hn::Set(d, kPiHigh * kUnit));
@@ -219,16 +224,31 @@ struct Reduction {
       const V middle = hn::Set(d, kPiMiddle * kUnit);
       const V low = hn::Mul(n, hn::Set(d, kPiLow * kUnit));
       const V sum = ExactDifference(d, y, n, middle);
-      V excess = hn::Zero(d);
-      if constexpr (kCare == Care::kBothRoundings) {
-        excess = ExactDifference(d, hn::Sub(y, sum), n, middle);
-      }
       y = hn::Sub(sum, low);
-      const V second = hn::Add(hn::Sub(y, sum), low);
-      excess = kCare == Care::kBothRoundings ? hn::Sub(second, excess) : second;
+      const V excess = hn::Add(hn::Sub(y, sum), low);
       return Signed(d, {y, Bits(d, quotient), excess});
     }
     return Signed(d, {y, Bits(d, quotient)});
+  }
+
+  // The same for several vectors of quarter turns, rounded once.
+  template <class D, class V, size_t K>
+  requires(kQuarter) static HWY_INLINE void NearGroup(D d, const V (&x)[K], Reduced<D> (&u)[K]) {
+    const V high = hn::Set(d, kPiHigh * kUnit), middle = hn::Set(d, kPiMiddle * kUnit);
+    V n[K], y[K], sum[K], rest[K];
+    for (size_t k = 0; k < K; ++k) {
+      const V quotient = Quotient(d, x[k]);
+      u[k].k = Bits(d, quotient);
+      n[k] = Multiple(d, quotient);
+    }
+    for (size_t k = 0; k < K; ++k) y[k] = ExactDifference(d, x[k], n[k], high);
+    for (size_t k = 0; k < K; ++k) sum[k] = ExactDifference(d, y[k], n[k], middle);
+    for (size_t k = 0; k < K; ++k) {
+      const V low = hn::Mul(n[k], hn::Set(d, kPiLow * kUnit));
+      rest[k] = hn::Sub(low, ExactDifference(d, hn::Sub(y[k], sum[k]), n[k], middle));
+    }
+    for (size_t k = 0; k < K; ++k) u[k].y = hn::Sub(sum[k], rest[k]);
+    for (size_t k = 0; k < K; ++k) u[k].excess = hn::Sub(rest[k], hn::Sub(sum[k], u[k].y));
   }
 
   // In double precision, for floats below kWideLimit in magnitude. Multiples of u's high part have
@@ -336,6 +356,13 @@ struct TrigNarrow : Kernel<float> {
   template <class D, class V, class... R>
   static HWY_INLINE auto Main(D d, V x, R&... r) {
     return Formula::Of(d, Reduce::template Near<Formula::kCare>(d, x), r...);
+  }
+  // For formulas that take several vectors at once, step by step.
+  template <class D, class V, size_t K>
+  requires(Formula::kGrouped) static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    Reduced<D> u[K];
+    Reduce::NearGroup(d, x, u);
+    Formula::Group(d, u, r);
   }
   template <class... R>
   static HWY_INLINE int Rare(float x, R*... r) {
@@ -455,9 +482,9 @@ struct TrigWide : Kernel<float, double> {
 // the other levels put 0 in place of tiny numbers, and the terms that are added to them vanish as
 // they would anyway: they are -0, where the first coefficient is negative.
 template <Turn kTurn, class D, class V>
-HWY_INLINE V Tame(D d, V y) {
+HWY_INLINE V Tame(D d, V y, float limit = 0x1p-40f) {
   if (HWY_TARGET == HWY_AVX3 || kTurn == Turn::kCosine) return y;  // the cosine's are not tiny
-  return hn::IfThenZeroElse(MagnitudeBelow(d, y, 0x1p-40f), y);
+  return hn::IfThenZeroElse(MagnitudeBelow(d, y, limit), y);
 }
 
 // Lanes with an odd k.

@@ -5,9 +5,9 @@
 
 namespace pex {
 
-// (sin x)/x - 1 from s on, 1 at pi/2, |x| <= 1.57179629802703857421875; relative error 2^-26.09375.
+// (sin x)/x - 1 from s on, 1 at pi/2, |x| <= 1.57179629802703857421875; relative error 2^-25.15625.
 inline constexpr float sSinLAPolynomial[] = {
-    -0x1.55554cp-3f, 0x1.110edcp-7f, -0x1.9f70eap-13f, 0x1.5dc77ep-19f};
+    -0x1.555552p-3f, 0x1.110f1cp-7f, -0x1.9f71e8p-13f, 0x1.5d9cccp-19f};
 
 // (sin x)/x - 1 from s on, 1 at pi/2, |x| <= 1.57179629802703857421875; relative error 2^-12.546875.
 inline constexpr float sCosEPPolynomial[] = {
@@ -48,9 +48,9 @@ inline constexpr double sQuarterCosHAPolynomial[] = {
     -0x1.ffffffffe98aep-2, 0x1.55555545c50b3p-5, -0x1.6c16b348b595ep-10, 0x1.a00eb9abbc9e4p-16,
     -0x1.23c97dbf1a907p-22};
 
-// x/(tan x) - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-27.28125.
+// x/(tan x) - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-26.21875.
 inline constexpr float sTanLAPolynomial[] = {
-    -0x1.555542p-2f, -0x1.6c28c2p-6f, -0x1.12c72p-9f, -0x1.041f04p-12f};
+    -0x1.555544p-2f, -0x1.6c28dep-6f, -0x1.12c204p-9f, -0x1.042de6p-12f};
 
 // x/(tan x) - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-15.296875.
 inline constexpr float sTanEPPolynomial[] = {
