@@ -7,17 +7,6 @@
 
 #include "pexquo/pex.h"
 
-// Weak until every catalogued function exists.
-#define PEX_WEAK(symbol) extern "C" decltype(symbol) symbol __attribute__((weak));
-#define PEX_TIERED(Name, ...)                                                      \
-  PEX_WEAK(_pexd##Name##_26)                                                       \
-  PEX_WEAK(_pexd##Name##_50) PEX_WEAK(_pexd##Name##_HA) PEX_WEAK(_pexs##Name##_11) \
-      PEX_WEAK(_pexs##Name##_21) PEX_WEAK(_pexs##Name##_HA)
-#define PEX_PLAIN(Name, ...) PEX_WEAK(_pexd##Name) PEX_WEAK(_pexs##Name)
-#include "catalogue/functions.def"
-#undef PEX_TIERED
-#undef PEX_PLAIN
-
 namespace pex {
 namespace {
 
@@ -60,7 +49,6 @@ std::vector<Entry> MakeEntries() {
   const Function* function = kFunctions;
   for (const Exported& e : exported) {
     while (function->name != e.name) ++function;
-    if (e.address == nullptr) continue;
     entries.push_back({e.symbol, function, e.type, e.tier, e.address});
   }
   return entries;

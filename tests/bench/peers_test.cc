@@ -93,6 +93,7 @@ template <typename T>
 double UlpError(T got, Wide want) {
   using Limits = std::numeric_limits<T>;
   if (want == 0) return got == 0 ? 0 : HUGE_VAL;
+  if (std::fabs(want) > Limits::max()) return std::isinf(got) ? 0 : HUGE_VAL;
   const int exponent = std::max(std::ilogb(want), Limits::min_exponent - 1);
   return static_cast<double>(std::fabs(got - want) /
                              std::ldexp(Wide(1), exponent - Limits::digits + 1));

@@ -122,9 +122,10 @@ TEST_P(ErrorPromises, EverySpecialElementIsReportedOnceAndNothingElse) {
 
 // Of functions that report neither overflow nor underflow: the flags that the result explains. A
 // division or a root of two squares is the processor's operation, with its flags; the angle of a
-// point next to the axis is the quotient.
+// point next to the axis is the quotient, and the inverse error function of a tiny x is 0.886 x.
 uint32_t Explained(const pex::Entry& entry, const Arguments& arguments) {
-  static const std::set<std::string_view> kSilent = {"Inv", "Div", "Hypot", "Pow3o2", "Atan2"};
+  static const std::set<std::string_view> kSilent = {"Inv",    "Div",   "Hypot",
+                                                     "Pow3o2", "Atan2", "ErfInv"};
   if (!kSilent.contains(entry.function->name)) return 0;
   const Outcome outcome = CallEntry(entry, arguments, kDefaultControl);
   const double r = std::fabs(outcome.r1.value(0));
