@@ -40,16 +40,16 @@ void Loop(int n, const T* a, const T*, T* r, T*) {
 constexpr Peer kRows[] = {
     DOUBLE(ErfInv, "Boost scalar", 1.5, Wide),
     SINGLE(ErfInv, "Boost scalar", 0.6, Wide),
-    DOUBLE(ErfInv, "Boost narrow", 3.5, Narrow),
-    SINGLE(ErfInv, "Boost narrow", 3.5, Narrow),
+    DOUBLE(ErfInv, "Boost narrow", 4.0, Narrow),
+    SINGLE(ErfInv, "Boost narrow", 4.0, Narrow),
     DOUBLE(ErfcInv, "Boost scalar", 1.5, Wide),
     SINGLE(ErfcInv, "Boost scalar", 0.6, Wide),
-    DOUBLE(ErfcInv, "Boost narrow", 3.5, Narrow),
-    SINGLE(ErfcInv, "Boost narrow", 3.5, Narrow),
+    DOUBLE(ErfcInv, "Boost narrow", 4.0, Narrow),
+    SINGLE(ErfcInv, "Boost narrow", 4.0, Narrow),
     DOUBLE(CdfNormInv, "Boost scalar", 2.5, Wide),
     SINGLE(CdfNormInv, "Boost scalar", 2.0, Wide),
-    DOUBLE(CdfNormInv, "Boost narrow", 3.5, Narrow),
-    SINGLE(CdfNormInv, "Boost narrow", 3.5, Narrow),
+    DOUBLE(CdfNormInv, "Boost narrow", 4.0, Narrow),
+    SINGLE(CdfNormInv, "Boost narrow", 4.0, Narrow),
 };
 
 }  // namespace
