@@ -45,7 +45,15 @@ struct sCdfNormKernel : Kernel<float, double> {
     ErfcScaled<kTier, true>(dd, u, e);
     for (size_t k = 0; k < K; ++k) {
       const W y = ErfcOrRest<kTier, false>(dd, hn::PromoteTo(dd, x[k]), e[k], 2.0);
-      out[k] = hn::DemoteTo(d, hn::Mul(y, hn::Set(dd, 0x1p-301)));
+      // HA: an ulp away from 1/2, for next to 0 the result lies that close to the middle of two
+      // floats.
+      W scale = hn::Set(dd, 0x1p-301);
+      if constexpr (kTier == ErfcTier::kLA) {
+        const W wide = hn::PromoteTo(dd, x[k]);
+        scale = hn::IfNegativeThenElse(wide, hn::Set(dd, 0x1.fffffffffffffp-302),
+                                       hn::Set(dd, 0x1.0000000000001p-301));
+      }
+      out[k] = hn::DemoteTo(d, hn::Mul(y, scale));
     }
   }
 };

@@ -6,6 +6,7 @@
 #include "pex_core/_heap/real/hyperbolic-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 #include "pex_core/tanh/tanh_rare.h"
 
@@ -70,9 +71,10 @@ struct sTanhLA : sTanhCommon<> {
     for (size_t k = 0; k < K; ++k) {
       const V t = TanhOfHalf(d, u[k].h, sTanhLAPolynomial);
       const V a = hn::Sub(one, u[k].power), b = hn::Add(one, u[k].power);
-      const V bt = hn::Mul(b, t), at = hn::Mul(a, t);
-      const V above = hn::Sub(bt, a), below = hn::Sub(b, at);
-      const V above_rest = hn::Sub(bt, hn::Add(above, a));
+      const Pair<V> bt = TwoProduct(d, b, t);
+      const V at = hn::Mul(a, t);
+      const V above = hn::Sub(bt.hi, a), below = hn::Sub(b, at);
+      const V above_rest = hn::Add(hn::Sub(bt.hi, hn::Add(above, a)), bt.lo);
       const V below_rest = hn::Sub(hn::Sub(b, below), at);
       const V q = hn::Div(above, below);
       // 1/below to an eighth of itself.

@@ -115,8 +115,8 @@ HWY_INLINE void AtanTail(D d, const V (&t)[K], const T (&c)[N], V (&r)[K]) {
 }
 
 // For the ratio y/x >= 0 with c = 0 (below 1/2), 3/4 or infinity (above 2): the numerator and the
-// denominator of t = (y - c x)/(x + c y), |t| <= 1/2, and atan(c). y - c x is exact but for the
-// product.
+// denominator of t = (y - c x)/(x + c y), |t| <= 1/2, and atan(c). In double y - c x is exact but
+// for the product; single precision has no room for the product's error.
 template <class V>
 struct AtanThird {
   V numerator, denominator, angle;
@@ -129,8 +129,15 @@ HWY_INLINE AtanThird<V> AtanThirdOf(D d, V y, V x, V half_x, V twice_x) {
   constexpr T kAngle = sizeof(T) == 8 ? T(kAtanMiddleAngle) : T(kAtanSingleMiddleAngle);
   const auto low = hn::Lt(y, half_x), high = hn::Gt(y, twice_x);
   const V c = hn::IfThenElse(high, hn::Set(d, T(1)), hn::IfThenZeroElse(low, hn::Set(d, kMiddle)));
-  return {hn::Sub(hn::IfThenZeroElse(high, y), hn::Mul(c, x)),
-          hn::Add(hn::IfThenZeroElse(high, x), hn::Mul(c, y)),
+  const V unless_high = hn::IfThenZeroElse(high, y);
+  V numerator;
+  if constexpr (sizeof(T) == 4) {
+    const Pair<V> product = TwoProduct(d, c, x);
+    numerator = hn::Sub(hn::Sub(unless_high, product.hi), product.lo);
+  } else {
+    numerator = hn::Sub(unless_high, hn::Mul(c, x));
+  }
+  return {numerator, hn::Add(hn::IfThenZeroElse(high, x), hn::Mul(c, y)),
           hn::IfThenElse(high, hn::Set(d, T(0x1.921fb54442d18p+0)),
                          hn::IfThenZeroElse(low, hn::Set(d, kAngle)))};
 }
