@@ -50,11 +50,15 @@ TEST_F(EvalTest, EveryEntryGivesTheLibrarysBits) {
     if (f.shape == pex::Shape::Binary) arguments += " --with b.npy";
     if (f.shape == pex::Shape::UnaryScalar) arguments += " --with-value 1.5";
     const Outcome outcome = Run(arguments);
-    ASSERT_EQ(outcome.status, 0) << outcome.err;
+    ASSERT_LE(outcome.status, 1) << outcome.err;
     const auto compare = [&]<typename T>(const std::vector<T>& x, std::vector<T> y) {
       if (f.shape == pex::Shape::UnaryScalar) y[0] = T(1.5);
       std::vector<T> r(kCount), r2(kCount), rows;
+      _pexSetMode(PEX_ERRMODE_IGNORE);
+      _pexClearErrStatus();
       e.Call(kCount, x.data(), y.data(), r.data(), r2.data());
+      EXPECT_EQ(outcome.status, _pexGetErrStatus() != 0 ? 1 : 0) << outcome.err;
+      _pexSetMode(PEX_MODE_DEFAULT);
       for (size_t i = 0; i < kCount; ++i) {
         rows.push_back(r[i]);
         if (two) rows.push_back(r2[i]);
