@@ -29,11 +29,21 @@ extern "C" {
 #define QUO_INVALID_BRNG (-1000) /* no such generator or member */
 #define QUO_LEAPFROG_UNSUPPORTED (-1002)
 #define QUO_SKIPAHEAD_UNSUPPORTED (-1003)
-#define QUO_DIFFERENT_BRNGS (-1005) /* state copy between different generators */
-#define QUO_BAD_STATE_SIZE (-1008)  /* registration: negative state size */
-#define QUO_BAD_WORD_SIZE (-1009)   /* registration: word size not 4, 8 or 16 */
-#define QUO_BAD_SEED_COUNT (-1010)  /* registration: seed count not positive */
-#define QUO_BAD_BIT_COUNT (-1011)   /* registration: bit count not positive */
+#define QUO_DIFFERENT_BRNGS (-1005)  /* state copy between different generators */
+#define QUO_BAD_STATE_SIZE (-1008)   /* registration: negative state size */
+#define QUO_BAD_WORD_SIZE (-1009)    /* registration: word size not 4, 8 or 16 */
+#define QUO_BAD_SEED_COUNT (-1010)   /* registration: seed count not positive */
+#define QUO_BAD_BIT_COUNT (-1011)    /* registration: bit count not positive */
+#define QUO_BAD_STREAM_COUNT (-1013) /* leapfrog: negative number of streams */
+#define QUO_CLOSE_FAILED (-1100)     /* stream file: could not be closed */
+#define QUO_OPEN_FAILED (-1101)      /* stream file: could not be opened */
+#define QUO_WRITE_FAILED (-1102)     /* stream file: a write failed */
+#define QUO_READ_FAILED (-1103)      /* stream file: ends too early */
+#define QUO_BAD_FILE (-1110)         /* stream file: not one, or of another generator */
+#define QUO_BAD_FILE_FORMAT (-1111)  /* stream file: unknown format byte */
+#define QUO_BAD_REFILL (-1120)       /* abstract stream: refill returned a count out of range */
+#define QUO_EMPTY_REFILL (-1121)     /* abstract stream: refill returned 0 */
+#define QUO_WRONG_OUTPUT (-1122)     /* abstract stream: holds numbers of another type */
 
 /* ---- Identifiers of the basic generators. Members of a family: add the member's number. ---- */
 
@@ -170,6 +180,14 @@ QUO_API uint32_t __quoiPowMod2P31M1(uint32_t base, uint64_t e);
 QUO_API uint64_t __quoiPowMod2P59(uint64_t base, uint64_t e);
 QUO_API uint32_t __quoiPowMod(uint32_t base, uint64_t e, uint32_t m);
 
+/* ---- Basic generators: R250 and MRG32K3A. ---- */
+
+/* ---- Basic generators: Mersenne twisters. ---- */
+
+/* ---- Abstract streams. ---- */
+
+/* ---- Partition and persistence. ---- */
+
 /* ---- Distributions: uniform. ---- */
 
 /* Bit of the method word: clamp the results into [a, b]. */
@@ -193,6 +211,12 @@ QUO_API int32_t _quoiRngUniform(uint32_t method, StreamState* stream, int32_t n,
                                 int32_t a, int32_t b);
 /* The generator's raw output: n times its word size. */
 QUO_API int32_t _quoiRngUniformBits(uint32_t method, StreamState* stream, int32_t n, uint32_t* r);
+
+/* ---- Distributions: Gaussian. ---- */
+
+/* ---- Distributions: exponential, Laplace, Weibull, Cauchy, Rayleigh, lognormal, Gumbel. ---- */
+
+/* ---- Distributions: Bernoulli and geometric. ---- */
 
 #ifdef __cplusplus
 }
