@@ -1,5 +1,6 @@
 // Scalar helpers of the distributions: no library call, no table of the processor's, the same bits
-// everywhere. They compute in round-to-nearest without flushing, which the caller's QuietGuard sets.
+// everywhere. They compute in round-to-nearest without flushing, which the caller's QuietGuard
+// sets.
 #ifndef QUO_SUB_KERNEL__MATH_SCALAR_H_
 #define QUO_SUB_KERNEL__MATH_SCALAR_H_
 

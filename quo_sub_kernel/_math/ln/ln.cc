@@ -18,8 +18,8 @@ constexpr uint64_t kOne = 0x3FF0000000000000, kMantissa = 0x000FFFFFFFFFFFFF;
 constexpr uint64_t kHead = 0x7FFFFFFFFFE00000;
 constexpr double kTwo52 = 4503599627370496.0;
 
-// 2^42 - 1 + 7.5/1024. Added to m, it leaves m - 1 to 2^-10 in the low word, moved by half a step of
-// 1/64: bits 4 to 10 are the number of the nearest step.
+// 2^42 - 1 + 7.5/1024. Added to m, it leaves m - 1 to 2^-10 in the low word, moved by half a step
+// of 1/64: bits 4 to 10 are the number of the nearest step.
 constexpr double kRowShift = 4398046511103.0073;
 constexpr uint32_t kRowMask = 0x7F0;
 
