@@ -41,7 +41,7 @@ double KolmogorovSmirnovP(std::vector<T> sample, const Cdf& cdf) {
 }
 
 // The p-value of counts of cells against the cells' probabilities, which add up to 1. Neighbouring
-// cells are joined until each expects at least 10.
+// cells are joined until each expects at least 10. A count where none can be gives 0.
 inline double ChiSquareP(const std::vector<int64_t>& counts,
                          const std::vector<double>& probabilities) {
   double total = 0;
@@ -49,6 +49,7 @@ inline double ChiSquareP(const std::vector<int64_t>& counts,
   std::vector<double> seen, expected;
   double more_seen = 0, more_expected = 0;
   for (size_t i = 0; i < counts.size(); ++i) {
+    if (probabilities[i] == 0 && counts[i] != 0) return 0;
     more_seen += static_cast<double>(counts[i]);
     more_expected += total * probabilities[i];
     if (more_expected < 10) continue;
