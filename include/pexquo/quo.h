@@ -214,6 +214,34 @@ QUO_API int32_t _quoiRngUniformBits(uint32_t method, StreamState* stream, int32_
 
 /* ---- Distributions: Gaussian. ---- */
 
+/* Methods of the normal distribution. */
+#define QUO_METHOD_GAUSSIAN_BOXMULLER 0u  /* two uniforms an output */
+#define QUO_METHOD_GAUSSIAN_BOXMULLER2 1u /* two uniforms two outputs */
+#define QUO_METHOD_GAUSSIAN_ICDF 2u       /* one uniform an output */
+
+/* n normal numbers with mean a and standard deviation sigma (> 0, which is not checked). Of two
+ * uniforms u1, u2 on [0, 1), R = sqrt(-2 ln u1):
+ *   BOXMULLER   R sin(2 pi u2), one output;
+ *   BOXMULLER2  R sin(2 pi u2), then R cos(2 pi u2): G. E. P. Box, M. E. Muller, Annals of
+ *               Mathematical Statistics 29 (1958). A pair that a call has half used is finished by
+ *               the next call of this method and precision on the stream, so the sequence does not
+ *               depend on how it is asked for. The pair is kept in the stream's chunk 2 (double, 16
+ *               bytes) or 1 (single, 8 bytes), which goes with the stream into copies and files; a
+ *               chunk of that key and another size is passed over, and a new one added;
+ *   ICDF        sqrt(2) erfinv(u), u a uniform on [-1, 1).
+ * Each output times sigma plus a, both rounded (ICDF: times sigma sqrt(2), rounded, plus a). Double
+ * outputs come from the vector functions with 26 correct bits, single ones from those with 21.
+ * Where these have no finite value, at u1 = 0 and u = -1, fixed values stand in: ln 0 is -744.44
+ * (single: -103.28), erfinv(-1) is -0.76705 (-1.0837). The thread's vector-math mode, status and
+ * callback are as before afterwards, and the callback is not called. Returns the status of the last
+ * request for uniforms, 0 for n < 1 (nothing is done), -2 for another method, -4. A negative status
+ * of the generator ends the call: earlier blocks of 1024 uniforms (BOXMULLER: 1024 outputs) are
+ * done, by BOXMULLER2 without sigma and a. */
+QUO_API int32_t _quodRngGaussian(uint32_t method, StreamState* stream, int32_t n, double* r,
+                                 double a, double sigma);
+QUO_API int32_t _quosRngGaussian(uint32_t method, StreamState* stream, int32_t n, float* r, float a,
+                                 float sigma);
+
 /* ---- Distributions: exponential, Laplace, Weibull, Cauchy, Rayleigh, lognormal, Gumbel. ---- */
 
 /* n numbers at r, an array at any address, made of uniforms u on [0, 1) unless it says otherwise,
