@@ -8,9 +8,9 @@
 #endif
 
 #include <cstddef>
-#include <cstring>
 
 #include "hwy/highway.h"
+#include "quo_kernel/_kernel/unaligned.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace quo::HWY_NAMESPACE {
@@ -31,12 +31,7 @@ HWY_INLINE void Each(size_t n, const T* x, R* r, F f) {
   }
   for (; i + kLanes <= n; i += kLanes) hn::StoreU(f(d, hn::LoadU(d, x + i)), dr, r + i);
   const hn::CappedTag<T, 1> one;
-  for (; i < n; ++i) {
-    T argument;
-    std::memcpy(&argument, x + i, sizeof argument);
-    const R result = hn::GetLane(f(one, hn::Set(one, argument)));
-    std::memcpy(r + i, &result, sizeof result);
-  }
+  for (; i < n; ++i) Put(r + i, hn::GetLane(f(one, hn::Set(one, Get(x + i)))));
 }
 
 }  // namespace quo::HWY_NAMESPACE

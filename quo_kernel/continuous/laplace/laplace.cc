@@ -5,10 +5,10 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include <algorithm>
-#include <cstring>
 
 #include "hwy/highway.h"
 #include "quo_kernel/_kernel/generate.h"
+#include "quo_kernel/_kernel/unaligned.h"
 #include "quo_kernel/_kernel/vector_math.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -51,12 +51,7 @@ HWY_INLINE void Combine(size_t n, const T* factor, T* r, T a) {
     const auto product = hn::Mul(hn::LoadU(d, r + i), hn::LoadU(d, factor + i));
     hn::StoreU(hn::Add(product, shift), d, r + i);
   }
-  for (; i < n; ++i) {
-    T x;
-    std::memcpy(&x, r + i, sizeof x);
-    x = x * factor[i] + a;
-    std::memcpy(r + i, &x, sizeof x);
-  }
+  for (; i < n; ++i) Put(r + i, Get(r + i) * factor[i] + a);
 }
 
 void dSplit(size_t n, double* pairs, double* factor, double beta) { Split(n, pairs, factor, beta); }
