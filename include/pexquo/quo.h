@@ -242,6 +242,28 @@ QUO_API int32_t _quodRngGaussian(uint32_t method, StreamState* stream, int32_t n
 QUO_API int32_t _quosRngGaussian(uint32_t method, StreamState* stream, int32_t n, float* r, float a,
                                  float sigma);
 
+/* How a lower triangular factor T of dimension m is stored. */
+#define QUO_STORAGE_FULL 0   /* m m numbers, T[i][j] at i m + j; those above the diagonal unread */
+#define QUO_STORAGE_PACKED 1 /* m (m + 1) / 2 numbers, column by column from the diagonal down */
+#define QUO_STORAGE_DIAGONAL 2 /* m numbers, the diagonal */
+
+/* n vectors x = a + T z of dimension dimen, one behind the other in r (n dimen numbers): z of
+ * standard normal numbers, as many and in the order that _quo*RngGaussian gives by the method; a
+ * has dimen numbers, the covariance of x is T T'. The order of the rounded sums: full      T[i][i]
+ * z[i] + T[i][0] z[0] + ... + T[i][i-1] z[i-1] + a[i] for dimensions 2 to 10; beyond, the system's
+ * BLAS multiplies (DTRMM, STRMM), and its order and so the last bits may depend on the processor;
+ *   packed    T[i][0] z[0] + T[i][1] z[1] + ... + T[i][i] z[i] + a[i];
+ *   diagonal  T[i][i] z[i] + a[i].
+ * Dimension 1 is _quo*RngGaussian(method, stream, n, r, a[0], t[0]), whatever the storage. For an
+ * unknown storage the vectors z stay in r. Returns as _quo*RngGaussian, after a negative status
+ * with what was drawn in r, and -3 for a dimension below 1, -4 where a packed factor of 1024
+ * dimensions or more finds no memory for a vector: the z stay in r then. */
+QUO_API int32_t _quodRngGaussianMV(uint32_t method, StreamState* stream, int32_t n, double* r,
+                                   int32_t dimen, int32_t mstorage, const double* a,
+                                   const double* t);
+QUO_API int32_t _quosRngGaussianMV(uint32_t method, StreamState* stream, int32_t n, float* r,
+                                   int32_t dimen, int32_t mstorage, const float* a, const float* t);
+
 /* ---- Distributions: exponential, Laplace, Weibull, Cauchy, Rayleigh, lognormal, Gumbel. ---- */
 
 /* n numbers at r, an array at any address, made of uniforms u on [0, 1) unless it says otherwise,

@@ -15,6 +15,20 @@
 
 namespace quo {
 
+// errno and the exception flags but inexact stay as they are, the computation is in
+// round-to-nearest without flushing.
+class QuietCall {
+ public:
+  QuietCall() = default;
+  ~QuietCall() { errno = errno_; }
+  QuietCall(const QuietCall&) = delete;
+  QuietCall& operator=(const QuietCall&) = delete;
+
+ private:
+  const pex::QuietGuard quiet_;
+  const int errno_ = errno;
+};
+
 class VectorMath {
  public:
   explicit VectorMath(PexErrorCallBack replace)
@@ -25,14 +39,12 @@ class VectorMath {
     _pexSetErrorCallBack(callback_);
     _pexSetMode(mode_);  // last, as setting a callback switches a bit of the mode
     _pexSetErrStatus(status_);
-    errno = errno_;
   }
   VectorMath(const VectorMath&) = delete;
   VectorMath& operator=(const VectorMath&) = delete;
 
  private:
-  const pex::QuietGuard quiet_;  // the flags come back after all else
-  const int errno_ = errno;
+  const QuietCall quiet_;  // the flags come back after all else
   const int32_t status_;
   const uint32_t mode_;
   const PexErrorCallBack callback_;
