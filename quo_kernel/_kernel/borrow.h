@@ -11,6 +11,7 @@
 #include <cstdint>
 
 #include "pex_core/_kernel/control.h"
+#include "pex_core/mode/pex_mode.h"
 #include "pexquo/pex.h"
 
 namespace quo {
@@ -31,23 +32,24 @@ class QuietCall {
 
 class VectorMath {
  public:
-  explicit VectorMath(PexErrorCallBack replace)
-      : status_(_pexGetErrStatus()),
-        mode_(_pexSetMode(PEX_ERRMODE_CALLBACK)),
-        callback_(_pexSetErrorCallBack(replace)) {}
+  explicit VectorMath(PexErrorCallBack replace) {
+    thread_.mode = (mode_ & ~PEX_MODE_ERRORS) | PEX_ERRMODE_CALLBACK;
+    thread_.callback = replace;
+  }
   ~VectorMath() {
-    _pexSetErrorCallBack(callback_);
-    _pexSetMode(mode_);  // last, as setting a callback switches a bit of the mode
-    _pexSetErrStatus(status_);
+    thread_.callback = callback_;
+    thread_.mode = mode_;
+    thread_.status = status_;
   }
   VectorMath(const VectorMath&) = delete;
   VectorMath& operator=(const VectorMath&) = delete;
 
  private:
   const QuietCall quiet_;  // the flags come back after all else
-  const int32_t status_;
-  const uint32_t mode_;
-  const PexErrorCallBack callback_;
+  const pex::ThreadState thread_ = pex::CurrentThread();
+  const int32_t status_ = thread_.status;
+  const uint32_t mode_ = thread_.mode;
+  const PexErrorCallBack callback_ = thread_.callback;
 };
 
 // For callbacks: the element becomes `value`.

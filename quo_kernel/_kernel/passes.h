@@ -31,10 +31,11 @@ inline T AfterControl(T parameter) {
   return parameter;
 }
 
-// transform(count, first) for parts of r that fit into the first cache with room to spare.
+// transform(count, first) for parts of r that fit into the first cache with room to spare. A part
+// is a whole number of the groups of vectors that the vector functions work on, whatever the level.
 template <typename T, class F>
 void InBlocks(int32_t n, T* r, F transform) {
-  constexpr int32_t kBlock = 1024;
+  constexpr int32_t kBlock = 1056;
   for (int32_t left = n; left > 0; left -= kBlock, r += kBlock) {
     transform(std::min(left, kBlock), r);
   }

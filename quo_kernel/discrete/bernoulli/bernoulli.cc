@@ -7,7 +7,7 @@
 #include <bit>
 
 #include "hwy/highway.h"
-#include "pex_core/_kernel/control.h"
+#include "quo_kernel/_kernel/borrow.h"
 #include "quo_kernel/_kernel/each-inl.h"
 #include "quo_kernel/_kernel/generate.h"
 #include "quo_kernel/_kernel/passes.h"
@@ -32,7 +32,7 @@ HWY_EXPORT(StoreSuccesses);
 
 extern "C" QUO_API int32_t _quoiRngBernoulli(uint32_t, StreamState* stream, int32_t n, int32_t* r,
                                              double p) {
-  const pex::QuietGuard guard;
+  const QuietCall quiet;
   const auto single = static_cast<float>(AfterControl(p));
   const int32_t status = Generate(stream, n, reinterpret_cast<float*>(r), 0.0f, 1.0f);
   if (status < 0 || n < 1) return status;
