@@ -16,48 +16,42 @@ namespace quo::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// beta with the sign that u2 gives the logarithm.
-template <class D, class V>
-HWY_INLINE V Signed(D d, V u2, V beta) {
-  return hn::IfThenElse(hn::Le(u2, hn::Set(d, hn::TFromD<D>(0.5))), hn::Neg(beta), beta);
-}
-
-// Of pairs, u1 to the front and beta signed to `factor`.
+// u1[i] = the first of pair i
 template <typename T>
-HWY_INLINE void Split(size_t n, T* pairs, T* factor, T beta) {
+HWY_INLINE void TakeFirsts(size_t n, const T* pairs, T* u1) {
   const hn::ScalableTag<T> d;
   constexpr size_t kLanes = hn::MaxLanes(d);
-  const auto scale = hn::Set(d, beta);
   size_t i = 0;
   for (; i + kLanes <= n; i += kLanes) {
     const auto lower = hn::Load(d, pairs + 2 * i), upper = hn::Load(d, pairs + 2 * i + kLanes);
-    hn::Store(hn::ConcatEven(d, upper, lower), d, pairs + i);
-    hn::Store(Signed(d, hn::ConcatOdd(d, upper, lower), scale), d, factor + i);
+    hn::Store(hn::ConcatEven(d, upper, lower), d, u1 + i);
   }
-  for (; i < n; ++i) {
-    factor[i] = pairs[2 * i + 1] <= T(0.5) ? -beta : beta;
-    pairs[i] = pairs[2 * i];
-  }
+  for (; i < n; ++i) u1[i] = pairs[2 * i];
 }
 
-// r[i] = r[i] factor[i] + a
+// r[i] = r[i] (-beta) + a if the second of pair i is at most 1/2, else r[i] beta + a
 template <typename T>
-HWY_INLINE void Combine(size_t n, const T* factor, T* r, T a) {
+HWY_INLINE void Combine(size_t n, const T* pairs, T* r, T a, T beta) {
   const hn::ScalableTag<T> d;
   constexpr size_t kLanes = hn::MaxLanes(d);
-  const auto shift = hn::Set(d, a);
+  const auto shift = hn::Set(d, a), lower_scale = hn::Set(d, beta), upper_scale = hn::Set(d, -beta);
+  const auto half = hn::Set(d, T(0.5));
   size_t i = 0;
   for (; i + kLanes <= n; i += kLanes) {
-    const auto product = hn::Mul(hn::LoadU(d, r + i), hn::LoadU(d, factor + i));
-    hn::StoreU(hn::Add(product, shift), d, r + i);
+    const auto lower = hn::Load(d, pairs + 2 * i), upper = hn::Load(d, pairs + 2 * i + kLanes);
+    const auto above = hn::Le(hn::ConcatOdd(d, upper, lower), half);
+    const auto scale = hn::IfThenElse(above, upper_scale, lower_scale);
+    hn::StoreU(hn::Add(hn::Mul(hn::LoadU(d, r + i), scale), shift), d, r + i);
   }
-  for (; i < n; ++i) Put(r + i, Get(r + i) * factor[i] + a);
+  for (; i < n; ++i) Put(r + i, Get(r + i) * (pairs[2 * i + 1] <= T(0.5) ? -beta : beta) + a);
 }
 
-void dSplit(size_t n, double* pairs, double* factor, double beta) { Split(n, pairs, factor, beta); }
-void sSplit(size_t n, float* pairs, float* factor, float beta) { Split(n, pairs, factor, beta); }
-void dCombine(size_t n, const double* factor, double* r, double a) { Combine(n, factor, r, a); }
-void sCombine(size_t n, const float* factor, float* r, float a) { Combine(n, factor, r, a); }
+#define QUO_LAPLACE_PASSES(T, t)                                                    \
+  void t##TakeFirsts(size_t n, const T* pairs, T* u1) { TakeFirsts(n, pairs, u1); } \
+  void t##Combine(size_t n, const T* pairs, T* r, T a, T beta) { Combine(n, pairs, r, a, beta); }
+QUO_LAPLACE_PASSES(double, d)
+QUO_LAPLACE_PASSES(float, s)
+#undef QUO_LAPLACE_PASSES
 
 }  // namespace quo::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -65,42 +59,37 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace quo {
 
-HWY_EXPORT(dSplit);
-HWY_EXPORT(sSplit);
-HWY_EXPORT(dCombine);
-HWY_EXPORT(sCombine);
+#define QUO_LAPLACE_PASSES(T, t)                                     \
+  HWY_EXPORT(t##TakeFirsts);                                         \
+  HWY_EXPORT(t##Combine);                                            \
+  static void TakeFirsts(size_t n, const T* pairs, T* u1) {          \
+    HWY_DYNAMIC_DISPATCH(t##TakeFirsts)(n, pairs, u1);               \
+  }                                                                  \
+  static void Combine(size_t n, const T* pairs, T* r, T a, T beta) { \
+    HWY_DYNAMIC_DISPATCH(t##Combine)(n, pairs, r, a, beta);          \
+  }
+QUO_LAPLACE_PASSES(double, d)
+QUO_LAPLACE_PASSES(float, s)
+#undef QUO_LAPLACE_PASSES
 
 namespace {
 
 constexpr double _quodLaplaceTab[] = {kLnSmallest, 1.0};
 constexpr float _quosLaplaceTab[] = {kLnSmallestSingle, 1.0f};
 
-void Split(size_t n, double* pairs, double* factor, double beta) {
-  HWY_DYNAMIC_DISPATCH(dSplit)(n, pairs, factor, beta);
-}
-void Split(size_t n, float* pairs, float* factor, float beta) {
-  HWY_DYNAMIC_DISPATCH(sSplit)(n, pairs, factor, beta);
-}
-void Combine(size_t n, const double* factor, double* r, double a) {
-  HWY_DYNAMIC_DISPATCH(dCombine)(n, factor, r, a);
-}
-void Combine(size_t n, const float* factor, float* r, float a) {
-  HWY_DYNAMIC_DISPATCH(sCombine)(n, factor, r, a);
-}
-
 template <const auto& kTab, typename T>
 int32_t Laplace(StreamState* stream, int32_t n, T* r, T a, T beta) {
   constexpr int32_t kBlock = 1024;
   const VectorMath borrowed(ReplaceAll<kTab>);
-  alignas(64) T pairs[2 * kBlock], factor[kBlock];
+  alignas(64) T pairs[2 * kBlock], u1[kBlock];
   int32_t status = QUO_OK;
   for (int32_t left = n; left > 0; left -= kBlock, r += kBlock) {
     const int32_t m = std::min(left, kBlock);
     status = Generate(stream, 2 * m, pairs, T(0), kTab[1]);
     if (status < 0) break;
-    Split(static_cast<size_t>(m), pairs, factor, beta);
-    Ln(m, pairs, r);
-    Combine(static_cast<size_t>(m), factor, r, a);
+    TakeFirsts(static_cast<size_t>(m), pairs, u1);
+    Ln(m, u1, r);
+    Combine(static_cast<size_t>(m), pairs, r, a, beta);
   }
   return status;
 }
