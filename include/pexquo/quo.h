@@ -182,6 +182,25 @@ QUO_API uint32_t __quoiPowMod(uint32_t base, uint64_t e, uint32_t m);
 
 /* ---- Basic generators: R250 and MRG32K3A. ---- */
 
+/* The integer output of both is one 32-bit word, their uniforms take one output each; a count of 0
+ * or less writes nothing and leaves the stream where it is. Neither leapfrogs: -1002. */
+
+/* w(n) = w(n-250) xor w(n-147), all 32-bit words. 250 seed words or more are the first 250 of the
+ * sequence before the first output; of fewer the first counts, 0 and none as 1: it fills the state
+ * by the multiplier 69069, with 32 words made linearly independent. No skip-ahead: -1003. A state
+ * whose two indices are not ones that seeding and drawing leave behind, from a file or a copy,
+ * counts them modulo 250 and goes on by the definition x[i] ^= x[j], a word at a time.
+ * S. Kirkpatrick, E. P. Stoll, J. Comput. Phys. 40 (1981), 517-526. */
+QUO_BRNG_FUNCTIONS(R250)
+/* z = x - y mod m1 with x(n) = 1403580 x(n-2) - 810728 x(n-3) mod m1 = 2^32 - 209 and
+ * y(n) = 527612 y(n-1) - 1370589 y(n-3) mod m2 = 2^32 - 22853. Up to six seed words, x then y,
+ * oldest first: those not given are 1, each is reduced by its modulus, and a component of three
+ * zeros starts from 1, 0, 0. The integer output is z, from 0 to m1 - 1, the uniform z/m1. Skips
+ * ahead by any 64-bit count. A word of the state at or above its modulus, as a file or a copy may
+ * bring, counts as its residue.
+ * P. L'Ecuyer, Operations Research 47 (1999), 159-164. */
+QUO_BRNG_FUNCTIONS(MRG32K3A)
+
 /* ---- Basic generators: Mersenne twisters. ---- */
 
 /* ---- Abstract streams. ---- */
