@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "pex_core/_kernel/exact-inl.h"
 #include "pexquo/quo.h"
 #include "quo_sub_kernel/_math/params.h"
 #include "quo_sub_kernel/_math/powmod.h"
@@ -41,11 +42,20 @@ struct Lanes {
   double y[3][kLanesUsed];
 };
 
+// c - a b, where the product and the difference are exact.
+HWY_INLINE Vec LessProduct(Vec c, Vec a, Vec b) {
+#if HWY_TARGET == HWY_SSE4
+  return hn::Sub(c, hn::Mul(a, b));
+#else
+  return pex::HWY_NAMESPACE::Remainder(Tag(), c, a, b);
+#endif
+}
+
 // p mod m for |p| below 2^53: the residue of least size, or one that exceeds m/2 by less than 1.
 HWY_INLINE Vec Residue(Vec p, uint32_t m) {
   const Tag d;
   const Vec quotient = hn::Round(hn::Mul(p, hn::Set(d, 1.0 / m)));
-  return hn::Sub(p, hn::Mul(quotient, hn::Set(d, double(m))));
+  return LessProduct(p, quotient, hn::Set(d, double(m)));
 }
 
 // The lanes ahead of a component's words.
@@ -73,8 +83,8 @@ HWY_INLINE void Spread(const uint32_t* w, const ComponentMRG& c, const LanesMRG&
 template <const ComponentMRG& c>
 HWY_INLINE Vec Advance(Vec (&w)[3]) {
   const Tag d;
-  const Vec p = hn::Sub(hn::Mul(hn::Set(d, double(c.plus)), w[c.plus_at]),
-                        hn::Mul(hn::Set(d, double(c.minus)), w[0]));
+  const Vec p = LessProduct(hn::Mul(hn::Set(d, double(c.plus)), w[c.plus_at]),
+                            hn::Set(d, double(c.minus)), w[0]);
   w[0] = w[1];
   w[1] = w[2];
   w[2] = Residue(p, c.m);
@@ -91,7 +101,11 @@ HWY_INLINE WordVec Reduced(Vec lower, Vec upper, uint32_t m) {
   const WordVec w = hn::ConcatEven(dw, hn::BitCast(dw, hn::Add(upper, magic)),
                                    hn::BitCast(dw, hn::Add(lower, magic)));
   const WordVec negative = hn::BitCast(dw, hn::BroadcastSignBit(hn::BitCast(di, w)));
+#if HWY_TARGET == HWY_AVX3
+  return hn::IfThenElse(hn::MaskFromVec(negative), hn::Add(w, hn::Set(dw, m)), w);
+#else
   return hn::Sub(w, hn::And(negative, hn::Set(dw, 0 - m)));
+#endif
 }
 
 // (p1 - p2) mod m1.
