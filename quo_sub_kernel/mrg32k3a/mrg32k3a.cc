@@ -2,7 +2,7 @@
 //   P. L'Ecuyer: Good parameters and implementations for combined multiple recursive random number
 //   generators, Operations Research 47 (1999), 159-164.
 //
-// A block is kStepsMRG steps of several lanes, each lane that many steps ahead of the one before; a
+// A block is kSteps steps of several lanes, each lane that many steps ahead of the one before; a
 // table of constant matrices takes the state to its lanes. Words are doubles, residues from about
 // -m/2 to m/2: products and sums stay below 2^53 and the quotient is rounded to an integer, so that
 // everything is exact. Four steps at a time are transposed from lanes to runs of outputs.
@@ -29,12 +29,17 @@ using Vec = Doubles::Vec;
 constexpr size_t kLanes = Doubles::kHalf;
 
 // Fewer outputs than this are made one by one.
-constexpr size_t kFewMRG = 48;
+constexpr size_t kFewMRG = 24;
+// Steps of a block: so many, or fewer for outputs that would not fill half a pair of vectors.
+constexpr size_t kManySteps = 32;
+constexpr size_t kFewSteps = 8;
 // Pairs of vectors of lanes in a block, and the outputs of each.
 constexpr size_t kPairs = kLanesMRG / kWordLanes < 4 ? kLanesMRG / kWordLanes : 4;
 constexpr size_t kLanesUsed = kPairs * kWordLanes;
-constexpr size_t kPairOutputs = kWordLanes * kStepsMRG;
+constexpr size_t kPairOutputs = kWordLanes * kManySteps;
 constexpr size_t kBlock = kPairs * kPairOutputs;
+constexpr size_t kFewOutputs = kPairOutputs / 2;
+static_assert(kFewOutputs <= kLanesUsed * kFewSteps);
 
 // The words of the lanes.
 struct Lanes {
@@ -132,7 +137,8 @@ HWY_INLINE void StoreBlocks(D d, hn::Vec<D> rows, size_t run, uint32_t* r) {
   }
 }
 
-// z[t] holds output t of each lane; r has those of the lanes kStepsMRG apart.
+// z[t] holds output t of each lane; r has those of the lanes kSteps apart.
+template <size_t kSteps>
 HWY_INLINE void StoreRuns(const WordVec* z, uint32_t* r) {
   const WordTag d;
   const hn::ScalableTag<uint64_t> d64;
@@ -146,10 +152,11 @@ HWY_INLINE void StoreRuns(const WordVec* z, uint32_t* r) {
       hn::BitCast(d, hn::InterleaveLower(d64, upper01, upper23)),
       hn::BitCast(d, hn::InterleaveUpper(d64, upper01, upper23)),
   };
-  for (size_t k = 0; k < 4; ++k) StoreBlocks(d, rows[k], kStepsMRG, r + k * kStepsMRG);
+  for (size_t k = 0; k < 4; ++k) StoreBlocks(d, rows[k], kSteps, r + k * kSteps);
 }
 
 // Four steps of the pair of vectors at lane i.
+template <size_t kSteps>
 HWY_INLINE void FourSteps(const Lanes& from, Lanes& to, size_t i, uint32_t* r) {
   const Tag d;
   Vec x[2][3], y[2][3];
@@ -171,7 +178,7 @@ HWY_INLINE void FourSteps(const Lanes& from, Lanes& to, size_t i, uint32_t* r) {
       hn::Store(y[u][k], d, &to.y[k][i + u * kLanes]);
     }
   }
-  StoreRuns(z, r + i * kStepsMRG);
+  StoreRuns<kSteps>(z, r + i * kSteps);
 }
 
 uint32_t Unsigned(double residue, uint32_t m) {
@@ -179,19 +186,20 @@ uint32_t Unsigned(double residue, uint32_t m) {
 }
 
 // The first n outputs of a block, to r, where whole pairs have room; the state after them.
+template <size_t kSteps>
 HWY_INLINE void Block(StateMRG32K3A& s, size_t n, uint32_t* r) {
-  constexpr size_t kFours = kStepsMRG / 4;
+  constexpr size_t kFours = kSteps / 4;
   HWY_ALIGN Lanes lanes[kFours + 1];  // every fourth step
-  const size_t used = (n + kPairOutputs - 1) / kPairOutputs * kWordLanes;
-  Spread(s.x, kX, kLanesX, used, lanes[0].x);
-  Spread(s.y, kY, kLanesY, used, lanes[0].y);
+  const size_t used = (n - 1) / (kWordLanes * kSteps) * kWordLanes + kWordLanes;
+  Spread(s.x, kX, kLanesX<kSteps>, used, lanes[0].x);
+  Spread(s.y, kY, kLanesY<kSteps>, used, lanes[0].y);
   for (size_t t = 0; t < kFours; ++t) {
     for (size_t i = 0; i < used; i += kWordLanes) {
-      FourSteps(lanes[t], lanes[t + 1], i, r + 4 * t);
+      FourSteps<kSteps>(lanes[t], lanes[t + 1], i, r + 4 * t);
     }
   }
-  const size_t lane = (n - 1) / kStepsMRG;
-  const size_t steps = n - lane * kStepsMRG;
+  const size_t lane = (n - 1) / kSteps;
+  const size_t steps = n - lane * kSteps;
   const Lanes& last = lanes[steps / 4];
   for (size_t k = 0; k < 3; ++k) {
     s.x[k] = Unsigned(last.x[k][lane], kM1);
@@ -208,9 +216,13 @@ HWY_INLINE void GenerateMRG(StateMRG32K3A& state, size_t n, typename Output::T* 
   while (n >= kFewMRG) {
     const size_t count = std::min(n, kBlock);
     if (std::is_same_v<Output, Words> && count == kBlock) {
-      Block(s, count, reinterpret_cast<uint32_t*>(r));
+      Block<kManySteps>(s, count, reinterpret_cast<uint32_t*>(r));
     } else {
-      Block(s, count, words);
+      if (count <= kFewOutputs) {
+        Block<kFewSteps>(s, count, words);
+      } else {
+        Block<kManySteps>(s, count, words);
+      }
       size_t k = 0;
       for (; k + kWordLanes <= count; k += kWordLanes)
         output.Put(hn::Load(WordTag(), words + k), r + k);

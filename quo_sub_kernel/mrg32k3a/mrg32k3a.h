@@ -36,26 +36,26 @@ inline constexpr ComponentMRG kY = {
 static_assert(kX.bias >= uint64_t{kX.minus} * UINT32_MAX &&
               kY.bias >= uint64_t{kY.minus} * UINT32_MAX);
 
-// What takes a component's three words to those of 32 lanes, lane i being 32 i steps ahead: word k
+// What takes a component's three words to those of lanes, lane i being i kSteps steps ahead: word k
 // of lane i is the sum over j of (high[k][j][i] 2^16 + low[k][j][i]) w[j] mod m. The halves are
 // below 2^15 + 1 in size.
 inline constexpr size_t kLanesMRG = 32;
-inline constexpr size_t kStepsMRG = 32;
 struct LanesMRG {
   double high[3][3][kLanesMRG];
   double low[3][3][kLanesMRG];
 };
 
+template <size_t kSteps>
 constexpr LanesMRG MakeLanesMRG(const ComponentMRG& c) {
   LanesMRG lanes{};
   for (size_t j = 0; j < 3; ++j) {
     uint32_t w[3] = {j == 0, j == 1, j == 2};
-    for (size_t n = 0; n < kLanesMRG * kStepsMRG; ++n) {
-      for (size_t k = 0; n % kStepsMRG == 0 && k < 3; ++k) {
+    for (size_t n = 0; n < kLanesMRG * kSteps; ++n) {
+      for (size_t k = 0; n % kSteps == 0 && k < 3; ++k) {
         const int64_t residue = w[k] > c.m / 2 ? int64_t{w[k]} - c.m : int64_t{w[k]};
         const int64_t low = (residue + 0x80008000) % 0x10000 - 0x8000;
-        lanes.low[k][j][n / kStepsMRG] = static_cast<double>(low);
-        lanes.high[k][j][n / kStepsMRG] = static_cast<double>((residue - low) / 0x10000);
+        lanes.low[k][j][n / kSteps] = static_cast<double>(low);
+        lanes.high[k][j][n / kSteps] = static_cast<double>((residue - low) / 0x10000);
       }
       const uint32_t next = c.Next(w);
       w[0] = w[1];
@@ -65,8 +65,10 @@ constexpr LanesMRG MakeLanesMRG(const ComponentMRG& c) {
   }
   return lanes;
 }
-alignas(64) inline constexpr LanesMRG kLanesX = MakeLanesMRG(kX);
-alignas(64) inline constexpr LanesMRG kLanesY = MakeLanesMRG(kY);
+template <size_t kSteps>
+alignas(64) inline constexpr LanesMRG kLanesX = MakeLanesMRG<kSteps>(kX);
+template <size_t kSteps>
+alignas(64) inline constexpr LanesMRG kLanesY = MakeLanesMRG<kSteps>(kY);
 
 // One step of both components; the output.
 inline uint32_t StepMRG32K3A(StateMRG32K3A& s) {
