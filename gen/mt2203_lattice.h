@@ -9,7 +9,8 @@
 // others.
 //
 // As in the polynomials, bit 0 of a word is the most significant one.
-#pragma once
+#ifndef GEN_MT2203_LATTICE_H_
+#define GEN_MT2203_LATTICE_H_
 
 #include <algorithm>
 #include <array>
@@ -77,7 +78,7 @@ class Row {
   }
 
  private:
-  typedef uint64_t Block __attribute__((vector_size(64), aligned(sizeof(T)), may_alias));
+  typedef uint64_t Block __attribute__((vector_size(64), aligned(1), may_alias));
 
   static void AddBlocks(T* to, const T* from, int n) {
     Block* p = reinterpret_cast<Block*>(to);
@@ -141,87 +142,80 @@ class Lattice {
   std::array<Row<T>, 8 * sizeof(T)> rows_;
 };
 
-// The first `level` bits of the tempered words. The last xor with the shifted word is left out, as
-// it adds only bits above. x being the word and y = x ^ x >> 12, bit i is
-//   y[i] + b[i] y[i + 7] + c[i] (y[i + 15] + b[i + 15] y[i + 22]).
-template <class T>
-struct Tempered {
-  explicit Tempered(const Poly& characteristic) : lattice(characteristic) {}
-  template <class U>
-  explicit Tempered(const Tempered<U>& from)
-      : level(from.level),
-        masks(from.masks),
-        known_b(from.known_b),
-        defects(from.defects),
-        lattice(from.lattice) {
-    for (int j = 0; j < 32; ++j) y[j] = Row<T>(from.y[j]);
-  }
-
-  // Bit `level` by the bits y.
-  template <class Element, class Adder>
-  static void AddBit(int i, Masks m, const std::array<Element, 32>& y, Adder add) {
-    add(y[i]);
-    if (Bit(m.b, i)) add(y[i + 7]);
-    if (!Bit(m.c, i)) return;
-    add(y[i + 15]);
-    if (i + 22 < 32 && Bit(m.b, i + 15)) add(y[i + 22]);
-  }
-  static bool Bit(uint32_t mask, int i) { return mask >> (31 - i) & 1; }
-
-  // The lattice with one bit more, by these masks.
-  Lattice<T> Extended(Masks m) const {
-    Row<T> r;
-    AddBit(level, m, y, [&r](const Row<T>& term) { r.Add(term); });
-    r.AddUnit(level);
-    Lattice<T> more = lattice;
-    more.Insert(std::move(r));
-    return more;
-  }
-  // Adds the bit.
-  void Extend(Masks m, uint32_t known) {
-    lattice = Extended(m);
-    masks = m;
-    known_b = known;
-    ++level;
-    defects += Defect(level, lattice.ShortestDegree());
-    for (int j = level; j < 32; ++j) lattice.Reduce(&y[j]);
-  }
-
-  int level = 1;
-  Masks masks = {};
-  uint32_t known_b = 0;  // bits of b that are decided
-  int defects = 0;
-  Lattice<T> lattice;
-  std::array<Row<T>, 32> y;  // by the bits of the tempered words
-};
-
-// Bit 0 of the tempered words alone. It is not zero, so that its period is full.
-template <class T>
-Tempered<T> FirstBit(const Twister& twister, const Modulus& modulus, Masks masks,
-                     uint32_t known_b) {
-  std::array<Poly, 32> y = twister.bit;
-  for (int j = 12; j < 32; ++j) AddShifted(twister.bit[j - 12], 0, &y[j]);
-  Poly first = {}, inverse;
-  Tempered<T>::AddBit(0, masks, y, [&first](const Poly& term) { AddShifted(term, 0, &first); });
-  modulus.Invert(first, &inverse);
-  Tempered<T> tempered(twister.characteristic);
-  tempered.masks = masks;
-  tempered.known_b = known_b;
-  for (int j = 1; j < 32; ++j) {
-    tempered.y[j] = Row<T>(modulus.Normalize(modulus.Multiply(y[j], inverse)));
-  }
-  return tempered;
+// Calls add(y[j]) for the terms of bit i of the tempered words. With y = x ^ x >> 12, x being the
+// word, they are
+//   y[i] + b[i] y[i + 7] + c[i] (y[i + 15] + b[i + 15] y[i + 22]);
+// the last step of tempering, which adds bits above, changes nothing between the first v bits.
+template <class Element, class Add>
+void AddTempered(int i, Masks masks, const std::array<Element, 32>& y, Add add) {
+  auto is_set = [](uint32_t mask, int bit) { return mask >> (31 - bit) & 1; };
+  add(y[i]);
+  if (i + 7 < 32 && is_set(masks.b, i)) add(y[i + 7]);
+  if (i + 15 >= 32 || !is_set(masks.c, i)) return;
+  add(y[i + 15]);
+  if (i + 22 < 32 && is_set(masks.b, i + 15)) add(y[i + 22]);
 }
 
+// The first bits of the tempered words of a twister whose characteristic polynomial is irreducible.
+template <class T>
+class Tempered {
+ public:
+  // Bit 0 alone, which has the full period.
+  Tempered(const Twister& twister, const Modulus& modulus, Masks masks)
+      : lattice_(twister.characteristic) {
+    std::array<Poly, 32> y = twister.bit;
+    for (int j = 12; j < 32; ++j) AddShifted(twister.bit[j - 12], 0, &y[j]);
+    Poly first = {}, inverse;
+    AddTempered(0, masks, y, [&first](const Poly& term) { AddShifted(term, 0, &first); });
+    modulus.Invert(first, &inverse);
+    for (int j = 1; j < 32; ++j) {
+      y_[j] = Row<T>(modulus.Normalize(modulus.Multiply(y[j], inverse)));
+    }
+  }
+  template <class U>
+  explicit Tempered(const Tempered<U>& from) : level_(from.level_), lattice_(from.lattice_) {
+    for (int j = 0; j < 32; ++j) y_[j] = Row<T>(from.y_[j]);
+  }
+
+  int level() const { return level_; }
+  const Lattice<T>& lattice() const { return lattice_; }
+
+  // The lattice with one bit more, by these masks.
+  Lattice<T> Extended(Masks masks) const {
+    Row<T> r;
+    AddTempered(level_, masks, y_, [&r](const Row<T>& term) { r.Add(term); });
+    r.AddUnit(level_);
+    Lattice<T> lattice = lattice_;
+    lattice.Insert(std::move(r));
+    return lattice;
+  }
+  // Adds this bit.
+  void Extend(Masks masks) {
+    lattice_ = Extended(masks);
+    ++level_;
+    for (int j = level_; j < 32; ++j) lattice_.Reduce(&y_[j]);
+  }
+
+ private:
+  template <class U>
+  friend class Tempered;
+  int level_ = 1;
+  Lattice<T> lattice_;
+  std::array<Row<T>, 32> y_;  // by the bits of the tempered words
+};
+
+// For a twist word whose characteristic polynomial is irreducible.
 inline Dimensions ComputeDimensions(uint32_t a, Masks masks) {
   const Twister twister = MakeTwister(a);
-  auto tempered = FirstBit<uint32_t>(twister, Modulus(twister.characteristic), masks, 0);
+  Tempered<uint32_t> tempered(twister, Modulus(twister.characteristic), masks);
   Dimensions k = {kDegree};
   for (int v = 2; v <= 32; ++v) {
-    tempered.Extend(masks, 0);
-    k[v - 1] = tempered.lattice.ShortestDegree();
+    tempered.Extend(masks);
+    k[v - 1] = tempered.lattice().ShortestDegree();
   }
   return k;
 }
 
 }  // namespace quo::mt2203
+
+#endif  // GEN_MT2203_LATTICE_H_

@@ -4,7 +4,8 @@
 // Bits of a word are counted from the most significant one, 0 to 31, as in the output. With t the
 // step from one word to the next, the recurrence (M. Matsumoto and T. Nishimura, ACM TOMACS 8,
 // 1998) makes every bit of a word a polynomial in t applied to bit 31.
-#pragma once
+#ifndef GEN_MT2203_POLYNOMIAL_H_
+#define GEN_MT2203_POLYNOMIAL_H_
 
 #include <immintrin.h>
 
@@ -219,3 +220,5 @@ inline bool IsIrreducible(const Poly& p) {
 }
 
 }  // namespace quo::mt2203
+
+#endif  // GEN_MT2203_POLYNOMIAL_H_

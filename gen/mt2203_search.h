@@ -1,6 +1,7 @@
 // The search of the members of MT2203: twist words with an irreducible characteristic polynomial,
 // and tempering masks that make the words almost as equidistributed as the recurrence allows.
-#pragma once
+#ifndef GEN_MT2203_SEARCH_H_
+#define GEN_MT2203_SEARCH_H_
 
 #include <algorithm>
 #include <cstddef>
@@ -20,55 +21,67 @@ inline constexpr size_t kBeam = 60;
 // The given rows have 699 to 711; of the twist words about a half lead to masks with at most 710.
 inline constexpr int kMostDefects = 710;
 
-// The ways to go on with bit `level`: masks and the known bits of b.
+// Masks of which only the bits up to some level, and these of b, are decided.
 struct Choice {
   Masks masks;
-  uint32_t known_b;
+  uint32_t decided;
 };
-inline std::vector<Choice> Choices(int level, Masks masks, uint32_t known_b) {
-  std::vector<Choice> choices = {{masks, known_b}};
-  auto fork = [&choices](bool in_c, int i, bool only_with_c, int level) {
-    const uint32_t bit = uint32_t{1} << (31 - i);
+
+// The ways to go on with bit `level`.
+inline std::vector<Choice> Choices(int level, const Choice& so_far) {
+  auto bit = [](int i) { return uint32_t{1} << (31 - i); };
+  std::vector<Choice> choices = {so_far};
+  if (level < 17) {
+    choices.push_back(so_far);
+    choices[1].masks.c |= bit(level);
+  }
+  // Both values of bit i of b, where c has these bits.
+  auto fork = [&](int i, uint32_t c) {
     for (size_t n = choices.size(); n-- > 0;) {
-      Choice& choice = choices[n];
-      if (only_with_c && !(choice.masks.c >> (31 - level) & 1)) continue;
-      if (!in_c && (choice.known_b & bit)) continue;
-      if (!in_c) choice.known_b |= bit;
-      Choice other = choice;
-      (in_c ? other.masks.c : other.masks.b) |= bit;
-      choices.push_back(other);
+      if ((choices[n].masks.c & c) != c || (choices[n].decided & bit(i))) continue;
+      choices[n].decided |= bit(i);
+      choices.push_back(choices[n]);
+      choices.back().masks.b |= bit(i);
     }
   };
-  if (level < 17) fork(true, level, false, level);
-  if (level < 25) fork(false, level, false, level);
-  if (level < 10) fork(false, level + 15, true, level);
+  if (level < 25) fork(level, 0);
+  if (level < 10) fork(level + 15, bit(level));
   return choices;
 }
 
-// One step of the search: the `width` best extensions of the beam.
 template <class T>
-std::vector<Tempered<T>> Step(const std::vector<Tempered<T>>& beam, size_t width) {
+struct Node {
+  Choice choice;
+  int defects;
+  Tempered<T> tempered;
+};
+
+// The kBeam best nodes with one bit more.
+template <class T>
+std::vector<Node<T>> Step(const std::vector<Node<T>>& beam) {
   struct Candidate {
     int defects, longest;
-    size_t parent;
+    size_t order, parent;
     Choice choice;
   };
   std::vector<Candidate> candidates;
-  for (size_t i = 0; i < beam.size(); ++i) {
-    for (const Choice& choice : Choices(beam[i].level, beam[i].masks, beam[i].known_b)) {
-      const Lattice<T> lattice = beam[i].Extended(choice.masks);
-      candidates.push_back({beam[i].defects + Defect(beam[i].level + 1, lattice.ShortestDegree()),
-                            lattice.LongestDegree(), i, choice});
+  for (size_t parent = 0; parent < beam.size(); ++parent) {
+    const auto& [so_far, defects, tempered] = beam[parent];
+    const int level = tempered.level();
+    for (const Choice& choice : Choices(level, so_far)) {
+      const Lattice<T> lattice = tempered.Extended(choice.masks);
+      candidates.push_back({defects + Defect(level + 1, lattice.ShortestDegree()),
+                            lattice.LongestDegree(), candidates.size(), parent, choice});
     }
   }
-  std::stable_sort(candidates.begin(), candidates.end(), [](const auto& x, const auto& y) {
-    return std::tie(x.defects, x.longest) < std::tie(y.defects, y.longest);
+  std::sort(candidates.begin(), candidates.end(), [](const auto& x, const auto& y) {
+    return std::tie(x.defects, x.longest, x.order) < std::tie(y.defects, y.longest, y.order);
   });
-  candidates.resize(std::min(candidates.size(), width));
-  std::vector<Tempered<T>> next;
+  candidates.resize(std::min(candidates.size(), kBeam));
+  std::vector<Node<T>> next;
   for (const Candidate& candidate : candidates) {
-    next.push_back(beam[candidate.parent]);
-    next.back().Extend(candidate.choice.masks, candidate.choice.known_b);
+    next.push_back({candidate.choice, candidate.defects, beam[candidate.parent].tempered});
+    next.back().tempered.Extend(candidate.choice.masks);
   }
   return next;
 }
@@ -84,17 +97,20 @@ struct Found {
 inline std::optional<Found> SearchMasks(uint32_t a) {
   const Twister twister = MakeTwister(a);
   const Modulus modulus(twister.characteristic);
-  std::vector<Tempered<uint16_t>> beam;
-  for (const Choice& choice : Choices(0, {}, 0)) {
-    beam.push_back(FirstBit<uint16_t>(twister, modulus, choice.masks, choice.known_b));
+  std::vector<Node<uint16_t>> beam;
+  for (const Choice& choice : Choices(0, {})) {
+    beam.push_back({choice, 0, Tempered<uint16_t>(twister, modulus, choice.masks)});
   }
-  beam = Step(beam, kBeam);
-  std::erase_if(beam, [](const auto& tempered) { return tempered.defects > 0; });
+  beam = Step(beam);
+  std::erase_if(beam, [](const auto& node) { return node.defects > 0; });
   if (beam.empty()) return std::nullopt;
-  while (beam[0].level < 16) beam = Step(beam, kBeam);
-  std::vector<Tempered<uint32_t>> wide(beam.begin(), beam.end());
-  while (wide[0].level < 32) wide = Step(wide, kBeam);
-  return Found{wide[0].masks, wide[0].defects};
+  while (beam[0].tempered.level() < 16) beam = Step(beam);
+  std::vector<Node<uint32_t>> wide;
+  for (const auto& [choice, defects, tempered] : beam) {
+    wide.push_back({choice, defects, Tempered<uint32_t>(tempered)});
+  }
+  while (wide[0].tempered.level() < 32) wide = Step(wide);
+  return Found{wide[0].choice.masks, wide[0].defects};
 }
 
 struct Member {
@@ -153,3 +169,5 @@ inline Member FindMember(int member) {
 }
 
 }  // namespace quo::mt2203
+
+#endif  // GEN_MT2203_SEARCH_H_
