@@ -1,7 +1,8 @@
 // Members of MT2203 with one seed, in pairs: no correlation between their words.
 //
-// The seed alone makes the initial state, so that the first blocks of two members have much in
-// common; over the draws taken here that weighs nothing.
+// The seed alone makes the initial state, so that bits of the first words of two members agree too
+// often: of the first 69 words 40 to 45 % of the bits differ, after 207 words a half. That weighs
+// little among the draws taken here.
 #include <gtest/gtest.h>
 
 #include <array>

@@ -72,11 +72,13 @@ TEST(Mt2203Table, GivenRows) {
 
 TEST(Mt2203Table, FormOfTheRows) {
   std::set<uint32_t> identifiers;
+  std::set<Poly> polynomials;
   for (int member = 0; member < kMembers; ++member) {
     const Member row = RowOf(member);
     const uint32_t id = row.a & 0xFFFF;
     EXPECT_TRUE(id % 2 == 1 && id < 4096) << "member " << member;
     EXPECT_TRUE(identifiers.insert(id).second) << "member " << member;
+    EXPECT_TRUE(polynomials.insert(MakeTwister(row.a).characteristic).second) << member;
     EXPECT_EQ(row.a >> 31, 1u) << "member " << member;
     EXPECT_EQ(row.b & 0x7F, 0u) << "member " << member;
     EXPECT_EQ(row.c & 0x7FFF, 0u) << "member " << member;
