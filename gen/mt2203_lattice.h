@@ -17,7 +17,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <tuple>
 #include <utility>
 #include <vector>
 

@@ -201,8 +201,9 @@ inline Twister MakeTwister(uint32_t a) {
   return twister;
 }
 
-// Whether a polynomial of degree 2203, a prime, is irreducible: it divides t^(2^2203) - t, as no
-// product of t and t + 1 has this degree. Most others have a factor of degree at most `kSieve`.
+// Whether a polynomial of degree 2203, a prime, is irreducible: t^(2^2203) - t, which it has to
+// divide, is the product of t, t + 1 and all irreducible polynomials of this degree. Most others
+// have a factor of degree at most `kSieve` and are found out early.
 inline bool IsIrreducible(const Poly& p) {
   constexpr int kSieve = 24;
   const Modulus modulus(p);
