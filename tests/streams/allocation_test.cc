@@ -2,46 +2,14 @@
 // until none does. Nothing may leak, crash, or be left half done.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <functional>
-#include <unordered_set>
 #include <vector>
 
 #include "pexquo/kro.h"
 #include "pexquo/quo.h"
+#include "tests/streams/counted_memory.h"
 #include "tests/streams/scripted_generator.h"
-
-namespace {
-
-struct Memory {
-  std::unordered_set<void*> live;
-  int countdown = 0;  // this allocation from now fails, 0 for none
-  bool failed = false;
-  int wrong_alignment = 0, wrong_free = 0;
-};
-Memory memory;
-
-}  // namespace
-
-void* kro_serv_kro_malloc(size_t size, int32_t alignment) {
-  if (alignment != 32) ++memory.wrong_alignment;
-  if (memory.countdown > 0 && --memory.countdown == 0) {
-    memory.failed = true;
-    return nullptr;
-  }
-  void* p = nullptr;
-  if (posix_memalign(&p, 32, size == 0 ? 1 : size) != 0) std::abort();
-  std::memset(p, 0xEE, size);
-  memory.live.insert(p);
-  return p;
-}
-
-void kro_serv_kro_free(void* p) {
-  if (p == nullptr) return;
-  if (memory.live.erase(p) == 0) ++memory.wrong_free;
-  std::free(p);
-}
 
 namespace {
 
