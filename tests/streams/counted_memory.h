@@ -1,5 +1,5 @@
-// Takes the place of the service library's memory in a test program: counts, and fails when told to.
-// For one source file of a program.
+// Takes the place of the service library's memory in a test program: counts, and fails when told
+// to. For one source file of a program.
 #ifndef TESTS_STREAMS_COUNTED_MEMORY_H_
 #define TESTS_STREAMS_COUNTED_MEMORY_H_
 
