@@ -9,6 +9,7 @@
 #include "pexquo/kro.h"
 #include "pexquo/quo.h"
 #include "tests/streams/counted_memory.h"
+#include "tests/streams/files.h"
 #include "tests/streams/scripted_generator.h"
 
 namespace {
@@ -117,6 +118,45 @@ TEST(Allocation, FailsForAStateCopy) {
                        }),
               6);
   }
+}
+
+TEST(Allocation, FailsForAFile) {
+  const files::TemporaryFile file;
+  const auto length = static_cast<int32_t>(std::strlen(file.path()));
+  EXPECT_EQ(FailEach([&] { return __quoSaveStreamF(source, file.path(), length); },
+                     [](bool) { __quoDeleteStream(&source); },
+                     [] {
+                       __quoNewStreamEx(&source, 0x500000, 4, kSeeds);
+                       AddChunks(source, 3);
+                     }),
+            1)
+      << "the name";
+  StreamState* loaded = nullptr;
+  EXPECT_EQ(FailEach([&] { return __quoLoadStreamF(&loaded, file.path(), length); },
+                     [&](bool failed) {
+                       EXPECT_EQ(loaded == nullptr, failed);
+                       __quoDeleteStream(&loaded);
+                     }),
+            8)
+      << "the name, the stream, three blocks, three nodes";
+}
+
+TEST(Allocation, FailsForAnAbstractStream) {
+  double d[1];
+  float s[1];
+  uint32_t i[1];
+  const auto settle = [](bool failed) {
+    EXPECT_EQ(source == nullptr, failed);
+    __quoDeleteStream(&source);
+  };
+  const RefillD refill_d = [](auto...) { return 1; };
+  const RefillS refill_s = [](auto...) { return 1; };
+  const RefillI refill_i = [](auto...) { return 1; };
+  EXPECT_EQ(
+      FailEach([&] { return __quodNewAbstractStream(&source, 1, d, 0, 1, refill_d); }, settle), 1);
+  EXPECT_EQ(
+      FailEach([&] { return __quosNewAbstractStream(&source, 1, s, 0, 1, refill_s); }, settle), 1);
+  EXPECT_EQ(FailEach([&] { return __quoiNewAbstractStream(&source, 1, i, refill_i); }, settle), 1);
 }
 
 // No distribution call of this family takes memory.
