@@ -100,9 +100,8 @@ TEST_P(RoundTrip, GoesOnWhereTheSavedStreamStood) {
 // A leapfrogged stream keeps its stride.
 TEST_P(RoundTrip, KeepsThePartition) {
   const Owned stream(GetParam());
-  const int32_t leap = __quoLeapfrogStream(stream, 2, 5);
-  const int32_t skip = __quoSkipAheadStream(stream, 12345678901);
-  if (leap != QUO_OK && skip != QUO_OK) GTEST_SKIP() << "does neither";
+  __quoLeapfrogStream(stream, 2, 5);  // as far as the generator does either
+  __quoSkipAheadStream(stream, 12345678901);
   const Loaded loaded(SavedBytes(stream));
   ASSERT_EQ(loaded.status, QUO_OK);
   EXPECT_EQ(Raw(loaded, 50), Raw(stream, 50));
