@@ -28,9 +28,9 @@ constexpr BrngProperties kNiederr = {43280, 10498, 0, 4, 32, QUO_NO_SLOTS};
 constexpr BrngProperties kMT19937 = {2520, 625, 1, 4, 32, QUO_NO_SLOTS};
 constexpr BrngProperties kMT2203 = {312, 70, 1, 4, 32, QUO_NO_SLOTS};
 
-constexpr BrngProperties kIAbstract = {48, 0, 1, 4, 32, QUO_NO_SLOTS};
-constexpr BrngProperties kDAbstract = {64, 0, 1, 4, 32, QUO_NO_SLOTS};
-constexpr BrngProperties kSAbstract = {56, 0, 1, 4, 32, QUO_NO_SLOTS};
+constexpr BrngProperties kIAbstract = {48, 0, 1, 4, 32, QUO_SLOTS(iAbstract)};
+constexpr BrngProperties kDAbstract = {64, 0, 1, 4, 32, QUO_SLOTS(dAbstract)};
+constexpr BrngProperties kSAbstract = {56, 0, 1, 4, 32, QUO_SLOTS(sAbstract)};
 
 }  // namespace
 
