@@ -1,0 +1,244 @@
+// The vector code of the Mersenne twisters: the twist, the tempering and the outputs.
+//
+// A generator's Source regenerates its block, which is left to it as the block's length decides
+// how. It offers
+//   State          the parameters and the block, see mersenne.h;
+//   kMost          the most words that Next makes, some whole blocks;
+//   Source(state)  takes over the block, which is used up;
+//   Next(n)        n words to temper, at most kMost, from the start of the next block on;
+//   Leave(n)       puts the block that holds the n-th of these words back into the state.
+// The result array need not be aligned.
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "hwy/highway.h"
+#include "quo_sub_kernel/_math/mersenne.h"
+
+#if defined(QUO_SUB_KERNEL__MATH_MERSENNE_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef QUO_SUB_KERNEL__MATH_MERSENNE_INL_H_
+#undef QUO_SUB_KERNEL__MATH_MERSENNE_INL_H_
+#else
+#define QUO_SUB_KERNEL__MATH_MERSENNE_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace quo::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using WordTag = hn::ScalableTag<uint32_t>;
+using WordVec = hn::Vec<WordTag>;
+inline constexpr size_t kWordLanes = hn::MaxLanes(WordTag());
+
+// The bits of `yes` under the mask, the others of `no`.
+template <class V>
+HWY_INLINE V Select(V mask, V yes, V no) {
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(V) == 64) {
+    return V{_mm512_ternarylogic_epi32(mask.raw, yes.raw, no.raw, 0xCA)};
+  }
+#endif
+  return hn::Xor(no, hn::And(mask, hn::Xor(yes, no)));
+}
+
+// x ^ (y & mask)
+template <class V>
+HWY_INLINE V XorMasked(V x, V y, V mask) {
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(V) == 64) {
+    return V{_mm512_ternarylogic_epi32(x.raw, y.raw, mask.raw, 0x78)};
+  }
+#endif
+  return hn::Xor(x, hn::And(y, mask));
+}
+
+// The new words from those N, N - 1 and N - M places back.
+template <class State>
+class Twist {
+ public:
+  explicit HWY_INLINE Twist(uint32_t a) : upper_(Set(State::kUpper)), a_(Set(a)) {}
+  HWY_INLINE WordVec operator()(WordVec oldest, WordVec next, WordVec middle) const {
+    const WordVec y = hn::ShiftRight<1>(Select(upper_, oldest, next));
+#if HWY_TARGET == HWY_AVX3
+    const auto odd = hn::TestBit(next, Set(1));
+    return hn::Xor3(middle, y, hn::IfThenElseZero(odd, a_));
+#else
+    const auto d = hn::RebindToSigned<WordTag>();
+    const auto low_bit = hn::BitCast(d, hn::ShiftLeft<31>(next));
+    const WordVec odd = hn::BitCast(WordTag(), hn::BroadcastSignBit(low_bit));
+    return hn::Xor(hn::Xor(middle, y), hn::And(odd, a_));
+#endif
+  }
+
+ private:
+  static HWY_INLINE WordVec Set(uint32_t x) { return hn::Set(WordTag(), x); }
+  WordVec upper_, a_;
+};
+
+// The tempered words themselves.
+struct TwisterIntegers {
+  using T = uint32_t;
+  template <class D>
+  HWY_INLINE void Write(D d, hn::Vec<D> w, uint32_t* r) const {
+    hn::StoreU(w, d, r);
+  }
+  HWY_INLINE void WriteOne(uint32_t w, uint32_t* r) const { std::memcpy(r, &w, sizeof(w)); }
+};
+
+// (w - 2^31) times scale plus centre, each operation rounded.
+struct TwisterUniform {
+  double scale, centre;
+  HWY_INLINE TwisterUniform(double a, double b) : scale((b - a) * 0x1p-32), centre((a + b) * 0.5) {}
+
+  // The doubles of one half of the words.
+  template <class D, class V>
+  HWY_INLINE hn::Vec<D> Half(D d, V centred) const {
+    const auto x = hn::PromoteTo(d, centred);
+    return hn::Add(hn::Mul(x, hn::Set(d, scale)), hn::Set(d, centre));
+  }
+  HWY_INLINE double One(uint32_t w) const {
+    return static_cast<double>(static_cast<int32_t>(w ^ 0x80000000)) * scale + centre;
+  }
+  // w - 2^31
+  template <class D, class I = hn::RebindToSigned<D>>
+  static HWY_INLINE hn::Vec<I> Centred(D d, hn::Vec<D> w) {
+    return hn::BitCast(I(), hn::Xor(w, hn::Set(d, 0x80000000)));
+  }
+};
+
+struct TwisterDoubles : TwisterUniform {
+  using T = double;
+  HWY_INLINE TwisterDoubles(double a, double b) : TwisterUniform(a, b) {}
+  template <class D>
+  HWY_INLINE void Write(D d, hn::Vec<D> w, double* r) const {
+    const hn::Half<hn::RebindToSigned<D>> half;
+    const hn::Rebind<double, decltype(half)> dd;
+    const auto centred = Centred(d, w);
+    hn::StoreU(Half(dd, hn::LowerHalf(half, centred)), dd, r);
+    hn::StoreU(Half(dd, hn::UpperHalf(half, centred)), dd, r + hn::MaxLanes(dd));
+  }
+  HWY_INLINE void WriteOne(uint32_t w, double* r) const {
+    const double x = One(w);
+    std::memcpy(r, &x, sizeof(x));
+  }
+};
+
+// Computed in double and rounded to single at the end.
+struct TwisterFloats : TwisterUniform {
+  using T = float;
+  HWY_INLINE TwisterFloats(double a, double b) : TwisterUniform(a, b) {}
+  template <class D>
+  HWY_INLINE void Write(D d, hn::Vec<D> w, float* r) const {
+    const hn::Half<hn::RebindToSigned<D>> half;
+    const hn::Rebind<double, decltype(half)> dd;
+    const hn::Rebind<float, decltype(half)> df;
+    const auto centred = Centred(d, w);
+    const auto lower = hn::DemoteTo(df, Half(dd, hn::LowerHalf(half, centred)));
+    const auto upper = hn::DemoteTo(df, Half(dd, hn::UpperHalf(half, centred)));
+    const hn::Rebind<float, D> whole;
+    hn::StoreU(hn::Combine(whole, upper, lower), whole, r);
+  }
+  HWY_INLINE void WriteOne(uint32_t w, float* r) const {
+    const float x = static_cast<float>(One(w));
+    std::memcpy(r, &x, sizeof(x));
+  }
+};
+
+// On [0, 1) w 2^-32 is exact in double, so that w is rounded once.
+struct TwisterUnitFloats {
+  using T = float;
+  template <class D>
+  HWY_INLINE void Write(D d, hn::Vec<D> w, float* r) const {
+    const hn::Rebind<float, D> df;
+#if HWY_TARGET == HWY_AVX3
+    hn::StoreU(hn::Mul(hn::ConvertTo(df, w), hn::Set(df, 0x1p-32f)), df, r);
+#else
+    // The halves of w below the units of 2^7 and 2^-9, whose last places are 2^-16 and 2^-32; the
+    // difference of the former is exact, and the sum rounds.
+    const hn::Repartition<uint16_t, D> d16;
+    const auto low = hn::OddEven(hn::BitCast(d16, hn::Set(df, 0x1p-9f)), hn::BitCast(d16, w));
+    const auto high = hn::Or(hn::ShiftRight<16>(w), hn::BitCast(d, hn::Set(df, 0x1p7f)));
+    const auto rest = hn::Sub(hn::BitCast(df, high), hn::Set(df, 0x1p7f + 0x1p-9f));
+    hn::StoreU(hn::Add(rest, hn::BitCast(df, low)), df, r);
+#endif
+  }
+  HWY_INLINE void WriteOne(uint32_t w, float* r) const {
+    const float x = static_cast<float>(w * 0x1p-32);
+    std::memcpy(r, &x, sizeof(x));
+  }
+};
+
+// Vectors of n words, at least one vector; the last one may overlap the one before it.
+template <class State, class D, class Output>
+HWY_INLINE void TemperVectors(D d, TwisterWords words, const uint32_t* mt, size_t n,
+                              const Output& output, typename Output::T* r) {
+  constexpr size_t kStep = hn::MaxLanes(d);
+  const auto b = hn::Set(d, words.b), c = hn::Set(d, words.c);
+  const auto write = [&](size_t i) HWY_ATTR {
+    auto y = hn::LoadU(d, mt + i);
+    y = hn::Xor(y, hn::ShiftRight<State::kU>(y));
+    y = XorMasked(y, hn::ShiftLeft<kTemperS>(y), b);
+    y = XorMasked(y, hn::ShiftLeft<kTemperT>(y), c);
+    y = hn::Xor(y, hn::ShiftRight<kTemperL>(y));
+    output.Write(d, y, r + i);
+  };
+  size_t i = 0;
+  for (; i + kStep <= n; i += kStep) write(i);
+  if (i < n) write(n - kStep);
+}
+
+template <class State, class Output>
+HWY_INLINE void TemperWords(TwisterWords words, const uint32_t* mt, size_t n, const Output& output,
+                            typename Output::T* r) {
+  const hn::CappedTag<uint32_t, 4> few;
+  if (n >= kWordLanes) {
+    TemperVectors<State>(WordTag(), words, mt, n, output, r);
+  } else if (n >= hn::MaxLanes(few)) {
+    TemperVectors<State>(few, words, mt, n, output, r);
+  } else {
+    for (size_t i = 0; i < n; ++i) output.WriteOne(Temper<State>(mt[i], words), r + i);
+  }
+}
+
+// n outputs, n at least 1. An index out of the block's range, which only a foreign state can have,
+// counts as a used-up block.
+template <class Source, class Output>
+HWY_INLINE void Generate(typename Source::State& state, size_t n, typename Output::T* r,
+                         const Output& output) {
+  using State = typename Source::State;
+  const TwisterWords words = state.words();
+  const size_t used = std::min<size_t>(static_cast<uint32_t>(state.mti), State::kN);
+  const size_t pending = std::min(n, State::kN - used);
+  TemperWords<State>(words, state.mt + used, pending, output, r);
+  state.mti = static_cast<int32_t>(used + pending);
+  if (pending == n) return;
+  r += pending;
+  n -= pending;
+  Source source(state);
+  for (;; r += Source::kMost, n -= Source::kMost) {
+    const size_t count = std::min(n, Source::kMost);
+    TemperWords<State>(words, source.Next(count), count, output, r);
+    if (count == n) break;
+  }
+  source.Leave(n);
+  state.mti = static_cast<int32_t>((n - 1) % State::kN + 1);
+}
+
+template <class Source>
+HWY_INLINE void GenerateFloats(typename Source::State& state, size_t n, float* r, double a,
+                               double b) {
+  if (a == 0 && b == 1) {
+    Generate<Source>(state, n, r, TwisterUnitFloats());
+  } else {
+    Generate<Source>(state, n, r, TwisterFloats(a, b));
+  }
+}
+
+}  // namespace quo::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // QUO_SUB_KERNEL__MATH_MERSENNE_INL_H_
