@@ -10,7 +10,6 @@
 // The result array need not be aligned.
 
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -42,7 +41,7 @@ HWY_INLINE V Select(V mask, V yes, V no) {
     return V{_mm512_ternarylogic_epi32(mask.raw, yes.raw, no.raw, 0xCA)};
   }
 #endif
-  return hn::Xor(no, hn::And(mask, hn::Xor(yes, no)));
+  return hn::Or(hn::And(mask, yes), hn::AndNot(mask, no));
 }
 
 // x ^ (y & mask)
@@ -62,15 +61,15 @@ class Twist {
  public:
   explicit HWY_INLINE Twist(uint32_t a) : upper_(Set(State::kUpper)), a_(Set(a)) {}
   HWY_INLINE WordVec operator()(WordVec oldest, WordVec next, WordVec middle) const {
-    const WordVec y = hn::ShiftRight<1>(Select(upper_, oldest, next));
+    const WordVec y = Select(upper_, oldest, next);
 #if HWY_TARGET == HWY_AVX3
-    const auto odd = hn::TestBit(next, Set(1));
-    return hn::Xor3(middle, y, hn::IfThenElseZero(odd, a_));
+    const auto odd = hn::TestBit(y, Set(1));
+    return hn::Xor3(middle, hn::ShiftRight<1>(y), hn::IfThenElseZero(odd, a_));
 #else
-    const auto d = hn::RebindToSigned<WordTag>();
-    const auto low_bit = hn::BitCast(d, hn::ShiftLeft<31>(next));
-    const WordVec odd = hn::BitCast(WordTag(), hn::BroadcastSignBit(low_bit));
-    return hn::Xor(hn::Xor(middle, y), hn::And(odd, a_));
+    const hn::RebindToFloat<WordTag> d;
+    const auto odd = hn::IfNegativeThenElse(hn::BitCast(d, hn::ShiftLeft<31>(y)),
+                                            hn::BitCast(d, a_), hn::Zero(d));
+    return hn::Xor(hn::Xor(middle, hn::ShiftRight<1>(y)), hn::BitCast(WordTag(), odd));
 #endif
   }
 
@@ -89,66 +88,94 @@ struct TwisterIntegers {
   HWY_INLINE void WriteOne(uint32_t w, uint32_t* r) const { std::memcpy(r, &w, sizeof(w)); }
 };
 
+// The doubles of the lower or upper half of the words: these as the low words, `high` as the
+// others.
+template <bool kUpper, class D>
+HWY_INLINE hn::Vec<hn::Repartition<double, D>> WithHighWord(D d, hn::Vec<D> w, uint32_t high) {
+  const hn::Repartition<double, D> dd;
+  const auto h = hn::Set(d, high);
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (hn::MaxLanes(d) == 16) {
+    HWY_ALIGN static constexpr uint32_t kPlaces[2][16] = {
+        {0, 16, 1, 16, 2, 16, 3, 16, 4, 16, 5, 16, 6, 16, 7, 16},
+        {8, 16, 9, 16, 10, 16, 11, 16, 12, 16, 13, 16, 14, 16, 15, 16}};
+    const auto places = hn::Load(d, kPlaces[kUpper]);
+    return hn::BitCast(dd, hn::Vec<D>{_mm512_permutex2var_epi32(w.raw, places.raw, h.raw)});
+  }
+#elif HWY_TARGET == HWY_AVX2
+  if constexpr (hn::MaxLanes(d) == 8) {
+    w = hn::Vec<D>{_mm256_permute4x64_epi64(w.raw, 0xD8)};  // the quarters 0, 2, 1, 3
+  }
+#endif
+  if constexpr (kUpper) {
+    return hn::BitCast(dd, hn::InterleaveUpper(d, w, h));
+  } else {
+    return hn::BitCast(dd, hn::InterleaveLower(d, w, h));
+  }
+}
+
 // (w - 2^31) times scale plus centre, each operation rounded.
 struct TwisterUniform {
   double scale, centre;
   HWY_INLINE TwisterUniform(double a, double b) : scale((b - a) * 0x1p-32), centre((a + b) * 0.5) {}
 
-  // The doubles of one half of the words.
-  template <class D, class V>
-  HWY_INLINE hn::Vec<D> Half(D d, V centred) const {
-    const auto x = hn::PromoteTo(d, centred);
-    return hn::Add(hn::Mul(x, hn::Set(d, scale)), hn::Set(d, centre));
+  template <bool kUpper, class D>
+  HWY_INLINE hn::Vec<hn::Repartition<double, D>> Half(D d, hn::Vec<D> w) const {
+    const hn::Repartition<double, D> dd;
+    const auto above = WithHighWord<kUpper>(d, w, 0x43300000);  // 2^52 + w
+    const auto x = hn::Sub(above, hn::Set(dd, 0x1p52 + 0x1p31));
+    return hn::Add(hn::Mul(x, hn::Set(dd, scale)), hn::Set(dd, centre));
   }
   HWY_INLINE double One(uint32_t w) const {
     return static_cast<double>(static_cast<int32_t>(w ^ 0x80000000)) * scale + centre;
   }
-  // w - 2^31
-  template <class D, class I = hn::RebindToSigned<D>>
-  static HWY_INLINE hn::Vec<I> Centred(D d, hn::Vec<D> w) {
-    return hn::BitCast(I(), hn::Xor(w, hn::Set(d, 0x80000000)));
-  }
 };
 
-struct TwisterDoubles : TwisterUniform {
+// On [0, 1) product and sum are exact: w 2^-32.
+struct TwisterUnit {
+  template <bool kUpper, class D>
+  HWY_INLINE hn::Vec<hn::Repartition<double, D>> Half(D d, hn::Vec<D> w) const {
+    const auto above = WithHighWord<kUpper>(d, w, 0x41300000);  // 2^20 + w 2^-32
+    return hn::Sub(above, hn::Set(hn::Repartition<double, D>(), 0x1p20));
+  }
+  HWY_INLINE double One(uint32_t w) const { return w * 0x1p-32; }
+};
+
+template <class Uniform>
+struct TwisterDoubles {
   using T = double;
-  HWY_INLINE TwisterDoubles(double a, double b) : TwisterUniform(a, b) {}
+  Uniform uniform;
   template <class D>
   HWY_INLINE void Write(D d, hn::Vec<D> w, double* r) const {
-    const hn::Half<hn::RebindToSigned<D>> half;
-    const hn::Rebind<double, decltype(half)> dd;
-    const auto centred = Centred(d, w);
-    hn::StoreU(Half(dd, hn::LowerHalf(half, centred)), dd, r);
-    hn::StoreU(Half(dd, hn::UpperHalf(half, centred)), dd, r + hn::MaxLanes(dd));
+    const hn::Repartition<double, D> dd;
+    hn::StoreU(uniform.template Half<false>(d, w), dd, r);
+    hn::StoreU(uniform.template Half<true>(d, w), dd, r + hn::MaxLanes(dd));
   }
   HWY_INLINE void WriteOne(uint32_t w, double* r) const {
-    const double x = One(w);
+    const double x = uniform.One(w);
     std::memcpy(r, &x, sizeof(x));
   }
 };
 
 // Computed in double and rounded to single at the end.
-struct TwisterFloats : TwisterUniform {
+struct TwisterFloats {
   using T = float;
-  HWY_INLINE TwisterFloats(double a, double b) : TwisterUniform(a, b) {}
+  TwisterUniform uniform;
   template <class D>
   HWY_INLINE void Write(D d, hn::Vec<D> w, float* r) const {
-    const hn::Half<hn::RebindToSigned<D>> half;
-    const hn::Rebind<double, decltype(half)> dd;
-    const hn::Rebind<float, decltype(half)> df;
-    const auto centred = Centred(d, w);
-    const auto lower = hn::DemoteTo(df, Half(dd, hn::LowerHalf(half, centred)));
-    const auto upper = hn::DemoteTo(df, Half(dd, hn::UpperHalf(half, centred)));
-    const hn::Rebind<float, D> whole;
-    hn::StoreU(hn::Combine(whole, upper, lower), whole, r);
+    const hn::Rebind<float, D> df;
+    const hn::Half<decltype(df)> half;
+    const auto lower = hn::DemoteTo(half, uniform.Half<false>(d, w));
+    const auto upper = hn::DemoteTo(half, uniform.Half<true>(d, w));
+    hn::StoreU(hn::Combine(df, upper, lower), df, r);
   }
   HWY_INLINE void WriteOne(uint32_t w, float* r) const {
-    const float x = static_cast<float>(One(w));
+    const float x = static_cast<float>(uniform.One(w));
     std::memcpy(r, &x, sizeof(x));
   }
 };
 
-// On [0, 1) w 2^-32 is exact in double, so that w is rounded once.
+// On [0, 1): w 2^-32 rounded to single.
 struct TwisterUnitFloats {
   using T = float;
   template <class D>
@@ -172,19 +199,21 @@ struct TwisterUnitFloats {
   }
 };
 
-// Vectors of n words, at least one vector; the last one may overlap the one before it.
+template <class State, class D>
+HWY_INLINE hn::Vec<D> Tempered(D d, hn::Vec<D> y, TwisterWords words) {
+  y = hn::Xor(y, hn::ShiftRight<State::kU>(y));
+  y = XorMasked(y, hn::ShiftLeft<kTemperS>(y), hn::Set(d, words.b));
+  y = XorMasked(y, hn::ShiftLeft<kTemperT>(y), hn::Set(d, words.c));
+  return hn::Xor(y, hn::ShiftRight<kTemperL>(y));
+}
+
+// The outputs of n words, at least one vector; the last vector may overlap the one before it.
 template <class State, class D, class Output>
 HWY_INLINE void TemperVectors(D d, TwisterWords words, const uint32_t* mt, size_t n,
                               const Output& output, typename Output::T* r) {
   constexpr size_t kStep = hn::MaxLanes(d);
-  const auto b = hn::Set(d, words.b), c = hn::Set(d, words.c);
   const auto write = [&](size_t i) HWY_ATTR {
-    auto y = hn::LoadU(d, mt + i);
-    y = hn::Xor(y, hn::ShiftRight<State::kU>(y));
-    y = XorMasked(y, hn::ShiftLeft<kTemperS>(y), b);
-    y = XorMasked(y, hn::ShiftLeft<kTemperT>(y), c);
-    y = hn::Xor(y, hn::ShiftRight<kTemperL>(y));
-    output.Write(d, y, r + i);
+    output.Write(d, Tempered<State>(d, hn::LoadU(d, mt + i), words), r + i);
   };
   size_t i = 0;
   for (; i + kStep <= n; i += kStep) write(i);
@@ -219,13 +248,24 @@ HWY_INLINE void Generate(typename Source::State& state, size_t n, typename Outpu
   r += pending;
   n -= pending;
   Source source(state);
-  for (;; r += Source::kMost, n -= Source::kMost) {
-    const size_t count = std::min(n, Source::kMost);
-    TemperWords<State>(words, source.Next(count), count, output, r);
-    if (count == n) break;
+  for (; n > Source::kMost; r += Source::kMost, n -= Source::kMost) {
+    source.Next(Source::kMost, [&](size_t k, WordVec x) HWY_ATTR {
+      output.Write(WordTag(), Tempered<State>(WordTag(), x, words), r + k);
+    });
   }
+  TemperWords<State>(words, source.Next(n, [](size_t, WordVec) HWY_ATTR {}), n, output, r);
   source.Leave(n);
   state.mti = static_cast<int32_t>((n - 1) % State::kN + 1);
+}
+
+template <class Source>
+HWY_INLINE void GenerateDoubles(typename Source::State& state, size_t n, double* r, double a,
+                                double b) {
+  if (a == 0 && b == 1) {
+    Generate<Source>(state, n, r, TwisterDoubles<TwisterUnit>());
+  } else {
+    Generate<Source>(state, n, r, TwisterDoubles<TwisterUniform>{{a, b}});
+  }
 }
 
 template <class Source>
@@ -234,7 +274,7 @@ HWY_INLINE void GenerateFloats(typename Source::State& state, size_t n, float* r
   if (a == 0 && b == 1) {
     Generate<Source>(state, n, r, TwisterUnitFloats());
   } else {
-    Generate<Source>(state, n, r, TwisterFloats(a, b));
+    Generate<Source>(state, n, r, TwisterFloats{{a, b}});
   }
 }
 

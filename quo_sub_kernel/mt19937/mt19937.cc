@@ -22,30 +22,35 @@ class SourceMT19937 {
 
   explicit HWY_INLINE SourceMT19937(State& state) : mt_(state.mt), twist_(State::words().a) {}
 
-  HWY_INLINE const uint32_t* Next(size_t) {
+  template <class Visit>
+  HWY_INLINE const uint32_t* Next(size_t, Visit visit) {
     constexpr size_t kN = State::kN, kM = State::kM;
     constexpr size_t kSeam =
         (kN - kM) / kWordLanes * kWordLanes;  // the vector of words up to and from N - M
     constexpr size_t kOld = kN - kM - kSeam;
     static_assert(kN % kWordLanes == 0 && kOld < kWordLanes);
-    for (size_t k = 0; k < kSeam; k += kWordLanes) Move(k, mt_ + k + 1, mt_ + k + kM);
+    HWY_UNROLL(2)
+    for (size_t k = 0; k < kSeam; k += kWordLanes) Move(k, mt_ + k + 1, mt_ + k + kM, visit);
     uint32_t joined[kWordLanes];
     Join(mt_ + kN - kOld, kOld, joined);
-    Move(kSeam, mt_ + kSeam + 1, joined);
+    Move(kSeam, mt_ + kSeam + 1, joined, visit);
     size_t k = kSeam + kWordLanes;
-    for (; k < kN - kWordLanes; k += kWordLanes) Move(k, mt_ + k + 1, mt_ + k + kM - kN);
+    HWY_UNROLL(2)
+    for (; k < kN - kWordLanes; k += kWordLanes) Move(k, mt_ + k + 1, mt_ + k + kM - kN, visit);
     Join(mt_ + k + 1, kWordLanes - 1, joined);
-    Move(k, joined, mt_ + k + kM - kN);
+    Move(k, joined, mt_ + k + kM - kN, visit);
     return mt_;
   }
   HWY_INLINE void Leave(size_t) const {}
 
  private:
   // The vector of new words at k.
-  HWY_INLINE void Move(size_t k, const uint32_t* next, const uint32_t* middle) const {
+  template <class Visit>
+  HWY_INLINE void Move(size_t k, const uint32_t* next, const uint32_t* middle, Visit visit) const {
     const WordTag d;
     const WordVec x = twist_(hn::LoadU(d, mt_ + k), hn::LoadU(d, next), hn::LoadU(d, middle));
     hn::StoreU(x, d, mt_ + k);
+    visit(k, x);
   }
   // `count` words at the block's end, and then its start.
   HWY_INLINE void Join(const uint32_t* end, size_t count, uint32_t* joined) const {
@@ -58,7 +63,7 @@ class SourceMT19937 {
 };
 
 void dMT19937(StateMT19937* state, size_t n, double* r, double a, double b) {
-  Generate<SourceMT19937>(*state, n, r, TwisterDoubles(a, b));
+  GenerateDoubles<SourceMT19937>(*state, n, r, a, b);
 }
 void sMT19937(StateMT19937* state, size_t n, float* r, double a, double b) {
   GenerateFloats<SourceMT19937>(*state, n, r, a, b);

@@ -25,7 +25,8 @@ class SourceMT2203 {
   explicit HWY_INLINE SourceMT2203(State& state) : state_(state), twist_(state.a) {
     std::memcpy(line_ + kStart - State::kN, state.mt, sizeof(state.mt));
   }
-  HWY_INLINE const uint32_t* Next(size_t n) {
+  template <class Visit>
+  HWY_INLINE const uint32_t* Next(size_t n, Visit visit) {
     if (made_ != 0) std::memcpy(line_, line_ + kMost, kStart * sizeof(*line_));
     made_ = (n + State::kN - 1) / State::kN * State::kN;  // whole blocks
     for (size_t k = 0; k < made_; k += kWordLanes) {
@@ -33,6 +34,7 @@ class SourceMT2203 {
       const WordVec x =
           twist_(Back<State::kN>(end), Back<State::kN - 1>(end), Back<State::kN - State::kM>(end));
       hn::Store(x, WordTag(), end);
+      visit(k, x);
     }
     return line_ + kStart;
   }
@@ -79,7 +81,7 @@ class SourceMT2203 {
 };
 
 void dMT2203(StateMT2203* state, size_t n, double* r, double a, double b) {
-  Generate<SourceMT2203>(*state, n, r, TwisterDoubles(a, b));
+  GenerateDoubles<SourceMT2203>(*state, n, r, a, b);
 }
 void sMT2203(StateMT2203* state, size_t n, float* r, double a, double b) {
   GenerateFloats<SourceMT2203>(*state, n, r, a, b);

@@ -94,6 +94,32 @@ inline std::vector<Generator> Generators() {
   return {Mcg31m1(), Mcg59(), Wh(0), Wh(5), Wh(136), Wh(272, true)};
 }
 
+inline Generator Mt19937() {
+  return {"MT19937",
+          QUO_BRNG_MT19937,
+          2504,
+          1,
+          false,
+          __quoBRngMT19937InitStream,
+          __quodBRngMT19937,
+          __quosBRngMT19937,
+          __quoiBRngMT19937,
+          {}};
+}
+
+inline Generator Mt2203(int member) {
+  return {"MT2203",
+          QUO_BRNG_MT2203 + member,
+          296,
+          1,
+          false,
+          __quoBRngMT2203InitStream,
+          __quodBRngMT2203,
+          __quosBRngMT2203,
+          __quoiBRngMT2203,
+          {}};
+}
+
 // A stream block as its creator makes it, with the state filled with rubbish until it is seeded.
 class Stream {
  public:
@@ -144,7 +170,7 @@ class Stream {
 
  private:
   const Generator* g_;
-  alignas(32) unsigned char block_[128];
+  alignas(32) unsigned char block_[4096];
 };
 
 // The same by the definition, one element at a time.
