@@ -3,10 +3,11 @@
 // A generator's Source regenerates its block, which is left to it as the block's length decides
 // how. It offers
 //   State          the parameters and the block, see mersenne.h;
-//   kMost          the most words that Next makes, some whole blocks;
-//   Source(state)  takes over the block, which is used up;
-//   Next(n)        n words to temper, at most kMost, from the start of the next block on;
-//   Leave(n)       puts the block that holds the n-th of these words back into the state.
+//   kMost            the most words that Next makes: whole blocks, and whole vectors;
+//   Source(state)    takes over the block, which is used up;
+//   Next(n, visit)   makes n words, at most kMost, from the start of the next block on; calls
+//                    visit(k, x) for each vector x from word k on, and returns them all;
+//   Leave(n)         puts the block that holds the last of these n words back into the state.
 // The result array need not be aligned.
 
 #include <algorithm>
@@ -122,8 +123,11 @@ struct TwisterUniform {
   template <bool kUpper, class D>
   HWY_INLINE hn::Vec<hn::Repartition<double, D>> Half(D d, hn::Vec<D> w) const {
     const hn::Repartition<double, D> dd;
-    const auto above = WithHighWord<kUpper>(d, w, 0x43300000);  // 2^52 + w
-    const auto x = hn::Sub(above, hn::Set(dd, 0x1p52 + 0x1p31));
+    const hn::RebindToSigned<D> di;
+    const hn::Half<decltype(di)> half;
+    const auto centred = hn::BitCast(di, hn::Xor(w, hn::Set(d, 0x80000000)));  // w - 2^31
+    const auto x =
+        hn::PromoteTo(dd, kUpper ? hn::UpperHalf(half, centred) : hn::LowerHalf(half, centred));
     return hn::Add(hn::Mul(x, hn::Set(dd, scale)), hn::Set(dd, centre));
   }
   HWY_INLINE double One(uint32_t w) const {

@@ -25,8 +25,8 @@ class SourceMT19937 {
   template <class Visit>
   HWY_INLINE const uint32_t* Next(size_t, Visit visit) {
     constexpr size_t kN = State::kN, kM = State::kM;
-    constexpr size_t kSeam =
-        (kN - kM) / kWordLanes * kWordLanes;  // the vector of words up to and from N - M
+    // The vector whose first kOld middle words are the old block's last.
+    constexpr size_t kSeam = (kN - kM) / kWordLanes * kWordLanes;
     constexpr size_t kOld = kN - kM - kSeam;
     static_assert(kN % kWordLanes == 0 && kOld < kWordLanes);
     HWY_UNROLL(2)
