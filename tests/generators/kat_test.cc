@@ -1,4 +1,5 @@
 // Known answers: the first outputs of streams, and digests of the first million, on every level.
+#include <cctype>
 #include <cstdlib>
 #include <fstream>
 #include <memory>
@@ -55,7 +56,11 @@ void Check(const std::string& file) {
       words >> std::hex >> id >> std::dec;
       std::vector<uint32_t> seed;
       for (uint32_t s; words >> s;) seed.push_back(s);
-      g = file == "mcg31m1.kat" ? Mcg31m1() : file == "mcg59.kat" ? Mcg59() : Wh(0);
+      for (const Generator& each : {Mcg31m1(), R250(), Mrg32k3a(), Mcg59(), Wh(0)}) {
+        std::string name = each.name;
+        for (char& c : name) c = static_cast<char>(std::tolower(c));
+        if (file == name + ".kat") g = each;
+      }
       g.id = id;
       start = std::make_unique<Stream>(g, seed);
     } else if (key == "leapfrog") {
@@ -106,6 +111,8 @@ void Check(const std::string& file) {
 }
 
 TEST(KnownAnswers, Mcg31m1) { Check("mcg31m1.kat"); }
+TEST(KnownAnswers, R250) { Check("r250.kat"); }
+TEST(KnownAnswers, Mrg32k3a) { Check("mrg32k3a.kat"); }
 TEST(KnownAnswers, Mcg59) { Check("mcg59.kat"); }
 TEST(KnownAnswers, Wh) { Check("wh.kat"); }
 

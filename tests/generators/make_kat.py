@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Known answers of the congruential generators, from their definitions in plain Python.
+"""Known answers of the generators, from their definitions in plain Python.
 
-make_kat.py mcg31m1|mcg59|wh writes the file of that name with the ending .kat. Each block is one
+make_kat.py mcg31m1|r250|mrg32k3a|mcg59|wh writes the file of that name with the ending .kat. Each block is one
 stream and the numbers that it gives from its start on:
   stream ID SEED...         identifier and seed words
   leapfrog S K              optional: the stream is part K of S
@@ -68,12 +68,81 @@ class Stream:
         return (s - int(s)) * (b - a) + a
 
 
+class WordStream:
+    """A generator of 32-bit words: m scales them, `outputs` gives them from the start on."""
+
+    def uniform(self, x, a, b):
+        return float(x[0]) * ((b - a) * (1.0 / self.m)) + a
+
+    def states(self, n):
+        outputs = self.outputs()
+        for _ in range(n):
+            yield (next(outputs),)
+
+
+class R250(WordStream):
+    m = 2**32
+
+    def __init__(self, seed, skip):
+        if len(seed) >= 250:
+            self.x = list(seed[:250])
+        else:
+            s = (list(seed) + [1])[0] or 1
+            self.x = [s * pow(69069, k + 1, 2**32) % 2**32 for k in range(250)]
+            for t in range(32):
+                k = 3 + 7 * t
+                self.x[k] = self.x[k] & 0xFFFFFFFF >> t | 0x80000000 >> t
+
+    def outputs(self):
+        x = list(self.x)
+        while True:
+            for i in range(250):
+                x[i] ^= x[(i + 103) % 250]
+                yield x[i]
+
+
+class MRG32K3A(WordStream):
+    m, m2 = 2**32 - 209, 2**32 - 22853
+
+    def __init__(self, seed, skip):
+        w = (list(seed) + [1] * 6)[:6]
+        self.x = self.skip([v % self.m for v in w[:3]], (0, 1403580, -810728), skip, self.m)
+        self.y = self.skip([v % self.m2 for v in w[3:]], (527612, 0, -1370589), skip, self.m2)
+
+    @staticmethod
+    def skip(w, row, n, m):
+        """n steps on, by squaring the companion matrix of the row: newest, middle, oldest."""
+        if not any(w):
+            w = [1, 0, 0]
+
+        def times(a, b):
+            return [[sum(p * q for p, q in zip(r, c)) % m for c in zip(*b)] for r in a]
+
+        a = [[0, 1, 0], [0, 0, 1], list(reversed(row))]
+        while n:
+            if n & 1:
+                w = [sum(p * q for p, q in zip(r, w)) % m for r in a]
+            a, n = times(a, a), n >> 1
+        return w
+
+    def outputs(self):
+        (x0, x1, x2), (y0, y1, y2) = self.x, self.y
+        while True:
+            p1 = (1403580 * x1 - 810728 * x0) % self.m
+            p2 = (527612 * y2 - 1370589 * y0) % self.m2
+            x0, x1, x2, y0, y1, y2 = x1, x2, p1, y1, y2, p2
+            yield (p1 - p2) % self.m
+
+
+WORDS = {"r250": R250, "mrg32k3a": MRG32K3A}
+
+
 def single(x):
     return struct.unpack("<f", struct.pack("<f", x))[0]
 
 
 def show(name, ident, seed, leapfrog=None, skip=0):
-    s = Stream(name, ident, seed, leapfrog, skip)
+    s = WORDS[name](seed, skip) if name in WORDS else Stream(name, ident, seed, leapfrog, skip)
     print(f"\nstream {ident:#x}", *seed)
     if leapfrog:
         print("leapfrog", *leapfrog)
@@ -84,7 +153,7 @@ def show(name, ident, seed, leapfrog=None, skip=0):
         us = [s.uniform(x, a, b) for x in s.states(10)]
         print("doubles", a.hex(), b.hex(), *(u.hex() for u in us))
         print("floats", a.hex(), b.hex(), *(single(u).hex() for u in us))
-    code = "<Q" if name == "mcg59" else "<I" if name == "mcg31m1" else "<4I"
+    code = {"mcg59": "<Q", "wh": "<4I"}.get(name, "<I")
     crc = [0, 0, 0]
     for x in s.states(COUNT):
         u = s.uniform(x, 0.0, 1.0)
@@ -104,6 +173,16 @@ def main():
         show(name, 6, [7777777])
         show(name, 0x500000 + 136, [2**32 - 1] * 4, (10, 3), 2**64 - 1)
         show(name, 276, [3141592653, 2718281828, 1414213562, 1732050807], None, 10**12)
+    elif name == "r250":
+        show(name, 0x200000, [1])
+        show(name, 0x200000, [7777777, 12345])
+        show(name, 0x200000, [(k * k * 2654435761 + k) % 2**32 for k in range(250)])
+        show(name, 1, [2**32 - 1])
+    elif name == "mrg32k3a":
+        show(name, 0x300000, [12345] * 6)
+        show(name, 0x300000, [2**32 - 1] * 6, None, 2**64 - 1)
+        show(name, 0x300000, [0, 0, 0, 1, 2, 3], None, 10**12)
+        show(name, 2, [7777777])
     else:
         ident = 0x100000 if name == "mcg31m1" else 0x400000
         show(name, ident, [1])
