@@ -62,15 +62,15 @@ Columns<T> ColumnsOf(int32_t m, const T* a, int32_t lda) {
    const int32_t* n, const T* alpha, const T* a, const int32_t* lda, T* b, const int32_t* ldb)
 #define KRO_TRMM_ARGUMENTS (side, uplo, transa, diag, m, n, alpha, a, lda, b, ldb)
 
-#define KRO_TRMM(entry, few, T, multiply, routine)                             \
-  extern "C" void entry KRO_TRMM_PARAMETERS(T) { routine KRO_TRMM_ARGUMENTS; } \
-  extern "C" void few KRO_TRMM_PARAMETERS(T) {                                 \
-    if (!IsOwn(side, uplo, transa, diag, *m, *n, *alpha, *ldb)) {              \
-      routine KRO_TRMM_ARGUMENTS;                                              \
-      return;                                                                  \
-    }                                                                          \
-    const size_t count = static_cast<size_t>(*m) * static_cast<size_t>(*n);    \
-    HWY_DYNAMIC_DISPATCH(multiply)(ColumnsOf(*m, a, *lda), count, b);          \
+#define KRO_TRMM(entry, few, T, multiply, routine)                                     \
+  extern "C" KRO_API void entry KRO_TRMM_PARAMETERS(T) { routine KRO_TRMM_ARGUMENTS; } \
+  extern "C" KRO_API void few KRO_TRMM_PARAMETERS(T) {                                 \
+    if (!IsOwn(side, uplo, transa, diag, *m, *n, *alpha, *ldb)) {                      \
+      routine KRO_TRMM_ARGUMENTS;                                                      \
+      return;                                                                          \
+    }                                                                                  \
+    const size_t count = static_cast<size_t>(*m) * static_cast<size_t>(*n);            \
+    HWY_DYNAMIC_DISPATCH(multiply)(ColumnsOf(*m, a, *lda), count, b);                  \
   }
 
 KRO_TRMM(kro_blas4pex_dtrmm, kro_blas_xdtrmm_4pex, double, MultiplyDouble, dtrmm_)

@@ -356,10 +356,11 @@ QUO_API int32_t _quoiRngUniformBits(uint32_t method, StreamState* stream, int32_
  * outputs come from the vector functions with 26 correct bits, single ones from those with 21.
  * Where these have no finite value, at u1 = 0 and u = -1, fixed values stand in: ln 0 is -744.44
  * (single: -103.28), erfinv(-1) is -0.76705 (-1.0837). The thread's vector-math mode, status and
- * callback are as before afterwards, and the callback is not called. Returns the status of the last
- * request for uniforms, 0 for n < 1 (nothing is done), -2 for another method, -4. A negative status
- * of the generator ends the call: earlier blocks of 1024 uniforms (BOXMULLER: 1024 outputs) are
- * done, by BOXMULLER2 without sigma and a. */
+ * callback are as before afterwards, and the callback is not called.
+ *
+ * Returns the status of the last request for uniforms; 0 for n < 1, which does nothing; -2 for
+ * another method; -4. A negative status of the generator ends the call: earlier blocks of 1024
+ * uniforms (BOXMULLER: 1024 outputs) are done, by BOXMULLER2 without sigma and a. */
 QUO_API int32_t _quodRngGaussian(uint32_t method, StreamState* stream, int32_t n, double* r,
                                  double a, double sigma);
 QUO_API int32_t _quosRngGaussian(uint32_t method, StreamState* stream, int32_t n, float* r, float a,
@@ -372,15 +373,18 @@ QUO_API int32_t _quosRngGaussian(uint32_t method, StreamState* stream, int32_t n
 
 /* n vectors x = a + T z of dimension dimen, one behind the other in r (n dimen numbers): z of
  * standard normal numbers, as many and in the order that _quo*RngGaussian gives by the method; a
- * has dimen numbers, the covariance of x is T T'. The order of the rounded sums: full      T[i][i]
- * z[i] + T[i][0] z[0] + ... + T[i][i-1] z[i-1] + a[i] for dimensions 2 to 10; beyond, the system's
- * BLAS multiplies (DTRMM, STRMM), and its order and so the last bits may depend on the processor;
+ * has dimen numbers, the covariance of x is T T'. Element i of x is, summed from the left:
+ *   full      T[i][i] z[i] + T[i][0] z[0] + ... + T[i][i-1] z[i-1] + a[i], for dimensions to 10;
+ *             beyond, the system's BLAS multiplies (DTRMM, STRMM) in an order of its own, so that
+ *             the last bits may depend on the processor;
  *   packed    T[i][0] z[0] + T[i][1] z[1] + ... + T[i][i] z[i] + a[i];
  *   diagonal  T[i][i] z[i] + a[i].
  * Dimension 1 is _quo*RngGaussian(method, stream, n, r, a[0], t[0]), whatever the storage. For an
- * unknown storage the vectors z stay in r. Returns as _quo*RngGaussian, after a negative status
- * with what was drawn in r, and -3 for a dimension below 1, -4 where a packed factor of 1024
- * dimensions or more finds no memory for a vector: the z stay in r then. */
+ * unknown storage the vectors z stay in r.
+ *
+ * Returns as _quo*RngGaussian, after a negative status with what was drawn in r, and -3 for a
+ * dimension below 1, -4 where a packed factor of 1024 dimensions or more finds no memory for a
+ * vector: the z stay in r then. */
 QUO_API int32_t _quodRngGaussianMV(uint32_t method, StreamState* stream, int32_t n, double* r,
                                    int32_t dimen, int32_t mstorage, const double* a,
                                    const double* t);

@@ -18,6 +18,8 @@
 #include <cstring>
 
 #include "hwy/highway.h"
+#include "pex_core/_heap/real/erfinv_kernels-inl.h"
+#include "pex_core/erfinv/erfinv_special.h"
 #include "pexquo/kro.h"
 #include "quo_kernel/_kernel/borrow.h"
 #include "quo_kernel/_kernel/generate.h"
@@ -41,6 +43,8 @@ struct Passes {
                         T a);
   void (*join_sines[2])(size_t pairs, const T* w, const T* sine, T* r, T sigma, T a);
   void (*scale)(size_t n, const T* x, T* r, T factor, T a);
+  // erfinv(x) factor + a, `erfinv` for what is rare; r may be x.
+  void (*invert)(size_t n, const T* x, T* r, T factor, T a, int (*erfinv)(int32_t, const T*, T*));
 };
 
 // Pairs in a group of two vectors of the widest level.
@@ -170,11 +174,47 @@ void Scale(size_t n, const T* x, T* r, T factor, T a) {
   for (; i < n; ++i) Put(r + i, Get(x + i) * factor + a);
 }
 
+// The kernels of _pexdErfInv_26 and _pexsErfInv_21, whose stores do not go through a buffer here.
+template <typename T>
+struct ErfInvOf
+    : pex::HWY_NAMESPACE::dErfInvKernel<pex::HWY_NAMESPACE::InverseOfErf,
+                                        pex::HWY_NAMESPACE::ErfInvTier::kShort, pex::dErfInv_SC> {};
+template <>
+struct ErfInvOf<float>
+    : pex::HWY_NAMESPACE::sErfInvKernel<pex::HWY_NAMESPACE::InverseOfErf,
+                                        pex::HWY_NAMESPACE::ErfInvTier::kShort, pex::sErfInv_SC> {};
+
+template <typename T>
+void Invert(size_t n, const T* x, T* r, T factor, T a, int (*erfinv)(int32_t, const T*, T*)) {
+  using K = ErfInvOf<T>;
+  const typename K::Tag d;
+  constexpr size_t kVectors = K::kUnroll, kLanes = hn::MaxLanes(d), kGroup = kVectors * kLanes;
+  const auto vfactor = hn::Set(d, factor), va = hn::Set(d, a);
+  for (size_t i = 0; i < n; i += kGroup) {
+    if (i + kGroup <= n) [[likely]] {
+      hn::Vec<decltype(d)> v[kVectors], y[kVectors];
+      for (size_t k = 0; k < kVectors; ++k) v[k] = hn::LoadU(d, x + i + k * kLanes);
+      if (!pex::HWY_NAMESPACE::AnyRare<K, kVectors>(d, v, v)) [[likely]] {
+        K::MainGroup(d, v, y);
+        for (size_t k = 0; k < kVectors; ++k) {
+          hn::StoreU(hn::Add(hn::Mul(y[k], vfactor), va), d, r + i + k * kLanes);
+        }
+        continue;
+      }
+    }
+    T y[kGroup];
+    const size_t count = std::min(kGroup, n - i);
+    erfinv(static_cast<int32_t>(count), x + i, y);
+    for (size_t k = 0; k < count; ++k) Put(r + i + k, y[k] * factor + a);
+  }
+}
+
 template <typename T>
 constexpr Passes<T> kPasses = {TakeApart<T>,
                                {JoinPairs<false, T>, JoinPairs<true, T>},
                                {JoinSines<false, T>, JoinSines<true, T>},
-                               Scale<T>};
+                               Scale<T>,
+                               Invert<T>};
 
 const Passes<double>* DoublePasses() { return &kPasses<double>; }
 const Passes<float>* SinglePasses() { return &kPasses<float>; }
@@ -383,22 +423,15 @@ int32_t BoxMuller2(StreamState* stream, int32_t n, T* r, T a, T sigma) {
 
 template <typename T>
 int32_t Inversion(StreamState* stream, int32_t n, T* r, T a, T sigma) {
-  alignas(64) T y[kBlock];
   const Passes<T>& passes = *Math<T>::Level();
   const T factor = sigma * Math<T>::kSqrt2;
-  const bool by_blocks = RequestsAreUnseen(stream);
+  const size_t block = RequestsAreUnseen(stream) ? kBlock : static_cast<size_t>(n);
   int32_t status = QUO_OK;
-  if (!by_blocks) {
-    status = Generate(stream, n, r, T(-1), T(1));
-    if (status < 0) return status;
-  }
   for (size_t left = static_cast<size_t>(n); left > 0;) {
-    const size_t m = std::min(left, kBlock);
-    const auto count = static_cast<int32_t>(m);
-    if (by_blocks) status = Generate(stream, count, r, T(-1), T(1));
+    const size_t m = std::min(left, block);
+    status = Generate(stream, static_cast<int32_t>(m), r, T(-1), T(1));
     if (status < 0) return status;
-    Math<T>::ErfInv(count, r, y);
-    passes.scale(m, y, r, factor, a);
+    passes.invert(m, r, r, factor, a, Math<T>::ErfInv);
     r += m;
     left -= m;
   }
