@@ -197,7 +197,7 @@ TYPED_TEST(Continuous, TransformsNothingAfterAnError) {
 
 TYPED_TEST(Continuous, DoesNotDependOnTheSplitOfRequests) {
   using T = TypeParam;
-  for (const int32_t id : {QUO_BRNG_MCG59, QUO_BRNG_WH + 3}) {
+  for (const int32_t id : {QUO_BRNG_MCG59, QUO_BRNG_WH + 3, QUO_BRNG_MT19937}) {
     for (const Name name : kEvery) {
       const Distribution d = {name, -1, 2, 0.75, 1.5};
       SCOPED_TRACE(Print(d));
