@@ -19,6 +19,8 @@
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/erfinv_kernels-inl.h"
+#include "pex_core/_heap/real/log-inl.h"
+#include "pex_core/_heap/real/slog-inl.h"
 #include "pex_core/erfinv/erfinv_special.h"
 #include "pexquo/kro.h"
 #include "quo_kernel/_kernel/borrow.h"
@@ -33,18 +35,22 @@ namespace {
 template <typename T>
 constexpr T kTwoPi = T(6.283185307179586);
 
+// An entry of vector math.
+template <typename T>
+using Function = int(int32_t n, const T* a, T* r);
+
 // The passes of one vector level. Buffers are aligned to 64 bytes; a number of pairs is a whole
 // number of kWhole<T> where the results go to a buffer. Results r may stand at any address.
 template <typename T>
 struct Passes {
-  bool (*take_apart)(size_t pairs, const T* u, T* first, T* angle);
-  // [0]: the radius from the logarithm, [1]: as given.
-  void (*join_pairs[2])(size_t pairs, const T* w, const T* sine, const T* cosine, T* r, T sigma,
-                        T a);
-  void (*join_sines[2])(size_t pairs, const T* w, const T* sine, T* r, T sigma, T a);
+  void (*take_apart)(size_t pairs, const T* u, T* first, T* angle);
+  // w = sqrt(-2 ln w), by `ln` and `sqrt` for what is rare.
+  void (*radii)(size_t pairs, T* w, Function<T>* ln, Function<T>* sqrt);
+  void (*join_pairs)(size_t pairs, const T* w, const T* sine, const T* cosine, T* r, T sigma, T a);
+  void (*join_sines)(size_t pairs, const T* w, const T* sine, T* r, T sigma, T a);
   void (*scale)(size_t n, const T* x, T* r, T factor, T a);
   // erfinv(x) factor + a, `erfinv` for what is rare; r may be x.
-  void (*invert)(size_t n, const T* x, T* r, T factor, T a, int (*erfinv)(int32_t, const T*, T*));
+  void (*invert)(size_t n, const T* x, T* r, T factor, T a, Function<T>* erfinv);
 };
 
 // Pairs in a group of two vectors of the widest level.
@@ -59,6 +65,7 @@ HWY_BEFORE_NAMESPACE();
 namespace quo::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
+namespace level = pex::HWY_NAMESPACE;  // kernels of vector math
 
 // Exchanges the odd lanes of v0 for the even lanes of v1, pairwise: a1 b1 a2 b2 and A1 B1 A2 B2
 // become a1 A1 a2 A2 and b1 B1 b2 B2 or, for doubles on wide vectors, the same within each half of
@@ -76,30 +83,70 @@ HWY_INLINE void Exchange(D d, V& v0, V& v1) {
 }
 
 // `pairs` pairs of uniforms, taken apart in groups of two vectors: the first of each to `first`,
-// the second times 2 pi to `angle`. Returns whether all of the first lie in [0, 1], so that their
-// logarithms are not positive. Uniforms that are not numbers may go either way.
+// the second times 2 pi to `angle`.
 template <typename T>
-bool TakeApart(size_t pairs, const T* HWY_RESTRICT u, T* HWY_RESTRICT first,
+void TakeApart(size_t pairs, const T* HWY_RESTRICT u, T* HWY_RESTRICT first,
                T* HWY_RESTRICT angle) {
   const hn::ScalableTag<T> d;
-  const hn::RebindToSigned<decltype(d)> bits;
   const size_t lanes = hn::Lanes(d);
-  const auto one = hn::Set(d, T(1)), turn = hn::Set(d, kTwoPi<T>);
-  auto signs = hn::Zero(d);  // of u and of 1 - u, of all u together
+  const auto turn = hn::Set(d, kTwoPi<T>);
   for (size_t i = 0; i < pairs; i += lanes) {
     auto u1 = hn::Load(d, u + 2 * i), u2 = hn::Load(d, u + 2 * i + lanes);
     Exchange(d, u1, u2);
-    signs = hn::Or(signs, hn::Or(u1, hn::Sub(one, u1)));
     hn::Store(u1, d, first + i);
     hn::Store(hn::Mul(u2, turn), d, angle + i);
   }
-  return hn::AllFalse(bits, hn::Lt(hn::BitCast(bits, signs), hn::Zero(bits)));
 }
 
-// R from ln u1, or from itself.
-template <bool kIsRadius, class D, class V>
-HWY_INLINE V Radius(D d, V w) {
-  return kIsRadius ? w : hn::Sqrt(hn::Sub(hn::Zero(d), hn::Add(w, w)));
+// The kernels of _pexdLn_26 and _pexsLn_21 for normal numbers between 0 and 1. The square root that
+// follows takes its time in a unit of its own while they compute.
+template <typename T>
+struct LnBelowOne;
+template <>
+struct LnBelowOne<double> : level::Kernel<double> {
+  using Rarity = level::RareOutside<double, 0x00100000, 0x3FEFFFFF>;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    level::PlainLog<pex::NaturalLog>(d, x, pex::kLnEP, r);
+  }
+};
+template <>
+struct LnBelowOne<float> : level::Kernel<float> {
+  using Rarity = level::RareOutside<float, 0x00800000, 0x3F7FFFFF>;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    for (size_t k = 0; k < K; ++k) r[k] = level::sLogLA<pex::sNaturalLog>(d, x[k]);
+  }
+};
+
+template <size_t kVectors, typename T>
+HWY_INLINE void RadiiOfGroup(T* w, Function<T>* ln, Function<T>* sqrt) {
+  using K = LnBelowOne<T>;
+  const typename K::Tag d;
+  constexpr size_t kLanes = hn::MaxLanes(d), kCount = kVectors * kLanes;
+  hn::Vec<decltype(d)> x[kVectors];
+  for (size_t k = 0; k < kVectors; ++k) x[k] = hn::Load(d, w + k * kLanes);
+  if (!level::AnyRare<K, kVectors>(d, x, x)) [[likely]] {
+    K::MainGroup(d, x, x);
+    for (size_t k = 0; k < kVectors; ++k) {
+      const auto square = hn::Sub(hn::Zero(d), hn::Add(x[k], x[k]));
+      hn::Store(hn::Sqrt(square), d, w + k * kLanes);
+    }
+  } else {
+    ln(kCount, w, w);
+    for (size_t i = 0; i < kCount; ++i) w[i] = 0 - (w[i] + w[i]);
+    sqrt(kCount, w, w);
+  }
+}
+
+template <typename T>
+void Radii(size_t pairs, T* w, Function<T>* ln, Function<T>* sqrt) {
+  constexpr size_t kLanes = hn::MaxLanes(hn::ScalableTag<T>()), kVectors = 4;
+  size_t i = 0;
+  for (; i + kVectors * kLanes <= pairs; i += kVectors * kLanes) {
+    RadiiOfGroup<kVectors>(w + i, ln, sqrt);
+  }
+  for (; i < pairs; i += kLanes) RadiiOfGroup<1>(w + i, ln, sqrt);
 }
 
 template <class D, class V>
@@ -120,7 +167,7 @@ HWY_INLINE void StoreUpTo(D d, V v, hn::TFromD<D>* r, size_t count) {
 }
 
 // R sine, R cosine of each pair, times sigma plus a, in the order of the pairs.
-template <bool kIsRadius, typename T>
+template <typename T>
 void JoinPairs(size_t pairs, const T* HWY_RESTRICT w, const T* HWY_RESTRICT sine,
                const T* HWY_RESTRICT cosine, T* HWY_RESTRICT r, T sigma, T a) {
   const hn::ScalableTag<T> d;
@@ -128,7 +175,7 @@ void JoinPairs(size_t pairs, const T* HWY_RESTRICT w, const T* HWY_RESTRICT sine
   const auto vsigma = hn::Set(d, sigma), va = hn::Set(d, a);
   const auto scaled = [&](auto x) HWY_ATTR { return hn::Add(hn::Mul(x, vsigma), va); };
   for (size_t i = 0; i < pairs; i += lanes, r += 2 * lanes) {
-    const auto radius = Radius<kIsRadius>(d, hn::Load(d, w + i));
+    const auto radius = hn::Load(d, w + i);
     auto x = scaled(hn::Mul(radius, hn::Load(d, sine + i)));
     auto y = scaled(hn::Mul(radius, hn::Load(d, cosine + i)));
     Exchange(d, x, y);
@@ -143,7 +190,7 @@ void JoinPairs(size_t pairs, const T* HWY_RESTRICT w, const T* HWY_RESTRICT sine
 }
 
 // R sine of each pair, times sigma plus a, in the order of the pairs.
-template <bool kIsRadius, typename T>
+template <typename T>
 void JoinSines(size_t pairs, const T* HWY_RESTRICT w, const T* HWY_RESTRICT sine, T* HWY_RESTRICT r,
                T sigma, T a) {
   const hn::ScalableTag<T> d;
@@ -154,7 +201,7 @@ void JoinSines(size_t pairs, const T* HWY_RESTRICT w, const T* HWY_RESTRICT sine
   const auto indices = hn::SetTableIndices(d, order);
   const auto vsigma = hn::Set(d, sigma), va = hn::Set(d, a);
   for (size_t i = 0; i < pairs; i += kLanes) {
-    const auto radius = Radius<kIsRadius>(d, hn::Load(d, w + i));
+    const auto radius = hn::Load(d, w + i);
     const auto x = hn::Mul(radius, hn::Load(d, sine + i));
     const auto y = hn::TableLookupLanes(hn::Add(hn::Mul(x, vsigma), va), indices);
     StoreUpTo(d, y, r + i, pairs - i);
@@ -177,15 +224,13 @@ void Scale(size_t n, const T* x, T* r, T factor, T a) {
 // The kernels of _pexdErfInv_26 and _pexsErfInv_21, whose stores do not go through a buffer here.
 template <typename T>
 struct ErfInvOf
-    : pex::HWY_NAMESPACE::dErfInvKernel<pex::HWY_NAMESPACE::InverseOfErf,
-                                        pex::HWY_NAMESPACE::ErfInvTier::kShort, pex::dErfInv_SC> {};
+    : level::dErfInvKernel<level::InverseOfErf, level::ErfInvTier::kShort, pex::dErfInv_SC> {};
 template <>
 struct ErfInvOf<float>
-    : pex::HWY_NAMESPACE::sErfInvKernel<pex::HWY_NAMESPACE::InverseOfErf,
-                                        pex::HWY_NAMESPACE::ErfInvTier::kShort, pex::sErfInv_SC> {};
+    : level::sErfInvKernel<level::InverseOfErf, level::ErfInvTier::kShort, pex::sErfInv_SC> {};
 
 template <typename T>
-void Invert(size_t n, const T* x, T* r, T factor, T a, int (*erfinv)(int32_t, const T*, T*)) {
+void Invert(size_t n, const T* x, T* r, T factor, T a, Function<T>* erfinv) {
   using K = ErfInvOf<T>;
   const typename K::Tag d;
   constexpr size_t kVectors = K::kUnroll, kLanes = hn::MaxLanes(d), kGroup = kVectors * kLanes;
@@ -194,7 +239,7 @@ void Invert(size_t n, const T* x, T* r, T factor, T a, int (*erfinv)(int32_t, co
     if (i + kGroup <= n) [[likely]] {
       hn::Vec<decltype(d)> v[kVectors], y[kVectors];
       for (size_t k = 0; k < kVectors; ++k) v[k] = hn::LoadU(d, x + i + k * kLanes);
-      if (!pex::HWY_NAMESPACE::AnyRare<K, kVectors>(d, v, v)) [[likely]] {
+      if (!level::AnyRare<K, kVectors>(d, v, v)) [[likely]] {
         K::MainGroup(d, v, y);
         for (size_t k = 0; k < kVectors; ++k) {
           hn::StoreU(hn::Add(hn::Mul(y[k], vfactor), va), d, r + i + k * kLanes);
@@ -210,11 +255,8 @@ void Invert(size_t n, const T* x, T* r, T factor, T a, int (*erfinv)(int32_t, co
 }
 
 template <typename T>
-constexpr Passes<T> kPasses = {TakeApart<T>,
-                               {JoinPairs<false, T>, JoinPairs<true, T>},
-                               {JoinSines<false, T>, JoinSines<true, T>},
-                               Scale<T>,
-                               Invert<T>};
+constexpr Passes<T> kPasses = {TakeApart<T>, Radii<T>, JoinPairs<T>,
+                               JoinSines<T>, Scale<T>, Invert<T>};
 
 const Passes<double>* DoublePasses() { return &kPasses<double>; }
 const Passes<float>* SinglePasses() { return &kPasses<float>; }
@@ -285,26 +327,20 @@ constexpr size_t kBlock = 1024;
 template <typename T, size_t kPairs>
 struct Pairs {
   alignas(64) T u[2 * kPairs];
-  alignas(64) T w[kPairs];      // the first of each pair, then ln of it or the radius
+  alignas(64) T w[kPairs];      // the first of each pair, then the radius
   alignas(64) T angle[kPairs];  // then its sine
-  bool is_radius;               // what w holds
   const Passes<T>& passes = *Math<T>::Level();
 
-  // Draws some pairs and makes w and the angles. Returns the status of the draw; a negative one
-  // ends it. `whole` becomes how many elements there are, the last of them for padding.
+  // Draws some pairs and makes the radii and the angles. Returns the status of the draw; a negative
+  // one ends it. `whole` becomes how many elements there are, the last of them for padding.
   int32_t Draw(StreamState* stream, size_t pairs, int32_t* whole) {
     const int32_t status = Generate(stream, static_cast<int32_t>(2 * pairs), u, T(0), T(1));
     if (status < 0) return status;
     const size_t padded = (pairs + kWhole<T> - 1) / kWhole<T> * kWhole<T>;
     std::fill(u + 2 * pairs, u + 2 * padded, T(0.5));
     *whole = static_cast<int32_t>(padded);
-    const bool below_one = passes.take_apart(padded, u, w, angle);
-    Math<T>::Ln(*whole, w, w);
-    is_radius = !below_one;
-    if (is_radius) {
-      for (size_t i = 0; i < padded; ++i) w[i] = 0 - (w[i] + w[i]);
-      Math<T>::Sqrt(*whole, w, w);
-    }
+    passes.take_apart(padded, u, w, angle);
+    passes.radii(padded, w, Math<T>::Ln, Math<T>::Sqrt);
     return status;
   }
 };
@@ -321,7 +357,7 @@ int32_t BoxMuller(StreamState* stream, int32_t n, T* r, T a, T sigma) {
     status = pairs.Draw(stream, m, &whole);
     if (status < 0) return status;
     Math<T>::Sin(whole, pairs.angle, pairs.angle);
-    pairs.passes.join_sines[pairs.is_radius](m, pairs.w, pairs.angle, r, sigma, a);
+    pairs.passes.join_sines(m, pairs.w, pairs.angle, r, sigma, a);
     r += m;
     left -= m;
   }
@@ -402,7 +438,7 @@ int32_t BoxMuller2(StreamState* stream, int32_t n, T* r, T a, T sigma) {
     status = pairs.Draw(stream, m, &whole);
     if (status < 0) return status;
     Math<T>::SinCos(whole, pairs.angle, pairs.angle, cosine);
-    pairs.passes.join_pairs[pairs.is_radius](m, pairs.w, pairs.angle, cosine, out, factor, shift);
+    pairs.passes.join_pairs(m, pairs.w, pairs.angle, cosine, out, factor, shift);
     out += 2 * m;
     pairs_left -= m;
   }
