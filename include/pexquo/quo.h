@@ -203,6 +203,25 @@ QUO_BRNG_FUNCTIONS(MRG32K3A)
 
 /* ---- Basic generators: Mersenne twisters. ---- */
 
+/* Two twisted generalised feedback shift registers of 32-bit words: M. Matsumoto and T. Nishimura,
+ * "Mersenne Twister", ACM TOMACS 8 (1998) 3-30, and "Dynamic Creation of Pseudorandom Number
+ * Generators" (2000) for families. The integer output is one word from 0 to 2^32 - 1; w gives the
+ * uniform (w - 2^31) ((b - a) 2^-32) + (a + b)/2, product and sum each rounded in double, the float
+ * once more at the end. Seeding is that of the reference code's init_by_array, of January 2002, for
+ * any number of seed words, also for one; all of them count, and none is the same as the one word 1.
+ * A count of 0 or less draws nothing. Generation returns 0; leapfrog is refused with -1002 and
+ * skip-ahead with -1003, other methods with -2, and the stream stays as it was.
+ *
+ * The state: the block of words, the index of the next one to deliver (signed 32-bit; the block's
+ * length when it is used up, and a copied state's index out of range counts as that), for MT2203
+ * the member's three words, and a reserved word, 0. */
+
+/* Period 2^19937 - 1, a block of 624 words. */
+QUO_BRNG_FUNCTIONS(MT19937)
+/* 1024 members of period 2^2203 - 1, a block of 69 words, each with its own recurrence: streams of
+ * different members are independent even when seeded alike. */
+QUO_BRNG_FUNCTIONS(MT2203)
+
 /* ---- Abstract streams. ---- */
 
 /* A stream of numbers that the caller brings: it delivers from a circular buffer of the caller's,

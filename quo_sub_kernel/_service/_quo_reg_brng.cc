@@ -25,8 +25,8 @@ constexpr BrngProperties kWH = {48, 4, 1, 16, 24, QUO_SLOTS(WH)};
 constexpr BrngProperties kSobol = {10592, 2604, 0, 4, 32, QUO_NO_SLOTS};
 constexpr BrngProperties kNiederr = {43280, 10498, 0, 4, 32, QUO_NO_SLOTS};
 
-constexpr BrngProperties kMT19937 = {2520, 625, 1, 4, 32, QUO_NO_SLOTS};
-constexpr BrngProperties kMT2203 = {312, 70, 1, 4, 32, QUO_NO_SLOTS};
+constexpr BrngProperties kMT19937 = {2520, 625, 1, 4, 32, QUO_SLOTS(MT19937)};
+constexpr BrngProperties kMT2203 = {312, 70, 1, 4, 32, QUO_SLOTS(MT2203)};
 
 constexpr BrngProperties kIAbstract = {48, 0, 1, 4, 32, QUO_SLOTS(iAbstract)};
 constexpr BrngProperties kDAbstract = {64, 0, 1, 4, 32, QUO_SLOTS(dAbstract)};

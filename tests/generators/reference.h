@@ -102,9 +102,14 @@ inline std::vector<Generator> Generators() {
 inline Generator R250() { return QUO_GENERATOR_UNDER_TEST(R250, QUO_BRNG_R250, 1008); }
 inline Generator Mrg32k3a() { return QUO_GENERATOR_UNDER_TEST(MRG32K3A, QUO_BRNG_MRG32K3A, 24); }
 
+inline Generator Mt19937() { return QUO_GENERATOR_UNDER_TEST(MT19937, QUO_BRNG_MT19937, 2504); }
+inline Generator Mt2203(int member) {
+  return QUO_GENERATOR_UNDER_TEST(MT2203, QUO_BRNG_MT2203 + member, 296);
+}
+
 inline std::vector<Generator> AllGenerators() {
   std::vector<Generator> all = Generators();
-  all.insert(all.end(), {R250(), Mrg32k3a()});
+  all.insert(all.end(), {R250(), Mrg32k3a(), Mt19937(), Mt2203(1)});
   return all;
 }
 
@@ -158,7 +163,7 @@ class Stream {
 
  private:
   const Generator* g_;
-  alignas(32) unsigned char block_[1152];
+  alignas(32) unsigned char block_[4096];
 };
 
 // The same by the definition, one element at a time.
