@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <vector>
 
@@ -186,6 +187,17 @@ int Distribution::parameter_count() const {
   int count = 0;
   while (count < kMaxParameters && !parameters[static_cast<size_t>(count)].name.empty()) ++count;
   return count;
+}
+
+std::array<double, kMaxParameters> Distribution::ShownParameters() const {
+  std::array<double, kMaxParameters> values{};
+  const size_t equals = shown.find('=');
+  for (size_t i = 0; i < kMaxParameters; ++i) {
+    values[i] = parameters[i].standard;
+    if (equals == std::string_view::npos || parameters[i].name != shown.substr(0, equals)) continue;
+    std::from_chars(shown.data() + equals + 1, shown.data() + shown.size(), values[i]);
+  }
+  return values;
 }
 
 int Distribution::FindMethod(std::string_view method) const {

@@ -115,6 +115,8 @@ struct Distribution {
   double lo = 0, hi = 1;
 
   int parameter_count() const;
+  // The values of the parameters that the documentation and the benchmarks show.
+  std::array<double, kMaxParameters> ShownParameters() const;
   // The value of a method's name (compared without regard to case); -1 where there is no such one.
   int FindMethod(std::string_view method) const;
 };

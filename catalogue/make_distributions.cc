@@ -1,6 +1,7 @@
 // make_distributions DOCS: writes DOCS/distributions.md from the catalogue, and for each
 // distribution with a density DOCS/distribution-NAME.svg (by gnuplot): a histogram of a million
 // numbers of MCG59 from its own start against it.
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
@@ -31,19 +32,8 @@ std::string Number(double x) {
   return text;
 }
 
-// The parameters of the plot: the standard ones but for those of `shown`, "name=value".
-std::vector<double> Shown(const quo::Distribution& d) {
-  std::vector<double> values;
-  for (int i = 0; i < d.parameter_count(); ++i) {
-    const quo::Parameter& p = d.parameters[static_cast<size_t>(i)];
-    const bool is_shown = d.shown.starts_with(std::string(p.name) + "=");
-    values.push_back(is_shown ? std::stod(std::string(d.shown.substr(p.name.size() + 1)))
-                              : p.standard);
-  }
-  return values;
-}
-
-std::vector<double> Draw(const quo::Sampler& sampler, const std::vector<double>& parameters) {
+std::vector<double> Draw(const quo::Sampler& sampler,
+                         const std::array<double, quo::kMaxParameters>& parameters) {
   StreamState* made = nullptr;
   if (__quoNewStreamEx(&made, QUO_BRNG_MCG59, 0, nullptr) != QUO_OK) {
     throw std::runtime_error("no stream");
@@ -64,7 +54,7 @@ void Plot(const quo::Distribution& d, const quo::Sampler& sampler, const std::st
   const int bins = discrete ? static_cast<int>(d.hi - d.lo) + 1 : kBins;
   const double lo = discrete ? d.lo - 0.5 : d.lo;
   const double width = discrete ? 1 : (d.hi - d.lo) / kBins;
-  const std::vector<double> parameters = Shown(d);
+  const auto parameters = d.ShownParameters();
   std::vector<int> counts(static_cast<size_t>(bins));
   for (const double x : Draw(sampler, parameters)) {
     const double bin = std::floor((x - lo) / width);
@@ -73,7 +63,7 @@ void Plot(const quo::Distribution& d, const quo::Sampler& sampler, const std::st
   const std::unique_ptr<std::FILE, ClosePipe> gnuplot(popen("gnuplot", "w"));
   if (gnuplot == nullptr) throw std::runtime_error("gnuplot cannot be run");
   std::string title(d.name);
-  for (size_t i = 0; i < parameters.size(); ++i) {
+  for (size_t i = 0; i < static_cast<size_t>(d.parameter_count()); ++i) {
     const std::string name(d.parameters[i].name);
     std::fprintf(gnuplot.get(), "%s = %.17g\n", name.c_str(), parameters[i]);
     title += ", " + name + " = " + Number(parameters[i]);
