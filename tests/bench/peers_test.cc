@@ -220,16 +220,17 @@ TEST(RandomPeers, AreUniformOnTheirInterval) {
   }
 }
 
-// The peers of a distribution draw what the library draws: the deciles agree.
+// The peers of a distribution draw what the library draws: these quantiles agree (those of integers
+// stay clear of the probabilities where they jump).
 template <typename T>
-std::vector<double> Deciles(const std::function<void(int, void*)>& fill) {
+std::vector<double> Quantiles(const std::function<void(int, void*)>& fill) {
   constexpr int n = 100000;
   std::vector<T> r(n);
   fill(n, r.data());
   std::ranges::sort(r);
-  std::vector<double> deciles;
-  for (int i = 1; i < 10; ++i) deciles.push_back(static_cast<double>(r[i * n / 10]));
-  return deciles;
+  std::vector<double> quantiles;
+  for (int i = 5; i < 100; i += 10) quantiles.push_back(static_cast<double>(r[i * n / 100]));
+  return quantiles;
 }
 
 TEST(RandomPeers, DrawTheDistributionsOfTheLibrary) {
@@ -251,14 +252,14 @@ TEST(RandomPeers, DrawTheDistributionsOfTheLibrary) {
     const auto ours = [&](int n, void* r) {
       EXPECT_EQ(sampler->draw(0, stream, n, r, parameters.data()), QUO_OK);
     };
-    const auto deciles = [&](const std::function<void(int, void*)>& fill) {
-      return type == 'd'   ? Deciles<double>(fill)
-             : type == 's' ? Deciles<float>(fill)
-                           : Deciles<int32_t>(fill);
+    const auto quantiles = [&](const std::function<void(int, void*)>& fill) {
+      return type == 'd'   ? Quantiles<double>(fill)
+             : type == 's' ? Quantiles<float>(fill)
+                           : Quantiles<int32_t>(fill);
     };
-    const std::vector<double> expected = deciles(ours), got = deciles(peer.fill);
+    const std::vector<double> expected = quantiles(ours), got = quantiles(peer.fill);
     for (size_t i = 0; i < expected.size(); ++i) {
-      EXPECT_NEAR(got[i], expected[i], 0.03 * std::max(1.0, std::fabs(expected[i]))) << i;
+      EXPECT_NEAR(got[i], expected[i], 0.06 * std::max(1.0, std::fabs(expected[i]))) << i;
     }
   }
   __quoDeleteStream(&stream);
