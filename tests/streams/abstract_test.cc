@@ -10,6 +10,7 @@
 #include <random>
 
 #include "tests/streams/streams.h"
+#include "tests/support/samplers.h"
 #include "tests/uniform/levels.h"
 
 namespace {
@@ -478,6 +479,69 @@ TEST(AbstractDistributions, HandBackTheStatusOfAFailedRefill) {
     int32_t i[2];
     EXPECT_EQ(_quoiRngUniform(0, stream, 2, i, 0, 9), status);
   }
+}
+
+// A kind of abstract stream, filled with the [0, 1) numbers or words of a generator.
+StreamState* source;
+
+int32_t DrawOne(double* r) { return _quodRngUniform(0, source, 1, r, 0, 1); }
+int32_t DrawOne(float* r) { return _quosRngUniform(0, source, 1, r, 0, 1); }
+int32_t DrawOne(uint32_t* r) { return _quoiRngUniformBits(0, source, 1, r); }
+
+template <typename T>
+int32_t FromSource(StreamState*, int32_t* n, T* buffer, int32_t*, int32_t* nmax, int32_t* pos) {
+  for (int32_t i = 0; i < *nmax; ++i) EXPECT_EQ(DrawOne(buffer + (*pos + i) % *n), QUO_OK);
+  return *nmax;
+}
+
+// Of the numbers that a sampler asks its generator for.
+int32_t KindOf(const quo::Sampler& sampler) {
+  switch (sampler.type) {
+    case 'd':
+      return QUO_BRNG_DABSTRACT;
+    case 's':
+      return QUO_BRNG_SABSTRACT;
+    case 'w':
+      return QUO_BRNG_IABSTRACT;
+    default:
+      return sampler.distribution->name == "uniform" ? QUO_BRNG_DABSTRACT : QUO_BRNG_SABSTRACT;
+  }
+}
+
+// R250 scales a word w to w ((b - a) 2^-32) + a, the abstract stream to (w 2^-32) (b - a) + a: the
+// same bits, on whatever interval a distribution wants its numbers.
+void CheckAgainstTheSource() {
+  constexpr int32_t kSlots = 61, kCount = 2311;
+  for (const Drawing& drawing : AllDrawings()) {
+    SCOPED_TRACE(drawing.name);
+    const size_t bytes = kCount * drawing.ResultSize(4);
+    std::vector<char> want(bytes, '\1'), untouched = want;
+    Owned direct(QUO_BRNG_R250), filler(QUO_BRNG_R250);
+    source = filler;
+    ASSERT_EQ(drawing(direct, kCount, want.data()), QUO_OK);
+    ASSERT_NE(want, untouched);
+
+    uint32_t words[kSlots];
+    double doubles[kSlots];
+    float singles[kSlots];
+    Owned of_words, of_doubles, of_singles;
+    ASSERT_EQ(__quoiNewAbstractStream(&of_words.p, kSlots, words, FromSource<uint32_t>), QUO_OK);
+    ASSERT_EQ(__quodNewAbstractStream(&of_doubles.p, kSlots, doubles, 0, 1, FromSource<double>),
+              QUO_OK);
+    ASSERT_EQ(__quosNewAbstractStream(&of_singles.p, kSlots, singles, 0, 1, FromSource<float>),
+              QUO_OK);
+    for (StreamState* stream : {of_words.p, of_doubles.p, of_singles.p}) {
+      std::vector<char> r = untouched;
+      const bool own = stream->id == KindOf(*drawing.sampler);
+      EXPECT_EQ(drawing(stream, kCount, r.data()), own ? QUO_OK : QUO_WRONG_OUTPUT) << stream->id;
+      EXPECT_TRUE(r == (own ? want : untouched)) << stream->id;
+      EXPECT_EQ(Position(stream)[2], own ? Position(stream)[1] : kSlots);
+    }
+  }
+}
+
+TEST(AbstractDistributions, AreThoseOfTheGeneratorThatFillsThemAndRefuseTheOtherKinds) {
+  levels::ForEach(CheckAgainstTheSource);
 }
 
 }  // namespace
