@@ -51,7 +51,7 @@ SOURCES = [
      "Each bit is a sequence of its own, x[n] = x[n-103] xor x[n-250], linear of degree 250: tests of "
      "rank beyond 250 and of linear complexity fail at once, and so does whatever sees three draws "
      "103 and 250 apart, such as gaps and random walks longer than that. Matrices of 32 x 32 and "
-     "6 x 8 are too small to see it."),
+     "6 x 8 are too small to see it. One seed word leaves the low bits far from random for long (above)."),
     ("MRG32K3A", "mrg32k3a", [0], "words",
      "Nothing is expected to fail. The words are below 2^32 - 209; no test of this size sees that."),
     ("MCG59", "mcg59", [0], "uniforms",
@@ -63,7 +63,7 @@ SOURCES = [
      "congruential generators, and not meant as bits; the uniform is their sum modulo 1."),
     ("WH 272", "wh", [272], "uniforms", "As the other members."),
     (f"WH, {MEMBERS} members", "wh", range(MEMBERS), "uniforms",
-     "Members 0, 1 ... in turn, all with one seed. Their first draws are alike (below)."),
+     "Members 0, 1 ... in turn, all with one seed. Their first draws are alike (above)."),
     ("MT19937", "mt19937", [0], "words",
      "Linear over GF(2), of degree 19937: tests of rank and linear complexity beyond that fail; those "
      "here are smaller."),
@@ -72,7 +72,7 @@ SOURCES = [
      "here are smaller."),
     ("MT2203 1023", "mt2203", [1023], "words", "As the other members."),
     (f"MT2203, {MEMBERS} members", "mt2203", range(MEMBERS), "words",
-     "Members 0, 1 ... in turn, all with one seed. Their first words are alike (below)."),
+     "Members 0, 1 ... in turn, all with one seed. Their first words are alike (above)."),
 ]
 
 # Generator, words of an output, and the bits looked at: word, bit, name.
@@ -170,7 +170,7 @@ def gathered(results):
     for test, ntuple, p, assessment, again in results:
         tests.setdefault(test, []).append((ntuple, p, assessment, again))
     for test, lines in tests.items():
-        odd = [f"WEAK: {p:.4f}" + (f" at n = {ntuple}" if len(lines) > 1 else "")
+        odd = [f"WEAK: {p:.6f}" + (f" at n = {ntuple}" if len(set(line[0] for line in lines)) > 1 else "")
                + (f" (repeated: {again:.4f})" if again is not None else "")
                for ntuple, p, assessment, again in lines if assessment == "WEAK"]
         failed = [ntuple for ntuple, _, assessment, _ in lines if assessment == "FAILED"]
@@ -207,6 +207,14 @@ def complexities(program):
             yield generator, name, linear_complexity(x >> bit & 1 for x in outputs[word::words])
 
 
+def changes(program, seed, bits, blocks):
+    """For each bit of R250, the part of the draws of each block in which it is not as it was."""
+    words = drawn(program, "r250", WORDS, blocks[-1][1], "I", seed)
+    for bit in bits:
+        yield bit, [sum((x ^ y) >> bit & 1 for x, y in zip(words[a:b], words[a + 1:b])) / (b - a - 1)
+                    for a, b in blocks]
+
+
 def alike_words(program, first, last, pairs=64):
     """The part of the bits in which words first to last - 1 of two members with one seed differ."""
     differing = 0
@@ -229,18 +237,34 @@ def alike_uniforms(program, members=65):
 
 HEAD = """# How random are the generators?
 
-Written by `scripts/randomness.py`, which measures every figure here, {date}, with dieharder
-{version}: {what}. Seed words {seed}.
+Written by `scripts/randomness.py`, which measures every figure here: {date}, dieharder {version},
+{what}, seed words {seed}.
 
 A source is one sequence without end, and each test reads on where the one before it stopped. It is
 fed either the generator's words of 32 bits as they are, or, where the words are not meant as 32
 random bits, its uniforms u: 32 bits of each, floor((2^32 - 1) u) with the top bit inverted, or
-floor(2^16 u) of two draws in a word. The p-values are
-uniform for ideal bits; dieharder calls one WEAK when it or its complement is below 0.005, and FAILED
-below 10^-6. Of the {count} p-values {one_percent:.1f} would be WEAK by chance; {weak} are, and
-{failed} FAILED. A test with a WEAK p-value is repeated once, further on, and the new p-value is in
-brackets. dieharder's own notes on its tests: diehard_opso, diehard_oqso and diehard_dna are suspect,
-diehard_sums is faulty ("do not use"); they stand here for the record.
+floor(2^16 u) of two draws in a word.
+
+The p-values are uniform for ideal bits; dieharder calls one WEAK when it or its complement is below
+0.005, and FAILED below 10^-6. Of the {count} p-values {one_percent:.0f} would be WEAK by chance, often
+several of one test together; {weak} are, and {failed} FAILED. A test with a WEAK p-value is repeated
+once, further on, and the new p-value is in brackets: WEAK twice is a finding{twice}. dieharder's own
+notes on its tests: diehard_opso, diehard_oqso and diehard_dna are suspect, diehard_sums is faulty
+("do not use"); they stand here for the record.
+
+"""
+
+R250_SEED = """## R250 and its seed
+
+One seed word s makes the state of R250 of the words s 69069^k, whose low bits hardly change, and the
+recurrence takes long to mix them. The part of the draws in which a bit is not what it was before, with
+the seed word 1, and at the end with the whole state, 250 words of MT19937, for a seed; 0.5 is due:
+
+| bit | {blocks} |
+|---|{rules}|
+{lines}
+
+So seed R250 with 250 words from elsewhere, or use its upper bits alone, as the uniforms do.
 
 """
 
@@ -286,12 +310,15 @@ def document(program, found, full):
     count = {a: sum(line[3] == a for line in everything) for a in ("PASSED", "WEAK", "FAILED")}
     version = subprocess.run(["dpkg-query", "-W", "-f=${Version}", "dieharder"], capture_output=True,
                              text=True).stdout or "of unknown version"
+    twice = [f"{name} in {line[0]}" for name, (results, _) in found.items() for line in results
+             if line[4] is not None and min(line[4], 1 - line[4]) < 0.005]
     seconds = sum(s for _, s in found.values()) / len(found)
     text = HEAD.format(
         date=datetime.date.today(), version=version, seed=SEED.replace(",", ", "), count=len(everything),
-        one_percent=len(everything) / 100, weak=count["WEAK"], failed=count["FAILED"],
+        one_percent=len(everything) / 100, weak=count["WEAK"], failed=count["FAILED"] or "none",
+        twice=f" ({'; '.join(twice)})" if twice else " (there is none)",
         what=("all its tests" if full else
-              f"a choice of its tests, {seconds:.0f} seconds of dieharder for a source (`--full` runs all)"))
+              f"a choice of its tests, {seconds:.0f} seconds for a source on a busy machine (`--full` runs all)"))
     text += "| source | fed | p-values | weak | failed |\n|---|---|---:|---:|---|\n"
     lines = []
     for name, _, _, fed, _ in SOURCES:
@@ -303,7 +330,14 @@ def document(program, found, full):
                       ", ".join(failed) or "none"])
     text += table(lines) + "\n\n" + LINEAR
     text += table([g, bit, str(c)] for g, bit, c in complexities(program)) + "\n\n"
-    blocks = [(0, 69), (69, 138), (138, 207), (207, 276), (276, 1000)]
+    blocks = [(0, 1000), (1000, 10000), (10000, 100000), (100000, 1000000)]
+    state = ",".join(map(str, drawn(program, "mt19937", WORDS, 250, "I")))
+    lines = [(which, bit, parts) for which, seed, bits in (("", "1", range(5)), (", 250 seed words", state, (0, 1)))
+             for bit, parts in changes(program, seed, bits, blocks)]
+    text += R250_SEED.format(
+        blocks=" | ".join(f"{a} to {b - 1}" for a, b in blocks), rules="|".join(["---:"] * len(blocks)),
+        lines=table([f"{bit}{which}", *(f"{part:.4f}" for part in parts)] for which, bit, parts in lines))
+    blocks = [(0, 69), (69, 138), (138, 207), (207, 276), (276, 2000)]
     text += ADVICE.format(
         words=table([f"{a} to {b - 1}", f"{alike_words(program, a, b):.4f}"] for a, b in blocks),
         draws=table([str(k), f"{d:.4f}"] for k, d in alike_uniforms(program)))
