@@ -141,7 +141,6 @@ PEXQUO_API int _pexsUnpackM(int64_t n, const float* a, float* y, const void* my,
 
 #include "pexquo/pex_elements.h"
 #include "pexquo/pex_functions.h"
-#include "pexquo/pex_complex_functions.h"
 
 #ifdef __cplusplus
 }

@@ -27,6 +27,7 @@
 #include "pex_core/_kernel/complex.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/hardware-inl.h"
+#include "pex_core/_kernel/plain-inl.h"
 #include "pexquo/pex.h"
 
 #if defined(PEX_CORE__KERNEL_COMPLEX_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -494,6 +495,14 @@ HWY_INLINE int MapComplex(int32_t n, const A* a, B b, R* r) {
   using SourceB = decltype(SourceOf(b));
   return RunComplex<K>(n, ComplexCall<K, SourceA, SourceB>{SourceOf(a), SourceOf(b),
                                                            reinterpret_cast<typename K::T*>(r)});
+}
+
+// A kernel of plain-inl.h for real and imaginary parts alike.
+template <class K, class C>
+HWY_INLINE int MapParts(int64_t n, const C* a, const C* b, C* r) {
+  using T = typename K::T;
+  auto* const to = reinterpret_cast<T*>(r);
+  return RunPlain<K>(2 * n, {reinterpret_cast<const T*>(a), reinterpret_cast<const T*>(b), to, to});
 }
 
 }  // namespace pex::HWY_NAMESPACE
