@@ -18,10 +18,9 @@ inline constexpr double kCosine[] = {-0.5, 0.04166664568297557, -0.0013887316254
 
 // Common lanes have |x| <= 10000; of N pi/2 then all bits but the last few of the second part are
 // exact.
-struct cCISKernel : ComplexKernel<float, double> {
+struct cCISCommon : ComplexKernel<float, double> {
   static constexpr bool kRealArgument = true;
   static constexpr int kUnroll = 4;
-  using Wide = WideCIS<float>;
   using Range = RareAbove<float, 0x461C4000>;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
@@ -58,6 +57,26 @@ struct cCISKernel : ComplexKernel<float, double> {
       r[k] = Narrow(d, Complex<W>{cos, sin});
     }
   }
+};
+
+// The other lanes come from the kernel for all finite numbers.
+struct cCISWide : WideCIS<float> {
+  template <class D, class V>
+  static HWY_INLINE void Main(D d, V x, Complex<V>& r) {
+    using Range = cCISCommon::Range;
+    const auto large = LanesAbove(d, Range::Key(d, x), Range::kLimit);
+    const V harmless = hn::Set(d, kHarmless);
+    const V in[1] = {hn::IfThenElse(large, harmless, x)};
+    Complex<V> common[1], wide;
+    cCISCommon::MainGroup(d, in, common);
+    WideCIS<float>::Main(d, hn::IfThenElse(large, x, harmless), wide);
+    r = {hn::IfThenElse(large, wide.re, common[0].re),
+         hn::IfThenElse(large, wide.im, common[0].im)};
+  }
+};
+
+struct cCISKernel : cCISCommon {
+  using Wide = cCISWide;
 };
 
 int cCIS(int32_t n, const float* x, PexComplex8* r) { return MapComplex<cCISKernel>(n, x, r); }
