@@ -24,8 +24,15 @@ HWY_INLINE V Excess(D d, V a, V b, V c) {
 #endif
 }
 
-// (n.hi - n.less)/m, where inverse is 1/m.hi rounded. What the first quotient is too large is
-// subtracted, as +0 where it is exact, so that zeros keep their sign.
+// The same with |less| at most half an ulp of hi.
+template <class V>
+HWY_INLINE Reduced<V> Normalized(Reduced<V> x) {
+  const V hi = hn::Sub(x.hi, x.less);
+  return {hi, hn::Add(hn::Sub(hi, x.hi), x.less)};
+}
+
+// (n.hi - n.less)/m for a normalized numerator, where inverse is 1/m.hi rounded. What the first
+// quotient is too large is subtracted, as +0 where it is exact, so that zeros keep their sign.
 template <class D, class V>
 HWY_INLINE V Quotient(D d, Reduced<V> n, Pair<V> m, V inverse) {
   const V q = hn::Mul(n.hi, inverse);
@@ -50,7 +57,7 @@ struct ExactDiv : ComplexKernel<double> {
     const ProductParts<V> n = ExactProduct<true>(d, a, b);
     const Pair<V> m = SumOfSquares(d, b);
     const V inverse = hn::Div(hn::Set(d, 1.0), m.hi);
-    r = {Quotient(d, n.re, m, inverse), Quotient(d, n.im, m, inverse)};
+    r = {Quotient(d, Normalized(n.re), m, inverse), Quotient(d, Normalized(n.im), m, inverse)};
   }
   static Complex<double> Rare(Complex<double> a, Complex<double> b) { return zDivScalar(a, b); }
 };

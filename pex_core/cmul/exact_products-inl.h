@@ -15,7 +15,7 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// hi - less, where |less| is at most half an ulp of hi.
+// hi - less.
 template <class V>
 struct Reduced {
   V hi, less;
@@ -36,7 +36,8 @@ HWY_INLINE Reduced<V> LessProduct(D d, V a, V b) {
 
 // p + q with a relative error below 2^-100, whatever cancels: where the leading parts do, their sum
 // is exact, and so is the sum of that and p.less when the latter matters. Corrections are
-// subtracted, as +0 where there is nothing to correct, so that sums of zeros keep their sign.
+// subtracted, as +0 where there is nothing to correct, so that sums of zeros keep their sign. After
+// cancellation |less| may be as large as |hi|.
 template <class V>
 HWY_INLINE Reduced<V> SumOfProducts(Reduced<V> p, Reduced<V> q) {
   const V s = hn::Add(p.hi, q.hi);
