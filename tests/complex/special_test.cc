@@ -219,6 +219,7 @@ TEST(Special, ProductsAndQuotients) {
       {EXACT_Z("Div"), {1, 1}, {0x1p600, 0x1p600}, {0x1p-600, 0}},
       {EXACT_Z("Div"), {DBL_MAX, DBL_MAX}, {DBL_MAX, DBL_MAX}, {1, 0}},
       {EXACT_Z("Div"), {kTiny, -kTiny}, {kTiny, -kTiny}, {1, 0}},
+      {EXACT_Z("Div"), {0, 0x1p-256}, {0x1p256, 0x1p-256}, {0x1p-1024, 0x1p-512}, kUnderflow},
       {EXACT_Z("Div"), {0x1p-1000, 0}, {0x1p1000, 0}, {0, 0}, kUnderflow},
       {EXACT_Z("Mul"),
        {0x1p1000, 0x1p-1000},
