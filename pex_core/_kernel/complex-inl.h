@@ -276,8 +276,8 @@ HWY_INLINE void ComplexCompute(const typename C::OperandA (&a)[N],
   }
 }
 
-// One vector of `count` elements that may have rare lanes. Its arguments are kept, for its results
-// may overwrite them.
+// One vector of `count` elements that may have rare lanes. Its arguments are kept where there are,
+// for its results may overwrite them.
 template <class K, class A, class B>
 HWY_NOINLINE void CarefulNumbers(const ComplexCall<K, A, B>& call, size_t i, size_t count) {
   using T = typename K::T;
@@ -285,19 +285,24 @@ HWY_NOINLINE void CarefulNumbers(const ComplexCall<K, A, B>& call, size_t i, siz
   using Number = std::conditional_t<K::kRealResult, T, Complex<T>>;
   const typename K::Tag d;
   constexpr size_t kLanes = hn::MaxLanes(typename K::Tag());
-  typename A::Number as[kLanes];
-  typename B::Number bs[kLanes];
-  call.a.Copy(i, count, as);
-  call.b.Copy(i, count, bs);
   const bool whole = count == kLanes;
   typename C::OperandA a[1] = {whole ? call.a.Load(d, i)
                                      : call.a.LoadTail(d, i, count, K::kHarmless)};
   typename C::OperandB b[1] = {whole ? call.b.Load(d, i)
                                      : call.b.LoadTail(d, i, count, K::kHarmless)};
+  typename C::Result r[1];
   const auto rare = ComplexRareLanes<K, C>(a[0], b[0]);
+  if (hn::AllFalse(d, rare)) {
+    ComplexCompute<K, C>(a, b, r);
+    StoreNumbers(d, r[0], call.r, i, count);
+    return;
+  }
+  typename A::Number as[kLanes];
+  typename B::Number bs[kLanes];
+  call.a.Copy(i, count, as);
+  call.b.Copy(i, count, bs);
   a[0] = Replace(d, rare, a[0], K::kHarmless);
   b[0] = Replace(d, rare, b[0], K::kHarmless);
-  typename C::Result r[1];
   ComplexCompute<K, C>(a, b, r);
   StoreNumbers(d, r[0], call.r, i, count);
 
