@@ -422,4 +422,19 @@ PEXQUO_API int _pexsCdfNormInv_11(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsCdfNormInv_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsCdfNormInv_HA(int32_t n, const float* a, float* r);
 
+/* ---- Complex functions. Bounds are ulp of each part of a result, or, where it is said, of its
+   larger part. They report no element and change no status. ---- */
+
+/* Add: r[i] = a + b. Rounds as the caller's control word says. */
+PEXQUO_API int _pexzAdd(int32_t n, const PexComplex16* a, const PexComplex16* b, PexComplex16* r);
+PEXQUO_API int _pexcAdd(int32_t n, const PexComplex8* a, const PexComplex8* b, PexComplex8* r);
+
+/* Sub: r[i] = a - b. Rounds as the caller's control word says. */
+PEXQUO_API int _pexzSub(int32_t n, const PexComplex16* a, const PexComplex16* b, PexComplex16* r);
+PEXQUO_API int _pexcSub(int32_t n, const PexComplex8* a, const PexComplex8* b, PexComplex8* r);
+
+/* Conj: r[i] = conj(a). Flips the sign bit of the imaginary part, also of a NaN. */
+PEXQUO_API int _pexzConj(int32_t n, const PexComplex16* a, PexComplex16* r);
+PEXQUO_API int _pexcConj(int32_t n, const PexComplex8* a, PexComplex8* r);
+
 #endif /* PEXQUO_PEX_FUNCTIONS_H_ */

@@ -29,6 +29,24 @@
     return HWY_DYNAMIC_DISPATCH(body) arguments;              \
   }
 
+// One of the names of a body of complex numbers, under a guard of control.h or under NoGuard. The
+// body's HWY_EXPORT stands before its names.
+#define PEX_EXPORT_COMPLEX_UNARY(A, R, Guard, body, name)             \
+  extern "C" PEXQUO_API int _pex##name(int32_t n, const A* a, R* r) { \
+    [[maybe_unused]] const Guard guard;                               \
+    return HWY_DYNAMIC_DISPATCH(body)(n, a, r);                       \
+  }
+#define PEX_EXPORT_COMPLEX_BINARY(C, Guard, body, name)                           \
+  extern "C" PEXQUO_API int _pex##name(int32_t n, const C* a, const C* b, C* r) { \
+    [[maybe_unused]] const Guard guard;                                           \
+    return HWY_DYNAMIC_DISPATCH(body)(n, a, b, r);                                \
+  }
+#define PEX_EXPORT_COMPLEX_SCALAR(C, Guard, body, name)                    \
+  extern "C" PEXQUO_API int _pex##name(int32_t n, const C* a, C b, C* r) { \
+    [[maybe_unused]] const Guard guard;                                    \
+    return HWY_DYNAMIC_DISPATCH(body)(n, a, b, r);                         \
+  }
+
 #define PEX_EXPORT_UNARY(T, body) PEX_EXPORT_BODY(body, (int32_t n, const T* a, T* r), (n, a, r))
 #define PEX_EXPORT_BINARY(T, body) \
   PEX_EXPORT_BODY(body, (int32_t n, const T* a, const T* b, T* r), (n, a, b, r))

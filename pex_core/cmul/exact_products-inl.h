@@ -1,0 +1,80 @@
+// Sums of two products of doubles in which cancellation loses nothing.
+
+#include "pex_core/_kernel/complex-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
+
+#if defined(PEX_CORE_CMUL_EXACT_PRODUCTS_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE_CMUL_EXACT_PRODUCTS_INL_H_
+#undef PEX_CORE_CMUL_EXACT_PRODUCTS_INL_H_
+#else
+#define PEX_CORE_CMUL_EXACT_PRODUCTS_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// hi - less, where |less| is at most half an ulp of hi.
+template <class V>
+struct Reduced {
+  V hi, less;
+};
+
+// p + q for exact products, with a relative error below 2^-100 whatever cancels. The corrections
+// are subtracted, as +0 where there is nothing to correct, so that sums of zeros keep their sign.
+template <class V>
+HWY_INLINE Reduced<V> SumOfProducts(Pair<V> p, Pair<V> q) {
+  const V s = hn::Add(p.hi, q.hi);
+  const V t = hn::Sub(s, p.hi);
+  const V less = hn::Add(hn::Sub(hn::Sub(s, t), p.hi), hn::Sub(t, q.hi));
+  const Pair<V> low = TwoSum(p.lo, q.lo);
+  const V c = hn::Sub(less, low.hi);
+  const V w = hn::Sub(s, c);
+  return {w, hn::Sub(hn::Add(hn::Sub(w, s), c), low.lo)};
+}
+
+template <class V>
+struct ProductParts {
+  Reduced<V> re, im;
+};
+
+// a b, or a conj(b).
+template <bool kConjugate, class D, class V>
+HWY_INLINE ProductParts<V> ExactProduct(D d, Complex<V> a, Complex<V> b) {
+  const V other = hn::Neg(kConjugate ? a.re : a.im);
+  if constexpr (kConjugate) {
+    return {SumOfProducts(TwoProduct(d, a.re, b.re), TwoProduct(d, a.im, b.im)),
+            SumOfProducts(TwoProduct(d, a.im, b.re), TwoProduct(d, other, b.im))};
+  } else {
+    return {SumOfProducts(TwoProduct(d, a.re, b.re), TwoProduct(d, other, b.im)),
+            SumOfProducts(TwoProduct(d, a.re, b.im), TwoProduct(d, a.im, b.re))};
+  }
+}
+
+// Which parts of numbers are outside a range of high words, all of them or all but zeros.
+template <int32_t kLow, int32_t kHigh>
+struct PartsOutside {
+  using Range = RareOutside<double, kLow, kHigh>;
+  template <class D, class V, class... W>
+  static HWY_INLINE MaskOf<D> Any(D d, V x, W... rest) {
+    auto key = Range::Key(d, hn::Abs(x));
+    ((key = JoinKeys(d, key, Range::Key(d, hn::Abs(rest)))), ...);
+    return KeyAbove(d, key, Range::kLimit);
+  }
+  // A zero stands for 1.
+  template <class D, class V, class... W>
+  static HWY_INLINE MaskOf<D> AnyButZeros(D d, V x, W... rest) {
+    const auto shown = [d](V v) HWY_ATTR {
+      return hn::IfThenElse(hn::Eq(v, hn::Zero(d)), hn::Set(d, 1.0), v);
+    };
+    const auto outside = Any(d, shown(x), shown(rest)...);
+    // Masks by lane ask for whole lanes of ones.
+    return hn::RebindMask(d, hn::Lt(Bits(d, hn::VecFromMask(d, outside)), SetBits(d, 0)));
+  }
+};
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE_CMUL_EXACT_PRODUCTS_INL_H_
