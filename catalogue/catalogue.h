@@ -27,6 +27,10 @@ constexpr std::string_view TierName(Tier t) {
 // results whose parts may cancel.
 enum class Measure { Parts, Modulus };
 
+// By tier: of sums that the EP tier rounds as they come.
+inline constexpr std::array<Measure, 4> kEPByModulus = {Measure::Parts, Measure::Modulus,
+                                                        Measure::Parts, Measure::Parts};
+
 struct Range {
   double lo = 0, hi = 0;
 };

@@ -13,8 +13,9 @@
 //   MayBeRare, alike                    optional: a cheaper mask that covers IsRare and decides
 //                          for a group; its masks are tested together and not used by lane;
 //   Rare(a) or Rare(a, b)  a scalar routine for one rare element: from Complex<T> or T to that.
-// Lanes come in an order of the driver's own, the same for all operands: no kernel may depend on
-// it.
+// A kernel may have a second one, K::Wide, for all lanes but rare ones, as in elementwise-inl.h;
+// its common lanes are then those that neither IsRare nor MayBeRare names. Lanes come in an order
+// of the driver's own, the same for all operands: no kernel may depend on it.
 //
 // In HWY_NAMESPACE a body is `return MapComplex<K>(n, a, r);` or `MapComplex<K>(n, a, b, r)`, where
 // b may be one number for all elements.
@@ -428,6 +429,18 @@ HWY_INLINE bool CommonNumbers(const C& call, size_t i, size_t count) {
   return true;
 }
 
+// One vector that CommonNumbers has not taken.
+template <class K, class A, class B>
+HWY_NOINLINE void UncommonNumbers(const ComplexCall<K, A, B>& call, size_t i, size_t count) {
+  if constexpr (HasWide<K>) {
+    const ComplexCall<typename K::Wide, A, B> wide{call.a, call.b, call.r};
+    if (!CommonNumbers<typename K::Wide, 1>(wide, i, count)) [[unlikely]]
+      CarefulNumbers(wide, i, count);
+  } else {
+    CarefulNumbers(call, i, count);
+  }
+}
+
 // All elements from the first to the last, or from the last to the first where a result is wider
 // than its argument: what is overwritten has then been read.
 template <class K, class C>
@@ -441,19 +454,16 @@ HWY_INLINE int RunComplex(int32_t n, const C& call) {
 
   const auto vector = [&](size_t i) HWY_ATTR {
     const size_t count = HWY_MIN(lanes, end - i);
-    if constexpr (HasComplexRare<K, C>) {
-      if (!CommonNumbers<K, 1>(call, i, count)) [[unlikely]]
-        CarefulNumbers(call, i, count);
-    } else {
-      CommonNumbers<K, 1>(call, i, count);
-    }
+    if (CommonNumbers<K, 1>(call, i, count)) [[likely]]
+      return;
+    if constexpr (HasComplexRare<K, C>) UncommonNumbers(call, i, count);
   };
   const auto whole_group = [&](size_t i) HWY_ATTR {
     if (CommonNumbers<K, K::kUnroll>(call, i, group)) [[likely]]
       return;
     if constexpr (HasComplexRare<K, C>) {
       for (size_t k = 0; k < K::kUnroll; ++k) {
-        CarefulNumbers(call, i + (kBackward ? K::kUnroll - 1 - k : k) * lanes, lanes);
+        UncommonNumbers(call, i + (kBackward ? K::kUnroll - 1 - k : k) * lanes, lanes);
       }
     }
   };

@@ -12,14 +12,6 @@
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
-// The larger first, for sums of two squares.
-template <class D, class V>
-HWY_INLINE Pair<V> SumOfSquares(D d, V x, V y) {
-  const Pair<V> p = TwoProduct(d, x, x), q = TwoProduct(d, y, y);
-  const Pair<V> s = TwoSum(p.hi, q.hi);
-  return {s.hi, hn::Add(s.lo, hn::Add(p.lo, q.lo))};
-}
-
 // (n.hi - n.less)/m, where inverse is 1/m.hi rounded. What the first quotient is too large is
 // subtracted, as +0 where it is exact, so that zeros keep their sign.
 template <class D, class V>
@@ -41,14 +33,12 @@ struct ExactDiv : ComplexKernel<double> {
   }
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a, Complex<V> b) {
-    const auto bits = hn::Or(Bits(d, hn::Abs(b.re)), Bits(d, hn::Abs(b.im)));
-    const auto zero = hn::RebindMask(d, hn::Eq(bits, SetBits(d, 0)));
-    return hn::Or(zero, Outside::AnyButZeros(d, a.re, a.im, b.re, b.im));
+    return hn::Or(IsZero(d, b), Outside::AnyButZeros(d, a.re, a.im, b.re, b.im));
   }
   template <class D, class V>
   static HWY_INLINE void Main(D d, Complex<V> a, Complex<V> b, Complex<V>& r) {
     const ProductParts<V> n = ExactProduct<true>(d, a, b);
-    const Pair<V> m = SumOfSquares(d, b.re, b.im);
+    const Pair<V> m = SumOfSquares(d, b);
     const V inverse = hn::Div(hn::Set(d, 1.0), m.hi);
     r = {Quotient(d, n.re, m, inverse), Quotient(d, n.im, m, inverse)};
   }

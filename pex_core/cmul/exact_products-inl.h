@@ -52,25 +52,42 @@ HWY_INLINE ProductParts<V> ExactProduct(D d, Complex<V> a, Complex<V> b) {
   }
 }
 
+// |x|^2 with a relative error below 2^-104.
+template <class D, class V>
+HWY_INLINE Pair<V> SumOfSquares(D d, Complex<V> x) {
+  const Pair<V> p = TwoProduct(d, x.re, x.re), q = TwoProduct(d, x.im, x.im);
+  const Pair<V> s = TwoSum(p.hi, q.hi);
+  return {s.hi, hn::Add(s.lo, hn::Add(p.lo, q.lo))};
+}
+
+template <class D, class V>
+HWY_INLINE MaskOf<D> IsZero(D d, Complex<V> x) {
+  const auto bits = hn::Or(Bits(d, hn::Abs(x.re)), Bits(d, hn::Abs(x.im)));
+  return hn::RebindMask(d, hn::Eq(bits, SetBits(d, 0)));
+}
+
 // Which parts of numbers are outside a range of high words, all of them or all but zeros.
 template <int32_t kLow, int32_t kHigh>
 struct PartsOutside {
   using Range = RareOutside<double, kLow, kHigh>;
   template <class D, class V, class... W>
   static HWY_INLINE MaskOf<D> Any(D d, V x, W... rest) {
-    auto key = Range::Key(d, hn::Abs(x));
-    ((key = JoinKeys(d, key, Range::Key(d, hn::Abs(rest)))), ...);
-    return KeyAbove(d, key, Range::kLimit);
+    return KeyAbove(d, JoinedKey(d, x, rest...), Range::kLimit);
   }
-  // A zero stands for 1.
   template <class D, class V, class... W>
   static HWY_INLINE MaskOf<D> AnyButZeros(D d, V x, W... rest) {
-    const auto shown = [d](V v) HWY_ATTR {
+    const auto one_for_zero = [d](V v) HWY_ATTR {
       return hn::IfThenElse(hn::Eq(v, hn::Zero(d)), hn::Set(d, 1.0), v);
     };
-    const auto outside = Any(d, shown(x), shown(rest)...);
-    // Masks by lane ask for whole lanes of ones.
-    return hn::RebindMask(d, hn::Lt(Bits(d, hn::VecFromMask(d, outside)), SetBits(d, 0)));
+    return LanesAbove(d, JoinedKey(d, one_for_zero(x), one_for_zero(rest)...), Range::kLimit);
+  }
+
+ private:
+  template <class D, class V, class... W>
+  static HWY_INLINE BitsOf<D> JoinedKey(D d, V x, W... rest) {
+    auto key = Range::Key(d, hn::Abs(x));
+    ((key = JoinKeys(d, key, Range::Key(d, hn::Abs(rest)))), ...);
+    return key;
   }
 };
 

@@ -60,15 +60,17 @@ int Update(const char* path) {
           "# processor. A line that changes is a change of results: say so where the change is "
           "made.\n"
           "# Written by `digests --update` (target update_digests).\n";
-  for (const pex::Entry& entry : pex::Entries())
-    file << entry.symbol << '\t' << DigestOf(entry) << '\n';
+  for (const pex::Entry* entry : AllEntries()) {
+    file << entry->symbol << '\t' << DigestOf(*entry) << '\n';
+  }
   return file.flush() ? 0 : 1;
 }
 
 int Compare(const char* path) {
   std::map<std::string, std::string> recorded = Read(path);
   int faults = 0;
-  for (const pex::Entry& entry : pex::Entries()) {
+  for (const pex::Entry* listed : AllEntries()) {
+    const pex::Entry& entry = *listed;
     const std::string symbol(entry.symbol);
     const auto line = recorded.find(symbol);
     if (line == recorded.end()) {
