@@ -75,7 +75,7 @@ struct PowKernelOf : ComplexKernel<Element, double> {
     const N across = Select(d, real, From<N>(d, hn::Set(d, -0.0)), Times(d, size, b.im));
     const N im = Normalized(d, Plus(d, Times(d, angle, b.re), across));
     const N e = ExpOf(d, re);
-    const auto v = SinCosOf(d, im);
+    const auto v = SinCosOf<true>(d, im);
     return {Product(d, e, v.cos), Product(d, e, v.sin)};
   }
 

@@ -281,15 +281,20 @@ struct SineCosine {
   N sin, cos;
 };
 
-// Of y + rest, `rest` below an ulp of y.
-template <class D>
+// kHasLow: y.lo is not 0.
+template <bool kHasLow = false, class D>
 HWY_INLINE SineCosine<PairOf<D>> SinCosOf(D d, PairOf<D> y) {
   using V = VecOf<D>;
   const V in[1] = {y.hi};
   Sixteenth<D> u[1];
   V s[1], c[1];
   ReduceToSixteenth(d, in, u);
-  u[0].rest = hn::Add(u[0].rest, y.lo);
+  if constexpr (kHasLow) {
+    // An ulp of y may weigh much against what remains of it.
+    const PairOf<D> sum = TwoSum(u[0].y, hn::Add(u[0].rest, y.lo));
+    u[0].y = sum.hi;
+    u[0].rest = sum.lo;
+  }
   SmallSineCosine(d, u, s, c);
   const auto sign = FromBits(d, hn::ShiftLeft<59>(u[0].index));
   SineCosine<PairOf<D>> r;
@@ -298,7 +303,7 @@ HWY_INLINE SineCosine<PairOf<D>> SinCosOf(D d, PairOf<D> y) {
   r.sin.hi = hn::IfThenElse(hn::Eq(y.hi, hn::Zero(d)), y.hi, r.sin.hi);
   return r;
 }
-template <class D>
+template <bool kHasLow = false, class D>
 HWY_INLINE SineCosine<VecOf<D>> SinCosOf(D d, VecOf<D> y) {
   using V = VecOf<D>;
   const V in[1] = {y};
