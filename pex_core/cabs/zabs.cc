@@ -29,20 +29,19 @@ struct zAbsKernel : ComplexKernel<double> {
   }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&a)[K], V (&r)[K]) {
-    V t[K], rest[K], y[K], s[K], e[K];
+    using C = RootConstants<double>;
+    V t[K], rest[K], s[K];
     for (size_t k = 0; k < K; ++k) {
       const Pair<V> square = SumOfSquares(d, a[k]);
       t[k] = square.hi;
       rest[k] = square.lo;
     }
-    RootStart<true>(d, t, RootConstants<double>::kStart, y, s);
-    for (size_t k = 0; k < K; ++k) e[k] = hn::Sub(hn::Set(d, 1.0), hn::Mul(s[k], y[k]));
-    RootCorrect(d, e, s);
     for (size_t k = 0; k < K; ++k) {
-      const Pair<V> s2 = TwoProduct(d, s[k], s[k]);
-      const V remainder = hn::Add(hn::Sub(hn::Sub(t[k], s2.hi), s2.lo), rest[k]);
-      const V half_y = hn::Mul(y[k], hn::Set(d, 0.5));
-      r[k] = hn::Add(s[k], hn::Mul(remainder, half_y));
+      s[k] = hn::Sqrt(t[k]);
+      const V z = FromBits(d, hn::Sub(SetBits(d, C::kInverse), Bits(d, s[k])));
+      const V half_inverse = hn::Mul(z, hn::Sub(hn::Set(d, C::kInverseSum), hn::Mul(s[k], z)));
+      const V remainder = hn::Add(Remainder(d, t[k], s[k], s[k]), rest[k]);
+      r[k] = hn::Add(s[k], hn::Mul(remainder, half_inverse));
     }
   }
   static double Rare(Complex<double> a) { return zAbsScalar(a); }

@@ -10,7 +10,7 @@ HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
 struct sArgEP {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
     PlainAtan2(d, y, x, kAtanSingleEP, r);
@@ -18,7 +18,7 @@ struct sArgEP {
 };
 
 struct sArgLA {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
     PlainAtan2(d, y, x, kAtanSingleLA, r);
@@ -26,7 +26,7 @@ struct sArgLA {
 };
 
 struct sArgHA {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
     Atan2InDouble(d, y, x, r);

@@ -12,14 +12,24 @@
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
+// a b - c rounded once, for a quotient a of c and b that is off by a few ulp; +0 for 0.
+template <class D, class V>
+HWY_INLINE V Excess(D d, V a, V b, V c) {
+#if HWY_TARGET == HWY_SSE4
+  const Pair<V> p = TwoProduct(d, a, b);
+  return hn::Add(hn::Sub(p.hi, c), p.lo);  // the difference is exact
+#else
+  (void)d;
+  return hn::MulSub(a, b, c);
+#endif
+}
+
 // (n.hi - n.less)/m, where inverse is 1/m.hi rounded. What the first quotient is too large is
 // subtracted, as +0 where it is exact, so that zeros keep their sign.
 template <class D, class V>
 HWY_INLINE V Quotient(D d, Reduced<V> n, Pair<V> m, V inverse) {
   const V q = hn::Mul(n.hi, inverse);
-  const Pair<V> p = TwoProduct(d, q, m.hi);
-  const V more = hn::Add(hn::Sub(p.hi, n.hi), p.lo);
-  const V excess = hn::Add(hn::Add(more, n.less), hn::Mul(q, m.lo));
+  const V excess = hn::Add(hn::Add(Excess(d, q, m.hi, n.hi), n.less), hn::Mul(q, m.lo));
   return hn::Sub(q, hn::Mul(excess, inverse));
 }
 

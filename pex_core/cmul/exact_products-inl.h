@@ -21,17 +21,30 @@ struct Reduced {
   V hi, less;
 };
 
-// p + q for exact products, with a relative error below 2^-100 whatever cancels. The corrections
-// are subtracted, as +0 where there is nothing to correct, so that sums of zeros keep their sign.
+// a b as hi - less exactly; less is +0 where hi is exact.
+template <class D, class V>
+HWY_INLINE Reduced<V> LessProduct(D d, V a, V b) {
+#if HWY_TARGET == HWY_SSE4
+  const Pair<V> p = TwoProduct(d, a, b);
+  return {p.hi, hn::Sub(hn::Zero(d), p.lo)};
+#else
+  (void)d;
+  const V hi = hn::Mul(a, b);
+  return {hi, hn::NegMulAdd(a, b, hi)};
+#endif
+}
+
+// p + q with a relative error below 2^-100, whatever cancels: where the leading parts do, their sum
+// is exact, and so is the sum of that and p.less when the latter matters. Corrections are
+// subtracted, as +0 where there is nothing to correct, so that sums of zeros keep their sign.
 template <class V>
-HWY_INLINE Reduced<V> SumOfProducts(Pair<V> p, Pair<V> q) {
+HWY_INLINE Reduced<V> SumOfProducts(Reduced<V> p, Reduced<V> q) {
   const V s = hn::Add(p.hi, q.hi);
   const V t = hn::Sub(s, p.hi);
   const V less = hn::Add(hn::Sub(hn::Sub(s, t), p.hi), hn::Sub(t, q.hi));
-  const Pair<V> low = TwoSum(p.lo, q.lo);
-  const V c = hn::Sub(less, low.hi);
-  const V w = hn::Sub(s, c);
-  return {w, hn::Sub(hn::Add(hn::Sub(w, s), c), low.lo)};
+  const V hi = hn::Sub(s, p.less);
+  const V hi_less = hn::Add(hn::Sub(hi, s), p.less);
+  return {hi, hn::Add(hn::Add(hi_less, q.less), less)};
 }
 
 template <class V>
@@ -44,11 +57,11 @@ template <bool kConjugate, class D, class V>
 HWY_INLINE ProductParts<V> ExactProduct(D d, Complex<V> a, Complex<V> b) {
   const V other = hn::Neg(kConjugate ? a.re : a.im);
   if constexpr (kConjugate) {
-    return {SumOfProducts(TwoProduct(d, a.re, b.re), TwoProduct(d, a.im, b.im)),
-            SumOfProducts(TwoProduct(d, a.im, b.re), TwoProduct(d, other, b.im))};
+    return {SumOfProducts(LessProduct(d, a.re, b.re), LessProduct(d, a.im, b.im)),
+            SumOfProducts(LessProduct(d, a.im, b.re), LessProduct(d, other, b.im))};
   } else {
-    return {SumOfProducts(TwoProduct(d, a.re, b.re), TwoProduct(d, other, b.im)),
-            SumOfProducts(TwoProduct(d, a.re, b.im), TwoProduct(d, a.im, b.re))};
+    return {SumOfProducts(LessProduct(d, a.re, b.re), LessProduct(d, other, b.im)),
+            SumOfProducts(LessProduct(d, a.re, b.im), LessProduct(d, a.im, b.re))};
   }
 }
 
@@ -56,7 +69,7 @@ HWY_INLINE ProductParts<V> ExactProduct(D d, Complex<V> a, Complex<V> b) {
 template <class D, class V>
 HWY_INLINE Pair<V> SumOfSquares(D d, Complex<V> x) {
   const Pair<V> p = TwoProduct(d, x.re, x.re), q = TwoProduct(d, x.im, x.im);
-  const Pair<V> s = TwoSum(p.hi, q.hi);
+  const Pair<V> s = FastTwoSum(hn::Max(p.hi, q.hi), hn::Min(p.hi, q.hi));
   return {s.hi, hn::Add(s.lo, hn::Add(p.lo, q.lo))};
 }
 
