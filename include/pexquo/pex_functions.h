@@ -485,8 +485,8 @@ PEXQUO_API int _pexcConj(int32_t n, const PexComplex8* a, PexComplex8* r);
 
 /* Abs: r[i] = |a|. One computation for all tiers, without overflow or underflow on the way.
    Infinity where a part is infinite, else NaN where one is: in double with the NaN's sign, in
-   single without. Bounds in double: HA 0.51 ulp, _50 0.51 ulp, _26 at least 53 bits; in single: HA
-   0.51 ulp, _21 0.51 ulp, _11 at least 24 bits. */
+   single without. Bounds in double: HA 0.51 ulp, _50 0.51 ulp, _26 at least 52 bits; in single: HA
+   0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
 PEXQUO_API int _pexzAbs_26(int32_t n, const PexComplex16* a, double* r);
 PEXQUO_API int _pexzAbs_50(int32_t n, const PexComplex16* a, double* r);
 PEXQUO_API int _pexzAbs_HA(int32_t n, const PexComplex16* a, double* r);
@@ -505,8 +505,8 @@ PEXQUO_API int _pexcArg_21(int32_t n, const PexComplex8* a, float* r);
 PEXQUO_API int _pexcArg_HA(int32_t n, const PexComplex8* a, float* r);
 
 /* CIS: r[i] = cos a + i sin a. One computation for all tiers. NaN in both parts for infinities,
-   raising invalid, and for NaN. Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 53 bits;
-   in single: HA 1 ulp, _21 1 ulp, _11 at least 24 bits. */
+   raising invalid, and for NaN. Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits;
+   in single: HA 0.6 ulp, _21 0.6 ulp, _11 at least 23 bits. */
 PEXQUO_API int _pexzCIS_26(int32_t n, const double* a, PexComplex16* r);
 PEXQUO_API int _pexzCIS_50(int32_t n, const double* a, PexComplex16* r);
 PEXQUO_API int _pexzCIS_HA(int32_t n, const double* a, PexComplex16* r);

@@ -25,7 +25,7 @@ extern "C" {
 #define QUO_BAD_METHOD (-2)      /* InitStream: unknown method */
 #define QUO_BAD_ARGUMENT (-3)    /* abstract streams: bad argument */
 #define QUO_NO_MEMORY (-4)       /* an allocation failed */
-#define QUO_NULL_FUNCTION (-5)   /* registration: a function slot is null */
+#define QUO_NULL_FUNCTION (-5)   /* registration: a null slot; abstract stream: a null buffer */
 #define QUO_INVALID_BRNG (-1000) /* no such generator or member */
 #define QUO_LEAPFROG_UNSUPPORTED (-1002)
 #define QUO_SKIPAHEAD_UNSUPPORTED (-1003)
@@ -182,11 +182,134 @@ QUO_API uint32_t __quoiPowMod(uint32_t base, uint64_t e, uint32_t m);
 
 /* ---- Basic generators: R250 and MRG32K3A. ---- */
 
+/* The integer output of both is one 32-bit word, their uniforms take one output each; a count of 0
+ * or less writes nothing and leaves the stream where it is. Neither leapfrogs: -1002. */
+
+/* w(n) = w(n-250) xor w(n-147), all 32-bit words. 250 seed words or more are the first 250 of the
+ * sequence before the first output; of fewer the first counts, 0 and none as 1: it fills the state
+ * by the multiplier 69069, with 32 words made linearly independent. No skip-ahead: -1003. A state
+ * whose two indices are not ones that seeding and drawing leave behind, from a file or a copy,
+ * counts them modulo 250 and goes on by the definition x[i] ^= x[j], a word at a time.
+ * S. Kirkpatrick, E. P. Stoll, J. Comput. Phys. 40 (1981), 517-526. */
+QUO_BRNG_FUNCTIONS(R250)
+/* z = x - y mod m1 with x(n) = 1403580 x(n-2) - 810728 x(n-3) mod m1 = 2^32 - 209 and
+ * y(n) = 527612 y(n-1) - 1370589 y(n-3) mod m2 = 2^32 - 22853. Up to six seed words, x then y,
+ * oldest first: those not given are 1, each is reduced by its modulus, and a component of three
+ * zeros starts from 1, 0, 0. The integer output is z, from 0 to m1 - 1, the uniform z/m1. Skips
+ * ahead by any 64-bit count. A word of the state at or above its modulus, as a file or a copy may
+ * bring, counts as its residue.
+ * P. L'Ecuyer, Operations Research 47 (1999), 159-164. */
+QUO_BRNG_FUNCTIONS(MRG32K3A)
+
 /* ---- Basic generators: Mersenne twisters. ---- */
+
+/* Two twisted generalised feedback shift registers of 32-bit words: M. Matsumoto and T. Nishimura,
+ * "Mersenne Twister", ACM TOMACS 8 (1998) 3-30, and "Dynamic Creation of Pseudorandom Number
+ * Generators" (2000) for families. The integer output is one word from 0 to 2^32 - 1; w gives the
+ * uniform (w - 2^31) ((b - a) 2^-32) + (a + b)/2, product and sum each rounded in double, the float
+ * once more at the end. Seeding is that of the reference code's init_by_array, of January 2002, for
+ * any number of seed words, also for one; all of them count, and none is the same as the one word 1.
+ * A count of 0 or less draws nothing. Generation returns 0; leapfrog is refused with -1002 and
+ * skip-ahead with -1003, other methods with -2, and the stream stays as it was.
+ *
+ * The state: the block of words, the index of the next one to deliver (signed 32-bit; the block's
+ * length when it is used up, and a copied state's index out of range counts as that), for MT2203
+ * the member's three words, and a reserved word, 0. */
+
+/* Period 2^19937 - 1, a block of 624 words. */
+QUO_BRNG_FUNCTIONS(MT19937)
+/* 1024 members of period 2^2203 - 1, a block of 69 words, each with its own recurrence: streams of
+ * different members are independent even when seeded alike. */
+QUO_BRNG_FUNCTIONS(MT2203)
 
 /* ---- Abstract streams. ---- */
 
+/* A stream of numbers that the caller brings: it delivers from a circular buffer of the caller's,
+ * of n slots, and calls the caller's function whenever the buffer has run empty. Each kind serves
+ * the output of its own type alone; the two others give -1122 and call nothing. Leapfrog gives
+ * -1002, skip-ahead -1003. The stream owns neither buffer nor function, and both have to outlive
+ * its last generation call. A copy of the stream draws from the same buffer, from its own place.
+ *
+ * The function writes k new numbers into the buffer from slot *pos on, slot 0 following slot
+ * *n - 1, and returns k, from 1 to *nmax (the free slots: all n, as it is only called when none is
+ * left). *nmin, at most *nmax, is what the current call can still use. The four counts are copies
+ * for it to read or to spoil. It runs with the caller's rounding and flush modes in a call to the
+ * generator, with the distribution's in a distribution call. It must not draw from its stream nor
+ * delete it. */
+typedef int32_t (*RefillI)(StreamState* stream, int32_t* n, uint32_t* buffer, int32_t* nmin,
+                           int32_t* nmax, int32_t* pos);
+typedef int32_t (*RefillD)(StreamState* stream, int32_t* n, double* buffer, int32_t* nmin,
+                           int32_t* nmax, int32_t* pos);
+typedef int32_t (*RefillS)(StreamState* stream, int32_t* n, float* buffer, int32_t* nmin,
+                           int32_t* nmax, int32_t* pos);
+
+/* New streams on buffer[n]. Doubles and singles lie on [c, d). -3 when n < 1, buffer or function is
+ * null, or c is not below d (NaN); -1000, -4. After an error the pointer is null. The first
+ * generation call begins with a refill. */
+QUO_API int32_t __quoiNewAbstractStream(StreamState** stream, int32_t n, uint32_t* buffer,
+                                        RefillI refill);
+QUO_API int32_t __quodNewAbstractStream(StreamState** stream, int32_t n, double* buffer, double c,
+                                        double d, RefillD refill);
+QUO_API int32_t __quosNewAbstractStream(StreamState** stream, int32_t n, float* buffer, float c,
+                                        float d, RefillS refill);
+
+/* The generators behind them. Words are delivered as they are, a number u of [c, d) as
+ * (u - c) scale + a with scale = (b - a) / (d - c), rounded to nearest at each step, in the type of
+ * the stream; r must not overlap the buffer. -5 when the buffer is null, as it is after loading
+ * from a file. -1121 when the function returned 0, -1120 when it returned a negative count or more
+ * than *nmax: the numbers delivered by then stay in r, the stream keeps the position from before
+ * the call (its slots may have been refilled meanwhile).
+ *
+ * InitStream: method 0 is for the constructors above, which hand over a record of their own in
+ * params; called by anyone else it gives -3, looks at no parameter and leaves the stream alone. */
+QUO_BRNG_FUNCTIONS(iAbstract)
+QUO_BRNG_FUNCTIONS(dAbstract)
+QUO_BRNG_FUNCTIONS(sAbstract)
+
 /* ---- Partition and persistence. ---- */
+
+/* From now on the stream delivers elements k, k + nstreams, k + 2 nstreams ... of its sequence,
+ * counted from where it stands. -1013 for a negative nstreams, and then the generator is not asked;
+ * -1000; else what the generator answers (InitStream by method 1), -1002 when it cannot. */
+QUO_API int32_t __quoLeapfrogStream(StreamState* stream, int32_t k, int32_t nstreams);
+/* Moves the stream on by nskip elements. -1000; else what the generator answers (InitStream by
+ * method 2), -1003 when it cannot. */
+QUO_API int32_t __quoSkipAheadStream(StreamState* stream, uint64_t nskip);
+
+/* A stream in a file, all numbers little-endian:
+ *   byte 0   "RNG", then the format byte 0
+ *        4   16 bits each: 16, the header's size; S, the generator's StateSize - 16 (0 when that is
+ *            negative); C, the number of chunks; 0, never read
+ *       12   32 bits: the identifier
+ *       16   S bytes: the stream from byte 16 on
+ *   16 + S   C chunks from the head of the list on: 32 bits key, 32 bits size, the data
+ *
+ * A file's name is `length` bytes, or for a negative length what ends with a zero byte. */
+
+/* Writes a stream to a new file, or over an old one. A chunk whose data is null is written as one
+ * of no bytes. -4 for want of memory for the name; -1000 when the stream names no generator; -1101
+ * when the file cannot be opened, -1102 when a write fails, what is buffered included, -1100 when
+ * closing does; the file may then hold a part of the stream. -1102 before the file is touched when
+ * S or C does not fit its 16 bits. */
+QUO_API int32_t __quoSaveStreamF(const StreamState* stream, const char* name, int32_t length);
+
+/* Makes a stream of a file: it goes on exactly where the saved one stood, with the chunks in
+ * reverse order. Whatever the file's bytes, no memory is taken that the rest of the file could not
+ * fill (of a pipe, whose length nobody knows: more than twice what came of a chunk, 4096 bytes at
+ * least), and what follows the last chunk is not read.
+ *
+ * The state's bytes are taken as they are. The library's own generators stay within their memory
+ * whatever the bytes; a registered generator that keeps pointers or indexes in its state has to
+ * look to itself. An abstract stream comes back without buffer and function, which belonged to the
+ * process that saved it: it gives -5, and a new one has to be made to go on.
+ *
+ * The first that applies: -4 no memory for the name (and nothing else happens); -1101 not to be
+ * opened; -1103 shorter than its header; -1110 no "RNG"; -1111 format byte not 0; -1110 no such
+ * generator, S not that of the generator, or a header size below 16 (a larger one is accepted and
+ * changes nothing); -1103 file ends within the state or a chunk; -4 no memory for the stream, a
+ * chunk or its data; -1100 closing fails. After any but the first, what *stream refers to is
+ * deleted and *stream null: let it be null before. */
+QUO_API int32_t __quoLoadStreamF(StreamState** stream, const char* name, int32_t length);
 
 /* ---- Distributions: uniform. ---- */
 

@@ -49,7 +49,7 @@ struct dAtanHA : dAtanCommon {
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], v[K];
     for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
-    FullAtan(d, a, v);
+    FullAtan(d, a, kAtanHA, v);
     for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(v[k], x[k]);
   }
 };

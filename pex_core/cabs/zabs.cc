@@ -21,11 +21,11 @@ struct zAbsKernel : ComplexKernel<double> {
   using Outside = PartsOutside<0x26F00000, 0x5F2FFFFF>;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> a) {
-    return Outside::Any(d, a.re, a.im);
+    return Outside::MayBeAny(d, a.re, a.im);
   }
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a) {
-    return hn::Or(IsZero(d, a), Outside::AnyButZeros(d, a.re, a.im));
+    return hn::Or(IsZero(d, a), Outside::Any(d, a.re, a.im));
   }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&a)[K], V (&r)[K]) {

@@ -33,7 +33,9 @@ struct cCISCommon : ComplexKernel<float, double> {
     W n[K], y[K], y2[K], sine[K], cosine[K];
     const V rounder = hn::Set(d, 12582912.0f);
     for (size_t k = 0; k < K; ++k) {
-      const V turns = hn::Mul(x[k], hn::Set(d, 0.63661975f));
+      // The product of a tiny number would underflow.
+      const V quiet = hn::IfThenZeroElse(MagnitudeBelow(d, x[k], 0x1p-60f), x[k]);
+      const V turns = hn::Mul(quiet, hn::Set(d, 0.63661975f));
       n[k] = hn::PromoteTo(wide, hn::Sub(hn::Add(turns, rounder), rounder));
     }
     for (size_t k = 0; k < K; ++k) {

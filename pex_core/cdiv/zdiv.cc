@@ -24,8 +24,15 @@ HWY_INLINE V Excess(D d, V a, V b, V c) {
 #endif
 }
 
-// (n.hi - n.less)/m, where inverse is 1/m.hi rounded. What the first quotient is too large is
-// subtracted, as +0 where it is exact, so that zeros keep their sign.
+// The same with |less| at most half an ulp of hi.
+template <class D, class V>
+HWY_INLINE Reduced<V> Normalized(D d, Reduced<V> x) {
+  const V hi = hn::Sub(x.hi, x.less);
+  return {hi, hn::Add(MultiplierSub(d, hi, x.hi), x.less)};
+}
+
+// (n.hi - n.less)/m for a normalized numerator, where inverse is 1/m.hi rounded. What the first
+// quotient is too large is subtracted, as +0 where it is exact, so that zeros keep their sign.
 template <class D, class V>
 HWY_INLINE V Quotient(D d, Reduced<V> n, Pair<V> m, V inverse) {
   const V q = hn::Mul(n.hi, inverse);
@@ -36,21 +43,22 @@ HWY_INLINE V Quotient(D d, Reduced<V> n, Pair<V> m, V inverse) {
 // Common lanes have parts from 2^-240 below 2^240, so that neither products nor quotients leave the
 // normal numbers, or zero; b is not zero.
 struct ExactDiv : ComplexKernel<double> {
-  using Outside = PartsOutside<0x30F00000, 0x4EEFFFFF>;
+  using Outside = PartsOutside<0x30F00000, 0x4EEFFFFF, 8>;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> a, Complex<V> b) {
-    return Outside::Any(d, a.re, a.im, b.re, b.im);
+    return Outside::MayBeAny(d, a.re, a.im, b.re, b.im);
   }
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a, Complex<V> b) {
-    return hn::Or(IsZero(d, b), Outside::AnyButZeros(d, a.re, a.im, b.re, b.im));
+    return hn::Or(IsZero(d, b), Outside::Any(d, a.re, a.im, b.re, b.im));
   }
   template <class D, class V>
   static HWY_INLINE void Main(D d, Complex<V> a, Complex<V> b, Complex<V>& r) {
     const ProductParts<V> n = ExactProduct<true>(d, a, b);
     const Pair<V> m = SumOfSquares(d, b);
     const V inverse = hn::Div(hn::Set(d, 1.0), m.hi);
-    r = {Quotient(d, n.re, m, inverse), Quotient(d, n.im, m, inverse)};
+    r = {Quotient(d, Normalized(d, n.re), m, inverse),
+         Quotient(d, Normalized(d, n.im), m, inverse)};
   }
   static Complex<double> Rare(Complex<double> a, Complex<double> b) { return zDivScalar(a, b); }
 };

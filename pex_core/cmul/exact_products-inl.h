@@ -15,7 +15,7 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// hi - less, where |less| is at most half an ulp of hi.
+// hi - less.
 template <class V>
 struct Reduced {
   V hi, less;
@@ -34,17 +34,39 @@ HWY_INLINE Reduced<V> LessProduct(D d, V a, V b) {
 #endif
 }
 
+// a + b and a - b as fused operations where there are such: the product with 1 is exact, so that
+// the result is the same, and it comes from the multipliers, while the adders have more to do.
+template <class D, class V>
+HWY_INLINE V MultiplierAdd(D d, V a, V b) {
+#if HWY_TARGET == HWY_SSE4
+  (void)d;
+  return hn::Add(a, b);
+#else
+  return hn::MulAdd(a, hn::Set(d, 1.0), b);
+#endif
+}
+template <class D, class V>
+HWY_INLINE V MultiplierSub(D d, V a, V b) {
+#if HWY_TARGET == HWY_SSE4
+  (void)d;
+  return hn::Sub(a, b);
+#else
+  return hn::MulSub(a, hn::Set(d, 1.0), b);
+#endif
+}
+
 // p + q with a relative error below 2^-100, whatever cancels: where the leading parts do, their sum
 // is exact, and so is the sum of that and p.less when the latter matters. Corrections are
-// subtracted, as +0 where there is nothing to correct, so that sums of zeros keep their sign.
-template <class V>
-HWY_INLINE Reduced<V> SumOfProducts(Reduced<V> p, Reduced<V> q) {
+// subtracted, as +0 where there is nothing to correct, so that sums of zeros keep their sign. After
+// cancellation |less| may be as large as |hi|.
+template <class D, class V>
+HWY_INLINE Reduced<V> SumOfProducts(D d, Reduced<V> p, Reduced<V> q) {
   const V s = hn::Add(p.hi, q.hi);
   const V t = hn::Sub(s, p.hi);
-  const V less = hn::Add(hn::Sub(hn::Sub(s, t), p.hi), hn::Sub(t, q.hi));
+  const V less = hn::Add(hn::Sub(MultiplierSub(d, s, t), p.hi), MultiplierSub(d, t, q.hi));
   const V hi = hn::Sub(s, p.less);
-  const V hi_less = hn::Add(hn::Sub(hi, s), p.less);
-  return {hi, hn::Add(hn::Add(hi_less, q.less), less)};
+  const V hi_less = hn::Add(MultiplierSub(d, hi, s), p.less);
+  return {hi, hn::Add(MultiplierAdd(d, hi_less, q.less), less)};
 }
 
 template <class V>
@@ -57,11 +79,11 @@ template <bool kConjugate, class D, class V>
 HWY_INLINE ProductParts<V> ExactProduct(D d, Complex<V> a, Complex<V> b) {
   const V other = hn::Neg(kConjugate ? a.re : a.im);
   if constexpr (kConjugate) {
-    return {SumOfProducts(LessProduct(d, a.re, b.re), LessProduct(d, a.im, b.im)),
-            SumOfProducts(LessProduct(d, a.im, b.re), LessProduct(d, other, b.im))};
+    return {SumOfProducts(d, LessProduct(d, a.re, b.re), LessProduct(d, a.im, b.im)),
+            SumOfProducts(d, LessProduct(d, a.im, b.re), LessProduct(d, other, b.im))};
   } else {
-    return {SumOfProducts(LessProduct(d, a.re, b.re), LessProduct(d, other, b.im)),
-            SumOfProducts(LessProduct(d, a.re, b.im), LessProduct(d, a.im, b.re))};
+    return {SumOfProducts(d, LessProduct(d, a.re, b.re), LessProduct(d, other, b.im)),
+            SumOfProducts(d, LessProduct(d, a.re, b.im), LessProduct(d, a.im, b.re))};
   }
 }
 
@@ -79,28 +101,35 @@ HWY_INLINE MaskOf<D> IsZero(D d, Complex<V> x) {
   return hn::RebindMask(d, hn::Eq(bits, SetBits(d, 0)));
 }
 
-// Which parts of numbers are outside a range of high words, all of them or all but zeros.
-template <int32_t kLow, int32_t kHigh>
+// Rare lanes of numbers whose parts shall be 0 or have high words from kLow to kHigh. The cheap
+// test takes the 2^kLog2 exponents around 2^0: less the first of them, they have only the lowest
+// kLog2 bits, whatever the sign.
+template <int32_t kLow, int32_t kHigh, int kLog2 = 9>
 struct PartsOutside {
-  using Range = RareOutside<double, kLow, kHigh>;
+  static constexpr int kFirst = 1023 - (1 << (kLog2 - 1));
+  static_assert(kLow <= kFirst << 20 && kHigh >= ((kFirst + (1 << kLog2)) << 20) - 1);
+  template <class D, class V, class... W>
+  static HWY_INLINE MaskOf<D> MayBeAny(D d, V x, W... rest) {
+    const auto first = SetBits(d, uint64_t{kFirst} << 52);
+    const auto upper = SetBits(d, (~uint64_t{0} << (53 + kLog2)) >> 1);
+    auto joined = hn::Sub(Bits(d, x), first);
+    ((joined = hn::Or(joined, hn::Sub(Bits(d, rest), first))), ...);
+#if HWY_TARGET == HWY_AVX3
+    return MaskOf<D>{_mm512_test_epi64_mask(joined.raw, upper.raw)};
+#else
+    return hn::RebindMask(d, hn::Gt(hn::And(joined, upper), SetBits(d, 0)));
+#endif
+  }
   template <class D, class V, class... W>
   static HWY_INLINE MaskOf<D> Any(D d, V x, W... rest) {
-    return KeyAbove(d, JoinedKey(d, x, rest...), Range::kLimit);
-  }
-  template <class D, class V, class... W>
-  static HWY_INLINE MaskOf<D> AnyButZeros(D d, V x, W... rest) {
-    const auto one_for_zero = [d](V v) HWY_ATTR {
-      return hn::IfThenElse(hn::Eq(v, hn::Zero(d)), hn::Set(d, 1.0), v);
+    using Range = RareOutside<double, kLow, kHigh>;
+    const auto key = [d](V v) HWY_ATTR {
+      const V one_for_zero = hn::IfThenElse(hn::Eq(v, hn::Zero(d)), hn::Set(d, 1.0), v);
+      return Range::Key(d, hn::Abs(one_for_zero));
     };
-    return LanesAbove(d, JoinedKey(d, one_for_zero(x), one_for_zero(rest)...), Range::kLimit);
-  }
-
- private:
-  template <class D, class V, class... W>
-  static HWY_INLINE BitsOf<D> JoinedKey(D d, V x, W... rest) {
-    auto key = Range::Key(d, hn::Abs(x));
-    ((key = JoinKeys(d, key, Range::Key(d, hn::Abs(rest)))), ...);
-    return key;
+    auto joined = key(x);
+    ((joined = JoinKeys(d, joined, key(rest))), ...);
+    return LanesAbove(d, joined, Range::kLimit);
   }
 };
 

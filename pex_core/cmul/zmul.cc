@@ -18,11 +18,11 @@ struct ExactMul : ComplexKernel<double> {
   using Outside = PartsOutside<0x21B00000, 0x5FDFFFFF>;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> a, Complex<V> b) {
-    return Outside::Any(d, a.re, a.im, b.re, b.im);
+    return Outside::MayBeAny(d, a.re, a.im, b.re, b.im);
   }
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a, Complex<V> b) {
-    return Outside::AnyButZeros(d, a.re, a.im, b.re, b.im);
+    return Outside::Any(d, a.re, a.im, b.re, b.im);
   }
   template <class D, class V>
   static HWY_INLINE void Main(D d, Complex<V> a, Complex<V> b, Complex<V>& r) {

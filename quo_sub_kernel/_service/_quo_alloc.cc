@@ -11,8 +11,10 @@
 
 namespace {
 
-constexpr int32_t kAlignment = 32;
-constexpr int32_t kHeaderBytes = sizeof(StreamState);
+using quo::kAlignment;
+using quo::kHeaderBytes;
+using quo::StateBytes;
+using quo::StateOf;
 constexpr int32_t kHeaderWord = 1;
 
 static_assert(sizeof(StreamState) == 16 && offsetof(StreamState, chunks) == 8);
@@ -25,16 +27,6 @@ T* Allocate(size_t bytes) {
 
 void Free(void* block) {
   if (block != nullptr) kro_serv_kro_free(block);
-}
-
-// A registered generator may claim fewer bytes than the header needs.
-size_t StreamBytes(const BrngProperties& brng) {
-  return static_cast<size_t>(std::max(brng.StateSize, kHeaderBytes));
-}
-
-char* StateOf(StreamState* stream) { return reinterpret_cast<char*>(stream) + kHeaderBytes; }
-const char* StateOf(const StreamState* stream) {
-  return reinterpret_cast<const char*>(stream) + kHeaderBytes;
 }
 
 // Pushes copies of the source's chunks one by one, which reverses their order. When memory runs
@@ -68,7 +60,7 @@ int32_t __quoAllocateStream(StreamState** stream, const BrngProperties* table, i
   *stream = nullptr;
   const int32_t status = __quoIsBrngValid(table, row, member);
   if (status != QUO_OK) return status;
-  auto* block = Allocate<StreamState>(StreamBytes(table[row]));
+  auto* block = Allocate<StreamState>(kHeaderBytes + StateBytes(table[row]));
   if (block == nullptr) return QUO_NO_MEMORY;
   block->id = id;
   block->header = kHeaderWord;
@@ -103,7 +95,7 @@ int32_t __quoCopyStream(StreamState** copy, const StreamState* source) {
   const BrngProperties* table = __quoGetBrngBaseOffset(source->id, &row, &member);
   int32_t status = __quoAllocateStream(copy, table, source->id, row, member);
   if (status != QUO_OK) return status;
-  std::memcpy(*copy, source, StreamBytes(table[row]));
+  std::memcpy(*copy, source, kHeaderBytes + StateBytes(table[row]));
   (*copy)->chunks = nullptr;
   status = CopyChunks(*copy, source);
   if (status != QUO_OK) __quoDeleteStream(copy);
@@ -121,7 +113,7 @@ int32_t __quoCopyStreamState(StreamState* destination, const StreamState* source
   __quoGetBrngBaseOffset(source->id, &from_row, &member);
 
   // The seeds of the source, as far as both streams have room. (WH counts 64 bytes and has 32.)
-  const size_t room = std::min(StreamBytes(*to), StreamBytes(*from)) - kHeaderBytes;
+  const size_t room = std::min(StateBytes(*to), StateBytes(*from));
   const size_t seeds = static_cast<size_t>(from->WordBytes) * static_cast<size_t>(from->SeedCount);
   std::memcpy(StateOf(destination), StateOf(source), std::min(room, seeds));
 

@@ -17,20 +17,20 @@ int32_t NoInteger(StreamState*, int32_t, uint32_t*) { return QUO_INVALID_BRNG; }
 //                               StateSize SeedCount ZeroPossible WordBytes BitCount
 constexpr BrngProperties kMCG31M1 = {24, 1, 0, 4, 31, QUO_SLOTS(MCG31M1)};
 
-constexpr BrngProperties kR250 = {1024, 252, 1, 4, 32, QUO_NO_SLOTS};
-constexpr BrngProperties kMRG32K3A = {40, 6, 1, 4, 32, QUO_NO_SLOTS};
+constexpr BrngProperties kR250 = {1024, 252, 1, 4, 32, QUO_SLOTS(R250)};
+constexpr BrngProperties kMRG32K3A = {40, 6, 1, 4, 32, QUO_SLOTS(MRG32K3A)};
 
 constexpr BrngProperties kMCG59 = {32, 1, 0, 8, 59, QUO_SLOTS(MCG59)};
 constexpr BrngProperties kWH = {48, 4, 1, 16, 24, QUO_SLOTS(WH)};
 constexpr BrngProperties kSobol = {10592, 2604, 0, 4, 32, QUO_NO_SLOTS};
 constexpr BrngProperties kNiederr = {43280, 10498, 0, 4, 32, QUO_NO_SLOTS};
 
-constexpr BrngProperties kMT19937 = {2520, 625, 1, 4, 32, QUO_NO_SLOTS};
-constexpr BrngProperties kMT2203 = {312, 70, 1, 4, 32, QUO_NO_SLOTS};
+constexpr BrngProperties kMT19937 = {2520, 625, 1, 4, 32, QUO_SLOTS(MT19937)};
+constexpr BrngProperties kMT2203 = {312, 70, 1, 4, 32, QUO_SLOTS(MT2203)};
 
-constexpr BrngProperties kIAbstract = {48, 0, 1, 4, 32, QUO_NO_SLOTS};
-constexpr BrngProperties kDAbstract = {64, 0, 1, 4, 32, QUO_NO_SLOTS};
-constexpr BrngProperties kSAbstract = {56, 0, 1, 4, 32, QUO_NO_SLOTS};
+constexpr BrngProperties kIAbstract = {48, 0, 1, 4, 32, QUO_SLOTS(iAbstract)};
+constexpr BrngProperties kDAbstract = {64, 0, 1, 4, 32, QUO_SLOTS(dAbstract)};
+constexpr BrngProperties kSAbstract = {56, 0, 1, 4, 32, QUO_SLOTS(sAbstract)};
 
 }  // namespace
 

@@ -33,20 +33,6 @@ struct Pair {
   }
 };
 
-// n outputs into the middle of a buffer that starts `shift` bytes off alignment: the same as
-// `expected`, and the bytes around them untouched.
-template <typename T, class Draw>
-void ExpectDraw(const std::vector<T>& expected, size_t shift, Draw draw) {
-  const size_t bytes = expected.size() * sizeof(T);
-  std::vector<char> buffer(bytes + 256, 0x5A);
-  char* const r = buffer.data() + 64 + shift;
-  ASSERT_EQ(draw(reinterpret_cast<T*>(r)), QUO_OK);
-  EXPECT_EQ(std::string(r, bytes), Bits(expected)) << expected.size() << " elements";
-  const std::string around(64 + shift, 0x5A);
-  EXPECT_EQ(std::string(buffer.data(), around.size()), around);
-  EXPECT_EQ(std::string(r + bytes, around.size()), around);
-}
-
 void ExpectAllOutputs(const Generator& g, Pair pair, int n, size_t shift, double a, double b) {
   StreamState* const s = pair.stream.get();
   ExpectDraw(pair.reference.Words(n), shift, [&](uint32_t* r) { return g.ibrng(s, n, r); });

@@ -1,4 +1,5 @@
 // Known answers: the first outputs of streams, and digests of the first million, on every level.
+#include <cctype>
 #include <cstdlib>
 #include <fstream>
 #include <memory>
@@ -38,7 +39,7 @@ std::vector<T> Numbers(std::istream& in) {
   return r;
 }
 
-void Check(const std::string& file) {
+void Check(const std::string& file, const Generator& generator) {
   SCOPED_TRACE(file);
   std::ifstream in(std::string(KAT_FOLDER) + "/" + file);
   ASSERT_TRUE(in) << "no such file";
@@ -55,7 +56,7 @@ void Check(const std::string& file) {
       words >> std::hex >> id >> std::dec;
       std::vector<uint32_t> seed;
       for (uint32_t s; words >> s;) seed.push_back(s);
-      g = file == "mcg31m1.kat" ? Mcg31m1() : file == "mcg59.kat" ? Mcg59() : Wh(0);
+      g = generator;
       g.id = id;
       start = std::make_unique<Stream>(g, seed);
     } else if (key == "leapfrog") {
@@ -67,6 +68,10 @@ void Check(const std::string& file) {
       uint64_t count;
       words >> count;
       start->SkipAhead(count);
+    } else if (key == "drawn") {
+      int32_t count;
+      words >> count;
+      start->Words(count);
     } else if (key == "words") {
       std::vector<uint32_t> expected;
       for (uint64_t w; words >> w;) {
@@ -105,9 +110,13 @@ void Check(const std::string& file) {
   EXPECT_GE(checks, 4 * 8);
 }
 
-TEST(KnownAnswers, Mcg31m1) { Check("mcg31m1.kat"); }
-TEST(KnownAnswers, Mcg59) { Check("mcg59.kat"); }
-TEST(KnownAnswers, Wh) { Check("wh.kat"); }
+TEST(KnownAnswers, Mcg31m1) { Check("mcg31m1.kat", Mcg31m1()); }
+TEST(KnownAnswers, R250) { Check("r250.kat", R250()); }
+TEST(KnownAnswers, Mrg32k3a) { Check("mrg32k3a.kat", Mrg32k3a()); }
+TEST(KnownAnswers, Mcg59) { Check("mcg59.kat", Mcg59()); }
+TEST(KnownAnswers, Wh) { Check("wh.kat", Wh(0)); }
+TEST(KnownAnswers, Mt19937) { Check("mt19937.kat", Mt19937()); }
+TEST(KnownAnswers, Mt2203) { Check("mt2203.kat", Mt2203(0)); }
 
 }  // namespace
 }  // namespace quo::test

@@ -1,5 +1,5 @@
-// The congruential generators element by element, straight from their definitions, streams made by
-// hand for them, and the vector levels to run them on.
+// Streams made by hand for the generators, the congruential ones element by element, straight from
+// their definitions, and the vector levels to run them on.
 #ifndef TESTS_GENERATORS_REFERENCE_H_
 #define TESTS_GENERATORS_REFERENCE_H_
 
@@ -44,7 +44,7 @@ struct Generator {
   int32_t (*dbrng)(StreamState*, int32_t, double*, double, double);
   int32_t (*sbrng)(StreamState*, int32_t, float*, float, float);
   int32_t (*ibrng)(StreamState*, int32_t, uint32_t*);
-  std::vector<Component> start;  // x = 1 and the base multipliers
+  std::vector<Component> start;  // congruential: x = 1 and the base multipliers
 };
 
 inline void PrintTo(const Generator& g, std::ostream* out) {
@@ -92,6 +92,25 @@ inline Generator Wh(int member, bool legacy = false) {
 
 inline std::vector<Generator> Generators() {
   return {Mcg31m1(), Mcg59(), Wh(0), Wh(5), Wh(136), Wh(272, true)};
+}
+
+#define QUO_GENERATOR_UNDER_TEST(G, id, state_bytes)                                       \
+  {                                                                                        \
+#G, id, state_bytes, 1, false, __quoBRng##G##InitStream, __quodBRng##G, __quosBRng##G, \
+        __quoiBRng##G, {}                                                                  \
+  }
+inline Generator R250() { return QUO_GENERATOR_UNDER_TEST(R250, QUO_BRNG_R250, 1008); }
+inline Generator Mrg32k3a() { return QUO_GENERATOR_UNDER_TEST(MRG32K3A, QUO_BRNG_MRG32K3A, 24); }
+
+inline Generator Mt19937() { return QUO_GENERATOR_UNDER_TEST(MT19937, QUO_BRNG_MT19937, 2504); }
+inline Generator Mt2203(int member) {
+  return QUO_GENERATOR_UNDER_TEST(MT2203, QUO_BRNG_MT2203 + member, 296);
+}
+
+inline std::vector<Generator> AllGenerators() {
+  std::vector<Generator> all = Generators();
+  all.insert(all.end(), {R250(), Mrg32k3a(), Mt19937(), Mt2203(1)});
+  return all;
 }
 
 // A stream block as its creator makes it, with the state filled with rubbish until it is seeded.
@@ -144,7 +163,7 @@ class Stream {
 
  private:
   const Generator* g_;
-  alignas(32) unsigned char block_[128];
+  alignas(32) unsigned char block_[4096];
 };
 
 // The same by the definition, one element at a time.
@@ -235,6 +254,20 @@ class Reference {
 template <typename T>
 std::string Bits(const std::vector<T>& v) {
   return std::string(reinterpret_cast<const char*>(v.data()), v.size() * sizeof(T));
+}
+
+// n outputs into the middle of a buffer that starts `shift` bytes off alignment: the same as
+// `expected`, and the bytes around them untouched.
+template <typename T, class Draw>
+void ExpectDraw(const std::vector<T>& expected, size_t shift, Draw draw) {
+  const size_t bytes = expected.size() * sizeof(T);
+  std::vector<char> buffer(bytes + 256, 0x5A);
+  char* const r = buffer.data() + 64 + shift;
+  ASSERT_EQ(draw(reinterpret_cast<T*>(r)), QUO_OK);
+  EXPECT_TRUE(std::string(r, bytes) == Bits(expected)) << expected.size() << " elements";
+  const std::string around(64 + shift, 0x5A);
+  EXPECT_EQ(std::string(buffer.data(), around.size()), around);
+  EXPECT_EQ(std::string(r + bytes, 64), around.substr(0, 64));
 }
 
 // Each vector level that the machine has.

@@ -2,46 +2,15 @@
 // until none does. Nothing may leak, crash, or be left half done.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <functional>
-#include <unordered_set>
 #include <vector>
 
 #include "pexquo/kro.h"
 #include "pexquo/quo.h"
+#include "tests/streams/counted_memory.h"
+#include "tests/streams/files.h"
 #include "tests/streams/scripted_generator.h"
-
-namespace {
-
-struct Memory {
-  std::unordered_set<void*> live;
-  int countdown = 0;  // this allocation from now fails, 0 for none
-  bool failed = false;
-  int wrong_alignment = 0, wrong_free = 0;
-};
-Memory memory;
-
-}  // namespace
-
-void* kro_serv_kro_malloc(size_t size, int32_t alignment) {
-  if (alignment != 32) ++memory.wrong_alignment;
-  if (memory.countdown > 0 && --memory.countdown == 0) {
-    memory.failed = true;
-    return nullptr;
-  }
-  void* p = nullptr;
-  if (posix_memalign(&p, 32, size == 0 ? 1 : size) != 0) std::abort();
-  std::memset(p, 0xEE, size);
-  memory.live.insert(p);
-  return p;
-}
-
-void kro_serv_kro_free(void* p) {
-  if (p == nullptr) return;
-  if (memory.live.erase(p) == 0) ++memory.wrong_free;
-  std::free(p);
-}
 
 namespace {
 
@@ -149,6 +118,45 @@ TEST(Allocation, FailsForAStateCopy) {
                        }),
               6);
   }
+}
+
+TEST(Allocation, FailsForAFile) {
+  const files::TemporaryFile file;
+  const auto length = static_cast<int32_t>(std::strlen(file.path()));
+  EXPECT_EQ(FailEach([&] { return __quoSaveStreamF(source, file.path(), length); },
+                     [](bool) { __quoDeleteStream(&source); },
+                     [] {
+                       __quoNewStreamEx(&source, 0x500000, 4, kSeeds);
+                       AddChunks(source, 3);
+                     }),
+            1)
+      << "the name";
+  StreamState* loaded = nullptr;
+  EXPECT_EQ(FailEach([&] { return __quoLoadStreamF(&loaded, file.path(), length); },
+                     [&](bool failed) {
+                       EXPECT_EQ(loaded == nullptr, failed);
+                       __quoDeleteStream(&loaded);
+                     }),
+            8)
+      << "the name, the stream, three blocks, three nodes";
+}
+
+TEST(Allocation, FailsForAnAbstractStream) {
+  double d[1];
+  float s[1];
+  uint32_t i[1];
+  const auto settle = [](bool failed) {
+    EXPECT_EQ(source == nullptr, failed);
+    __quoDeleteStream(&source);
+  };
+  const RefillD refill_d = [](auto...) { return 1; };
+  const RefillS refill_s = [](auto...) { return 1; };
+  const RefillI refill_i = [](auto...) { return 1; };
+  EXPECT_EQ(
+      FailEach([&] { return __quodNewAbstractStream(&source, 1, d, 0, 1, refill_d); }, settle), 1);
+  EXPECT_EQ(
+      FailEach([&] { return __quosNewAbstractStream(&source, 1, s, 0, 1, refill_s); }, settle), 1);
+  EXPECT_EQ(FailEach([&] { return __quoiNewAbstractStream(&source, 1, i, refill_i); }, settle), 1);
 }
 
 // No distribution call of this family takes memory.

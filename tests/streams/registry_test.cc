@@ -57,6 +57,9 @@ TEST(Registry, HoldsEveryBuiltInRow) {
   EXPECT_SLOTS(0, MCG31M1);
   EXPECT_SLOTS(3, MCG59);
   EXPECT_SLOTS(4, WH);
+  EXPECT_SLOTS(9, iAbstract);
+  EXPECT_SLOTS(10, dAbstract);
+  EXPECT_SLOTS(11, sAbstract);
 }
 
 TEST(Registry, HoldsEveryLegacyRow) {

@@ -4,45 +4,13 @@
 #include <cstring>
 #include <vector>
 
-#include "pexquo/kro.h"
 #include "pexquo/quo.h"
 #include "tests/streams/scripted_generator.h"
+#include "tests/streams/streams.h"
 
 namespace {
 
-// A stream that is deleted at the end.
-struct Owned {
-  StreamState* p = nullptr;
-  Owned() = default;
-  explicit Owned(int32_t id, std::vector<uint32_t> seeds = {7, 8, 9, 10}) {
-    EXPECT_EQ(__quoNewStreamEx(&p, id, static_cast<int32_t>(seeds.size()), seeds.data()), QUO_OK);
-  }
-  ~Owned() { __quoDeleteStream(&p); }
-  Owned(const Owned&) = delete;
-  operator StreamState*() const { return p; }
-  unsigned char* state() const { return reinterpret_cast<unsigned char*>(p) + 16; }
-};
-
-void AddChunk(StreamState* stream, uint32_t key, uint32_t size, int fill) {
-  void* data = kro_serv_kro_malloc(size, 32);
-  std::memset(data, fill, size);
-  ASSERT_EQ(__quoAddChunk(stream, key, data, size), QUO_OK);
-}
-
-std::vector<uint32_t> Keys(const StreamState* stream) {
-  std::vector<uint32_t> keys;
-  for (const StreamChunk* c = stream->chunks; c != nullptr; c = c->next) keys.push_back(c->key);
-  EXPECT_EQ(__quoGetNumChunks(stream), static_cast<int32_t>(keys.size()));
-  return keys;
-}
-
-std::vector<double> Draw(StreamState* stream, int32_t n) {
-  std::vector<double> r(static_cast<size_t>(n));
-  EXPECT_EQ(_quodRngUniform(0, stream, n, r.data(), 0, 1), QUO_OK);
-  return r;
-}
-
-using Words = std::vector<uint32_t>;
+using namespace streams;
 
 TEST(Stream, KeepsTheIdentifierAsGiven) {
   for (const int32_t id : {0, 0x100000, 3, 0x400000, 4, 276, 0x500000, 0x500000 + 272}) {

@@ -161,10 +161,10 @@ HWY_INLINE Pair<V> AtanQuotient(D d, Pair<VecOf<D>> n, Pair<VecOf<D>> m) {
   return {t, hn::Mul(rest, inverse)};
 }
 
-// atan(a), a >= 0: at most 0.51 ulp. a - c is exact, for a is less than twice c and c less than
-// twice a.
-template <class D, class V, size_t K>
-HWY_INLINE void FullAtan(D d, const V (&a)[K], V (&r)[K]) {
+// atan(a), a >= 0, with the coefficients kAtanHA: at most 0.51 ulp. a - c is exact, for a is less
+// than twice c and c less than twice a.
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void FullAtan(D d, const V (&a)[K], const double (&coefficients)[N], V (&r)[K]) {
   Pair<V> t[K];
   V lead[K], tail[K], angle[K], rest[K];
   for (size_t k = 0; k < K; ++k) {
@@ -177,7 +177,7 @@ HWY_INLINE void FullAtan(D d, const V (&a)[K], V (&r)[K]) {
                         {m.hi, hn::Add(m.lo, p.lo)});
     lead[k] = t[k].hi;
   }
-  AtanTail(d, lead, kAtanHA, tail);
+  AtanTail(d, lead, coefficients, tail);
   for (size_t k = 0; k < K; ++k) {
     const Pair<V> s = FastTwoSum(angle[k], lead[k]);
     r[k] = hn::Add(s.hi, hn::Add(s.lo, hn::Add(tail[k], hn::Add(t[k].lo, rest[k]))));

@@ -1,0 +1,96 @@
+// What the Mersenne twisters share beside their vector code: seeding and tempering by the
+// definition.
+//
+// A twister's State is what stands behind the stream's head. It offers
+//   kN, kM, kUpper   state words, offset of the middle word, mask of the bits taken from the older
+//                    word;
+//   kU               the first tempering shift;
+//   mt, mti          the block of words and the index of the next one to deliver;
+//   words()          twist matrix word and tempering masks.
+#ifndef QUO_SUB_KERNEL__MATH_MERSENNE_H_
+#define QUO_SUB_KERNEL__MATH_MERSENNE_H_
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "pexquo/quo.h"
+
+namespace quo {
+
+// Twist matrix word a, tempering masks b and c.
+struct TwisterWords {
+  uint32_t a, b, c;
+};
+
+// Tempering: the first shift is the twister's, the others are common.
+inline constexpr int kTemperS = 7, kTemperT = 15, kTemperL = 18;
+
+template <class State>
+constexpr uint32_t Temper(uint32_t y, TwisterWords words) {
+  y ^= y >> State::kU;
+  y ^= (y << kTemperS) & words.b;
+  y ^= (y << kTemperT) & words.c;
+  return y ^ (y >> kTemperL);
+}
+
+// What seeding makes of the word before: the top bits, which alone tell long-lived differences,
+// reach the low ones.
+constexpr uint32_t Folded(uint32_t x) { return x ^ (x >> 30); }
+
+// The block that the key is mixed into: the same for every key, and a shorter block is the start of
+// a longer one.
+inline constexpr auto kUnseeded = [] {
+  std::array<uint32_t, 624> mt{19650218};
+  for (uint32_t i = 1; i < mt.size(); ++i) mt[i] = 1812433253 * Folded(mt[i - 1]) + i;
+  return mt;
+}();
+
+// Seeding by an array: M. Matsumoto and T. Nishimura, the initialisation of January 2002 of
+// "Mersenne Twister", ACM TOMACS 8 (1998) 3-30. No key counts as the key 1. Each word waits for the
+// one before it, so the time is that of N + max(N, n) - 1 dependent steps.
+template <class State>
+void SeedTwister(State* state, int32_t n, const uint32_t* params) {
+  constexpr size_t kN = State::kN;
+  static constexpr uint32_t kNoKey[] = {1};
+  const uint32_t* const key = n < 1 ? kNoKey : params;
+  const size_t length = n < 1 ? 1 : static_cast<size_t>(n);
+  uint32_t* const mt = state->mt;
+  std::memcpy(mt, kUnseeded.data(), sizeof(state->mt));
+  uint32_t x = mt[0];
+  size_t i = 1;
+  const auto next = [&i] { i = i + 1 < kN ? i + 1 : 1; };
+  size_t j = 0;
+  for (size_t k = std::max(kN, length); k != 0; --k, next()) {
+    x = mt[i] = (mt[i] ^ Folded(x) * 1664525) + (key[j] + static_cast<uint32_t>(j));
+    j = j + 1 < length ? j + 1 : 0;
+  }
+  for (size_t k = kN - 1; k != 0; --k, next()) {
+    x = mt[i] = (mt[i] ^ Folded(x) * 1566083941) - static_cast<uint32_t>(i);
+  }
+  mt[0] = 0x80000000;  // never all zero
+  state->mti = kN;
+  state->reserved = 0;
+}
+
+// InitStream: the twisters neither leap nor skip.
+template <class State>
+int32_t InitTwister(int32_t method, State* state, int32_t n, const uint32_t* params) {
+  switch (method) {
+    case QUO_INIT_STANDARD:
+      SeedTwister(state, n, params);
+      return QUO_OK;
+    case QUO_INIT_LEAPFROG:
+      return QUO_LEAPFROG_UNSUPPORTED;
+    case QUO_INIT_SKIPAHEAD:
+      return QUO_SKIPAHEAD_UNSUPPORTED;
+    default:
+      return QUO_BAD_METHOD;
+  }
+}
+
+}  // namespace quo
+
+#endif  // QUO_SUB_KERNEL__MATH_MERSENNE_H_
