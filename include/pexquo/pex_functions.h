@@ -279,8 +279,8 @@ PEXQUO_API int _pexsAsin_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsAsin_HA(int32_t n, const float* a, float* r);
 
 /* Atan: r[i] = the arc tangent of a, in [-pi/2, pi/2]. Keeps the sign of zero. Reports nothing.
-   Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA 0.50001 ulp, _21 2
-   ulp, _11 at least 11 bits. */
+   Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded,
+   _21 2 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdAtan_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdAtan_50(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdAtan_HA(int32_t n, const double* a, double* r);

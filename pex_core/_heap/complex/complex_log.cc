@@ -92,7 +92,11 @@ SinCosPair SinCosOf(Pair x) {
 // Powers with an infinity, a NaN or a zero among the parts: e^(b ln a) in plain arithmetic.
 ComplexExtended PowSpecial(double a_re, double a_im, double b_re, double b_im) {
   if (IsZero(b_re) && IsZero(b_im)) return {1, 0};
-  const ComplexExtended log = _pexclog_scalar(a_re, a_im);
+  // 0^b is infinite, and divide-by-zero raised, for a negative real part of b alone.
+  const bool vanishes =
+      IsZero(a_re) && IsZero(a_im) && !(IsFinite(b_re) && IsNegative(b_re) && !IsZero(b_re));
+  const ComplexExtended log = vanishes ? ComplexExtended{-kInfinity, _pexatan2l_scalar(a_im, a_re)}
+                                       : _pexclog_scalar(a_re, a_im);
   const auto rounded = [](long double x) { return static_cast<double>(x); };
   if (IsZero(b_im)) return _pexcexpl_scalar(rounded(b_re * log.re), rounded(b_re * log.im));
   if (IsZero(b_re)) return _pexcexpl_scalar(rounded(-b_im * log.im), rounded(b_im * log.re));

@@ -12,8 +12,7 @@ pex::ComplexExtended Special(double x, double y) {
   if (IsInfinite(x)) {
     const long double other = IsNaN(y) ? Quiet(y, y) : WithSign(0, y);
     if (!IsNegative(x)) return {kInfinity, other};
-    return IsNaN(y) ? pex::ComplexExtended{other, kInfinity}
-                    : pex::ComplexExtended{0, WithSign(kInfinity, y)};
+    return {IsNaN(y) ? other : 0, WithSign(kInfinity, y)};
   }
   const long double nan = Quiet(x, y);
   return {nan, nan};

@@ -258,8 +258,8 @@ struct ComplexSqrt {
 
 using ArcRange = PartRange<-200, 200>;
 
-// asin(a + ib) = atan(a/root) + i log for a, b >= 0, as in complex_arc.cc. Numbers far below all
-// others keep denominators from 0.
+// asin(a + ib) = atan(a/root) + i log for a, b >= 0, as in complex_arc.cc. A number far below all
+// others keeps a denominator from 0.
 template <class N>
 struct Arc {
   N root, log;
@@ -276,8 +276,8 @@ HWY_INLINE Arc<N> ArcOf(D d, V a, V b) {
   const N r = Root(d, Plus(d, Times(d, more, more), b2));
   const N s = Root(d, Plus(d, Times(d, less, less), b2));
   const N from_r = Over(d, b2, Plus(d, r, more));
-  const N s_more = Plus(d, Plus(d, s, less), From<N>(d, hn::Set(d, 0x1p-500)));
-  const N s_less = Over(d, b2, s_more);
+  const N s_more = Plus(d, s, less);
+  const N s_less = Over(d, b2, Plus(d, s_more, From<N>(d, hn::Set(d, 0x1p-500))));
   const N A = Scaled(d, Plus(d, r, s), 0.5);
   const N over_one = Scaled(d, Plus(d, from_r, Select(d, below, s_less, s_more)), 0.5);
   const N over_a = Scaled(d, Plus(d, from_r, Select(d, below, s_more, s_less)), 0.5);
