@@ -41,9 +41,10 @@ struct PowKernelOf : ComplexKernel<Element, double> {
     const auto outside = hn::Or(
         hn::Or(BaseRange::LanesOutside(d, a.re), BaseRange::LanesOutside(d, a.im)),
         hn::Or(ExponentPartRange::LanesOutside(d, b.re), ExponentPartRange::LanesOutside(d, b.im)));
-    const auto rare = hn::Or(outside, IsPoint(d, a, 0));
+    const auto rare = hn::Or(outside, hn::Or(IsPoint(d, a, 0), IsPoint(d, b, 0)));
     const V one = hn::Set(d, T(1));
-    const V size = hn::IfThenElse(rare, one, hn::Max(hn::Abs(a.re), hn::Abs(a.im)));
+    const V size =
+        hn::Max(hn::IfThenElse(rare, one, hn::Abs(a.re)), hn::IfThenElse(rare, one, hn::Abs(a.im)));
     const V b_re = hn::IfThenZeroElse(rare, hn::Abs(b.re));
     const V b_im = hn::IfThenZeroElse(rare, hn::Abs(b.im));
     // |ln a| <= (|e| + 3/2) ln 2 + pi.
@@ -73,7 +74,12 @@ struct PowKernelOf : ComplexKernel<Element, double> {
     // A term of zero must not change the sign of the other, which may be zero too.
     const auto real = hn::Eq(b.im, hn::Zero(d));
     const N across = Select(d, real, From<N>(d, hn::Set(d, -0.0)), Times(d, size, b.im));
-    const N im = Normalized(d, Plus(d, Times(d, angle, b.re), across));
+    const N sum = Plus(d, Times(d, angle, b.re), across);
+    N im = Normalized(d, sum);
+    if constexpr (kIsPair<N, D>) {
+      const V signed_zero = hn::And(sum.hi, hn::SignBit(d));
+      im.hi = hn::IfThenElse(hn::Eq(im.hi, hn::Zero(d)), signed_zero, im.hi);
+    }
     const N e = ExpOf(d, re);
     const auto v = SinCosOf<true>(d, im);
     return {Product(d, e, v.cos), Product(d, e, v.sin)};
