@@ -8,10 +8,12 @@
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/atan-inl.h"
+#include "pex_core/_heap/real/exp_single-inl.h"
 #include "pex_core/_heap/real/hyperbolic-inl.h"
 #include "pex_core/_heap/real/log-inl.h"
 #include "pex_core/_heap/real/pow-inl.h"
 #include "pex_core/_heap/real/trig_quarter-inl.h"
+#include "pex_core/_heap/real/trig_single_polynomials.h"
 #include "pex_core/_heap/real/trig_sixteenth-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
 
@@ -237,6 +239,17 @@ HWY_INLINE VecOf<D> ExpOf(D d, VecOf<D> x) {
   return r[0];
 }
 
+// e^x of an x that was double, or of one that was single where N is plain.
+template <class N, class D>
+HWY_INLINE N ExpOfArgument(D d, VecOf<D> x) {
+  if constexpr (kIsPair<N, D>) {
+    return ExpOf(d, PairOf<D>{x, hn::Zero(d)});
+  } else {
+    const auto [s, p] = ExpReduceWide(d, x);
+    return hn::Add(hn::Mul(s, p), s);
+  }
+}
+
 // sinh x and cosh x.
 template <class N>
 struct SinhCosh {
@@ -308,10 +321,10 @@ HWY_INLINE SineCosine<VecOf<D>> SinCosOf(D d, VecOf<D> y) {
   using V = VecOf<D>;
   const V in[1] = {y};
   Quarters<D, 1> u;
-  QuarterLA::Reduce(d, in, u);
-  const V r = u.y[0], r2 = hn::Mul(r, r);
-  const V s = hn::Add(r, hn::Add(hn::Mul(hn::Mul(r, r2), Horner(d, r2, kSinQuarter)), u.rest[0]));
-  const V c = hn::Add(hn::Set(d, 1.0), hn::Mul(r2, Horner(d, r2, kCosQuarter)));
+  QuarterEP::Reduce(d, in, u);
+  const V r = u.y[0], r2 = hn::Mul(r, r), r4 = hn::Mul(r2, r2);
+  const V s = hn::Add(r, hn::Mul(hn::Mul(r, r2), EvenOdd(d, r2, r4, sQuarterSinHAPolynomial)));
+  const V c = hn::Add(hn::Set(d, 1.0), hn::Mul(r2, EvenOdd(d, r2, r4, sQuarterCosHAPolynomial)));
   const auto quadrant = u.quadrant[0];
   const auto odd = OddLanes(d, quadrant);
   const V sin = FlipSign<1>(d, hn::IfThenElse(odd, c, s), quadrant);

@@ -123,7 +123,7 @@ struct ComplexExp {
   static constexpr auto Scalar = _pexcexpl_scalar;
   template <class N, class D, class V = VecOf<D>>
   static HWY_INLINE Complex<V> Compute(D d, Complex<V> z) {
-    const N e = ExpOf(d, From<N>(d, z.re));
+    const N e = ExpOfArgument<N>(d, z.re);
     const auto v = SinCosOf(d, From<N>(d, z.im));
     return {Product(d, e, v.cos), Product(d, e, v.sin)};
   }
