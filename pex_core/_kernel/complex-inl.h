@@ -25,9 +25,8 @@
 #include <type_traits>
 
 #include "hwy/highway.h"
-#include "pex_core/_kernel/complex.h"
+#include "pex_core/_kernel/complex_lanes-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
-#include "pex_core/_kernel/hardware-inl.h"
 #include "pex_core/_kernel/plain-inl.h"
 #include "pexquo/pex.h"
 
@@ -48,116 +47,28 @@ template <typename Element, typename Compute = Element>
 struct ComplexKernel {
   using T = Element;
   using Tag = hn::Rebind<Element, hn::ScalableTag<Compute>>;
-  static constexpr int kArguments = 1;
   static constexpr bool kRealArgument = false;
   static constexpr bool kRealResult = false;
   static constexpr int kUnroll = 2;     // vectors of each part per group
   static constexpr T kHarmless = T(1);  // both parts of what stands in for rare lanes and beyond
 };
 
-// ---- Two registers of complex numbers as their real and imaginary parts, and back. ----
-//
-// Shuffles within blocks of 128 bits are the cheapest; the lanes are then in an order of their own,
-// which one more shuffle of the whole register turns into that of memory, and back.
-
-#if HWY_TARGET == HWY_SSE4
-HWY_INLINE Complex<Floats<2>> UnzipFloats(Floats<2> a, Floats<2> b) {
-  const __m128 both = _mm_unpacklo_ps(a.raw, b.raw);
-  return {{both}, {_mm_movehl_ps(both, both)}};
-}
-#endif
-HWY_INLINE Complex<Floats<4>> UnzipFloats(Floats<4> a, Floats<4> b) {
-  return {{_mm_shuffle_ps(a.raw, b.raw, 0x88)}, {_mm_shuffle_ps(a.raw, b.raw, 0xDD)}};
-}
-#if HWY_TARGET != HWY_SSE4
-using Floats8 = hn::Vec256<float>;
-HWY_INLINE Complex<Floats8> UnzipFloats(Floats8 a, Floats8 b) {
-  return {{_mm256_shuffle_ps(a.raw, b.raw, 0x88)}, {_mm256_shuffle_ps(a.raw, b.raw, 0xDD)}};
-}
-#endif
-#if HWY_TARGET == HWY_AVX3
-using Floats16 = hn::Vec512<float>;
-HWY_INLINE Complex<Floats16> UnzipFloats(Floats16 a, Floats16 b) {
-  return {{_mm512_shuffle_ps(a.raw, b.raw, 0x88)}, {_mm512_shuffle_ps(a.raw, b.raw, 0xDD)}};
-}
-#endif
-
-template <class D, class V = VecOf<D>>
-HWY_INLINE Complex<V> Unzip(D d, V a, V b) {
-  if constexpr (sizeof(hn::TFromD<D>) == 4) {
-    (void)d;
-    return UnzipFloats(a, b);
-  } else {
-    return {hn::InterleaveLower(d, a, b), hn::InterleaveUpper(d, a, b)};
-  }
-}
-
-template <class D, class V = VecOf<D>>
-HWY_INLINE void Zip(D d, Complex<V> c, V& a, V& b) {
-  a = hn::InterleaveLower(d, c.re, c.im);
-  b = hn::InterleaveUpper(d, c.re, c.im);
-}
-
-// Numbers in the order of Unzip's lanes, from that of memory, and the other way round: pairs of
-// floats move like doubles.
-template <class D, class V = VecOf<D>>
-HWY_INLINE V FromMemoryOrder(D d, V v) {
-  constexpr size_t kBytes = hn::MaxLanes(D()) * sizeof(hn::TFromD<D>);
-  (void)d;
-  if constexpr (kBytes <= 16) {
-    return v;
-  } else {
-    const hn::Repartition<double, D> wide;
-    using W = VecOf<decltype(wide)>;
-    const W w = hn::BitCast(wide, v);
-#if HWY_TARGET == HWY_AVX3
-    if constexpr (kBytes == 64) {
-      const __m512i from = _mm512_set_epi64(7, 3, 6, 2, 5, 1, 4, 0);
-      return hn::BitCast(d, W{_mm512_permutexvar_pd(from, w.raw)});
-    } else  // NOLINT
-#endif
-#if HWY_TARGET != HWY_SSE4
-      return hn::BitCast(d, W{_mm256_permute4x64_pd(w.raw, 0xD8)});
-#endif
-  }
-}
-
-template <class D, class V = VecOf<D>>
-HWY_INLINE V ToMemoryOrder(D d, V v) {
-#if HWY_TARGET == HWY_AVX3
-  if constexpr (hn::MaxLanes(D()) * sizeof(hn::TFromD<D>) == 64) {
-    const hn::Repartition<double, D> wide;
-    const __m512i from = _mm512_set_epi64(7, 5, 3, 1, 6, 4, 2, 0);
-    return hn::BitCast(
-        d, VecOf<decltype(wide)>{_mm512_permutexvar_pd(from, hn::BitCast(wide, v).raw)});
-  }
-#endif
-  return FromMemoryOrder(d, v);  // its own inverse
-}
-
-// A vector of floats as doubles, part by part, and back.
-template <class D, class V = VecOf<D>, class Wide = hn::Rebind<double, D>>
-HWY_INLINE Complex<VecOf<Wide>> Widen(D, Complex<V> x) {
-  return {hn::PromoteTo(Wide(), x.re), hn::PromoteTo(Wide(), x.im)};
-}
-template <class D, class W = VecOf<hn::Rebind<double, D>>>
-HWY_INLINE Complex<VecOf<D>> Narrow(D d, Complex<W> x) {
-  return {hn::DemoteTo(d, x.re), hn::DemoteTo(d, x.im)};
-}
-
 // ---- Operands. ----
 
-// The first `count` numbers, which may be none or more than fill the vector.
+// The first `count` numbers, which may be none or more than fill the vector, and `fill` in the
+// other lanes. Nothing else is read, or written.
 template <class D, typename T = hn::TFromD<D>>
 HWY_INLINE VecOf<D> LoadAtMost(D d, const T* from, size_t count, T fill) {
   if (count >= hn::Lanes(d)) return hn::LoadU(d, from);
   if (count == 0) return hn::Set(d, fill);
-#if HWY_TARGET == HWY_SSE4
-  if constexpr (hn::MaxLanes(D()) == 2 && sizeof(T) == 4) {
-    return VecOf<D>{_mm_set_ps(fill, fill, fill, from[0])};
-  }
-#endif
+#if HWY_TARGET == HWY_SSE4  // its masked load reads the whole vector
+  HWY_ALIGN T lanes[hn::MaxLanes(D())];
+  hn::Store(hn::Set(d, fill), d, lanes);
+  std::memcpy(lanes, from, count * sizeof(T));
+  return hn::Load(d, lanes);
+#else
   return LoadFirst(d, from, count, fill);
+#endif
 }
 
 template <class D, typename T = hn::TFromD<D>>
@@ -165,7 +76,13 @@ HWY_INLINE void StoreAtMost(D d, VecOf<D> v, size_t count, T* to) {
   if (count >= hn::Lanes(d)) {
     hn::StoreU(v, d, to);
   } else if (count > 0) {
+#if HWY_TARGET == HWY_SSE4
+    HWY_ALIGN T lanes[hn::MaxLanes(D())];
+    hn::Store(v, d, lanes);
+    std::memcpy(to, lanes, count * sizeof(T));
+#else
     hn::BlendedStore(v, hn::FirstN(d, count), d, to);
+#endif
   }
 }
 
@@ -359,8 +276,8 @@ HWY_INLINE void ComplexCompute(const typename C::OperandA (&a)[N],
   }
 }
 
-// One vector of `count` elements that may have rare lanes. Its arguments are kept, for its results
-// may overwrite them.
+// One vector of `count` elements that may have rare lanes. Its arguments are kept where there are,
+// for its results may overwrite them.
 template <class K, class A, class B>
 HWY_NOINLINE void CarefulNumbers(const ComplexCall<K, A, B>& call, size_t i, size_t count) {
   using T = typename K::T;
@@ -368,19 +285,24 @@ HWY_NOINLINE void CarefulNumbers(const ComplexCall<K, A, B>& call, size_t i, siz
   using Number = std::conditional_t<K::kRealResult, T, Complex<T>>;
   const typename K::Tag d;
   constexpr size_t kLanes = hn::MaxLanes(typename K::Tag());
-  typename A::Number as[kLanes];
-  typename B::Number bs[kLanes];
-  call.a.Copy(i, count, as);
-  call.b.Copy(i, count, bs);
   const bool whole = count == kLanes;
   typename C::OperandA a[1] = {whole ? call.a.Load(d, i)
                                      : call.a.LoadTail(d, i, count, K::kHarmless)};
   typename C::OperandB b[1] = {whole ? call.b.Load(d, i)
                                      : call.b.LoadTail(d, i, count, K::kHarmless)};
+  typename C::Result r[1];
   const auto rare = ComplexRareLanes<K, C>(a[0], b[0]);
+  if (hn::AllFalse(d, rare)) {
+    ComplexCompute<K, C>(a, b, r);
+    StoreNumbers(d, r[0], call.r, i, count);
+    return;
+  }
+  typename A::Number as[kLanes];
+  typename B::Number bs[kLanes];
+  call.a.Copy(i, count, as);
+  call.b.Copy(i, count, bs);
   a[0] = Replace(d, rare, a[0], K::kHarmless);
   b[0] = Replace(d, rare, b[0], K::kHarmless);
-  typename C::Result r[1];
   ComplexCompute<K, C>(a, b, r);
   StoreNumbers(d, r[0], call.r, i, count);
 

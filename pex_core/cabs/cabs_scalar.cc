@@ -23,7 +23,7 @@ T NotFinite(T re, T im) {
   return std::isnan(im) ? quiet_im : quiet_re;
 }
 
-[[gnu::noipa]] double Modulus(double re, double im) {
+double Modulus(double re, double im) {
   const ldbl::Pair square = ldbl::SumOfProducts(ldbl::TwoSquare(re), ldbl::TwoSquare(im));
   return static_cast<double>(ldbl::ToOdd(ldbl::Sqrt(square)));
 }
@@ -36,8 +36,7 @@ double zAbsScalar(Complex<double> a) {
   if (!std::isfinite(a.re) || !std::isfinite(a.im)) return NotFinite(a.re, a.im);
   if (a.re == 0) return std::fabs(a.im);
   if (a.im == 0) return std::fabs(a.re);
-  const X87Guard guard;
-  return Modulus(a.re, a.im);
+  return ldbl::UnderX87Guard<Modulus>(a.re, a.im);
 }
 
 }  // namespace pex

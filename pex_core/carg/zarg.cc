@@ -19,7 +19,7 @@ struct dArgLA {
 };
 
 struct dArgHA {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
     FullAtan2(d, y, x, r);

@@ -4,7 +4,6 @@
 #define HWY_TARGET_INCLUDE "pex_core/ccis/ccis.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
-#include "pex_core/_heap/real/trig_quarter-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 #include "pex_core/ccis/cis-inl.h"
 
@@ -20,7 +19,8 @@ inline constexpr double kCosine[] = {-0.5, 0.04166664568297557, -0.0013887316254
 // exact.
 struct cCISCommon : ComplexKernel<float, double> {
   static constexpr bool kRealArgument = true;
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = 8;
+  static constexpr float kTiny = 0x1p-60f;
   using Range = RareAbove<float, 0x461C4000>;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
@@ -30,33 +30,34 @@ struct cCISCommon : ComplexKernel<float, double> {
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], Complex<V> (&r)[K]) {
     const hn::Rebind<double, D> wide;
     using W = VecOf<decltype(wide)>;
-    W n[K], y[K], y2[K], sine[K], cosine[K];
+    V turns[K];
+    W y[K], y2[K], sine[K], cosine[K];
     const V rounder = hn::Set(d, 12582912.0f);
     for (size_t k = 0; k < K; ++k) {
       // The product of a tiny number would underflow.
-      const V quiet = hn::IfThenZeroElse(MagnitudeBelow(d, x[k], 0x1p-60f), x[k]);
-      const V turns = hn::Mul(quiet, hn::Set(d, 0.63661975f));
-      n[k] = hn::PromoteTo(wide, hn::Sub(hn::Add(turns, rounder), rounder));
-    }
-    for (size_t k = 0; k < K; ++k) {
+      const V quiet = hn::IfThenZeroElse(MagnitudeBelow(d, x[k], kTiny), x[k]);
+      turns[k] = hn::Add(hn::Mul(quiet, hn::Set(d, 0.63661975f)), rounder);
+      const W n = hn::PromoteTo(wide, hn::Sub(turns[k], rounder));
       const W high =
-          hn::NegMulAdd(n[k], hn::Set(wide, 0x1.921FB5444p+0), hn::PromoteTo(wide, x[k]));  // exact
-      y[k] = hn::Sub(high, hn::Mul(n[k], hn::Set(wide, 0x1.68C234C4C6629p-39)));
+          hn::NegMulAdd(n, hn::Set(wide, 0x1.921FB5444p+0), hn::PromoteTo(wide, x[k]));  // exact
+      y[k] = hn::Sub(high, hn::Mul(n, hn::Set(wide, 0x1.68C234C4C6629p-39)));
     }
     for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(y[k], y[k]);
     Horner(wide, y2, kSine, sine);
     Horner(wide, y2, kCosine, cosine);
-    const W sign_bit = hn::SignBit(wide);
     for (size_t k = 0; k < K; ++k) {
       const W s = hn::Add(y[k], hn::Mul(hn::Mul(y[k], y2[k]), sine[k]));
-      const W signed_s = hn::Or(s, hn::And(y[k], sign_bit));  // of y = -0
       const W c = hn::Add(hn::Set(wide, 1.0), hn::Mul(y2[k], cosine[k]));
-      const auto quadrant = Bits(wide, hn::Add(n[k], hn::Set(wide, kShifter)));
-      const auto odd = OddLanes(wide, quadrant);
-      const auto next = hn::Add(quadrant, SetBits(wide, 1));
-      const W sin = FlipSign<1>(wide, hn::IfThenElse(odd, c, signed_s), quadrant);
-      const W cos = FlipSign<1>(wide, hn::IfThenElse(odd, signed_s, c), next);
-      r[k] = Narrow(d, Complex<W>{cos, sin});
+      // With it -0 keeps its sign.
+      const V sin_y = hn::IfThenElse(MagnitudeBelow(d, x[k], kTiny), x[k], hn::DemoteTo(d, s));
+      const V cos_y = hn::DemoteTo(d, c);
+      const auto quadrant = Bits(d, turns[k]), next = hn::Add(quadrant, SetBits(d, 1));
+      const auto odd = hn::MaskFromVec(FromBits(d, hn::ShiftLeft<31>(quadrant)));
+      const auto flipped = [d](V v, BitsOf<D> turn) HWY_ATTR {
+        return hn::Xor(v, hn::And(FromBits(d, hn::ShiftLeft<30>(turn)), hn::SignBit(d)));
+      };
+      r[k] = {flipped(hn::IfThenElse(odd, sin_y, cos_y), next),
+              flipped(hn::IfThenElse(odd, cos_y, sin_y), quadrant)};
     }
   }
 };

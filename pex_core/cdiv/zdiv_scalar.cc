@@ -16,7 +16,7 @@ double Rounded(Pair p, Pair q, Pair m) {
   return static_cast<double>(ldbl::ToOdd(ldbl::Div(sum, m)));
 }
 
-[[gnu::noipa]] Complex<double> Quotient(Complex<double> a, Complex<double> b) {
+Complex<double> Quotient(Complex<double> a, Complex<double> b) {
   const long double ar = a.re, ai = a.im, br = b.re, bi = b.im;
   const bool finite =
       std::isfinite(a.re) && std::isfinite(a.im) && std::isfinite(b.re) && std::isfinite(b.im);
@@ -33,8 +33,7 @@ double Rounded(Pair p, Pair q, Pair m) {
 }  // namespace
 
 Complex<double> zDivScalar(Complex<double> a, Complex<double> b) {
-  const X87Guard guard;
-  return Quotient(a, b);
+  return ldbl::UnderX87Guard<Quotient>(a, b);
 }
 
 }  // namespace pex

@@ -19,7 +19,7 @@ double Rounded(Pair p, Pair q) {
 }
 
 template <bool kConjugate>
-[[gnu::noipa]] Complex<double> Product(Complex<double> a, Complex<double> b) {
+Complex<double> Product(Complex<double> a, Complex<double> b) {
   const long double ar = a.re, ai = a.im, br = b.re, bi = b.im;
   if (!AllFinite(a, b)) {
     if (kConjugate) {
@@ -36,13 +36,11 @@ template <bool kConjugate>
 }  // namespace
 
 Complex<double> zMulScalar(Complex<double> a, Complex<double> b) {
-  const X87Guard guard;
-  return Product<false>(a, b);
+  return ldbl::UnderX87Guard<Product<false>>(a, b);
 }
 
 Complex<double> zMulByConjScalar(Complex<double> a, Complex<double> b) {
-  const X87Guard guard;
-  return Product<true>(a, b);
+  return ldbl::UnderX87Guard<Product<true>>(a, b);
 }
 
 }  // namespace pex
