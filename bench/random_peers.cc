@@ -2,16 +2,18 @@
 // instruction sets make none of them faster, so they are compiled once, for the baseline.
 #include "bench/random_peers.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <iterator>
 #include <random>
 
+#include <gsl/gsl_randist.h>
 #include <gsl/gsl_rng.h>
 
-#include <boost/random/linear_congruential.hpp>
-#include <boost/random/uniform_01.hpp>
-#include <boost/random/uniform_int_distribution.hpp>
+#include <boost/random.hpp>
 
 #include "bench/wh_loop.h"
+#include "pexquo/quo.h"
 
 namespace bench {
 namespace {
@@ -26,17 +28,54 @@ using BoostMcg31 =
 using BoostMcg59 =
     boost::random::linear_congruential_engine<uint64_t, kMcg59Multiplier, 0, kMcg59Modulus>;
 
-// Fills by distribution(engine). The engine is local to the loop, so that its state stays in
-// registers whatever r points to. Engines of C++ and Boost step before they output: their first
-// integer is the library's second.
+// The seed sequence that puts a Mersenne twister of n words into the state that the library's has
+// for the seed 1.
+template <int32_t kId>
+struct LibraryState {
+  using result_type = uint32_t;
+  template <typename Iterator>
+  void generate(Iterator begin, Iterator end) const {
+    StreamState* stream = nullptr;
+    const uint32_t seed = 1;
+    if (__quoNewStreamEx(&stream, kId, 1, &seed) != QUO_OK) std::abort();
+    std::copy_n(reinterpret_cast<const uint32_t*>(stream + 1), end - begin, begin);
+    __quoDeleteStream(&stream);
+  }
+};
+template <class Engine, int32_t kId>
+struct Twister : Engine {
+  explicit Twister(int) {
+    LibraryState<kId> state;
+    Engine::seed(state);
+  }
+};
+constexpr uint32_t k2203A = 0xAF81055F, k2203B = 0xDD7EEF80, k2203C = 0xEFD78000;
+using StdMt19937 = Twister<std::mt19937, QUO_BRNG_MT19937>;
+using BoostMt19937 = Twister<boost::random::mt19937, QUO_BRNG_MT19937>;
+using StdMt2203 =
+    Twister<std::mersenne_twister_engine<uint32_t, 32, 69, 34, 5, k2203A, 12, 0xFFFFFFFF, 7, k2203B,
+                                         15, k2203C, 18, 1812433253>,
+            QUO_BRNG_MT2203>;
+using BoostMt2203 =
+    Twister<boost::random::mersenne_twister_engine<uint32_t, 32, 69, 34, 5, k2203A, 12, 0xFFFFFFFF,
+                                                   7, k2203B, 15, k2203C, 18, 1812433253>,
+            QUO_BRNG_MT2203>;
+
+// Fills by distribution(engine). A small engine is local to the loop, so that its state stays in
+// registers whatever r points to; a large one lives in memory anyway. Congruential engines of C++
+// and Boost step before they output: their first integer is the library's second.
 template <typename Engine, typename T, typename Distribution>
 void Fill(int n, void* r) {
   static Engine kept(1);
-  Engine engine = kept;
-  Distribution distribution{};
+  static Distribution distribution{};
   T* out = static_cast<T*>(r);
-  for (int i = 0; i < n; ++i) out[i] = static_cast<T>(distribution(engine));
-  kept = engine;
+  if constexpr (sizeof(Engine) <= 64) {
+    Engine engine = kept;
+    for (int i = 0; i < n; ++i) out[i] = static_cast<T>(distribution(engine));
+    kept = engine;
+  } else {
+    for (int i = 0; i < n; ++i) out[i] = static_cast<T>(distribution(kept));
+  }
 }
 
 struct Raw {
@@ -71,35 +110,153 @@ using StdReal = std::uniform_real_distribution<T>;
 template <typename T>
 using BoostReal = boost::random::uniform_01<T>;
 
-#define ENGINES(generator, Word, Std, Boost, gsl_name, gsl_type)                                 \
-  {generator, Output::Bits, "std", true, Fill<Std, Word, Raw>},                                  \
-      {generator, Output::Bits, "Boost", true, Fill<Boost, Word, Raw>},                          \
-      {generator, Output::Bits, gsl_name, false, FillGsl<&gsl_type, Word, gsl_rng_get>},         \
-      {generator, Output::Double, "std", true, Fill<Std, double, StdReal<double>>},              \
-      {generator, Output::Double, "Boost", true, Fill<Boost, double, BoostReal<double>>},        \
-      {generator, Output::Double, gsl_name, false, FillGsl<&gsl_type, double, gsl_rng_uniform>}, \
-      {generator, Output::Float, "std", true, Fill<Std, float, StdReal<float>>},                 \
-      {generator, Output::Float, "Boost", true, Fill<Boost, float, BoostReal<float>>},           \
-      {generator, Output::Float, gsl_name, false, FillGsl<&gsl_type, float, gsl_rng_uniform>},   \
-      {generator, Output::Integers, "std", true, Fill<Std, int32_t, StdIntegers>},               \
-      {generator, Output::Integers, "Boost", true, Fill<Boost, int32_t, BoostIntegers>}, {       \
-    generator, Output::Integers, gsl_name, false, FillGsl<&gsl_type, int32_t, GslInteger>        \
-  }
+// clang-format off
+#define ENGINES(generator, Word, Std, Boost)                                                  \
+  {generator, "bits", "std", true, Fill<Std, Word, Raw>},                                     \
+  {generator, "bits", "Boost", true, Fill<Boost, Word, Raw>},                                 \
+  {generator, "uniform d", "std", true, Fill<Std, double, StdReal<double>>},                  \
+  {generator, "uniform d", "Boost", true, Fill<Boost, double, BoostReal<double>>},            \
+  {generator, "uniform f", "std", true, Fill<Std, float, StdReal<float>>},                    \
+  {generator, "uniform f", "Boost", true, Fill<Boost, float, BoostReal<float>>},              \
+  {generator, "integers", "std", true, Fill<Std, int32_t, StdIntegers>},                      \
+  {generator, "integers", "Boost", true, Fill<Boost, int32_t, BoostIntegers>}
+#define GSL_ENGINE(generator, Word, gsl_name, gsl_type)                                       \
+  {generator, "bits", gsl_name, false, FillGsl<&gsl_type, Word, gsl_rng_get>},                \
+  {generator, "uniform d", gsl_name, false, FillGsl<&gsl_type, double, gsl_rng_uniform>},     \
+  {generator, "uniform f", gsl_name, false, FillGsl<&gsl_type, float, gsl_rng_uniform>},      \
+  {generator, "integers", gsl_name, false, FillGsl<&gsl_type, int32_t, GslInteger>}
+// clang-format on
 
-const RandomPeer kRows[] = {
-    ENGINES("MCG31M1", uint32_t, StdMcg31, BoostMcg31, "GSL minstd", gsl_rng_minstd),
-    ENGINES("MCG59", uint64_t, StdMcg59, BoostMcg59, "GSL rand48", gsl_rng_rand48),
+const RandomPeer kEngines[] = {
+    ENGINES("MCG31M1", uint32_t, StdMcg31, BoostMcg31),
+    GSL_ENGINE("MCG31M1", uint32_t, "GSL minstd", gsl_rng_minstd),
+    ENGINES("MCG59", uint64_t, StdMcg59, BoostMcg59),
+    GSL_ENGINE("MCG59", uint64_t, "GSL rand48", gsl_rng_rand48),
+    GSL_ENGINE("R250", uint32_t, "GSL r250", gsl_rng_r250),
+    GSL_ENGINE("R250", uint32_t, "GSL gfsr4", gsl_rng_gfsr4),
+    {"R250", "uniform d", "Boost lagged_fibonacci607", false,
+     Fill<boost::random::lagged_fibonacci607, double, BoostReal<double>>},
+    GSL_ENGINE("MRG32K3A", uint32_t, "GSL cmrg", gsl_rng_cmrg),
+    GSL_ENGINE("MRG32K3A", uint32_t, "GSL mrg", gsl_rng_mrg),
+    {"MRG32K3A", "bits", "Boost ecuyer1988", false, Fill<boost::random::ecuyer1988, uint32_t, Raw>},
+    {"MRG32K3A", "uniform d", "Boost ecuyer1988", false,
+     Fill<boost::random::ecuyer1988, double, BoostReal<double>>},
+    ENGINES("MT19937", uint32_t, StdMt19937, BoostMt19937),
+    GSL_ENGINE("MT19937", uint32_t, "GSL mt19937", gsl_rng_mt19937),
+    ENGINES("MT2203", uint32_t, StdMt2203, BoostMt2203),
+};
+
+// ---- Distributions, all on the package's own MT19937, with the parameters that the catalogue
+// shows. ----
+
+// Distributions with parameters, made of T.
+#define PARAMETERS(Name, Base, ...)  \
+  template <typename T>              \
+  struct Name : Base<T> {            \
+    Name() : Base<T>(__VA_ARGS__) {} \
+  };
+PARAMETERS(StdWeibull, std::weibull_distribution, T(1.8), T(1))
+PARAMETERS(BoostWeibull, boost::random::weibull_distribution, T(1.8), T(1))
+PARAMETERS(StdRayleigh, std::weibull_distribution, T(2), T(1))
+PARAMETERS(StdLognormal, std::lognormal_distribution, T(0), T(0.5))
+PARAMETERS(BoostLognormal, boost::random::lognormal_distribution, T(0), T(0.5))
+struct StdBernoulli : std::bernoulli_distribution {
+  StdBernoulli() : bernoulli_distribution(0.3) {}
+};
+struct BoostBernoulli : boost::random::bernoulli_distribution<double> {
+  BoostBernoulli() : bernoulli_distribution(0.3) {}
+};
+struct StdGeometric : std::geometric_distribution<int32_t> {
+  StdGeometric() : geometric_distribution(0.3) {}
+};
+struct BoostGeometric : boost::random::geometric_distribution<int32_t> {
+  BoostGeometric() : geometric_distribution(0.3) {}
+};
+
+double GslNormal(gsl_rng* g) { return gsl_ran_gaussian_ziggurat(g, 1); }
+double GslExponential(gsl_rng* g) { return gsl_ran_exponential(g, 1); }
+double GslLaplace(gsl_rng* g) { return gsl_ran_laplace(g, 1); }
+double GslWeibull(gsl_rng* g) { return gsl_ran_weibull(g, 1, 1.8); }
+double GslCauchy(gsl_rng* g) { return gsl_ran_cauchy(g, 1); }
+double GslRayleigh(gsl_rng* g) { return gsl_ran_rayleigh(g, 0.70710678118654752); }
+double GslLognormal(gsl_rng* g) { return gsl_ran_lognormal(g, 0, 0.5); }
+double GslGumbel(gsl_rng* g) { return -gsl_ran_gumbel1(g, 1, 1); }
+unsigned GslBernoulli(gsl_rng* g) { return gsl_ran_bernoulli(g, 0.3); }
+unsigned GslGeometric(gsl_rng* g) { return gsl_ran_geometric(g, 0.3) - 1; }
+
+// n numbers are n / kVectorDimension vectors.
+template <typename T>
+void FillGslVectors(int n, void* r) {
+  constexpr size_t kSide = kVectorDimension;
+  gsl_rng* const engine = Gsl<&gsl_rng_mt19937>();
+  static gsl_vector* const mean = gsl_vector_calloc(kSide);
+  static gsl_vector* const result = gsl_vector_alloc(kSide);
+  static gsl_matrix* const factor = gsl_matrix_alloc(kSide, kSide);
+  gsl_matrix_set_identity(factor);
+  T* out = static_cast<T*>(r);
+  for (int i = 0; i + kVectorDimension <= n; i += kVectorDimension) {
+    gsl_ran_multivariate_gaussian(engine, mean, factor, result);
+    for (size_t k = 0; k < kSide; ++k) *out++ = static_cast<T>(gsl_vector_get(result, k));
+  }
+}
+
+template <typename T, auto draw>
+constexpr PeerFill kGsl = FillGsl<&gsl_rng_mt19937, T, draw>;
+template <typename T, typename Distribution>
+constexpr PeerFill kStd = Fill<StdMt19937, T, Distribution>;
+template <typename T, typename Distribution>
+constexpr PeerFill kBoost = Fill<BoostMt19937, T, Distribution>;
+
+// clang-format off
+#define REAL(output, T)                                                                             \
+  {"MT19937", "gaussian " output, "std", false, kStd<T, std::normal_distribution<T>>},              \
+  {"MT19937", "gaussian " output, "Boost", false, kBoost<T, boost::random::normal_distribution<T>>}, \
+  {"MT19937", "gaussian " output, "GSL ziggurat", false, kGsl<T, GslNormal>},                       \
+  {"MT19937", "gaussianmv " output, "GSL", false, FillGslVectors<T>},                               \
+  {"MT19937", "exponential " output, "std", false, kStd<T, std::exponential_distribution<T>>},      \
+  {"MT19937", "exponential " output, "Boost", false,                                                \
+   kBoost<T, boost::random::exponential_distribution<T>>},                                          \
+  {"MT19937", "exponential " output, "GSL", false, kGsl<T, GslExponential>},                        \
+  {"MT19937", "laplace " output, "Boost", false, kBoost<T, boost::random::laplace_distribution<T>>}, \
+  {"MT19937", "laplace " output, "GSL", false, kGsl<T, GslLaplace>},                                \
+  {"MT19937", "weibull " output, "std", false, kStd<T, StdWeibull<T>>},                             \
+  {"MT19937", "weibull " output, "Boost", false, kBoost<T, BoostWeibull<T>>},                       \
+  {"MT19937", "weibull " output, "GSL", false, kGsl<T, GslWeibull>},                                \
+  {"MT19937", "cauchy " output, "std", false, kStd<T, std::cauchy_distribution<T>>},                \
+  {"MT19937", "cauchy " output, "Boost", false, kBoost<T, boost::random::cauchy_distribution<T>>},  \
+  {"MT19937", "cauchy " output, "GSL", false, kGsl<T, GslCauchy>},                                  \
+  {"MT19937", "rayleigh " output, "std weibull", false, kStd<T, StdRayleigh<T>>},                   \
+  {"MT19937", "rayleigh " output, "GSL", false, kGsl<T, GslRayleigh>},                              \
+  {"MT19937", "lognormal " output, "std", false, kStd<T, StdLognormal<T>>},                         \
+  {"MT19937", "lognormal " output, "Boost", false, kBoost<T, BoostLognormal<T>>},                   \
+  {"MT19937", "lognormal " output, "GSL", false, kGsl<T, GslLognormal>},                            \
+  {"MT19937", "gumbel " output, "std", false, kStd<T, std::extreme_value_distribution<T>>},         \
+  {"MT19937", "gumbel " output, "Boost", false,                                                     \
+   kBoost<T, boost::random::extreme_value_distribution<T>>},                                        \
+  {"MT19937", "gumbel " output, "GSL", false, kGsl<T, GslGumbel>}
+// clang-format on
+
+const RandomPeer kDistributions[] = {
+    REAL("d", double),
+    REAL("f", float),
+    {"MT19937", "bernoulli i", "std", false, kStd<int32_t, StdBernoulli>},
+    {"MT19937", "bernoulli i", "Boost", false, kBoost<int32_t, BoostBernoulli>},
+    {"MT19937", "bernoulli i", "GSL", false, kGsl<int32_t, GslBernoulli>},
+    {"MT19937", "geometric i", "std", false, kStd<int32_t, StdGeometric>},
+    {"MT19937", "geometric i", "Boost", false, kBoost<int32_t, BoostGeometric>},
+    {"MT19937", "geometric i", "GSL", false, kGsl<int32_t, GslGeometric>},
 };
 
 }  // namespace
 
 std::vector<RandomPeer> RandomPeers() {
-  std::vector<RandomPeer> peers(std::begin(kRows), std::end(kRows));
+  std::vector<RandomPeer> peers(std::begin(kEngines), std::end(kEngines));
   const WhLoops wh = WhLoop();
-  const PeerFill fills[] = {wh.bits, wh.doubles, wh.floats, wh.integers};
-  for (int i = 0; i < 4; ++i) {
-    peers.push_back({"WH", static_cast<Output>(i), "plain loop", true, fills[i]});
-  }
+  peers.push_back({"WH", "bits", "plain loop", true, wh.bits});
+  peers.push_back({"WH", "uniform d", "plain loop", true, wh.doubles});
+  peers.push_back({"WH", "uniform f", "plain loop", true, wh.floats});
+  peers.push_back({"WH", "integers", "plain loop", true, wh.integers});
+  peers.insert(peers.end(), std::begin(kDistributions), std::end(kDistributions));
   return peers;
 }
 

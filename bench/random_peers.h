@@ -1,5 +1,5 @@
-// The peers of the generators: the engines of the C++ library, Boost and GSL, and for WH, which no
-// package has, the plain loop over its definition.
+// The peers of the generators and distributions: those of the C++ library, Boost and GSL, and for
+// WH, which no package has, the plain loop over its definition.
 #ifndef BENCH_RANDOM_PEERS_H_
 #define BENCH_RANDOM_PEERS_H_
 
@@ -10,21 +10,17 @@
 
 namespace bench {
 
-// What is drawn: raw integers, doubles and floats on [0, 1), integers on [0, 100).
-enum class Output { Bits, Double, Float, Integers };
-
-constexpr const char* OutputName(Output output) {
-  constexpr const char* kNames[] = {"bits", "uniform d", "uniform f", "integers"};
-  return kNames[static_cast<int>(output)];
-}
-
 struct RandomPeer {
   const char* generator;  // as in the catalogue
-  Output output;
+  // What is drawn: "bits", "uniform d", "uniform f" on [0, 1), "integers" on [0, 100), or a
+  // distribution of the catalogue with the parameters shown there and the type d, f or i.
+  const char* output;
   const char* name;  // "Boost"; GSL's, which have other parameters, with the name of the engine
   bool same;         // the generator's own parameters, seed 1: the same sequence
   PeerFill fill;
 };
+
+inline constexpr int kVectorDimension = 4;  // of "gaussianmv"
 
 std::vector<RandomPeer> RandomPeers();
 

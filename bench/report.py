@@ -37,7 +37,13 @@ HARDWARE = ("Sqrt", "Inv", "Div")  # one instruction each
 HARDWARE_LIMIT = 1.1
 EP_GAIN = 1.2          # LA time over EP time, at least
 CALL_OVERHEAD = 10.0   # ns of a call of 1 to 15 elements beyond its elements
-RANDOM_GAIN = {"MCG31M1": 5.0, "MCG59": 3.0, "WH": 3.0}  # peer's time over ours, at least
+# Peer's time over ours, at least: of generators, and of distributions, which are drawn on MT19937.
+RANDOM_GAIN = {"MCG31M1": 5.0, "MCG59": 3.0, "WH": 3.0, "R250": 3.0, "MRG32K3A": 4.0,
+               "MT19937": 3.0, "MT2203": 3.0}
+DISTRIBUTION_GAIN = {"gaussian": 3.0, "gaussianmv": 8.0, "exponential": 3.0, "laplace": 3.0,
+                     "weibull": 5.0, "cauchy": 5.0, "rayleigh": 3.0, "lognormal": 3.0,
+                     "gumbel": 5.0, "bernoulli": 4.0, "geometric": 5.0}
+NO_TARGET = ("gaussian boxmuller", "gaussianmv boxmuller")  # half of its uniforms go unused
 
 
 class Failure(Exception):
@@ -163,8 +169,18 @@ def call_misses(rows, n):
     return misses
 
 
+def random_target(generator, output):
+    """What the peers of a generator's output are called there, and the gain that it is held to."""
+    words = output.removesuffix(" clamped").split(" ")
+    if words[0] not in DISTRIBUTION_GAIN:
+        return " ".join(words), RANDOM_GAIN.get(generator)
+    without_target = " ".join(words[:-1]) in NO_TARGET
+    return f"{words[0]} {words[-1]}", None if without_target else DISTRIBUTION_GAIN[words[0]]
+
+
 def random_rows(results, n):
-    """Clamped uniforms are held against the peers' plain ones: they have no other."""
+    """Clamped uniforms are held against the peers' plain ones: they have no other. Where no peer has
+    the generator's parameters, the fastest with others stands for it."""
     rows = []
     for (row, length), _ in results.items():
         parts = row.split("/")
@@ -172,11 +188,10 @@ def random_rows(results, n):
             continue
         generator, output = parts[:2]
         ours = {m: v[0] for m, v in times_at(results, f"{generator}/{output}")[OURS].items()}
-        drawn = output.removesuffix(" clamped")
+        drawn, gain = random_target(generator, output)
         same = times_at(results, f"{generator}/{drawn}/peer")
         others = times_at(results, f"{generator}/{drawn}/other")
-        gain = RANDOM_GAIN.get(generator)
-        rows.append(RandomRow(generator, output, ours, fastest(same, n, lambda p, ulp: True),
+        rows.append(RandomRow(generator, output, ours, fastest(same or others, n, lambda p, ulp: True),
                               {**same, **others}, 1 / gain if gain else None))
     return rows
 
@@ -296,10 +311,10 @@ def vector_plot(rows, title):
 
 
 def random_plot(rows, title):
-    clusters = {f"{row.generator} {row.output}":
+    clusters = {row.output if random_target(row.generator, row.output)[0] != row.output
+                or row.output.split(" ")[0] in DISTRIBUTION_GAIN else f"{row.generator} {row.output}":
                 {OURS: row.ours[1000],
-                 **{p.split(" ")[0] if p.startswith("GSL") else p: v[1000][0]
-                    for p, v in row.peers.items() if 1000 in v}}
+                 **{p.split(" ")[0]: v[1000][0] for p, v in row.peers.items() if 1000 in v}}
                 for row in rows if not row.output.endswith("clamped")}
     return bars(f"{title}, arrays of 1000", clusters, log=True) if clusters else None
 
@@ -330,9 +345,12 @@ any kind and to 1.2 times the speed of LA. HA in single precision is correctly r
 twice SLEEF's time. The arithmetic functions, beside a loop left to the compiler, have no target.
 """
 
-RANDOM_INTRODUCTION = """Peers run the generator's own parameters; under `others` stand engines with other
-parameters. The peer of WH is a plain loop over its definition. `integers` are drawn from [0, 100).
-Clamped uniforms and integers are held to the same target as the generator's other outputs.
+RANDOM_INTRODUCTION = """Peers run the generator's own parameters where a package has them; else, and under `others`, stand
+engines with other parameters. The peer of WH is a plain loop over its definition. `integers` are
+drawn from [0, 100). Clamped uniforms and integers are held to the same target as the generator's
+other outputs. Distributions are drawn on each package's own MT19937, the generator's time included,
+in double (d), single (f) or integers (i), with the parameters of `docs/distributions.md`; vectors
+(gaussianmv) have dimension 4 and a full factor, by the number.
 """
 
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <vector>
 
@@ -197,14 +198,87 @@ constexpr Generator kGenerators[] = {
 #include "catalogue/generators.def"
 };
 
-#define QUO_DISTRIBUTION(name, symbols, parameters, what) {#name, symbols, parameters, what},
+#define QUO_DISTRIBUTION(...) Distribution{__VA_ARGS__},
+#define QUO_SAMPLER(distribution, type, entry)
 constexpr Distribution kDistributions[] = {
+#include "catalogue/distributions.def"
+};
+#undef QUO_DISTRIBUTION
+#undef QUO_SAMPLER
+
+// An entry's call with its parameters as doubles.
+template <auto kEntry>
+struct Call;
+template <typename T, typename... P, int32_t (*kEntry)(uint32_t, StreamState*, int32_t, T*, P...)>
+struct Call<kEntry> {
+  static int32_t Draw(uint32_t method, StreamState* stream, int32_t n, void* r,
+                      const double* parameters) {
+    return [&]<size_t... I>(std::index_sequence<I...>) {
+      return kEntry(method, stream, n, static_cast<T*>(r), static_cast<P>(parameters[I])...);
+    }
+    (std::index_sequence_for<P...>());
+  }
+};
+
+constexpr const Distribution* Named(std::string_view name) {
+  for (const Distribution& d : kDistributions) {
+    if (d.name == name) return &d;
+  }
+  return nullptr;
+}
+
+#define QUO_DISTRIBUTION(...)
+#define QUO_SAMPLER(distribution, type, entry) \
+  Sampler{#entry, Named(#distribution), type, Call<entry>::Draw},
+const Sampler kSamplers[] = {
 #include "catalogue/distributions.def"
 };
 
 }  // namespace
 
+int Distribution::parameter_count() const {
+  int count = 0;
+  while (count < kMaxParameters && !parameters[static_cast<size_t>(count)].name.empty()) ++count;
+  return count;
+}
+
+std::array<double, kMaxParameters> Distribution::ShownParameters() const {
+  std::array<double, kMaxParameters> values{};
+  const size_t equals = shown.find('=');
+  for (size_t i = 0; i < kMaxParameters; ++i) {
+    values[i] = parameters[i].standard;
+    if (equals == std::string_view::npos || parameters[i].name != shown.substr(0, equals)) continue;
+    std::from_chars(shown.data() + equals + 1, shown.data() + shown.size(), values[i]);
+  }
+  return values;
+}
+
+int Distribution::FindMethod(std::string_view method) const {
+  int value = 0;
+  for (std::string_view rest = methods; !rest.empty(); ++value) {
+    const std::string_view name = rest.substr(0, rest.find(' '));
+    if (pex::SameName(name, method)) return value;
+    rest.remove_prefix(std::min(rest.size(), name.size() + 1));
+  }
+  return -1;
+}
+
 std::span<const Generator> Generators() { return kGenerators; }
 std::span<const Distribution> Distributions() { return kDistributions; }
+std::span<const Sampler> Samplers() { return kSamplers; }
+
+const Distribution* FindDistribution(std::string_view name) {
+  for (const Distribution& d : kDistributions) {
+    if (pex::SameName(d.name, name)) return &d;
+  }
+  return nullptr;
+}
+
+const Sampler* FindSampler(const Distribution& distribution, char type) {
+  for (const Sampler& s : kSamplers) {
+    if (s.distribution == &distribution && s.type == type) return &s;
+  }
+  return nullptr;
+}
 
 }  // namespace quo

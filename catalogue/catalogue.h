@@ -7,6 +7,8 @@
 #include <span>
 #include <string_view>
 
+#include "pexquo/quo.h"
+
 namespace pex {
 
 // Of complex functions, ToReal has a complex argument and a real result, FromReal the reverse; all
@@ -111,16 +113,57 @@ struct Generator {
   std::string_view what;
 };
 
+// What a parameter has to be. All are finite.
+enum class Condition { Finite, Positive, Probability };
+
+struct Parameter {
+  std::string_view name;  // "beta"; empty beyond the last one
+  double standard = 0;    // where it is not given
+  Condition condition{};
+  std::string_view what{};
+};
+
+inline constexpr int kMaxParameters = 4;
+
 // One distribution.
 struct Distribution {
-  std::string_view name;        // "uniform"
-  std::string_view symbols;     // its entries
-  std::string_view parameters;  // "a b"
+  std::string_view name;  // "weibull"
   std::string_view what;
+  std::array<Parameter, kMaxParameters> parameters{};  // in the order of the calls
+  std::string_view methods{};   // names in the order of their values; empty: there is one only
+  std::string_view result{};    // how a number comes from uniforms u on [0, 1)
+  std::string_view uniforms{};  // generator outputs for one number
+  // The density (of integers: the probability) at x, as gnuplot reads it, and what the
+  // documentation draws of it: parameters other than the standard ones as "alpha=2", and the range
+  // of x.
+  std::string_view density{};
+  std::string_view shown{};
+  double lo = 0, hi = 1;
+
+  int parameter_count() const;
+  // The values of the parameters that the documentation and the benchmarks show.
+  std::array<double, kMaxParameters> ShownParameters() const;
+  // The value of a method's name (compared without regard to case); -1 where there is no such one.
+  int FindMethod(std::string_view method) const;
+};
+
+// One exported entry that draws a distribution of scalars.
+struct Sampler {
+  std::string_view symbol;  // "_quodRngWeibull"
+  const Distribution* distribution = nullptr;
+  char type = 'd';  // d, s, i, or w: words of the generator
+  // n results at r: double, float, int32_t, or the generator's words. The parameters are converted
+  // to the entry's own types.
+  int32_t (*draw)(uint32_t method, StreamState* stream, int32_t n, void* r,
+                  const double* parameters) = nullptr;
 };
 
 std::span<const Generator> Generators();
 std::span<const Distribution> Distributions();
+std::span<const Sampler> Samplers();
+// Null where there is none. Names compare without regard to case.
+const Distribution* FindDistribution(std::string_view name);
+const Sampler* FindSampler(const Distribution& distribution, char type);
 
 }  // namespace quo
 

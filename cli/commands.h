@@ -21,11 +21,14 @@ struct EvalOptions {
 };
 int Eval(const EvalOptions& options);
 
+// All as typed; empty where not given.
 struct DrawOptions {
-  std::string distribution, generator = "mcg59", member, type, count;
+  std::string distribution, generator, member, type, method, count;
   std::string seeds;  // words separated by commas; the generator's own start when empty
-  std::map<std::string, std::string> parameters;  // as typed; empty where not given
+  std::map<std::string, std::string> parameters;
+  std::string mean, factor, storage;  // of vectors
   bool accurate = false;
+  std::string load, save;  // files of streams
   std::string leapfrog, skip;
   std::string output = "-", format;
 };

@@ -1,5 +1,6 @@
 // Draws numbers of a distribution from a stream, block by block.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -19,6 +20,7 @@ namespace {
 
 constexpr size_t kBlock = 1 << 16;
 constexpr uint64_t kMaxCount = 1000000000000000;
+const std::string kStandardGenerator = "mcg59";
 
 // Digits, or digits with a decimal exponent as in 1e6.
 uint64_t CountOf(const std::string& text) {
@@ -62,16 +64,15 @@ void DrawRows(const DrawOptions& options, uint64_t count, int columns, const Fil
   }
 }
 
-const std::string& Parameter(const DrawOptions& options, const std::string& name) {
+const std::string& Given(const DrawOptions& options, const std::string& name) {
   static const std::string none;
   const auto found = options.parameters.find(name);
   return found == options.parameters.end() ? none : found->second;
 }
 
+// The number that `text` gives for the option --name.
 template <typename T>
-T Bound(const DrawOptions& options, const std::string& name, T standard) {
-  const std::string& text = Parameter(options, name);
-  if (text.empty()) return standard;
+T NumberOf(const std::string& name, const std::string& text) {
   Parsed parsed;
   T x;
   if constexpr (std::is_integral_v<T>) {
@@ -90,35 +91,111 @@ T Bound(const DrawOptions& options, const std::string& name, T standard) {
   return x;
 }
 
-template <typename T, typename Kernel>
-void DrawUniformAs(const DrawOptions& options, Stream& stream, uint64_t count, Kernel kernel) {
-  if (std::is_integral_v<T> && Parameter(options, "b").empty()) {
+// A parameter in the type T, in which it meets its condition.
+template <typename T>
+T ParameterOf(const DrawOptions& options, const quo::Parameter& parameter) {
+  const std::string name(parameter.name);
+  const std::string& text = Given(options, name);
+  const T x = text.empty() ? static_cast<T>(parameter.standard) : NumberOf<T>(name, text);
+  if (parameter.condition == quo::Condition::Positive && !(x > 0)) {
+    Fail("--", name, " ", text, " is not positive");
+  }
+  if (parameter.condition == quo::Condition::Probability && !(x >= 0 && x <= 1)) {
+    Fail("--", name, " ", text, " is not a probability, from 0 to 1");
+  }
+  return x;
+}
+
+// The value of the method chosen, or of the one standing for none.
+uint32_t MethodOf(const DrawOptions& options, const quo::Distribution& d) {
+  if (options.method.empty()) {
+    const int inversion = d.FindMethod("icdf");
+    return inversion < 0 ? 0 : static_cast<uint32_t>(inversion);
+  }
+  if (d.methods.empty()) Fail(d.name, " has one method only");
+  const int method = d.FindMethod(options.method);
+  if (method < 0) {
+    Fail(d.name, " has no method ", Quoted(options.method), "; its methods are ", d.methods);
+  }
+  return static_cast<uint32_t>(method);
+}
+
+using Parameters = std::array<double, quo::kMaxParameters>;
+
+template <typename T>
+void DrawNumbers(const DrawOptions& options, Stream& stream, uint64_t count,
+                 const quo::Sampler& sampler, uint32_t method, const Parameters& parameters) {
+  DrawRows<T>(options, count, 1, [&](int32_t n, T* x) {
+    Expect(sampler.draw(method, stream.state.get(), n, x, parameters.data()), stream,
+           std::string(sampler.distribution->name));
+  });
+}
+
+// The type of the results: the one given, else the first of "d", "s" and "i" that there is.
+const quo::Sampler& SamplerOf(const DrawOptions& options, const quo::Distribution& d) {
+  std::string types;
+  for (const char type : {'d', 's', 'i'}) {
+    const quo::Sampler* sampler = FindSampler(d, type);
+    if (sampler == nullptr) continue;
+    if (options.type.empty() || options.type == std::string(1, type)) return *sampler;
+    types += (types.empty() ? "" : ", ") + std::string(1, type);
+  }
+  Fail("unknown type ", Quoted(options.type), "; of ", d.name, " there is ", types);
+}
+
+// Any distribution of scalars with parameters.
+void DrawScalars(const DrawOptions& options, const quo::Distribution& d, Stream& stream,
+                 uint64_t count) {
+  const quo::Sampler& sampler = SamplerOf(options, d);
+  const uint32_t method = MethodOf(options, d);
+  Parameters parameters{};
+  for (int i = 0; i < d.parameter_count(); ++i) {
+    const quo::Parameter& p = d.parameters[static_cast<size_t>(i)];
+    parameters[static_cast<size_t>(i)] = sampler.type == 's'
+                                             ? double{ParameterOf<float>(options, p)}
+                                             : ParameterOf<double>(options, p);
+  }
+  if (sampler.type == 'd') {
+    return DrawNumbers<double>(options, stream, count, sampler, method, parameters);
+  }
+  if (sampler.type == 's') {
+    return DrawNumbers<float>(options, stream, count, sampler, method, parameters);
+  }
+  DrawNumbers<int32_t>(options, stream, count, sampler, method, parameters);
+}
+
+template <typename T>
+void DrawUniformAs(const DrawOptions& options, const quo::Distribution& d, Stream& stream,
+                   uint64_t count) {
+  if (std::is_integral_v<T> && Given(options, "b").empty()) {
     Fail("integers are drawn from a to b - 1: give --b");
   }
-  const T a = Bound<T>(options, "a", 0), b = Bound<T>(options, "b", 1);
+  const T a = ParameterOf<T>(options, d.parameters[0]);
+  const T b = ParameterOf<T>(options, d.parameters[1]);
   if (!(a < b)) Fail("b = ", NumberText(b), " is not above a = ", NumberText(a));
   if constexpr (!std::is_integral_v<T>) {
     if (!std::isfinite(b - a)) Fail("b - a overflows");
   }
-  const uint32_t method = options.accurate ? QUO_METHOD_ACCURATE : 0;
-  DrawRows<T>(options, count, 1, [&](int32_t n, T* x) {
-    Expect(kernel(method, stream.state.get(), n, x, a, b), stream, "uniform");
-  });
+  DrawNumbers<T>(options, stream, count, SamplerOf(options, d),
+                 options.accurate ? QUO_METHOD_ACCURATE : 0,
+                 {static_cast<double>(a), static_cast<double>(b)});
 }
 
-void DrawUniform(const DrawOptions& options, Stream& stream, uint64_t count) {
-  const std::string type = options.type.empty() ? "d" : options.type;
-  if (type == "d") return DrawUniformAs<double>(options, stream, count, _quodRngUniform);
-  if (type == "s") return DrawUniformAs<float>(options, stream, count, _quosRngUniform);
-  if (type != "i") Fail("unknown type ", Quoted(type), "; the types of uniform are d, s and i");
+void DrawUniform(const DrawOptions& options, const quo::Distribution& d, Stream& stream,
+                 uint64_t count) {
+  MethodOf(options, d);
+  const char type = SamplerOf(options, d).type;
+  if (type == 'd') return DrawUniformAs<double>(options, d, stream, count);
+  if (type == 's') return DrawUniformAs<float>(options, d, stream, count);
   if (options.accurate) Fail("--accurate is for types d and s");
-  DrawUniformAs<int32_t>(options, stream, count, _quoiRngUniform);
+  DrawUniformAs<int32_t>(options, d, stream, count);
 }
 
 // The generator's own words: one 32-bit or one 64-bit number a row, or four 32-bit ones.
-void DrawBits(const DrawOptions& options, Stream& stream, uint64_t count) {
+void DrawBits(const DrawOptions& options, const quo::Distribution& d, Stream& stream,
+              uint64_t count) {
   if (!options.type.empty()) Fail("uniformbits has no type: the generator decides");
-  if (options.accurate) Fail("--accurate is for uniform");
+  MethodOf(options, d);
   const auto bits = [&](int32_t n, uint32_t* words) {
     Expect(_quoiRngUniformBits(0, stream.state.get(), n, words), stream, "uniformbits");
   };
@@ -133,42 +210,135 @@ void DrawBits(const DrawOptions& options, Stream& stream, uint64_t count) {
   });
 }
 
-// One row for each catalogued distribution.
-struct Sampler {
-  std::string_view name;
-  void (*draw)(const DrawOptions&, Stream&, uint64_t);
-};
-constexpr Sampler kSamplers[] = {{"uniform", DrawUniform}, {"uniformbits", DrawBits}};
-
-const Sampler& FindSampler(const DrawOptions& options) {
-  std::vector<std::string> known;
-  for (const quo::Distribution& d : quo::Distributions()) {
-    known.emplace_back(d.name);
-    if (Normalized(options.distribution) != d.name) continue;
-    const std::string parameters = " " + std::string(d.parameters) + " ";
-    for (const auto& [name, text] : options.parameters) {
-      if (!text.empty() && parameters.find(" " + name + " ") == std::string::npos) {
-        Fail(d.name, " has no parameter ", name);
-      }
-    }
-    for (const Sampler& s : kSamplers) {
-      if (s.name == d.name) return s;
-    }
+// Numbers separated by commas.
+template <typename T>
+std::vector<T> NumbersOf(const std::string& name, const std::string& text) {
+  std::vector<T> numbers;
+  for (size_t start = 0; start <= text.size();) {
+    const size_t comma = std::min(text.find(',', start), text.size());
+    numbers.push_back(NumberOf<T>(name, text.substr(start, comma - start)));
+    start = comma + 1;
   }
+  return numbers;
+}
+
+struct Storage {
+  std::string_view name;
+  int32_t value;
+  size_t (*size)(size_t dimension);  // of the factor
+};
+constexpr Storage kStorages[] = {
+    {"full", QUO_STORAGE_FULL, [](size_t d) { return d * d; }},
+    {"packed", QUO_STORAGE_PACKED, [](size_t d) { return d * (d + 1) / 2; }},
+    {"diagonal", QUO_STORAGE_DIAGONAL, [](size_t d) { return d; }},
+};
+
+constexpr size_t kMaxDimension = 4096;
+
+template <typename T, typename Kernel>
+void DrawVectors(const DrawOptions& options, const quo::Distribution& d, Stream& stream,
+                 uint64_t count, Kernel kernel) {
+  const auto mean = NumbersOf<T>("mean", options.mean.empty() ? "0" : options.mean);
+  const size_t dimension = mean.size();
+  if (dimension > kMaxDimension) Fail("a vector has at most ", kMaxDimension, " components");
+  const std::string storage_name = options.storage.empty() ? "full" : Normalized(options.storage);
+  const auto storage = std::ranges::find(kStorages, storage_name, &Storage::name);
+  if (storage == std::end(kStorages)) {
+    Fail("unknown storage ", Quoted(options.storage), "; it is full, packed or diagonal");
+  }
+  std::vector<T> factor;
+  if (!options.factor.empty()) {
+    factor = NumbersOf<T>("factor", options.factor);
+  } else if (!options.storage.empty()) {
+    Fail("--storage is that of --factor: give --factor");
+  } else {
+    factor.resize(dimension * dimension);
+    for (size_t i = 0; i < dimension; ++i) factor[i * (dimension + 1)] = 1;
+  }
+  if (factor.size() != storage->size(dimension)) {
+    Fail("--factor has ", factor.size(), " numbers; a ", storage->name, " one of dimension ",
+         dimension, " has ", storage->size(dimension));
+  }
+  const uint32_t method = MethodOf(options, d);
+  DrawRows<T>(options, count, static_cast<int>(dimension), [&](int32_t n, T* x) {
+    // The entries count the components in 32 bits.
+    const auto most = static_cast<int32_t>(std::numeric_limits<int32_t>::max() / dimension);
+    for (int32_t done = 0; done < n;) {
+      const int32_t part = std::min(n - done, most);
+      Expect(kernel(method, stream.state.get(), part, x + static_cast<size_t>(done) * dimension,
+                    static_cast<int32_t>(dimension), storage->value, mean.data(), factor.data()),
+             stream, "gaussianmv");
+      done += part;
+    }
+  });
+}
+
+void DrawGaussianMV(const DrawOptions& options, const quo::Distribution& d, Stream& stream,
+                    uint64_t count) {
+  if (options.type.empty() || options.type == "d") {
+    return DrawVectors<double>(options, d, stream, count, _quodRngGaussianMV);
+  }
+  if (options.type != "s") {
+    Fail("unknown type ", Quoted(options.type), "; of gaussianmv there is d, s");
+  }
+  DrawVectors<float>(options, d, stream, count, _quosRngGaussianMV);
+}
+
+const quo::Distribution& NamedDistribution(const DrawOptions& options) {
+  const quo::Distribution* d = quo::FindDistribution(Normalized(options.distribution));
+  if (d != nullptr) return *d;
+  std::vector<std::string> known;
+  for (const quo::Distribution& one : quo::Distributions()) known.emplace_back(one.name);
   Fail("unknown distribution ", Quoted(options.distribution),
        Suggestion(options.distribution, known));
+}
+
+// Refuses what the distribution has no use for.
+void CheckOptions(const DrawOptions& options, const quo::Distribution& d) {
+  for (const auto& [name, text] : options.parameters) {
+    const auto is_it = [&name](const quo::Parameter& p) { return p.name == name; };
+    if (!text.empty() && std::ranges::none_of(d.parameters, is_it)) {
+      Fail(d.name, " has no parameter ", name);
+    }
+  }
+  if (options.accurate && d.name != "uniform") Fail("--accurate is for uniform");
+  if (d.name == "gaussianmv") return;
+  if (!options.mean.empty()) Fail(d.name, " has no parameter mean");
+  if (!options.factor.empty()) Fail(d.name, " has no parameter factor");
+  if (!options.storage.empty()) Fail("--storage is for gaussianmv");
+}
+
+Stream StreamOf(const DrawOptions& options) {
+  if (options.load.empty()) {
+    const std::string& generator =
+        options.generator.empty() ? kStandardGenerator : options.generator;
+    return OpenStream(GeneratorId(generator, options.member), generator, SeedWords(options.seeds));
+  }
+  if (!options.generator.empty() || !options.member.empty() || !options.seeds.empty()) {
+    Fail("--load brings the generator and its state: leave --generator, --member and --seed out");
+  }
+  return LoadStream(options.load);
 }
 
 }  // namespace
 
 int Draw(const DrawOptions& options) {
-  const Sampler& sampler = FindSampler(options);
+  const quo::Distribution& d = NamedDistribution(options);
+  CheckOptions(options, d);
   const uint64_t count = CountOf(options.count);
-  const int32_t id = GeneratorId(options.generator, options.member);
-  Stream stream = OpenStream(id, options.generator, SeedWords(options.seeds));
+  Stream stream = StreamOf(options);
   if (!options.leapfrog.empty()) Leapfrog(stream, options.leapfrog);
   if (!options.skip.empty()) SkipAhead(stream, options.skip);
-  sampler.draw(options, stream, count);
+  if (d.name == "uniform") {
+    DrawUniform(options, d, stream, count);
+  } else if (d.name == "uniformbits") {
+    DrawBits(options, d, stream, count);
+  } else if (d.name == "gaussianmv") {
+    DrawGaussianMV(options, d, stream, count);
+  } else {
+    DrawScalars(options, d, stream, count);
+  }
+  if (!options.save.empty()) SaveStream(stream, options.save);
   return kStatusOk;
 }
 

@@ -56,9 +56,19 @@ void ListGenerators() {
 }
 
 void ListDistributions() {
-  Print(Padded("distribution", 14) + Padded("parameters", 12) + "what it is");
+  Print(Padded("distribution", 14) + Padded("types", 7) + Padded("parameters", 35) + "what it is");
   for (const quo::Distribution& d : quo::Distributions()) {
-    Print(Padded(std::string(d.name), 14) + Padded(std::string(d.parameters), 12) +
+    std::string types, parameters;
+    for (const quo::Sampler& s : quo::Samplers()) {
+      if (s.distribution == &d && s.type != 'w') Add(&types, std::string_view(&s.type, 1));
+    }
+    for (const quo::Parameter& p : d.parameters) {
+      if (p.name.empty()) continue;
+      parameters += (parameters.empty() ? "" : " ") + std::string(p.name);
+      parameters += "=" + NumberText(p.standard);
+    }
+    if (d.name == "gaussianmv") types = "d s", parameters = "mean factor storage=full";
+    Print(Padded(std::string(d.name), 14) + Padded(types, 7) + Padded(parameters, 35) +
           std::string(d.what));
   }
 }

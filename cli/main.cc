@@ -2,9 +2,8 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <map>
 #include <new>
-#include <set>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -68,31 +67,44 @@ void AddEval(CLI::App* command, EvalOptions* o) {
 
 void AddDraw(CLI::App* command, DrawOptions* o) {
   command->add_option("distribution", o->distribution, "See pexquo list distributions")->required();
-  command
-      ->add_option("--generator", o->generator,
-                   "Name, name:member or identifier, see pexquo list generators")
-      ->capture_default_str();
+  command->add_option(
+      "--generator", o->generator,
+      "Name, name:member or identifier, see pexquo list generators; mcg59 if not given");
   command->add_option("--member", o->member, "Member of a family of generators");
   command->add_option("--seed", o->seeds, "Seed words of 32 bits, by blanks or commas");
   command->add_option("--count", o->count, "How many numbers, such as 1000 or 1e9")->required();
-  std::set<std::string> names;
+  std::map<std::string, std::string> help;  // of each parameter, by its distributions
   for (const quo::Distribution& d : quo::Distributions()) {
-    std::istringstream words{std::string(d.parameters)};
-    for (std::string name; words >> name;) {
-      if (!names.insert(name).second) continue;
-      command->add_option("--" + name, o->parameters[name], "Parameter of the distribution");
+    for (const quo::Parameter& p : d.parameters) {
+      if (p.name.empty()) continue;
+      std::string& text = help[std::string(p.name)];
+      text += (text.empty() ? "" : ", ") + std::string(d.name) + ": " + std::string(p.what);
     }
   }
+  for (const auto& [name, text] : help) {
+    command->add_option("--" + name, o->parameters[name], "Parameter (" + text + ")");
+  }
+  command->add_option("--mean", o->mean, "Mean vector of gaussianmv, by commas");
+  command->add_option("--factor", o->factor, "Lower triangular factor T of its covariance T T'");
+  command->add_option("--storage", o->storage,
+                      "of --factor: full by rows (the default), packed by columns, or diagonal");
+  command->add_option("--method", o->method,
+                      "Of the Gaussians: boxmuller, boxmuller2 or icdf (the default)");
   command->add_option("--type", o->type, "d, s or i: double (the default), single, 32-bit integer");
   command->add_flag("--accurate", o->accurate, "Keep every number within the bounds");
   command->add_option("--leapfrog", o->leapfrog, "K/S: every S-th number from the K-th on");
   command->add_option("--skip", o->skip, "Numbers to pass over first (after --leapfrog)");
+  command->add_option("--save", o->save, "File for the stream's state after the last number");
+  command->add_option("--load", o->load, "Saved state to go on from, instead of a new stream");
   AddOutput(command, &o->output, &o->format, "text, npy or raw (little-endian)");
   command->footer(
       "Examples:\n"
       "  pexquo draw uniform --generator mcg59 --seed 42 --count 1e6 --a -1 --b 1 -o u.npy\n"
       "  pexquo draw uniform --type i --a 1 --b 7 --count 10 --seed 2026\n"
-      "  pexquo draw uniformbits --generator wh:17 --count 1e12 --format raw | battery");
+      "  pexquo draw uniformbits --generator wh:17 --count 1e12 --format raw | battery\n"
+      "  pexquo draw gaussian --generator mt19937 --a 10 --sigma 2 --count 1e6 --save s.quo\n"
+      "  pexquo draw gaussian --load s.quo --a 10 --sigma 2 --count 1e6\n"
+      "  pexquo draw gaussianmv --mean 0,1 --factor 1,0,0.5,2 --count 5");
 }
 
 std::vector<std::string> CommandNames(const CLI::App& app) {

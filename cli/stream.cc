@@ -1,7 +1,8 @@
 #include "cli/stream.h"
 
-#include <cstring>
+#include <filesystem>
 #include <limits>
+#include <system_error>
 
 #include "catalogue/catalogue.h"
 #include "cli/failure.h"
@@ -26,6 +27,18 @@ const char* Meaning(int32_t status) {
       return "the generator cannot leapfrog";
     case QUO_SKIPAHEAD_UNSUPPORTED:
       return "the generator cannot skip ahead";
+    case QUO_CLOSE_FAILED:
+      return "the file could not be closed";
+    case QUO_OPEN_FAILED:
+      return "the file could not be opened";
+    case QUO_WRITE_FAILED:
+      return "the file could not be written";
+    case QUO_READ_FAILED:
+      return "the file ends too early";
+    case QUO_BAD_FILE:
+      return "the file is no stream file";
+    case QUO_BAD_FILE_FORMAT:
+      return "the file has an unknown format";
     default:
       return "the generator failed";
   }
@@ -117,6 +130,31 @@ Stream OpenStream(int32_t id, const std::string& generator, const std::vector<ui
   return stream;
 }
 
+Stream LoadStream(const std::string& path) {
+  StreamState* state = nullptr;
+  const int32_t status = __quoLoadStreamF(&state, path.c_str(), -1);
+  if (status != QUO_OK)
+    Fail("--load ", Quoted(path), ": ", Meaning(status), " (status ", status, ")");
+  Stream stream;
+  stream.state.reset(state);
+  const int32_t id = __quoGetStreamStateBrng(state);
+  stream.generator = std::to_string(id);
+  Expect(__quoGetBrngProperties(id, &stream.properties), stream, "load");
+  return stream;
+}
+
+void SaveStream(const Stream& stream, const std::string& path) {
+  const std::string part = path + ".part";
+  const int32_t status = __quoSaveStreamF(stream.state.get(), part.c_str(), -1);
+  std::error_code error;
+  if (status != QUO_OK) {
+    std::filesystem::remove(part, error);
+    Fail("--save ", Quoted(path), ": ", Meaning(status), " (status ", status, ")");
+  }
+  std::filesystem::rename(part, path, error);
+  if (error) Fail("--save ", Quoted(path), ": ", error.message());
+}
+
 void Leapfrog(Stream& stream, const std::string& k_of_s) {
   const size_t slash = k_of_s.find('/');
   constexpr int64_t kMax = std::numeric_limits<int32_t>::max();
@@ -126,9 +164,7 @@ void Leapfrog(Stream& stream, const std::string& k_of_s) {
       ParseInteger(k_of_s.substr(slash + 1), 1, kMax, &s) != Parsed::Ok || k >= s) {
     Fail("--leapfrog ", Quoted(k_of_s), " is not K/S with K from 0 to S - 1");
   }
-  const auto index = static_cast<uint32_t>(k);
-  Expect(stream.properties.InitStream(QUO_INIT_LEAPFROG, stream.state.get(),
-                                      static_cast<int32_t>(s), &index),
+  Expect(__quoLeapfrogStream(stream.state.get(), static_cast<int32_t>(k), static_cast<int32_t>(s)),
          stream, "leapfrog");
 }
 
@@ -137,10 +173,7 @@ void SkipAhead(Stream& stream, const std::string& count) {
   if (ParseUnsigned(count, &n) != Parsed::Ok) {
     Fail("--skip ", Quoted(count), " is not a count from 0 to 2^64 - 1");
   }
-  uint32_t words[2];
-  std::memcpy(words, &n, sizeof(n));
-  Expect(stream.properties.InitStream(QUO_INIT_SKIPAHEAD, stream.state.get(), 2, words), stream,
-         "skip");
+  Expect(__quoSkipAheadStream(stream.state.get(), n), stream, "skip");
 }
 
 }  // namespace cli

@@ -27,6 +27,10 @@ int32_t GeneratorId(const std::string& generator, const std::string& member);
 // Seed words of 32 bits, separated by commas, in the order the generator takes them; none for "".
 std::vector<uint32_t> SeedWords(const std::string& words);
 Stream OpenStream(int32_t id, const std::string& generator, const std::vector<uint32_t>& seeds);
+// A stream as SaveStream wrote it.
+Stream LoadStream(const std::string& path);
+// Writes the stream's state to a file, which appears complete or not at all.
+void SaveStream(const Stream& stream, const std::string& path);
 // Keeps every s-th number from the k-th on, by "k/s", k counted from 0.
 void Leapfrog(Stream& stream, const std::string& k_of_s);
 // Passes over a count of numbers.

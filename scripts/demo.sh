@@ -5,7 +5,7 @@ cd "$(dirname "$0")/.."
 . scripts/setup.sh
 mkdir -p build
 echo "Building; the first time takes some minutes ..."
-if ! { cmake --preset release && cmake --build --preset release --target pexquo_program michelson; } \
+if ! { cmake --preset release && cmake --build --preset release --target pexquo_program michelson european_call; } \
     > build/demo.log 2>&1; then
   tail -n 30 build/demo.log >&2
   exit 1
@@ -33,6 +33,16 @@ echo "Every level gives the same bytes: ${same[*]}"
 
 printf '\n== How far may the mean be off? Resampling with three generators\n'
 "$bin/michelson" "$data"
+
+printf '\n== A European call by Monte Carlo, normal variates by inversion, in two threads\n'
+"$bin/european_call"
+
+printf '\n== Ten normal numbers, the stream saved after five (pexquo draw gaussian)\n'
+"$bin/pexquo" draw gaussian --generator mt19937 --seed 7 --count 10 -o "$work/ten.txt"
+"$bin/pexquo" draw gaussian --generator mt19937 --seed 7 --count 5 --save "$work/stream" -o "$work/five.txt"
+"$bin/pexquo" draw gaussian --load "$work/stream" --count 5 >> "$work/five.txt"
+cmp "$work/ten.txt" "$work/five.txt"
+paste -s "$work/five.txt"
 
 printf '\n== What an element error looks like (pexquo eval ln on 299850, 0, -299850)\n'
 printf '299850\n0\n-299850\n' > "$work/odd.txt"

@@ -27,7 +27,11 @@ KRO_API void kro_serv_kro_free(void* p);
 KRO_API int kro_serv_kro_print(int32_t kind, int32_t message_id, int32_t nargs, ...);
 
 /* B := alpha op(A) B or alpha B op(A), A triangular: the Level 3 BLAS operations DTRMM and STRMM,
- * by their usual arguments, column-major, all by reference. */
+ * by their usual arguments, column-major, all by reference. The 4pex entries are the system's BLAS,
+ * whose last bits may depend on the processor. So are the x entries, but for the product of
+ * multivariate random numbers: side "L", uplo "U", transa "T", diag "N", alpha 1, m from 1 to 10,
+ * ldb = m. There element i of a column b becomes A[i][i] b[i] + A[0][i] b[0] + ... + A[i-1][i]
+ * b[i-1], each product and sum rounded, with the same bits on every processor. */
 KRO_API void kro_blas4pex_dtrmm(const char* side, const char* uplo, const char* transa,
                                 const char* diag, const int32_t* m, const int32_t* n,
                                 const double* alpha, const double* a, const int32_t* lda, double* b,

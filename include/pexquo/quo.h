@@ -337,9 +337,137 @@ QUO_API int32_t _quoiRngUniformBits(uint32_t method, StreamState* stream, int32_
 
 /* ---- Distributions: Gaussian. ---- */
 
+/* Methods of the normal distribution. */
+#define QUO_METHOD_GAUSSIAN_BOXMULLER 0u  /* two uniforms an output */
+#define QUO_METHOD_GAUSSIAN_BOXMULLER2 1u /* two uniforms two outputs */
+#define QUO_METHOD_GAUSSIAN_ICDF 2u       /* one uniform an output */
+
+/* n normal numbers with mean a and standard deviation sigma (> 0, which is not checked). Of two
+ * uniforms u1, u2 on [0, 1), R = sqrt(-2 ln u1):
+ *   BOXMULLER   R sin(2 pi u2), one output;
+ *   BOXMULLER2  R sin(2 pi u2), then R cos(2 pi u2): G. E. P. Box, M. E. Muller, Annals of
+ *               Mathematical Statistics 29 (1958). A pair that a call has half used is finished by
+ *               the next call of this method and precision on the stream, so the sequence does not
+ *               depend on how it is asked for. The pair is kept in the stream's chunk 2 (double, 16
+ *               bytes) or 1 (single, 8 bytes), which goes with the stream into copies and files; a
+ *               chunk of that key and another size is passed over, and a new one added;
+ *   ICDF        sqrt(2) erfinv(u), u a uniform on [-1, 1).
+ * Each output times sigma plus a, both rounded (ICDF: times sigma sqrt(2), rounded, plus a). Double
+ * outputs come from the vector functions with 26 correct bits, single ones from those with 21.
+ * Where these have no finite value, at u1 = 0 and u = -1, fixed values stand in: ln 0 is -744.44
+ * (single: -103.28), erfinv(-1) is -0.76705 (-1.0837). The thread's vector-math mode, status and
+ * callback are as before afterwards, and the callback is not called.
+ *
+ * Returns the status of the last request for uniforms; 0 for n < 1, which does nothing; -2 for
+ * another method; -4. A negative status of the generator ends the call: earlier blocks of 1024
+ * uniforms (BOXMULLER: 1024 outputs) are done, by BOXMULLER2 without sigma and a. */
+QUO_API int32_t _quodRngGaussian(uint32_t method, StreamState* stream, int32_t n, double* r,
+                                 double a, double sigma);
+QUO_API int32_t _quosRngGaussian(uint32_t method, StreamState* stream, int32_t n, float* r, float a,
+                                 float sigma);
+
+/* How a lower triangular factor T of dimension m is stored. */
+#define QUO_STORAGE_FULL 0   /* m m numbers, T[i][j] at i m + j; those above the diagonal unread */
+#define QUO_STORAGE_PACKED 1 /* m (m + 1) / 2 numbers, column by column from the diagonal down */
+#define QUO_STORAGE_DIAGONAL 2 /* m numbers, the diagonal */
+
+/* n vectors x = a + T z of dimension dimen, one behind the other in r (n dimen numbers): z of
+ * standard normal numbers, as many and in the order that _quo*RngGaussian gives by the method; a
+ * has dimen numbers, the covariance of x is T T'. Element i of x is, summed from the left:
+ *   full      T[i][i] z[i] + T[i][0] z[0] + ... + T[i][i-1] z[i-1] + a[i], for dimensions to 10;
+ *             beyond, the system's BLAS multiplies (DTRMM, STRMM) in an order of its own, so that
+ *             the last bits may depend on the processor;
+ *   packed    T[i][0] z[0] + T[i][1] z[1] + ... + T[i][i] z[i] + a[i];
+ *   diagonal  T[i][i] z[i] + a[i].
+ * Dimension 1 is _quo*RngGaussian(method, stream, n, r, a[0], t[0]), whatever the storage. For an
+ * unknown storage the vectors z stay in r.
+ *
+ * Returns as _quo*RngGaussian, after a negative status with what was drawn in r, and -3 for a
+ * dimension below 1, -4 where a packed factor of 1024 dimensions or more finds no memory for a
+ * vector: the z stay in r then. */
+QUO_API int32_t _quodRngGaussianMV(uint32_t method, StreamState* stream, int32_t n, double* r,
+                                   int32_t dimen, int32_t mstorage, const double* a,
+                                   const double* t);
+QUO_API int32_t _quosRngGaussianMV(uint32_t method, StreamState* stream, int32_t n, float* r,
+                                   int32_t dimen, int32_t mstorage, const float* a, const float* t);
+
 /* ---- Distributions: exponential, Laplace, Weibull, Cauchy, Rayleigh, lognormal, Gumbel. ---- */
 
+/* n numbers at r, an array at any address, made of uniforms u on [0, 1) unless it says otherwise,
+ * by inversion (L. Devroye, Non-Uniform Random Variate Generation, Springer 1986, chapter II). The
+ * method word is not looked at, and no parameter is checked: beta, alpha and sigma should be
+ * positive. Logarithms, powers, tangents and exponentials are those of vector math with 26 bits in
+ * double and 21 bits in single precision (_pexdLn_26, _pexsLn_21, ...); every other operation is
+ * rounded by itself, in the order written, and max(a, x) is a > x ? a : x.
+ *
+ * log(0) is -744.4400719213812, in single precision -103.27893, the logarithm of the smallest
+ * positive number: a generator's u = 0 gives a finite number. What a user's generator may give
+ * outside [0, 1) is special too: its logarithm becomes the same value in exponential, Laplace and
+ * Gumbel, and stays what it is in the others. No special element reaches the thread's callback,
+ * mode or status.
+ *
+ * After a negative status r holds what the generator left there, untransformed. */
+
+/* Exponential: max(a, a - beta log(u)). One uniform each. */
+QUO_API int32_t _quodRngExponential(uint32_t method, StreamState* stream, int32_t n, double* r,
+                                    double a, double beta);
+QUO_API int32_t _quosRngExponential(uint32_t method, StreamState* stream, int32_t n, float* r,
+                                    float a, float beta);
+/* Laplace: log(u1) (-beta) + a if u2 <= 1/2, else log(u1) beta + a. Two uniforms each, u1 first,
+ * drawn for 1024 numbers at a time; finished blocks stay in r after a negative status, the others
+ * are not touched. Nothing, and 0, for n < 1. */
+QUO_API int32_t _quodRngLaplace(uint32_t method, StreamState* stream, int32_t n, double* r,
+                                double a, double beta);
+QUO_API int32_t _quosRngLaplace(uint32_t method, StreamState* stream, int32_t n, float* r, float a,
+                                float beta);
+/* Weibull: max(a, x beta + a), x = (0 - log(u))^(1/alpha). One uniform each. A power that is a pole
+ * (alpha negative) has the value of log(0), one that overflows is infinite. */
+QUO_API int32_t _quodRngWeibull(uint32_t method, StreamState* stream, int32_t n, double* r,
+                                double alpha, double a, double beta);
+QUO_API int32_t _quosRngWeibull(uint32_t method, StreamState* stream, int32_t n, float* r,
+                                float alpha, float a, float beta);
+/* Cauchy: tan(u) beta + a, u uniform on [-pi/2, pi/2), bounds as rounded. One uniform each. */
+QUO_API int32_t _quodRngCauchy(uint32_t method, StreamState* stream, int32_t n, double* r, double a,
+                               double beta);
+QUO_API int32_t _quosRngCauchy(uint32_t method, StreamState* stream, int32_t n, float* r, float a,
+                               float beta);
+/* Rayleigh: max(a, sqrt(0 - log(u)) beta + a). One uniform each. Where the density is
+ * x/s^2 exp(-x^2/(2 s^2)), beta is s times the square root of 2. */
+QUO_API int32_t _quodRngRayleigh(uint32_t method, StreamState* stream, int32_t n, double* r,
+                                 double a, double beta);
+QUO_API int32_t _quosRngRayleigh(uint32_t method, StreamState* stream, int32_t n, float* r, float a,
+                                 float beta);
+/* Lognormal: max(b, exp(z) beta + b), z normal with mean a and deviation sigma: method 1 of
+ * _quodRngGaussian, whose uniforms it takes and whose pair it holds over to the next call. A status
+ * of the normals is returned (-4 among them). What overflows is infinite. */
+QUO_API int32_t _quodRngLognormal(uint32_t method, StreamState* stream, int32_t n, double* r,
+                                  double a, double sigma, double b, double beta);
+QUO_API int32_t _quosRngLognormal(uint32_t method, StreamState* stream, int32_t n, float* r,
+                                  float a, float sigma, float b, float beta);
+/* Gumbel, of the smallest value: log(e) beta + a, e exponential with a = 0 and beta = 1. One uniform
+ * each. */
+QUO_API int32_t _quodRngGumbel(uint32_t method, StreamState* stream, int32_t n, double* r, double a,
+                               double beta);
+QUO_API int32_t _quosRngGumbel(uint32_t method, StreamState* stream, int32_t n, float* r, float a,
+                               float beta);
+
 /* ---- Distributions: Bernoulli and geometric. ---- */
+
+/* n integers at r, an array at any address, from one single-precision uniform u on [0, 1) each. The
+ * method word is not looked at and p, the probability of a success, is not checked. */
+
+/* Bernoulli: 1 if u < p, else 0, with p rounded to single precision. p = 0 gives zeros, p = 1 ones.
+ * After a negative status r holds what the generator left there, floats. */
+QUO_API int32_t _quoiRngBernoulli(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
+                                  double p);
+/* Geometric, the failures before the first success: the floor of _pexsLn_21(u) c in single
+ * precision, c = 1/log(1 - p) computed in double and rounded; log(0) is -103.27893 for u, and
+ * -744.4400719213812 for 1 - p (p = 1 gives zeros). Drawn in blocks of 1024; finished blocks stay in
+ * r after a negative status, the others are not touched. Nothing, and 0, for n < 1. A count beyond
+ * the 32-bit range becomes the nearest end; where 1 - p rounds to 1, c is infinite and that is
+ * -2^31. (L. Devroye, Non-Uniform Random Variate Generation, Springer 1986, section X.2.) */
+QUO_API int32_t _quoiRngGeometric(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
+                                  double p);
 
 #ifdef __cplusplus
 }

@@ -77,6 +77,7 @@ T Exchange(T& slot, T value) {
 }  // namespace
 
 namespace pex {
+ThreadState CurrentThread() { return {Mode(), ErrStatus(), CallBack()}; }
 const void* InputVectorBase() { return InputVecorPointer(); }
 }  // namespace pex
 

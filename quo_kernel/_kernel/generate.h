@@ -23,6 +23,11 @@ inline int32_t Generate(StreamState* stream, int32_t n, uint32_t* r) {
   return brng == nullptr ? QUO_INVALID_BRNG : brng->iBRng(stream, n, r);
 }
 
+// Whether requests to the stream's generator may be split at will: the library's own generators
+// give the same outputs however they are asked and never fail once seeded. Users' generators and
+// abstract streams see each request.
+inline bool RequestsAreUnseen(const StreamState* stream) { return stream->id < QUO_BRNG_IABSTRACT; }
+
 }  // namespace quo
 
 #endif  // QUO_KERNEL__KERNEL_GENERATE_H_

@@ -185,13 +185,13 @@ std::vector<uint32_t> LibraryBits(std::string_view generator, int n) {
 TEST(RandomPeers, DrawTheSequenceOfTheirGenerator) {
   constexpr int n = 1000;
   for (const bench::RandomPeer& peer : bench::RandomPeers()) {
-    if (!peer.same || peer.output != bench::Output::Bits) continue;
+    if (!peer.same || peer.output != std::string_view("bits")) continue;
     SCOPED_TRACE(std::string(peer.generator) + " " + peer.name);
     const int words = WordsOf(peer.generator);
     std::vector<uint32_t> got(n * words);
     for (int i = 0; i < n; i += 8) peer.fill(8, got.data() + i * words);
-    // Engines of packages step before they output, the library and the plain loop after.
-    const bool late = std::string_view(peer.name) != "plain loop";
+    // Congruential engines of packages step before they output, all others after.
+    const bool late = std::string_view(peer.generator).starts_with("MCG");
     const std::vector<uint32_t> bits = LibraryBits(peer.generator, n + 1);
     const auto begin = bits.begin() + (late ? words : 0);
     EXPECT_EQ(got, std::vector<uint32_t>(begin, begin + n * words));
@@ -212,21 +212,57 @@ void CheckUniform(const bench::RandomPeer& peer, T end) {
 
 TEST(RandomPeers, AreUniformOnTheirInterval) {
   for (const bench::RandomPeer& peer : bench::RandomPeers()) {
-    SCOPED_TRACE(std::string(peer.generator) + " " + peer.name + " " + OutputName(peer.output));
-    switch (peer.output) {
-      case bench::Output::Bits:
-        break;
-      case bench::Output::Double:
-        CheckUniform<double>(peer, 1);
-        break;
-      case bench::Output::Float:
-        CheckUniform<float>(peer, 1);
-        break;
-      case bench::Output::Integers:
-        CheckUniform<int32_t>(peer, bench::kIntegers - 1);
-        break;
+    SCOPED_TRACE(std::string(peer.generator) + " " + peer.name + " " + peer.output);
+    const std::string_view output = peer.output;
+    if (output == "uniform d") CheckUniform<double>(peer, 1);
+    if (output == "uniform f") CheckUniform<float>(peer, 1);
+    if (output == "integers") CheckUniform<int32_t>(peer, bench::kIntegers - 1);
+  }
+}
+
+// The peers of a distribution draw what the library draws: these quantiles agree (those of integers
+// stay clear of the probabilities where they jump).
+template <typename T>
+std::vector<double> Quantiles(const std::function<void(int, void*)>& fill) {
+  constexpr int n = 100000;
+  std::vector<T> r(n);
+  fill(n, r.data());
+  std::ranges::sort(r);
+  std::vector<double> quantiles;
+  for (int i = 5; i < 100; i += 10) quantiles.push_back(static_cast<double>(r[i * n / 100]));
+  return quantiles;
+}
+
+TEST(RandomPeers, DrawTheDistributionsOfTheLibrary) {
+  StreamState* stream = nullptr;
+  const uint32_t seed = 1;
+  ASSERT_EQ(__quoNewStreamEx(&stream, QUO_BRNG_MT19937, 1, &seed), QUO_OK);
+  for (const bench::RandomPeer& peer : bench::RandomPeers()) {
+    const std::string_view output = peer.output;
+    const quo::Distribution* d = quo::FindDistribution(output.substr(0, output.find(' ')));
+    if (d == nullptr || d->name == "uniform") continue;
+    SCOPED_TRACE(std::string(peer.name) + " " + peer.output);
+    const char type = output.back() == 'f' ? 's' : output.back();
+    // Vectors of uncorrelated components are scalars of the normal distribution.
+    const bool vectors = d->name == "gaussianmv";
+    const quo::Sampler* sampler =
+        quo::FindSampler(vectors ? *quo::FindDistribution("gaussian") : *d, type);
+    ASSERT_NE(sampler, nullptr);
+    const auto parameters = sampler->distribution->ShownParameters();
+    const auto ours = [&](int n, void* r) {
+      EXPECT_EQ(sampler->draw(0, stream, n, r, parameters.data()), QUO_OK);
+    };
+    const auto quantiles = [&](const std::function<void(int, void*)>& fill) {
+      return type == 'd'   ? Quantiles<double>(fill)
+             : type == 's' ? Quantiles<float>(fill)
+                           : Quantiles<int32_t>(fill);
+    };
+    const std::vector<double> expected = quantiles(ours), got = quantiles(peer.fill);
+    for (size_t i = 0; i < expected.size(); ++i) {
+      EXPECT_NEAR(got[i], expected[i], 0.06 * std::max(1.0, std::fabs(expected[i]))) << i;
     }
   }
+  __quoDeleteStream(&stream);
 }
 
 }  // namespace

@@ -63,6 +63,11 @@ RANDOM = {
     "WH/uniform d/pexquo/n:1000": 0.9, "WH/uniform d clamped/pexquo/n:1000": 1.1,
     "WH/uniform d/peer/plain loop/n:1000": 3.0,
     "NEW/bits/pexquo/n:1000": 5.0, "NEW/bits/peer/std/n:1000": 1.0,
+    "R250/bits/pexquo/n:1000": 0.4, "R250/bits/other/GSL gfsr4/n:1000": 1.0,
+    "R250/bits/other/GSL r250/n:1000": 2.0,
+    "MT19937/gaussian icdf d/pexquo/n:1000": 1.2, "MT19937/gaussian boxmuller d/pexquo/n:1000": 2.0,
+    "MT19937/gaussian d/other/Boost/n:1000": 3.6, "MT19937/gumbel f/pexquo/n:1000": 1.5,
+    "MT19937/gumbel f/other/std/n:1000": 6.0,
 }
 
 
@@ -119,13 +124,19 @@ class Judging(unittest.TestCase):
             (("WH", "uniform d"), "plain loop", 1 / 3),
             (("WH", "uniform d clamped"), "plain loop", 1 / 3),
             (("NEW", "bits"), "std", None),
+            (("R250", "bits"), "GSL gfsr4", 1 / 3),
+            (("MT19937", "gaussian icdf d"), "Boost", 1 / 3),
+            (("MT19937", "gaussian boxmuller d"), "Boost", None),
+            (("MT19937", "gumbel f"), "std", 1 / 5),
         ]
         for row, peer, limit in cases:
             with self.subTest(row=row):
                 self.assertEqual((rows[row].peer, rows[row].limit), (peer, limit))
         misses = report.random_misses(list(rows.values()), 1000)
         self.assertEqual([(m.what, round(m.ratio, 2)) for m in misses],
-                         [("WH uniform d clamped beside plain loop", 0.37)])
+                         [("WH uniform d clamped beside plain loop", 0.37),
+                          ("R250 bits beside GSL gfsr4", 0.4),
+                          ("MT19937 gumbel f beside std", 0.25)])
 
     def test_unreadable_results_are_named(self):
         for text in ("{", "[]", '{"benchmarks": [{"aggregate_name": "min"}]}'):

@@ -26,7 +26,9 @@ template <size_t kBytes, class D>
 class RowOffsets {
  public:
   RowOffsets() = default;
-  HWY_INLINE RowOffsets(D d, BitsOf<D> j) {
+  HWY_INLINE RowOffsets(D d, BitsOf<D> j) { Set(d, j); }
+  // For an array of offsets: GCC moves what it assigns through registers, number by number.
+  HWY_INLINE void Set(D d, BitsOf<D> j) {
     constexpr int kShift = std::countr_zero(kBytes);
     const auto offset = hn::And(hn::ShiftLeft<kShift>(j), SetBits(d, 0xFFFF * kBytes));
     hn::Store(offset, hn::RebindToSigned<D>(), at_);

@@ -105,7 +105,7 @@ HWY_INLINE void ErfInvShort(D d, const ErfInvArgument<V> (&u)[K], V (&y)[K]) {
   constexpr int kBits = kLine ? kErfInvBits : kErfInvShortBits;
   using Offsets = RowOffsets<kLine ? sizeof(kErfInvLines[0]) : sizeof(kErfInvShort[0]), D>;
   Offsets at[K];
-  for (size_t k = 0; k < K; ++k) at[k] = Offsets(d, ErfInvRowNumber<kBits>(d, u[k].q));
+  for (size_t k = 0; k < K; ++k) at[k].Set(d, ErfInvRowNumber<kBits>(d, u[k].q));
   for (size_t k = 0; k < K; ++k) {
     V g;
     if constexpr (kLine) {
@@ -135,7 +135,7 @@ HWY_INLINE void ErfInvFull(D d, const ErfInvArgument<V> (&u)[K], Pair<V> (&y)[K]
   V t[K], t2[K], p[K];
   Row4<V> first[K];
   MaskOf<D> central[K];
-  for (size_t k = 0; k < K; ++k) at[k] = Offsets(d, ErfInvRowNumber<kErfInvBits>(d, u[k].q));
+  for (size_t k = 0; k < K; ++k) at[k].Set(d, ErfInvRowNumber<kErfInvBits>(d, u[k].q));
   for (size_t k = 0; k < K; ++k) {
     first[k] = LoadRows4(d, &kRows[0][0][0], at[k]);
     central[k] = hn::Ge(u[k].q, hn::Set(d, 0.5));
