@@ -544,9 +544,10 @@ PEXQUO_API int _pexcLog10_11(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcLog10_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcLog10_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
-/* Sqrt: r[i] = sqrt(a). One computation for all tiers. In the right half-plane, cut along the
-   negative real axis. Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in single:
-   HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
+/* Sqrt: r[i] = sqrt(a). One computation in double precision; in single, _11 is _21, which computes
+   in floats. In the right half-plane, cut along the negative real axis. Bounds in double: HA 0.55
+   ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 2.5 ulp, _11 at least 21
+   bits. */
 PEXQUO_API int _pexzSqrt_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzSqrt_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzSqrt_HA(int32_t n, const PexComplex16* a, PexComplex16* r);

@@ -202,12 +202,18 @@ template <class D>
 HWY_INLINE VecOf<D> Root(D, VecOf<D> a) {
   return hn::Sqrt(a);
 }
+// 1/(2 s) to 2^-6, from the bits: the difference of a constant and s, and a step of Newton's.
+template <class D, class V = VecOf<D>>
+HWY_INLINE V RoughHalfInverse(D d, V s) {
+  const V y = FromBits(d, hn::Sub(SetBits(d, 0x7FCE623822FC16E6), Bits(d, s)));
+  return hn::Mul(y, hn::Sub(hn::Set(d, 2.0), hn::Mul(hn::Add(s, s), y)));
+}
+// Of the correction six bits are enough: the root is good to 2^-59.
 template <class D>
 HWY_INLINE PairOf<D> Root(D d, PairOf<D> a) {
   const auto s = hn::Sqrt(a.hi);
   const auto rest = hn::Add(Remainder(d, a.hi, s, s), a.lo);
-  const auto inverse = hn::Div(hn::Set(d, 0.5), hn::Max(s, hn::Set(d, 0x1p-700)));
-  return {s, hn::Mul(rest, inverse)};
+  return {s, hn::Mul(rest, RoughHalfInverse(d, s))};
 }
 
 // ---- Exponential and hyperbolic functions, |x| <= 700. ----

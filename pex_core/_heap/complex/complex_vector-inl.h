@@ -248,7 +248,7 @@ struct ComplexSqrt {
     const N modulus = Root(d, Plus(d, SquareOf<N>(d, ax), SquareOf<N>(d, ay)));
     const N t = Root(d, Scaled(d, Plus(d, modulus, From<N>(d, ax)), 0.5));
     const V major = Value(d, t);
-    const V minor = Value(d, Over(d, From<N>(d, ay), Scaled(d, t, 2)));
+    const V minor = Value(d, Over(d, From<N>(d, hn::Mul(ay, hn::Set(d, 0.5))), t));
     return {hn::IfNegativeThenElse(z.re, minor, major),
             hn::CopySignToAbs(hn::IfNegativeThenElse(z.re, major, minor), z.im)};
   }
