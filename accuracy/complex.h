@@ -40,7 +40,8 @@ struct ComplexRegimeResult {
 };
 
 // `count` points of each regime: the typical range; moderate and all magnitudes; one part zero or
-// much smaller than the other; parts nearly equal; sums of products that cancel; subnormal numbers;
+// much smaller than the other; parts nearly equal; sums of products that cancel; of
+// elementary functions 1, -1, i, -i and the unit circle closely; subnormal numbers;
 // any finite bit patterns. Entries measured by the modulus take the first two alone: beyond them
 // their steps overflow and underflow as they are specified to. Where an exact part is 0 the
 // result's part is to be 0 of either sign.

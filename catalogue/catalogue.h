@@ -33,6 +33,10 @@ enum class Measure { Parts, Modulus };
 inline constexpr std::array<Measure, 4> kEPByModulus = {Measure::Parts, Measure::Modulus,
                                                         Measure::Parts, Measure::Parts};
 
+// Of functions that are one sum of products whatever the tier.
+inline constexpr std::array<Measure, 4> kByModulus = {Measure::Modulus, Measure::Modulus,
+                                                      Measure::Modulus, Measure::Modulus};
+
 struct Range {
   double lo = 0, hi = 0;
 };
