@@ -3,6 +3,7 @@
 // DOCS/accuracy.md and the plots beside it. It reads the rows alone, so that it runs before the
 // library exists.
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cstdio>
 #include <exception>
@@ -25,6 +26,14 @@ namespace {
   pex::Function{.name = #Name, .shape = pex::Shape::shape_, .tiered = false, __VA_ARGS__},
 constexpr pex::Function kFunctions[] = {
 #include "catalogue/functions.def"
+};
+
+#define PEX_COMPLEX_TIERED(Name, shape_, ...) \
+  pex::Function{.name = #Name, .shape = pex::Shape::shape_, .tiered = true, __VA_ARGS__},
+#define PEX_COMPLEX_PLAIN(Name, shape_, ...) \
+  pex::Function{.name = #Name, .shape = pex::Shape::shape_, .tiered = false, __VA_ARGS__},
+constexpr pex::Function kComplexFunctions[] = {
+#include "catalogue/complex_functions.def"
 };
 
 constexpr size_t kWidth = 100;
@@ -56,24 +65,43 @@ std::string Number(double x) {
   return text;
 }
 
+// A bound in ulp of an exact result's parts, or of its modulus.
+std::string Ulp(const pex::Function& f, pex::Tier tier, double bound) {
+  const bool modulus = f.measures[static_cast<int>(tier)] == pex::Measure::Modulus;
+  return Number(bound) + (modulus ? " ulp of the larger part" : " ulp");
+}
+
+std::string Bits(const pex::Function& f, double bits) {
+  const bool modulus = f.measures[static_cast<int>(pex::Tier::EP)] == pex::Measure::Modulus;
+  return "at least " + Number(bits) + " bits" + (modulus ? " of the larger part" : "");
+}
+
 std::string Comment(const pex::Function& f) {
   std::string text = "/* " + std::string(f.name) + ": r[i] = " + std::string(f.formula) + ". " +
                      std::string(f.notes);
   if (f.tiered) {
-    text += " Bounds in double: HA " + Number(f.d.ha) + " ulp, _50 " + Number(f.d.la) +
-            " ulp, _26 at least " + Number(f.d.ep_bits) + " bits; in single: HA " +
-            (f.s.ha == 0.5 ? "correctly rounded" : Number(f.s.ha) + " ulp") + ", _21 " +
-            Number(f.s.la) + " ulp, _11 at least " + Number(f.s.ep_bits) + " bits.";
+    using pex::Tier;
+    text += " Bounds in double: HA " + Ulp(f, Tier::HA, f.d.ha) + ", _50 " +
+            Ulp(f, Tier::LA, f.d.la) + ", _26 " + Bits(f, f.d.ep_bits) + "; in single: HA " +
+            (f.s.ha == 0.5 ? "correctly rounded" : Ulp(f, Tier::HA, f.s.ha)) + ", _21 " +
+            Ulp(f, Tier::LA, f.s.la) + ", _11 " + Bits(f, f.s.ep_bits) + ".";
   }
   return Wrap(text + " */", "   ") + "\n";
 }
 
 std::string Declaration(const pex::Function& f, char type, std::string_view suffix) {
-  const std::string t = type == 'd' ? "double" : "float";
-  const std::string in = "const " + t + "* ", out = t + "* ";
+  const bool is_double = type == 'd' || type == 'z';
+  const std::string real = is_double ? "double" : "float";
+  const std::string complex = is_double ? "PexComplex16" : "PexComplex8";
+  const bool is_complex = type == 'z' || type == 'c';
+  const std::string t = is_complex && f.shape != pex::Shape::FromReal ? complex : real;
+  const std::string u = is_complex && f.shape != pex::Shape::ToReal ? complex : real;
+  const std::string in = "const " + t + "* ", out = u + "* ";
   std::string arguments;
   switch (f.shape) {
     case pex::Shape::Unary:
+    case pex::Shape::ToReal:
+    case pex::Shape::FromReal:
       arguments = in + "a, " + out + "r";
       break;
     case pex::Shape::Binary:
@@ -92,6 +120,22 @@ std::string Declaration(const pex::Function& f, char type, std::string_view suff
          "\n";
 }
 
+// In double and single precision, all tiers.
+std::string Declarations(const pex::Function& f, std::array<char, 2> types) {
+  std::string text;
+  for (const char type : types) {
+    const bool is_double = type == types[0];
+    if (!f.tiered) {
+      text += Declaration(f, type, "");
+      continue;
+    }
+    for (const char* suffix : {is_double ? "_26" : "_11", is_double ? "_50" : "_21", "_HA"}) {
+      text += Declaration(f, type, suffix);
+    }
+  }
+  return text;
+}
+
 std::string Header() {
   std::string text =
       "/* Generated from catalogue/functions.def by catalogue/make_header.cc: change the row, "
@@ -100,15 +144,14 @@ std::string Header() {
       "#ifndef PEXQUO_PEX_FUNCTIONS_H_\n#define PEXQUO_PEX_FUNCTIONS_H_\n";
   for (const pex::Function& f : kFunctions) {
     text += "\n" + Comment(f);
-    for (const char type : {'d', 's'}) {
-      if (!f.tiered) {
-        text += Declaration(f, type, "");
-        continue;
-      }
-      for (const char* suffix : {type == 'd' ? "_26" : "_11", type == 'd' ? "_50" : "_21", "_HA"}) {
-        text += Declaration(f, type, suffix);
-      }
-    }
+    text += Declarations(f, {'d', 's'});
+  }
+  text +=
+      "\n/* ---- Complex functions. Bounds are ulp of each part of a result, or, where it is said, "
+      "of its\n   larger part. They report no element and change no status. ---- */\n";
+  for (const pex::Function& f : kComplexFunctions) {
+    text += "\n" + Comment(f);
+    text += Declarations(f, {'z', 'c'});
   }
   text += "\n#endif /* PEXQUO_PEX_FUNCTIONS_H_ */\n";
   return text;

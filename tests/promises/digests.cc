@@ -34,8 +34,8 @@ Digest DigestOf(const pex::Entry& entry) {
 
 int main(int argc, char** argv) {
   std::vector<Pinned> all;
-  for (const pex::Entry& entry : pex::Entries()) {
-    all.push_back({std::string(entry.symbol), [&entry] { return DigestOf(entry); }});
+  for (const pex::Entry* entry : AllEntries()) {
+    all.push_back({std::string(entry->symbol), [entry] { return DigestOf(*entry); }});
   }
   return RunDigests(all, kHead, argc, argv);
 }
