@@ -16,6 +16,7 @@ import pathlib
 import shutil
 import subprocess
 import sys
+import textwrap
 import threading
 import time
 
@@ -301,6 +302,11 @@ outputs, counted from the lowest.
 """
 
 
+def wrapped(text):
+    """Its paragraphs in lines of at most 100 characters; tables and headings stay."""
+    return "\n\n".join(p if p.startswith(("|", "#")) else textwrap.fill(p, 100) for p in text.split("\n\n"))
+
+
 def table(lines):
     return "\n".join("| " + " | ".join(cells) + " |" for cells in lines)
 
@@ -347,7 +353,7 @@ def document(program, found, full):
             rows = "\n".join(gathered(found[name][0]))
             text += (f"\n### {name}\n\n{known} Fed: {FED[fed][2]}.\n\n"
                      f"| test | p | assessment |\n|---|---|---|\n{rows}\n")
-    return text
+    return wrapped(text.rstrip()) + "\n"
 
 
 def main():
