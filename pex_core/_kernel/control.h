@@ -57,27 +57,26 @@ class RoundingGuard {
   uint32_t saved_;
 };
 
-// As ControlGuard, for calls that leave no trace but inexact in the caller's flags: random numbers.
+// As ControlGuard, for calls that leave no trace in the caller's flags but perhaps inexact: random
+// numbers.
 class QuietGuard {
  public:
-  // `quiet`: the caller knows that nothing more than inexact can be raised; saves a second look.
+  // `quiet`: the caller knows that nothing more than inexact can be raised; saves the way back.
   explicit QuietGuard(bool quiet = false) : saved_(_mm_getcsr()), quiet_(quiet) {
     if ((saved_ & ~kFlags) == kDefault) return;
     _mm_setcsr(kDefault | (saved_ & kFlags));
     quiet_ = false;
   }
+  // Writes what it has read: to read the word once more would wait for all arithmetic under way,
+  // and the caller of a random number can do without its inexact.
   ~QuietGuard() {
-    if (quiet_) return;
-    const uint32_t now = _mm_getcsr();
-    const uint32_t restored = saved_ | (now & kInexact);
-    if (now != restored) _mm_setcsr(restored);
+    if (!quiet_) _mm_setcsr(saved_);
   }
   QuietGuard(const QuietGuard&) = delete;
   QuietGuard& operator=(const QuietGuard&) = delete;
 
  private:
   static constexpr uint32_t kFlags = 0x3F;
-  static constexpr uint32_t kInexact = 0x20;
   static constexpr uint32_t kDefault = 0x1F80;
   uint32_t saved_;
   bool quiet_;  // nothing to restore at the end
