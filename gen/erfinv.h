@@ -69,6 +69,18 @@ inline Real ErfcInverse(const Real& q) {
   return y;
 }
 
+// The coefficients, lowest first, of the polynomial that takes the values c at the points x.
+inline std::vector<Real> Through(const std::vector<Real>& x, std::vector<Real> c) {
+  const int degree = static_cast<int>(x.size()) - 1;
+  for (int k = 1; k <= degree; ++k) {
+    for (int i = degree; i >= k; --i) c[i] = (c[i] - c[i - 1]) / (x[i] - x[i - k]);
+  }
+  for (int k = degree; k-- > 0;) {
+    for (int i = k; i < degree; ++i) c[i] = c[i] - x[k] * c[i + 1];
+  }
+  return c;
+}
+
 // The coefficients, lowest first, in x - center of the polynomial that takes the function's values
 // at the Chebyshev points of center +- radius.
 inline std::vector<Real> Interpolate(const std::function<Real(Real)>& function, double center,
@@ -78,13 +90,7 @@ inline std::vector<Real> Interpolate(const std::function<Real(Real)>& function, 
     x.push_back(radius * std::cos(std::numbers::pi * (i + 0.5) / (degree + 1)));
     c.push_back(function(x[i] + center));
   }
-  for (int k = 1; k <= degree; ++k) {
-    for (int i = degree; i >= k; --i) c[i] = (c[i] - c[i - 1]) / (x[i] - x[i - k]);
-  }
-  for (int k = degree; k-- > 0;) {
-    for (int i = k; i < degree; ++i) c[i] = c[i] - x[k] * c[i + 1];
-  }
-  return c;
+  return Through(x, c);
 }
 
 // erfcinv(q), over 1 - q from 1/2 on.

@@ -5,6 +5,7 @@
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/erfinv-inl.h"
 #include "pex_core/_heap/real/erfinv_single_tables.h"
+#include "pex_core/_heap/real/exp_single-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 
@@ -30,13 +31,12 @@ struct OctaveRows {
     columns_ = columns;
     j_ = j;
   }
+  // After(p): the next column is looked up when p is there.
   HWY_INLINE VecOf<D> Column(size_t i) const {
     return VecOf<D>{_mm512_permutex2var_ps(_mm512_load_ps(columns_[i]), j_.raw,
                                            _mm512_load_ps(columns_[i] + 16))};
   }
-  // The next column is looked up after `p` is there: GCC looks them all up first, and runs out of
-  // registers.
-  HWY_INLINE void After(VecOf<D> p) { asm("" : "+v"(j_.raw) : "v"(p.raw)); }
+  HWY_INLINE void After(VecOf<D> p) { LookUpAfter(p, j_); }
   const float (*columns_)[32];
   BitsOf<D> j_;
 };
