@@ -53,21 +53,25 @@ void Table(const char* name, Real (*h)(const Real&), double stretch, double most
       const double candidate = middle + k * 0x1p-14;
       if (std::fabs(Lack(h(candidate))) < std::fabs(Lack(h(point)))) point = candidate;
     }
-    if (short_table) point = middle;
-    const double radius = std::fmax(point - low, high - point);
+    if (short_table) point = low == 0 ? 0 : middle;
+    const double half = (high - low) / 2;
     const Real value = h(point);
     const auto shifted = [&](const Real& t) { return h(t + point); };
     const auto slope = [&](const Real& t) { return (h(t + point) - value) / t; };
     std::vector<Real> c;
-    if (short_table) {
-      c = Interpolate(shifted, 0, radius, degree);
+    if (short_table && low != 0) {
+      c = Interpolate(shifted, 0, half, degree);
     } else {
-      std::vector<Real> nodes, values;  // the Chebyshev points but for the middle one
-      for (int k = 0; k <= degree; ++k) {
-        if (2 * k == degree) continue;
-        nodes.push_back(radius * std::cos(std::numbers::pi * (k + 0.5) / (degree + 1)));
+      // Through the value at the point, and at the other Chebyshev points; EP's at zero is exact.
+      const int count = short_table ? degree : degree + 1;
+      const double off = short_table ? half : 0;
+      const double radius = short_table ? half : std::fmax(point - low, high - point);
+      std::vector<Real> nodes, values;
+      for (int k = 0; k < count; ++k) {
+        if (2 * k == count - 1 && off == 0) continue;
+        nodes.push_back(off + radius * std::cos(std::numbers::pi * (k + 0.5) / count));
+        values.push_back(slope(nodes.back()));
       }
-      for (const Real& node : nodes) values.push_back(slope(node));
       c = Through(nodes, values);
       c.insert(c.begin(), value);
     }
