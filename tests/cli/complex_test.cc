@@ -193,7 +193,8 @@ TEST_F(ComplexTest, ChoosesTheFunctionByTheInput) {
   EXPECT_EQ(Run("eval sqrt z.npy").out, "0\t2\n1\t1\n");
   EXPECT_EQ(Run("eval sqrt", "4\n").out, "2\n");
   EXPECT_EQ(Run("eval sqrt --type z", "-4 -0\n").out, "0\t-2\n");
-  EXPECT_EQ(Run("eval powx z.npy --b 2,0").out, "16\t0\n-4\t0\n");
+  EXPECT_EQ(Run("eval powx --type z --b 3,0", "2 0\n").out, "8\t0\n");
+  EXPECT_EQ(Run("eval powx --b 3", "2\n").out, "8\n");
   EXPECT_EQ(Run("eval cis", "0\n").out, "1\t0\n");
 }
 
