@@ -9,11 +9,16 @@
 #include "pex_core/_kernel/control.h"
 #include "pexquo/pex.h"
 
-#define PEX_EXPORT_BODY(body, parameters, arguments) \
-  HWY_EXPORT(body);                                  \
-  extern "C" PEXQUO_API int _pex##body parameters {  \
-    const ControlGuard guard;                        \
-    return HWY_DYNAMIC_DISPATCH(body) arguments;     \
+// pex::unguarded::dExp_50 and so on are the same for callers within the library that have put the
+// control aside themselves: reading the control word takes as long as several elements.
+#define PEX_EXPORT_BODY(body, parameters, arguments)                   \
+  HWY_EXPORT(body);                                                    \
+  namespace unguarded {                                                \
+  int body parameters { return HWY_DYNAMIC_DISPATCH(body) arguments; } \
+  }                                                                    \
+  extern "C" PEXQUO_API int _pex##body parameters {                    \
+    const ControlGuard guard;                                          \
+    return HWY_DYNAMIC_DISPATCH(body) arguments;                       \
   }
 
 // The same with the caller's control word in force: entries that are the hardware's operations.

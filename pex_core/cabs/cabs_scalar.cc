@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "pex_core/_heap/real/long_double_functions.h"
 #include "pex_core/cmul/products.h"
 
 namespace pex {
@@ -30,7 +31,14 @@ double Modulus(double re, double im) {
 
 }  // namespace
 
-float cAbsNotFinite(Complex<float> a) { return NotFinite(std::fabs(a.re), std::fabs(a.im)); }
+// In double precision squares of floats neither overflow nor underflow, and they are exact.
+float cAbsScalar(Complex<float> a) {
+  if (!std::isfinite(a.re) || !std::isfinite(a.im)) {
+    return NotFinite(std::fabs(a.re), std::fabs(a.im));
+  }
+  const double re = a.re, im = a.im;
+  return static_cast<float>(_pexdsqrt_scalar(re * re + im * im));
+}
 
 double zAbsScalar(Complex<double> a) {
   if (!std::isfinite(a.re) || !std::isfinite(a.im)) return NotFinite(a.re, a.im);

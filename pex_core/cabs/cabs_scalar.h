@@ -6,11 +6,10 @@
 
 namespace pex {
 
-// Infinity where a part is one; otherwise the imaginary part where it is a NaN, or the real one,
-// quiet: in single precision without its sign. A signalling NaN raises invalid.
-float cAbsNotFinite(Complex<float> a);
-
-// The same, and |a| within 0.5001 ulp for finite numbers of any size.
+// |a| within 0.5001 ulp for finite numbers of any size. Infinity where a part is one; otherwise the
+// imaginary part where it is a NaN, or the real one, quiet: in single precision without its sign. A
+// signalling NaN raises invalid.
+float cAbsScalar(Complex<float> a);
 double zAbsScalar(Complex<double> a);
 
 }  // namespace pex

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -73,6 +74,26 @@ void SeedTwister(State* state, int32_t n, const uint32_t* params) {
   mt[0] = 0x80000000;  // never all zero
   state->mti = kN;
   state->reserved = 0;
+}
+
+// A few doubles on [0, 1), w 2^-32, from words that the block still has; false, with nothing done,
+// for any other request. Nothing here rounds or raises a flag, so it goes without a guard, whose
+// reading of the control word takes longer than all else.
+template <class State>
+bool FewFractions(State& state, int32_t n, double* r, double a, double b) {
+  constexpr int32_t kFew = 8;
+  if (n >= kFew || std::bit_cast<uint64_t>(a) != 0 ||
+      std::bit_cast<uint64_t>(b) != std::bit_cast<uint64_t>(1.0) ||
+      static_cast<uint32_t>(state.mti) > State::kN - static_cast<uint32_t>(n)) {
+    return false;
+  }
+  const TwisterWords words = state.words();
+  for (int32_t i = 0; i < n; ++i) {
+    const double x = Temper<State>(state.mt[state.mti + i], words) * 0x1p-32;
+    std::memcpy(r + i, &x, sizeof(x));
+  }
+  state.mti += n;
+  return true;
 }
 
 // InitStream: the twisters neither leap nor skip.

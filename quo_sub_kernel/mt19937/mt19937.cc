@@ -95,6 +95,7 @@ extern "C" QUO_API int32_t __quoBRngMT19937InitStream(int32_t method, StreamStat
 extern "C" QUO_API int32_t __quodBRngMT19937(StreamState* stream, int32_t n, double* r, double a,
                                              double b) {
   if (n < 1) return QUO_OK;
+  if (FewFractions(*State(stream), n, r, a, b)) return QUO_OK;
   const QuietGuard guard(ArePlainBounds(a, b));
   HWY_DYNAMIC_DISPATCH(dMT19937)(State(stream), static_cast<size_t>(n), r, a, b);
   return QUO_OK;

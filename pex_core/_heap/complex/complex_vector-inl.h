@@ -83,6 +83,7 @@ HWY_NOINLINE Complex<T> RoundedScalar(X... parts) {
 
 template <class F, typename Element>
 struct ElementaryKernel : ComplexKernel<Element, double> {
+  static constexpr int kUnroll = 3;
   using T = Element;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> z) {

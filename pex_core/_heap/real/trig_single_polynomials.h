@@ -48,9 +48,9 @@ inline constexpr double sQuarterCosHAPolynomial[] = {
     -0x1.ffffffffe98aep-2, 0x1.55555545c50b3p-5, -0x1.6c16b348b595ep-10, 0x1.a00eb9abbc9e4p-16,
     -0x1.23c97dbf1a907p-22};
 
-// x/(tan x) - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-25.21875.
+// x/(tan x) - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-25.84375.
 inline constexpr float sTanLAPolynomial[] = {
-    -0x1.555548p-2f, -0x1.6c28dep-6f, -0x1.12bbd4p-9f, -0x1.042de6p-12f};
+    -0x1.555542p-2f, -0x1.6c28eap-6f, -0x1.12b4d6p-9f, -0x1.04f238p-12f};
 
 // x/(tan x) - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-15.296875.
 inline constexpr float sTanEPPolynomial[] = {
