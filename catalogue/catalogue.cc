@@ -85,6 +85,13 @@ bool SameName(std::string_view a, std::string_view b) {
       a, b, [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
 }
 
+// Null where there is none.
+template <typename T, typename Predicate>
+const T* FindIf(std::span<const T> all, Predicate predicate) {
+  const auto found = std::ranges::find_if(all, predicate);
+  return found == all.end() ? nullptr : &*found;
+}
+
 // A is what argument arrays hold, R what result arrays hold.
 template <typename A, typename R = A>
 void CallAs(const Entry& e, int32_t n, const void* a, const void* b, void* r, void* r2) {
@@ -166,26 +173,23 @@ std::span<const Entry> ComplexEntries() {
 }
 
 const Function* FindFunction(std::string_view name) {
-  for (const Function& f : kFunctions) {
-    if (SameName(f.name, name)) return &f;
-  }
-  return nullptr;
+  return FindIf(Functions(), [&](const Function& f) { return SameName(f.name, name); });
+}
+
+const Function* FindComplexFunction(std::string_view name) {
+  return FindIf(ComplexFunctions(), [&](const Function& f) { return SameName(f.name, name); });
 }
 
 const Entry* FindEntry(std::string_view name, char type, Tier tier) {
-  for (const Entry& e : Entries()) {
-    if (e.type == type && e.tier == tier && SameName(e.function->name, name)) return &e;
-  }
-  return nullptr;
+  return FindIf(type == 'z' || type == 'c' ? ComplexEntries() : Entries(), [&](const Entry& e) {
+    return e.type == type && e.tier == tier && SameName(e.function->name, name);
+  });
 }
 
 const Entry* FindEntry(std::string_view symbol) {
-  for (const auto& entries : {Entries(), ComplexEntries()}) {
-    for (const Entry& e : entries) {
-      if (e.symbol == symbol) return &e;
-    }
-  }
-  return nullptr;
+  const auto has_symbol = [&](const Entry& e) { return e.symbol == symbol; };
+  const Entry* const real = FindIf(Entries(), has_symbol);
+  return real != nullptr ? real : FindIf(ComplexEntries(), has_symbol);
 }
 
 }  // namespace pex

@@ -95,9 +95,10 @@ std::span<const Function> Functions();
 std::span<const Entry> Entries();
 std::span<const Function> ComplexFunctions();
 std::span<const Entry> ComplexEntries();
-// A real function or entry, by a symbol also a complex one; null where there is none. Names compare
-// without regard to case.
+// Null where there is none. Names compare without regard to case; the type of an entry says whether
+// the function is a real or a complex one.
 const Function* FindFunction(std::string_view name);
+const Function* FindComplexFunction(std::string_view name);
 const Entry* FindEntry(std::string_view name, char type, Tier tier);
 const Entry* FindEntry(std::string_view symbol);
 

@@ -495,8 +495,10 @@ PEXQUO_API int _pexcAbs_21(int32_t n, const PexComplex8* a, float* r);
 PEXQUO_API int _pexcAbs_HA(int32_t n, const PexComplex8* a, float* r);
 
 /* Arg: r[i] = the angle of a in [-pi, pi]. The values of Atan2 of the imaginary and the real part;
-   _26 is _50. Bounds in double: HA 0.55 ulp, _50 4 ulp, _26 at least 50 bits; in single: HA 0.51
-   ulp, _21 4 ulp, _11 at least 11 bits. */
+   _26 is _50. Cut along the negative real axis, where the sign of the imaginary part's zero chooses
+   pi or -pi; 0 and -0 have the angles of their signs, infinities a multiple of pi/4, NaN gives NaN.
+   Bounds in double: HA 0.55 ulp, _50 4 ulp, _26 at least 50 bits; in single: HA 0.51 ulp, _21 4
+   ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexzArg_26(int32_t n, const PexComplex16* a, double* r);
 PEXQUO_API int _pexzArg_50(int32_t n, const PexComplex16* a, double* r);
 PEXQUO_API int _pexzArg_HA(int32_t n, const PexComplex16* a, double* r);
@@ -515,8 +517,10 @@ PEXQUO_API int _pexcCIS_21(int32_t n, const float* a, PexComplex8* r);
 PEXQUO_API int _pexcCIS_HA(int32_t n, const float* a, PexComplex8* r);
 
 /* Exp: r[i] = e^a. One computation for all tiers. No overflow or underflow on the way: e^x may
-   exceed all numbers where its product with the sine does not. Bounds in double: HA 0.55 ulp, _50
-   0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
+   exceed all numbers where its product with the sine does not. No cuts. Real part -infinity gives
+   zeros, +infinity infinite parts, with the signs of cos and sin of the imaginary part. Bounds in
+   double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp,
+   _11 at least 23 bits. */
 PEXQUO_API int _pexzExp_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzExp_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzExp_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -526,8 +530,9 @@ PEXQUO_API int _pexcExp_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
 /* Ln: r[i] = ln a. One computation for all tiers. Imaginary part in [-pi, pi], cut along the
    negative real axis. The real part keeps its relative accuracy next to the unit circle. -infinity
-   for 0, raising divide- by-zero. Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52
-   bits; in single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
+   for 0, raising divide-by-zero; +infinity with the angle of the argument where a part is infinite.
+   Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21
+   0.51 ulp, _11 at least 23 bits. */
 PEXQUO_API int _pexzLn_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzLn_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzLn_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -545,9 +550,9 @@ PEXQUO_API int _pexcLog10_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcLog10_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
 /* Sqrt: r[i] = sqrt(a). One computation in double precision; in single, _11 is _21, which computes
-   in floats. In the right half-plane, cut along the negative real axis. Bounds in double: HA 0.55
-   ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 2.5 ulp, _11 at least 21
-   bits. */
+   in floats. In the right half-plane, cut along the negative real axis. An infinite imaginary part
+   gives infinity in both parts, whatever the real part. Bounds in double: HA 0.55 ulp, _50 0.55
+   ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 2.5 ulp, _11 at least 21 bits. */
 PEXQUO_API int _pexzSqrt_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzSqrt_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzSqrt_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -555,9 +560,10 @@ PEXQUO_API int _pexcSqrt_11(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcSqrt_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcSqrt_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
-/* Cosh: r[i] = cosh a. One computation for all tiers. No overflow or underflow on the way. Bounds
-   in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp,
-   _11 at least 23 bits. */
+/* Cosh: r[i] = cosh a. One computation for all tiers. No overflow or underflow on the way. No cuts.
+   Infinite real parts give infinite parts, with the signs of cos and sin of the imaginary part.
+   Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21
+   0.51 ulp, _11 at least 23 bits. */
 PEXQUO_API int _pexzCosh_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzCosh_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzCosh_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -565,9 +571,10 @@ PEXQUO_API int _pexcCosh_11(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcCosh_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcCosh_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
-/* Sinh: r[i] = sinh a. One computation for all tiers. No overflow or underflow on the way. Bounds
-   in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp,
-   _11 at least 23 bits. */
+/* Sinh: r[i] = sinh a. One computation for all tiers. No overflow or underflow on the way. No cuts.
+   Infinite real parts give infinite parts, with the signs of cos and sin of the imaginary part.
+   Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21
+   0.51 ulp, _11 at least 23 bits. */
 PEXQUO_API int _pexzSinh_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzSinh_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzSinh_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -575,7 +582,8 @@ PEXQUO_API int _pexcSinh_11(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcSinh_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcSinh_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
-/* Tanh: r[i] = tanh a. One computation for all tiers. No overflow or underflow on the way. Bounds
+/* Tanh: r[i] = tanh a. One computation for all tiers. No overflow or underflow on the way. No cuts;
+   poles at odd multiples of i pi/2, which no number hits. 1 and -1 for infinite real parts. Bounds
    in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp,
    _11 at least 23 bits. */
 PEXQUO_API int _pexzTanh_26(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -585,9 +593,9 @@ PEXQUO_API int _pexcTanh_11(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcTanh_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcTanh_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
-/* Cos: r[i] = cos a. One computation for all tiers. No overflow or underflow on the way. cos a =
-   cosh(ia), bit for bit. Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in
-   single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
+/* Cos: r[i] = cos a. One computation for all tiers. No overflow or underflow on the way. No cuts.
+   cos a = cosh(ia), bit for bit. Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits;
+   in single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
 PEXQUO_API int _pexzCos_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzCos_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzCos_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -595,9 +603,9 @@ PEXQUO_API int _pexcCos_11(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcCos_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcCos_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
-/* Sin: r[i] = sin a. One computation for all tiers. No overflow or underflow on the way. sin a = -i
-   sinh(ia), bit for bit. Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in
-   single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
+/* Sin: r[i] = sin a. One computation for all tiers. No overflow or underflow on the way. No cuts.
+   sin a = -i sinh(ia), bit for bit. Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52
+   bits; in single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
 PEXQUO_API int _pexzSin_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzSin_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzSin_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -605,9 +613,10 @@ PEXQUO_API int _pexcSin_11(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcSin_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcSin_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
-/* Tan: r[i] = tan a. One computation for all tiers. No overflow or underflow on the way. tan a = -i
-   tanh(ia), bit for bit. Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in
-   single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
+/* Tan: r[i] = tan a. One computation for all tiers. No overflow or underflow on the way. No cuts;
+   poles at odd multiples of pi/2, which no number hits. tan a = -i tanh(ia), bit for bit: i and -i
+   for infinite imaginary parts. Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits;
+   in single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
 PEXQUO_API int _pexzTan_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzTan_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzTan_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -616,8 +625,9 @@ PEXQUO_API int _pexcTan_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcTan_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
 /* Acosh: r[i] = acosh a. One computation for all tiers. No overflow or underflow on the way. Real
-   part not negative, cut along the real axis below 1. Bounds in double: HA 0.55 ulp, _50 0.55 ulp,
-   _26 at least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
+   part not negative, cut along the real axis below 1. +infinity with the angle of the argument
+   where a part is infinite. Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in
+   single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
 PEXQUO_API int _pexzAcosh_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzAcosh_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzAcosh_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -626,8 +636,9 @@ PEXQUO_API int _pexcAcosh_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcAcosh_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
 /* Asinh: r[i] = asinh a. One computation for all tiers. No overflow or underflow on the way. Cut
-   along the imaginary axis beyond i and -i. Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at
-   least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
+   along the imaginary axis beyond i and -i. An infinite part makes the real part infinite. Bounds
+   in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp,
+   _11 at least 23 bits. */
 PEXQUO_API int _pexzAsinh_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzAsinh_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzAsinh_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -636,9 +647,9 @@ PEXQUO_API int _pexcAsinh_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcAsinh_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
 /* Atanh: r[i] = atanh a. One computation for all tiers. No overflow or underflow on the way. Cut
-   along the real axis beyond 1 and -1, where it is infinite, raising divide-by-zero. Bounds in
-   double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp,
-   _11 at least 23 bits. */
+   along the real axis beyond 1 and -1; infinite at 1 and -1, raising divide-by-zero. Imaginary part
+   pi/2 or -pi/2, by its sign, where a part is infinite. Bounds in double: HA 0.55 ulp, _50 0.55
+   ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
 PEXQUO_API int _pexzAtanh_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzAtanh_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzAtanh_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -646,9 +657,10 @@ PEXQUO_API int _pexcAtanh_11(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcAtanh_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcAtanh_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
-/* Acos: r[i] = acos a. One computation for all tiers. No overflow or underflow on the way. Cut
-   along the real axis beyond 1 and -1. Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52
-   bits; in single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
+/* Acos: r[i] = acos a. One computation for all tiers. No overflow or underflow on the way. Real
+   part in [0, pi], cut along the real axis beyond 1 and -1. An infinite part makes the imaginary
+   part infinite. Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA
+   0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
 PEXQUO_API int _pexzAcos_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzAcos_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzAcos_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -657,9 +669,9 @@ PEXQUO_API int _pexcAcos_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcAcos_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
 /* Asin: r[i] = asin a. One computation for all tiers. No overflow or underflow on the way. asin a =
-   -i asinh(ia), bit for bit. Cut along the real axis beyond 1 and -1. Bounds in double: HA 0.55
-   ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23
-   bits. */
+   -i asinh(ia), bit for bit. Real part in [-pi/2, pi/2], cut along the real axis beyond 1 and -1.
+   Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21
+   0.51 ulp, _11 at least 23 bits. */
 PEXQUO_API int _pexzAsin_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzAsin_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzAsin_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -668,9 +680,9 @@ PEXQUO_API int _pexcAsin_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcAsin_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
 /* Atan: r[i] = atan a. One computation for all tiers. No overflow or underflow on the way. atan a =
-   -i atanh(ia), bit for bit. Cut along the imaginary axis beyond i and -i. Bounds in double: HA
-   0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp, _11 at least
-   23 bits. */
+   -i atanh(ia), bit for bit. Real part in [-pi/2, pi/2], cut along the imaginary axis beyond i and
+   -i; infinite at i and -i, raising divide-by-zero. Bounds in double: HA 0.55 ulp, _50 0.55 ulp,
+   _26 at least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
 PEXQUO_API int _pexzAtan_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzAtan_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzAtan_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -678,11 +690,12 @@ PEXQUO_API int _pexcAtan_11(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcAtan_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcAtan_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
-/* Pow: r[i] = a^b. One computation for all tiers. a^b = e^(b ln a), ln as in Ln. A part of b that
-   is zero takes no part in the product: a^0 is 1, 0^b is 0 for real b > 0. The bound holds for |b
-   ln a| below 2^20. Bounds in double: HA 1 ulp of the larger part, _50 1 ulp of the larger part,
-   _26 at least 52 bits of the larger part; in single: HA 0.8 ulp of the larger part, _21 0.8 ulp of
-   the larger part, _11 at least 23 bits of the larger part. */
+/* Pow: r[i] = a^b. One computation for all tiers. a^b = e^(b ln a), ln as in Ln: cut along the
+   negative real axis of a. A part of b that is zero takes no part in the product: a^0 is 1, 0^b is
+   0 for real b > 0. The bound holds for |b ln a| below 2^20. Bounds in double: HA 1 ulp of the
+   larger part, _50 1 ulp of the larger part, _26 at least 52 bits of the larger part; in single: HA
+   0.8 ulp of the larger part, _21 0.8 ulp of the larger part, _11 at least 23 bits of the larger
+   part. */
 PEXQUO_API int _pexzPow_26(int32_t n, const PexComplex16* a, const PexComplex16* b, PexComplex16*
     r);
 PEXQUO_API int _pexzPow_50(int32_t n, const PexComplex16* a, const PexComplex16* b, PexComplex16*

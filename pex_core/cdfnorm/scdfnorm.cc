@@ -1,9 +1,10 @@
-// The standard normal distribution function in single precision, computed in double.
+// The standard normal distribution function in single precision: in float, HA in double.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/cdfnorm/scdfnorm.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/erfc-inl.h"
+#include "pex_core/_heap/real/erfc_single-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
@@ -14,9 +15,8 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsCdfNorm";
 
-template <ErfcTier kTier>
-struct sCdfNormKernel : Kernel<float, double> {
-  static constexpr int kUnroll = 6;
+template <typename Compute>
+struct sCdfNormCommon : Kernel<float, Compute> {
   // Common from -12.94 to 242.
   struct Rarity : RareAbove<float, 0x42FFE148> {  // |x - 115| > 127.94
     template <class D>
@@ -25,6 +25,29 @@ struct sCdfNormKernel : Kernel<float, double> {
     }
   };
   static HWY_INLINE int Rare(float x, float* r) { return sCdfNormRare(x, r); }
+};
+
+template <const auto& kTable, bool kLA>
+struct sCdfNormShort : sCdfNormCommon<float> {
+  static constexpr int kUnroll = 4;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    V z[K], s[K];
+    for (size_t k = 0; k < K; ++k) {
+      // From 7 on the result is 1.
+      const V ax = hn::Abs(hn::Min(x[k], hn::Set(d, 7.0f)));
+      z[k] = hn::Add(ax, hn::Set(d, 0x1p-30f));
+    }
+    sErfcTail<kTable, kLA, true>(d, z, s);
+    for (size_t k = 0; k < K; ++k) {
+      const V rest = hn::Sub(hn::Set(d, 1.0f), s[k]);
+      out[k] = hn::IfNegativeThenElse(x[k], s[k], rest);
+    }
+  }
+};
+
+struct sCdfNormHA : sCdfNormCommon<double> {
+  static constexpr int kUnroll = 6;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     using Wide = hn::Rebind<double, D>;
@@ -41,26 +64,22 @@ struct sCdfNormKernel : Kernel<float, double> {
       rest[k] = hn::Sub(TwoProduct(dd, safe, hn::Set(dd, 0x1.6a09e667f3bcdp-1)).lo,
                         hn::Mul(safe, hn::Set(dd, 0x1.bdd3413b26456p-55)));
     }
-    ErfcReduce<kTier, true>(dd, z, rest, u);
-    ErfcScaled<kTier, true>(dd, u, e);
+    ErfcReduce<ErfcTier::kLA, true>(dd, z, rest, u);
+    ErfcScaled<ErfcTier::kLA, true>(dd, u, e);
     for (size_t k = 0; k < K; ++k) {
-      const W y = ErfcOrRest<kTier, false>(dd, hn::PromoteTo(dd, x[k]), e[k], 2.0);
-      // HA: an ulp away from 1/2, for next to 0 the result lies that close to the middle of two
+      const W y = ErfcOrRest<ErfcTier::kLA, false>(dd, hn::PromoteTo(dd, x[k]), e[k], 2.0);
+      // An ulp away from 1/2, for next to 0 the result lies that close to the middle of two
       // floats.
-      W scale = hn::Set(dd, 0x1p-301);
-      if constexpr (kTier == ErfcTier::kLA) {
-        const W wide = hn::PromoteTo(dd, x[k]);
-        scale = hn::IfNegativeThenElse(wide, hn::Set(dd, 0x1.fffffffffffffp-302),
-                                       hn::Set(dd, 0x1.0000000000001p-301));
-      }
+      const W wide = hn::PromoteTo(dd, x[k]);
+      const W scale = hn::IfNegativeThenElse(wide, hn::Set(dd, 0x1.fffffffffffffp-302),
+                                             hn::Set(dd, 0x1.0000000000001p-301));
       out[k] = hn::DemoteTo(d, hn::Mul(y, scale));
     }
   }
 };
 
-using sCdfNormEP = sCdfNormKernel<ErfcTier::kSingleEP>;
-using sCdfNormLA = sCdfNormKernel<ErfcTier::kSingleLA>;
-using sCdfNormHA = sCdfNormKernel<ErfcTier::kLA>;
+using sCdfNormEP = sCdfNormShort<kCdfNormSingleEP, false>;
+using sCdfNormLA = sCdfNormShort<kCdfNormSingleLA, true>;
 
 PEX_UNARY(float, sCdfNorm_11, sCdfNormEP)
 PEX_UNARY(float, sCdfNorm_21, sCdfNormLA)

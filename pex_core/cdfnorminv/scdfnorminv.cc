@@ -1,9 +1,10 @@
-// The quantile of the standard normal distribution in single precision, computed in double.
+// The quantile of the standard normal distribution in single precision: in float, HA in double.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/cdfnorminv/scdfnorminv.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/erfinv_kernels-inl.h"
+#include "pex_core/_heap/real/erfinv_single-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/cdfnorminv/cdfnorminv_special.h"
 
@@ -12,9 +13,9 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsCdfNormInv";
 
-using sCdfNormInvEP = sErfInvKernel<InverseOfCdfNorm, ErfInvTier::kLine, sCdfNormInv_SC>;
-using sCdfNormInvLA = sErfInvKernel<InverseOfCdfNorm, ErfInvTier::kShort, sCdfNormInv_SC>;
-using sCdfNormInvHA = sErfInvKernel<InverseOfCdfNorm, ErfInvTier::kHA, sCdfNormInv_SC>;
+using sCdfNormInvEP = sErfInvKernel<InverseOfCdfNorm, false, sCdfNormInv_SC>;
+using sCdfNormInvLA = sErfInvKernel<InverseOfCdfNorm, true, sCdfNormInv_SC>;
+using sCdfNormInvHA = sErfInvHAKernel<InverseOfCdfNorm, sCdfNormInv_SC>;
 
 PEX_UNARY(float, sCdfNormInv_11, sCdfNormInvEP)
 PEX_UNARY(float, sCdfNormInv_21, sCdfNormInvLA)

@@ -49,7 +49,9 @@ struct sErfPolynomial : sErfCommon<> {
     }
     for (int i = kTop - 1; i > (kRest ? 2 : 1); --i) {
       for (size_t k = 0; k < K; ++k) {
-        q[k] = hn::Add(hn::Mul(q[k], safe[k]), LookupEighth(d, kTable[i], at[k]));
+        q[k] = hn::Mul(q[k], safe[k]);
+        LookUpAfter(q[k], at[k]);
+        q[k] = hn::Add(q[k], LookupEighth(d, kTable[i], at[k]));
       }
     }
     for (size_t k = 0; k < K; ++k) {

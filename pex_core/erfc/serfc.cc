@@ -1,9 +1,10 @@
-// The complementary error function in single precision, computed in double.
+// The complementary error function in single precision: in float, HA in double.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/erfc/serfc.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/erfc-inl.h"
+#include "pex_core/_heap/real/erfc_single-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
@@ -14,9 +15,8 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsErfc";
 
-template <ErfcTier kTier>
-struct sErfcKernel : Kernel<float, double> {
-  static constexpr int kUnroll = 6;
+template <typename Compute>
+struct sErfcCommon : Kernel<float, Compute> {
   // Common from -245 to 9.18.
   struct Rarity : RareAbove<float, 0x42FE5C28> {  // |x + 118| > 127.18
     template <class D>
@@ -25,6 +25,29 @@ struct sErfcKernel : Kernel<float, double> {
     }
   };
   static HWY_INLINE int Rare(float x, float* r) { return sErfcRare(x, r); }
+};
+
+template <const auto& kTable, bool kLA>
+struct sErfcShort : sErfcCommon<float> {
+  static constexpr int kUnroll = 4;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    V z[K], s[K];
+    for (size_t k = 0; k < K; ++k) {
+      // From -5 down the result is 2.
+      const V ax = hn::Abs(hn::Max(x[k], hn::Set(d, -5.0f)));
+      z[k] = hn::Add(ax, hn::Set(d, 0x1p-30f));
+    }
+    sErfcTail<kTable, kLA, false>(d, z, s);
+    for (size_t k = 0; k < K; ++k) {
+      const V rest = hn::Sub(hn::Set(d, 2.0f), s[k]);
+      out[k] = hn::IfNegativeThenElse(x[k], rest, s[k]);
+    }
+  }
+};
+
+struct sErfcHA : sErfcCommon<double> {
+  static constexpr int kUnroll = 6;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     using Wide = hn::Rebind<double, D>;
@@ -38,18 +61,17 @@ struct sErfcKernel : Kernel<float, double> {
       const W ax = hn::Abs(hn::Max(hn::PromoteTo(dd, x[k]), hn::Set(dd, -5.0)));
       z[k] = hn::Add(ax, hn::Set(dd, 0x1p-200));
     }
-    ErfcReduce<kTier, false>(dd, z, z, u);
-    ErfcScaled<kTier, false>(dd, u, e);
+    ErfcReduce<ErfcTier::kLA, false>(dd, z, z, u);
+    ErfcScaled<ErfcTier::kLA, false>(dd, u, e);
     for (size_t k = 0; k < K; ++k) {
-      const W y = ErfcOrRest<kTier, true>(dd, hn::PromoteTo(dd, x[k]), e[k], 2.0);
+      const W y = ErfcOrRest<ErfcTier::kLA, true>(dd, hn::PromoteTo(dd, x[k]), e[k], 2.0);
       out[k] = hn::DemoteTo(d, hn::Mul(y, hn::Set(dd, 0x1p-300)));
     }
   }
 };
 
-using sErfcEP = sErfcKernel<ErfcTier::kSingleEP>;
-using sErfcLA = sErfcKernel<ErfcTier::kSingleLA>;
-using sErfcHA = sErfcKernel<ErfcTier::kLA>;
+using sErfcEP = sErfcShort<kErfcSingleEP, false>;
+using sErfcLA = sErfcShort<kErfcSingleLA, true>;
 
 PEX_UNARY(float, sErfc_11, sErfcEP)
 PEX_UNARY(float, sErfc_21, sErfcLA)

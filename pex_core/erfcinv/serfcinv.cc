@@ -1,9 +1,10 @@
-// The inverse of the complementary error function in single precision, computed in double.
+// The inverse of the complementary error function in single precision: in float, HA in double.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/erfcinv/serfcinv.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/erfinv_kernels-inl.h"
+#include "pex_core/_heap/real/erfinv_single-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/erfcinv/erfcinv_special.h"
 
@@ -12,9 +13,9 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsErfcInv";
 
-using sErfcInvEP = sErfInvKernel<InverseOfErfc, ErfInvTier::kLine, sErfcInv_SC>;
-using sErfcInvLA = sErfInvKernel<InverseOfErfc, ErfInvTier::kShort, sErfcInv_SC>;
-using sErfcInvHA = sErfInvKernel<InverseOfErfc, ErfInvTier::kHA, sErfcInv_SC>;
+using sErfcInvEP = sErfInvKernel<InverseOfErfc, false, sErfcInv_SC>;
+using sErfcInvLA = sErfInvKernel<InverseOfErfc, true, sErfcInv_SC>;
+using sErfcInvHA = sErfInvHAKernel<InverseOfErfc, sErfcInv_SC>;
 
 PEX_UNARY(float, sErfcInv_11, sErfcInvEP)
 PEX_UNARY(float, sErfcInv_21, sErfcInvLA)

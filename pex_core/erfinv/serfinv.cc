@@ -1,9 +1,10 @@
-// The inverse of the error function in single precision, computed in double.
+// The inverse of the error function in single precision: in float, HA in double.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/erfinv/serfinv.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/erfinv_kernels-inl.h"
+#include "pex_core/_heap/real/erfinv_single-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/erfinv/erfinv_special.h"
 
@@ -12,9 +13,9 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsErfInv";
 
-using sErfInvEP = sErfInvKernel<InverseOfErf, ErfInvTier::kLine, sErfInv_SC>;
-using sErfInvLA = sErfInvKernel<InverseOfErf, ErfInvTier::kShort, sErfInv_SC>;
-using sErfInvHA = sErfInvKernel<InverseOfErf, ErfInvTier::kHA, sErfInv_SC>;
+using sErfInvEP = sErfInvKernel<InverseOfErf, false, sErfInv_SC>;
+using sErfInvLA = sErfInvKernel<InverseOfErf, true, sErfInv_SC>;
+using sErfInvHA = sErfInvHAKernel<InverseOfErf, sErfInv_SC>;
 
 PEX_UNARY(float, sErfInv_11, sErfInvEP)
 PEX_UNARY(float, sErfInv_21, sErfInvLA)

@@ -26,8 +26,8 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// How far the computation goes; those of single precision serve z up to 10.1, |w| < 0.08.
-enum class ErfcTier { kSingleEP, kSingleLA, kEP, kLA, kHA };
+// How far the computation goes.
+enum class ErfcTier { kEP, kLA, kHA };
 
 template <class D>
 struct ErfcReduced {
@@ -84,17 +84,6 @@ HWY_INLINE void ErfcMean(D d, const ErfcReduced<D> (&u)[K], V (&t)[K]) {
   for (size_t k = 0; k < K; ++k) {
     w[k] = u[k].w;
     w2[k] = hn::Mul(w[k], w[k]);
-  }
-  if constexpr (kTier == ErfcTier::kSingleEP || kTier == ErfcTier::kSingleLA) {
-    // 1 - w/2 (1 - w/3): LA adds v/6 and the next term of w.
-    constexpr bool kLA = kTier == ErfcTier::kSingleLA;
-    for (size_t k = 0; k < K; ++k) {
-      V g = hn::Sub(hn::Set(d, 0.5), hn::Mul(w[k], hn::Set(d, 1.0 / 6)));
-      if constexpr (kLA) g = hn::Add(g, hn::Mul(w2[k], hn::Set(d, 1.0 / 24)));
-      t[k] = hn::Sub(hn::Set(d, 1.0), hn::Mul(w[k], g));
-      if constexpr (kLA) t[k] = hn::Add(t[k], hn::Mul(u[k].v, hn::Set(d, 1.0 / 6)));
-    }
-    return;
   }
   if constexpr (kTier == ErfcTier::kEP) {
     EvenOdd(d, w, w2, kErfcMeanEP, t);

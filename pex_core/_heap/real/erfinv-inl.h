@@ -8,6 +8,7 @@
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/erf_rows-inl.h"
+#include "pex_core/_heap/real/erfinv_single_tables.h"
 #include "pex_core/_heap/real/erfinv_tables.h"
 #include "pex_core/_heap/real/log-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
@@ -25,8 +26,8 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// How far the computation goes, from 12 bits to 60.
-enum class ErfInvTier { kLine, kShort, kLA, kHA };
+// How far the computation goes, from 29 bits to 60.
+enum class ErfInvTier { kShort, kLA, kHA };
 
 inline constexpr double kErfInvLeast = 0x1p-20;
 
@@ -39,6 +40,9 @@ struct ErfInvArgument {
 // results or double arguments), the factor of y in the result.
 struct InverseOfErf {
   static constexpr const auto& kRows = kErfcInvRows;
+  static constexpr auto& kSingleLA = kErfcInvSingleLA;
+  static constexpr auto& kSingleEP = kErfcInvSingleEP;
+  static constexpr bool kSingleTail = false;  // q is 2^-24 at least
   static constexpr double kFactor = 1;
   template <typename T>  // |x| outside of [2^-900, 1), in single precision [2^-100, 1)
   struct Rarity : RareOutside<T, sizeof(T) == 8 ? 0x07B00000 : 0x0D800000,
@@ -58,6 +62,9 @@ struct InverseOfErf {
 
 struct InverseOfErfc {
   static constexpr const auto& kRows = kErfcInvRows;
+  static constexpr auto& kSingleLA = kErfcInvSingleLA;
+  static constexpr auto& kSingleEP = kErfcInvSingleEP;
+  static constexpr bool kSingleTail = true;
   static constexpr double kFactor = 1;
   template <typename T>  // outside of [2^-1022, 2), in single precision (0, 2)
   struct Rarity
@@ -71,6 +78,9 @@ struct InverseOfErfc {
 
 struct InverseOfCdfNorm {
   static constexpr const auto& kRows = kNormInvRows;
+  static constexpr auto& kSingleLA = kNormInvSingleLA;
+  static constexpr auto& kSingleEP = kNormInvSingleEP;
+  static constexpr bool kSingleTail = true;
   static constexpr double kFactor = 0x1.6a09e667f3bcdp+0;  // sqrt(2)
   static constexpr double kFactorRest = -0x1.bdd3413b26456p-54;
   template <typename T>  // outside of [2^-1022, 1), in single precision (0, 1)
@@ -98,29 +108,21 @@ HWY_INLINE V ErfInvMultiplier(D d, const ErfInvArgument<V>& u, MaskOf<D> central
   return hn::IfThenElse(central, factor == 1 ? u.x : hn::Mul(u.x, hn::Set(d, factor)), one);
 }
 
-// In single precision and EP.
-template <class Function, ErfInvTier kTier, class D, class V, size_t K>
+// In EP.
+template <class Function, class D, class V, size_t K>
 HWY_INLINE void ErfInvShort(D d, const ErfInvArgument<V> (&u)[K], V (&y)[K]) {
-  constexpr bool kLine = kTier == ErfInvTier::kLine;
-  constexpr int kBits = kLine ? kErfInvBits : kErfInvShortBits;
-  using Offsets = RowOffsets<kLine ? sizeof(kErfInvLines[0]) : sizeof(kErfInvShort[0]), D>;
+  using Offsets = RowOffsets<sizeof(kErfInvShort[0]), D>;
   Offsets at[K];
-  for (size_t k = 0; k < K; ++k) at[k].Set(d, ErfInvRowNumber<kBits>(d, u[k].q));
+  for (size_t k = 0; k < K; ++k) at[k].Set(d, ErfInvRowNumber<kErfInvShortBits>(d, u[k].q));
   for (size_t k = 0; k < K; ++k) {
-    V g;
-    if constexpr (kLine) {
-      const auto row = LoadRows2(d, &kErfInvLines[0][0], at[k]);
-      g = hn::Add(row.a, hn::Mul(row.b, u[k].q));
-    } else {
-      const auto row = LoadRows4(d, &kErfInvShort[0][0], at[k]);
-      constexpr int kRest = 52 - kBits;
-      const auto lower = hn::And(Bits(d, u[k].q), SetBits(d, -(uint64_t{1} << kRest)));
-      const auto middle = hn::Or(lower, SetBits(d, uint64_t{1} << (kRest - 1)));
-      const V t = hn::Sub(u[k].q, FromBits(d, middle));
-      const V t2 = hn::Mul(t, t);
-      g = hn::Add(hn::Add(row.a, hn::Mul(row.b, t)),
-                  hn::Mul(t2, hn::Add(row.c, hn::Mul(row.d, t))));
-    }
+    const auto row = LoadRows4(d, &kErfInvShort[0][0], at[k]);
+    constexpr int kRest = 52 - kErfInvShortBits;
+    const auto lower = hn::And(Bits(d, u[k].q), SetBits(d, -(uint64_t{1} << kRest)));
+    const auto middle = hn::Or(lower, SetBits(d, uint64_t{1} << (kRest - 1)));
+    const V t = hn::Sub(u[k].q, FromBits(d, middle));
+    const V t2 = hn::Mul(t, t);
+    const V g =
+        hn::Add(hn::Add(row.a, hn::Mul(row.b, t)), hn::Mul(t2, hn::Add(row.c, hn::Mul(row.d, t))));
     const auto central = hn::Ge(u[k].q, hn::Set(d, 0.5));
     y[k] = hn::Mul(ErfInvMultiplier(d, u[k], central, Function::kFactor), g);
   }

@@ -23,9 +23,6 @@ inline constexpr int kErfInvShortBits = 5;
 inline constexpr int kErfInvShortCount = (kErfInvOctaves << kErfInvShortBits) + 1;
 extern const double kErfInvShort[kErfInvShortCount][4];
 
-// G within 2^-12: a line in q.
-extern const double kErfInvLines[kErfInvRowCount][2];
-
 // Row j: the constant in two parts and coefficients 1 to 12, in s - (j + kErfInvTailFirst +
 // 1/2)/128, up to 1/256 in magnitude, of
 //   1 - s erfcinv(e^(-1/s^2)),

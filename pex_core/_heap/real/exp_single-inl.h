@@ -36,6 +36,16 @@ HWY_INLINE VecOf<D> LookupEighth(D d, const float* table, BitsOf<D> k) {
 #endif
 }
 
+// Has lookups by k wait for p: GCC does all lookups of a loop first, and runs out of registers.
+template <class I, class V>
+HWY_INLINE void LookUpAfter(V p, I& k) {
+#if HWY_TARGET == HWY_AVX3
+  asm("" : "+v"(k.raw) : "v"(p.raw));
+#else
+  asm("" : "+x"(k.raw) : "x"(p.raw));
+#endif
+}
+
 // Entry k & 15 of a table of 16 integers.
 template <class D>
 HWY_INLINE BitsOf<D> LookupSixteenth(D d, const int32_t* table, BitsOf<D> k) {

@@ -19,6 +19,7 @@
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/erfinv_kernels-inl.h"
+#include "pex_core/_heap/real/erfinv_single-inl.h"
 #include "pex_core/_heap/real/log-inl.h"
 #include "pex_core/_heap/real/slog-inl.h"
 #include "pex_core/erfinv/erfinv_special.h"
@@ -228,7 +229,7 @@ struct ErfInvOf
     : level::dErfInvKernel<level::InverseOfErf, level::ErfInvTier::kShort, pex::dErfInv_SC> {};
 template <>
 struct ErfInvOf<float>
-    : level::sErfInvKernel<level::InverseOfErf, level::ErfInvTier::kShort, pex::sErfInv_SC> {};
+    : level::sErfInvKernel<level::InverseOfErf, true, pex::sErfInv_SC> {};
 
 template <typename T>
 void Invert(size_t n, const T* x, T* r, T factor, T a, Function<T>* erfinv) {
