@@ -11,7 +11,6 @@ import argparse
 import array
 import contextlib
 import datetime
-import math
 import pathlib
 import shutil
 import subprocess
