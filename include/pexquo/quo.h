@@ -208,9 +208,9 @@ QUO_BRNG_FUNCTIONS(MRG32K3A)
  * Generators" (2000) for families. The integer output is one word from 0 to 2^32 - 1; w gives the
  * uniform (w - 2^31) ((b - a) 2^-32) + (a + b)/2, product and sum each rounded in double, the float
  * once more at the end. Seeding is that of the reference code's init_by_array, of January 2002, for
- * any number of seed words, also for one; all of them count, and none is the same as the one word 1.
- * A count of 0 or less draws nothing. Generation returns 0; leapfrog is refused with -1002 and
- * skip-ahead with -1003, other methods with -2, and the stream stays as it was.
+ * any number of seed words, also for one; all of them count, and none is the same as the one
+ * word 1. A count of 0 or less draws nothing. Generation returns 0; leapfrog is refused with -1002
+ * and skip-ahead with -1003, other methods with -2, and the stream stays as it was.
  *
  * The state: the block of words, the index of the next one to deliver (signed 32-bit; the block's
  * length when it is used up, and a copied state's index out of range counts as that), for MT2203
@@ -444,8 +444,8 @@ QUO_API int32_t _quodRngLognormal(uint32_t method, StreamState* stream, int32_t 
                                   double a, double sigma, double b, double beta);
 QUO_API int32_t _quosRngLognormal(uint32_t method, StreamState* stream, int32_t n, float* r,
                                   float a, float sigma, float b, float beta);
-/* Gumbel, of the smallest value: log(e) beta + a, e exponential with a = 0 and beta = 1. One uniform
- * each. */
+/* Gumbel, of the smallest value: log(e) beta + a, e exponential with a = 0 and beta = 1. One
+ * uniform each. */
 QUO_API int32_t _quodRngGumbel(uint32_t method, StreamState* stream, int32_t n, double* r, double a,
                                double beta);
 QUO_API int32_t _quosRngGumbel(uint32_t method, StreamState* stream, int32_t n, float* r, float a,
@@ -462,10 +462,10 @@ QUO_API int32_t _quoiRngBernoulli(uint32_t method, StreamState* stream, int32_t 
                                   double p);
 /* Geometric, the failures before the first success: the floor of _pexsLn_21(u) c in single
  * precision, c = 1/log(1 - p) computed in double and rounded; log(0) is -103.27893 for u, and
- * -744.4400719213812 for 1 - p (p = 1 gives zeros). Drawn in blocks of 1024; finished blocks stay in
- * r after a negative status, the others are not touched. Nothing, and 0, for n < 1. A count beyond
- * the 32-bit range becomes the nearest end; where 1 - p rounds to 1, c is infinite and that is
- * -2^31. (L. Devroye, Non-Uniform Random Variate Generation, Springer 1986, section X.2.) */
+ * -744.4400719213812 for 1 - p (p = 1 gives zeros). Drawn in blocks of 1024; finished blocks stay
+ * in r after a negative status, the others are not touched. Nothing, and 0, for n < 1. A count
+ * beyond the 32-bit range becomes the nearest end; where 1 - p rounds to 1, c is infinite and that
+ * is -2^31. (L. Devroye, Non-Uniform Random Variate Generation, Springer 1986, section X.2.) */
 QUO_API int32_t _quoiRngGeometric(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
                                   double p);
 
