@@ -228,50 +228,58 @@ uint64_t EvalAs(const pex::Entry& entry, const EvalOptions& options, Source& sou
   return report.seen;
 }
 
-}  // namespace
+bool IsComplex(char type) { return type == 'z' || type == 'c'; }
 
-int Eval(const EvalOptions& given) {
-  EvalOptions options = given;
-  const Functions functions = FindFunctions(options.function);
-  const std::string name = Normalized(functions.any().name);
-  pex::Tier tier = TierOf(options.tier.empty() ? "ha" : options.tier);
-  constexpr std::string_view kTypes = "dszc";
-  if (!options.type.empty() &&
-      (options.type.size() != 1 || kTypes.find(options.type) == std::string_view::npos)) {
-    Fail("unknown type ", Quoted(options.type), "; the types are d, s, z and c");
-  }
+// The function of the name in a type.
+const pex::Function& FunctionOf(const Functions& functions, char type) {
+  const pex::Function* const f = IsComplex(type) ? functions.complex : functions.real;
+  if (f != nullptr) return *f;
+  Fail(Normalized(functions.any().name), " does not exist in type ", type, "; its types are ",
+       functions.real != nullptr ? "d and s" : "z and c");
+}
 
-  const bool two_arguments = pex::ArgumentCount(functions.any().shape) == 2;
+// That second arguments are given as the function takes them.
+void CheckSecond(const EvalOptions& options, const pex::Function& function) {
+  const std::string name = Normalized(function.name);
+  const bool two_arguments = pex::ArgumentCount(function.shape) == 2;
   const bool has_second = !options.with.empty() || !options.with_value.empty();
   if (two_arguments && !has_second) {
     Fail(name, " takes two arguments: give the second as a file after the first, or as --b NUMBER");
   }
   if (!two_arguments && has_second)
     Fail(name, " takes one argument; a second is for functions of two");
-  if (functions.any().shape == pex::Shape::UnaryScalar && !options.with.empty()) {
+  if (function.shape == pex::Shape::UnaryScalar && !options.with.empty()) {
     Fail(name, " takes one second argument for all elements: --b NUMBER");
   }
   if (options.input == "-" && options.with == "-") Fail("standard input can be read once only");
+}
+
+}  // namespace
+
+int Eval(const EvalOptions& given) {
+  EvalOptions options = given;
+  const Functions functions = FindFunctions(options.function);
+  pex::Tier tier = TierOf(options.tier.empty() ? "ha" : options.tier);
+  const bool chosen = !options.type.empty();
+  if (chosen && options.type != "d" && options.type != "s" && options.type != "z" &&
+      options.type != "c") {
+    Fail("unknown type ", Quoted(options.type), "; the types are d, s, z and c");
+  }
+  CheckSecond(options, functions.any());
 
   // Text says nothing of its type: it is taken as real where the function has a real form.
-  const bool complex_text =
-      options.type.empty() ? functions.real == nullptr : options.type == "z" || options.type == "c";
-  const bool from_real =
-      functions.complex != nullptr && functions.complex->shape == pex::Shape::FromReal;
-  options.text.parts = complex_text && !from_real ? 2 : 1;
+  char type = chosen ? options.type[0] : functions.real != nullptr ? 'd' : 'z';
+  const bool from_real = FunctionOf(functions, type).shape == pex::Shape::FromReal;
+  options.text.parts = IsComplex(type) && !from_real ? 2 : 1;
   const std::unique_ptr<Source> source = OpenSource(options.input, options.text);
-  char type = options.type.empty() ? source->natural_type() : options.type[0];
-  if (options.type.empty() && functions.real == nullptr)
-    type = type == 's' || type == 'c' ? 'c' : 'z';
-
-  const pex::Function* const function =
-      type == 'z' || type == 'c' ? functions.complex : functions.real;
-  if (function == nullptr) {
-    Fail(name, " does not exist in type ", type, "; its types are ",
-         functions.real != nullptr ? "d and s" : "z and c");
+  if (!chosen) {
+    type = source->natural_type();
+    if (functions.real == nullptr) type = type == 's' || type == 'c' ? 'c' : 'z';
   }
-  if (!function->tiered) tier = pex::Tier::Plain;  // one computation, as exact as any tier
-  const pex::Entry& entry = *pex::FindEntry(function->name, type, tier);
+
+  const pex::Function& function = FunctionOf(functions, type);
+  if (!function.tiered) tier = pex::Tier::Plain;  // one computation, as exact as any tier
+  const pex::Entry& entry = *pex::FindEntry(function.name, type, tier);
   ExpectParts(*source, entry);
   const uint64_t special = entry.is_double() ? EvalAs<double>(entry, options, *source)
                                              : EvalAs<float>(entry, options, *source);
