@@ -21,6 +21,16 @@ constexpr Function kFunctions[] = {
 #undef PEX_TIERED
 #undef PEX_PLAIN
 
+#define PEX_COMPLEX_TIERED(Name, shape_, ...) \
+  Function{.name = #Name, .shape = Shape::shape_, .tiered = true, __VA_ARGS__},
+#define PEX_COMPLEX_PLAIN(Name, shape_, ...) \
+  Function{.name = #Name, .shape = Shape::shape_, .tiered = false, __VA_ARGS__},
+constexpr Function kComplexFunctions[] = {
+#include "catalogue/complex_functions.def"
+};
+#undef PEX_COMPLEX_TIERED
+#undef PEX_COMPLEX_PLAIN
+
 struct Exported {
   std::string_view name;
   char type;
@@ -42,12 +52,27 @@ struct Exported {
   PEX_ONE(Name, 'd', Plain, _pexd##Name) \
   PEX_ONE(Name, 's', Plain, _pexs##Name)
 
-std::vector<Entry> MakeEntries() {
-  const Exported exported[] = {
+#define PEX_COMPLEX_TIERED(Name, ...)      \
+  PEX_ONE(Name, 'z', EP, _pexz##Name##_26) \
+  PEX_ONE(Name, 'z', LA, _pexz##Name##_50) \
+  PEX_ONE(Name, 'z', HA, _pexz##Name##_HA) \
+  PEX_ONE(Name, 'c', EP, _pexc##Name##_11) \
+  PEX_ONE(Name, 'c', LA, _pexc##Name##_21) \
+  PEX_ONE(Name, 'c', HA, _pexc##Name##_HA)
+#define PEX_COMPLEX_PLAIN(Name, ...)     \
+  PEX_ONE(Name, 'z', Plain, _pexz##Name) \
+  PEX_ONE(Name, 'c', Plain, _pexc##Name)
+
+const Exported kExported[] = {
 #include "catalogue/functions.def"
-  };
+};
+const Exported kComplexExported[] = {
+#include "catalogue/complex_functions.def"
+};
+
+// The entries of functions in the order of their rows.
+std::vector<Entry> MakeEntries(const Function* function, std::span<const Exported> exported) {
   std::vector<Entry> entries;
-  const Function* function = kFunctions;
   for (const Exported& e : exported) {
     while (function->name != e.name) ++function;
     entries.push_back({e.symbol, function, e.type, e.tier, e.address});
@@ -60,26 +85,47 @@ bool SameName(std::string_view a, std::string_view b) {
       a, b, [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
 }
 
-template <typename T>
+// Null where there is none.
+template <typename T, typename Predicate>
+const T* FindIf(std::span<const T> all, Predicate predicate) {
+  const auto found = std::ranges::find_if(all, predicate);
+  return found == all.end() ? nullptr : &*found;
+}
+
+// A is what argument arrays hold, R what result arrays hold.
+template <typename A, typename R = A>
 void CallAs(const Entry& e, int32_t n, const void* a, const void* b, void* r, void* r2) {
-  const auto* x = static_cast<const T*>(a);
-  const auto* y = static_cast<const T*>(b);
-  auto* z = static_cast<T*>(r);
-  auto* w = static_cast<T*>(r2);
+  const auto* x = static_cast<const A*>(a);
+  const auto* y = static_cast<const A*>(b);
+  auto* z = static_cast<R*>(r);
+  auto* w = static_cast<R*>(r2);
   void* const address = const_cast<void*>(e.address);
   switch (e.function->shape) {
     case Shape::Unary:
-      reinterpret_cast<int (*)(int32_t, const T*, T*)>(address)(n, x, z);
+    case Shape::ToReal:
+    case Shape::FromReal:
+      reinterpret_cast<int (*)(int32_t, const A*, R*)>(address)(n, x, z);
       return;
     case Shape::Binary:
-      reinterpret_cast<int (*)(int32_t, const T*, const T*, T*)>(address)(n, x, y, z);
+      reinterpret_cast<int (*)(int32_t, const A*, const A*, R*)>(address)(n, x, y, z);
       return;
     case Shape::UnaryScalar:
-      reinterpret_cast<int (*)(int32_t, const T*, T, T*)>(address)(n, x, *y, z);
+      reinterpret_cast<int (*)(int32_t, const A*, A, R*)>(address)(n, x, *y, z);
       return;
     case Shape::UnaryTwo:
-      reinterpret_cast<int (*)(int32_t, const T*, T*, T*)>(address)(n, x, z, w);
+      reinterpret_cast<int (*)(int32_t, const A*, R*, R*)>(address)(n, x, z, w);
       return;
+  }
+}
+
+template <typename Real, typename Complex>
+void CallComplex(const Entry& e, int32_t n, const void* a, const void* b, void* r, void* r2) {
+  if (e.argument_parts() == 1) {
+    CallAs<Real, Complex>(e, n, a, b, r, r2);
+  } else if (e.result_parts() == 1) {
+    CallAs<Complex, Real>(e, n, a, b, r, r2);
+  } else {
+    CallAs<Complex>(e, n, a, b, r, r2);
   }
 }
 
@@ -100,39 +146,50 @@ double Entry::ulp_bound() const {
 }
 
 void Entry::Call(int32_t n, const void* a, const void* b, void* r, void* r2) const {
-  if (is_double()) {
-    CallAs<double>(*this, n, a, b, r, r2);
-  } else {
-    CallAs<float>(*this, n, a, b, r, r2);
+  switch (type) {
+    case 'd':
+      return CallAs<double>(*this, n, a, b, r, r2);
+    case 's':
+      return CallAs<float>(*this, n, a, b, r, r2);
+    case 'z':
+      return CallComplex<double, PexComplex16>(*this, n, a, b, r, r2);
+    case 'c':
+      return CallComplex<float, PexComplex8>(*this, n, a, b, r, r2);
   }
 }
 
 std::span<const Function> Functions() { return kFunctions; }
 
 std::span<const Entry> Entries() {
-  static const std::vector<Entry> entries = MakeEntries();
+  static const std::vector<Entry> entries = MakeEntries(kFunctions, kExported);
+  return entries;
+}
+
+std::span<const Function> ComplexFunctions() { return kComplexFunctions; }
+
+std::span<const Entry> ComplexEntries() {
+  static const std::vector<Entry> entries = MakeEntries(kComplexFunctions, kComplexExported);
   return entries;
 }
 
 const Function* FindFunction(std::string_view name) {
-  for (const Function& f : kFunctions) {
-    if (SameName(f.name, name)) return &f;
-  }
-  return nullptr;
+  return FindIf(Functions(), [&](const Function& f) { return SameName(f.name, name); });
+}
+
+const Function* FindComplexFunction(std::string_view name) {
+  return FindIf(ComplexFunctions(), [&](const Function& f) { return SameName(f.name, name); });
 }
 
 const Entry* FindEntry(std::string_view name, char type, Tier tier) {
-  for (const Entry& e : Entries()) {
-    if (e.type == type && e.tier == tier && SameName(e.function->name, name)) return &e;
-  }
-  return nullptr;
+  return FindIf(type == 'z' || type == 'c' ? ComplexEntries() : Entries(), [&](const Entry& e) {
+    return e.type == type && e.tier == tier && SameName(e.function->name, name);
+  });
 }
 
 const Entry* FindEntry(std::string_view symbol) {
-  for (const Entry& e : Entries()) {
-    if (e.symbol == symbol) return &e;
-  }
-  return nullptr;
+  const auto has_symbol = [&](const Entry& e) { return e.symbol == symbol; };
+  const Entry* const real = FindIf(Entries(), has_symbol);
+  return real != nullptr ? real : FindIf(ComplexEntries(), has_symbol);
 }
 
 }  // namespace pex

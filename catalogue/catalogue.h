@@ -11,7 +11,9 @@
 
 namespace pex {
 
-enum class Shape { Unary, Binary, UnaryScalar, UnaryTwo };
+// Of complex functions, ToReal has a complex argument and a real result, FromReal the reverse; all
+// operands of the others are complex.
+enum class Shape { Unary, Binary, UnaryScalar, UnaryTwo, ToReal, FromReal };
 constexpr int ArgumentCount(Shape s) {
   return s == Shape::Binary || s == Shape::UnaryScalar ? 2 : 1;
 }
@@ -23,13 +25,26 @@ constexpr std::string_view TierName(Tier t) {
   return kNames[static_cast<int>(t)];
 }
 
+// What an error in ulp refers to: each part of a result, or the larger part of both, for complex
+// results whose parts may cancel.
+enum class Measure { Parts, Modulus };
+
+// By tier: of sums that the EP tier rounds as they come.
+inline constexpr std::array<Measure, 4> kEPByModulus = {Measure::Parts, Measure::Modulus,
+                                                        Measure::Parts, Measure::Parts};
+
+// Of functions that are one sum of products whatever the tier.
+inline constexpr std::array<Measure, 4> kByModulus = {Measure::Modulus, Measure::Modulus,
+                                                      Measure::Modulus, Measure::Modulus};
+
 struct Range {
   double lo = 0, hi = 0;
 };
 
 inline constexpr int kMaxMarks = 12;
 
-// What a function promises in one precision.
+// What a function promises in one precision. The ranges of a complex argument are those of both its
+// parts.
 struct Precision {
   double ha = 0;       // largest error of the HA entry, ulp
   double la = 0;       // largest error of the LA entry, ulp
@@ -44,34 +59,46 @@ struct Function {
   Shape shape{};
   bool tiered = false;
   std::string_view group{};
-  std::string_view formula{};  // with a, b for the arguments
-  std::string_view notes{};    // domain, special values, status codes
-  Precision d{}, s{};
+  std::string_view formula{};         // with a, b for the arguments
+  std::string_view notes{};           // domain, special values, status codes
+  Precision d{}, s{};                 // of complex functions: double (z) and single (c)
+  std::array<Measure, 4> measures{};  // by tier
 };
 
 // One exported entry.
 struct Entry {
   std::string_view symbol;  // "_pexdExp_HA"
   const Function* function = nullptr;
-  char type = 'd';  // d or s
+  char type = 'd';  // d or s; z or c for complex functions
   Tier tier{};
   const void* address = nullptr;
 
-  bool is_double() const { return type == 'd'; }
+  bool is_double() const { return type == 'd' || type == 'z'; }
+  bool is_complex() const { return type == 'z' || type == 'c'; }
+  // Numbers per element.
+  int argument_parts() const { return is_complex() && function->shape != Shape::FromReal ? 2 : 1; }
+  int result_parts() const { return is_complex() && function->shape != Shape::ToReal ? 2 : 1; }
+  Measure measure() const { return function->measures[static_cast<int>(tier)]; }
   const Precision& precision() const { return is_double() ? function->d : function->s; }
   // The bound on the error in ulp; 0.5 where the result is exact or correctly rounded. For EP,
   // 2^(p - bits) with p the precision of the type.
   double ulp_bound() const;
 
   // The entry's call by its shape; arrays of double or float by `type`. Shapes without a second
-  // argument or result ignore it. A UnaryScalar entry takes its second argument from b[0].
+  // argument or result ignore it. A UnaryScalar entry takes its second argument from b[0]. Complex
+  // arrays hold PexComplex16 or PexComplex8.
   void Call(int32_t n, const void* a, const void* b, void* r, void* r2) const;
 };
 
+// Real functions, and apart from them complex ones: names occur in both.
 std::span<const Function> Functions();
 std::span<const Entry> Entries();
-// Null where there is none. Names compare without regard to case.
+std::span<const Function> ComplexFunctions();
+std::span<const Entry> ComplexEntries();
+// Null where there is none. Names compare without regard to case; the type of an entry says whether
+// the function is a real or a complex one.
 const Function* FindFunction(std::string_view name);
+const Function* FindComplexFunction(std::string_view name);
 const Entry* FindEntry(std::string_view name, char type, Tier tier);
 const Entry* FindEntry(std::string_view symbol);
 

@@ -3,6 +3,7 @@
 // DOCS/accuracy.md and the plots beside it. It reads the rows alone, so that it runs before the
 // library exists.
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cstdio>
 #include <exception>
@@ -25,6 +26,14 @@ namespace {
   pex::Function{.name = #Name, .shape = pex::Shape::shape_, .tiered = false, __VA_ARGS__},
 constexpr pex::Function kFunctions[] = {
 #include "catalogue/functions.def"
+};
+
+#define PEX_COMPLEX_TIERED(Name, shape_, ...) \
+  pex::Function{.name = #Name, .shape = pex::Shape::shape_, .tiered = true, __VA_ARGS__},
+#define PEX_COMPLEX_PLAIN(Name, shape_, ...) \
+  pex::Function{.name = #Name, .shape = pex::Shape::shape_, .tiered = false, __VA_ARGS__},
+constexpr pex::Function kComplexFunctions[] = {
+#include "catalogue/complex_functions.def"
 };
 
 constexpr size_t kWidth = 100;
@@ -56,24 +65,43 @@ std::string Number(double x) {
   return text;
 }
 
+// A bound in ulp of an exact result's parts, or of its modulus.
+std::string Ulp(const pex::Function& f, pex::Tier tier, double bound) {
+  const bool modulus = f.measures[static_cast<int>(tier)] == pex::Measure::Modulus;
+  return Number(bound) + (modulus ? " ulp of the larger part" : " ulp");
+}
+
+std::string Bits(const pex::Function& f, double bits) {
+  const bool modulus = f.measures[static_cast<int>(pex::Tier::EP)] == pex::Measure::Modulus;
+  return "at least " + Number(bits) + " bits" + (modulus ? " of the larger part" : "");
+}
+
 std::string Comment(const pex::Function& f) {
   std::string text = "/* " + std::string(f.name) + ": r[i] = " + std::string(f.formula) + ". " +
                      std::string(f.notes);
   if (f.tiered) {
-    text += " Bounds in double: HA " + Number(f.d.ha) + " ulp, _50 " + Number(f.d.la) +
-            " ulp, _26 at least " + Number(f.d.ep_bits) + " bits; in single: HA " +
-            (f.s.ha == 0.5 ? "correctly rounded" : Number(f.s.ha) + " ulp") + ", _21 " +
-            Number(f.s.la) + " ulp, _11 at least " + Number(f.s.ep_bits) + " bits.";
+    using pex::Tier;
+    text += " Bounds in double: HA " + Ulp(f, Tier::HA, f.d.ha) + ", _50 " +
+            Ulp(f, Tier::LA, f.d.la) + ", _26 " + Bits(f, f.d.ep_bits) + "; in single: HA " +
+            (f.s.ha == 0.5 ? "correctly rounded" : Ulp(f, Tier::HA, f.s.ha)) + ", _21 " +
+            Ulp(f, Tier::LA, f.s.la) + ", _11 " + Bits(f, f.s.ep_bits) + ".";
   }
   return Wrap(text + " */", "   ") + "\n";
 }
 
 std::string Declaration(const pex::Function& f, char type, std::string_view suffix) {
-  const std::string t = type == 'd' ? "double" : "float";
-  const std::string in = "const " + t + "* ", out = t + "* ";
+  const bool is_double = type == 'd' || type == 'z';
+  const std::string real = is_double ? "double" : "float";
+  const std::string complex = is_double ? "PexComplex16" : "PexComplex8";
+  const bool is_complex = type == 'z' || type == 'c';
+  const std::string t = is_complex && f.shape != pex::Shape::FromReal ? complex : real;
+  const std::string u = is_complex && f.shape != pex::Shape::ToReal ? complex : real;
+  const std::string in = "const " + t + "* ", out = u + "* ";
   std::string arguments;
   switch (f.shape) {
     case pex::Shape::Unary:
+    case pex::Shape::ToReal:
+    case pex::Shape::FromReal:
       arguments = in + "a, " + out + "r";
       break;
     case pex::Shape::Binary:
@@ -92,6 +120,22 @@ std::string Declaration(const pex::Function& f, char type, std::string_view suff
          "\n";
 }
 
+// In double and single precision, all tiers.
+std::string Declarations(const pex::Function& f, std::array<char, 2> types) {
+  std::string text;
+  for (const char type : types) {
+    const bool is_double = type == types[0];
+    if (!f.tiered) {
+      text += Declaration(f, type, "");
+      continue;
+    }
+    for (const char* suffix : {is_double ? "_26" : "_11", is_double ? "_50" : "_21", "_HA"}) {
+      text += Declaration(f, type, suffix);
+    }
+  }
+  return text;
+}
+
 std::string Header() {
   std::string text =
       "/* Generated from catalogue/functions.def by catalogue/make_header.cc: change the row, "
@@ -100,15 +144,14 @@ std::string Header() {
       "#ifndef PEXQUO_PEX_FUNCTIONS_H_\n#define PEXQUO_PEX_FUNCTIONS_H_\n";
   for (const pex::Function& f : kFunctions) {
     text += "\n" + Comment(f);
-    for (const char type : {'d', 's'}) {
-      if (!f.tiered) {
-        text += Declaration(f, type, "");
-        continue;
-      }
-      for (const char* suffix : {type == 'd' ? "_26" : "_11", type == 'd' ? "_50" : "_21", "_HA"}) {
-        text += Declaration(f, type, suffix);
-      }
-    }
+    text += Declarations(f, {'d', 's'});
+  }
+  text +=
+      "\n/* ---- Complex functions. Bounds are ulp of each part of a result, or, where it is said, "
+      "of its\n   larger part. They report no element and change no status. ---- */\n";
+  for (const pex::Function& f : kComplexFunctions) {
+    text += "\n" + Comment(f);
+    text += Declarations(f, {'z', 'c'});
   }
   text += "\n#endif /* PEXQUO_PEX_FUNCTIONS_H_ */\n";
   return text;
@@ -132,40 +175,78 @@ std::map<std::string, std::string> Measured(const std::filesystem::path& file) {
   return errors;
 }
 
+std::string Lower(std::string text) {
+  std::ranges::transform(text, text.begin(), [](unsigned char c) { return std::tolower(c); });
+  return text;
+}
+
+// One function's section. `types` are those of double and single precision, `measured` the largest
+// errors by symbol; without any of the function, its table has no column for them.
+std::string Section(const pex::Function& f, std::array<char, 2> types,
+                    const std::map<std::string, std::string>& measured, const std::string& title) {
+  const std::string name(f.name);
+  std::string text =
+      "\n## " + title + "\n\nr = " + std::string(f.formula) + ". " + std::string(f.notes) + "\n\n";
+  const auto stem = [&](char type) { return "_pex" + std::string(1, type) + name; };
+  if (!f.tiered) {
+    return text + "- double: `" + stem(types[0]) + "`\n- single: `" + stem(types[1]) + "`\n";
+  }
+  const bool has_errors = types[0] == 'd' || measured.contains(stem(types[0]) + "_HA");
+  text += has_errors ? "| entry | bound | largest error found |\n|---|---|---|\n"
+                     : "| entry | bound |\n|---|---|\n";
+  for (const char type : types) {
+    const bool is_double = type == types[0];
+    const pex::Precision& p = is_double ? f.d : f.s;
+    const auto row = [&](const std::string& suffix, const std::string& bound) {
+      const auto found = measured.find(stem(type) + suffix);
+      text += "| `" + stem(type) + suffix + "` | " + bound;
+      if (has_errors) text += " | " + (found == measured.end() ? "not measured" : found->second);
+      text += " |\n";
+    };
+    row(is_double ? "_26" : "_11", Bits(f, p.ep_bits));
+    row(is_double ? "_50" : "_21", Ulp(f, pex::Tier::LA, p.la));
+    row("_HA", p.ha == 0.5 ? "correctly rounded" : Ulp(f, pex::Tier::HA, p.ha));
+  }
+  return text;
+}
+
+// A paragraph with a plot, where there is one.
+std::string Plot(const std::filesystem::path& docs, const std::string& file,
+                 const std::string& what) {
+  return std::filesystem::exists(docs / file) ? "\n![" + what + "](" + file + ")\n" : "";
+}
+
 std::string Markdown(const std::filesystem::path& docs) {
   const auto measured = Measured(docs / "accuracy.md");
   std::string text =
-      "# Functions\n\nGenerated from `catalogue/functions.def` and `accuracy.md` by `make_header "
-      "--markdown docs`. Every function\ntakes the count first, then the argument arrays a (and "
-      "b), then the results; status codes are 1 domain,\n2 singularity, 3 overflow, 4 underflow. "
-      "The bounds are those that the tests hold; `accuracy.md` says where\nand how the largest "
-      "errors were found.\n";
+      "# Functions\n\nGenerated from `catalogue/functions.def`, `catalogue/complex_functions.def` "
+      "and `accuracy.md` by `make_header\n--markdown docs`. Every function takes the count first, "
+      "then the argument arrays a (and b), then the results;\nstatus codes are 1 domain, 2 "
+      "singularity, 3 overflow, 4 underflow. The bounds are those that the tests hold;\n"
+      "`accuracy.md` says where and how the largest errors were found. Complex functions follow "
+      "[the real ones](#complex-functions).\n";
   for (const pex::Function& f : kFunctions) {
     const std::string name(f.name);
-    text +=
-        "\n## " + name + "\n\nr = " + std::string(f.formula) + ". " + std::string(f.notes) + "\n\n";
-    if (!f.tiered) {
-      text += "- double: `_pexd" + name + "`\n- single: `_pexs" + name + "`\n";
-      continue;
-    }
-    text += "| entry | bound | largest error found |\n|---|---|---|\n";
-    for (const char type : {'d', 's'}) {
-      const pex::Precision& p = type == 'd' ? f.d : f.s;
-      const std::string stem = "_pex" + std::string(1, type) + name;
-      const auto row = [&](const std::string& symbol, const std::string& bound) {
-        const auto found = measured.find(symbol);
-        text += "| `" + symbol + "` | " + bound + " | " +
-                (found == measured.end() ? "not measured" : found->second) + " |\n";
-      };
-      row(stem + (type == 'd' ? "_26" : "_11"), "at least " + Number(p.ep_bits) + " bits");
-      row(stem + (type == 'd' ? "_50" : "_21"), Number(p.la) + " ulp");
-      row(stem + "_HA", p.ha == 0.5 ? "correctly rounded" : Number(p.ha) + " ulp");
-    }
-    std::string plot = "accuracy-" + name + ".svg";
-    std::ranges::transform(plot, plot.begin(), [](unsigned char c) { return std::tolower(c); });
-    if (std::filesystem::exists(docs / plot)) {
-      text += "\n![Error of " + name + " over the typical range](" + plot + ")\n";
-    }
+    text += Section(f, {'d', 's'}, measured, name);
+    text += Plot(docs, "accuracy-" + Lower(name) + ".svg",
+                 "Error of " + name + " over the typical range");
+  }
+  text +=
+      "\n# Complex functions\n\nComplex numbers are pairs, the real part first. The functions set "
+      "no status and report no element. The bounds are\nulp of each part of a result, or, where "
+      "it is said, of its larger part; `pexquo_accuracy_complex` measures the\nerrors against MPC. "
+      "Branches are principal. On a cut, the sign of the part that is zero says from which side "
+      "it is met:\nsqrt(-4 + 0i) = 2i, sqrt(-4 - 0i) = -2i. Special values, signs of zeros among "
+      "them, are those of Annex G of the C\nstandard.\n\nOf the elementary functions of one "
+      "argument there are two plots each over a square around 0, made by\n"
+      "`scripts/complex_plots.sh`. On the left the function: the hue is the argument (red 0, "
+      "green 2 pi/3, blue -2 pi/3), the\nbrightness grows with the modulus, in steps of powers of "
+      "two. On the right the error of the single-precision HA entry, in\nulp of the worse part, "
+      "taken against the double-precision entry at the same single-precision points.\n";
+  for (const pex::Function& f : kComplexFunctions) {
+    const std::string name(f.name);
+    text += Section(f, {'z', 'c'}, measured, "Complex " + name);
+    text += Plot(docs, "complex-" + Lower(name) + ".png", "Complex " + name + " and its error");
   }
   return text;
 }

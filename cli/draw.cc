@@ -214,11 +214,7 @@ void DrawBits(const DrawOptions& options, const quo::Distribution& d, Stream& st
 template <typename T>
 std::vector<T> NumbersOf(const std::string& name, const std::string& text) {
   std::vector<T> numbers;
-  for (size_t start = 0; start <= text.size();) {
-    const size_t comma = std::min(text.find(',', start), text.size());
-    numbers.push_back(NumberOf<T>(name, text.substr(start, comma - start)));
-    start = comma + 1;
-  }
+  for (const std::string& word : CommaSeparated(text)) numbers.push_back(NumberOf<T>(name, word));
   return numbers;
 }
 

@@ -65,14 +65,20 @@ int Report(PexErrorContext* record) {
   return 1;
 }
 
-const pex::Function& FindFunction(const std::string& name) {
-  const pex::Function* const f = pex::FindFunction(Normalized(name));
-  if (f != nullptr &&
-      std::ranges::any_of(pex::Entries(), [&](const pex::Entry& e) { return e.function == f; })) {
-    return *f;
-  }
+// The functions of a name, which take the same number of arguments.
+struct Functions {
+  const pex::Function *real, *complex;  // at least one
+  const pex::Function& any() const { return real != nullptr ? *real : *complex; }
+};
+
+Functions FindFunctions(const std::string& name) {
+  const std::string normalized = Normalized(name);
+  const Functions f{pex::FindFunction(normalized), pex::FindComplexFunction(normalized)};
+  if (f.real != nullptr || f.complex != nullptr) return f;
   std::vector<std::string> known;
-  for (const pex::Entry& e : pex::Entries()) known.push_back(Normalized(e.function->name));
+  for (const auto& functions : {pex::Functions(), pex::ComplexFunctions()}) {
+    for (const pex::Function& function : functions) known.push_back(Normalized(function.name));
+  }
   Fail("unknown function ", Quoted(name), Suggestion(name, known));
 }
 
@@ -83,30 +89,53 @@ pex::Tier TierOf(const std::string& name) {
   Fail("unknown tier ", Quoted(name), "; the tiers are ha, la and ep");
 }
 
+void ExpectParts(const Source& source, const pex::Entry& entry) {
+  if (source.parts() == entry.argument_parts()) return;
+  const auto kind = [](int parts) { return parts == 2 ? "complex" : "real"; };
+  Fail(source.name(), " has ", kind(source.parts()), " numbers; ", Normalized(entry.function->name),
+       " in type ", entry.type, " takes ", kind(entry.argument_parts()), " ones");
+}
+
+// The one second argument of --b, RE,IM when it is complex.
+template <typename T>
+std::vector<T> ParseSecond(const std::string& text, const pex::Entry& entry) {
+  std::vector<T> value;
+  for (const std::string& part :
+       entry.argument_parts() == 2 ? CommaSeparated(text) : std::vector{text}) {
+    switch (ParseReal<T>(part, &value.emplace_back())) {
+      case Parsed::Ok:
+        break;
+      case Parsed::Malformed:
+        Fail("--b ", Quoted(part), " is not a number");
+      case Parsed::OutOfRange:
+        Fail("--b ", Quoted(part), " is beyond the range of ", sizeof(T) == 8 ? "double" : "single",
+             " precision");
+    }
+  }
+  if (value.size() != static_cast<size_t>(entry.argument_parts())) {
+    Fail("--b ", Quoted(text), " is not RE,IM, a complex number");
+  }
+  return value;
+}
+
 // The second arguments, block by block.
 template <typename T>
 class Second {
  public:
-  explicit Second(const EvalOptions& options) {
+  Second(const EvalOptions& options, const pex::Entry& entry)
+      : parts_(static_cast<size_t>(entry.argument_parts())) {
     if (!options.with.empty()) {
       TextOptions text = options.text;
       text.text_only = !options.with_column.empty();
       if (text.text_only) text.column = options.with_column;
       source_ = OpenSource(options.with, text);
-      values_.resize(kBlock);
+      ExpectParts(*source_, entry);
+      values_.resize(parts_ * kBlock);
       return;
     }
-    T value;
-    switch (ParseReal<T>(options.with_value, &value)) {
-      case Parsed::Ok:
-        break;
-      case Parsed::Malformed:
-        Fail("--b ", Quoted(options.with_value), " is not a number");
-      case Parsed::OutOfRange:
-        Fail("--b ", Quoted(options.with_value), " is beyond the range of ",
-             sizeof(T) == 8 ? "double" : "single", " precision");
-    }
-    values_.assign(kBlock, value);
+    const std::vector<T> value = ParseSecond<T>(options.with_value, entry);
+    while (values_.size() < parts_ * kBlock)
+      values_.insert(values_.end(), value.begin(), value.end());
   }
 
   // As many as the first argument has; `position` counts those before.
@@ -119,13 +148,14 @@ class Second {
     return values_.data();
   }
   void ExpectEnd(uint64_t position, const Source& first) {
-    T more;
-    if (source_ != nullptr && source_->Read(&more, 1) != 0) {
+    T more[2];
+    if (source_ != nullptr && source_->Read(more, 1) != 0) {
       Fail(first.name(), " has ", position, " numbers, ", source_->name(), " has more");
     }
   }
 
  private:
+  size_t parts_;
   std::unique_ptr<Source> source_;
   std::vector<T> values_;
 };
@@ -135,7 +165,7 @@ uint64_t EvalAs(const pex::Entry& entry, const EvalOptions& options, Source& sou
   const bool two_arguments = pex::ArgumentCount(entry.function->shape) == 2;
   const bool two_results = pex::ResultCount(entry.function->shape) == 2;
   std::optional<Second<T>> second;
-  if (two_arguments) second.emplace(options);
+  if (two_arguments) second.emplace(options, entry);
 
   std::optional<NpyShape> shape;
   if (source.shape() != nullptr) shape = *source.shape();
@@ -144,7 +174,8 @@ uint64_t EvalAs(const pex::Entry& entry, const EvalOptions& options, Source& sou
       shape->dims.size() > 1) {
     Fail(source.name(), ": two results of an array in Fortran order are written as text only");
   }
-  Sink sink(options.output, format, two_results ? 2 : 1, shape);
+  const int columns = two_results ? 2 : entry.result_parts();
+  Sink sink(options.output, format, columns, shape, entry.result_parts() == 2);
 
   Reporter report;
   report.function = Normalized(entry.function->name);
@@ -160,7 +191,9 @@ uint64_t EvalAs(const pex::Entry& entry, const EvalOptions& options, Source& sou
   _pexSetMode(PEX_ERRMODE_CALLBACK);
   _pexSetErrorCallBack(Report);
 
-  std::vector<T> a(kBlock), r(kBlock), r2(two_results ? kBlock : 0), rows(2 * r2.size());
+  std::vector<T> a(kBlock * static_cast<size_t>(entry.argument_parts()));
+  std::vector<T> r(kBlock * static_cast<size_t>(entry.result_parts()));
+  std::vector<T> r2(two_results ? kBlock : 0), rows(2 * r2.size());
   uint64_t position = 0;
   for (;;) {
     const size_t n = source.Read(a.data(), kBlock);
@@ -169,7 +202,8 @@ uint64_t EvalAs(const pex::Entry& entry, const EvalOptions& options, Source& sou
     report.block = position;
     report.window = position - position % kWindow;
     _pexSetInterfInputVectorPointer(reinterpret_cast<const void*>(
-        reinterpret_cast<uintptr_t>(a.data()) - (position - report.window) * sizeof(T)));
+        reinterpret_cast<uintptr_t>(a.data()) -
+        (position - report.window) * sizeof(T) * static_cast<size_t>(entry.argument_parts())));
     entry.Call(static_cast<int32_t>(n), a.data(), b, r.data(), r2.data());
     if (two_results) {
       for (size_t i = 0; i < n; ++i) {
@@ -196,34 +230,51 @@ uint64_t EvalAs(const pex::Entry& entry, const EvalOptions& options, Source& sou
 
 }  // namespace
 
-int Eval(const EvalOptions& options) {
-  const pex::Function& function = FindFunction(options.function);
+int Eval(const EvalOptions& given) {
+  EvalOptions options = given;
+  const Functions functions = FindFunctions(options.function);
+  const std::string name = Normalized(functions.any().name);
   pex::Tier tier = TierOf(options.tier.empty() ? "ha" : options.tier);
-  if (!function.tiered) tier = pex::Tier::Plain;  // one computation, as exact as any tier
-  const std::string name = Normalized(function.name);
+  constexpr std::string_view kTypes = "dszc";
+  if (!options.type.empty() &&
+      (options.type.size() != 1 || kTypes.find(options.type) == std::string_view::npos)) {
+    Fail("unknown type ", Quoted(options.type), "; the types are d, s, z and c");
+  }
 
-  const bool two_arguments = pex::ArgumentCount(function.shape) == 2;
+  const bool two_arguments = pex::ArgumentCount(functions.any().shape) == 2;
   const bool has_second = !options.with.empty() || !options.with_value.empty();
   if (two_arguments && !has_second) {
     Fail(name, " takes two arguments: give the second as a file after the first, or as --b NUMBER");
   }
   if (!two_arguments && has_second)
     Fail(name, " takes one argument; a second is for functions of two");
-  if (function.shape == pex::Shape::UnaryScalar && !options.with.empty()) {
+  if (functions.any().shape == pex::Shape::UnaryScalar && !options.with.empty()) {
     Fail(name, " takes one second argument for all elements: --b NUMBER");
   }
   if (options.input == "-" && options.with == "-") Fail("standard input can be read once only");
 
+  // Text says nothing of its type: it is taken as real where the function has a real form.
+  const bool complex_text =
+      options.type.empty() ? functions.real == nullptr : options.type == "z" || options.type == "c";
+  const bool from_real =
+      functions.complex != nullptr && functions.complex->shape == pex::Shape::FromReal;
+  options.text.parts = complex_text && !from_real ? 2 : 1;
   const std::unique_ptr<Source> source = OpenSource(options.input, options.text);
-  std::string type = options.type;
-  if (type.empty()) type = source->natural_type();
-  if (type != "d" && type != "s") Fail("unknown type ", Quoted(type), "; the types are d and s");
-  const pex::Entry* const entry = pex::FindEntry(function.name, type[0], tier);
-  if (entry == nullptr) {
-    Fail(name, " does not exist in tier ", pex::TierName(tier), " and type ", type);
+  char type = options.type.empty() ? source->natural_type() : options.type[0];
+  if (options.type.empty() && functions.real == nullptr)
+    type = type == 's' || type == 'c' ? 'c' : 'z';
+
+  const pex::Function* const function =
+      type == 'z' || type == 'c' ? functions.complex : functions.real;
+  if (function == nullptr) {
+    Fail(name, " does not exist in type ", type, "; its types are ",
+         functions.real != nullptr ? "d and s" : "z and c");
   }
-  const uint64_t special = entry->is_double() ? EvalAs<double>(*entry, options, *source)
-                                              : EvalAs<float>(*entry, options, *source);
+  if (!function->tiered) tier = pex::Tier::Plain;  // one computation, as exact as any tier
+  const pex::Entry& entry = *pex::FindEntry(function->name, type, tier);
+  ExpectParts(*source, entry);
+  const uint64_t special = entry.is_double() ? EvalAs<double>(entry, options, *source)
+                                             : EvalAs<float>(entry, options, *source);
   return special == 0 ? kStatusOk : kStatusSpecial;
 }
 

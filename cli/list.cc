@@ -30,18 +30,21 @@ void ListFunctions() {
     std::string tiers, types;
   };
   std::map<const pex::Function*, Row> rows;
-  for (const pex::Entry& e : pex::Entries()) {
-    Row& row = rows[e.function];
-    Add(&row.tiers, e.tier == pex::Tier::Plain ? "-" : pex::TierName(e.tier));
-    Add(&row.types, std::string_view(&e.type, 1));
+  for (const auto& entries : {pex::Entries(), pex::ComplexEntries()}) {
+    for (const pex::Entry& e : entries) {
+      Row& row = rows[e.function];
+      Add(&row.tiers, e.tier == pex::Tier::Plain ? "-" : pex::TierName(e.tier));
+      Add(&row.types, std::string_view(&e.type, 1));
+    }
   }
   Print(Padded("function", 12) + Padded("tiers", 10) + Padded("types", 7) +
-        "result (a: argument, b: second argument)");
-  for (const pex::Function& f : pex::Functions()) {
-    const auto row = rows.find(&f);
-    if (row == rows.end()) continue;
-    Print(Padded(Normalized(f.name), 12) + Padded(row->second.tiers, 10) +
-          Padded(row->second.types, 7) + std::string(f.formula));
+        "result (a: argument, b: second argument); z and c are complex, double and single");
+  for (const auto& functions : {pex::Functions(), pex::ComplexFunctions()}) {
+    for (const pex::Function& f : functions) {
+      const Row& row = rows[&f];
+      Print(Padded(Normalized(f.name), 12) + Padded(row.tiers, 10) + Padded(row.types, 7) +
+            std::string(f.formula));
+    }
   }
 }
 

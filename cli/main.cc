@@ -40,18 +40,25 @@ void AddOutput(CLI::App* command, std::string* output, std::string* format, cons
 void AddEval(CLI::App* command, EvalOptions* o) {
   command->add_option("function", o->function, "A function, see pexquo list functions")->required();
   command
-      ->add_option("file", o->input, "Numbers: .npy, or text with one a line; - for standard input")
+      ->add_option("file", o->input,
+                   "Numbers: .npy, or text with one a line (complex: two); - for standard input")
       ->capture_default_str();
   command->add_option("--tier", o->tier, "ha (at most 1 ulp, the default), la or ep (fast)");
-  command->add_option("--type", o->type, "d or s: double (the default) or single precision");
-  command->add_option("--column", o->text.column,
-                      "Column of separated values: its name, or its number from 1");
+  command->add_option(
+      "--type", o->type,
+      "d or s: double or single precision; z or c: the same, complex; the type of an .npy "
+      "array, else d, if not given");
+  command->add_option(
+      "--column", o->text.column,
+      "Column of separated values: its name, or its number from 1 (complex: RE,IM)");
   command->add_option("--delimiter", o->text.delimiter, "One character, tab or space")
       ->capture_default_str();
   auto* with = command->add_option("second,--with", o->with, "File of second arguments");
   command->add_option("--with-column", o->with_column, "Its column, when not the same")
       ->needs(with);
-  command->add_option("--b,--with-value", o->with_value, "One second argument for all")
+  command
+      ->add_option("--b,--with-value", o->with_value,
+                   "One second argument for all (complex: RE,IM)")
       ->excludes(with);
   command->add_option("--max-reports", o->max_reports,
                       "Special elements to show; the others are counted");
@@ -62,7 +69,8 @@ void AddEval(CLI::App* command, EvalOptions* o) {
       "  pexquo eval exp trades.csv --column change --type s -o growth.npy\n"
       "  pexquo eval sub trades.csv --column ask --with trades.csv --with-column bid\n"
       "  pexquo eval atan2 y.npy x.npy\n"
-      "  pexquo eval powx --b 0.5 areas.txt");
+      "  pexquo eval powx --b 0.5 areas.txt\n"
+      "  pexquo eval abs spectrum.csv --type z --column re,im");
 }
 
 void AddDraw(CLI::App* command, DrawOptions* o) {

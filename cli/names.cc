@@ -37,6 +37,16 @@ std::string Normalized(std::string_view name) {
   return out;
 }
 
+std::vector<std::string> CommaSeparated(std::string_view list) {
+  std::vector<std::string> fields;
+  for (;;) {
+    const size_t comma = list.find(',');
+    fields.emplace_back(list.substr(0, comma));
+    if (comma == std::string_view::npos) return fields;
+    list.remove_prefix(comma + 1);
+  }
+}
+
 std::string Suggestion(std::string_view name, const std::vector<std::string>& known) {
   constexpr size_t kLongestTypo = 64;
   if (name.size() > kLongestTypo) return {};

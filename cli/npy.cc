@@ -1,6 +1,8 @@
 #include "cli/npy.h"
 
+#include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <limits>
 
 #include "cli/failure.h"
@@ -11,6 +13,14 @@ namespace {
 
 constexpr size_t kLongestHeader = 1 << 16;
 constexpr size_t kMostDimensions = 64;
+
+struct ElementType {
+  std::string_view name;
+  char kind;
+  int width, parts;
+};
+constexpr ElementType kElementTypes[] = {{"f4", 'f', 4, 1}, {"f8", 'f', 8, 1}, {"i4", 'i', 4, 1},
+                                         {"i8", 'i', 8, 1}, {"c8", 'f', 4, 2}, {"c16", 'f', 8, 2}};
 
 // Reads the dictionary from left to right.
 struct Dictionary {
@@ -56,13 +66,16 @@ void ReadDescr(Dictionary& d, NpyHeader* h) {
   if (d.rest.starts_with('[')) Fail(d.file, ": an .npy file of records; plain numbers are needed");
   const std::string_view descr = d.String();
   const bool known_order =
-      descr.size() == 3 && std::string_view("<>=").find(descr[0]) != std::string_view::npos;
-  const std::string_view type = known_order ? descr.substr(1) : "";
-  if (type != "f4" && type != "f8" && type != "i4" && type != "i8") {
-    Fail(d.file, ": .npy elements of type ", Quoted(descr), "; f4, f8, i4 and i8 are read");
+      !descr.empty() && std::string_view("<>=").find(descr[0]) != std::string_view::npos;
+  const ElementType* const type =
+      std::ranges::find(kElementTypes, known_order ? descr.substr(1) : "", &ElementType::name);
+  if (type == std::end(kElementTypes)) {
+    Fail(d.file, ": .npy elements of type ", Quoted(descr),
+         "; f4, f8, i4, i8, c8 and c16 are read");
   }
-  h->kind = type[0];
-  h->width = type[1] - '0';
+  h->kind = type->kind;
+  h->width = type->width;
+  h->parts = type->parts;
   h->big_endian = descr[0] == '>';
 }
 

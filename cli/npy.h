@@ -22,14 +22,15 @@ struct NpyShape {
 
 struct NpyHeader {
   char kind = 'f';  // f or i
-  int width = 8;    // bytes of an element, 4 or 8
+  int width = 8;    // bytes of a number, 4 or 8
+  int parts = 1;    // numbers of an element: 2 when it is complex
   bool big_endian = false;
   NpyShape shape;
   uint64_t count = 0;  // the product of the dimensions
 };
 
 // Takes the magic and the header from the reader. Anything else than a whole header of an array of
-// f4, f8, i4 or i8 elements ends in a Failure.
+// f4, f8, i4, i8, c8 or c16 elements ends in a Failure.
 NpyHeader ReadNpyHeader(Reader& reader);
 
 // The bytes before the data. `descr` as in "<f8". The length is a multiple of 64 and does not

@@ -13,9 +13,9 @@ namespace {
 static_assert(std::endian::native == std::endian::little);
 
 template <typename T>
-constexpr std::string_view Descr() {
-  if constexpr (std::is_same_v<T, double>) return "<f8";
-  if constexpr (std::is_same_v<T, float>) return "<f4";
+constexpr std::string_view Descr(bool complex_rows) {
+  if constexpr (std::is_same_v<T, double>) return complex_rows ? "<c16" : "<f8";
+  if constexpr (std::is_same_v<T, float>) return complex_rows ? "<c8" : "<f4";
   if constexpr (std::is_same_v<T, int32_t>) return "<i4";
   if constexpr (std::is_same_v<T, uint32_t>) return "<u4";
   if constexpr (std::is_same_v<T, uint64_t>) return "<u8";
@@ -33,18 +33,24 @@ Format FormatOf(const std::string& name, const std::string& path, bool allow_raw
   Fail("unknown format ", Quoted(name), Suggestion(name, known));
 }
 
-Sink::Sink(const std::string& path, Format format, int columns, std::optional<NpyShape> shape)
-    : file_(path), format_(format), columns_(columns), shape_(std::move(shape)) {
+Sink::Sink(const std::string& path, Format format, int columns, std::optional<NpyShape> shape,
+           bool complex_rows)
+    : file_(path),
+      format_(format),
+      columns_(columns),
+      complex_rows_(complex_rows),
+      shape_(std::move(shape)) {
   if (format_ != Format::Text && file_.is_terminal()) {
     Fail("binary results are not written to a terminal; name a file with --output");
   }
   if (format_ == Format::Npy && !shape_) file_.HoldBack();
 }
 
-std::string Sink::Header(std::string_view descr) const {
+template <typename T>
+std::string Sink::Header() const {
   NpyShape shape = shape_ ? *shape_ : NpyShape{{rows_}, false};
-  if (columns_ > 1) shape.dims.push_back(static_cast<uint64_t>(columns_));
-  return NpyHeaderBytes(descr, shape);
+  if (columns_ > 1 && !complex_rows_) shape.dims.push_back(static_cast<uint64_t>(columns_));
+  return NpyHeaderBytes(Descr<T>(complex_rows_), shape);
 }
 
 template <typename T>
@@ -52,7 +58,7 @@ void Sink::Write(const T* x, size_t rows) {
   const size_t count = rows * static_cast<size_t>(columns_);
   if (format_ != Format::Text) {
     if (format_ == Format::Npy && !begun_) {
-      const std::string header = Header(Descr<T>());
+      const std::string header = Header<T>();
       file_.Write(header.data(), header.size());
       begun_ = true;
     }
@@ -71,7 +77,7 @@ void Sink::Write(const T* x, size_t rows) {
 template <typename T>
 void Sink::Finish() {
   if (!begun_) Write<T>(nullptr, 0);
-  if (format_ == Format::Npy && !shape_) file_.ReplaceStart(Header(Descr<T>()));
+  if (format_ == Format::Npy && !shape_) file_.ReplaceStart(Header<T>());
   file_.Commit();
 }
 

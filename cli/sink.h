@@ -23,8 +23,10 @@ Format FormatOf(const std::string& name, const std::string& path, bool allow_raw
 // row is a line, its numbers separated by tabs.
 class Sink {
  public:
-  // `shape` is that of the rows, unknown when empty; columns above 1 add a last dimension.
-  Sink(const std::string& path, Format format, int columns, std::optional<NpyShape> shape);
+  // `shape` is that of the rows, unknown when empty; columns above 1 add a last dimension. With
+  // `complex_rows` the two columns of doubles or floats are the parts of one complex number.
+  Sink(const std::string& path, Format format, int columns, std::optional<NpyShape> shape,
+       bool complex_rows = false);
 
   template <typename T>
   void Write(const T* x, size_t rows);
@@ -34,11 +36,13 @@ class Sink {
   void Finish();
 
  private:
-  std::string Header(std::string_view descr) const;
+  template <typename T>
+  std::string Header() const;
 
   OutputFile file_;
   Format format_;
   int columns_;
+  bool complex_rows_;
   std::optional<NpyShape> shape_;
   uint64_t rows_ = 0;
   bool begun_ = false;

@@ -95,10 +95,8 @@ int32_t GeneratorId(const std::string& generator, const std::string& member) {
 
 std::vector<uint32_t> SeedWords(const std::string& words) {
   std::vector<uint32_t> seeds;
-  size_t comma = words.empty() ? std::string::npos : 0;
-  for (size_t start = 0; comma != std::string::npos; start = comma + 1) {
-    comma = words.find(',', start);
-    const std::string word = words.substr(start, comma - start);
+  if (words.empty()) return seeds;
+  for (const std::string& word : CommaSeparated(words)) {
     int64_t seed = 0;
     switch (ParseInteger(word, 0, std::numeric_limits<uint32_t>::max(), &seed)) {
       case Parsed::Ok:

@@ -1,7 +1,8 @@
-// Plain text has one number a line; "#" begins a comment and blank lines are skipped. A column is
-// taken from lines of fields as CSV files have them: fields may stand in double quotes, in which a
-// doubled quote is one; lines that begin with "#" are comments. The first line is a header when the
-// column is chosen by name, or when its field does not look like a number.
+// Plain text has one number a line, or the two parts of a complex one, separated by the delimiter
+// or by blanks; "#" begins a comment and blank lines are skipped. Columns are taken from lines of
+// fields as CSV files have them: fields may stand in double quotes, in which a doubled quote is
+// one; lines that begin with "#" are comments. The first line is a header when a column is chosen
+// by name, or when a field of it does not look like a number.
 #include "cli/text_source.h"
 
 #include <algorithm>
@@ -35,18 +36,21 @@ bool LooksLikeNumber(std::string_view field) {
 class TextSource : public Source {
  public:
   TextSource(std::unique_ptr<Reader> reader, const TextOptions& options)
-      : reader_(std::move(reader)), delimiter_(DelimiterOf(options.delimiter)) {
+      : reader_(std::move(reader)),
+        delimiter_(DelimiterOf(options.delimiter)),
+        parts_(static_cast<size_t>(options.parts)) {
     constexpr std::string_view kMark = "\xEF\xBB\xBF";
     char mark[kMark.size()];
     if (reader_->Peek(kMark.size()) == kMark) reader_->Read(mark, sizeof(mark));
-    if (!options.column.empty()) ChooseColumn(options.column);
+    if (!options.column.empty()) ChooseColumns(options.column);
   }
 
   size_t Read(double* x, size_t n) override { return ReadAs(x, n); }
   size_t Read(float* x, size_t n) override { return ReadAs(x, n); }
   uint64_t LineOf(size_t i) const override { return lines_[i]; }
   const NpyShape* shape() const override { return nullptr; }
-  char natural_type() const override { return 'd'; }
+  int parts() const override { return static_cast<int>(parts_); }
+  char natural_type() const override { return parts_ == 2 ? 'z' : 'd'; }
   const std::string& name() const override { return reader_->name(); }
 
  private:
@@ -59,7 +63,7 @@ class TextSource : public Source {
   bool NextLine(std::string_view* line) {
     while (reader_->ReadLine(line)) {
       ++line_;
-      if (column_ == 0) *line = line->substr(0, line->find('#'));
+      if (columns_.empty()) *line = line->substr(0, line->find('#'));
       const std::string_view text = Trimmed(*line);
       if (!text.empty() && text.front() != '#') return true;
     }
@@ -94,49 +98,58 @@ class TextSource : public Source {
     return delimiter_ != kBlanks || !Trimmed(*rest).empty();
   }
 
-  // Sets column_, and takes the header off where there is one.
-  void ChooseColumn(const std::string& column) {
-    column_ = 1;  // fields from here on
-    const bool by_number = std::ranges::all_of(column, [](char c) { return c >= '0' && c <= '9'; });
-    if (by_number) {
-      int64_t number = 0;
-      if (ParseInteger(column, 1, 1 << 20, &number) != Parsed::Ok) {
-        Fail("there is no column ", column, "; the first is 1");
+  // Sets columns_, and takes the header off where there is one.
+  void ChooseColumns(const std::string& chosen) {
+    const std::vector<std::string> names =
+        parts_ == 2 ? CommaSeparated(chosen) : std::vector{chosen};
+    if (names.size() != parts_) {
+      Fail("--column ", Quoted(chosen), " is not RE,IM: two columns make complex numbers");
+    }
+    columns_.resize(parts_);
+    const std::string* by_name = nullptr;
+    for (size_t i = 0; i < parts_; ++i) {
+      if (!std::ranges::all_of(names[i], [](char c) { return c >= '0' && c <= '9'; })) {
+        by_name = &names[i];
+        continue;
       }
-      column_ = static_cast<size_t>(number);
+      int64_t number = 0;
+      if (ParseInteger(names[i], 1, 1 << 20, &number) != Parsed::Ok) {
+        Fail("there is no column ", names[i], "; the first is 1");
+      }
+      columns_[i] = static_cast<size_t>(number);
     }
     std::string_view line;
     if (!NextLine(&line)) {
-      if (!by_number) Fail(name(), ": no header with a column ", Quoted(column));
+      if (by_name != nullptr) Fail(name(), ": no header with a column ", Quoted(*by_name));
       return;
     }
-    if (by_number) {
-      std::string field = Field(line);
-      if (LooksLikeNumber(field)) {
-        first_ = std::move(field);
-        has_first_ = true;
-      }
+    if (by_name == nullptr) {
+      has_first_ = std::ranges::all_of(
+          columns_, [&](size_t column) { return LooksLikeNumber(Field(line, column)); });
+      first_ = line;
       return;
     }
     std::vector<std::string> known;
-    bool more = true;
-    while (more) {
+    for (bool more = true; more;) {
       std::string field;
       more = NextField(&line, &field);
-      if (field == column) {
-        column_ = known.size() + 1;
-        return;
-      }
       known.push_back(std::move(field));
     }
-    Fail(name(), ": no column ", Quoted(column), Suggestion(column, known));
+    for (size_t i = 0; i < parts_; ++i) {
+      if (columns_[i] != 0) continue;
+      const auto found = std::ranges::find(known, names[i]);
+      if (found == known.end()) {
+        Fail(name(), ": no column ", Quoted(names[i]), Suggestion(names[i], known));
+      }
+      columns_[i] = static_cast<size_t>(found - known.begin()) + 1;
+    }
   }
 
-  std::string Field(std::string_view line) const {
+  std::string Field(std::string_view line, size_t column) const {
     std::string field;
-    for (size_t i = 1; i <= column_; ++i) {
-      if (!NextField(&line, &field) && i < column_) {
-        FailHere("there is no column ", column_, ", the line has ", i);
+    for (size_t i = 1; i <= column; ++i) {
+      if (!NextField(&line, &field) && i < column) {
+        FailHere("there is no column ", column, ", the line has ", i);
       }
     }
     return field;
@@ -154,8 +167,30 @@ class TextSource : public Source {
       case Parsed::Malformed:
         break;
     }
-    const bool several = column_ == 0 && text.find_first_of(",; \t") != std::string_view::npos;
-    FailHere(Quoted(text), " is not a number", several ? "; --column chooses a column" : "");
+    const bool several = columns_.empty() && text.find_first_of(",; \t") != std::string_view::npos;
+    FailHere(Quoted(text), " is not a number",
+             !several      ? ""
+             : parts_ == 1 ? "; --column chooses a column"
+                           : "; --column chooses two columns");
+  }
+
+  // The parts of the line's element.
+  template <typename T>
+  void Element(std::string_view line, T* x) const {
+    for (size_t i = 0; i < columns_.size(); ++i) x[i] = Number<T>(Field(line, columns_[i]));
+    if (!columns_.empty()) return;
+    const std::string_view text = Trimmed(line);
+    if (parts_ == 1) {
+      *x = Number<T>(text);
+      return;
+    }
+    size_t end = text.find(delimiter_);
+    if (end == std::string_view::npos) end = text.find_first_of(" \t");
+    if (end == std::string_view::npos) {
+      FailHere(Quoted(text), " is one number, a complex one takes two");
+    }
+    x[0] = Number<T>(Trimmed(text.substr(0, end)));
+    x[1] = Number<T>(Trimmed(text.substr(end + 1)));
   }
 
   template <typename T>
@@ -165,14 +200,11 @@ class TextSource : public Source {
       std::string_view line;
       if (has_first_) {
         has_first_ = false;
-        x[lines_.size()] = Number<T>(first_);
+        line = first_;
       } else if (!NextLine(&line)) {
         break;
-      } else if (column_ == 0) {
-        x[lines_.size()] = Number<T>(Trimmed(line));
-      } else {
-        x[lines_.size()] = Number<T>(Field(line));
       }
+      Element(line, x + parts_ * lines_.size());
       lines_.push_back(line_);
     }
     return lines_.size();
@@ -180,9 +212,10 @@ class TextSource : public Source {
 
   std::unique_ptr<Reader> reader_;
   char delimiter_;
-  size_t column_ = 0;  // from 1; 0 when a line is one number
+  size_t parts_;
+  std::vector<size_t> columns_;  // one for each part, from 1; none when a line is one element
   uint64_t line_ = 0;
-  std::string first_;  // the field of the first line, where that was no header
+  std::string first_;  // the first line, where that was no header
   bool has_first_ = false;
   std::vector<uint64_t> lines_;
 };

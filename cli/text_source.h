@@ -1,4 +1,4 @@
-// Numbers in text: one a line, or a column of separated values.
+// Numbers in text: one element a line, or columns of separated values.
 #ifndef CLI_TEXT_SOURCE_H_
 #define CLI_TEXT_SOURCE_H_
 

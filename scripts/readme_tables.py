@@ -37,18 +37,23 @@ def replace(text, name, table):
     return filled
 
 
-def speed():
-    """One row for each tiered function and type from the AVX-512 table of docs/performance.md."""
+def performance_table(*heads):
+    """The cells of the AVX-512 table under the first head that docs/performance.md has, and the
+    number of each column by its name."""
     text = (ROOT / "docs/performance.md").read_text()
-    part = next((p for p in text.split("## ")
-                 if p.lower().startswith(("vector math, avx-512", "avx-512"))), "")
+    part = next((p for p in text.split("## ") if p.lower().startswith(heads)), "")
     lines = [line for line in part.splitlines() if line.startswith("| ")]
     cells = [[cell.strip() for cell in line.strip("|").split("|")] for line in lines]
     if len(cells) < 2:
-        raise SystemExit("docs/performance.md: no table for AVX-512")
-    columns = {name: k for k, name in enumerate(cells[0])}
+        raise SystemExit(f"docs/performance.md: no table of {heads[0]}")
+    return cells[1:], {name: k for k, name in enumerate(cells[0])}
+
+
+def speed():
+    """One row for each tiered function and type from the AVX-512 table of docs/performance.md."""
+    cells, columns = performance_table("vector math, avx-512", "avx-512")
     found = {}
-    for row in cells[1:]:
+    for row in cells:
         tier = row[columns["tier"]]
         if tier not in ("EP", "LA", "HA"):
             continue
@@ -64,10 +69,34 @@ def speed():
     return table
 
 
+def random():
+    """Raw words, doubles and floats of each generator, then each distribution on MT19937."""
+    cells, columns = performance_table("generators, avx-512")
+    found = {}
+    for row in cells:
+        generator, output = row[0], row[1]
+        words = output.split(" ")
+        if words[-1] in ("clamped", "integers"):
+            continue
+        kind = words[-1] if len(words) > 1 else "bits"
+        kind = "bits" if kind == "i" else kind
+        name = generator if words[0] in ("bits", "uniform") else " ".join(words[:-1])
+        ratio, peer = row[columns["ratio"]], row[columns["peer"]]
+        text = row[columns["n = 1000"]]
+        if peer != "-":
+            text += f" ({ratio} of {peer})"
+        found.setdefault(name, {})[kind] = text
+    table = ["| | integers | double | single |", "|---|---|---|---|"]
+    for name, kinds in found.items():
+        table.append("| " + " | ".join([name] + [kinds.get(k, "-") for k in ("bits", "d", "f")]) + " |")
+    return table
+
+
 def main():
     readme = ROOT / "README.md"
     text = replace(readme.read_text(), "accuracy", accuracy())
-    readme.write_text(replace(text, "speed", speed()))
+    text = replace(text, "speed", speed())
+    readme.write_text(replace(text, "random", random()))
 
 
 if __name__ == "__main__":

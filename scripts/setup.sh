@@ -1,5 +1,5 @@
 # Sourced by the other scripts: installs the missing Debian packages.
-packages=(g++ cmake ninja-build pkg-config libhwy-dev libopenblas-dev libmpfr-dev libgmp-dev
+packages=(g++ cmake ninja-build pkg-config libhwy-dev libopenblas-dev libmpfr-dev libmpc-dev libgmp-dev
   libgtest-dev libbenchmark-dev libsleef-dev libboost-dev libgsl-dev libcli11-dev gnuplot-nox
   python3 clang-format)
 missing=()

@@ -20,6 +20,16 @@
 extern "C" {
 #endif
 
+/* ---- Complex numbers: real part first, no padding. ---- */
+
+typedef struct PexComplex8 {
+  float re, im;
+} PexComplex8;
+
+typedef struct PexComplex16 {
+  double re, im;
+} PexComplex16;
+
 /* ---- The mode word of a thread: accuracy, error mode and a field of the calling layer. ---- */
 
 #define PEX_MODE_DEFAULT 0x1A02u

@@ -109,6 +109,13 @@ HWY_INLINE hn::Mask<D> KeyAbove(D d, BitsOf<D> key, int64_t limit) {
 #endif
 }
 
+// The same with whole lanes of ones, as selections ask for.
+template <class D>
+HWY_INLINE hn::Mask<D> LanesAbove(D d, BitsOf<D> key, int64_t limit) {
+  const auto above = hn::VecFromMask(d, KeyAbove(d, key, limit));
+  return hn::RebindMask(d, hn::Lt(Bits(d, above), SetBits(d, 0)));
+}
+
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

@@ -9,24 +9,35 @@
 
 namespace pex {
 
-class ControlGuard {
+// The control bits kCallers are left as they are.
+template <uint32_t kCallers>
+class ControlGuardBut {
  public:
-  ControlGuard() : saved_(_mm_getcsr()) {
-    if ((saved_ & ~kFlags) != kDefault) _mm_setcsr(kDefault | (saved_ & kFlags));
+  ControlGuardBut() : saved_(_mm_getcsr()) {
+    if ((saved_ & ~kKept) != kDefault) _mm_setcsr(kDefault | (saved_ & kKept));
   }
-  ~ControlGuard() {
-    if ((saved_ & ~kFlags) != kDefault) {
+  ~ControlGuardBut() {
+    if ((saved_ & ~kKept) != kDefault) {
       _mm_setcsr((saved_ & ~kFlags) | (_mm_getcsr() & kFlags));
     }
   }
-  ControlGuard(const ControlGuard&) = delete;
-  ControlGuard& operator=(const ControlGuard&) = delete;
+  ControlGuardBut(const ControlGuardBut&) = delete;
+  ControlGuardBut& operator=(const ControlGuardBut&) = delete;
 
  private:
-  static constexpr uint32_t kFlags = 0x3F;      // MXCSR: the six sticky exception flags
+  static constexpr uint32_t kFlags = 0x3F;  // MXCSR: the six sticky exception flags
+  static constexpr uint32_t kKept = kFlags | kCallers;
   static constexpr uint32_t kDefault = 0x1F80;  // exceptions masked, nearest, no FTZ, no DAZ
   uint32_t saved_;
 };
+
+using ControlGuard = ControlGuardBut<0>;
+
+// Whether subnormal arguments count as zeros stays the caller's choice.
+using ControlGuardButDaz = ControlGuardBut<0x40>;
+
+// The caller's control word as it is.
+struct NoGuard {};
 
 // The rounding and flush bits alone for the time of a call: to nearest, no flushing. The exception
 // masks stay the caller's, and so do the flags.
@@ -46,27 +57,26 @@ class RoundingGuard {
   uint32_t saved_;
 };
 
-// As ControlGuard, for calls that leave no trace but inexact in the caller's flags: random numbers.
+// As ControlGuard, for calls that leave no trace in the caller's flags but perhaps inexact: random
+// numbers.
 class QuietGuard {
  public:
-  // `quiet`: the caller knows that nothing more than inexact can be raised; saves a second look.
+  // `quiet`: the caller knows that nothing more than inexact can be raised; saves the way back.
   explicit QuietGuard(bool quiet = false) : saved_(_mm_getcsr()), quiet_(quiet) {
     if ((saved_ & ~kFlags) == kDefault) return;
     _mm_setcsr(kDefault | (saved_ & kFlags));
     quiet_ = false;
   }
+  // Writes what it has read: to read the word once more would wait for all arithmetic under way,
+  // and the caller of a random number can do without its inexact.
   ~QuietGuard() {
-    if (quiet_) return;
-    const uint32_t now = _mm_getcsr();
-    const uint32_t restored = saved_ | (now & kInexact);
-    if (now != restored) _mm_setcsr(restored);
+    if (!quiet_) _mm_setcsr(saved_);
   }
   QuietGuard(const QuietGuard&) = delete;
   QuietGuard& operator=(const QuietGuard&) = delete;
 
  private:
   static constexpr uint32_t kFlags = 0x3F;
-  static constexpr uint32_t kInexact = 0x20;
   static constexpr uint32_t kDefault = 0x1F80;
   uint32_t saved_;
   bool quiet_;  // nothing to restore at the end

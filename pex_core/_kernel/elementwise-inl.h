@@ -142,9 +142,7 @@ HWY_INLINE MaskOf<D> RareLanes(D d, V x, V y) {
   if constexpr (K::kArguments == 2) {
     return K::IsRare(d, x, y);
   } else if constexpr (HasRarity<K> && !HasIsRare<K, D>) {
-    // Select asks for whole lanes of ones.
-    const auto above = KeyAbove(d, K::Rarity::Key(d, x), K::Rarity::kLimit);
-    return hn::RebindMask(d, hn::Lt(Bits(d, hn::VecFromMask(d, above)), SetBits(d, 0)));
+    return LanesAbove(d, K::Rarity::Key(d, x), K::Rarity::kLimit);
   } else {
     return K::IsRare(d, x);
   }

@@ -9,11 +9,16 @@
 #include "pex_core/_kernel/control.h"
 #include "pexquo/pex.h"
 
-#define PEX_EXPORT_BODY(body, parameters, arguments) \
-  HWY_EXPORT(body);                                  \
-  extern "C" PEXQUO_API int _pex##body parameters {  \
-    const ControlGuard guard;                        \
-    return HWY_DYNAMIC_DISPATCH(body) arguments;     \
+// pex::unguarded::dExp_50 and so on are the same for callers within the library that have put the
+// control aside themselves: reading the control word takes as long as several elements.
+#define PEX_EXPORT_BODY(body, parameters, arguments)                   \
+  HWY_EXPORT(body);                                                    \
+  namespace unguarded {                                                \
+  int body parameters { return HWY_DYNAMIC_DISPATCH(body) arguments; } \
+  }                                                                    \
+  extern "C" PEXQUO_API int _pex##body parameters {                    \
+    const ControlGuard guard;                                          \
+    return HWY_DYNAMIC_DISPATCH(body) arguments;                       \
   }
 
 // The same with the caller's control word in force: entries that are the hardware's operations.
@@ -27,6 +32,24 @@
   extern "C" PEXQUO_API int _pex##body parameters {           \
     const RoundingGuard guard;                                \
     return HWY_DYNAMIC_DISPATCH(body) arguments;              \
+  }
+
+// One of the names of a body of complex numbers, under a guard of control.h or under NoGuard. The
+// body's HWY_EXPORT stands before its names.
+#define PEX_EXPORT_COMPLEX_UNARY(A, R, Guard, body, name)             \
+  extern "C" PEXQUO_API int _pex##name(int32_t n, const A* a, R* r) { \
+    [[maybe_unused]] const Guard guard;                               \
+    return HWY_DYNAMIC_DISPATCH(body)(n, a, r);                       \
+  }
+#define PEX_EXPORT_COMPLEX_BINARY(C, Guard, body, name)                           \
+  extern "C" PEXQUO_API int _pex##name(int32_t n, const C* a, const C* b, C* r) { \
+    [[maybe_unused]] const Guard guard;                                           \
+    return HWY_DYNAMIC_DISPATCH(body)(n, a, b, r);                                \
+  }
+#define PEX_EXPORT_COMPLEX_SCALAR(C, Guard, body, name)                    \
+  extern "C" PEXQUO_API int _pex##name(int32_t n, const C* a, C b, C* r) { \
+    [[maybe_unused]] const Guard guard;                                    \
+    return HWY_DYNAMIC_DISPATCH(body)(n, a, b, r);                         \
   }
 
 #define PEX_EXPORT_UNARY(T, body) PEX_EXPORT_BODY(body, (int32_t n, const T* a, T* r), (n, a, r))

@@ -115,7 +115,7 @@ HWY_INLINE void PlainTail(const PlainArrays<K>& p, size_t i, size_t end) {
 }
 
 template <class K>
-HWY_INLINE int RunPlain(int32_t n, const PlainArrays<K>& p) {
+HWY_INLINE int RunPlain(int64_t n, const PlainArrays<K>& p) {
   using T = typename K::T;
   const hn::ScalableTag<T> d;
   constexpr size_t kLanes = hn::MaxLanes(hn::ScalableTag<T>());

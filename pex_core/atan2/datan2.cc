@@ -3,7 +3,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/atan2/datan2.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
-#include "pex_core/_heap/real/atan-inl.h"
+#include "pex_core/_heap/real/atan2_domain-inl.h"
 #include "pex_core/_heap/real/atan_scalar.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 
@@ -12,25 +12,8 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdAtan2";
 
-// Common lanes have |x| and |y| from 2^-450 to 2^450, so that no product and no quotient overflows
-// or underflows, one of them may be 0.
-struct dAtan2Common : Kernel<double> {
+struct dAtan2Common : Kernel<double>, Atan2Domain {
   static constexpr int kArguments = 2;
-  using Range = RareOutside<double, 0x23D00000, 0x5C0FFFFF>;
-
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> MayBeRare(D d, V y, V x) {
-    return KeyAbove(d, JoinKeys(d, Range::Key(d, hn::Abs(y)), Range::Key(d, hn::Abs(x))),
-                    Range::kLimit);
-  }
-  // A zero stands for the other argument.
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> IsRare(D d, V y, V x) {
-    const auto zero_y = hn::RebindMask(d, hn::Eq(Bits(d, hn::Abs(y)), SetBits(d, 0)));
-    const auto zero_x = hn::RebindMask(d, hn::Eq(Bits(d, hn::Abs(x)), SetBits(d, 0)));
-    const auto rare = MayBeRare(d, hn::IfThenElse(zero_y, x, y), hn::IfThenElse(zero_x, y, x));
-    return hn::RebindMask(d, hn::Lt(Bits(d, hn::VecFromMask(d, rare)), SetBits(d, 0)));
-  }
   static HWY_INLINE int Rare(double y, double x, double* r) { return dAtan2Scalar(y, x, r); }
 };
 

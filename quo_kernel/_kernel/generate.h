@@ -1,5 +1,6 @@
 // n outputs of the generator behind a stream, by the type of the output. A stream that names no
-// generator gives -1000, else the status is the generator's. The caller holds a pex::QuietGuard.
+// generator gives -1000, else the status is the generator's. The caller holds a pex::QuietGuard,
+// unless the stream's generator guards itself.
 #ifndef QUO_KERNEL__KERNEL_GENERATE_H_
 #define QUO_KERNEL__KERNEL_GENERATE_H_
 
@@ -27,6 +28,10 @@ inline int32_t Generate(StreamState* stream, int32_t n, uint32_t* r) {
 // give the same outputs however they are asked and never fail once seeded. Users' generators and
 // abstract streams see each request.
 inline bool RequestsAreUnseen(const StreamState* stream) { return stream->id < QUO_BRNG_IABSTRACT; }
+
+// Whether the generator sets the control word and brings back the flags by itself, as the library's
+// own do.
+inline bool GuardsItself(const StreamState* stream) { return stream->id < QUO_BRNG_IABSTRACT; }
 
 }  // namespace quo
 

@@ -1,5 +1,6 @@
 // The vector functions that distributions are made of, by type, in place: the double ones with 26
-// bits, the single ones with 21. The accuracy is part of the generated sequences.
+// bits, the single ones with 21. The accuracy is part of the generated sequences. For callers that
+// hold a VectorMath.
 #ifndef QUO_KERNEL__KERNEL_VECTOR_MATH_H_
 #define QUO_KERNEL__KERNEL_VECTOR_MATH_H_
 
@@ -9,18 +10,38 @@
 #include "quo_kernel/_kernel/borrow.h"
 #include "quo_sub_kernel/_math/scalar.h"
 
+// Entries of vector math without their control guards.
+namespace pex::unguarded {
+
+#define QUO_UNARY(Function)                                    \
+  int d##Function##_26(int32_t n, const double* a, double* r); \
+  int s##Function##_21(int32_t n, const float* a, float* r);
+QUO_UNARY(Ln)
+QUO_UNARY(Exp)
+QUO_UNARY(Sin)
+QUO_UNARY(Tan)
+QUO_UNARY(Sqrt)
+QUO_UNARY(ErfInv)
+#undef QUO_UNARY
+int dSinCos_26(int32_t n, const double* a, double* r1, double* r2);
+int sSinCos_21(int32_t n, const float* a, float* r1, float* r2);
+
+}  // namespace pex::unguarded
+
 namespace quo {
 
-inline void Ln(int32_t n, double* r) { _pexdLn_26(n, r, r); }
-inline void Ln(int32_t n, float* r) { _pexsLn_21(n, r, r); }
-inline void Ln(int32_t n, const double* x, double* r) { _pexdLn_26(n, x, r); }
-inline void Ln(int32_t n, const float* x, float* r) { _pexsLn_21(n, x, r); }
-inline void Exp(int32_t n, double* r) { _pexdExp_26(n, r, r); }
-inline void Exp(int32_t n, float* r) { _pexsExp_21(n, r, r); }
-inline void Tan(int32_t n, double* r) { _pexdTan_26(n, r, r); }
-inline void Tan(int32_t n, float* r) { _pexsTan_21(n, r, r); }
-inline void Sqrt(int32_t n, double* r) { _pexdSqrt_26(n, r, r); }
-inline void Sqrt(int32_t n, float* r) { _pexsSqrt_21(n, r, r); }
+namespace math = pex::unguarded;
+
+inline void Ln(int32_t n, double* r) { math::dLn_26(n, r, r); }
+inline void Ln(int32_t n, float* r) { math::sLn_21(n, r, r); }
+inline void Ln(int32_t n, const double* x, double* r) { math::dLn_26(n, x, r); }
+inline void Ln(int32_t n, const float* x, float* r) { math::sLn_21(n, x, r); }
+inline void Exp(int32_t n, double* r) { math::dExp_26(n, r, r); }
+inline void Exp(int32_t n, float* r) { math::sExp_21(n, r, r); }
+inline void Tan(int32_t n, double* r) { math::dTan_26(n, r, r); }
+inline void Tan(int32_t n, float* r) { math::sTan_21(n, r, r); }
+inline void Sqrt(int32_t n, double* r) { math::dSqrt_26(n, r, r); }
+inline void Sqrt(int32_t n, float* r) { math::sSqrt_21(n, r, r); }
 inline void Powx(int32_t n, double* r, double y) { _pexdPowx_26(n, r, y, r); }
 inline void Powx(int32_t n, float* r, float y) { _pexsPowx_21(n, r, y, r); }
 

@@ -11,6 +11,8 @@
 // The result array need not be aligned.
 
 #include <algorithm>
+#include <bit>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -135,14 +137,46 @@ struct TwisterUniform {
   }
 };
 
-// On [0, 1) product and sum are exact: w 2^-32.
-struct TwisterUnit {
+// The same bits in fewer operations where the scale is a power of two, so that the product is
+// exact, and its step is no less than an ulp of what the centre is taken from: 2^52 scale + w
+// scale, less that and the centre, is rounded once, as the sum above is.
+class TwisterDyadic {
+ public:
+  // Whether the bounds are of this kind.
+  static HWY_INLINE bool Takes(const TwisterUniform& u) {
+    const double least = Least(u);
+    return IsPowerOfTwo(u.scale) && std::fabs(u.centre) <= least &&
+           least - (least - u.centre) == u.centre;
+  }
+  explicit HWY_INLINE TwisterDyadic(const TwisterUniform& u)
+      : high_(HighWord(u.scale) + (52 << 20)), origin_(Least(u) - u.centre) {}
+
   template <bool kUpper, class D>
   HWY_INLINE hn::Vec<hn::Repartition<double, D>> Half(D d, hn::Vec<D> w) const {
-    const auto above = WithHighWord<kUpper>(d, w, 0x41300000);  // 2^20 + w 2^-32
-    return hn::Sub(above, hn::Set(hn::Repartition<double, D>(), 0x1p20));
+    const auto above = WithHighWord<kUpper>(d, w, high_);
+    return hn::Sub(above, hn::Set(hn::Repartition<double, D>(), origin_));
   }
-  HWY_INLINE double One(uint32_t w) const { return w * 0x1p-32; }
+  HWY_INLINE double One(uint32_t w) const {
+    return std::bit_cast<double>(uint64_t{high_} << 32 | w) - origin_;
+  }
+
+  // Of a size that keeps all on the way to an output, single or double, in the normal range. Asked
+  // of the bits, as comparing numbers may raise flags.
+  static HWY_INLINE bool IsPowerOfTwo(double scale) {
+    const uint64_t bits = std::bit_cast<uint64_t>(scale);
+    return bits << 12 == 0 && bits >= uint64_t{1023 - 120} << 52 &&
+           bits <= uint64_t{1023 + 90} << 52;
+  }
+
+ private:
+  static HWY_INLINE uint32_t HighWord(double x) {
+    return static_cast<uint32_t>(std::bit_cast<uint64_t>(x) >> 32);
+  }
+  // What stands for the least word, -2^31 before scaling.
+  static HWY_INLINE double Least(const TwisterUniform& u) { return u.scale * (0x1p52 + 0x1p31); }
+
+  uint32_t high_;  // word of 2^52 scale
+  double origin_;
 };
 
 template <class Uniform>
@@ -179,26 +213,45 @@ struct TwisterFloats {
   }
 };
 
-// On [0, 1): w 2^-32 rounded to single.
-struct TwisterUnitFloats {
+// On [0, b), b a power of two: w scale rounded to single.
+struct TwisterFloatsFromZero {
   using T = float;
+  float scale;
   template <class D>
   HWY_INLINE void Write(D d, hn::Vec<D> w, float* r) const {
     const hn::Rebind<float, D> df;
 #if HWY_TARGET == HWY_AVX3
-    hn::StoreU(hn::Mul(hn::ConvertTo(df, w), hn::Set(df, 0x1p-32f)), df, r);
+    hn::StoreU(hn::Mul(hn::ConvertTo(df, w), hn::Set(df, scale)), df, r);
 #else
-    // The halves of w below the units of 2^7 and 2^-9, whose last places are 2^-16 and 2^-32; the
-    // difference of the former is exact, and the sum rounds.
+    // The halves of w below the units of 2^39 and 2^23 scale, whose last places are 2^16 scale and
+    // the scale; the difference of the former is exact, and the sum rounds.
     const hn::Repartition<uint16_t, D> d16;
-    const auto low = hn::OddEven(hn::BitCast(d16, hn::Set(df, 0x1p-9f)), hn::BitCast(d16, w));
-    const auto high = hn::Or(hn::ShiftRight<16>(w), hn::BitCast(d, hn::Set(df, 0x1p7f)));
-    const auto rest = hn::Sub(hn::BitCast(df, high), hn::Set(df, 0x1p7f + 0x1p-9f));
+    const float low_unit = 0x1p23f * scale, high_unit = 0x1p39f * scale;
+    const auto low = hn::OddEven(hn::BitCast(d16, hn::Set(df, low_unit)), hn::BitCast(d16, w));
+    const auto high = hn::Or(hn::ShiftRight<16>(w), hn::BitCast(d, hn::Set(df, high_unit)));
+    const auto rest = hn::Sub(hn::BitCast(df, high), hn::Set(df, high_unit + low_unit));
     hn::StoreU(hn::Add(rest, hn::BitCast(df, low)), df, r);
 #endif
   }
   HWY_INLINE void WriteOne(uint32_t w, float* r) const {
-    const float x = static_cast<float>(w * 0x1p-32);
+    const float x = static_cast<float>(w) * scale;
+    std::memcpy(r, &x, sizeof(x));
+  }
+};
+
+// On [-b, b), b a power of two: (w - 2^31) scale rounded to single.
+struct TwisterFloatsAroundZero {
+  using T = float;
+  float scale;
+  template <class D>
+  HWY_INLINE void Write(D d, hn::Vec<D> w, float* r) const {
+    const hn::Rebind<float, D> df;
+    const hn::RebindToSigned<D> di;
+    const auto centred = hn::BitCast(di, hn::Xor(w, hn::Set(d, 0x80000000)));
+    hn::StoreU(hn::Mul(hn::ConvertTo(df, centred), hn::Set(df, scale)), df, r);
+  }
+  HWY_INLINE void WriteOne(uint32_t w, float* r) const {
+    const float x = static_cast<float>(static_cast<int32_t>(w ^ 0x80000000)) * scale;
     std::memcpy(r, &x, sizeof(x));
   }
 };
@@ -265,20 +318,26 @@ HWY_INLINE void Generate(typename Source::State& state, size_t n, typename Outpu
 template <class Source>
 HWY_INLINE void GenerateDoubles(typename Source::State& state, size_t n, double* r, double a,
                                 double b) {
-  if (a == 0 && b == 1) {
-    Generate<Source>(state, n, r, TwisterDoubles<TwisterUnit>());
+  const TwisterUniform uniform(a, b);
+  if (TwisterDyadic::Takes(uniform)) {
+    Generate<Source>(state, n, r, TwisterDoubles<TwisterDyadic>{TwisterDyadic(uniform)});
   } else {
-    Generate<Source>(state, n, r, TwisterDoubles<TwisterUniform>{{a, b}});
+    Generate<Source>(state, n, r, TwisterDoubles<TwisterUniform>{uniform});
   }
 }
 
 template <class Source>
 HWY_INLINE void GenerateFloats(typename Source::State& state, size_t n, float* r, double a,
                                double b) {
-  if (a == 0 && b == 1) {
-    Generate<Source>(state, n, r, TwisterUnitFloats());
+  const TwisterUniform uniform(a, b);
+  const bool dyadic = TwisterDyadic::IsPowerOfTwo(uniform.scale);
+  const float scale = static_cast<float>(uniform.scale);
+  if (dyadic && a == 0) {
+    Generate<Source>(state, n, r, TwisterFloatsFromZero{scale});
+  } else if (dyadic && uniform.centre == 0) {
+    Generate<Source>(state, n, r, TwisterFloatsAroundZero{scale});
   } else {
-    Generate<Source>(state, n, r, TwisterFloats{{a, b}});
+    Generate<Source>(state, n, r, TwisterFloats{uniform});
   }
 }
 

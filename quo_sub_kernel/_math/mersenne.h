@@ -12,9 +12,11 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "pexquo/quo.h"
 
@@ -73,6 +75,49 @@ void SeedTwister(State* state, int32_t n, const uint32_t* params) {
   mt[0] = 0x80000000;  // never all zero
   state->mti = kN;
   state->reserved = 0;
+}
+
+// An integer below 2^33 in size as the nearest floating-point number, ties to even, whatever the
+// rounding mode, and without a flag.
+inline void ToNearest(int64_t v, double* x) { *x = static_cast<double>(v); }
+inline void ToNearest(int64_t v, float* x) {
+  const uint64_t size = static_cast<uint64_t>(v < 0 ? -v : v);
+  const int surplus = std::bit_width(size | 1) - 24;
+  if (surplus > 0) {
+    const uint64_t odd = size >> surplus & 1, half = uint64_t{1} << (surplus - 1);
+    const uint64_t kept = (size + half - 1 + odd) >> surplus << surplus;
+    v = v < 0 ? -static_cast<int64_t>(kept) : static_cast<int64_t>(kept);
+  }
+  *x = static_cast<float>(v);
+}
+
+// A few uniforms on [0, 1) or [-1, 1), w 2^-32 or (w - 2^31) 2^-31 rounded, from words that the
+// block still has; false, with nothing done, for any other request. Nothing here depends on the
+// control word or raises a flag, so it goes without a guard, whose reading of the word takes longer
+// than all else.
+template <class State, typename T>
+bool FewUniforms(State& state, int32_t n, T* r, T a, T b) {
+  constexpr int32_t kFew = 8;
+  using Bits = std::conditional_t<sizeof(T) == 8, uint64_t, uint32_t>;
+  const auto is = [](T bound, T value) {
+    return std::bit_cast<Bits>(bound) == std::bit_cast<Bits>(value);
+  };
+  const bool centred = is(a, T(-1));
+  if (n >= kFew || !is(b, T(1)) || !(centred || is(a, T(0))) ||
+      static_cast<uint32_t>(state.mti) > State::kN - static_cast<uint32_t>(n)) {
+    return false;
+  }
+  const TwisterWords words = state.words();
+  const int64_t centre = centred ? int64_t{1} << 31 : 0;
+  const T scale = centred ? T(0x1p-31) : T(0x1p-32);
+  for (int32_t i = 0; i < n; ++i) {
+    T x;
+    ToNearest(Temper<State>(state.mt[state.mti + i], words) - centre, &x);
+    x *= scale;
+    std::memcpy(r + i, &x, sizeof(x));
+  }
+  state.mti += n;
+  return true;
 }
 
 // InitStream: the twisters neither leap nor skip.

@@ -185,6 +185,22 @@ uint32_t Unsigned(double residue, uint32_t m) {
   return static_cast<uint32_t>(static_cast<int64_t>(residue < 0 ? residue + m : residue));
 }
 
+// n steps; visit(k, z) gets the outputs. Each word has its variable: a state that moves up in
+// memory would wait for its own stores.
+template <class Visit>
+HWY_INLINE void OneByOne(StateMRG32K3A& s, size_t n, Visit visit) {
+  auto [x0, x1, x2] = s.x;
+  auto [y0, y1, y2] = s.y;
+  for (size_t k = 0; k < n; ++k) {
+    const uint32_t p1 = kX.Next(x0, x1, x2), p2 = kY.Next(y0, y1, y2);
+    x0 = x1, x1 = x2, x2 = p1;
+    y0 = y1, y1 = y2, y2 = p2;
+    const int64_t z = int64_t{p1} - int64_t{p2};
+    visit(k, static_cast<uint32_t>(z + (z >> 63 & kM1)));
+  }
+  s = {{x0, x1, x2}, {y0, y1, y2}};
+}
+
 // The first n outputs of a block, to r, where whole pairs have room; the state after them.
 template <size_t kSteps>
 HWY_INLINE void Block(StateMRG32K3A& s, size_t n, uint32_t* r) {
@@ -205,7 +221,7 @@ HWY_INLINE void Block(StateMRG32K3A& s, size_t n, uint32_t* r) {
     s.x[k] = Unsigned(last.x[k][lane], kM1);
     s.y[k] = Unsigned(last.y[k][lane], kM2);
   }
-  for (size_t k = 0; k < steps % 4; ++k) StepMRG32K3A(s);
+  OneByOne(s, steps % 4, [](size_t, uint32_t) HWY_ATTR {});
 }
 
 template <class Output>
@@ -234,7 +250,7 @@ HWY_INLINE void GenerateMRG(StateMRG32K3A& state, size_t n, typename Output::T* 
     r += count;
     n -= count;
   }
-  for (size_t k = 0; k < n; ++k) output.One(StepMRG32K3A(s), r + k);
+  OneByOne(s, n, [&](size_t k, uint32_t z) HWY_ATTR { output.One(z, r + k); });
   state = s;
 }
 

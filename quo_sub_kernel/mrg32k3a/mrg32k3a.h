@@ -21,8 +21,9 @@ struct ComponentMRG {
   uint64_t bias;    // a multiple of m from `minus` times any 32-bit word up
   uint32_t row[3];  // coefficients of the newest, the middle and the oldest word
 
-  constexpr uint32_t Next(const uint32_t* w) const {
-    return static_cast<uint32_t>((uint64_t{plus} * w[plus_at] + bias - uint64_t{minus} * w[0]) % m);
+  constexpr uint32_t Next(uint32_t oldest, uint32_t middle, uint32_t newest) const {
+    const uint32_t other = plus_at == 1 ? middle : newest;
+    return static_cast<uint32_t>((uint64_t{plus} * other + bias - uint64_t{minus} * oldest) % m);
   }
 };
 
@@ -57,7 +58,7 @@ constexpr LanesMRG MakeLanesMRG(const ComponentMRG& c) {
         lanes.low[k][j][n / kSteps] = static_cast<double>(low);
         lanes.high[k][j][n / kSteps] = static_cast<double>((residue - low) / 0x10000);
       }
-      const uint32_t next = c.Next(w);
+      const uint32_t next = c.Next(w[0], w[1], w[2]);
       w[0] = w[1];
       w[1] = w[2];
       w[2] = next;
@@ -69,14 +70,6 @@ template <size_t kSteps>
 alignas(64) inline constexpr LanesMRG kLanesX = MakeLanesMRG<kSteps>(kX);
 template <size_t kSteps>
 alignas(64) inline constexpr LanesMRG kLanesY = MakeLanesMRG<kSteps>(kY);
-
-// One step of both components; the output.
-inline uint32_t StepMRG32K3A(StateMRG32K3A& s) {
-  const uint32_t p1 = kX.Next(s.x);
-  const uint32_t p2 = kY.Next(s.y);
-  s = {{s.x[1], s.x[2], p1}, {s.y[1], s.y[2], p2}};
-  return p1 >= p2 ? p1 - p2 : p1 - p2 + kM1;
-}
 
 }  // namespace quo
 

@@ -95,6 +95,7 @@ extern "C" QUO_API int32_t __quoBRngMT19937InitStream(int32_t method, StreamStat
 extern "C" QUO_API int32_t __quodBRngMT19937(StreamState* stream, int32_t n, double* r, double a,
                                              double b) {
   if (n < 1) return QUO_OK;
+  if (FewUniforms(*State(stream), n, r, a, b)) return QUO_OK;
   const QuietGuard guard(ArePlainBounds(a, b));
   HWY_DYNAMIC_DISPATCH(dMT19937)(State(stream), static_cast<size_t>(n), r, a, b);
   return QUO_OK;
@@ -103,6 +104,7 @@ extern "C" QUO_API int32_t __quodBRngMT19937(StreamState* stream, int32_t n, dou
 extern "C" QUO_API int32_t __quosBRngMT19937(StreamState* stream, int32_t n, float* r, float a,
                                              float b) {
   if (n < 1) return QUO_OK;
+  if (FewUniforms(*State(stream), n, r, a, b)) return QUO_OK;
   const QuietGuard guard(ArePlainBounds(a, b));
   HWY_DYNAMIC_DISPATCH(sMT19937)(State(stream), static_cast<size_t>(n), r, a, b);
   return QUO_OK;

@@ -122,6 +122,7 @@ extern "C" QUO_API int32_t __quoBRngMT2203InitStream(int32_t method, StreamState
 extern "C" QUO_API int32_t __quodBRngMT2203(StreamState* stream, int32_t n, double* r, double a,
                                             double b) {
   if (n < 1) return QUO_OK;
+  if (FewUniforms(*State(stream), n, r, a, b)) return QUO_OK;
   const QuietGuard guard(ArePlainBounds(a, b));
   HWY_DYNAMIC_DISPATCH(dMT2203)(State(stream), static_cast<size_t>(n), r, a, b);
   return QUO_OK;
@@ -130,6 +131,7 @@ extern "C" QUO_API int32_t __quodBRngMT2203(StreamState* stream, int32_t n, doub
 extern "C" QUO_API int32_t __quosBRngMT2203(StreamState* stream, int32_t n, float* r, float a,
                                             float b) {
   if (n < 1) return QUO_OK;
+  if (FewUniforms(*State(stream), n, r, a, b)) return QUO_OK;
   const QuietGuard guard(ArePlainBounds(a, b));
   HWY_DYNAMIC_DISPATCH(sMT2203)(State(stream), static_cast<size_t>(n), r, a, b);
   return QUO_OK;

@@ -33,7 +33,21 @@ TEST_F(BadInputTest, CommandsAndOptions) {
       {"eval lnn", "unknown function \"lnn\"; did you mean ln?"},
       {"eval qqqqq", "unknown function \"qqqqq\"\n"},
       {"eval ln --tier xa", "unknown tier \"xa\"; the tiers are ha, la and ep"},
-      {"eval ln --type q", "unknown type \"q\""},
+      {"eval ln --type q", "unknown type \"q\"; the types are d, s, z and c"},
+      {"eval ln --type dz", "unknown type \"dz\""},
+      {"eval erf --type z", "erf does not exist in type z; its types are d and s"},
+      {"eval conj --type s", "conj does not exist in type s; its types are z and c"},
+      {"eval cis --type d", "cis does not exist in type d"},
+      {"eval conjj", "did you mean conj?"},
+      {"eval mul --type z --with-value 2", "--b \"2\" is not RE,IM"},
+      {"eval mul --type z --with-value 2,3,4", "--b \"2,3,4\" is not RE,IM"},
+      {"eval mul --type z --with-value 2,i", "--b \"i\" is not a number"},
+      {"eval mul --type c --with-value 2,1e39", "\"1e39\" is beyond the range of single"},
+      {"eval mul --with-value 2,3", "--b \"2,3\" is not a number"},
+      {"eval ln --type z --column 1", "--column \"1\" is not RE,IM"},
+      {"eval ln --type z --column 1,2,3", "--column \"1,2,3\" is not RE,IM"},
+      {"eval ln --type z --column 1,0", "there is no column 0"},
+      {"eval ln --type z --column 1,im", "no header with a column \"im\""},
       {"eval ln --format raw", "unknown format \"raw\""},
       {"eval ln --format nyp", "did you mean npy?"},
       {"eval ln --level avx3", "unknown vector level \"avx3\"; did you mean avx2?"},
@@ -123,6 +137,15 @@ TEST_F(BadInputTest, TextNamesItsLine) {
       {"eval ln --column prize", "day,price\n1,2\n", "no column \"prize\"; did you mean price?"},
       {"eval ln --column price", "", "no header with a column \"price\""},
       {"eval ln --column 1 --delimiter ab", "1\n", "the delimiter \"ab\""},
+      {"eval ln --type z", "1 2\n3\n", "line 2: \"3\" is one number, a complex one takes two"},
+      {"eval ln --type z", "1 2\n3,\n", "line 2: \"\" is not a number"},
+      {"eval ln --type c", "1 2\n3 4 5\n", "line 2: \"4 5\" is not a number; --column chooses two"},
+      {"eval ln --type c", "1 1e39\n", "line 1: \"1e39\" is beyond the range of single precision"},
+      {"eval conj", "1\n", "line 1: \"1\" is one number"},
+      {"eval cis", "1 2\n", "line 1: \"1 2\" is not a number; --column chooses a column"},
+      {"eval ln --type z --column 1,3", "1,2,3\n4,5\n", "line 2: there is no column 3"},
+      {"eval ln --type z --column re,mi", "re,im\n1,2\n", "no column \"mi\"; did you mean im?"},
+      {"eval mul --type z --with b", "1 2\n", "b: line 1: \"1\" is one number"},
       {"eval add --with b", "1\n2\n3\n", "b has 2 numbers, standard input has more"},
       {"eval add --with b", "1\n", "standard input has 1 numbers, b has more"},
       {"eval add --with bad", "1\n2\n", "bad: line 2: \"x\" is not a number"},
@@ -199,7 +222,10 @@ TEST_F(BadInputTest, NpyHeaders) {
   const struct {
     const char *dictionary, *part;
   } kCases[] = {
-      {"{'descr': '<c16', 'fortran_order': False, 'shape': (3,)}", "elements of type \"<c16\""},
+      {"{'descr': '<c16', 'fortran_order': False, 'shape': (3,)}", "1 of 3 elements"},
+      {"{'descr': '<c8', 'fortran_order': False, 'shape': (2,)}", "bytes follow"},
+      {"{'descr': '<c4', 'fortran_order': False, 'shape': (6,)}", "elements of type \"<c4\""},
+      {"{'descr': '|c8', 'fortran_order': False, 'shape': (3,)}", "elements of type \"|c8\""},
       {"{'descr': '|b1', 'fortran_order': False, 'shape': (24,)}", "elements of type \"|b1\""},
       {"{'descr': '<f2', 'fortran_order': False, 'shape': (12,)}", "elements of type \"<f2\""},
       {"{'descr': '<U2', 'fortran_order': False, 'shape': (3,)}", "elements of type"},
@@ -236,6 +262,17 @@ TEST_F(BadInputTest, NpyHeaders) {
   Check("eval ln --column 1", "--column is for text", Npy(good, data));
   Check("eval ln --type s", "element 1: 1e+300 is beyond the range of single precision",
         Npy(good, Bytes<double>({1, 1e300, 2})));
+  Check("eval conj", "standard input has real numbers; conj in type z takes complex ones",
+        Npy(good, data));
+  Check("eval ln --type z", "has real numbers; ln in type z takes complex", Npy(good, data));
+  const std::string complex = "{'descr': '<c16', 'fortran_order': False, 'shape': (1,)}";
+  const std::string one = Npy(complex, Bytes<double>({1, 1e300}));
+  Check("eval erf", "erf does not exist in type z", one);
+  Check("eval ln --type d", "has complex numbers; ln in type d takes real ones", one);
+  Check("eval cis", "has complex numbers; cis in type z takes real ones", one);
+  Check("eval ln --type c", "element 0: 1e+300 is beyond the range of single precision", one);
+  WriteFile("real.npy", Npy(good, data));
+  Check("eval mul --with real.npy", "real.npy has real numbers; mul in type z takes complex", one);
   Check("eval modf --format npy", "Fortran order",
         Npy("{'descr': '<f8', 'fortran_order': True, 'shape': (1, 3)}", data));
 }

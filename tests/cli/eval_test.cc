@@ -31,39 +31,50 @@ TEST_F(EvalTest, EveryEntryGivesTheLibrarysBits) {
   const unsigned seed = std::random_device()();
   SCOPED_TRACE(seed);
   std::mt19937_64 random(seed);
-  constexpr size_t kCount = 70000;
+  constexpr size_t kCount = 70000, kNumbers = 2 * kCount;  // of complex elements; half are enough
   std::uniform_real_distribution<double> value(0.5, 3);
-  std::vector<double> a(kCount), b(kCount);
-  std::vector<float> as(kCount), bs(kCount);
-  for (size_t i = 0; i < kCount; ++i) {
+  std::vector<double> a(kNumbers), b(kNumbers);
+  std::vector<float> as(kNumbers), bs(kNumbers);
+  for (size_t i = 0; i < kNumbers; ++i) {
     as[i] = static_cast<float>(a[i] = static_cast<float>(value(random)));
     bs[i] = static_cast<float>(b[i] = static_cast<float>(value(random)));
   }
-  WriteNumbers("a.npy", a);
-  WriteNumbers("b.npy", b);
-  for (const pex::Entry& e : pex::Entries()) {
+  for (const auto& [name, x] : {std::pair{'a', &a}, {'b', &b}}) {
+    WriteNumbers(name + std::string("1.npy"), {x->begin(), x->begin() + kCount});
+    WriteFile(name + std::string("2.npy"),
+              Npy("{'descr': '<c16', 'fortran_order': False, 'shape': (70000,), }", Bytes(*x)));
+  }
+  std::vector<pex::Entry> entries(pex::Entries().begin(), pex::Entries().end());
+  entries.insert(entries.end(), pex::ComplexEntries().begin(), pex::ComplexEntries().end());
+  for (const pex::Entry& e : entries) {
     SCOPED_TRACE(e.symbol);
     const pex::Function& f = *e.function;
     const bool two = pex::ResultCount(f.shape) == 2;
-    std::string arguments = "eval " + std::string(f.name) + " a.npy -o r.npy --type " + e.type;
+    const std::string parts = std::to_string(e.argument_parts());
+    std::string arguments =
+        "eval " + std::string(f.name) + " a" + parts + ".npy -o r.npy --type " + e.type;
     if (f.tiered) arguments += " --tier " + std::string(pex::TierName(e.tier));
-    if (f.shape == pex::Shape::Binary) arguments += " --with b.npy";
-    if (f.shape == pex::Shape::UnaryScalar) arguments += " --with-value 1.5";
+    if (f.shape == pex::Shape::Binary) arguments += " --with b" + parts + ".npy";
+    if (f.shape == pex::Shape::UnaryScalar) {
+      arguments += parts == "2" ? " --with-value 1.5,-0.5" : " --with-value 1.5";
+    }
     const Outcome outcome = Run(arguments);
     ASSERT_LE(outcome.status, 1) << outcome.err;
     const auto compare = [&]<typename T>(const std::vector<T>& x, std::vector<T> y) {
-      if (f.shape == pex::Shape::UnaryScalar) y[0] = T(1.5);
-      std::vector<T> r(kCount), r2(kCount), rows;
+      if (f.shape == pex::Shape::UnaryScalar) y[0] = T(1.5), y[1] = T(-0.5);
+      const size_t count = kCount * static_cast<size_t>(e.result_parts());
+      std::vector<T> r(count), r2(count), rows;
       _pexSetMode(PEX_ERRMODE_IGNORE);
       _pexClearErrStatus();
       e.Call(kCount, x.data(), y.data(), r.data(), r2.data());
       EXPECT_EQ(outcome.status, _pexGetErrStatus() != 0 ? 1 : 0) << outcome.err;
       _pexSetMode(PEX_MODE_DEFAULT);
-      for (size_t i = 0; i < kCount; ++i) {
+      for (size_t i = 0; i < count; ++i) {
         rows.push_back(r[i]);
         if (two) rows.push_back(r2[i]);
       }
-      const std::string header = std::string("{'descr': '<f") + (sizeof(T) == 8 ? "8" : "4") +
+      const std::string header = std::string("{'descr': '<") + (e.result_parts() == 2 ? "c" : "f") +
+                                 std::to_string(sizeof(T) * static_cast<size_t>(e.result_parts())) +
                                  "', 'fortran_order': False, 'shape': (70000," +
                                  (two ? " 2)" : ")") + ", }";
       EXPECT_EQ(NpyData(ReadFile("r.npy"), header), Bytes(rows));
@@ -188,6 +199,12 @@ TEST_F(EvalTest, ListShowsTheCatalogueAndTheLevelInUse) {
     EXPECT_NE(all.out.find(word), std::string::npos) << word;
   }
   EXPECT_EQ(Lines(Run("list generators").out).size(), quo::Generators().size() + 1);
+  const std::string functions = Run("list functions").out;
+  EXPECT_EQ(Lines(functions).size(), pex::Functions().size() + pex::ComplexFunctions().size() + 1);
+  for (const char* row : {"\nabs         -         d s ", "\nabs         ep la ha  z c ",
+                          "\nconj        -         z c ", "\ncis         ep la ha  z c "}) {
+    EXPECT_NE(functions.find(row), std::string::npos) << row;
+  }
   for (const std::string& level : Levels()) {
     const Outcome outcome = Run("list levels --level " + level);
     EXPECT_EQ(outcome.status, 0);

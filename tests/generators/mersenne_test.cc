@@ -1,5 +1,6 @@
 // MT19937 and MT2203 against their definition: values, states, seeds, splits, refusals.
 #include <gtest/gtest.h>
+#include <immintrin.h>
 
 #include <random>
 
@@ -138,7 +139,22 @@ void ExpectDraw(const std::vector<T>& expected, size_t shift, Draw draw) {
 struct Bounds {
   double a, b;
 };
-const Bounds kBounds[] = {{0, 1}, {-3, 5}, {1e10, -1e-3}, {-0.1, 0.3}, {-1, 1}};
+const Bounds kBounds[] = {
+    {0, 1},
+    {-3, 5},
+    {1e10, -1e-3},
+    {-0.1, 0.3},  // the last two of no special kind
+    {-1, 1},
+    {0, 0x1p-20},
+    {-16, 16},
+    {1, 2},
+    {-1, 0},
+    {1, -1},
+    {0x1p21, 0x1p21 + 0.5},      // the centre needs more digits than 2^52 scale leaves
+    {1 + 0x1p-40, 2 + 0x1p-40},  // exact in double, twice rounded to single
+    {0, 0x1p-140},               // single results subnormal
+};
+const Bounds& SomeBounds(int i) { return kBounds[i % std::size(kBounds)]; }
 
 void ExpectAllOutputs(const Generator& g, const Stream& start, const Twister& reference, int n,
                       size_t shift, Bounds bounds) {
@@ -169,7 +185,7 @@ TEST_P(Mersenne, EveryPlaceAndLength) {
     for (int place = 0; place <= block() + 1; ++place) {
       for (int n : {1, 3, 4, 15, 16, 17, block() - place, block() - place + 1, 2 * block() + 5}) {
         if (n < 1) continue;
-        ExpectAllOutputs(g(), stream, twister, n, (place * 5 + n) % 64, kBounds[place % 5]);
+        ExpectAllOutputs(g(), stream, twister, n, (place * 5 + n) % 64, SomeBounds(place));
         if (HasFailure()) return;
       }
       ASSERT_EQ(stream.Words(1), twister.Words(1));
@@ -183,7 +199,7 @@ TEST_P(Mersenne, EveryLength) {
     Twister twister(g(), kSeed);
     ASSERT_EQ(stream.Words(7), twister.Words(7));
     for (int n = 1; n <= 2 * piece() + 100; n += n < 150 ? 1 : 7) {
-      ExpectAllOutputs(g(), stream, twister, n, n % 64, kBounds[n % 5]);
+      ExpectAllOutputs(g(), stream, twister, n, n % 64, SomeBounds(n));
       if (HasFailure()) return;
     }
     for (int pieces : {1, 2, 3}) {
@@ -288,24 +304,31 @@ TEST_P(Mersenne, ForeignStates) {
   }
 }
 
-// The least and the greatest word, set as the tempering's arguments (0, and what it maps to the
-// greatest one).
-TEST_P(Mersenne, EndsOfTheRange) {
-  Stream stream(g(), kSeed);
-  std::string state(g().state_bytes, '\0');
-  const Mt2203Row row = g().id == QUO_BRNG_MT19937 ? Mt2203Row{0x9908B0DF, 0x9D2C5680, 0xEFC60000}
-                                                   : _quo_mt2203_table[g().id - QUO_BRNG_MT2203];
-  if (block() == 69) std::memcpy(&state[4 * 70], &row, sizeof(row));
+// A state whose next outputs are these words, again and again: tempering undone.
+std::string StateWith(const Generator& g, int block, const std::vector<uint32_t>& words) {
+  std::string state(g.state_bytes, '\0');
+  const Mt2203Row row = block == 624 ? Mt2203Row{0x9908B0DF, 0x9D2C5680, 0xEFC60000}
+                                     : _quo_mt2203_table[g.id - QUO_BRNG_MT2203];
+  if (block == 69) std::memcpy(&state[4 * 70], &row, sizeof(row));
   const auto undo = [](uint32_t w, auto step) {  // of y -> y ^ step(y), which moves bits one way
     uint32_t y = w;
     for (int i = 0; i < 32; ++i) y = w ^ step(y);
     return y;
   };
-  uint32_t y = undo(UINT32_MAX, [](uint32_t x) { return x >> 18; });
-  y = undo(y, [&](uint32_t x) { return (x << 15) & row.c; });
-  y = undo(y, [&](uint32_t x) { return (x << 7) & row.b; });
-  y = undo(y, [&](uint32_t x) { return x >> (block() == 624 ? 11 : 12); });
-  for (int i = 1; i < block(); i += 2) std::memcpy(&state[4 * i], &y, 4);
+  for (int i = 0; i < block; ++i) {
+    uint32_t y = undo(words[i % words.size()], [](uint32_t x) { return x >> 18; });
+    y = undo(y, [&](uint32_t x) { return (x << 15) & row.c; });
+    y = undo(y, [&](uint32_t x) { return (x << 7) & row.b; });
+    y = undo(y, [&](uint32_t x) { return x >> (block == 624 ? 11 : 12); });
+    std::memcpy(&state[4 * i], &y, 4);
+  }
+  return state;
+}
+
+// The least and the greatest word.
+TEST_P(Mersenne, EndsOfTheRange) {
+  Stream stream(g(), kSeed);
+  const std::string state = StateWith(g(), block(), {0, UINT32_MAX});
   OnEveryLevel([&] {
     for (int n : {2, 6, 62}) {  // scalar, quarter and whole vectors
       const auto draw = [&](auto&& call) {
@@ -320,6 +343,47 @@ TEST_P(Mersenne, EndsOfTheRange) {
         EXPECT_EQ(doubles[i], i % 2 == 0 ? 0 : 1 - 0x1p-32);
         EXPECT_EQ(floats[i], i % 2 == 0 ? 0.0f : 1.0f);  // rounded up to 1
         EXPECT_FALSE(std::signbit(doubles[i]) || std::signbit(floats[i]));
+      }
+    }
+  });
+}
+
+// Zeros and ties of the rounding to single, about 0 and about 2^31, on all kinds of bounds; under
+// every rounding mode, as a few uniforms are made without setting it.
+TEST_P(Mersenne, ZerosAndTies) {
+  std::vector<uint32_t> words;
+  for (uint32_t w : {0u, 1u, 0xFFFFFFu, 0x1000001u, 0x1000003u, 0x1FFFFFFu, 0x2000002u, 0x2000006u,
+                     0x7FFFFF40u, 0x7FFFFFC0u, 0x80000000u}) {
+    for (uint32_t sign : {1u, ~0u}) {
+      for (uint32_t from : {0u, 0x80000000u}) words.push_back(from + sign * w);
+    }
+  }
+  const std::string state = StateWith(g(), block(), words);
+  Stream stream(g(), kSeed);
+  stream.SetState(state);
+  const Twister twister(g(), state);
+  const int all = static_cast<int>(words.size());
+  OnEveryLevel([&] {
+    for (uint32_t word : {0x1F80u, 0x3F80u, 0x5F80u, 0xFFC0u}) {
+      SCOPED_TRACE(word);
+      for (const auto& [a, b] : kBounds) {
+        const float fa = static_cast<float>(a), fb = static_cast<float>(b);
+        const auto expected = Twister(twister).Doubles(all, a, b);
+        const auto expected_single = Twister(twister).Floats(all, fa, fb);
+        for (int piece : {1, 3, 7, all}) {
+          std::vector<double> doubles(all);
+          std::vector<float> floats(all);
+          Stream for_doubles = stream, for_floats = stream;
+          _mm_setcsr(word);
+          for (int i = 0; i < all; i += piece) {
+            const int n = std::min(piece, all - i);
+            g().dbrng(for_doubles.get(), n, &doubles[i], a, b);
+            g().sbrng(for_floats.get(), n, &floats[i], fa, fb);
+          }
+          _mm_setcsr(0x1F80);
+          EXPECT_EQ(Bits(doubles), Bits(expected)) << a << " " << b << " by " << piece;
+          EXPECT_EQ(Bits(floats), Bits(expected_single)) << a << " " << b << " by " << piece;
+        }
       }
     }
   });

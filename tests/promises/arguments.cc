@@ -1,10 +1,12 @@
 #include "tests/promises/arguments.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <numeric>
 
 #include "tests/support/random.h"
 
@@ -146,6 +148,57 @@ void Shuffle(Random& random, std::vector<uint64_t>& list) {
 constexpr double kScalars[] = {0,  -0.0, 1,  -1,      0.5,      -0.5,    1.5,   2,     3,   4,
                                -2, -3,   -4, 1.0 / 3, -1.0 / 3, 2.0 / 3, 17.25, -1e-5, 1e30};
 
+// Complex numbers of parts from all the kinds of FirstArguments, and all pairs of special values.
+std::vector<uint64_t> ComplexArguments(const pex::Entry& entry, Random& random, size_t count) {
+  std::vector<uint64_t> re = FirstArguments(entry, random, count / 2);
+  std::vector<uint64_t> im = re;
+  // Moderate numbers are mostly paired with such, for functions of both parts.
+  for (size_t i = 0; i < 2 * count; ++i) {
+    re.push_back(Moderate(random, entry.is_double(), 12));
+    im.push_back(Moderate(random, entry.is_double(), 12));
+  }
+  Shuffle(random, im);
+  const std::vector<uint64_t> specials = Specials(entry.is_double());
+  for (const uint64_t x : specials) {
+    for (const uint64_t y : specials) {
+      re.push_back(x);
+      im.push_back(y);
+    }
+  }
+  std::vector<uint64_t> list;
+  std::vector<size_t> order(re.size());
+  std::iota(order.begin(), order.end(), size_t{0});
+  for (size_t i = order.size(); i > 1; --i) {
+    std::swap(order[i - 1], order[random.Below(static_cast<uint32_t>(i))]);
+  }
+  for (const size_t i : order) {
+    list.push_back(re[i]);
+    list.push_back(im[i]);
+  }
+  return list;
+}
+
+std::vector<Arguments> ComplexSets(const pex::Entry& entry, Random& random, size_t count) {
+  const bool is_double = entry.is_double();
+  const auto numbers = [&] {
+    return FromPatterns(is_double, ComplexArguments(entry, random, count));
+  };
+  switch (entry.function->shape) {
+    case pex::Shape::Binary: {
+      Numbers a = numbers();
+      return {{a, numbers(), 2}};
+    }
+    case pex::Shape::UnaryScalar: {
+      std::vector<Arguments> sets;
+      const Numbers a = numbers(), b = numbers();
+      for (size_t i = 0; i < 60; ++i) sets.push_back({a, b.part(2 * i, 2), 2});
+      return sets;
+    }
+    default:
+      return {{numbers(), {}, 2}};
+  }
+}
+
 }  // namespace
 
 bool IsNaN(const Numbers& x, size_t i) { return std::isnan(x.value(i)); }
@@ -158,12 +211,15 @@ bool IsSignallingNaN(const Numbers& x, size_t i) {
 
 std::vector<Arguments> EveryKind(const pex::Entry& entry, uint64_t seed, size_t random_count) {
   Random random(seed);
+  if (entry.argument_parts() == 2) return ComplexSets(entry, random, random_count);
   const bool is_double = entry.is_double();
   std::vector<uint64_t> a = FirstArguments(entry, random, random_count);
   std::vector<Arguments> sets;
   switch (entry.function->shape) {
     case pex::Shape::Unary:
     case pex::Shape::UnaryTwo:
+    case pex::Shape::ToReal:
+    case pex::Shape::FromReal:
       Shuffle(random, a);
       sets.push_back({FromPatterns(is_double, a), {}});
       break;
@@ -209,10 +265,20 @@ std::vector<Arguments> EveryKind(const pex::Entry& entry, uint64_t seed, size_t 
   return sets;
 }
 
+// The elements after the 7919th first, so that special values meet others.
+static Numbers Rotated(const Numbers& x) {
+  Numbers rotated = x;
+  for (size_t i = 0; i < x.size(); ++i) {
+    rotated.set_bits(i, x.bits((i + 2 * 7919) % x.size()));
+  }
+  return rotated;
+}
+
 std::vector<Arguments> DigestSet(const pex::Entry& entry) {
   Random random(20240229);
   const bool is_double = entry.is_double();
   std::vector<uint64_t> a = Specials(is_double);
+  const bool is_complex = entry.argument_parts() == 2;
   const auto extend = [&](std::vector<uint64_t>& list, size_t n) {
     for (size_t i = 0; i < n; ++i) {
       list.push_back(i % 4 == 0   ? RandomPattern(random, is_double)
@@ -220,11 +286,30 @@ std::vector<Arguments> DigestSet(const pex::Entry& entry) {
                                   : Moderate(random, is_double, 10));
     }
   };
+  // Of complex numbers, the parts in turn: after the pairs of special values those of like kinds.
+  const auto complex_numbers = [&] {
+    std::vector<uint64_t> list;
+    for (const uint64_t re : Specials(is_double)) {
+      for (const uint64_t im : Specials(is_double)) list.insert(list.end(), {re, im});
+    }
+    std::vector<uint64_t> re, im;
+    extend(re, 20000);
+    extend(im, 20000);
+    for (size_t i = 0; i < re.size(); ++i) list.insert(list.end(), {re[i], im[i]});
+    return FromPatterns(is_double, list);
+  };
+  if (is_complex && entry.function->shape != pex::Shape::UnaryScalar) {
+    Numbers x = complex_numbers(), y;
+    if (entry.function->shape == pex::Shape::Binary) y = Rotated(complex_numbers());
+    return {{x, y, 2}};
+  }
   extend(a, 20000);
   std::vector<uint64_t> b;
   switch (entry.function->shape) {
     case pex::Shape::Unary:
     case pex::Shape::UnaryTwo:
+    case pex::Shape::ToReal:
+    case pex::Shape::FromReal:
       return {{FromPatterns(is_double, a), {}}};
     case pex::Shape::Binary: {
       std::vector<uint64_t> x, y;
@@ -246,7 +331,13 @@ std::vector<Arguments> DigestSet(const pex::Entry& entry) {
   a.resize(2000);
   for (const double value : kScalars) {
     one.set(0, value);
-    sets.push_back({FromPatterns(is_double, a), one});
+    if (is_complex) {
+      for (const uint64_t im : {uint64_t{0}, one.bits(0)}) {
+        sets.push_back({FromPatterns(is_double, a), FromPatterns(is_double, {one.bits(0), im}), 2});
+      }
+    } else {
+      sets.push_back({FromPatterns(is_double, a), one});
+    }
   }
   return sets;
 }
@@ -254,11 +345,12 @@ std::vector<Arguments> DigestSet(const pex::Entry& entry) {
 Arguments Ordinary(const pex::Entry& entry, uint64_t seed, size_t n) {
   Random random(seed);
   const pex::Precision& p = entry.precision();
-  Arguments arguments{Numbers(entry.is_double(), n), {}};
-  for (size_t i = 0; i < n; ++i) arguments.a.set(i, Within(random, p.typical));
+  const size_t parts = static_cast<size_t>(entry.argument_parts());
+  Arguments arguments{Numbers(entry.is_double(), n * parts), {}, parts};
+  for (size_t i = 0; i < n * parts; ++i) arguments.a.set(i, Within(random, p.typical));
   if (pex::ArgumentCount(entry.function->shape) == 2) {
     const bool scalar = entry.function->shape == pex::Shape::UnaryScalar;
-    arguments.b = Numbers(entry.is_double(), scalar ? 1 : n);
+    arguments.b = Numbers(entry.is_double(), (scalar ? 1 : n) * parts);
     for (size_t i = 0; i < arguments.b.size(); ++i) {
       arguments.b.set(i, Within(random, TypicalSecond(p)));
     }
@@ -287,8 +379,9 @@ int Note(PexErrorContext* record) {
 // An array of the type with its first element `offset` elements behind a 64-byte boundary.
 class Placed {
  public:
-  Placed(const Numbers& content, size_t offset) : width_(content.width()) {
-    bytes_.resize((content.size() + offset) * width_ + 64);
+  // Room for `capacity` numbers, where that is more than the content.
+  Placed(const Numbers& content, size_t offset, size_t capacity = 0) : width_(content.width()) {
+    bytes_.resize((std::max(content.size(), capacity) + offset) * width_ + 64);
     const auto address = reinterpret_cast<uintptr_t>(bytes_.data());
     start_ = bytes_.data() + (64 - address % 64) % 64 + offset * width_;
     if (content.size() > 0) std::memcpy(start_, content.at(0), content.size() * width_);
@@ -312,8 +405,9 @@ Outcome CallEntry(const pex::Entry& entry, const Arguments& arguments, const Con
                   size_t offset, Place place) {
   const size_t n = arguments.size();
   const bool is_double = entry.is_double();
-  Placed a(arguments.a, offset), b(arguments.b, offset);
-  Placed r1(Numbers(is_double, n), offset), r2(Numbers(is_double, n), offset);
+  const size_t results = n * static_cast<size_t>(entry.result_parts());
+  Placed a(arguments.a, offset, results), b(arguments.b, offset);
+  Placed r1(Numbers(is_double, results), offset), r2(Numbers(is_double, n), offset);
   Placed& first = place == Place::OverA ? a : place == Place::OverB ? b : r1;
   Placed& second = place == Place::SecondOverA ? a : r2;
 
@@ -329,7 +423,7 @@ Outcome CallEntry(const pex::Entry& entry, const Arguments& arguments, const Con
   outcome.status = _pexClearErrStatus();
   _pexSetErrorCallBack(callback);
   _pexSetMode(mode);
-  outcome.r1 = first.Read(n, is_double);
+  outcome.r1 = first.Read(results, is_double);
   if (pex::ResultCount(entry.function->shape) == 2) outcome.r2 = second.Read(n, is_double);
   if (!scope.kept()) {
     std::fprintf(stderr, "%.*s changed the caller's control words (%s)\n",
@@ -369,9 +463,27 @@ std::string Difference(const Outcome& x, const Outcome& y) {
 
 bool FollowsTheCaller(const pex::Entry& entry) {
   for (const char* name : {"Add", "Sub", "Mul", "Sqr", "Rint", "NearbyInt"}) {
-    if (entry.function->name == name) return true;
+    if (entry.function->name == name && entry.tier == pex::Tier::Plain) return true;
   }
   return false;
+}
+
+Control DecidingControl(const pex::Entry& entry, const Control& control) {
+  if (FollowsTheCaller(entry)) return control;
+  Control deciding = kDefaultControl;
+  const std::string_view name = entry.function->name;
+  if (entry.is_complex() && entry.tier == pex::Tier::EP &&
+      (name == "Mul" || name == "MulByConj" || name == "Div")) {
+    deciding.mxcsr |= control.mxcsr & 0x40;
+  }
+  return deciding;
+}
+
+std::vector<const pex::Entry*> AllEntries() {
+  std::vector<const pex::Entry*> all;
+  for (const pex::Entry& entry : pex::Entries()) all.push_back(&entry);
+  for (const pex::Entry& entry : pex::ComplexEntries()) all.push_back(&entry);
+  return all;
 }
 
 std::string EntryName(const pex::Entry& entry) { return std::string(entry.symbol.substr(1)); }

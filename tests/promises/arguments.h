@@ -35,10 +35,13 @@ class Numbers {
 bool IsNaN(const Numbers& x, size_t i);
 bool IsSignallingNaN(const Numbers& x, size_t i);
 
-// The arguments of a call. Where the second is one number for all, b holds it once.
+// The arguments of a call. Where the second is one number for all, b holds it once. Of complex
+// arguments the numbers are the parts in turn.
 struct Arguments {
   Numbers a, b;
-  size_t size() const { return a.size(); }
+  size_t parts = 1;  // numbers per element of a and b
+  size_t size() const { return a.size() / parts; }
+  bool has_scalar() const { return b.size() == parts; }
 };
 
 // Special values and pairs of them, the neighbourhoods of the catalogue's marks, the typical range,
@@ -71,6 +74,13 @@ std::string Difference(const Outcome& x, const Outcome& y);
 
 // Whether the entry is the hardware's operation under the caller's control word.
 bool FollowsTheCaller(const pex::Entry& entry);
+
+// The control words that the results of a call under `control` depend on: `control` itself, the
+// default ones, or these with the caller's choice on subnormal arguments.
+Control DecidingControl(const pex::Entry& entry, const Control& control);
+
+// Real and complex entries.
+std::vector<const pex::Entry*> AllEntries();
 
 // Names a gtest parameter after its entry.
 std::string EntryName(const pex::Entry& entry);

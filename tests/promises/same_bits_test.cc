@@ -17,19 +17,21 @@ constexpr uint64_t kSeed = 41;
 // The outcome of the lowest level, in one call.
 Outcome Reference(const pex::Entry& entry, const Arguments& arguments, const Control& control) {
   const UseLevel level(kLevels[0]);
-  return CallEntry(entry, arguments, FollowsTheCaller(entry) ? control : kDefaultControl);
+  return CallEntry(entry, arguments, DecidingControl(entry, control));
 }
 
 Arguments Part(const Arguments& whole, size_t from, size_t count) {
-  const bool scalar = whole.b.size() == 1;
-  return {whole.a.part(from, count),
-          scalar || whole.b.size() == 0 ? whole.b : whole.b.part(from, count)};
+  const size_t parts = whole.parts;
+  return {whole.a.part(from * parts, count * parts),
+          whole.has_scalar() || whole.b.size() == 0 ? whole.b
+                                                    : whole.b.part(from * parts, count * parts),
+          parts};
 }
 
 // The outcome of a part, from that of the whole.
-Outcome Part(const Outcome& whole, size_t from, size_t count) {
+Outcome Part(const Outcome& whole, size_t from, size_t count, size_t parts) {
   Outcome part;
-  part.r1 = whole.r1.part(from, count);
+  part.r1 = whole.r1.part(from * parts, count * parts);
   if (whole.r2.size() > 0) part.r2 = whole.r2.part(from, count);
   for (PexErrorContext record : whole.records) {
     if (record.index < static_cast<int>(from) || record.index >= static_cast<int>(from + count)) {
@@ -50,7 +52,8 @@ class SameBits : public testing::TestWithParam<Parameter> {
     RecordProperty("seed", static_cast<int>(kSeed));
     SKIP_WITHOUT(level());
   }
-  static const pex::Entry& entry() { return pex::Entries()[std::get<0>(GetParam())]; }
+  static const pex::Entry& entry() { return *AllEntries()[std::get<0>(GetParam())]; }
+  static size_t result_parts() { return static_cast<size_t>(entry().result_parts()); }
   static const Level& level() { return std::get<1>(GetParam()); }
 };
 
@@ -88,7 +91,7 @@ TEST_P(SameBits, AllLengthsAlignmentsAndPlaces) {
       const size_t from = random.Below(static_cast<uint32_t>(arguments.size() - length));
       const Outcome got =
           CallEntry(entry(), Part(arguments, from, length), kDefaultControl, offset);
-      ASSERT_EQ(Difference(got, Part(whole, from, length)), "")
+      ASSERT_EQ(Difference(got, Part(whole, from, length, result_parts())), "")
           << "length " << length << " offset " << offset << " from " << from;
     }
   }
@@ -103,7 +106,7 @@ TEST_P(SameBits, ManyCallsOrOne) {
     for (size_t from = 0; from < arguments.size();) {
       const size_t count = std::min<size_t>(arguments.size() - from, 1 + random.Below(200));
       ASSERT_EQ(Difference(CallEntry(entry(), Part(arguments, from, count), kDefaultControl),
-                           Part(whole, from, count)),
+                           Part(whole, from, count, result_parts())),
                 "")
           << "from " << from << " count " << count;
       from += count;
@@ -126,7 +129,7 @@ TEST_P(SameBits, UnderTheCallersControlWords) {
 }
 
 std::vector<size_t> Indices() {
-  std::vector<size_t> all(pex::Entries().size());
+  std::vector<size_t> all(AllEntries().size());
   for (size_t i = 0; i < all.size(); ++i) all[i] = i;
   return all;
 }
@@ -134,7 +137,7 @@ std::vector<size_t> Indices() {
 INSTANTIATE_TEST_SUITE_P(Catalogue, SameBits,
                          testing::Combine(testing::ValuesIn(Indices()), testing::ValuesIn(kLevels)),
                          [](const auto& info) {
-                           return EntryName(pex::Entries()[std::get<0>(info.param)]) + "_" +
+                           return EntryName(*AllEntries()[std::get<0>(info.param)]) + "_" +
                                   std::get<1>(info.param).name;
                          });
 

@@ -1,6 +1,7 @@
 // Abstract streams: the refill contract against a plain model, failures that leave the position
 // alone, the bits of the mapping, and everything that draws.
 #include <gtest/gtest.h>
+#include <xmmintrin.h>
 
 #include <algorithm>
 #include <cfenv>
@@ -10,6 +11,7 @@
 #include <random>
 
 #include "tests/streams/streams.h"
+#include "tests/support/samplers.h"
 #include "tests/uniform/levels.h"
 
 namespace {
@@ -478,6 +480,79 @@ TEST(AbstractDistributions, HandBackTheStatusOfAFailedRefill) {
     int32_t i[2];
     EXPECT_EQ(_quoiRngUniform(0, stream, 2, i, 0, 9), status);
   }
+}
+
+// A user's generator that hands out the list too, and scales a number by the definition.
+template <typename T>
+int32_t ScaledList(StreamState*, int32_t n, T* r, T a, T b) {
+  for (int32_t i = 0; i < n; ++i) {
+    const T x = Mapped<T>(numbers<T>[place++ % numbers<T>.size()], 0, 1, a, b);
+    std::memcpy(r + i, &x, sizeof(T));
+  }
+  return QUO_OK;
+}
+int32_t PlainList(StreamState*, int32_t n, uint32_t* r) {
+  for (int32_t i = 0; i < n; ++i) r[i] = numbers<uint32_t>[place++ % numbers<uint32_t>.size()];
+  return QUO_OK;
+}
+int32_t AnyStart(int32_t, StreamState*, int32_t, const uint32_t*) { return QUO_OK; }
+
+// Of the numbers that a sampler asks its generator for.
+int32_t KindOf(const quo::Sampler& sampler) {
+  switch (sampler.type) {
+    case 'd':
+      return QUO_BRNG_DABSTRACT;
+    case 's':
+      return QUO_BRNG_SABSTRACT;
+    case 'w':
+      return QUO_BRNG_IABSTRACT;
+    default:
+      return sampler.distribution->name == "uniform" ? QUO_BRNG_DABSTRACT : QUO_BRNG_SABSTRACT;
+  }
+}
+
+void CheckDistributions(int32_t generator) {
+  constexpr int32_t kSlots = 61, kCount = 2311;
+  for (const Drawing& drawing : AllDrawings()) {
+    SCOPED_TRACE(drawing.name);
+    std::vector<char> want(kCount * drawing.ResultSize(4), '\1'), untouched = want;
+    Owned direct(generator);
+    place = 0;
+    ASSERT_EQ(drawing(direct, kCount, want.data()), QUO_OK);
+    ASSERT_NE(want, untouched);
+
+    uint32_t words[kSlots];
+    double doubles[kSlots];
+    float singles[kSlots];
+    Owned of_words, of_doubles, of_singles;
+    ASSERT_EQ(__quoiNewAbstractStream(&of_words.p, kSlots, words, FromList<uint32_t>), QUO_OK);
+    ASSERT_EQ(New(&of_doubles.p, kSlots, doubles, 0, 1), QUO_OK);
+    ASSERT_EQ(New(&of_singles.p, kSlots, singles, 0, 1), QUO_OK);
+    for (StreamState* stream : {of_words.p, of_doubles.p, of_singles.p}) {
+      std::vector<char> r = untouched;
+      const bool own = stream->id == KindOf(*drawing.sampler);
+      place = 0;
+      EXPECT_EQ(drawing(stream, kCount, r.data()), own ? QUO_OK : QUO_WRONG_OUTPUT) << stream->id;
+      EXPECT_TRUE(r == (own ? want : untouched)) << stream->id;
+      EXPECT_EQ(place > 0, own) << "refills";
+    }
+  }
+}
+
+TEST(AbstractDistributions, AreThoseOfTheNumbersBroughtAndRefuseTheOtherKinds) {
+  constexpr size_t kNumbers = 5003;
+  numbers<uint32_t>.resize(kNumbers);
+  numbers<double>.resize(kNumbers);
+  numbers<float>.resize(kNumbers);
+  Owned source(QUO_BRNG_MT19937);
+  ASSERT_EQ(_quoiRngUniformBits(0, source, kNumbers, numbers<uint32_t>.data()), QUO_OK);
+  ASSERT_EQ(_quodRngUniform(0, source, kNumbers, numbers<double>.data(), 0, 1), QUO_OK);
+  ASSERT_EQ(_quosRngUniform(0, source, kNumbers, numbers<float>.data(), 0, 1), QUO_OK);
+  const BrngProperties record = {
+      16, 1, 1, 4, 32, AnyStart, ScaledList<float>, ScaledList<double>, PlainList};
+  const int32_t generator = __quoRegisterBrng(&record);
+  ASSERT_GT(generator, 0);
+  levels::ForEach([=] { CheckDistributions(generator); });
 }
 
 }  // namespace

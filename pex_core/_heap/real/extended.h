@@ -164,6 +164,23 @@ inline bool RoundsTo(Pair v, long double tolerance) {
   return v.hi == v.hi + v.lo * (1 + tolerance);
 }
 
+// v rounded to a number that rounds to a float, a double or a subnormal one as v does: v.hi, made
+// odd in its last place where v.lo is not 0, on v's side (Boldo and Melquiond 2008).
+inline long double ToOdd(Pair v) {
+  if (v.lo == 0 || v.hi == 0) return v.hi;
+  Bits b = ToBits(v.hi);
+  if (b.significand % 2 == 1) return v.hi;
+  if ((v.hi < 0) == (v.lo < 0)) {
+    b.significand |= 1;
+  } else if (b.significand == uint64_t{1} << 63) {
+    b.significand = ~uint64_t{0};
+    --b.sign_exponent;
+  } else {
+    --b.significand;
+  }
+  return FromBits(b);
+}
+
 // A product that is carried out and raises its flags, whatever the compiler knows of a and b.
 inline long double Raise(long double a, long double b) {
   __asm__ volatile("" : "+t"(a));

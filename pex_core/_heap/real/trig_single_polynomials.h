@@ -6,55 +6,59 @@
 namespace pex {
 
 // (sin x)/x - 1 from s on, 1 at pi/2, |x| <= 1.57179629802703857421875; relative error 2^-25.15625.
-inline constexpr float sSinLAPolynomial[] = {-0x1.555552p-3f, 0x1.110f1cp-7f, -0x1.9f71e8p-13f,
-                                             0x1.5d9cccp-19f};
+inline constexpr float sSinLAPolynomial[] = {
+    -0x1.555552p-3f, 0x1.110f1cp-7f, -0x1.9f71e8p-13f, 0x1.5d9cccp-19f};
 
-// (sin x)/x - 1 from s on, 1 at pi/2, |x| <= 1.57179629802703857421875; relative error
-// 2^-12.546875.
-inline constexpr float sCosEPPolynomial[] = {-0x1.541402p-3f, 0x1.f2d89p-8f};
+// (sin x)/x - 1 from s on, 1 at pi/2, |x| <= 1.57179629802703857421875; relative error 2^-12.546875.
+inline constexpr float sCosEPPolynomial[] = {
+    -0x1.541402p-3f, 0x1.f2d89p-8f};
 
 // (sin x)/x - 1 from s on, |x| <= 1.57179629802703857421875; relative error 2^-12.828125.
-inline constexpr float sSinEPPolynomial[] = {-0x1.543adp-3f, 0x1.f5b92ap-8f};
+inline constexpr float sSinEPPolynomial[] = {
+    -0x1.543adp-3f, 0x1.f5b92ap-8f};
 
 // (sin x)/x - 1 from s on, |x| <= 1.57079732418060302734375; relative error 2^-43.6875.
-inline constexpr double sSinHAPolynomial[] = {-0x1.555555554714p-3,   0x1.1111110a55935p-7,
-                                              -0x1.a019fd5950f8cp-13, 0x1.71dcf84beadabp-19,
-                                              -0x1.ae03f845ee47p-26,  0x1.52dbecc3aaa66p-33};
+inline constexpr double sSinHAPolynomial[] = {
+    -0x1.555555554714p-3, 0x1.1111110a55935p-7, -0x1.a019fd5950f8cp-13, 0x1.71dcf84beadabp-19,
+    -0x1.ae03f845ee47p-26, 0x1.52dbecc3aaa66p-33};
 
 // (sin x)/x - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-27.875.
-inline constexpr float sQuarterSinLAPolynomial[] = {-0x1.555546p-3f, 0x1.110776p-7f,
-                                                    -0x1.9952c6p-13f};
+inline constexpr float sQuarterSinLAPolynomial[] = {
+    -0x1.555546p-3f, 0x1.110776p-7f, -0x1.9952c6p-13f};
 
 // cos x - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-24.59375.
-inline constexpr float sQuarterCosLAPolynomial[] = {-0x1.ffffb2p-2f, 0x1.553e5ep-5f,
-                                                    -0x1.6447d2p-10f};
+inline constexpr float sQuarterCosLAPolynomial[] = {
+    -0x1.ffffb2p-2f, 0x1.553e5ep-5f, -0x1.6447d2p-10f};
 
 // (sin x)/x - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-19.
-inline constexpr float sQuarterSinEPPolynomial[] = {-0x1.554412p-3f, 0x1.0b7b02p-7f};
+inline constexpr float sQuarterSinEPPolynomial[] = {
+    -0x1.554412p-3f, 0x1.0b7b02p-7f};
 
 // cos x - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-16.03125.
-inline constexpr float sQuarterCosEPPolynomial[] = {-0x1.ffc0e6p-2f, 0x1.4b68eap-5f};
+inline constexpr float sQuarterCosEPPolynomial[] = {
+    -0x1.ffc0e6p-2f, 0x1.4b68eap-5f};
 
 // (sin x)/x - 1 from s on, |x| <= 0.785399138927459716796875; relative error 2^-47.5.
-inline constexpr double sQuarterSinHAPolynomial[] = {-0x1.5555555552239p-3, 0x1.1111110c87306p-7,
-                                                     -0x1.a019f93964c7ep-13, 0x1.71d76d144c43dp-19,
-                                                     -0x1.a961a0b274a2ep-26};
+inline constexpr double sQuarterSinHAPolynomial[] = {
+    -0x1.5555555552239p-3, 0x1.1111110c87306p-7, -0x1.a019f93964c7ep-13, 0x1.71d76d144c43dp-19,
+    -0x1.a961a0b274a2ep-26};
 
 // cos x - 1 from s on, |x| <= 0.785399138927459716796875; relative error 2^-43.625.
-inline constexpr double sQuarterCosHAPolynomial[] = {-0x1.ffffffffe98aep-2, 0x1.55555545c50b3p-5,
-                                                     -0x1.6c16b348b595ep-10, 0x1.a00eb9abbc9e4p-16,
-                                                     -0x1.23c97dbf1a907p-22};
+inline constexpr double sQuarterCosHAPolynomial[] = {
+    -0x1.ffffffffe98aep-2, 0x1.55555545c50b3p-5, -0x1.6c16b348b595ep-10, 0x1.a00eb9abbc9e4p-16,
+    -0x1.23c97dbf1a907p-22};
 
-// x/(tan x) - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-25.21875.
-inline constexpr float sTanLAPolynomial[] = {-0x1.555548p-2f, -0x1.6c28dep-6f, -0x1.12bbd4p-9f,
-                                             -0x1.042de6p-12f};
+// x/(tan x) - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-25.84375.
+inline constexpr float sTanLAPolynomial[] = {
+    -0x1.555542p-2f, -0x1.6c28eap-6f, -0x1.12b4d6p-9f, -0x1.04f238p-12f};
 
 // x/(tan x) - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-15.296875.
-inline constexpr float sTanEPPolynomial[] = {-0x1.54eb08p-2f, -0x1.8cdc22p-6f};
+inline constexpr float sTanEPPolynomial[] = {
+    -0x1.54eb08p-2f, -0x1.8cdc22p-6f};
 
 // x/(tan x) - 1 from s on, |x| <= 0.785399138927459716796875; relative error 2^-45.25.
 inline constexpr double sTanHAPolynomial[] = {
-    -0x1.555555556231cp-2,  -0x1.6c16c14bc8fa8p-6,  -0x1.1566b982a9709p-9, -0x1.bbd1e9b83a2eap-13,
+    -0x1.555555556231cp-2, -0x1.6c16c14bc8fa8p-6, -0x1.1566b982a9709p-9, -0x1.bbd1e9b83a2eap-13,
     -0x1.674264f4c7f19p-16, -0x1.197bad9ab2a27p-19, -0x1.301ede8716adbp-22};
 
 }  // namespace pex

@@ -27,6 +27,7 @@
 #include "quo_kernel/_kernel/borrow.h"
 #include "quo_kernel/_kernel/generate.h"
 #include "quo_kernel/_kernel/unaligned.h"
+#include "quo_kernel/_kernel/vector_math.h"
 
 #ifndef QUO_KERNEL_CONTINUOUS_GAUSSIAN_GAUSSIAN_CC_  // once, not once per vector level
 #define QUO_KERNEL_CONTINUOUS_GAUSSIAN_GAUSSIAN_CC_
@@ -279,11 +280,11 @@ struct Math;
 
 template <>
 struct Math<double> {
-  static constexpr auto Ln = _pexdLn_26;
-  static constexpr auto Sin = _pexdSin_26;
-  static constexpr auto SinCos = _pexdSinCos_26;
-  static constexpr auto Sqrt = _pexdSqrt_26;
-  static constexpr auto ErfInv = _pexdErfInv_26;
+  static constexpr auto Ln = math::dLn_26;
+  static constexpr auto Sin = math::dSin_26;
+  static constexpr auto SinCos = math::dSinCos_26;
+  static constexpr auto Sqrt = math::dSqrt_26;
+  static constexpr auto ErfInv = math::dErfInv_26;
   static const Passes<double>* Level() { return HWY_DYNAMIC_DISPATCH(DoublePasses)(); }
   static constexpr uint32_t kChunkKey = 2;
   static constexpr double kSqrt2 = 0x1.6a09e667f3bcdp+0;
@@ -294,11 +295,11 @@ struct Math<double> {
 
 template <>
 struct Math<float> {
-  static constexpr auto Ln = _pexsLn_21;
-  static constexpr auto Sin = _pexsSin_21;
-  static constexpr auto SinCos = _pexsSinCos_21;
-  static constexpr auto Sqrt = _pexsSqrt_21;
-  static constexpr auto ErfInv = _pexsErfInv_21;
+  static constexpr auto Ln = math::sLn_21;
+  static constexpr auto Sin = math::sSin_21;
+  static constexpr auto SinCos = math::sSinCos_21;
+  static constexpr auto Sqrt = math::sSqrt_21;
+  static constexpr auto ErfInv = math::sErfInv_21;
   static const Passes<float>* Level() { return HWY_DYNAMIC_DISPATCH(SinglePasses)(); }
   static constexpr uint32_t kChunkKey = 1;
   static constexpr float kSqrt2 = 0x1.6a09e6p+0f;

@@ -7,8 +7,8 @@
 #include <cstring>
 
 #include "hwy/highway.h"
-#include "pex_core/_kernel/control.h"
 #include "quo_kernel/_kernel/generate.h"
+#include "quo_sub_kernel/_math/quiet_guard.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace quo::HWY_NAMESPACE {
@@ -59,22 +59,44 @@ namespace quo {
 HWY_EXPORT(ClampDouble);
 HWY_EXPORT(ClampSingle);
 
+namespace {
+
+void ClampAll(size_t n, double* r, double a, double b) {
+  HWY_DYNAMIC_DISPATCH(ClampDouble)(n, r, a, b);
+}
+void ClampAll(size_t n, float* r, float a, float b) {
+  HWY_DYNAMIC_DISPATCH(ClampSingle)(n, r, a, b);
+}
+
+template <typename T>
+int32_t Unguarded(bool clamped, StreamState* stream, int32_t n, T* r, T a, T b) {
+  const int32_t status = Generate(stream, n, r, a, b);
+  if (clamped && status >= 0 && n > 0) ClampAll(static_cast<size_t>(n), r, a, b);
+  return status;
+}
+
+// To read the control word takes longer than to make a number: it is left to the library's own
+// generators, where they are all that could leave a trace.
+template <typename T>
+int32_t Uniform(uint32_t method, StreamState* stream, int32_t n, T* r, T a, T b) {
+  const bool clamped = (method & QUO_METHOD_ACCURATE) != 0;
+  if (GuardsItself(stream) && (!clamped || ArePlainBounds(a, b))) {
+    return Unguarded(clamped, stream, n, r, a, b);
+  }
+  const QuietGuard guard;
+  return Unguarded(clamped, stream, n, r, a, b);
+}
+
+}  // namespace
+
 extern "C" QUO_API int32_t _quodRngUniform(uint32_t method, StreamState* stream, int32_t n,
                                            double* r, double a, double b) {
-  const pex::QuietGuard guard;
-  const int32_t status = Generate(stream, n, r, a, b);
-  if (status < 0 || (method & QUO_METHOD_ACCURATE) == 0 || n < 1) return status;
-  HWY_DYNAMIC_DISPATCH(ClampDouble)(static_cast<size_t>(n), r, a, b);
-  return status;
+  return Uniform(method, stream, n, r, a, b);
 }
 
 extern "C" QUO_API int32_t _quosRngUniform(uint32_t method, StreamState* stream, int32_t n,
                                            float* r, float a, float b) {
-  const pex::QuietGuard guard;
-  const int32_t status = Generate(stream, n, r, a, b);
-  if (status < 0 || (method & QUO_METHOD_ACCURATE) == 0 || n < 1) return status;
-  HWY_DYNAMIC_DISPATCH(ClampSingle)(static_cast<size_t>(n), r, a, b);
-  return status;
+  return Uniform(method, stream, n, r, a, b);
 }
 
 }  // namespace quo

@@ -58,11 +58,10 @@ namespace quo {
 
 HWY_EXPORT(StoreFloors);
 
-extern "C" QUO_API int32_t _quoiRngUniform(uint32_t, StreamState* stream, int32_t n, int32_t* r,
-                                           int32_t a, int32_t b) {
+namespace {
+
+int32_t Unguarded(StreamState* stream, int32_t n, int32_t* r, int32_t a, int32_t b) {
   constexpr int32_t kBlock = 1024;
-  if (n < 1) return QUO_OK;
-  const pex::QuietGuard guard;
   alignas(64) double block[kBlock];
   int32_t status = QUO_OK;
   for (int32_t left = n; left > 0;) {
@@ -74,6 +73,17 @@ extern "C" QUO_API int32_t _quoiRngUniform(uint32_t, StreamState* stream, int32_
     left -= count;
   }
   return status;
+}
+
+}  // namespace
+
+// The floors of uniforms leave no trace, whatever the control word.
+extern "C" QUO_API int32_t _quoiRngUniform(uint32_t, StreamState* stream, int32_t n, int32_t* r,
+                                           int32_t a, int32_t b) {
+  if (n < 1) return QUO_OK;
+  if (GuardsItself(stream)) return Unguarded(stream, n, r, a, b);
+  const pex::QuietGuard guard;
+  return Unguarded(stream, n, r, a, b);
 }
 
 }  // namespace quo

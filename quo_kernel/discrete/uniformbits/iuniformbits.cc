@@ -6,6 +6,7 @@ namespace quo {
 
 extern "C" QUO_API int32_t _quoiRngUniformBits(uint32_t, StreamState* stream, int32_t n,
                                                uint32_t* r) {
+  if (GuardsItself(stream)) return Generate(stream, n, r);
   const pex::QuietGuard guard;
   return Generate(stream, n, r);
 }

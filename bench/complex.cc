@@ -1,0 +1,110 @@
+// pexquo_bench_complex: every complex entry beside std::complex and beside a plain copy that moves
+// as many bytes. Rows are named FUNCTION/TYPE/TIER/n:N, FUNCTION/TYPE/peer/std/n:N and
+// FUNCTION/TYPE/peer/copy/n:N.
+#include <complex>
+#include <cstring>
+#include <random>
+#include <string>
+
+#include "bench/run.h"
+#include "catalogue/catalogue.h"
+#include "hwy/aligned_allocator.h"
+
+namespace {
+
+constexpr int kLengths[] = {16, 512, 1024, 100000};
+constexpr int kLongest = 100000;
+constexpr double kNoUlp = -1;
+
+// Arrays of complex numbers with parts uniform on a range, of real numbers, and for results,
+// with room for the longest copy.
+template <typename T>
+struct Operands {
+  using C = std::complex<T>;
+  C *a, *b, *r;
+  T *x, *q;
+};
+
+template <typename T>
+const Operands<T>& OperandsOf(pex::Range range) {
+  using C = std::complex<T>;
+  static const Operands<T> operands = [&] {
+    // Arrays do not begin at the same place of a page: stores would hold up loads.
+    static auto pool = hwy::AllocateAligned<T>(9 * kLongest + 1024);
+    T* const p = pool.get();
+    const auto at = [&](size_t numbers, size_t k) { return p + numbers * kLongest + 80 * k; };
+    Operands<T> o = {reinterpret_cast<C*>(at(0, 0)), reinterpret_cast<C*>(at(2, 1)),
+                     reinterpret_cast<C*>(at(6, 2)), at(4, 3), at(5, 4)};
+    std::mt19937_64 engine(1);
+    std::uniform_real_distribution<T> uniform(static_cast<T>(range.lo), static_cast<T>(range.hi));
+    for (int i = 0; i < kLongest; ++i) {
+      o.x[i] = uniform(engine);
+      o.a[i] = {uniform(engine), uniform(engine)};
+      o.b[i] = {uniform(engine), uniform(engine)};
+    }
+    return o;
+  }();
+  return operands;
+}
+
+template <typename T>
+struct Peer {
+  const char* function;
+  void (*call)(int n, const Operands<T>& o);
+};
+
+template <typename T, auto F>
+void Loop(int n, const Operands<T>& o) {
+  for (int i = 0; i < n; ++i) F(o, i);
+}
+
+#define PEER(name, ...)                                             \
+  {                                                                 \
+    name, Loop<T, [](const Operands<T>& o, int i) { __VA_ARGS__; }> \
+  }
+template <typename T>
+constexpr Peer<T> kPeers[] = {
+    PEER("Add", o.r[i] = o.a[i] + o.b[i]),
+    PEER("Sub", o.r[i] = o.a[i] - o.b[i]),
+    PEER("Mul", o.r[i] = o.a[i] * o.b[i]),
+    PEER("MulByConj", o.r[i] = o.a[i] * std::conj(o.b[i])),
+    PEER("Div", o.r[i] = o.a[i] / o.b[i]),
+    PEER("Conj", o.r[i] = std::conj(o.a[i])),
+    PEER("Abs", o.q[i] = std::abs(o.a[i])),
+    PEER("Arg", o.q[i] = std::arg(o.a[i])),
+    PEER("CIS", o.r[i] = std::polar(T(1), o.x[i])),
+};
+#undef PEER
+
+template <typename T>
+void AddEntry(const pex::Entry& entry, int n) {
+  const Operands<T>& o = OperandsOf<T>(entry.precision().typical);
+  const std::string stem = std::string(entry.function->name) + "/" + entry.type;
+  const void* a = entry.argument_parts() == 2 ? static_cast<const void*>(o.a) : o.x;
+  void* r = entry.result_parts() == 2 ? static_cast<void*>(o.r) : o.q;
+  bench::Add(stem + "/" + std::string(pex::TierName(entry.tier)), n, kNoUlp,
+             [=] { entry.Call(n, a, o.b, r, nullptr); });
+  if (entry.tier != pex::Tier::Plain && entry.tier != pex::Tier::HA) return;  // peers once
+  for (const Peer<T>& peer : kPeers<T>) {
+    if (peer.function != entry.function->name) continue;
+    bench::Add(stem + "/peer/std", n, kNoUlp, [=] { peer.call(n, o); });
+  }
+  // As many bytes read and written as the entry reads and writes in all.
+  const int numbers =
+      entry.argument_parts() * pex::ArgumentCount(entry.function->shape) + entry.result_parts();
+  const size_t bytes = sizeof(T) * static_cast<size_t>(numbers) * static_cast<size_t>(n) / 2;
+  bench::Add(stem + "/peer/copy", n, kNoUlp, [=] { std::memcpy(o.r, o.a, bytes); });
+}
+
+bool AddAll(const bench::Level&) {
+  for (const pex::Entry& entry : pex::ComplexEntries()) {
+    for (const int n : kLengths) {
+      entry.is_double() ? AddEntry<double>(entry, n) : AddEntry<float>(entry, n);
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) { return bench::Main(argc, argv, "pexquo_bench_complex", AddAll); }

@@ -1,0 +1,111 @@
+// Two registers of complex numbers as their real and imaginary parts, and back.
+//
+// Shuffles within blocks of 128 bits are the cheapest; the lanes are then in an order of their own,
+// which one more shuffle of the whole register turns into that of memory, and back.
+
+#include "hwy/highway.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/complex.h"
+#include "pex_core/_kernel/hardware-inl.h"
+
+#if defined(PEX_CORE__KERNEL_COMPLEX_LANES_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__KERNEL_COMPLEX_LANES_INL_H_
+#undef PEX_CORE__KERNEL_COMPLEX_LANES_INL_H_
+#else
+#define PEX_CORE__KERNEL_COMPLEX_LANES_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+#if HWY_TARGET == HWY_SSE4
+HWY_INLINE Complex<Floats<2>> UnzipFloats(Floats<2> a, Floats<2> b) {
+  const __m128 both = _mm_unpacklo_ps(a.raw, b.raw);
+  return {{both}, {_mm_movehl_ps(both, both)}};
+}
+#endif
+HWY_INLINE Complex<Floats<4>> UnzipFloats(Floats<4> a, Floats<4> b) {
+  return {{_mm_shuffle_ps(a.raw, b.raw, 0x88)}, {_mm_shuffle_ps(a.raw, b.raw, 0xDD)}};
+}
+#if HWY_TARGET != HWY_SSE4
+using Floats8 = hn::Vec256<float>;
+HWY_INLINE Complex<Floats8> UnzipFloats(Floats8 a, Floats8 b) {
+  return {{_mm256_shuffle_ps(a.raw, b.raw, 0x88)}, {_mm256_shuffle_ps(a.raw, b.raw, 0xDD)}};
+}
+#endif
+#if HWY_TARGET == HWY_AVX3
+using Floats16 = hn::Vec512<float>;
+HWY_INLINE Complex<Floats16> UnzipFloats(Floats16 a, Floats16 b) {
+  return {{_mm512_shuffle_ps(a.raw, b.raw, 0x88)}, {_mm512_shuffle_ps(a.raw, b.raw, 0xDD)}};
+}
+#endif
+
+template <class D, class V = VecOf<D>>
+HWY_INLINE Complex<V> Unzip(D d, V a, V b) {
+  if constexpr (sizeof(hn::TFromD<D>) == 4) {
+    (void)d;
+    return UnzipFloats(a, b);
+  } else {
+    return {hn::InterleaveLower(d, a, b), hn::InterleaveUpper(d, a, b)};
+  }
+}
+
+template <class D, class V = VecOf<D>>
+HWY_INLINE void Zip(D d, Complex<V> c, V& a, V& b) {
+  a = hn::InterleaveLower(d, c.re, c.im);
+  b = hn::InterleaveUpper(d, c.re, c.im);
+}
+
+// Numbers in the order of Unzip's lanes, from that of memory, and the other way round: pairs of
+// floats move like doubles.
+template <class D, class V = VecOf<D>>
+HWY_INLINE V FromMemoryOrder(D d, V v) {
+  constexpr size_t kBytes = hn::MaxLanes(D()) * sizeof(hn::TFromD<D>);
+  (void)d;
+  if constexpr (kBytes <= 16) {
+    return v;
+  } else {
+    const hn::Repartition<double, D> wide;
+    using W = VecOf<decltype(wide)>;
+    const W w = hn::BitCast(wide, v);
+#if HWY_TARGET == HWY_AVX3
+    if constexpr (kBytes == 64) {
+      const __m512i from = _mm512_set_epi64(7, 3, 6, 2, 5, 1, 4, 0);
+      return hn::BitCast(d, W{_mm512_permutexvar_pd(from, w.raw)});
+    } else  // NOLINT
+#endif
+#if HWY_TARGET != HWY_SSE4
+      return hn::BitCast(d, W{_mm256_permute4x64_pd(w.raw, 0xD8)});
+#endif
+  }
+}
+
+template <class D, class V = VecOf<D>>
+HWY_INLINE V ToMemoryOrder(D d, V v) {
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (hn::MaxLanes(D()) * sizeof(hn::TFromD<D>) == 64) {
+    const hn::Repartition<double, D> wide;
+    const __m512i from = _mm512_set_epi64(7, 5, 3, 1, 6, 4, 2, 0);
+    return hn::BitCast(
+        d, VecOf<decltype(wide)>{_mm512_permutexvar_pd(from, hn::BitCast(wide, v).raw)});
+  }
+#endif
+  return FromMemoryOrder(d, v);  // its own inverse
+}
+
+// A vector of floats as doubles, part by part, and back.
+template <class D, class V = VecOf<D>, class Wide = hn::Rebind<double, D>>
+HWY_INLINE Complex<VecOf<Wide>> Widen(D, Complex<V> x) {
+  return {hn::PromoteTo(Wide(), x.re), hn::PromoteTo(Wide(), x.im)};
+}
+template <class D, class W = VecOf<hn::Rebind<double, D>>>
+HWY_INLINE Complex<VecOf<D>> Narrow(D d, Complex<W> x) {
+  return {hn::DemoteTo(d, x.re), hn::DemoteTo(d, x.im)};
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__KERNEL_COMPLEX_LANES_INL_H_

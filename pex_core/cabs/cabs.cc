@@ -1,0 +1,46 @@
+// |a| in single precision, one computation for all tiers: at most 0.501 ulp.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/cabs/cabs.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/atan2_domain-inl.h"
+#include "pex_core/cabs/cabs-inl.h"
+#include "pex_core/cabs/cabs_scalar.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+// Common lanes have parts from 2^-50 below 2^60, so that the squares and their errors are exact, or
+// one of them zero.
+struct cAbsKernel : ComplexKernel<float> {
+  static constexpr bool kRealResult = true;
+  static constexpr int kUnroll = 4;
+  using Outside = Atan2Outside<float, 0x26800000, 0x5D7FFFFF>;
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> a) {
+    return Outside::MayBeRare(d, a.im, a.re);
+  }
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a) {
+    return Outside::IsRare(d, a.im, a.re);
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const Complex<V> (&a)[K], V (&r)[K]) {
+    Modulus(d, a, r);
+  }
+  static float Rare(Complex<float> a) { return cAbsScalar(a); }
+};
+
+int cAbs(int32_t n, const PexComplex8* a, float* r) { return MapComplex<cAbsKernel>(n, a, r); }
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+HWY_EXPORT(cAbs);
+PEX_EXPORT_COMPLEX_UNARY(PexComplex8, float, ControlGuard, cAbs, cAbs_11)
+PEX_EXPORT_COMPLEX_UNARY(PexComplex8, float, ControlGuard, cAbs, cAbs_21)
+PEX_EXPORT_COMPLEX_UNARY(PexComplex8, float, ControlGuard, cAbs, cAbs_HA)
+}  // namespace pex
+#endif

@@ -1,0 +1,54 @@
+// Arg in double precision: _26 and _50 are one computation that errs by less than 2 ulp, _HA errs
+// by at most 0.51.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/carg/zarg.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/real/atan_scalar.h"
+#include "pex_core/carg/carg-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+struct dArgLA {
+  static constexpr int kUnroll = 8;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
+    PlainAtan2(d, y, x, kAtan2LA, r);
+  }
+};
+
+struct dArgHA {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
+    FullAtan2(d, y, x, r);
+  }
+};
+
+template <class Formula>
+struct dArg : ArgKernel<double, double, Atan2Domain, Formula> {
+  static double Rare(Complex<double> a) {
+    double r;
+    dAtan2Scalar(a.im, a.re, &r);
+    return r;
+  }
+};
+
+int zArg(int32_t n, const PexComplex16* a, double* r) { return MapComplex<dArg<dArgLA>>(n, a, r); }
+int zArg_HA(int32_t n, const PexComplex16* a, double* r) {
+  return MapComplex<dArg<dArgHA>>(n, a, r);
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+HWY_EXPORT(zArg);
+HWY_EXPORT(zArg_HA);
+PEX_EXPORT_COMPLEX_UNARY(PexComplex16, double, ControlGuard, zArg, zArg_26)
+PEX_EXPORT_COMPLEX_UNARY(PexComplex16, double, ControlGuard, zArg, zArg_50)
+PEX_EXPORT_COMPLEX_UNARY(PexComplex16, double, ControlGuard, zArg_HA, zArg_HA)
+}  // namespace pex
+#endif

@@ -1,0 +1,20 @@
+// Inverse hyperbolic tangent of complex numbers, in single and double precision.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/catanh/catanh.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/complex/complex_vector-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+PEX_COMPLEX_BODIES(Atanh)
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+PEX_EXPORT_COMPLEX_ELEMENTARY(Atanh)
+}  // namespace pex
+#endif

@@ -1,0 +1,139 @@
+// Sums of two products of doubles in which cancellation loses nothing.
+
+#include "pex_core/_kernel/complex-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
+
+#if defined(PEX_CORE_CMUL_EXACT_PRODUCTS_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE_CMUL_EXACT_PRODUCTS_INL_H_
+#undef PEX_CORE_CMUL_EXACT_PRODUCTS_INL_H_
+#else
+#define PEX_CORE_CMUL_EXACT_PRODUCTS_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// hi - less.
+template <class V>
+struct Reduced {
+  V hi, less;
+};
+
+// a b as hi - less exactly; less is +0 where hi is exact.
+template <class D, class V>
+HWY_INLINE Reduced<V> LessProduct(D d, V a, V b) {
+#if HWY_TARGET == HWY_SSE4
+  const Pair<V> p = TwoProduct(d, a, b);
+  return {p.hi, hn::Sub(hn::Zero(d), p.lo)};
+#else
+  (void)d;
+  const V hi = hn::Mul(a, b);
+  return {hi, hn::NegMulAdd(a, b, hi)};
+#endif
+}
+
+// a + b and a - b as fused operations where there are such: the product with 1 is exact, so that
+// the result is the same, and it comes from the multipliers, while the adders have more to do.
+template <class D, class V>
+HWY_INLINE V MultiplierAdd(D d, V a, V b) {
+#if HWY_TARGET == HWY_SSE4
+  (void)d;
+  return hn::Add(a, b);
+#else
+  return hn::MulAdd(a, hn::Set(d, 1.0), b);
+#endif
+}
+template <class D, class V>
+HWY_INLINE V MultiplierSub(D d, V a, V b) {
+#if HWY_TARGET == HWY_SSE4
+  (void)d;
+  return hn::Sub(a, b);
+#else
+  return hn::MulSub(a, hn::Set(d, 1.0), b);
+#endif
+}
+
+// p + q with a relative error below 2^-100, whatever cancels: where the leading parts do, their sum
+// is exact, and so is the sum of that and p.less when the latter matters. Corrections are
+// subtracted, as +0 where there is nothing to correct, so that sums of zeros keep their sign. After
+// cancellation |less| may be as large as |hi|.
+template <class D, class V>
+HWY_INLINE Reduced<V> SumOfProducts(D d, Reduced<V> p, Reduced<V> q) {
+  const V s = hn::Add(p.hi, q.hi);
+  const V t = hn::Sub(s, p.hi);
+  const V less = hn::Add(hn::Sub(MultiplierSub(d, s, t), p.hi), MultiplierSub(d, t, q.hi));
+  const V hi = hn::Sub(s, p.less);
+  const V hi_less = hn::Add(MultiplierSub(d, hi, s), p.less);
+  return {hi, hn::Add(MultiplierAdd(d, hi_less, q.less), less)};
+}
+
+template <class V>
+struct ProductParts {
+  Reduced<V> re, im;
+};
+
+// a b, or a conj(b).
+template <bool kConjugate, class D, class V>
+HWY_INLINE ProductParts<V> ExactProduct(D d, Complex<V> a, Complex<V> b) {
+  const V other = hn::Neg(kConjugate ? a.re : a.im);
+  if constexpr (kConjugate) {
+    return {SumOfProducts(d, LessProduct(d, a.re, b.re), LessProduct(d, a.im, b.im)),
+            SumOfProducts(d, LessProduct(d, a.im, b.re), LessProduct(d, other, b.im))};
+  } else {
+    return {SumOfProducts(d, LessProduct(d, a.re, b.re), LessProduct(d, other, b.im)),
+            SumOfProducts(d, LessProduct(d, a.re, b.im), LessProduct(d, a.im, b.re))};
+  }
+}
+
+// |x|^2 with a relative error below 2^-104.
+template <class D, class V>
+HWY_INLINE Pair<V> SumOfSquares(D d, Complex<V> x) {
+  const Pair<V> p = TwoProduct(d, x.re, x.re), q = TwoProduct(d, x.im, x.im);
+  const Pair<V> s = FastTwoSum(hn::Max(p.hi, q.hi), hn::Min(p.hi, q.hi));
+  return {s.hi, hn::Add(s.lo, hn::Add(p.lo, q.lo))};
+}
+
+template <class D, class V>
+HWY_INLINE MaskOf<D> IsZero(D d, Complex<V> x) {
+  const auto bits = hn::Or(Bits(d, hn::Abs(x.re)), Bits(d, hn::Abs(x.im)));
+  return hn::RebindMask(d, hn::Eq(bits, SetBits(d, 0)));
+}
+
+// Rare lanes of numbers whose parts shall be 0 or have high words from kLow to kHigh. The cheap
+// test takes the 2^kLog2 exponents around 2^0: less the first of them, they have only the lowest
+// kLog2 bits, whatever the sign.
+template <int32_t kLow, int32_t kHigh, int kLog2 = 9>
+struct PartsOutside {
+  static constexpr int kFirst = 1023 - (1 << (kLog2 - 1));
+  static_assert(kLow <= kFirst << 20 && kHigh >= ((kFirst + (1 << kLog2)) << 20) - 1);
+  template <class D, class V, class... W>
+  static HWY_INLINE MaskOf<D> MayBeAny(D d, V x, W... rest) {
+    const auto first = SetBits(d, uint64_t{kFirst} << 52);
+    const auto upper = SetBits(d, (~uint64_t{0} << (53 + kLog2)) >> 1);
+    auto joined = hn::Sub(Bits(d, x), first);
+    ((joined = hn::Or(joined, hn::Sub(Bits(d, rest), first))), ...);
+#if HWY_TARGET == HWY_AVX3
+    return MaskOf<D>{_mm512_test_epi64_mask(joined.raw, upper.raw)};
+#else
+    return hn::RebindMask(d, hn::Gt(hn::And(joined, upper), SetBits(d, 0)));
+#endif
+  }
+  template <class D, class V, class... W>
+  static HWY_INLINE MaskOf<D> Any(D d, V x, W... rest) {
+    using Range = RareOutside<double, kLow, kHigh>;
+    const auto key = [d](V v) HWY_ATTR {
+      const V one_for_zero = hn::IfThenElse(hn::Eq(v, hn::Zero(d)), hn::Set(d, 1.0), v);
+      return Range::Key(d, hn::Abs(one_for_zero));
+    };
+    auto joined = key(x);
+    ((joined = JoinKeys(d, joined, key(rest))), ...);
+    return LanesAbove(d, joined, Range::kLimit);
+  }
+};
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE_CMUL_EXACT_PRODUCTS_INL_H_

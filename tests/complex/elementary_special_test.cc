@@ -1,0 +1,428 @@
+// Special values of the complex elementary functions case by case (C11 Annex G, and C17 where it
+// differs), their symmetries, and what a call raises.
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "catalogue/catalogue.h"
+#include "pexquo/pex.h"
+#include "tests/support/control.h"
+#include "tests/support/levels.h"
+#include "tests/support/random.h"
+
+namespace {
+
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kPi = 3.141592653589793, kHalfPi = kPi / 2, kQuarterPi = kPi / 4;
+constexpr double kThreeQuartersPi = 2.356194490192345;
+constexpr double kLog10E = 0.4342944819032518;
+
+struct Number {
+  double re, im;
+};
+
+std::string Text(Number x) {
+  char text[80];
+  std::snprintf(text, sizeof(text), "(%a, %a)", x.re, x.im);
+  return text;
+}
+
+bool Same(double x, double y) {
+  return std::isnan(x) ? std::isnan(y) : std::bit_cast<uint64_t>(x) == std::bit_cast<uint64_t>(y);
+}
+bool Same(Number x, Number y) { return Same(x.re, y.re) && Same(x.im, y.im); }
+
+struct Outcome {
+  Number r;
+  uint32_t flags;  // without inexact and denormal
+};
+
+// One element at `place` of n, among ordinary ones.
+template <typename T>
+Outcome CallAs(const pex::Entry& entry, Number a, Number b, int n, int place) {
+  std::vector<T> x(2 * n, T(1)), y(2 * n, T(1)), r(2 * n);
+  x[2 * place] = static_cast<T>(a.re);
+  x[2 * place + 1] = static_cast<T>(a.im);
+  const int second = entry.function->shape == pex::Shape::UnaryScalar ? 0 : place;
+  y[2 * second] = static_cast<T>(b.re);
+  y[2 * second + 1] = static_cast<T>(b.im);
+  UseControl scope(kDefaultControl);
+  entry.Call(n, x.data(), y.data(), r.data(), nullptr);
+  scope.Finish();
+  EXPECT_TRUE(scope.kept());
+  return {{r[2 * place], r[2 * place + 1]},
+          (scope.flags() | scope.x87_flags()) & ~uint32_t{kInexact | kDenormal}};
+}
+
+Outcome Call(const pex::Entry& entry, Number a, Number b = {1, 1}, int n = 1, int place = 0) {
+  return entry.is_double() ? CallAs<double>(entry, a, b, n, place)
+                           : CallAs<float>(entry, a, b, n, place);
+}
+
+Number Rounded(const pex::Entry& entry, Number x) {
+  if (entry.is_double()) return x;
+  const volatile float re = static_cast<float>(x.re), im = static_cast<float>(x.im);
+  return {re, im};
+}
+
+struct Case {
+  const char* function;
+  Number a, r;
+  uint32_t flags = 0;
+};
+
+constexpr Number kBothNaN = {kNaN, kNaN};
+
+// Of the upper half-plane; the lower one follows by conjugation, which all functions keep.
+constexpr Case kCases[] = {
+    {"Sqrt", {0, 0}, {0, 0}},
+    {"Sqrt", {-0.0, 0}, {0, 0}},
+    {"Sqrt", {1, kInf}, {kInf, kInf}},
+    {"Sqrt", {kNaN, kInf}, {kInf, kInf}},
+    {"Sqrt", {-kInf, kInf}, {kInf, kInf}},
+    {"Sqrt", {1, kNaN}, kBothNaN},
+    {"Sqrt", {-kInf, 1}, {0, kInf}},
+    {"Sqrt", {kInf, 1}, {kInf, 0}},
+    {"Sqrt", {-kInf, kNaN}, {kNaN, kInf}},
+    {"Sqrt", {kInf, kNaN}, {kInf, kNaN}},
+    {"Sqrt", {kNaN, 1}, kBothNaN},
+    {"Sqrt", kBothNaN, kBothNaN},
+    {"Sqrt", {4, 0}, {2, 0}},
+    {"Sqrt", {-4, 0}, {0, 2}},
+    {"Sqrt", {3, 4}, {2, 1}},
+    {"Sqrt", {-3, 4}, {1, 2}},
+    {"Sqrt", {0, 8}, {2, 2}},
+
+    {"Exp", {0, 0}, {1, 0}},
+    {"Exp", {-0.0, 0}, {1, 0}},
+    {"Exp", {1, kInf}, kBothNaN, kInvalid},
+    {"Exp", {1, kNaN}, kBothNaN},
+    {"Exp", {kInf, 0}, {kInf, 0}},
+    {"Exp", {-kInf, 0}, {0, 0}},
+    {"Exp", {-kInf, 1}, {0, 0}},
+    {"Exp", {-kInf, 2}, {-0.0, 0}},
+    {"Exp", {kInf, 1}, {kInf, kInf}},
+    {"Exp", {kInf, 2}, {-kInf, kInf}},
+    {"Exp", {-kInf, kInf}, {0, 0}},
+    {"Exp", {kInf, kInf}, {kInf, kNaN}, kInvalid},
+    {"Exp", {-kInf, kNaN}, {0, 0}},
+    {"Exp", {kInf, kNaN}, {kInf, kNaN}},
+    {"Exp", {kNaN, 0}, {kNaN, 0}},
+    {"Exp", {kNaN, 1}, kBothNaN},
+    {"Exp", {kNaN, kInf}, kBothNaN},
+    {"Exp", kBothNaN, kBothNaN},
+
+    {"Ln", {-0.0, 0}, {-kInf, kPi}, kDivByZero},
+    {"Ln", {0, 0}, {-kInf, 0}, kDivByZero},
+    {"Ln", {1, kInf}, {kInf, kHalfPi}},
+    {"Ln", {1, kNaN}, kBothNaN},
+    {"Ln", {-kInf, 1}, {kInf, kPi}},
+    {"Ln", {kInf, 1}, {kInf, 0}},
+    {"Ln", {-kInf, kInf}, {kInf, kThreeQuartersPi}},
+    {"Ln", {kInf, kInf}, {kInf, kQuarterPi}},
+    {"Ln", {kInf, kNaN}, {kInf, kNaN}},
+    {"Ln", {-kInf, kNaN}, {kInf, kNaN}},
+    {"Ln", {kNaN, 1}, kBothNaN},
+    {"Ln", {kNaN, kInf}, {kInf, kNaN}},
+    {"Ln", kBothNaN, kBothNaN},
+    {"Ln", {1, 0}, {0, 0}},
+    {"Ln", {-1, 0}, {0, kPi}},
+    {"Ln", {0, 1}, {0, kHalfPi}},
+
+    {"Log10", {-0.0, 0}, {-kInf, kPi* kLog10E}, kDivByZero},
+    {"Log10", {0, 0}, {-kInf, 0}, kDivByZero},
+    {"Log10", {1, kInf}, {kInf, kHalfPi* kLog10E}},
+    {"Log10", {kInf, kInf}, {kInf, kQuarterPi* kLog10E}},
+    {"Log10", {kInf, kNaN}, {kInf, kNaN}},
+    {"Log10", {kNaN, kInf}, {kInf, kNaN}},
+    {"Log10", kBothNaN, kBothNaN},
+    {"Log10", {10, 0}, {1, 0}},
+    {"Log10", {1000, 0}, {3, 0}},
+    {"Log10", {0, 100}, {2, kHalfPi* kLog10E}},
+
+    {"Cosh", {0, 0}, {1, 0}},
+    {"Cosh", {-0.0, 0}, {1, -0.0}},
+    {"Cosh", {0, kInf}, {kNaN, 0}, kInvalid},
+    {"Cosh", {0, kNaN}, {kNaN, 0}},
+    {"Cosh", {1, kInf}, kBothNaN, kInvalid},
+    {"Cosh", {1, kNaN}, kBothNaN},
+    {"Cosh", {kInf, 0}, {kInf, 0}},
+    {"Cosh", {kInf, 1}, {kInf, kInf}},
+    {"Cosh", {kInf, 2}, {-kInf, kInf}},
+    {"Cosh", {kInf, kInf}, {kInf, kNaN}, kInvalid},
+    {"Cosh", {kInf, kNaN}, {kInf, kNaN}},
+    {"Cosh", {kNaN, 0}, {kNaN, 0}},
+    {"Cosh", {kNaN, 1}, kBothNaN},
+    {"Cosh", kBothNaN, kBothNaN},
+
+    {"Sinh", {0, 0}, {0, 0}},
+    {"Sinh", {0, kInf}, {0, kNaN}, kInvalid},
+    {"Sinh", {0, kNaN}, {0, kNaN}},
+    {"Sinh", {1, kInf}, kBothNaN, kInvalid},
+    {"Sinh", {1, kNaN}, kBothNaN},
+    {"Sinh", {kInf, 0}, {kInf, 0}},
+    {"Sinh", {kInf, 1}, {kInf, kInf}},
+    {"Sinh", {kInf, 2}, {-kInf, kInf}},
+    {"Sinh", {kInf, kInf}, {kInf, kNaN}, kInvalid},
+    {"Sinh", {kInf, kNaN}, {kInf, kNaN}},
+    {"Sinh", {kNaN, 0}, {kNaN, 0}},
+    {"Sinh", {kNaN, 1}, kBothNaN},
+    {"Sinh", kBothNaN, kBothNaN},
+
+    {"Tanh", {0, 0}, {0, 0}},
+    {"Tanh", {0, kInf}, {0, kNaN}, kInvalid},
+    {"Tanh", {0, kNaN}, {0, kNaN}},
+    {"Tanh", {1, kInf}, kBothNaN, kInvalid},
+    {"Tanh", {1, kNaN}, kBothNaN},
+    {"Tanh", {kInf, 0}, {1, 0}},
+    {"Tanh", {kInf, 1}, {1, 0}},
+    {"Tanh", {kInf, 2}, {1, -0.0}},
+    {"Tanh", {kInf, kInf}, {1, 0}},
+    {"Tanh", {kInf, kNaN}, {1, 0}},
+    {"Tanh", {kNaN, 0}, {kNaN, 0}},
+    {"Tanh", {kNaN, 1}, kBothNaN},
+    {"Tanh", kBothNaN, kBothNaN},
+
+    {"Acos", {0, 0}, {kHalfPi, -0.0}},
+    {"Acos", {-0.0, 0}, {kHalfPi, -0.0}},
+    {"Acos", {0, kNaN}, {kHalfPi, kNaN}},
+    {"Acos", {1, kInf}, {kHalfPi, -kInf}},
+    {"Acos", {1, kNaN}, kBothNaN},
+    {"Acos", {-kInf, 1}, {kPi, -kInf}},
+    {"Acos", {kInf, 1}, {0, -kInf}},
+    {"Acos", {-kInf, kInf}, {kThreeQuartersPi, -kInf}},
+    {"Acos", {kInf, kInf}, {kQuarterPi, -kInf}},
+    {"Acos", {kInf, kNaN}, {kNaN, -kInf}},
+    {"Acos", {kNaN, 1}, kBothNaN},
+    {"Acos", {kNaN, kInf}, {kNaN, -kInf}},
+    {"Acos", kBothNaN, kBothNaN},
+    {"Acos", {1, 0}, {0, -0.0}},
+    {"Acos", {-1, 0}, {kPi, -0.0}},
+
+    {"Acosh", {0, 0}, {0, kHalfPi}},
+    {"Acosh", {-0.0, 0}, {0, kHalfPi}},
+    {"Acosh", {0, kNaN}, {kNaN, kHalfPi}},
+    {"Acosh", {1, kInf}, {kInf, kHalfPi}},
+    {"Acosh", {1, kNaN}, kBothNaN},
+    {"Acosh", {-kInf, 1}, {kInf, kPi}},
+    {"Acosh", {kInf, 1}, {kInf, 0}},
+    {"Acosh", {-kInf, kInf}, {kInf, kThreeQuartersPi}},
+    {"Acosh", {kInf, kInf}, {kInf, kQuarterPi}},
+    {"Acosh", {-kInf, kNaN}, {kInf, kNaN}},
+    {"Acosh", {kNaN, 1}, kBothNaN},
+    {"Acosh", {kNaN, kInf}, {kInf, kNaN}},
+    {"Acosh", kBothNaN, kBothNaN},
+    {"Acosh", {1, 0}, {0, 0}},
+    {"Acosh", {-1, 0}, {0, kPi}},
+
+    {"Asinh", {0, 0}, {0, 0}},
+    {"Asinh", {1, kInf}, {kInf, kHalfPi}},
+    {"Asinh", {1, kNaN}, kBothNaN},
+    {"Asinh", {kInf, 1}, {kInf, 0}},
+    {"Asinh", {kInf, kInf}, {kInf, kQuarterPi}},
+    {"Asinh", {kInf, kNaN}, {kInf, kNaN}},
+    {"Asinh", {kNaN, 0}, {kNaN, 0}},
+    {"Asinh", {kNaN, 1}, kBothNaN},
+    {"Asinh", {kNaN, kInf}, {kInf, kNaN}},
+    {"Asinh", kBothNaN, kBothNaN},
+    {"Asinh", {0, 1}, {0, kHalfPi}},
+
+    {"Atanh", {0, 0}, {0, 0}},
+    {"Atanh", {0, kNaN}, {0, kNaN}},
+    {"Atanh", {1, 0}, {kInf, 0}, kDivByZero},
+    {"Atanh", {1, kInf}, {0, kHalfPi}},
+    {"Atanh", {1, kNaN}, kBothNaN},
+    {"Atanh", {kInf, 1}, {0, kHalfPi}},
+    {"Atanh", {kInf, kInf}, {0, kHalfPi}},
+    {"Atanh", {kInf, kNaN}, {0, kNaN}},
+    {"Atanh", {kNaN, 1}, kBothNaN},
+    {"Atanh", {kNaN, kInf}, {0, kHalfPi}},
+    {"Atanh", kBothNaN, kBothNaN},
+};
+
+struct PowCase {
+  Number a, b, r;
+  uint32_t flags = 0;
+};
+constexpr PowCase kPowCases[] = {
+    {{0, 0}, {0, 0}, {1, 0}},
+    {{kInf, 0}, {0, 0}, {1, 0}},
+    {kBothNaN, {0, 0}, {1, 0}},
+    {{3, -4}, {0, -0.0}, {1, 0}},
+    {{0, 0}, {2, 0}, {0, 0}},
+    {{0, 0}, {2, 1}, {0, -0.0}},
+    {{0, 0}, {-2, 0}, {kInf, -0.0}, kDivByZero},
+    {{0, 0}, {0, 1}, kBothNaN, kInvalid},
+    {{2, 0}, {3, 0}, {8, 0}},
+    {{2, -0.0}, {3, 0}, {8, -0.0}},
+    {{1, 0}, {5, 7}, {1, 0}},
+    {{kInf, 0}, {1, 0}, {kInf, 0}},
+    {{kNaN, 1}, {1, 0}, kBothNaN},
+    {{1, 1}, {1, kNaN}, kBothNaN},
+};
+
+const pex::Entry& EntryOf(const char* function, char type, pex::Tier tier = pex::Tier::HA) {
+  const pex::Entry* entry = pex::FindEntry(std::string("_pex") + type + function +
+                                           (tier == pex::Tier::HA ? "_HA"
+                                            : type == 'z'         ? "_26"
+                                                                  : "_11"));
+  EXPECT_NE(entry, nullptr) << function;
+  return *entry;
+}
+
+Number Conjugate(Number z) { return {z.re, -z.im}; }
+
+void Expect(const pex::Entry& entry, Number a, Number b, Number wanted, uint32_t flags) {
+  for (const Level& level : kLevels) {
+    if (!ProcessorHas(level)) continue;
+    const UseLevel use(level);
+    for (const int n : {1, 37}) {
+      const Outcome got = Call(entry, a, b, n, n / 2);
+      const Number r = Rounded(entry, wanted);
+      // Log10's imaginary parts are products of two roundings.
+      const bool close = entry.function->name == "Log10" && Same(got.r.re, r.re) &&
+                         std::fabs(got.r.im - r.im) <= 0x1p-22 * (entry.is_double() ? 0x1p-29 : 1);
+      EXPECT_TRUE(Same(got.r, r) || close)
+          << entry.symbol << Text(a) << Text(b) << " on " << level.name << ": " << Text(got.r)
+          << ", not " << Text(r);
+      EXPECT_EQ(got.flags, flags) << entry.symbol << Text(a) << Text(b);
+    }
+  }
+}
+
+TEST(ComplexElementary, SpecialValues) {
+  for (const Case& c : kCases) {
+    for (const char type : {'z', 'c'}) {
+      const pex::Entry& entry = EntryOf(c.function, type);
+      Expect(entry, c.a, {1, 1}, c.r, c.flags);
+      Expect(entry, Conjugate(c.a), {1, 1}, Conjugate(c.r), c.flags);
+    }
+  }
+}
+
+TEST(ComplexElementary, PowersOfSpecialValues) {
+  for (const PowCase& c : kPowCases) {
+    for (const char type : {'z', 'c'}) {
+      for (const char* name : {"Pow", "Powx"}) {
+        // The neighbours of a Powx have its exponent too, and may raise flags.
+        const pex::Entry& entry = EntryOf(name, type);
+        const Outcome got = Call(entry, c.a, c.b);
+        EXPECT_TRUE(Same(got.r, c.r)) << entry.symbol << Text(c.a) << Text(c.b) << Text(got.r);
+        EXPECT_EQ(got.flags, c.flags) << entry.symbol << Text(c.a) << Text(c.b);
+      }
+      Expect(EntryOf("Pow", type), c.a, c.b, c.r, c.flags);
+    }
+  }
+}
+
+// Special values, thresholds of the vector kernels, and random numbers of all sizes.
+std::vector<Number> Arguments(bool is_double) {
+  std::vector<double> parts = {0,    -0.0,     1,        -1,         0.5,    2,
+                               kInf, -kInf,    kNaN,     0x1p7,      0x1p9,  512.5,
+                               4096, 0x1p-100, 0x1p-126, 0x1.fp-127, 0x1p100};
+  if (is_double) parts.insert(parts.end(), {0x1p-1074, 0x1p-200, 0x1p400, 0x1p1023, 709.0, -745.5});
+  Random random(7);
+  for (int i = 0; i < 40; ++i) {
+    const double m = 1 + random.Below(1u << 23) * 0x1p-23;
+    parts.push_back(std::ldexp(i % 2 ? m : -m, static_cast<int>(random.Below(40)) - 30));
+  }
+  std::vector<Number> all;
+  for (const double x : parts) {
+    for (const double y : parts) all.push_back({x, y});
+  }
+  return all;
+}
+
+struct Rotation {
+  const char* function;
+  const char* of;  // at iz
+  bool turned;     // and the result by -i
+};
+
+TEST(ComplexElementary, RotationsAreExact) {
+  constexpr Rotation kRotations[] = {{"Cos", "Cosh", false},
+                                     {"Sin", "Sinh", true},
+                                     {"Tan", "Tanh", true},
+                                     {"Asin", "Asinh", true},
+                                     {"Atan", "Atanh", true}};
+  for (const char type : {'z', 'c'}) {
+    for (const Rotation& c : kRotations) {
+      for (const Number z : Arguments(type == 'z')) {
+        const Outcome got = Call(EntryOf(c.function, type), z);
+        Outcome wanted = Call(EntryOf(c.of, type), {-z.im, z.re});
+        if (c.turned) wanted.r = {wanted.r.im, -wanted.r.re};
+        EXPECT_TRUE(Same(got.r, wanted.r) && got.flags == wanted.flags)
+            << c.function << Text(z) << Text(got.r) << ", not " << Text(wanted.r);
+      }
+    }
+  }
+}
+
+TEST(ComplexElementary, FunctionsKeepTheirSymmetries) {
+  for (const char type : {'z', 'c'}) {
+    for (const char* name : {"Exp", "Ln", "Log10", "Sqrt", "Cosh", "Sinh", "Tanh", "Cos", "Sin",
+                             "Tan", "Acosh", "Asinh", "Atanh", "Acos", "Asin", "Atan"}) {
+      const std::string n = name;
+      const bool odd = n == "Sinh" || n == "Tanh" || n == "Sin" || n == "Tan" || n == "Asinh" ||
+                       n == "Atanh" || n == "Asin" || n == "Atan";
+      for (const Number z : Arguments(type == 'z')) {
+        const Number r = Call(EntryOf(name, type), z).r;
+        EXPECT_TRUE(Same(Call(EntryOf(name, type), Conjugate(z)).r, Conjugate(r)))
+            << name << Text(z);
+        if (!odd) continue;
+        EXPECT_TRUE(Same(Call(EntryOf(name, type), {-z.re, -z.im}).r, {-r.re, -r.im}))
+            << name << Text(z);
+      }
+    }
+  }
+}
+
+TEST(ComplexElementary, TheTiersOfAPowerAgree) {
+  for (const char type : {'z', 'c'}) {
+    for (const char* name : {"Pow", "Powx"}) {
+      for (const Number z : Arguments(type == 'z')) {
+        const Number b = {1.5, -0.75};
+        EXPECT_TRUE(Same(Call(EntryOf(name, type, pex::Tier::EP), z, b).r,
+                         Call(EntryOf(name, type), z, b).r))
+            << name << Text(z);
+      }
+    }
+  }
+}
+
+// Factors that leave the doubles where the product does not.
+TEST(ComplexElementary, NothingOverflowsOnTheWay) {
+  const auto expect = [](const char* name, Number z, Number wanted) {
+    const Outcome got = Call(EntryOf(name, 'z'), z);
+    for (const auto& [x, y] : {std::pair(got.r.re, wanted.re), std::pair(got.r.im, wanted.im)}) {
+      EXPECT_TRUE(x == y || std::fabs(x - y) <= 0x1p-52 * std::fabs(y))
+          << name << Text(z) << Text(got.r);
+    }
+    return got.flags;
+  };
+  const auto product = [](double x, double y) {  // e^x y
+    return static_cast<double>(std::exp(static_cast<long double>(x)) * y);
+  };
+  EXPECT_EQ(expect("Exp", {1400, 0x1p-1074}, {kInf, product(1400, 0x1p-1074)}), kOverflow);
+  EXPECT_EQ(expect("Sinh", {-1400, 0x1p-1074}, {-kInf, product(1400, 0x1p-1074) / 2}), kOverflow);
+  EXPECT_EQ(
+      expect("Exp", {709.9, 0.8}, {product(709.9, std::cos(0.8)), product(709.9, std::sin(0.8))}),
+      0u);
+  EXPECT_EQ(
+      expect("Ln", {0x1.8p1023, 0x1.8p1023}, {std::log(1.5) + 1023.5 * std::log(2.0), kQuarterPi}),
+      0u);
+  EXPECT_EQ(expect("Ln", {0x1p-1074, 0}, {-1074 * std::log(2.0), 0}), 0u);
+  EXPECT_EQ(expect("Asinh", {0x1p1023, 0}, {std::asinh(0x1p1023), 0}), 0u);
+  EXPECT_EQ(expect("Acos", {1, 0x1p-1074}, {0x1p-537, -0x1p-537}), 0u);
+  EXPECT_EQ(expect("Atanh", {0x1p-600, 1}, {0x1p-601, kQuarterPi}), 0u);
+  EXPECT_EQ(expect("Sqrt", {0x1p-1074, 0x1p-1074},
+                   {1.0986841134678098 * 0x1p-537, 0.45508986056222733 * 0x1p-537}),
+            0u);
+}
+
+}  // namespace
