@@ -22,7 +22,7 @@ HWY_INLINE void SignesAtan(D d, const V (&x)[K], const float (&c)[N], V (&r)[K])
   AtanThird<V> third[K];
   V v[K];
   for (size_t k = 0; k < K; ++k) {
-    third[k] = AtanThirdOf(d, hn::Abs(x[k]), hn::Set(d, 1.0f), hn::Set(d, 0.5f), hn::Set(d, 2.0f));
+    third[k] = AtanThirdOf(d, hn::Abs(x[k]));
   }
   PlainAtan(d, third, c, v);
   for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(v[k], x[k]);

@@ -34,6 +34,7 @@ struct sSinhEP : sSinhCommon<> {
 };
 
 struct sSinhLA : sSinhCommon<> {
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K], y[K];

@@ -63,6 +63,7 @@ struct sTanhEP : sTanhCommon<> {
 // What is rounded away from both sides of the quotient comes back at the end, divided by roughly
 // the divisor.
 struct sTanhLA : sTanhCommon<> {
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     Halves<V> u[K];

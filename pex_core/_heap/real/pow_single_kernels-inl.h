@@ -67,7 +67,7 @@ static HWY_NOINLINE int sPowRare(float x, float y, float* r) {
 template <typename Compute, int32_t kLeast, int32_t kMost>
 struct sPowKernel : Kernel<float, Compute> {
   static constexpr int kArguments = 2;
-  static constexpr int kUnroll = 2;
+  static constexpr int kUnroll = 4;
   // x is not normal, y is beyond its bounds, or x is negative and y has a fraction. A shorter test
   // that takes negative x and y = 0 for rare too goes before.
   template <class D, class V>

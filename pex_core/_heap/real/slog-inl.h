@@ -29,7 +29,7 @@ struct sLogKernel : Kernel<float> {
     return MaskOf<D>{_mm512_fpclass_ps_mask(x.raw, 0xFF)};
   }
 #else
-  static constexpr int kUnroll = 8;
+  static constexpr int kUnroll = 6;
   using Rarity = RareOutside<float, 0x00800000, 0x7F7FFFFF>;
 #endif
 };

@@ -228,8 +228,7 @@ template <typename T>
 struct ErfInvOf
     : level::dErfInvKernel<level::InverseOfErf, level::ErfInvTier::kShort, pex::dErfInv_SC> {};
 template <>
-struct ErfInvOf<float>
-    : level::sErfInvKernel<level::InverseOfErf, true, pex::sErfInv_SC> {};
+struct ErfInvOf<float> : level::sErfInvKernel<level::InverseOfErf, true, pex::sErfInv_SC> {};
 
 template <typename T>
 void Invert(size_t n, const T* x, T* r, T factor, T a, Function<T>* erfinv) {
