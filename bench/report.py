@@ -20,7 +20,7 @@ import sys
 
 LEVELS = {"avx512": "AVX-512", "avx2": "AVX2", "sse4": "SSE4"}
 JUDGED = ("avx512", "avx2")  # levels whose misses are listed; others are for information
-PROGRAMS = {"vector": "pexquo_bench", "random": "pexquo_bench_random"}
+PROGRAMS = {"vector": "pexquo_bench", "random": "pexquo_bench_random", "complex": "pexquo_bench_complex"}
 TYPES = {"d": "double", "s": "single"}
 TIERS = ("ep", "la", "ha", "plain")
 OURS = "pexquo"
@@ -43,6 +43,13 @@ RANDOM_GAIN = {"MCG31M1": 5.0, "MCG59": 3.0, "WH": 3.0, "R250": 3.0, "MRG32K3A":
 DISTRIBUTION_GAIN = {"gaussian": 3.0, "gaussianmv": 8.0, "exponential": 3.0, "laplace": 3.0,
                      "weibull": 5.0, "cauchy": 5.0, "rayleigh": 3.0, "lognormal": 3.0,
                      "gumbel": 5.0, "bernoulli": 4.0, "geometric": 5.0}
+# Complex functions: as fast as a copy but for this factor, or faster than std::complex by double (z)
+# and single (c).
+COPY_LIMIT = 1.2
+COPIED = ("Add", "Sub", "Conj", "Mul", "MulByConj")
+COMPLEX_GAIN = {"Div": (4.0, 4.0), "Exp": (8.0, 12.0), "Ln": (8.0, 12.0), "Sqrt": (8.0, 12.0),
+                "CIS": (8.0, 12.0), "Abs": (8.0, 12.0), "Arg": (8.0, 12.0)}
+OTHER_COMPLEX_GAIN = (4.0, 4.0)
 NO_TARGET = ("gaussian boxmuller", "gaussianmv boxmuller")  # half of its uniforms go unused
 
 
@@ -86,6 +93,7 @@ def run_program(path, level, extra):
 Miss = collections.namedtuple("Miss", "what ratio limit")
 VectorRow = collections.namedtuple("VectorRow", "function type tier ours peer peer_ulp peers limit gain")
 RandomRow = collections.namedtuple("RandomRow", "generator output ours peer peers limit")
+ComplexRow = collections.namedtuple("ComplexRow", "function type tier ours peer peers limit")
 
 
 def times_at(results, prefix):
@@ -207,6 +215,34 @@ def random_misses(rows, n):
     return misses
 
 
+def complex_rows(results, n):
+    rows = []
+    for (row, length), _ in results.items():
+        parts = row.split("/")
+        if length != n or len(parts) != 3:
+            continue
+        function, kind, tier = parts
+        ours = {m: v[0] for m, v in times_at(results, f"{function}/{kind}")[tier].items()}
+        peers = times_at(results, f"{function}/{kind}/peer")
+        peer, limit = "copy", COPY_LIMIT
+        if function not in COPIED:
+            peer = "std"
+            limit = 1 / COMPLEX_GAIN.get(function, OTHER_COMPLEX_GAIN)[kind == "c"]
+        rows.append(ComplexRow(function, kind, tier, ours, peer if n in peers.get(peer, {}) else None,
+                               peers, limit))
+    return rows
+
+
+def complex_misses(rows, n):
+    misses = []
+    for row in rows:
+        ratio = row.peer and row.ours[n] / row.peers[row.peer][n][0]
+        if ratio and ratio > row.limit:
+            misses.append(Miss(f"complex {row.function} {row.type} {row.tier} beside {row.peer}", ratio,
+                               f"at most {row.limit:.2f}"))
+    return misses
+
+
 # ---- Tables. ----
 
 
@@ -266,6 +302,18 @@ def random_table(rows):
                       f"{row.limit:.2f}" if row.limit else "-", ratio_cell(row, 1000)])
     return table(["generator", "output", "n = 16", "n = 1000000", "n = 1000", "peer", "its time",
                   "others", "target", "ratio"], cells)
+
+
+def complex_table(rows):
+    cells = []
+    for row in rows:
+        times = {p: v[1024][0] for p, v in row.peers.items() if 1024 in v}
+        cells.append([row.function, row.type, row.tier, number(row.ours.get(16)),
+                      number(row.ours.get(100000)), number(row.ours[1024]), number(times.get("copy")),
+                      number(times.get("std")), row.peer or "-", f"{row.limit:.2f}" if row.peer else "-",
+                      ratio_cell(row, 1024)])
+    return table(["function", "type", "tier", "n = 16", "n = 100000", "n = 1024", "a copy", "std::complex",
+                  "peer", "target", "ratio"], cells)
 
 
 # ---- Plots. ----
@@ -354,6 +402,11 @@ in double (d), single (f) or integers (i), with the parameters of `docs/distribu
 """
 
 
+COMPLEX_INTRODUCTION = """Arrays of complex numbers, double (z) and single (c), beside a loop over std::complex and a copy of as
+many bytes as the function reads and writes.
+"""
+
+
 def columns(text):
     return text and text + "\n"
 
@@ -371,14 +424,16 @@ def machine_line(context):
 
 
 def document(levels, machine, repeats, milliseconds):
-    """levels: {level: (results of the vector program, of the random program)}. Returns the text and
-    {plot's file name: gnuplot script}."""
+    """levels: {level: (results of the vector program, of the random program, of the complex one)}.
+    Returns the text and {plot's file name: gnuplot script}."""
     parts, plots, falls_short = [], {}, []
-    for level, (vector, random) in levels.items():
+    for level, (vector, random, compound) in levels.items():
         title = LEVELS[level]
         rows, draws = vector_rows(vector, 1024), random_rows(random, 1000)
+        pairs = complex_rows(compound, 1024)
         if level in JUDGED:
-            misses = vector_misses(rows, 1024) + random_misses(draws, 1000) + call_misses(rows, 1024)
+            misses = (vector_misses(rows, 1024) + random_misses(draws, 1000) +
+                      complex_misses(pairs, 1024) + call_misses(rows, 1024))
             falls_short += [f"- {title}: {m.what}: {m.ratio:.2f}, target {m.limit}." for m in misses]
         for kind, script in (("vector", vector_plot(rows, f"Vector math, {title}")),
                              ("random", random_plot(draws, f"Generators, {title}"))):
@@ -392,6 +447,9 @@ def document(levels, machine, repeats, milliseconds):
             if calls:
                 parts += [f"### Short calls, {title}\n", "Nanoseconds per call of 1 to 15 elements.\n",
                           columns(calls)]
+        if pairs:
+            parts += [f"## Complex functions, {title}\n", COMPLEX_INTRODUCTION,
+                      columns(complex_table(pairs))]
         if draws:
             parts += [f"## Generators, {title}\n", picture("random"), RANDOM_INTRODUCTION,
                       columns(random_table(draws))]

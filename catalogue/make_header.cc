@@ -237,12 +237,14 @@ std::string Markdown(const std::filesystem::path& docs) {
       "it is said, of its larger part; `pexquo_accuracy_complex` measures the\nerrors against MPC. "
       "Branches are principal. On a cut, the sign of the part that is zero says from which side "
       "it is met:\nsqrt(-4 + 0i) = 2i, sqrt(-4 - 0i) = -2i. Special values, signs of zeros among "
-      "them, are those of Annex G of the C\nstandard.\n\nOf the elementary functions of one "
-      "argument there are two plots each over a square around 0, made by\n"
-      "`scripts/complex_plots.sh`. On the left the function: the hue is the argument (red 0, "
-      "green 2 pi/3, blue -2 pi/3), the\nbrightness grows with the modulus, in steps of powers of "
-      "two. On the right the error of the single-precision HA entry, in\nulp of the worse part, "
-      "taken against the double-precision entry at the same single-precision points.\n";
+      "them, are those of Annex G of the C\nstandard.\n\nOf each elementary function of one "
+      "argument there are two plots over a square around 0, made by\n`scripts/complex_plots.sh`. "
+      "On "
+      "the left the function: the hue is the argument (red 0, green 2 pi/3, blue -2 pi/3), the\n"
+      "brightness grows with the modulus from black at 0 to white at infinity, with a step at "
+      "every "
+      "power of two. On the right\nthe error of the single-precision HA entry, in ulp of the worse "
+      "part, against the double-precision entry at the same\nsingle-precision points.\n";
   for (const pex::Function& f : kComplexFunctions) {
     const std::string name(f.name);
     text += Section(f, {'z', 'c'}, measured, "Complex " + name);

@@ -4,14 +4,13 @@
     scripts/randomness.py [--full] [--program PATH] [--only NAME ...]
 
 Needs the program `pexquo` built and the Debian package dieharder, which nothing else needs. Takes
-about a minute of one idle core for each source; --full runs all of dieharder (hours). --only takes
+about 70 seconds of one core for each source; --full runs all of dieharder (hours). --only takes
 sources by name, prints what it finds and leaves the document alone.
 """
 import argparse
 import array
 import contextlib
 import datetime
-import math
 import pathlib
 import shutil
 import subprocess
@@ -52,7 +51,8 @@ SOURCES = [
      "Each bit is a sequence of its own, x[n] = x[n-103] xor x[n-250], linear of degree 250: tests of "
      "rank beyond 250 and of linear complexity fail at once, and so does whatever sees three draws "
      "103 and 250 apart, such as gaps and random walks longer than that. Matrices of 32 x 32 and "
-     "6 x 8 are too small to see it. One seed word leaves the low bits far from random for long (above)."),
+     "6 x 8 are too small to see it. One seed word, which it is given here (fewer than "
+     "250 count as one), leaves the low bits far from random for long (above)."),
     ("MRG32K3A", "mrg32k3a", [0], "words",
      "Nothing is expected to fail. The words are below 2^32 - 209; no test of this size sees that."),
     ("MCG59", "mcg59", [0], "uniforms",

@@ -70,6 +70,12 @@ RANDOM = {
     "MT19937/gumbel f/other/std/n:1000": 6.0,
 }
 
+COMPLEX = {
+    "Abs/c/ha/n:1024": 0.5, "Abs/c/peer/std/n:1024": 5.0, "Abs/c/peer/copy/n:1024": 0.1,
+    "Add/z/plain/n:1024": 0.44, "Add/z/peer/std/n:1024": 0.5, "Add/z/peer/copy/n:1024": 0.4,
+    "Sin/z/ha/n:1024": 9.0, "Sin/z/peer/std/n:1024": 36.0, "Sin/z/ha/n:16": 9.5,
+}
+
 
 class Judging(unittest.TestCase):
     def test_each_tier_is_held_against_the_fastest_peer_of_its_class(self):
@@ -138,6 +144,14 @@ class Judging(unittest.TestCase):
                           ("R250 bits beside GSL gfsr4", 0.4),
                           ("MT19937 gumbel f beside std", 0.25)])
 
+    def test_complex_functions_are_held_against_a_copy_or_the_standard_library(self):
+        rows = report.complex_rows(results(COMPLEX), 1024)
+        self.assertEqual([(r.function, r.type, r.tier, r.peer, r.limit) for r in rows],
+                         [("Abs", "c", "ha", "std", 1 / 12), ("Add", "z", "plain", "copy", 1.2),
+                          ("Sin", "z", "ha", "std", 1 / 4)])
+        self.assertEqual([(m.what, m.ratio) for m in report.complex_misses(rows, 1024)],
+                         [("complex Abs c ha beside std", 0.1)])
+
     def test_unreadable_results_are_named(self):
         for text in ("{", "[]", '{"benchmarks": [{"aggregate_name": "min"}]}'):
             with self.subTest(text=text), self.assertRaisesRegex(report.Failure, "some.json"):
@@ -147,7 +161,8 @@ class Judging(unittest.TestCase):
 class Document(unittest.TestCase):
     def test_tables(self):
         text, plots = report.document(
-            {"avx512": (results(EXP), results(RANDOM)), "sse4": (results(EXP), {})}, "Machine: M.", 60, 1)
+            {"avx512": (results(EXP), results(RANDOM), results(COMPLEX)),
+             "sse4": (results(EXP), {}, {})}, "Machine: M.", 60, 1)
         for line in [
             "| Exp | double | LA | 1.200 / 0.900 | - / - | 0.550 | libmvec (3 ulp) | 0.600 |  | 1 | 0.92 |",
             "| Exp | double | EP | - / - | - / - | 0.500 | crude (9 ulp) | 0.400 | **1.10** | 1 | **1.25** |",
@@ -156,6 +171,8 @@ class Document(unittest.TestCase):
             "| Add | double |  | - / - | - / - | 0.300 | plain loop (0.5 ulp) | 0.250 |  | - | 1.20 |",
             "| MCG31M1 | bits | 2.000 / 3.100 | 0.700 / - | 0.500 | Boost | 2.800 | std 3.000, "
             "GSL minstd 0.100 | 0.20 | 0.18 |",
+            "| Abs | c | ha | - | - | 0.500 | 0.100 | 5.000 | std | 0.08 | **0.10** |",
+            "| Sin | z | ha | 9.500 | - | 9.000 | - | 36.0 | std | 0.25 | 0.25 |",
             "- AVX-512: Ln double LA beside Highway: 1.19, target at most 1.",
         ]:
             self.assertIn(line, text.splitlines())
@@ -169,6 +186,7 @@ class Document(unittest.TestCase):
             context = {"compiler": "GNU 12", "host_name": "some-host"}
             (folder / "vector-avx2.json").write_text(canned(EXP, context))
             (folder / "random-avx2.json").write_text(canned(RANDOM, context))
+            (folder / "complex-avx2.json").write_text(canned(COMPLEX, context))
             report.main(["--levels", "avx2", "--raw", str(folder), "--reuse", "--output", str(folder / "out")])
             text = (folder / "out/performance.md").read_text()
             self.assertIn("compiler: GNU 12", text)
@@ -208,7 +226,7 @@ class Programs(unittest.TestCase):
                     self.assertEqual(ulp, 1.0 if "SLEEF" in row[0] else None)
 
     def test_bad_options_end_with_one_line_and_status_2(self):
-        for program in ("pexquo_bench", "pexquo_bench_random"):
+        for program in report.PROGRAMS.values():
             for option, said in (("--level=avx9000", "unknown level 'avx9000'"),
                                  ("--level=", "unknown level ''"), ("--bogus", "'--bogus'")):
                 with self.subTest(program=program, option=option):
