@@ -277,13 +277,15 @@ TEST(Traces, NoStatusNoErrnoNoStrayFlags) {
     if (!ProcessorHas(level)) continue;
     const UseLevel use(level);
     for (const pex::Entry& entry : pex::ComplexEntries()) {
+      // Within these magnitudes no elementary function leaves the normal range of single precision.
+      const double largest = entry.function->group == "complex-arithmetic" ? 90 : 5;
       for (const bool special : {false, true}) {
         std::vector<double> wide[2];
         std::vector<float> narrow[2];
         for (int k = 0; k < 2; ++k) {
           for (int i = 0; i < 2 * n; ++i) {
             const uint32_t kind = special ? random.Below(6) : 9;
-            const double x = (random.Unit() + 0.01) * (random.Below(2) ? 90 : -90);
+            const double x = (random.Unit() + 0.01) * (random.Below(2) ? largest : -largest);
             const double value = kind == 0 ? kInf : kind == 1 ? kNaN : kind == 2 ? 0 : x;
             wide[k].push_back(value);
             narrow[k].push_back(static_cast<float>(value));

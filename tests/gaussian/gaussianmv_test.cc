@@ -200,6 +200,10 @@ TYPED_TEST(GaussianMVOf, LargePackedFactorTakesItsVectorFromTheHeap) {
 // Of the chunk and of its block.
 TYPED_TEST(GaussianMVOf, PairsWithoutMemory) {
   using T = typename TypeParam::T;
+  StreamState* first = NewStream(QUO_BRNG_MCG59, 7);
+  T any[1];
+  Gaussian(2, first, 1, any, T(0), T(1));  // makes the thread's own state
+  __quoDeleteStream(&first);
   for (const int failing : {0, 1}) {
     StreamState* stream = NewStream(QUO_BRNG_MCG59, 7);
     T r[3] = {T(9), T(9), T(9)}, want[3];
