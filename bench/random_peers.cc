@@ -67,7 +67,7 @@ using BoostMt2203 =
 template <typename Engine, typename T, typename Distribution>
 void Fill(int n, void* r) {
   static Engine kept(1);
-  static Distribution distribution{};
+  static Distribution distribution = Distribution();
   T* out = static_cast<T*>(r);
   if constexpr (sizeof(Engine) <= 64) {
     Engine engine = kept;
@@ -163,6 +163,7 @@ PARAMETERS(BoostLognormal, boost::random::lognormal_distribution, T(0), T(0.5))
 // Of least values, where the packages draw largest ones.
 template <class Largest>
 struct Least : Largest {
+  Least() : Largest() {}
   template <typename Engine>
   auto operator()(Engine& engine) {
     return -Largest::operator()(engine);
