@@ -1,8 +1,10 @@
 // pexquo_bench_complex: every complex entry beside std::complex and beside a plain copy that moves
 // as many bytes. Rows are named FUNCTION/TYPE/TIER/n:N, FUNCTION/TYPE/peer/std/n:N and
 // FUNCTION/TYPE/peer/copy/n:N.
+#include <array>
 #include <complex>
 #include <cstring>
+#include <map>
 #include <random>
 #include <string>
 
@@ -25,26 +27,30 @@ struct Operands {
   T *x, *q;
 };
 
+// The first arguments from one range, the second ones from another.
 template <typename T>
-const Operands<T>& OperandsOf(pex::Range range) {
+const Operands<T>& OperandsOf(pex::Range first, pex::Range second) {
   using C = std::complex<T>;
-  static const Operands<T> operands = [&] {
-    // Arrays do not begin at the same place of a page: stores would hold up loads.
-    static auto pool = hwy::AllocateAligned<T>(9 * kLongest + 1024);
-    T* const p = pool.get();
-    const auto at = [&](size_t numbers, size_t k) { return p + numbers * kLongest + 80 * k; };
-    Operands<T> o = {reinterpret_cast<C*>(at(0, 0)), reinterpret_cast<C*>(at(2, 1)),
-                     reinterpret_cast<C*>(at(6, 2)), at(4, 3), at(5, 4)};
-    std::mt19937_64 engine(1);
-    std::uniform_real_distribution<T> uniform(static_cast<T>(range.lo), static_cast<T>(range.hi));
-    for (int i = 0; i < kLongest; ++i) {
-      o.x[i] = uniform(engine);
-      o.a[i] = {uniform(engine), uniform(engine)};
-      o.b[i] = {uniform(engine), uniform(engine)};
-    }
-    return o;
-  }();
-  return operands;
+  static std::map<std::array<double, 4>, Operands<T>> known;
+  const auto [place, is_new] = known.try_emplace({first.lo, first.hi, second.lo, second.hi});
+  Operands<T>& o = place->second;
+  if (!is_new) return o;
+  // Arrays do not begin at the same place of a page: stores would hold up loads.
+  T* const p = hwy::AllocateAligned<T>(9 * kLongest + 1024).release();
+  const auto at = [&](size_t numbers, size_t k) { return p + numbers * kLongest + 80 * k; };
+  o = {reinterpret_cast<C*>(at(0, 0)), reinterpret_cast<C*>(at(2, 1)),
+       reinterpret_cast<C*>(at(6, 2)), at(4, 3), at(5, 4)};
+  std::mt19937_64 engine(1);
+  const auto uniform = [](pex::Range range) {
+    return std::uniform_real_distribution<T>(static_cast<T>(range.lo), static_cast<T>(range.hi));
+  };
+  auto draw_a = uniform(first), draw_b = uniform(second);
+  for (int i = 0; i < kLongest; ++i) {
+    o.x[i] = draw_a(engine);
+    o.a[i] = {draw_a(engine), draw_a(engine)};
+    o.b[i] = {draw_b(engine), draw_b(engine)};
+  }
+  return o;
 }
 
 template <typename T>
@@ -96,7 +102,8 @@ constexpr Peer<T> kPeers[] = {
 
 template <typename T>
 void AddEntry(const pex::Entry& entry, int n) {
-  const Operands<T>& o = OperandsOf<T>(entry.precision().typical);
+  const pex::Range first = entry.precision().typical, second = entry.precision().typical2;
+  const Operands<T>& o = OperandsOf<T>(first, second.lo == second.hi ? first : second);
   const std::string stem = std::string(entry.function->name) + "/" + entry.type;
   const void* a = entry.argument_parts() == 2 ? static_cast<const void*>(o.a) : o.x;
   void* r = entry.result_parts() == 2 ? static_cast<void*>(o.r) : o.q;
