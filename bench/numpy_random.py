@@ -84,7 +84,7 @@ def main():
                         [report.number(t) for t in peers] + [f"{times[output, n] / min(peers):.2f}"])
     options.output.write_text(
         "# Random numbers beside NumPy\n\nWritten by `bench/numpy_random.py`. " +
-        report.machine_line(context) + f", NumPy {numpy.__version__}.\n\n"
+        report.machine_line(context).rstrip(".") + f"; NumPy {numpy.__version__}.\n\n"
         "Nanoseconds per number of the library on MT19937 and of NumPy's Generator on three of its bit\n"
         "generators; the ratio is ours over NumPy's fastest, below 1 where we are faster.\n\n" +
         report.table(["output", "n", "pexquo", *(f"NumPy {b}" for b in BIT_GENERATORS), "ratio"], rows) +
