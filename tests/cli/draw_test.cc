@@ -146,6 +146,33 @@ TEST_F(DrawTest, EverythingListedCanBeDrawn) {
   }
 }
 
+// A saved stream goes on where it stood: the Box-Muller pair of an odd count is kept with it.
+TEST_F(DrawTest, SavedStreamsGoOn) {
+  for (const char* what : {"gaussian --method boxmuller2 --a 3 --sigma 0.5", "uniformbits",
+                           "gaussianmv --mean 1,2,3 --factor 1,2,3,4,5,6 --storage packed",
+                           "laplace --type s", "geometric --p 0.1"}) {
+    for (const char* generator : {"mt19937", "mt2203:7", "r250", "mcg59"}) {
+      const std::string draw = std::string(what) + " --format raw --count ";
+      const std::string start = std::string(" --seed 5 --generator ") + generator;
+      const std::string all = Drawn(draw + "1001" + start);
+      const std::string first = Drawn(draw + "77" + start + " --save s.quo");
+      EXPECT_TRUE(first + Drawn(draw + "924 --load s.quo") == all) << what << " " << generator;
+    }
+  }
+}
+
+// The methods are the library's; the standard one takes one generator output for a number.
+TEST_F(DrawTest, MethodsByName) {
+  const std::string start = "gaussian --generator mcg59 --seed 9 --count 6 --method ";
+  const std::string inverted = Drawn("gaussian --generator mcg59 --seed 9 --count 6");
+  EXPECT_EQ(Drawn(start + "ICDF"), inverted);
+  EXPECT_NE(Drawn(start + "boxmuller"), inverted);
+  EXPECT_NE(Drawn(start + "boxmuller2"), Drawn(start + "boxmuller"));
+  const auto lines = Lines(inverted);
+  EXPECT_EQ(Lines(Drawn("gaussian --generator mcg59 --seed 9 --count 4 --skip 2")),
+            std::vector(lines.begin() + 2, lines.end()));
+}
+
 TEST_F(DrawTest, SeedWordsEndWhereAnythingElseBegins) {
   const std::string expected = Drawn("uniform --seed 1,2 --count 2");
   EXPECT_EQ(Drawn("--seed 1 2 uniform --count 2"), expected);
