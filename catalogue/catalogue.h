@@ -115,7 +115,8 @@ struct Generator {
 };
 
 // What a parameter has to be. All are finite.
-enum class Condition { Finite, Positive, Probability };
+// Count: an integer from 0 to 2^31 - 1.
+enum class Condition { Finite, Positive, Probability, Count };
 
 struct Parameter {
   std::string_view name;  // "beta"; empty beyond the last one

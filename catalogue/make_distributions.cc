@@ -94,6 +94,8 @@ std::string ConditionText(const quo::Parameter& p) {
       return "above 0";
     case quo::Condition::Probability:
       return "from 0 to 1";
+    case quo::Condition::Count:
+      return "an integer from 0 to 2147483647";
     default:
       return "finite";
   }

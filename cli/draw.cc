@@ -103,6 +103,10 @@ T ParameterOf(const DrawOptions& options, const quo::Parameter& parameter) {
   if (parameter.condition == quo::Condition::Probability && !(x >= 0 && x <= 1)) {
     Fail("--", name, " ", text, " is not a probability, from 0 to 1");
   }
+  if (parameter.condition == quo::Condition::Count &&
+      !(x >= 0 && static_cast<double>(x) <= 2147483647.0 && std::trunc(x) == x)) {
+    Fail("--", name, " ", text, " is not an integer from 0 to 2147483647");
+  }
   return x;
 }
 

@@ -222,6 +222,8 @@ QUO_BRNG_FUNCTIONS(MT19937)
  * different members are independent even when seeded alike. */
 QUO_BRNG_FUNCTIONS(MT2203)
 
+/* ---- Basic generators: quasi-random. ---- */
+
 /* ---- Abstract streams. ---- */
 
 /* A stream of numbers that the caller brings: it delivers from a circular buffer of the caller's,
@@ -468,6 +470,12 @@ QUO_API int32_t _quoiRngBernoulli(uint32_t method, StreamState* stream, int32_t 
  * is -2^31. (L. Devroye, Non-Uniform Random Variate Generation, Springer 1986, section X.2.) */
 QUO_API int32_t _quoiRngGeometric(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
                                   double p);
+
+/* ---- Distributions: gamma and beta. ---- */
+
+/* ---- Distributions: binomial and hypergeometric. ---- */
+
+/* ---- Distributions: Poisson and negative binomial. ---- */
 
 #ifdef __cplusplus
 }
