@@ -330,8 +330,8 @@ PEXQUO_API int _pexsAtanh_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsAtanh_HA(int32_t n, const float* a, float* r);
 
 /* Cosh: r[i] = the hyperbolic cosine of a. Reports overflow (code 3, result inf). Bounds in double:
-   HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA 0.50001 ulp, _21 2 ulp, _11 at least
-   11 bits. */
+   HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at
+   least 11 bits. */
 PEXQUO_API int _pexdCosh_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdCosh_50(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdCosh_HA(int32_t n, const double* a, double* r);
@@ -370,8 +370,8 @@ PEXQUO_API int _pexsErf_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsErf_HA(int32_t n, const float* a, float* r);
 
 /* Erfc: r[i] = 1 - the error function of a. Reports underflow (code 4, result subnormal or 0).
-   Bounds in double: HA 0.57 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA 0.50001 ulp, _21 2
-   ulp, _11 at least 11 bits. */
+   Bounds in double: HA 0.57 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded,
+   _21 2 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdErfc_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdErfc_50(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdErfc_HA(int32_t n, const double* a, double* r);

@@ -46,7 +46,11 @@ struct sErfcShort : sErfcCommon<float> {
   }
 };
 
+// Correctly rounded for all floats.
 struct sErfcHA : sErfcCommon<double> {
+  // 2^-300 less 2^-52 of it: -0x1.d93ec4p-17 has its result so close to the middle of two floats
+  // that it came out on the other side; this shift sends no other float there.
+  static constexpr double kScale = 0x1.ffffffffffffep-301;
   static constexpr int kUnroll = 6;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
@@ -65,7 +69,7 @@ struct sErfcHA : sErfcCommon<double> {
     ErfcScaled<ErfcTier::kLA, false>(dd, u, e);
     for (size_t k = 0; k < K; ++k) {
       const W y = ErfcOrRest<ErfcTier::kLA, true>(dd, hn::PromoteTo(dd, x[k]), e[k], 2.0);
-      out[k] = hn::DemoteTo(d, hn::Mul(y, hn::Set(dd, 0x1p-300)));
+      out[k] = hn::DemoteTo(d, hn::Mul(y, hn::Set(dd, kScale)));
     }
   }
 };
