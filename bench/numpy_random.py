@@ -36,6 +36,20 @@ ROWS = {
     "gumbel d": lambda g, n: g.gumbel(size=n),
     "geometric i": lambda g, n: g.geometric(0.3, size=n),
     "bernoulli i": lambda g, n: g.binomial(1, 0.3, size=n),
+    "gamma 0.5 d": lambda g, n: g.standard_gamma(0.5, size=n),
+    "gamma 2.5 d": lambda g, n: g.standard_gamma(2.5, size=n),
+    "gamma 0.5 f": lambda g, n: g.standard_gamma(0.5, size=n, dtype="float32"),
+    "gamma 2.5 f": lambda g, n: g.standard_gamma(2.5, size=n, dtype="float32"),
+    "beta 0.5,0.5 d": lambda g, n: g.beta(0.5, 0.5, size=n),
+    "beta 2.5,1.5 d": lambda g, n: g.beta(2.5, 1.5, size=n),
+    "binomial 20,0.3 i": lambda g, n: g.binomial(20, 0.3, size=n),
+    "binomial 1000,0.4 i": lambda g, n: g.binomial(1000, 0.4, size=n),
+    "poisson 3 ptpe i": lambda g, n: g.poisson(3, size=n),
+    "poisson 1000 ptpe i": lambda g, n: g.poisson(1000, size=n),
+    "hypergeometric 100,30,20 i": lambda g, n: g.hypergeometric(20, 80, 30, size=n),
+    "hypergeometric 100000,3000,40000 i": lambda g, n: g.hypergeometric(40000, 60000, 3000, size=n),
+    "negbinomial 5,0.4 i": lambda g, n: g.negative_binomial(5, 0.4, size=n),
+    "negbinomial 500,0.1 i": lambda g, n: g.negative_binomial(500, 0.1, size=n),
 }
 
 

@@ -3,6 +3,8 @@
 // GENERATOR/OUTPUT/pexquo/n:N, with "uniform d clamped" and "uniform f clamped" for the accurate
 // method, GENERATOR/OUTPUT/peer/NAME/n:N for engines with the same parameters, and
 // GENERATOR/OUTPUT/other/NAME/n:N for those with others.
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <iterator>
 #include <sstream>
@@ -48,9 +50,11 @@ void AddGenerator(const std::string& generator, StreamState* stream) {
   add("integers", [=](int n) { _quoiRngUniform(0, stream, n, i, 0, bench::kIntegers); });
 }
 
+// With the seed 1, quasi-random points with kPointDimension.
 StreamState* NewStream(int32_t id) {
   StreamState* stream = nullptr;
-  const uint32_t seed = 1;
+  const bool points = id == QUO_BRNG_SOBOL || id == QUO_BRNG_NIEDERR;
+  const uint32_t seed = points ? bench::kPointDimension : 1;
   const int status = __quoNewStreamEx(&stream, id, 1, &seed);
   if (status == QUO_OK) return stream;
   std::fprintf(stderr, "pexquo_bench_random: no stream of generator 0x%X: status %d\n",
@@ -58,10 +62,41 @@ StreamState* NewStream(int32_t id) {
   return nullptr;
 }
 
+// Distributions whose speed depends on their parameters: a small set and a large one, as the peers
+// have them.
+struct ParameterSet {
+  std::string_view distribution;
+  const char* name;
+  std::array<double, quo::kMaxParameters> parameters;
+};
+constexpr ParameterSet kSets[] = {
+    {"gamma", "0.5", {0.5, 0, 1}},
+    {"gamma", "2.5", {2.5, 0, 1}},
+    {"beta", "0.5,0.5", {0.5, 0.5, 0, 1}},
+    {"beta", "2.5,1.5", {2.5, 1.5, 0, 1}},
+    {"binomial", "20,0.3", {20, 0.3}},
+    {"binomial", "1000,0.4", {1000, 0.4}},
+    {"poisson", "3", {3}},
+    {"poisson", "1000", {1000}},
+    {"hypergeometric", "100,30,20", {100, 30, 20}},
+    {"hypergeometric", "100000,3000,40000", {100000, 3000, 40000}},
+    {"negbinomial", "5,0.4", {5, 0.4}},
+    {"negbinomial", "500,0.1", {500, 0.1}},
+};
+std::vector<ParameterSet> SetsOf(const quo::Distribution& d) {
+  std::vector<ParameterSet> sets;
+  std::copy_if(std::begin(kSets), std::end(kSets), std::back_inserter(sets),
+               [&](const ParameterSet& set) { return set.distribution == d.name; });
+  if (sets.empty()) sets.push_back({d.name, "", d.ShownParameters()});
+  return sets;
+}
+
 // "gaussian icdf" for the method 2, and the type as the peers' outputs have it.
-std::string OutputName(const quo::Distribution& d, std::string_view method, char type) {
-  return std::string(d.name) + " " + (method.empty() ? "" : std::string(method) + " ") +
-         (type == 's' ? 'f' : type);
+std::string OutputName(const ParameterSet& set, std::string_view method, char type) {
+  const auto word = [](std::string_view text) {
+    return text.empty() ? std::string() : std::string(text) + " ";
+  };
+  return word(set.distribution) + word(set.name) + word(method) + (type == 's' ? 'f' : type);
 }
 
 // The values of a distribution's methods with their names; a single one without a name.
@@ -77,15 +112,15 @@ void AddDistributions(StreamState* stream) {
   for (const quo::Sampler& sampler : quo::Samplers()) {
     const quo::Distribution& d = *sampler.distribution;
     if (d.name.starts_with("uniform")) continue;
-    uint32_t method = 0;
-    for (const std::string& name : Methods(d)) {
-      for (int n : kLengths) {
-        bench::Add("MT19937/" + OutputName(d, name, sampler.type) + "/pexquo", n, kNoUlp,
-                   [=, parameters = d.ShownParameters()] {
-                     sampler.draw(method, stream, n, r, parameters.data());
-                   });
+    for (const ParameterSet& set : SetsOf(d)) {
+      uint32_t method = 0;
+      for (const std::string& name : Methods(d)) {
+        for (int n : kLengths) {
+          bench::Add("MT19937/" + OutputName(set, name, sampler.type) + "/pexquo", n, kNoUlp,
+                     [=] { sampler.draw(method, stream, n, r, set.parameters.data()); });
+        }
+        ++method;
       }
-      ++method;
     }
   }
 }
@@ -110,6 +145,19 @@ void AddVectors(StreamState* stream, const char* output, auto kernel) {
   }
 }
 
+void AddVaryingPoisson(StreamState* stream) {
+  static const std::vector<double> means = [] {
+    std::vector<double> m(kLongest);
+    for (size_t i = 0; i < m.size(); ++i) m[i] = bench::VaryingMeans()[i % bench::kVaryingMeans];
+    return m;
+  }();
+  auto* const r = static_cast<int32_t*>(Results());
+  for (int n : kLengths) {
+    bench::Add("MT19937/poissonv i/pexquo", n, kNoUlp,
+               [=] { _quoiRngPoissonV(0, stream, n, r, means.data()); });
+  }
+}
+
 bool AddAll(const bench::Level&) {
   for (const quo::Generator& generator : quo::Generators()) {
     StreamState* const stream = NewStream(generator.id);
@@ -119,6 +167,7 @@ bool AddAll(const bench::Level&) {
   StreamState* const stream = NewStream(QUO_BRNG_MT19937);
   if (stream == nullptr) return false;
   AddDistributions(stream);
+  AddVaryingPoisson(stream);
   AddVectors<double>(stream, "d", _quodRngGaussianMV);
   AddVectors<float>(stream, "f", _quosRngGaussianMV);
   for (const bench::RandomPeer& peer : bench::RandomPeers()) {

@@ -3,14 +3,20 @@
 #include "bench/random_peers.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstdlib>
 #include <iterator>
 #include <random>
+#include <type_traits>
 
+#include <gsl/gsl_qrng.h>
 #include <gsl/gsl_randist.h>
 #include <gsl/gsl_rng.h>
 
 #include <boost/random.hpp>
+#include <boost/random/niederreiter_base2.hpp>
+#include <boost/random/sobol.hpp>
 
 #include "bench/wh_loop.h"
 #include "pexquo/quo.h"
@@ -183,6 +189,71 @@ struct BoostGeometric : boost::random::geometric_distribution<int32_t> {
   BoostGeometric() : geometric_distribution(0.3) {}
 };
 
+// Distributions with the parameters kA and kB, in the order of the base's constructor.
+#define SETS(Name, Base, Kind)                             \
+  template <typename T, auto... kParameters>               \
+  struct Name : Base<T> {                                  \
+    Name() : Base<T>(static_cast<Kind>(kParameters)...) {} \
+  };
+SETS(StdGamma, std::gamma_distribution, T)
+SETS(BoostGamma, boost::random::gamma_distribution, T)
+SETS(BoostBeta, boost::random::beta_distribution, T)
+SETS(StdPoisson, std::poisson_distribution, double)
+SETS(BoostPoisson, boost::random::poisson_distribution, double)
+#undef SETS
+// Of a count and a probability.
+#define COUNTED(Name, Base)                  \
+  template <int kCount, double kProbability> \
+  struct Name : Base {                       \
+    Name() : Base(kCount, kProbability) {}   \
+  };
+COUNTED(StdBinomial, std::binomial_distribution<int32_t>)
+COUNTED(BoostBinomial, boost::random::binomial_distribution<int32_t>)
+COUNTED(StdNegbinomial, std::negative_binomial_distribution<int32_t>)
+COUNTED(BoostNegbinomial, boost::random::negative_binomial_distribution<int32_t>)
+#undef COUNTED
+
+template <double kShape>
+double GslGamma(gsl_rng* g) {
+  return gsl_ran_gamma(g, kShape, 1);
+}
+template <double kP, double kQ>
+double GslBeta(gsl_rng* g) {
+  return gsl_ran_beta(g, kP, kQ);
+}
+template <unsigned kCount, double kProbability>
+unsigned GslBinomial(gsl_rng* g) {
+  return gsl_ran_binomial(g, kProbability, kCount);
+}
+template <double kMean>
+unsigned GslPoisson(gsl_rng* g) {
+  return gsl_ran_poisson(g, kMean);
+}
+template <unsigned kLot, unsigned kDrawn, unsigned kMarked>
+unsigned GslHypergeometric(gsl_rng* g) {
+  return gsl_ran_hypergeometric(g, kMarked, kLot - kMarked, kDrawn);
+}
+template <double kSuccesses, double kProbability>
+unsigned GslNegbinomial(gsl_rng* g) {
+  return gsl_ran_negative_binomial(g, kProbability, kSuccesses);
+}
+
+// A mean of its own for each number.
+template <class Distribution, class Engine>
+void FillPoissonV(int n, void* r) {
+  static Engine engine(1);
+  const double* const means = VaryingMeans();
+  auto* const out = static_cast<int32_t*>(r);
+  for (int i = 0; i < n; ++i) out[i] = Distribution(means[i % kVaryingMeans])(engine);
+}
+void FillGslPoissonV(int n, void* r) {
+  gsl_rng* const engine = Gsl<&gsl_rng_mt19937>();
+  const double* const means = VaryingMeans();
+  auto* const out = static_cast<int32_t*>(r);
+  for (int i = 0; i < n; ++i)
+    out[i] = static_cast<int32_t>(gsl_ran_poisson(engine, means[i % kVaryingMeans]));
+}
+
 double GslNormal(gsl_rng* g) { return gsl_ran_gaussian_ziggurat(g, 1); }
 double GslExponential(gsl_rng* g) { return gsl_ran_exponential(g, 1); }
 double GslLaplace(gsl_rng* g) { return gsl_ran_laplace(g, 1); }
@@ -243,7 +314,29 @@ constexpr PeerFill kBoost = Fill<BoostMt19937, T, Distribution>;
   {"MT19937", "gumbel " output, "std", false, kStd<T, Least<std::extreme_value_distribution<T>>>},         \
   {"MT19937", "gumbel " output, "Boost", false,                                                     \
    kBoost<T, Least<BoostLargest<T>>>},                                        \
-  {"MT19937", "gumbel " output, "GSL", false, kGsl<T, GslGumbel>}
+  {"MT19937", "gumbel " output, "GSL", false, kGsl<T, GslGumbel>},                                  \
+  {"MT19937", "gamma 0.5 " output, "std", false, kStd<T, StdGamma<T, 0.5>>},                        \
+  {"MT19937", "gamma 0.5 " output, "Boost", false, kBoost<T, BoostGamma<T, 0.5>>},                  \
+  {"MT19937", "gamma 0.5 " output, "GSL", false, kGsl<T, GslGamma<0.5>>},                           \
+  {"MT19937", "gamma 2.5 " output, "std", false, kStd<T, StdGamma<T, 2.5>>},                        \
+  {"MT19937", "gamma 2.5 " output, "Boost", false, kBoost<T, BoostGamma<T, 2.5>>},                  \
+  {"MT19937", "gamma 2.5 " output, "GSL", false, kGsl<T, GslGamma<2.5>>},                           \
+  {"MT19937", "beta 0.5,0.5 " output, "Boost", false, kBoost<T, BoostBeta<T, 0.5, 0.5>>},           \
+  {"MT19937", "beta 0.5,0.5 " output, "GSL", false, kGsl<T, GslBeta<0.5, 0.5>>},                    \
+  {"MT19937", "beta 2.5,1.5 " output, "Boost", false, kBoost<T, BoostBeta<T, 2.5, 1.5>>},           \
+  {"MT19937", "beta 2.5,1.5 " output, "GSL", false, kGsl<T, GslBeta<2.5, 1.5>>}
+#define BINOMIAL(set, n, p)                                                                         \
+  {"MT19937", "binomial " set " i", "std", false, kStd<int32_t, StdBinomial<n, p>>},                \
+  {"MT19937", "binomial " set " i", "Boost", false, kBoost<int32_t, BoostBinomial<n, p>>},          \
+  {"MT19937", "binomial " set " i", "GSL", false, kGsl<int32_t, GslBinomial<n, p>>}
+#define POISSON(set, mean)                                                                          \
+  {"MT19937", "poisson " set " i", "std", false, kStd<int32_t, StdPoisson<int32_t, mean>>},         \
+  {"MT19937", "poisson " set " i", "Boost", false, kBoost<int32_t, BoostPoisson<int32_t, mean>>},   \
+  {"MT19937", "poisson " set " i", "GSL", false, kGsl<int32_t, GslPoisson<mean>>}
+#define NEGBINOMIAL(set, a, p)                                                                      \
+  {"MT19937", "negbinomial " set " i", "std", false, kStd<int32_t, StdNegbinomial<a, p>>},          \
+  {"MT19937", "negbinomial " set " i", "Boost", false, kBoost<int32_t, BoostNegbinomial<a, p>>},    \
+  {"MT19937", "negbinomial " set " i", "GSL", false, kGsl<int32_t, GslNegbinomial<double{a}, p>>}
 // clang-format on
 
 const RandomPeer kDistributions[] = {
@@ -255,9 +348,80 @@ const RandomPeer kDistributions[] = {
     {"MT19937", "geometric i", "std", false, kStd<int32_t, StdGeometric>},
     {"MT19937", "geometric i", "Boost", false, kBoost<int32_t, BoostGeometric>},
     {"MT19937", "geometric i", "GSL", false, kGsl<int32_t, GslGeometric>},
+    BINOMIAL("20,0.3", 20, 0.3),
+    BINOMIAL("1000,0.4", 1000, 0.4),
+    POISSON("3", 3.0),
+    POISSON("1000", 1000.0),
+    {"MT19937", "poissonv i", "std", false,
+     FillPoissonV<std::poisson_distribution<int32_t>, StdMt19937>},
+    {"MT19937", "poissonv i", "Boost", false,
+     FillPoissonV<boost::random::poisson_distribution<int32_t>, BoostMt19937>},
+    {"MT19937", "poissonv i", "GSL", false, FillGslPoissonV},
+    {"MT19937", "hypergeometric 100,30,20 i", "GSL", false,
+     kGsl<int32_t, GslHypergeometric<100, 30, 20>>},
+    {"MT19937", "hypergeometric 100000,3000,40000 i", "GSL", false,
+     kGsl<int32_t, GslHypergeometric<100000, 3000, 40000>>},
+    NEGBINOMIAL("5,0.4", 5, 0.4),
+    NEGBINOMIAL("500,0.1", 500, 0.1),
+};
+
+// ---- Quasi-random points of kPointDimension coordinates, one after the other. ----
+
+template <class Base>
+struct Points : Base {
+  explicit Points(int) : Base(kPointDimension) {}
+};
+using BoostSobol = Points<boost::random::sobol>;
+using BoostNiederreiter = Points<boost::random::niederreiter_base2>;
+
+// Engines are kept from call to call, and started again before they have run out of points.
+template <class Engine, typename T>
+void FillPoints(int n, void* r) {
+  static Engine engine(1);
+  static int64_t left = 0;
+  if (left < n) {
+    engine = Engine(1);
+    left = int64_t{1} << 31;
+  }
+  left -= n;
+  T* out = static_cast<T*>(r);
+  for (int i = 0; i < n; ++i) {
+    if constexpr (std::is_integral_v<T>) {
+      out[i] = static_cast<T>(engine());
+    } else {
+      out[i] = boost::random::uniform_01<T>()(engine);
+    }
+  }
+}
+template <const gsl_qrng_type** type>
+void FillGslPoints(int n, void* r) {
+  static gsl_qrng* const engine = gsl_qrng_alloc(*type, kPointDimension);
+  auto* const out = static_cast<double*>(r);
+  for (int i = 0; i + kPointDimension <= n; i += kPointDimension) gsl_qrng_get(engine, out + i);
+}
+
+const RandomPeer kPoints[] = {
+    {"Sobol", "bits", "Boost", false, FillPoints<BoostSobol, uint32_t>},
+    {"Sobol", "uniform d", "Boost", false, FillPoints<BoostSobol, double>},
+    {"Sobol", "uniform f", "Boost", false, FillPoints<BoostSobol, float>},
+    {"Sobol", "uniform d", "GSL", false, FillGslPoints<&gsl_qrng_sobol>},
+    {"Niederr", "bits", "Boost", false, FillPoints<BoostNiederreiter, uint32_t>},
+    {"Niederr", "uniform d", "Boost", false, FillPoints<BoostNiederreiter, double>},
+    {"Niederr", "uniform f", "Boost", false, FillPoints<BoostNiederreiter, float>},
+    {"Niederr", "uniform d", "GSL", false, FillGslPoints<&gsl_qrng_niederreiter_2>},
 };
 
 }  // namespace
+
+const double* VaryingMeans() {
+  static const auto means = [] {
+    std::array<double, kVaryingMeans> m;
+    for (int i = 0; i < kVaryingMeans; ++i)
+      m[static_cast<size_t>(i)] = std::exp2((i * 389 % 1024) / 64.0 - 6);
+    return m;
+  }();
+  return means.data();
+}
 
 std::vector<RandomPeer> RandomPeers() {
   std::vector<RandomPeer> peers(std::begin(kEngines), std::end(kEngines));
@@ -267,6 +431,7 @@ std::vector<RandomPeer> RandomPeers() {
   peers.push_back({"WH", "uniform f", "plain loop", true, wh.floats});
   peers.push_back({"WH", "integers", "plain loop", true, wh.integers});
   peers.insert(peers.end(), std::begin(kDistributions), std::end(kDistributions));
+  peers.insert(peers.end(), std::begin(kPoints), std::end(kPoints));
   return peers;
 }
 

@@ -13,7 +13,8 @@ namespace bench {
 struct RandomPeer {
   const char* generator;  // as in the catalogue
   // What is drawn: "bits", "uniform d", "uniform f" on [0, 1), "integers" on [0, 100), or a
-  // distribution of the catalogue with the parameters shown there and the type d, f or i.
+  // distribution of the catalogue, with the parameters shown there or those in its name, and the
+  // type d, f or i.
   const char* output;
   const char* name;  // "Boost"; GSL's, which have other parameters, with the name of the engine
   bool same;         // the generator's own parameters, seed 1: the same sequence
@@ -21,6 +22,12 @@ struct RandomPeer {
 };
 
 inline constexpr int kVectorDimension = 4;  // of "gaussianmv"
+inline constexpr int kPointDimension = 8;   // of quasi-random points
+
+// The means of "poissonv", from 2^-6 to 2^10 in mixed order; number i has the mean i modulo their
+// count.
+inline constexpr int kVaryingMeans = 1024;
+const double* VaryingMeans();
 
 std::vector<RandomPeer> RandomPeers();
 

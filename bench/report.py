@@ -39,10 +39,12 @@ EP_GAIN = 1.2          # LA time over EP time, at least
 CALL_OVERHEAD = 10.0   # ns of a call of 1 to 15 elements beyond its elements
 # Peer's time over ours, at least: of generators, and of distributions, which are drawn on MT19937.
 RANDOM_GAIN = {"MCG31M1": 5.0, "MCG59": 3.0, "WH": 3.0, "R250": 3.0, "MRG32K3A": 4.0,
-               "MT19937": 3.0, "MT2203": 3.0}
+               "MT19937": 3.0, "MT2203": 3.0, "Sobol": 3.0, "Niederr": 3.0}
 DISTRIBUTION_GAIN = {"gaussian": 3.0, "gaussianmv": 8.0, "exponential": 3.0, "laplace": 3.0,
                      "weibull": 5.0, "cauchy": 5.0, "rayleigh": 3.0, "lognormal": 3.0,
-                     "gumbel": 5.0, "bernoulli": 4.0, "geometric": 5.0}
+                     "gumbel": 5.0, "bernoulli": 4.0, "geometric": 5.0, "gamma": 3.0, "beta": 3.0,
+                     "binomial": 3.0, "poisson": 3.0, "poissonv": 3.0, "hypergeometric": 3.0,
+                     "negbinomial": 3.0}
 # Complex functions: as fast as a copy but for this factor, or faster than std::complex by double (z)
 # and single (c).
 COPY_LIMIT = 1.2
@@ -183,7 +185,9 @@ def random_target(generator, output):
     if words[0] not in DISTRIBUTION_GAIN:
         return " ".join(words), RANDOM_GAIN.get(generator)
     without_target = " ".join(words[:-1]) in NO_TARGET
-    return f"{words[0]} {words[-1]}", None if without_target else DISTRIBUTION_GAIN[words[0]]
+    parameters = [word for word in words[1:-1] if word[0].isdigit()]  # "2.5,1.5", not a method's name
+    return (" ".join([words[0], *parameters, words[-1]]),
+            None if without_target else DISTRIBUTION_GAIN[words[0]])
 
 
 def random_rows(results, n):

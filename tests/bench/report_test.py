@@ -68,6 +68,8 @@ RANDOM = {
     "MT19937/gaussian icdf d/pexquo/n:1000": 1.2, "MT19937/gaussian boxmuller d/pexquo/n:1000": 2.0,
     "MT19937/gaussian d/other/Boost/n:1000": 3.6, "MT19937/gumbel f/pexquo/n:1000": 1.5,
     "MT19937/gumbel f/other/std/n:1000": 6.0,
+    "MT19937/poisson 3 ptpe i/pexquo/n:1000": 3.0, "MT19937/poisson 3 i/other/std/n:1000": 12.0,
+    "MT19937/poisson 1000 i/other/std/n:1000": 1.0,
 }
 
 COMPLEX = {
@@ -134,6 +136,7 @@ class Judging(unittest.TestCase):
             (("MT19937", "gaussian icdf d"), "Boost", 1 / 3),
             (("MT19937", "gaussian boxmuller d"), "Boost", None),
             (("MT19937", "gumbel f"), "std", 1 / 5),
+            (("MT19937", "poisson 3 ptpe i"), "std", 1 / 3),
         ]
         for row, peer, limit in cases:
             with self.subTest(row=row):
