@@ -14,6 +14,7 @@ import datetime
 import json
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -371,8 +372,59 @@ def random_plot(rows, title):
     return bars(f"{title}, arrays of 1000", clusters, log=True) if clusters else None
 
 
+# The functions of the picture of speed against accuracy.
+TIER_SHOWN = (("Exp", "d"), ("Ln", "d"), ("Sin", "d"), ("Pow", "d"), ("Exp", "s"), ("Sin", "s"))
+
+
+SUFFIXES = {("ep", "d"): "26", ("la", "d"): "50", ("ep", "s"): "11", ("la", "s"): "21"}
+
+
+def read_errors(path):
+    """{entry: largest measured error in ulp} of the accuracy document; correct bits are turned to ulp."""
+    errors = {}
+    try:
+        text = path.read_text()
+    except OSError as error:
+        raise Failure(f"{path}: {error.strerror}") from None
+    for entry, value, unit in re.findall(r"^\| `(_pex\w+)` \| [^|]+ \| ([\d.]+) (ulp|bits) \|", text, re.M):
+        digits = 53 if entry.startswith("_pexd") else 24
+        errors.setdefault(entry, float(value) if unit == "ulp" else 2 ** (digits - float(value)))
+    return errors
+
+
+def tier_plot(results, errors, title, n=1024):
+    """Time against error, a field for each function: our tiers joined by a line, and the peers."""
+    fields = []
+    for i, (function, kind) in enumerate(TIER_SHOWN):
+        entries = times_at(results, f"{function}/{kind}")
+        named = {t: f"_pex{kind}{function}_{SUFFIXES.get((t, kind), 'HA')}" for t in TIERS if t != "plain"}
+        ours = [(t.upper(), entries[t][n][0], errors[entry]) for t, entry in named.items()
+                if n in entries.get(t, {}) and entry in errors]
+        peers = [(p, *v[n]) for p, v in times_at(results, f"{function}/{kind}/peer").items() if n in v]
+        if not ours:
+            continue
+        rows = [f'{ns:.4g}\t{ulp:.4g}\t"{t}"' for t, ns, ulp in ours]
+        points = [f"$ours{i} using 1:2 with linespoints pt 7 lc rgb '{COLOURS[OURS]}' title 'pexquo'",
+                  f"$ours{i} using 1:2:3 with labels left offset 0.9,0.4 tc rgb '{COLOURS[OURS]}' notitle"]
+        for peer, ns, ulp in peers:
+            rows += ["EOD", f"$peer{i}{len(points)} << EOD", f"{ns:.4g}\t{ulp:.4g}"]
+            points.append(f"$peer{i}{len(points)} using 1:2 with points pt 5 lc rgb "
+                          f"'{COLOURS.get(peer, OTHER_COLOUR)}' title '{peer}'")
+        fields.append("\n".join([f"$ours{i} << EOD", *rows, "EOD", f'set title "{function}, {TYPES[kind]}"',
+                                 "plot " + ", ".join(points)]))
+    if not fields:
+        return None
+    data = 'set datafile separator "\\t"\n'
+    style = ("set logscale y\nset format y '%g'\nset xrange [0:*]\nset offsets 0, graph 0.15, graph 0.1, graph 0.1\n"
+             "set grid lc rgb '#dddddd'\nset border 3\nset tics nomirror\n"
+             "set xlabel 'ns per element'\nset ylabel 'largest error, ulp'\n"
+             f"set multiplot layout 2,3 title \"{title}: left and down is better\"\n")
+    return data + style + "\n".join(fields) + "\nunset multiplot\n"
+
+
 def draw(script, path):
-    head = f"set terminal svg size 1100,420 font 'sans,12'\nset output '{path}'\n"
+    height = 760 if "set multiplot" in script else 420
+    head = f"set terminal svg size 1100,{height} font 'sans,12'\nset output '{path}'\n"
     done = subprocess.run(["gnuplot"], input=head + script, text=True, capture_output=True, check=False)
     if done.returncode:
         raise Failure("gnuplot: " + (done.stderr.strip().splitlines() or ["failed"])[-1])
@@ -427,7 +479,7 @@ def machine_line(context):
     return f"Machine: {model}; compiler: {context.get('compiler', '?')}; date: {datetime.date.today()}."
 
 
-def document(levels, machine, repeats, milliseconds):
+def document(levels, machine, repeats, milliseconds, errors={}):
     """levels: {level: (results of the vector program, of the random program, of the complex one)}.
     Returns the text and {plot's file name: gnuplot script}."""
     parts, plots, falls_short = [], {}, []
@@ -443,9 +495,12 @@ def document(levels, machine, repeats, milliseconds):
                              ("random", random_plot(draws, f"Generators, {title}"))):
             if script:
                 plots[f"performance-{kind}-{level}.svg"] = script
+        tiers = tier_plot(vector, errors, f"pexquo's tiers and the peers, {title}")
+        if tiers:
+            plots[f"performance-tiers-{level}.svg"] = tiers
         picture = lambda kind: (f"![ns per element]({name})\n" if (name := f"performance-{kind}-{level}.svg") in plots else "")
         if rows:
-            parts += [f"## Vector math, {title}\n", picture("vector"),
+            parts += [f"## Vector math, {title}\n", picture("vector"), picture("tiers"),
                       "Under n = 16 and n = 100000: ours / the peer's.\n", columns(vector_table(rows))]
             calls = call_table(rows)
             if calls:
@@ -518,7 +573,8 @@ def main(arguments):
         levels[level] = measured
     if not context:
         raise Failure("no benchmark matches the filter")
-    text, plots = document(levels, machine_line(context), options.repeats, options.milliseconds)
+    text, plots = document(levels, machine_line(context), options.repeats, options.milliseconds,
+                           read_errors(options.output / "accuracy.md") if not options.print else {})
     if options.print:
         print(text)
         return
