@@ -574,7 +574,7 @@ def main(arguments):
     if not context:
         raise Failure("no benchmark matches the filter")
     text, plots = document(levels, machine_line(context), options.repeats, options.milliseconds,
-                           read_errors(options.output / "accuracy.md") if not options.print else {})
+                           {} if options.print else read_errors(root / "docs/accuracy.md"))
     if options.print:
         print(text)
         return

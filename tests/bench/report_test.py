@@ -147,6 +147,19 @@ class Judging(unittest.TestCase):
                           ("R250 bits beside GSL gfsr4", 0.4),
                           ("MT19937 gumbel f beside std", 0.25)])
 
+    def test_tiers_are_drawn_with_the_errors_of_the_accuracy_document(self):
+        with tempfile.TemporaryDirectory() as folder:
+            document = pathlib.Path(folder) / "accuracy.md"
+            document.write_text("| `_pexdExp_HA` | 0.55 ulp | 0.5095 ulp | wide |\n"
+                                "| `_pexdExp_26` | 26 bits | 30 bits | wide |\n"
+                                "| `_pexsExp_11` | 11 bits | 12.00 bits | wide |\n")
+            errors = report.read_errors(document)
+        self.assertEqual(errors, {"_pexdExp_HA": 0.5095, "_pexdExp_26": 2**23, "_pexsExp_11": 2**12})
+        script = report.tier_plot(results({"Exp/d/ha/n:1024": 0.75, "Exp/d/ep/n:1024": 0.5,
+                                           "Exp/d/la/n:1024": 0.6}), errors, "AVX2")
+        self.assertIn('0.75\t0.5095\t"HA"', script)
+        self.assertNotIn('"LA"', script)  # no error is known
+
     def test_complex_functions_are_held_against_a_copy_or_the_standard_library(self):
         rows = report.complex_rows(results(COMPLEX), 1024)
         self.assertEqual([(r.function, r.type, r.tier, r.peer, r.limit) for r in rows],
