@@ -60,6 +60,11 @@ double EstimateQuick(double y, float got, bool relative) {
 struct Tally {
   uint64_t wrong = 0, decided = 0;
   Worst worst;
+  // The last decided input's double reference and result. Where a function is flat, as acos next to
+  // 0, billions of inputs share both, and one decision serves: their errors agree to the
+  // reference's resolution.
+  double decided_y = std::numeric_limits<double>::quiet_NaN();
+  float decided_got = 0;
 };
 
 // The errors of one batch by the double reference; infinite where only the exact way can tell.
@@ -99,11 +104,14 @@ void Compare(const Batch& batch, const Entry& entry, const Oracle& oracle, int r
       continue;
     }
     const bool doubtful = !certain || (!same && held_to_half && tally.decided < kMostDecided);
-    if (!doubtful && !largest_yet) {
+    const bool as_before = batch.y[i] == tally.decided_y && SameBits(got, tally.decided_got);
+    if (!doubtful && (!largest_yet || as_before)) {
       tally.wrong += !same;
       continue;
     }
     ++tally.decided;
+    tally.decided_y = batch.y[i];
+    tally.decided_got = got;
     const Error error = ExactError(oracle, result, batch.a[i], 0, got, kSingle);
     tally.wrong += error.from_half > 0;
     const double value = relative ? error.relative : error.ulp;
