@@ -37,12 +37,15 @@ struct sAcosHA : Kernel<float, double> {
   static constexpr int kUnroll = 4;
   using Rarity = AboveOne<float>;
   static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
+  // The double above pi/2 instead of the one below, which is nearer: with that one 0x1.110b46p-26
+  // and 0x1.04c444p-12 come out in the middle of two floats and go to the even one, the wrong one.
+  static constexpr double kHalfPi = kPi / 2 + 0x1p-52;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     const hn::Rebind<double, D> wide;
     VecOf<decltype(wide)> v[K], w[K];
     for (size_t k = 0; k < K; ++k) v[k] = hn::PromoteTo(wide, x[k]);
-    PlainAcos(wide, v, kAsinHA, w);
+    PlainAcos(wide, v, kAsinHA, w, kHalfPi);
     for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, w[k]);
   }
 };

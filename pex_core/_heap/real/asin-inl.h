@@ -96,7 +96,8 @@ HWY_INLINE void PlainAsin(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (
 }
 
 template <class D, class V, size_t K, size_t N>
-HWY_INLINE void PlainAcos(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&r)[K]) {
+HWY_INLINE void PlainAcos(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&r)[K],
+                          hn::TFromD<D> half_pi = hn::TFromD<D>(kPi / 2)) {
   using T = hn::TFromD<D>;
   AsinParts<D> v[K];
   V up[K];
@@ -106,8 +107,7 @@ HWY_INLINE void PlainAcos(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (
     const V sum = hn::Add(lead, hn::Mul(lead, up[k]));
     const V turned = hn::Xor(sum, hn::And(x[k], hn::SignBit(d)));
     const V left = hn::IfNegativeThenElse(x[k], hn::Set(d, T(kPi)), hn::Zero(d));
-    r[k] =
-        hn::IfThenElse(v[k].large, hn::Add(left, turned), hn::Sub(hn::Set(d, T(kPi / 2)), turned));
+    r[k] = hn::IfThenElse(v[k].large, hn::Add(left, turned), hn::Sub(hn::Set(d, half_pi), turned));
   }
 }
 
