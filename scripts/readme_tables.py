@@ -2,6 +2,7 @@
 """Fills the measured tables of README.md from docs/accuracy.md and docs/performance.md."""
 import pathlib
 import re
+import statistics
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 COLUMNS = [("d", "HA"), ("d", "50"), ("d", "26"), ("s", "HA"), ("s", "21"), ("s", "11")]
@@ -92,9 +93,35 @@ def random():
     return table
 
 
+def ratios(cells, columns):
+    """Our time over the peer's, of rows that have a target."""
+    for row in cells:
+        ratio = re.fullmatch(r"\**([\d.]+)\**", row[columns["ratio"]])
+        if ratio and row[columns["target"]] != "-":
+            yield row, float(ratio[1])
+
+
+def numbers():
+    """Accuracy and speed of the whole in three lines."""
+    worst = max((float(cells[2].split()[0]), cells[0]) for cells in rows(ROOT / "docs/accuracy.md")
+                if re.fullmatch(r"`_pexd\w+_HA`", cells[0]) and len(cells) == 7)
+    cells, columns = performance_table("vector math, avx-512", "avx-512")
+    high = [ratio for row, ratio in ratios(cells, columns)
+            if row[columns["tier"]] == "HA" and row[columns["type"]] == "double"
+            and row[columns["peer"]].startswith("SLEEF")]
+    drawn = [ratio for _, ratio in ratios(*performance_table("generators, avx-512"))]
+    return [f"- **{worst[0]:.2f} ulp** is the largest error of any HA function in double precision, found"
+            f" against MPFR.",
+            f"- **{1 / statistics.geometric_mean(high):.1f} times** as fast as SLEEF's functions of 1.0 ulp: the"
+            f" {len(high)} HA functions in double precision that it has, by the geometric mean.",
+            f"- **{1 / statistics.geometric_mean(drawn):.1f} times** as fast as the fastest of the C++ library,"
+            f" Boost and GSL: generators and distributions, by the geometric mean of {len(drawn)}."]
+
+
 def main():
     readme = ROOT / "README.md"
     text = replace(readme.read_text(), "accuracy", accuracy())
+    text = replace(text, "numbers", numbers())
     text = replace(text, "speed", speed())
     readme.write_text(replace(text, "random", random()))
 
