@@ -224,6 +224,9 @@ QUO_BRNG_FUNCTIONS(MT2203)
 
 /* ---- Basic generators: quasi-random. ---- */
 
+QUO_BRNG_FUNCTIONS(Sobol)
+QUO_BRNG_FUNCTIONS(Niederr)
+
 /* ---- Abstract streams. ---- */
 
 /* A stream of numbers that the caller brings: it delivers from a circular buffer of the caller's,
