@@ -21,25 +21,40 @@ namespace quo::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// The base of the next block, or of the first one behind the last.
-HWY_INLINE void NextBlock(DigitalState& s) {
+// Moves the base of at least kWrap coordinates on to block `next`, which is not 0, and shows
+// visit(k, x) its vectors before that. The last of them runs over the base's end.
+template <class Visit>
+HWY_INLINE void StepBase(DigitalState& s, uint32_t next, Visit visit) {
   const WordTag d;
   static_assert(kWrap % kWordLanes == 0);
   uint32_t* const base = s.Base();
+  const uint32_t* const step = s.Step(static_cast<size_t>(std::countr_zero(next)));
+  HWY_UNROLL(4)
+  for (size_t k = 0; k < s.dimension; k += kWordLanes) {
+    const WordVec x = hn::LoadU(d, base + k);
+    visit(k, x);
+    hn::StoreU(hn::Xor(x, hn::LoadU(d, step + k)), d, base + k);
+  }
+}
+
+// The base of the next block, or of the first one behind the last.
+HWY_INLINE void NextBlock(DigitalState& s) {
+  uint32_t* const base = s.Base();
   const uint32_t next = (s.index >> s.log_block) + 1;
   s.index = next << s.log_block;
+  s.place = 0;
   if (s.index == 0) return SeekDigital(s, 1, 0);  // point 0 is passed over
-  const uint32_t* const step = s.Step(static_cast<size_t>(std::countr_zero(next)));
   if (s.dimension < kWrap) {
+    const uint32_t* const step = s.Step(static_cast<size_t>(std::countr_zero(next)));
     for (size_t k = 0; k < s.dimension; ++k) base[k] ^= step[k];
   } else {
-    // What is written behind the base is mended below.
-    for (size_t k = 0; k < s.dimension; k += kWordLanes) {
-      hn::StoreU(hn::Xor(hn::LoadU(d, base + k), hn::LoadU(d, step + k)), d, base + k);
-    }
+    StepBase(s, next, [](size_t, WordVec) HWY_ATTR {});
   }
   WrapBase(base, s.dimension);
 }
+
+inline constexpr size_t kFewOutputs = 5;
+inline constexpr size_t kRound = 4;  // vectors
 
 // `count` outputs from word p of the block on, of which `room` may be written: beyond the count
 // stands anything. Where the block is one point there is no table.
@@ -50,31 +65,42 @@ HWY_INLINE void Run(DigitalState& s, size_t p, size_t count, size_t room, typena
   const size_t d = s.dimension;
   const uint32_t* const base = s.Base();
   const uint32_t* table = s.Table() + p;
+  if (count < kFewOutputs) {
+    size_t o = s.place;
+    for (size_t i = 0; i < count; ++i) {
+      output.One(kTable ? base[o] ^ table[i] : base[o], r + i);
+      o = o + 1 == d ? 0 : o + 1;
+    }
+    return;
+  }
   const auto wrapped = [d](size_t o) HWY_ATTR { return std::min(o, o - d); };
   const auto words = [&](const uint32_t* from, size_t o) HWY_ATTR {
     const WordVec x = hn::LoadU(tag, base + o);
     return kTable ? hn::Xor(x, hn::LoadU(tag, from)) : x;
   };
-  // Into the point, modulo the dimension.
-  const size_t step1 = kWordLanes % d;
-  const size_t step2 = wrapped(step1 + step1), step3 = wrapped(step2 + step1);
-  const size_t step4 = wrapped(step3 + step1);
+  // Places in the point are modulo the dimension; from each, kWrap words can be read on.
+  constexpr size_t kPerWrap = kWrap / kWordLanes;
+  constexpr size_t kGroups = kRound / kPerWrap;
+  static_assert(kGroups * kPerWrap == kRound);
+  size_t steps[kGroups + 1] = {};
+  const size_t wrap = kWrap % s.dimension;
+  for (size_t g = 0; g < kGroups; ++g) steps[g + 1] = wrapped(steps[g] + wrap);
   size_t o = s.place;
   size_t vectors = std::min((count + kWordLanes - 1) / kWordLanes, room / kWordLanes);
-  size_t left = count - std::min(count, vectors * kWordLanes);
-  for (; vectors >= 4; vectors -= 4) {
-    const size_t o1 = wrapped(o + step1), o2 = wrapped(o + step2), o3 = wrapped(o + step3);
-    output.Put(words(table, o), r);
-    output.Put(words(table + kWordLanes, o1), r + kWordLanes);
-    output.Put(words(table + 2 * kWordLanes, o2), r + 2 * kWordLanes);
-    output.Put(words(table + 3 * kWordLanes, o3), r + 3 * kWordLanes);
-    o = wrapped(o + step4);
-    table += 4 * kWordLanes;
-    r += 4 * kWordLanes;
+  const size_t left = count - std::min(count, vectors * kWordLanes);
+  for (; vectors >= kRound; vectors -= kRound) {
+    for (size_t k = 0; k < kRound; ++k) {
+      const size_t at = wrapped(o + steps[k / kPerWrap]) + k % kPerWrap * kWordLanes;
+      output.Put(words(table + k * kWordLanes, at), r + k * kWordLanes);
+    }
+    o = wrapped(o + steps[kGroups]);
+    table += kRound * kWordLanes;
+    r += kRound * kWordLanes;
   }
+  const size_t step = kWordLanes % s.dimension;
   for (; vectors != 0; --vectors) {
     output.Put(words(table, o), r);
-    o = wrapped(o + step1);
+    o = wrapped(o + step);
     table += kWordLanes;
     r += kWordLanes;
   }
@@ -91,6 +117,14 @@ HWY_INLINE void GenerateDigital(DigitalState& s, size_t n, typename Output::T* r
   const uint32_t d = s.dimension;
   const size_t block = size_t{d} << s.log_block;
   while (n != 0) {
+    const size_t vectors_end = (d + kWordLanes - 1) / kWordLanes * kWordLanes;
+    if (s.log_block == 0 && s.place == 0 && d >= kWrap && n >= vectors_end &&
+        s.index != 0xFFFFFFFF) {
+      StepBase(s, ++s.index, [&](size_t k, WordVec x) HWY_ATTR { output.Put(x, r + k); });
+      n -= d;
+      r += d;
+      continue;
+    }
     const uint32_t point = s.index & ((1u << s.log_block) - 1);
     const size_t p = size_t{point} * d + s.place;
     const size_t count = std::min(n, block - p);
@@ -102,12 +136,11 @@ HWY_INLINE void GenerateDigital(DigitalState& s, size_t n, typename Output::T* r
     n -= count;
     r += count;
     if (p + count == block) {
-      s.place = 0;
       NextBlock(s);
     } else {
       const uint32_t end = s.place + static_cast<uint32_t>(count);
-      s.index += end / d;
-      s.place = end % d;
+      s.index += end < d ? 0 : end / d;
+      s.place = end < d ? end : end % d;
     }
   }
 }

@@ -1,6 +1,7 @@
 // The matrices of Niederreiter sequences, and the polynomials that users bring.
 //
-// Digits behind the point of a fraction of polynomials stand in a word, the first one lowest.
+// Digits behind the point of a fraction of polynomials stand in a word, the first one lowest. With
+// a polynomial of degree e the first 32 + e are made, of which rows of 32 need all but one.
 #include <algorithm>
 #include <bit>
 #include <utility>
@@ -18,18 +19,18 @@ uint64_t Divided(uint64_t f, uint32_t p) {
   const int e = gf2::Degree(p);
   const uint64_t lower = p ^ (uint64_t{1} << e);
   uint64_t digits = 0;
-  for (int n = 0; n + e < 64; ++n) {
+  for (int n = 0; n < kDigits; ++n) {
     const uint64_t digit = (f >> n ^ static_cast<uint64_t>(std::popcount(digits >> n & lower))) & 1;
     digits |= digit << (n + e);
   }
   return digits;
 }
 
-// All 64 digits of y/p from the first e.
+// The digits of y/p from the first e.
 uint64_t Continued(uint64_t digits, uint32_t p) {
   const int e = gf2::Degree(p);
   const uint64_t lower = p ^ (uint64_t{1} << e);
-  for (int n = 0; n + e < 64; ++n) {
+  for (int n = 0; n < kDigits; ++n) {
     digits |= static_cast<uint64_t>(std::popcount(digits >> n & lower) & 1) << (n + e);
   }
   return digits;
