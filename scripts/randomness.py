@@ -273,13 +273,13 @@ set tics 0.25 out nomirror format '%g'
 set grid lc rgb '#dddddd'
 unset key
 set title '{count} points of MT19937'
-plot '{random}' with points pt 7 ps 0.25 lc rgb '#b2182b'
+plot '{random}' with points pt 7 ps 0.35 lc rgb '#b2182b'
 set title '{count} points of Sobol, coordinates 1 and 2'
-plot '{sobol}' with points pt 7 ps 0.25 lc rgb '#2166ac'
+plot '{sobol}' with points pt 7 ps 0.35 lc rgb '#2166ac'
 """
 
 
-def draw_picture(program, file, count=512):
+def draw_picture(program, file, count=256):
     with tempfile.TemporaryDirectory() as folder:
         files = {}
         for name, generator in (("random", "mt19937"), ("sobol", "sobol")):
@@ -292,13 +292,13 @@ def draw_picture(program, file, count=512):
 QUASI_HEAD = "## Quasi-random points"
 QUASI = QUASI_HEAD + """
 
-Sobol and Niederr, `pexquo draw sobol --dimension 8`, are no random generators and would fail every
-test above: their points are as evenly spread as can be. Each coordinate of 2^m points in a row, from
+Sobol and Niederr, `pexquo draw sobol --dimension 8`, are no random generators, and the tests above are
+not for them: their points are as evenly spread as can be. Each coordinate of 2^m points in a row, from
 a multiple of 2^m on, falls once into each interval of length 2^-m, and boxes in several dimensions
-have their share likewise. A mean over n such points misses an integral by about 1/n, over random ones
-by 1/sqrt(n).
+have their share likewise. The mean of a smooth function of few coordinates over n such points misses
+its integral by little more than 1/n, over random ones by 1/sqrt(n).
 
-![512 points of the square, pseudo-random and of Sobol](quasi-points.svg)
+![256 points of the square, pseudo-random and of Sobol](quasi-points.svg)
 
 The star discrepancy of the first n points of the square, the greatest difference between the part of
 the points in a box from the origin and the area of the box:
@@ -310,8 +310,8 @@ the points in a box from the origin and the area of the box:
 So use them where an integral is wanted, with as many coordinates as one evaluation takes numbers
 (`draw gaussian --generator sobol --dimension 8` takes one for each, by inversion). Do not where numbers
 have to be independent, nor with a method that takes a varying number of them. Points are best taken by
-powers of 2, and the last coordinates are the worst: their pairs need more points to become even, and
-of a few points some pairs are no better than random ones.
+powers of 2. The last coordinates are the worst: some of their pairs need thousands of points to become
+even, and are worse than random ones before that.
 
 """
 PAIRS = [("MT19937", "mt19937", (1, 2)), ("Sobol 1, 2", "sobol", (1, 2)), ("Sobol 7, 8", "sobol", (7, 8)),
