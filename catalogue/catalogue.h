@@ -112,6 +112,12 @@ struct Generator {
   int32_t id = 0;         // new-scheme identifier of member 0
   int32_t members = 1;
   std::string_view what;
+
+  // Points as even as can be: its numbers are not like random ones, and its seed is a dimension.
+  constexpr bool is_quasi_random() const { return IsQuasiRandom(id); }
+  static constexpr bool IsQuasiRandom(int32_t identifier) {
+    return identifier == QUO_BRNG_SOBOL || identifier == QUO_BRNG_NIEDERR;
+  }
 };
 
 // What a parameter has to be. All are finite.

@@ -24,7 +24,8 @@ int Eval(const EvalOptions& options);
 // All as typed; empty where not given.
 struct DrawOptions {
   std::string distribution, generator, member, type, method, count;
-  std::string seeds;  // words separated by commas; the generator's own start when empty
+  std::string dimension;  // of quasi-random points
+  std::string seeds;      // words separated by commas; the generator's own start when empty
   std::map<std::string, std::string> parameters;
   std::string mean, factor, storage;  // of vectors
   bool accurate = false;

@@ -42,16 +42,17 @@ uint64_t CountOf(const std::string& text) {
   return count;
 }
 
-// Writes `count` rows of `columns` numbers that fill(n, x) supplies.
+// Writes `count` rows of `columns` numbers that fill(n, x) supplies, `rows` at a time.
 template <typename T, typename Fill>
-void DrawRows(const DrawOptions& options, uint64_t count, int columns, const Fill& fill) {
+void DrawRows(const DrawOptions& options, uint64_t count, int columns, const Fill& fill,
+              size_t rows = kBlock) {
   const Format format = FormatOf(options.format, options.output, true);
   try {
     Sink sink(options.output, format, columns, NpyShape{{count}, false});
     Progress progress(count, sink.is_terminal());
-    std::vector<T> block(kBlock * static_cast<size_t>(columns));
+    std::vector<T> block(rows * static_cast<size_t>(columns));
     for (uint64_t done = 0; done < count;) {
-      const auto n = static_cast<size_t>(std::min<uint64_t>(kBlock, count - done));
+      const auto n = static_cast<size_t>(std::min<uint64_t>(rows, count - done));
       fill(static_cast<int32_t>(n), block.data());
       sink.Write(block.data(), n);
       done += n;
@@ -124,12 +125,22 @@ uint32_t MethodOf(const DrawOptions& options, const quo::Distribution& d) {
   return static_cast<uint32_t>(method);
 }
 
+// Writes `count` numbers that fill(n, x) supplies, one a row; of quasi-random ones `count` points.
+template <typename T, typename Fill>
+void DrawPoints(const DrawOptions& options, const Stream& stream, uint64_t count,
+                const Fill& fill) {
+  const auto columns = std::max(static_cast<int32_t>(DimensionOf(stream)), 1);
+  DrawRows<T>(
+      options, count, columns, [&](int32_t n, T* x) { fill(n * columns, x); },
+      kBlock / static_cast<size_t>(columns));
+}
+
 using Parameters = std::array<double, quo::kMaxParameters>;
 
 template <typename T>
 void DrawNumbers(const DrawOptions& options, Stream& stream, uint64_t count,
                  const quo::Sampler& sampler, uint32_t method, const Parameters& parameters) {
-  DrawRows<T>(options, count, 1, [&](int32_t n, T* x) {
+  DrawPoints<T>(options, stream, count, [&](int32_t n, T* x) {
     Expect(sampler.draw(method, stream.state.get(), n, x, parameters.data()), stream,
            std::string(sampler.distribution->name));
   });
@@ -204,6 +215,7 @@ void DrawBits(const DrawOptions& options, const quo::Distribution& d, Stream& st
     Expect(_quoiRngUniformBits(0, stream.state.get(), n, words), stream, "uniformbits");
   };
   const auto words_each = static_cast<size_t>(stream.properties.WordBytes) / sizeof(uint32_t);
+  if (words_each == 1) return DrawPoints<uint32_t>(options, stream, count, bits);
   if (words_each != 2) {
     return DrawRows<uint32_t>(options, count, static_cast<int>(words_each), bits);
   }
@@ -289,6 +301,9 @@ const quo::Distribution& NamedDistribution(const DrawOptions& options) {
   if (d != nullptr) return *d;
   std::vector<std::string> known;
   for (const quo::Distribution& one : quo::Distributions()) known.emplace_back(one.name);
+  for (const quo::Generator& g : quo::Generators()) {
+    if (g.is_quasi_random()) known.push_back(Normalized(g.name));
+  }
   Fail("unknown distribution ", Quoted(options.distribution),
        Suggestion(options.distribution, known));
 }
@@ -312,21 +327,59 @@ Stream StreamOf(const DrawOptions& options) {
   if (options.load.empty()) {
     const std::string& generator =
         options.generator.empty() ? kStandardGenerator : options.generator;
-    return OpenStream(GeneratorId(generator, options.member), generator, SeedWords(options.seeds));
+    const int32_t id = GeneratorId(generator, options.member);
+    if (options.dimension.empty()) return OpenStream(id, generator, SeedWords(options.seeds));
+    const uint32_t dimension = DimensionWord(options.dimension, id, generator);
+    if (!options.seeds.empty()) {
+      Fail("the dimension is the first seed word: give --dimension or --seed");
+    }
+    return OpenStream(id, generator, {dimension});
   }
   if (!options.generator.empty() || !options.member.empty() || !options.seeds.empty()) {
     Fail("--load brings the generator and its state: leave --generator, --member and --seed out");
   }
+  if (!options.dimension.empty()) Fail("--load brings the dimension: leave --dimension out");
   return LoadStream(options.load);
+}
+
+// The quasi-random generator that stands in place of a distribution; null for none.
+const quo::Generator* GeneratorAsDistribution(const std::string& distribution) {
+  for (const quo::Generator& g : quo::Generators()) {
+    if (g.is_quasi_random() && Normalized(distribution) == Normalized(g.name)) return &g;
+  }
+  return nullptr;
+}
+
+// Such a generator draws its uniform points.
+DrawOptions Resolved(DrawOptions options) {
+  const quo::Generator* const g = GeneratorAsDistribution(options.distribution);
+  if (g == nullptr) return options;
+  if (!options.generator.empty()) {
+    Fail(options.distribution, " is a generator itself: leave --generator out, or draw uniform");
+  }
+  options.distribution = "uniform";
+  if (options.load.empty()) options.generator = Normalized(g->name);
+  return options;
+}
+
+void ExpectGenerator(const Stream& stream, const quo::Generator* g) {
+  if (g == nullptr) return;
+  BrngProperties properties{};
+  __quoGetBrngProperties(g->id, &properties);
+  if (stream.properties.iBRng != properties.iBRng) {
+    Fail("--load brings another generator than ", Normalized(g->name));
+  }
 }
 
 }  // namespace
 
-int Draw(const DrawOptions& options) {
+int Draw(const DrawOptions& given) {
+  const DrawOptions options = Resolved(given);
   const quo::Distribution& d = NamedDistribution(options);
   CheckOptions(options, d);
   const uint64_t count = CountOf(options.count);
   Stream stream = StreamOf(options);
+  ExpectGenerator(stream, GeneratorAsDistribution(given.distribution));
   if (!options.leapfrog.empty()) Leapfrog(stream, options.leapfrog);
   if (!options.skip.empty()) SkipAhead(stream, options.skip);
   if (d.name == "uniform") {

@@ -74,13 +74,20 @@ void AddEval(CLI::App* command, EvalOptions* o) {
 }
 
 void AddDraw(CLI::App* command, DrawOptions* o) {
-  command->add_option("distribution", o->distribution, "See pexquo list distributions")->required();
+  command
+      ->add_option("distribution", o->distribution,
+                   "See pexquo list distributions; sobol and niederr: uniform points")
+      ->required();
   command->add_option(
       "--generator", o->generator,
       "Name, name:member or identifier, see pexquo list generators; mcg59 if not given");
   command->add_option("--member", o->member, "Member of a family of generators");
   command->add_option("--seed", o->seeds, "Seed words of 32 bits, by blanks or commas");
-  command->add_option("--count", o->count, "How many numbers, such as 1000 or 1e9")->required();
+  command->add_option(
+      "--dimension", o->dimension,
+      "Coordinates of a point of sobol or niederr, one point a row; 1 if not given");
+  command->add_option("--count", o->count, "How many numbers, or points, such as 1000 or 1e9")
+      ->required();
   std::map<std::string, std::string> help;  // of each parameter, by its distributions
   for (const quo::Distribution& d : quo::Distributions()) {
     for (const quo::Parameter& p : d.parameters) {
@@ -101,7 +108,7 @@ void AddDraw(CLI::App* command, DrawOptions* o) {
   command->add_option("--type", o->type, "d, s or i: double (the default), single, 32-bit integer");
   command->add_flag("--accurate", o->accurate, "Keep every number within the bounds");
   command->add_option("--leapfrog", o->leapfrog, "K/S: every S-th number from the K-th on");
-  command->add_option("--skip", o->skip, "Numbers to pass over first (after --leapfrog)");
+  command->add_option("--skip", o->skip, "Numbers, or points, to pass over (after --leapfrog)");
   command->add_option("--save", o->save, "File for the stream's state after the last number");
   command->add_option("--load", o->load, "Saved state to go on from, instead of a new stream");
   AddOutput(command, &o->output, &o->format, "text, npy or raw (little-endian)");
@@ -112,7 +119,8 @@ void AddDraw(CLI::App* command, DrawOptions* o) {
       "  pexquo draw uniformbits --generator wh:17 --count 1e12 --format raw | battery\n"
       "  pexquo draw gaussian --generator mt19937 --a 10 --sigma 2 --count 1e6 --save s.quo\n"
       "  pexquo draw gaussian --load s.quo --a 10 --sigma 2 --count 1e6\n"
-      "  pexquo draw gaussianmv --mean 0,1 --factor 1,0,0.5,2 --count 5");
+      "  pexquo draw gaussianmv --mean 0,1 --factor 1,0,0.5,2 --count 5\n"
+      "  pexquo draw sobol --dimension 8 --count 1024 -o points.npy");
 }
 
 std::vector<std::string> CommandNames(const CLI::App& app) {

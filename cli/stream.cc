@@ -1,5 +1,7 @@
 #include "cli/stream.h"
 
+#include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <system_error>
@@ -19,6 +21,8 @@ const char* Meaning(int32_t status) {
   switch (status) {
     case QUO_BAD_METHOD:
       return "unknown method";
+    case QUO_BAD_ARGUMENT:
+      return "the seed words are no sound set";
     case QUO_NO_MEMORY:
       return "not enough memory";
     case QUO_INVALID_BRNG:
@@ -42,6 +46,11 @@ const char* Meaning(int32_t status) {
     default:
       return "the generator failed";
   }
+}
+
+// The most coordinates of a quasi-random generator's points, 0 of any other generator.
+uint32_t MostDimensions(const BrngProperties& g) {
+  return g.iBRng == __quoiBRngSobol ? 40 : g.iBRng == __quoiBRngNiederr ? 318 : 0;
 }
 
 const quo::Generator& NamedGenerator(const std::string& name) {
@@ -111,6 +120,29 @@ std::vector<uint32_t> SeedWords(const std::string& words) {
   return seeds;
 }
 
+uint32_t DimensionWord(const std::string& text, int32_t id, const std::string& generator) {
+  BrngProperties properties{};
+  __quoGetBrngProperties(id, &properties);
+  const uint32_t most = MostDimensions(properties);
+  if (most == 0) {
+    Fail("--dimension is for sobol and niederr; ", generator, " has no points of a dimension");
+  }
+  int64_t dimension = 0;
+  if (ParseInteger(text, 1, most, &dimension) != Parsed::Ok) {
+    Fail("--dimension ", Quoted(text), " is no number of coordinates; ", generator,
+         " has from 1 to ", most);
+  }
+  return static_cast<uint32_t>(dimension);
+}
+
+uint32_t DimensionOf(const Stream& stream) {
+  const uint32_t most = MostDimensions(stream.properties);
+  if (most == 0) return 0;
+  uint32_t dimension;  // the first word of the state; what is no dimension counts as 1
+  std::memcpy(&dimension, stream.state.get() + 1, sizeof(dimension));
+  return dimension - 1 < most ? dimension : 1;
+}
+
 void Expect(int32_t status, const Stream& stream, const std::string& what) {
   if (status == QUO_OK) return;
   Fail(what, " with generator ", stream.generator, ": ", Meaning(status), " (status ", status, ")");
@@ -171,7 +203,10 @@ void SkipAhead(Stream& stream, const std::string& count) {
   if (ParseUnsigned(count, &n) != Parsed::Ok) {
     Fail("--skip ", Quoted(count), " is not a count from 0 to 2^64 - 1");
   }
-  Expect(__quoSkipAheadStream(stream.state.get(), n), stream, "skip");
+  // Of points all coordinates, one after the other as their product may be beyond 64 bits.
+  for (uint32_t k = std::max(DimensionOf(stream), 1u); k > 0; --k) {
+    Expect(__quoSkipAheadStream(stream.state.get(), n), stream, "skip");
+  }
 }
 
 }  // namespace cli

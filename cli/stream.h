@@ -26,6 +26,10 @@ struct Stream {
 int32_t GeneratorId(const std::string& generator, const std::string& member);
 // Seed words of 32 bits, separated by commas, in the order the generator takes them; none for "".
 std::vector<uint32_t> SeedWords(const std::string& words);
+// The seed word of a quasi-random generator for points of so many coordinates.
+uint32_t DimensionWord(const std::string& text, int32_t id, const std::string& generator);
+// The coordinates of a point that a quasi-random stream delivers; 0 of any other stream.
+uint32_t DimensionOf(const Stream& stream);
 Stream OpenStream(int32_t id, const std::string& generator, const std::vector<uint32_t>& seeds);
 // A stream as SaveStream wrote it.
 Stream LoadStream(const std::string& path);
@@ -33,7 +37,7 @@ Stream LoadStream(const std::string& path);
 void SaveStream(const Stream& stream, const std::string& path);
 // Keeps every s-th number from the k-th on, by "k/s", k counted from 0.
 void Leapfrog(Stream& stream, const std::string& k_of_s);
-// Passes over a count of numbers.
+// Passes over a count of numbers, of quasi-random ones of points.
 void SkipAhead(Stream& stream, const std::string& count);
 // Ends in a Failure unless `status` is 0.
 void Expect(int32_t status, const Stream& stream, const std::string& what);

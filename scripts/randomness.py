@@ -1,20 +1,23 @@
 #!/usr/bin/env python3
 """Puts every generator through dieharder and a few checks of its own; writes docs/randomness.md.
 
-    scripts/randomness.py [--full] [--program PATH] [--only NAME ...]
+    scripts/randomness.py [--full] [--program PATH] [--only NAME ...] [--quasi]
 
 Needs the program `pexquo` built and the Debian package dieharder, which nothing else needs. Takes
 about 70 seconds of one core for each source; --full runs all of dieharder (hours). --only takes
-sources by name, prints what it finds and leaves the document alone.
+sources by name, prints what it finds and leaves the document alone; --quasi needs no dieharder and
+renews the section on quasi-random points and its picture (by gnuplot).
 """
 import argparse
 import array
+import bisect
 import contextlib
 import datetime
 import pathlib
 import shutil
 import subprocess
 import sys
+import tempfile
 import textwrap
 import threading
 import time
@@ -234,6 +237,105 @@ def alike_uniforms(program, members=65):
         yield k, sum(min(g, 1 - g) for g in gaps) / len(gaps)
 
 
+# ---- Quasi-random points. ----
+
+def points(program, generator, count, coordinates):
+    """Two coordinates, counted from 1, of the first points."""
+    if generator == "mt19937":
+        u = drawn(program, generator, ["uniform"], 2 * count, "d")
+        return list(zip(u[::2], u[1::2]))
+    arguments = [program, "draw", generator, "--dimension", str(max(coordinates)), "--count", str(count)]
+    rows = subprocess.run(arguments, check=True, capture_output=True, text=True).stdout.splitlines()
+    return [tuple(float(row.split("\t")[k - 1]) for k in coordinates) for row in rows]
+
+
+def star_discrepancy(pairs):
+    """The greatest difference between the part of the points in a box from the origin and its area."""
+    pairs = sorted(pairs)
+    heights, most = [0.0, 1.0], 0.0
+    for i in range(len(pairs) + 1):
+        left = pairs[i - 1][0] if i else 0.0
+        right = pairs[i][0] if i < len(pairs) else 1.0
+        for k in range(len(heights) - 1):
+            most = max(most, k / len(pairs) - left * heights[k], right * heights[k + 1] - k / len(pairs))
+        if i < len(pairs):
+            bisect.insort(heights, pairs[i][1])
+    return most
+
+
+PLOT = """set terminal svg size 760,400 font 'sans,12' background 'white' noenhanced
+set output '{file}'
+set multiplot layout 1,2
+set size square
+set xrange [0:1]
+set yrange [0:1]
+set tics 0.25 out nomirror format '%g'
+set grid lc rgb '#dddddd'
+unset key
+set title '{count} points of MT19937'
+plot '{random}' with points pt 7 ps 0.35 lc rgb '#b2182b'
+set title '{count} points of Sobol, coordinates 1 and 2'
+plot '{sobol}' with points pt 7 ps 0.35 lc rgb '#2166ac'
+"""
+
+
+def draw_picture(program, file, count=256):
+    with tempfile.TemporaryDirectory() as folder:
+        files = {}
+        for name, generator in (("random", "mt19937"), ("sobol", "sobol")):
+            files[name] = f"{folder}/{name}"
+            lines = (f"{x!r} {y!r}\n" for x, y in points(program, generator, count, (1, 2)))
+            pathlib.Path(files[name]).write_text("".join(lines))
+        subprocess.run(["gnuplot"], check=True, text=True, input=PLOT.format(file=file, count=count, **files))
+
+
+QUASI_HEAD = "## Quasi-random points"
+QUASI = QUASI_HEAD + """
+
+Sobol and Niederr, `pexquo draw sobol --dimension 8`, are no random generators, and the tests above are
+not for them: their points are as evenly spread as can be. Each coordinate of 2^m points in a row, from
+a multiple of 2^m on, falls once into each interval of length 2^-m, and boxes in several dimensions
+have their share likewise. The mean of a smooth function of few coordinates over n such points misses
+its integral by little more than 1/n, over random ones by 1/sqrt(n).
+
+![256 points of the square, pseudo-random and of Sobol](quasi-points.svg)
+
+The star discrepancy of the first n points of the square, the greatest difference between the part of
+the points in a box from the origin and the area of the box:
+
+| n | {sources} |
+|---:|{rules}|
+{lines}
+
+So use them where an integral is wanted, with as many coordinates as one evaluation takes numbers
+(`draw gaussian --generator sobol --dimension 8` takes one for each, by inversion). Do not where numbers
+have to be independent, nor with a method that takes a varying number of them. Points are best taken by
+powers of 2. The last coordinates are the worst: some of their pairs need thousands of points to become
+even, and are worse than random ones before that.
+
+"""
+PAIRS = [("MT19937", "mt19937", (1, 2)), ("Sobol 1, 2", "sobol", (1, 2)), ("Sobol 7, 8", "sobol", (7, 8)),
+         ("Sobol 39, 40", "sobol", (39, 40)), ("Niederr 7, 8", "niederr", (7, 8)),
+         ("Niederr 317, 318", "niederr", (317, 318))]
+
+
+def quasi_section(program):
+    draw_picture(program, ROOT / "docs/quasi-points.svg")
+    lines = []
+    for count in (64, 256, 1024, 4096):
+        lines.append([str(count)] + [f"{star_discrepancy(points(program, generator, count, pair)):.4f}"
+                                     for _, generator, pair in PAIRS])
+    return QUASI.format(sources=" | ".join(name for name, _, _ in PAIRS), lines=table(lines),
+                        rules="|".join(["---:"] * len(PAIRS)))
+
+
+def replace_quasi_section(program):
+    file = ROOT / "docs/randomness.md"
+    before, _, rest = file.read_text().partition(QUASI_HEAD)
+    after = rest[rest.index("\n## "):]
+    file.write_text(before + wrapped(quasi_section(program).rstrip()) + "\n" + after)
+
+
 # ---- The document. ----
 
 HEAD = """# How random are the generators?
@@ -347,6 +449,7 @@ def document(program, found, full):
     text += ADVICE.format(
         words=table([f"{a} to {b - 1}", f"{alike_words(program, a, b):.4f}"] for a, b in blocks),
         draws=table([str(k), f"{d:.4f}"] for k, d in alike_uniforms(program)))
+    text += quasi_section(program)
     text += "## Test by test\n"
     for name, _, _, fed, known in SOURCES:
         if name in found:
@@ -362,7 +465,11 @@ def main():
     parser.add_argument("--program", default=str(ROOT / "build/release/bin/pexquo"))
     parser.add_argument("--only", nargs="+", metavar="NAME", help="sources: "
                         + "; ".join(s[0] for s in SOURCES))
+    parser.add_argument("--quasi", action="store_true", help="renew the section on quasi-random points alone")
     options = parser.parse_args()
+    if options.quasi:
+        replace_quasi_section(options.program)
+        return
     if not shutil.which("dieharder"):
         sys.exit("dieharder is missing: apt-get install dieharder")
     if not shutil.which(options.program):

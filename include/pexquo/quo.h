@@ -23,7 +23,7 @@ extern "C" {
 
 #define QUO_OK 0
 #define QUO_BAD_METHOD (-2)      /* InitStream: unknown method */
-#define QUO_BAD_ARGUMENT (-3)    /* abstract streams: bad argument */
+#define QUO_BAD_ARGUMENT (-3)    /* abstract streams: bad argument; seeding: malformed set */
 #define QUO_NO_MEMORY (-4)       /* an allocation failed */
 #define QUO_NULL_FUNCTION (-5)   /* registration: a null slot; abstract stream: a null buffer */
 #define QUO_INVALID_BRNG (-1000) /* no such generator or member */
@@ -129,8 +129,8 @@ QUO_API int32_t __quoRegisterBrng(const BrngProperties* record);
 QUO_API int32_t __quoAllocateStream(StreamState** stream, const BrngProperties* table, int32_t id,
                                     int32_t row, int32_t member);
 /* Creates and seeds a stream with n seed words. -1000 (also for the abstract identifiers), -4, or
- * the generator's own status (-1000 from a row whose generator is not there yet). After an error
- * the pointer is null or, if the generator refused, the stream: __quoDeleteStream serves both. */
+ * the generator's own status. After an error the pointer is null or, if the generator refused, the
+ * stream: __quoDeleteStream serves both. */
 QUO_API int32_t __quoNewStreamEx(StreamState** stream, int32_t id, int32_t n,
                                  const uint32_t* params);
 /* Frees a stream with its chunks and sets the pointer to null; nothing if it is null already; 0. */
@@ -223,6 +223,62 @@ QUO_BRNG_FUNCTIONS(MT19937)
 QUO_BRNG_FUNCTIONS(MT2203)
 
 /* ---- Basic generators: quasi-random. ---- */
+
+/* Points of the unit cube as evenly spread as can be, which random points are not: of the first n
+ * points, or of 2^m from a multiple of 2^m on, every box has its share but for some (log n)^s / n.
+ * Integration by them converges faster than by random ones; statistics that need independence do
+ * not take them. Both are digital sequences in base 2 of 32 bits in Gray-code order
+ * (I. A. Antonov, V. M. Saleev, USSR Comput. Math. Math. Phys. 19 (1979) 252-256).
+ *
+ * Outputs are the coordinates of a point, one after the other, and then those of the next point,
+ * however requests are split. The integer output is a word w from 1 to 2^32 - 1, the uniform is
+ * w ((b - a) 2^-32) + a, product and sum each rounded in double, the float once more at the end
+ * (where it may become b). Point 0, the origin, is passed over: the first point is that of index 1,
+ * (1/2, 1/2 ...) of the Sobol sequence. After the 2^32 - 1 points of index 1 to 2^32 - 1, in which
+ * each coordinate takes every value from 1 to 2^32 - 1 once, point 1 comes again. A run of 2^m
+ * points that is a net begins at an index that is a multiple of 2^m: skip 2^m - 1 points first.
+ *
+ * Seed words: the first is the dimension s, the number of coordinates; none, 0 or one above the
+ * most counts as 1. Further words are a user's set in place of the built-in one (below); the stream
+ * keeps all seed words as a chunk. -3: a malformed set, -4: no memory for the chunk, and a stream
+ * in use stays as it was; a new one is good for deletion only. Seeding anew without a set deletes
+ * the chunk.
+ *
+ * Skip-ahead moves on by any 64-bit count of outputs, coordinates, exactly. Leapfrog of stream k of
+ * s streams, s the dimension and k below it, makes a stream of one dimension, coordinate k alone,
+ * from its first value not yet delivered; any other k and s: -1002. Other methods: -2, and then the
+ * stream stays as it was. Generation returns 0; a count of 0 or less draws nothing. A state of
+ * other content, as a file may bring, draws something without leaving its bounds.
+ *
+ * The state: dimension s, q, index of the point to deliver from, number of the coordinate that is
+ * next (unsigned 32-bit); then what places points, in blocks of 2^q. */
+
+/* Up to 40 coordinates. Coordinate 0 has the identity as its generating matrix; the others come by
+ * Sobol's recurrence from the primitive polynomials in order of degree and value, with the initial
+ * numbers of S. Joe, F. Y. Kuo, SIAM J. Sci. Comput. 30 (2008) 2635-2654 (new-joe-kuo-6). s
+ * coordinates are a (t, s)-sequence in base 2 with t the sum of the degrees less 1 behind
+ * coordinate 0; each coordinate is a (0, 1)-sequence.
+ *
+ * A user's set (chunk key 9) is one group of words for each of the s coordinates, one behind the
+ * other, none left over. A group is
+ *   p, m_1 .. m_e   p a primitive polynomial over GF(2), bit k the coefficient of x^k, of degree e
+ *                   from 1 to 31; m_k odd and below 2^k;
+ *   1               the identity;
+ *   0, v_1 .. v_32  the direction numbers themselves, v_k an odd multiple of 2^(32-k).
+ * No polynomial, nor the identity by 1, may stand twice. */
+QUO_BRNG_FUNCTIONS(Sobol)
+/* Up to 318 coordinates. Coordinate i has the irreducible polynomial p of number i in order of
+ * degree and value, x the first; row Q e + u of its matrix holds the digits of x^u y / p^(Q+1), e
+ * the degree and u below it: H. Niederreiter, J. Number Theory 30 (1988) 51-70. s coordinates are a
+ * (t, s)-sequence in base 2 with t the sum of their e - 1. The numerator y, free in the method, is
+ * one with which the continued fraction of y/p has partial quotients of degree 1 (J. P. Mesirov,
+ * M. M. Sweet, J. Number Theory 27 (1987) 144-148), of two the greater y/p, read as a binary
+ * fraction: it makes each coordinate a (0, 1)-sequence. The other usual choice, all first digits 1,
+ * does not; it has other points from the third coordinate on.
+ *
+ * A user's set (chunk key 10) is s words, irreducible polynomials of degree 1 to 31, all different,
+ * bit k the coefficient of x^k. */
+QUO_BRNG_FUNCTIONS(Niederr)
 
 /* ---- Abstract streams. ---- */
 

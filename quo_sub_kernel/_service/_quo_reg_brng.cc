@@ -3,15 +3,7 @@
 
 namespace {
 
-// ---- The slots of a generator that has a row but no code: they refuse and touch nothing. ----
-
-int32_t NoInitStream(int32_t, StreamState*, int32_t, const uint32_t*) { return QUO_INVALID_BRNG; }
-int32_t NoSingle(StreamState*, int32_t, float*, float, float) { return QUO_INVALID_BRNG; }
-int32_t NoDouble(StreamState*, int32_t, double*, double, double) { return QUO_INVALID_BRNG; }
-int32_t NoInteger(StreamState*, int32_t, uint32_t*) { return QUO_INVALID_BRNG; }
-
 #define QUO_SLOTS(G) __quoBRng##G##InitStream, __quosBRng##G, __quodBRng##G, __quoiBRng##G
-#define QUO_NO_SLOTS NoInitStream, NoSingle, NoDouble, NoInteger
 
 // ---- The built-in generators. ----
 //                               StateSize SeedCount ZeroPossible WordBytes BitCount
@@ -22,8 +14,8 @@ constexpr BrngProperties kMRG32K3A = {40, 6, 1, 4, 32, QUO_SLOTS(MRG32K3A)};
 
 constexpr BrngProperties kMCG59 = {32, 1, 0, 8, 59, QUO_SLOTS(MCG59)};
 constexpr BrngProperties kWH = {48, 4, 1, 16, 24, QUO_SLOTS(WH)};
-constexpr BrngProperties kSobol = {10592, 2604, 0, 4, 32, QUO_NO_SLOTS};
-constexpr BrngProperties kNiederr = {43280, 10498, 0, 4, 32, QUO_NO_SLOTS};
+constexpr BrngProperties kSobol = {10592, 2604, 0, 4, 32, QUO_SLOTS(Sobol)};
+constexpr BrngProperties kNiederr = {43280, 10498, 0, 4, 32, QUO_SLOTS(Niederr)};
 
 constexpr BrngProperties kMT19937 = {2520, 625, 1, 4, 32, QUO_SLOTS(MT19937)};
 constexpr BrngProperties kMT2203 = {312, 70, 1, 4, 32, QUO_SLOTS(MT2203)};

@@ -111,6 +111,39 @@ TEST_F(DrawTest, SkipAndLeapfrogPickFromTheSameSequence) {
   }
 }
 
+// A generator of points: one a row, of as many coordinates as asked for.
+TEST_F(DrawTest, QuasiRandomPoints) {
+  EXPECT_EQ(Drawn("sobol --dimension 3 --count 4"),
+            "0.5\t0.5\t0.5\n0.75\t0.25\t0.25\n0.25\t0.75\t0.75\n0.375\t0.375\t0.625\n");
+  EXPECT_EQ(Drawn("niederr --dimension 2 --count 2"), "0.5\t0.5\n0.75\t0.25\n");
+  EXPECT_EQ(Drawn("Sobol --count 3"), "0.5\n0.75\n0.25\n");
+  EXPECT_EQ(Drawn("sobol --dimension 2 --count 2 --a -1 --b 3 --type s"), "1\t1\n2\t0\n");
+  EXPECT_EQ(Drawn("sobol --seed 1,0x3,1 --count 2"), "0.5\n0.25\n") << "a set of one's own";
+  // 70000 points are several blocks.
+  const std::string all = Drawn("niederr --dimension 318 --count 70000 --type s --format raw");
+  EXPECT_EQ(all.size(), size_t{70000} * 318 * sizeof(float));
+  EXPECT_EQ(Drawn("uniform --generator niederr --dimension 318 --count 3 --skip 69997 --type s "
+                  "--format raw"),
+            all.substr(all.size() - size_t{3} * 318 * sizeof(float)));
+  EXPECT_EQ(NpyData(Drawn("uniformbits --generator 278 --dimension 2 --count 2 --format npy"),
+                    "{'descr': '<u4', 'fortran_order': False, 'shape': (2, 2), }"),
+            Bytes<uint32_t>({0x80000000, 0x80000000, 0xC0000000, 0x40000000}));
+  // Coordinate 1 alone, and its numbers skipped.
+  EXPECT_EQ(Drawn("sobol --dimension 3 --leapfrog 1/3 --skip 1 --count 3"), "0.25\n0.75\n0.375\n");
+  // Saved and gone on with: the dimension comes with the state.
+  Drawn("sobol --dimension 3 --count 2 --save points.quo");
+  EXPECT_EQ(Drawn("sobol --load points.quo --count 1"), "0.25\t0.75\t0.75\n");
+  EXPECT_EQ(Drawn("gaussian --load points.quo --count 1"),
+            Drawn("gaussian --generator sobol --dimension 3 --skip 2 --count 1"));
+  EXPECT_NE(Run("draw niederr --load points.quo --count 1").err.find("another generator"),
+            std::string::npos);
+  EXPECT_NE(Run("draw sobol --load points.quo --dimension 3 --count 1").err.find("--dimension out"),
+            std::string::npos);
+  // 2^64 - 1 points are more than any count of numbers, and a whole number of passages.
+  EXPECT_EQ(Drawn("sobol --dimension 40 --count 2 --skip 18446744073709551615"),
+            Drawn("sobol --dimension 40 --count 2"));
+}
+
 TEST_F(DrawTest, GeneratorsByNameNumberAndMember) {
   const std::vector<std::vector<std::string>> kSame = {
       {"mcg31m1", "MCG31M1", "0", "0x100000", "1048576", "mcg31m1:0"},

@@ -40,7 +40,7 @@ int main(int argc, char** argv) {
   const uint32_t seed[] = {1, 2, 3, 4};
   for (const quo::Generator& g : quo::Generators()) {
     StreamState* stream = nullptr;
-    __quoNewStreamEx(&stream, g.id, 4, seed);
+    __quoNewStreamEx(&stream, g.id, g.is_quasi_random() ? 1 : 4, seed);
     good &= Save(stream, std::string(g.name));
   }
   double d;

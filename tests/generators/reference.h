@@ -107,23 +107,33 @@ inline Generator Mt2203(int member) {
   return QUO_GENERATOR_UNDER_TEST(MT2203, QUO_BRNG_MT2203 + member, 296);
 }
 
+inline Generator Sobol() { return QUO_GENERATOR_UNDER_TEST(Sobol, QUO_BRNG_SOBOL, 10576); }
+inline Generator Niederr() { return QUO_GENERATOR_UNDER_TEST(Niederr, QUO_BRNG_NIEDERR, 43264); }
+
 inline std::vector<Generator> AllGenerators() {
   std::vector<Generator> all = Generators();
-  all.insert(all.end(), {R250(), Mrg32k3a(), Mt19937(), Mt2203(1)});
+  all.insert(all.end(), {R250(), Mrg32k3a(), Mt19937(), Mt2203(1), Sobol(), Niederr()});
   return all;
+}
+
+// Seed words that every generator takes: a quasi-random one its dimension.
+inline std::vector<uint32_t> AnySeed(const Generator& g) {
+  if (g.id == QUO_BRNG_SOBOL || g.id == QUO_BRNG_NIEDERR) return {13};
+  return {12345, 678};
 }
 
 // A stream block as its creator makes it, with the state filled with rubbish until it is seeded.
 class Stream {
  public:
-  Stream(const Generator& g, const std::vector<uint32_t>& seed) : g_(&g) {
-    std::memset(block_, 0xA5, sizeof(block_));
+  Stream(const Generator& g, const std::vector<uint32_t>& seed)
+      : g_(&g), blocks_((g.state_bytes + 16) / sizeof(Block) + 2) {
+    std::memset(blocks_.data(), 0xA5, size());
     get()->id = g.id;
     get()->header = 1;
     get()->chunks = nullptr;
     Init(QUO_INIT_STANDARD, static_cast<int32_t>(seed.size()), seed.data());
   }
-  StreamState* get() { return reinterpret_cast<StreamState*>(block_); }
+  StreamState* get() { return reinterpret_cast<StreamState*>(blocks_.data()); }
   int32_t Init(int32_t method, int32_t n, const uint32_t* params) {
     return g_->init(method, get(), n, params);
   }
@@ -147,23 +157,25 @@ class Stream {
     g_->sbrng(get(), n, r.data(), a, b);
     return r;
   }
-  void SetState(const std::string& state) {
-    std::memcpy(block_ + 16, state.data(), g_->state_bytes);
-  }
-  std::string State() const {
-    return std::string(reinterpret_cast<const char*>(block_) + 16, g_->state_bytes);
-  }
+  void SetState(const std::string& state) { std::memcpy(get() + 1, state.data(), g_->state_bytes); }
+  std::string State() const { return std::string(bytes() + 16, g_->state_bytes); }
   // Bytes of the block that belong to nobody.
   bool RestUntouched() const {
-    for (size_t i = 16 + g_->state_bytes; i < sizeof(block_); ++i) {
-      if (block_[i] != 0xA5) return false;
+    for (size_t i = 16 + g_->state_bytes; i < size(); ++i) {
+      if (static_cast<unsigned char>(bytes()[i]) != 0xA5) return false;
     }
     return true;
   }
 
  private:
+  struct alignas(32) Block {
+    unsigned char bytes[32];
+  };
+  size_t size() const { return blocks_.size() * sizeof(Block); }
+  const char* bytes() const { return reinterpret_cast<const char*>(blocks_.data()); }
+
   const Generator* g_;
-  alignas(32) unsigned char block_[4096];
+  std::vector<Block> blocks_;
 };
 
 // The same by the definition, one element at a time.

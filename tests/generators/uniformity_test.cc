@@ -1,6 +1,6 @@
 // Uniforms and words of every generator by plain statistics with fixed seeds: equal counts of cells
 // in one, two and three dimensions, balanced bits, no correlation between successive values nor
-// between members of a family.
+// between members of a family. Quasi-random generators are not meant to pass: tests/quasi.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -21,6 +21,12 @@ using streams::Owned;
 // of seeds.
 constexpr double kLevel = 1e-5;
 constexpr int32_t kDraws = 1 << 19;
+
+std::vector<int32_t> RandomIdentifiers() {
+  std::vector<int32_t> ids = streams::Identifiers();
+  std::erase_if(ids, quo::Generator::IsQuasiRandom);
+  return ids;
+}
 
 void ExpectSound(double p, const std::string& what) {
   EXPECT_GT(p, kLevel) << what;
@@ -73,7 +79,7 @@ void CheckSequence(const std::vector<T>& u) {
 }
 
 TEST(Uniformity, OfTheUniformsOfEveryGenerator) {
-  for (const int32_t id : streams::Identifiers()) {
+  for (const int32_t id : RandomIdentifiers()) {
     SCOPED_TRACE(testing::Message() << "identifier " << std::hex << id);
     CheckSequence(Doubles(id));
     CheckSequence(Singles(id));
@@ -83,7 +89,7 @@ TEST(Uniformity, OfTheUniformsOfEveryGenerator) {
 // Each bit is 1 in half the words and follows itself in half of them. The seeds fill the state: one
 // word leaves the lowest bits of R250 far from random for 10^6 draws and more.
 TEST(Uniformity, OfTheBitsOfWords) {
-  for (const int32_t id : streams::Identifiers()) {
+  for (const int32_t id : RandomIdentifiers()) {
     SCOPED_TRACE(testing::Message() << "identifier " << std::hex << id);
     Random random(250);
     std::vector<uint32_t> seeds;

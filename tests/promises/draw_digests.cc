@@ -20,13 +20,16 @@ constexpr char kHead[] =
 // Odd requests, which leave halves of pairs and partial blocks behind, one of several blocks.
 constexpr int32_t kRequests[] = {1, 7, 3001, 2, 1490};
 constexpr uint32_t kSeeds[] = {314159265, 271828182, 161803398, 141421356};
+constexpr uint32_t kDimension = 13;  // in their place for quasi-random generators
 
 // Of the statuses and of the results, which stand at an address that suits no element.
 template <class Draw>
 Digest DigestOfDraws(int32_t generator, size_t size, const Draw& draw) {
   Digest digest;
   StreamState* stream = nullptr;
-  digest.Add(static_cast<uint32_t>(__quoNewStreamEx(&stream, generator, 4, kSeeds)));
+  digest.Add(static_cast<uint32_t>(quo::Generator::IsQuasiRandom(generator)
+                                       ? __quoNewStreamEx(&stream, generator, 1, &kDimension)
+                                       : __quoNewStreamEx(&stream, generator, 4, kSeeds)));
   for (const int32_t n : kRequests) {
     std::vector<char> bytes(static_cast<size_t>(n) * size + 1);
     digest.Add(static_cast<uint32_t>(draw(stream, n, bytes.data() + 1)));

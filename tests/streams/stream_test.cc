@@ -47,30 +47,6 @@ TEST(Stream, StaysWhenItsGeneratorRefuses) {
   EXPECT_EQ(stream, nullptr);
 }
 
-// The two rows that stand for a family of generators nobody has written.
-TEST(Stream, OfAGeneratorThatDoesNotExistRefusesEverything) {
-  for (const int32_t id : {0x600000, 0x700000, 277, 278}) {
-    SCOPED_TRACE(id);
-    const uint32_t seed = 1;
-    StreamState* stream = nullptr;
-    const int32_t status = __quoNewStreamEx(&stream, id, 1, &seed);
-    if (status == QUO_OK) GTEST_SKIP() << "the generator exists by now";
-    EXPECT_EQ(status, QUO_INVALID_BRNG);
-    ASSERT_NE(stream, nullptr);
-    double d = -7;
-    float s = -7;
-    int32_t i = -7;
-    uint32_t u = 7;
-    EXPECT_EQ(_quodRngUniform(QUO_METHOD_ACCURATE, stream, 1, &d, 0, 1), QUO_INVALID_BRNG);
-    EXPECT_EQ(_quosRngUniform(QUO_METHOD_ACCURATE, stream, 1, &s, 0, 1), QUO_INVALID_BRNG);
-    EXPECT_EQ(_quoiRngUniform(0, stream, 1, &i, 0, 1), QUO_INVALID_BRNG);
-    EXPECT_EQ(_quoiRngUniformBits(0, stream, 1, &u), QUO_INVALID_BRNG);
-    EXPECT_TRUE(d == -7 && s == -7 && i == -7 && u == 7);
-    AddChunk(stream, 9, 100, 1);
-    EXPECT_EQ(__quoDeleteStream(&stream), QUO_OK);
-  }
-}
-
 TEST(Stream, OfAStateSizeBelowTheHeaderHasAHeader) {
   for (const int32_t size : {0, 15, 16, 17}) {
     BrngProperties record = scripted::kRecord;

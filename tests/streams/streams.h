@@ -17,7 +17,10 @@ namespace streams {
 struct Owned {
   StreamState* p = nullptr;
   Owned() = default;
-  explicit Owned(int32_t id, std::vector<uint32_t> seeds = {7, 8, 9, 10}) {
+  explicit Owned(int32_t id)
+      : Owned(id, quo::Generator::IsQuasiRandom(id) ? std::vector<uint32_t>{7}  // a dimension
+                                                    : std::vector<uint32_t>{7, 8, 9, 10}) {}
+  Owned(int32_t id, std::vector<uint32_t> seeds) {
     EXPECT_EQ(__quoNewStreamEx(&p, id, static_cast<int32_t>(seeds.size()), seeds.data()), QUO_OK);
   }
   ~Owned() { __quoDeleteStream(&p); }
