@@ -473,6 +473,11 @@ QUO_API int32_t _quoiRngGeometric(uint32_t method, StreamState* stream, int32_t 
 
 /* ---- Distributions: gamma and beta. ---- */
 
+QUO_API int32_t _quodRngGamma(uint32_t method, StreamState* stream, int32_t n, double* r,
+                              double alpha, double a, double beta);
+QUO_API int32_t _quosRngGamma(uint32_t method, StreamState* stream, int32_t n, float* r,
+                              float alpha, float a, float beta);
+
 /* ---- Distributions: binomial and hypergeometric. ---- */
 
 /* ---- Distributions: Poisson and negative binomial. ---- */
