@@ -11,6 +11,7 @@
 #include "hwy/highway.h"
 #include "pexquo/kro.h"
 #include "quo_kernel/_kernel/borrow.h"
+#include "quo_kernel/_kernel/compress-inl.h"
 #include "quo_kernel/_kernel/passes.h"
 #include "quo_kernel/_kernel/rejection.h"
 #include "quo_kernel/continuous/gamma/candidates-inl.h"
@@ -61,7 +62,7 @@ HWY_INLINE size_t SieveGroup(const GammaShape& shape, const double* HWY_RESTRICT
   }
   size_t count = 0;
   for (size_t k = 0; k < kVectors; ++k) {
-    count += hn::CompressStore(r[k], accepted[k], d, x + count);
+    count += StoreChosen(d, r[k], accepted[k], x + count);
   }
   return count;
 }
