@@ -93,15 +93,15 @@ HWY_INLINE void NormalsOf(D d, const V (&u)[K], V (&x)[K]) {
   for (size_t k = 0; k < K; ++k) x[k] = y[k].hi;
 }
 
-// 3 d g(w - 1), y = w - 1, w > 0. Rounding moves it by 10^-11 at most.
+// 3 d g(y), of y and log(1 + y). Rounding moves it by 10^-11 at most.
 template <class D, class V>
-HWY_INLINE V LogOfAcceptance(D d, const GammaShape& shape, V y, V log_w) {
+HWY_INLINE V LogOfAcceptance(D d, const GammaShape& shape, V y, V log) {
   const auto set = [d](double x) HWY_ATTR { return hn::Set(d, x); };
   const V y2 = hn::Mul(y, y);
   V g;
   if (shape.d < 1e4) {
     const V cubic = hn::Sub(set(0.5), hn::Mul(y, set(1 / 3.0)));
-    g = hn::Add(hn::Sub(log_w, y), hn::Mul(y2, cubic));
+    g = hn::Add(hn::Sub(log, y), hn::Mul(y2, cubic));
   } else {  // |y| < 0.03
     V p = hn::Sub(set(1 / 7.0), hn::Mul(y, set(1 / 8.0)));
     p = hn::Sub(set(1 / 6.0), hn::Mul(y, p));
@@ -112,31 +112,43 @@ HWY_INLINE V LogOfAcceptance(D d, const GammaShape& shape, V y, V log_w) {
   return hn::Mul(set(3 * shape.d), g);
 }
 
-// Of the lanes `asked`, those with u < exp(3 d g).
-template <class D, class V, class M>
-HWY_NOINLINE HWY_ATTR M AcceptedByLogarithm(D d, const GammaShape& shape, V y, V u, M asked) {
+// Of the lanes `asked`, where all y are above -1, those with u < exp(3 d g) for the sum of the
+// exponents of all shapes.
+template <class D, class V, class M, size_t J>
+HWY_NOINLINE HWY_ATTR M AcceptedByLogarithm(D d, const GammaShape* shape, const V (&y)[J], V u,
+                                            M asked) {
   const V one = hn::Set(d, 1.0);
-  const V in[2] = {hn::IfThenElse(asked, hn::Add(one, y), one),
-                   hn::Max(hn::IfThenElse(asked, u, one), hn::Set(d, 0x1p-1000))};
-  V log[2];
-  level::LogBelowOne(d, in, log);
-  return hn::And(asked, hn::Lt(log[1], LogOfAcceptance(d, shape, y, log[0])));
+  V x[J + 1], log[J + 1];
+  for (size_t j = 0; j < J; ++j) x[j] = hn::IfThenElse(asked, hn::Add(one, y[j]), one);
+  x[J] = hn::Max(hn::IfThenElse(asked, u, one), hn::Set(d, 0x1p-1000));
+  level::LogBelowOne(d, x, log);
+  V sum = LogOfAcceptance(d, shape[0], y[0], log[0]);
+  for (size_t j = 1; j < J; ++j) sum = hn::Add(sum, LogOfAcceptance(d, shape[j], y[j], log[j]));
+  return hn::And(asked, hn::Lt(log[J], sum));
 }
 
-// Numbers d w^3 of normal numbers x, and in `accepted` whether the uniforms u accept them.
-template <class D, class V, class M, size_t K>
-HWY_INLINE void GammaCandidates(D d, const GammaShape& shape, const V (&u_normal)[K],
-                                const V (&u)[K], V (&r)[K], M (&accepted)[K]) {
-  const V one = hn::Set(d, 1.0), c = hn::Set(d, shape.c);
-  V x[K];
-  NormalsOf(d, u_normal, x);
+// Candidates of J shapes at once, whose constants are shape[0] to shape[J - 1]: one of each with
+// one uniform u to accept them all together: a uniform below the product of two chances is as good
+// as one for each. In r the w^3 of the normal numbers that are the inverse at u_normal, to be
+// multiplied by d.
+template <class D, class V, class M, size_t J, size_t K>
+HWY_INLINE void GammaCandidates(D d, const GammaShape* shape, const V (&u_normal)[J][K],
+                                const V (&u)[K], V (&r)[J][K], M (&accepted)[K]) {
+  const V one = hn::Set(d, 1.0), zero = hn::Zero(d);
+  V x[J][K];
+  for (size_t j = 0; j < J; ++j) NormalsOf(d, u_normal[j], x[j]);
   for (size_t k = 0; k < K; ++k) {
-    const V y = hn::Mul(c, x[k]), w = hn::Add(one, y), x2 = hn::Mul(x[k], x[k]);
-    const V near = hn::IfThenElse(hn::Gt(y, hn::Zero(d)), hn::Set(d, shape.near[1]),
-                                  hn::Set(d, shape.near[0]));
-    const V bound = hn::Sub(one, hn::Mul(hn::Mul(x2, x2), near));
-    r[k] = hn::Mul(hn::Mul(hn::Mul(w, w), w), hn::Set(d, shape.d));
-    const M positive = hn::Gt(w, hn::Zero(d)), doubtful = hn::Gt(u[k], bound);
+    V y[J], bound = one, least = one;
+    for (size_t j = 0; j < J; ++j) {
+      y[j] = hn::Mul(hn::Set(d, shape[j].c), x[j][k]);
+      const V w = hn::Add(one, y[j]), x2 = hn::Mul(x[j][k], x[j][k]);
+      const V near = hn::IfThenElse(hn::Gt(y[j], zero), hn::Set(d, shape[j].near[1]),
+                                    hn::Set(d, shape[j].near[0]));
+      bound = hn::Sub(bound, hn::Mul(hn::Mul(x2, x2), near));
+      least = j == 0 ? w : hn::Min(least, w);
+      r[j][k] = hn::Mul(hn::Mul(w, w), w);
+    }
+    const M positive = hn::Gt(least, zero), doubtful = hn::Gt(u[k], bound);
     accepted[k] = hn::AndNot(doubtful, positive);
     const M asked = hn::And(doubtful, positive);
     if (!hn::AllFalse(d, asked)) {

@@ -26,7 +26,7 @@ constexpr int32_t kBlock = 512;
 
 // A sieve of kBlock candidates at most, in the sense of Reject.
 template <typename T>
-using GammaSieve = int32_t (*)(const GammaShape& shape, int32_t m, double* u, T* r, double a,
+using GammaSieve = int32_t (*)(const GammaShape* shape, int32_t m, double* u, T* r, double a,
                                double beta);
 
 }  // namespace
@@ -39,25 +39,27 @@ namespace quo::HWY_NAMESPACE {
 // A group of vectors of candidates; the accepted numbers go to x, which has room for all. Their
 // count.
 template <int kUniforms, size_t kVectors>
-HWY_INLINE size_t SieveGroup(const GammaShape& shape, const double* HWY_RESTRICT u,
+HWY_INLINE size_t SieveGroup(const GammaShape* shape, const double* HWY_RESTRICT u,
                              double* HWY_RESTRICT x) {
   const hn::ScalableTag<double> d;
   constexpr size_t kLanes = hn::MaxLanes(d);
   using V = hn::Vec<decltype(d)>;
-  V u_normal[kVectors], u_accept[kVectors], u_power[kVectors], r[kVectors];
+  V u_normal[1][kVectors], u_accept[kVectors], u_power[kVectors], cube[1][kVectors];
   hn::Mask<decltype(d)> accepted[kVectors];
   for (size_t k = 0; k < kVectors; ++k) {
     const double* first = u + kUniforms * kLanes * k;
     if constexpr (kUniforms == 2) {
-      hn::LoadInterleaved2(d, first, u_normal[k], u_accept[k]);
+      hn::LoadInterleaved2(d, first, u_normal[0][k], u_accept[k]);
     } else {
-      hn::LoadInterleaved3(d, first, u_normal[k], u_accept[k], u_power[k]);
+      hn::LoadInterleaved3(d, first, u_normal[0][k], u_accept[k], u_power[k]);
     }
   }
-  GammaCandidates(d, shape, u_normal, u_accept, r, accepted);
+  GammaCandidates(d, shape, u_normal, u_accept, cube, accepted);
+  V(&r)[kVectors] = cube[0];
+  for (size_t k = 0; k < kVectors; ++k) r[k] = hn::Mul(r[k], hn::Set(d, shape->d));
   if constexpr (kUniforms == 3) {
     V t[kVectors];
-    LogPowers(d, shape.power, u_power, t);
+    LogPowers(d, shape->power, u_power, t);
     TimesExp(d, t, r);
   }
   size_t count = 0;
@@ -68,7 +70,7 @@ HWY_INLINE size_t SieveGroup(const GammaShape& shape, const double* HWY_RESTRICT
 }
 
 template <int kUniforms, typename T>
-int32_t Sieve(const GammaShape& shape, int32_t m, double* u, T* r, double a, double beta) {
+int32_t Sieve(const GammaShape* shape, int32_t m, double* u, T* r, double a, double beta) {
   constexpr size_t kLanes = hn::MaxLanes(hn::ScalableTag<double>()), kVectors = 4;
   constexpr size_t kGroup = kLanes * kVectors;
   static_assert(kBlock % kGroup == 0);
@@ -90,12 +92,12 @@ int32_t Sieve(const GammaShape& shape, int32_t m, double* u, T* r, double a, dou
 }
 
 template <typename T>
-GammaSieve<T> SieveOf(const GammaShape& shape) {
-  return shape.Uniforms() == 2 ? Sieve<2, T> : Sieve<3, T>;
+GammaSieve<T> SieveOf(const GammaShape* shape) {
+  return shape->Uniforms() == 2 ? Sieve<2, T> : Sieve<3, T>;
 }
 
-GammaSieve<double> DoubleSieve(const GammaShape& shape) { return SieveOf<double>(shape); }
-GammaSieve<float> SingleSieve(const GammaShape& shape) { return SieveOf<float>(shape); }
+GammaSieve<double> DoubleSieve(const GammaShape* shape) { return SieveOf<double>(shape); }
+GammaSieve<float> SingleSieve(const GammaShape* shape) { return SieveOf<float>(shape); }
 
 // r = max(a, a - beta log(1 - u))
 template <typename T>
@@ -141,7 +143,7 @@ template <typename T>
 struct Level;
 template <>
 struct Level<double> {
-  static GammaSieve<double> SieveOf(const GammaShape& shape) {
+  static GammaSieve<double> SieveOf(const GammaShape* shape) {
     return HWY_DYNAMIC_DISPATCH(DoubleSieve)(shape);
   }
   static void Exponentials(int32_t n, double* u, double* r, double a, double beta) {
@@ -150,7 +152,7 @@ struct Level<double> {
 };
 template <>
 struct Level<float> {
-  static GammaSieve<float> SieveOf(const GammaShape& shape) {
+  static GammaSieve<float> SieveOf(const GammaShape* shape) {
     return HWY_DYNAMIC_DISPATCH(SingleSieve)(shape);
   }
   static void Exponentials(int32_t n, double* u, float* r, double a, double beta) {
@@ -223,8 +225,8 @@ int32_t Gamma(StreamState* stream, int32_t n, T* r, T single_alpha, T single_a, 
   const GammaShape* shape;
   const int32_t status = FindOrAddShape<T>(stream, alpha, &shape);
   if (status < 0) return status;
-  const auto sieve = [=, kept = Level<T>::SieveOf(*shape)](int32_t m, double* u, T* x) {
-    return kept(*shape, m, u, x, a, beta);
+  const auto sieve = [=, kept = Level<T>::SieveOf(shape)](int32_t m, double* u, T* x) {
+    return kept(shape, m, u, x, a, beta);
   };
   return shape->Uniforms() == 2 ? Reject<2, kBlock>(stream, n, r, sieve)
                                 : Reject<3, kBlock>(stream, n, r, sieve);
