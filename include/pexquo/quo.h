@@ -478,6 +478,11 @@ QUO_API int32_t _quodRngGamma(uint32_t method, StreamState* stream, int32_t n, d
 QUO_API int32_t _quosRngGamma(uint32_t method, StreamState* stream, int32_t n, float* r,
                               float alpha, float a, float beta);
 
+QUO_API int32_t _quodRngBeta(uint32_t method, StreamState* stream, int32_t n, double* r, double p,
+                             double q, double a, double beta);
+QUO_API int32_t _quosRngBeta(uint32_t method, StreamState* stream, int32_t n, float* r, float p,
+                             float q, float a, float beta);
+
 /* ---- Distributions: binomial and hypergeometric. ---- */
 
 /* ---- Distributions: Poisson and negative binomial. ---- */

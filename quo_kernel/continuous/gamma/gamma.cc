@@ -16,6 +16,7 @@
 #include "quo_kernel/_kernel/rejection.h"
 #include "quo_kernel/continuous/gamma/candidates-inl.h"
 #include "quo_kernel/continuous/gamma/displaced-inl.h"
+#include "quo_kernel/continuous/gamma/sieve-inl.h"
 
 #ifndef QUO_KERNEL_CONTINUOUS_GAMMA_GAMMA_CC_  // once, not once per vector level
 #define QUO_KERNEL_CONTINUOUS_GAMMA_GAMMA_CC_
@@ -71,24 +72,11 @@ HWY_INLINE size_t SieveGroup(const GammaShape* shape, const double* HWY_RESTRICT
 
 template <int kUniforms, typename T>
 int32_t Sieve(const GammaShape* shape, int32_t m, double* u, T* r, double a, double beta) {
-  constexpr size_t kLanes = hn::MaxLanes(hn::ScalableTag<double>()), kVectors = 4;
-  constexpr size_t kGroup = kLanes * kVectors;
-  static_assert(kBlock % kGroup == 0);
-  alignas(64) double x[kBlock + kLanes];
-  const size_t wanted = static_cast<size_t>(m);
-  // Candidates of uniforms 1/2 fill the last vector: they are accepted, after all others.
-  const size_t filled = (wanted + kLanes - 1) / kLanes * kLanes;
-  std::fill(u + kUniforms * wanted, u + kUniforms * filled, 0.5);
-  size_t count = 0, i = 0;
-  for (; i + kGroup <= filled; i += kGroup) {
-    count += SieveGroup<kUniforms, kVectors>(shape, u + kUniforms * i, x + count);
-  }
-  for (; i < filled; i += kLanes) {
-    count += SieveGroup<kUniforms, 1>(shape, u + kUniforms * i, x + count);
-  }
-  count -= filled - wanted;
-  StoreDisplaced(count, x, r, a, beta);
-  return static_cast<int32_t>(count);
+  return SieveBlock<kUniforms, 4, kBlock>(
+      m, u,
+      [&](auto vectors, const double* first, double* x)
+          HWY_ATTR { return SieveGroup<kUniforms, vectors>(shape, first, x); },
+      [&](size_t count, const double* x) HWY_ATTR { StoreDisplaced(count, x, r, a, beta); });
 }
 
 template <typename T>
@@ -106,7 +94,7 @@ HWY_INLINE void StoreExponentials(size_t n, double* HWY_RESTRICT u, T* r, double
   constexpr size_t kLanes = hn::MaxLanes(d), kVectors = 4;
   static_assert(kBlock % (kLanes * kVectors) == 0);
   std::fill(u + n, u + (n + kLanes * kVectors - 1) / (kLanes * kVectors) * (kLanes * kVectors),
-            0.5);
+            0.25);
   for (size_t i = 0; i < n; i += kLanes * kVectors) {
     hn::Vec<decltype(d)> x[kVectors], log[kVectors];
     for (size_t k = 0; k < kVectors; ++k) {
