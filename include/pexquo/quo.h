@@ -495,10 +495,10 @@ QUO_API int32_t _quoiRngGeometric(uint32_t method, StreamState* stream, int32_t 
  * variables", ACM Transactions on Mathematical Software 26 (2000). For alpha = 1 -log(1 - u), one
  * uniform.
  *
- * The constants of the last alpha other than 1 are kept in the stream's chunk 0x47414D08 (double) or
- * 0x47414D04 (single), "GAM" and the bytes of a result, 48 bytes, which goes with the stream into
- * copies and files; a chunk of that key and another size is passed over, and a new one added; one
- * whose constants are not those of its alpha is set up anew. -4 where there is no memory for it. */
+ * The constants of the last alpha other than 1 are kept in the stream's chunk 0x47414D08 (double)
+ * or 0x47414D04 (single), "GAM" and the bytes of a result, of 48 bytes, which goes with the stream
+ * into copies and files; a chunk of that key and another size is passed over, and a new one added;
+ * one whose constants are not those of its alpha is set up anew. -4 where there is no memory. */
 QUO_API int32_t _quodRngGamma(uint32_t method, StreamState* stream, int32_t n, double* r,
                               double alpha, double a, double beta);
 QUO_API int32_t _quosRngGamma(uint32_t method, StreamState* stream, int32_t n, float* r,
@@ -510,7 +510,12 @@ QUO_API int32_t _quosRngGamma(uint32_t method, StreamState* stream, int32_t n, f
  *   q = 1         (1 - u)^(1/p)                   Generation, Springer 1986, chapter IX.4);
  *   p < 1, q < 1  s/(s + t), s = u1^(1/p), t = u2^(1/q), if s + t <= 1, in logarithms: two
  *                 uniforms, 50 % accepted at least (M. D. Joehnk, Metrika 8 (1964));
- *   else          g/(g + h), g and h candidates for gamma numbers of shapes p and q from u1 and u2
+ *   p, q > 1      of the lesser shape a, the larger b and w = a (u1/(1 - u1))^lambda the number w
+ *                 or b over b + w, which u2 accepts: two uniforms, 68 % accepted at least (R. C. H.
+ *                 Cheng, "Generating beta variates with nonintegral shape parameters", algorithm
+ *                 BB, Communications of the ACM 21 (1978));
+ *   else          (a shape above 256 or, next to 1, up to 1 + 2^-20; one below 1 and one above)
+ *                 g/(g + h), g and h candidates for gamma numbers of shapes p and q from u1 and u2
  *                 (the lesser shape from u1), both accepted by u3: three uniforms, 90 % accepted at
  *                 least; where the lesser shape is below 1, its power of u4 besides. */
 QUO_API int32_t _quodRngBeta(uint32_t method, StreamState* stream, int32_t n, double* r, double p,

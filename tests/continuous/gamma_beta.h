@@ -51,6 +51,7 @@ inline const std::vector<Shape>& Ordinary() {
                                          {2.5, 1.5},
                                          {1.0625, 1.0625},
                                          {3, 50},
+                                         {600, 12},
                                          {6, 0.75},
                                          {4096, 0.5}};
   return all;

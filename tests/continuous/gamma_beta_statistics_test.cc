@@ -32,7 +32,11 @@ TEST(Statistics, OfExtremeShapes) {
                          {1e5, 1e5},
                          {1, 1e9},
                          {1e-3, 1},
-                         {1e6, 2}}) {
+                         {1e6, 2},
+                         {1 + 1e-9, 1 + 1e-9},
+                         {1 + 1e-5, 1 + 1e-5},
+                         {256, 256},
+                         {257, 256}}) {
     ExpectDistributed<double>(s, QUO_BRNG_MRG32K3A, kDraws);
   }
 }

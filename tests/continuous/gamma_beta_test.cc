@@ -60,6 +60,16 @@ Candidate MarsagliaTsang(double alpha, double x) {
   return {d * v, std::exp(x * x / 2 + d * (1 - v + std::log(v)))};
 }
 
+// R. C. H. Cheng's algorithm BB, as published.
+std::optional<double> Cheng(const Shape& s, const double* u) {
+  const double a = std::min(s.p, s.q), b = std::max(s.p, s.q), alpha = a + b;
+  const double beta = std::sqrt((alpha - 2) / (2 * a * b - alpha)), gamma = a + 1 / beta;
+  const double v = beta * std::log(u[0] / (1 - u[0])), w = a * std::exp(v);
+  const double r = gamma * v - std::log(4.0);
+  if (r + alpha * std::log(alpha / (b + w)) < std::log(u[0] * u[0] * u[1])) return {};
+  return (s.p == a ? w : b) / (b + w);
+}
+
 // A candidate from its uniforms.
 std::optional<double> PlainCandidate(const Shape& s, const double* u) {
   if (s.IsGamma()) {
@@ -76,6 +86,7 @@ std::optional<double> PlainCandidate(const Shape& s, const double* u) {
     return x / (x + y);
   }
   const double least = std::min(s.p, s.q);
+  if (least > 1 && std::max(s.p, s.q) <= 256) return Cheng(s, u);
   const auto [g, chance] = MarsagliaTsang(least, InverseOfCdfNorm(u[0]));
   const auto [h, other] = MarsagliaTsang(std::max(s.p, s.q), InverseOfCdfNorm(u[1]));
   if (u[2] >= chance * other) return {};
@@ -86,7 +97,8 @@ std::optional<double> PlainCandidate(const Shape& s, const double* u) {
 int32_t UniformsOf(const Shape& s) {
   if (s.p == 1 || s.q == 1) return 1;
   if (s.IsGamma()) return s.p < 1 ? 3 : 2;
-  return s.p < 1 && s.q < 1 ? 2 : s.p < 1 || s.q < 1 ? 4 : 3;
+  if (s.p < 1 || s.q < 1) return s.p < 1 && s.q < 1 ? 2 : 4;
+  return std::max(s.p, s.q) <= 256 ? 2 : 3;
 }
 
 TEST(GammaBeta, AreTheirMethods) {

@@ -3,7 +3,12 @@
 //   both below 1     M. D. Joehnk, "Erzeugung von betaverteilten und gammaverteilten
 //                    Zufallszahlen", Metrika 8 (1964): of uniforms u and v, s = u^(1/p) and
 //                    t = v^(1/q), comes s/(s + t) if s + t <= 1, all in logarithms;
-//   else             g/(g + h) of gamma numbers g and h of shapes p and q (candidates-inl.h), both
+//   both above 1     R. C. H. Cheng, "Generating beta variates with nonintegral shape parameters",
+//                    Communications of the ACM 21 (1978), algorithm BB: of uniforms u and v, the
+//                    log-logistic number w = a (u/(1 - u))^lambda gives w/(b + w), a the lesser
+//                    and b the larger shape; always with the test in full, for vectors have no
+//                    use of cheaper ones that decide most cases;
+//   large, else      g/(g + h) of gamma numbers g and h of shapes p and q (candidates-inl.h), both
 //                    accepted by one uniform.
 // Single precision is the double result rounded.
 #undef HWY_TARGET_INCLUDE
@@ -11,6 +16,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
@@ -31,8 +37,8 @@ namespace {
 
 constexpr int32_t kBlock = 512;
 
-enum class BetaMethod { kInversion, kJoehnk, kGammas, kGammasOneBelow };
-constexpr int kUniforms[] = {1, 2, 3, 4};
+enum class BetaMethod { kInversion, kJoehnk, kCheng, kGammas, kGammasOneBelow };
+constexpr int kUniforms[] = {1, 2, 2, 3, 4};
 
 // The constants of shapes p and q. Of the gamma numbers the first has the lesser shape: it is g for
 // p <= q, else h.
@@ -40,11 +46,17 @@ struct BetaShape {
   BetaMethod method;
   bool swapped;
   double power[2];  // 1/p and 1/q, where they are asked for
+  double lambda;    // of Cheng's method, and the factor of V there
+  double slope;
+  double shape[2];  // the lesser shape, the larger, and
+  double sum;       // their sum
   GammaShape gamma[2];
   double factor[2];  // d of each, or both times the same power of 2
 
   BetaShape(double p, double q);
 };
+
+constexpr double kLog4 = 0x1.62e42fefa39efp+0;
 
 template <typename T>
 using BetaSieve = int32_t (*)(const BetaShape& shape, int32_t m, double* u, T* r, double a,
@@ -109,6 +121,39 @@ struct Candidates<BetaMethod::kJoehnk> {
   }
 };
 
+template <>
+struct Candidates<BetaMethod::kCheng> {
+  template <class D, class V, class M, size_t K>
+  static HWY_INLINE void Group(D d, const BetaShape& shape, const double* u, V (&x)[K],
+                               M (&accepted)[K]) {
+    const V one = hn::Set(d, 1.0), sum = hn::Set(d, shape.sum);
+    V odds[K], z[K], v[K], w[K], inverse[K], ratio[K], log_z[K], log_ratio[K];
+    for (size_t k = 0; k < K; ++k) {
+      V first, second;
+      hn::LoadInterleaved2(d, u + 2 * k * hn::Lanes(d), first, second);
+      first = InnerUniform(d, first);
+      second = hn::Max(second, hn::Set(d, 0x1p-100));
+      odds[k] = hn::Div(first, hn::Sub(one, first));
+      z[k] = hn::Mul(hn::Mul(first, first), second);
+    }
+    level::PlainLog<pex::NaturalLog>(d, odds, pex::kLnEP, v);
+    level::PlainLog<pex::NaturalLog>(d, z, pex::kLnEP, log_z);
+    for (size_t k = 0; k < K; ++k) v[k] = hn::Mul(v[k], hn::Set(d, shape.lambda));
+    ModerateExp(d, v, w);
+    for (size_t k = 0; k < K; ++k) {
+      w[k] = hn::Mul(w[k], hn::Set(d, shape.shape[0]));
+      inverse[k] = hn::Div(one, hn::Add(w[k], hn::Set(d, shape.shape[1])));
+      ratio[k] = hn::Mul(sum, inverse[k]);
+    }
+    level::PlainLog<pex::NaturalLog>(d, ratio, pex::kLnEP, log_ratio);
+    for (size_t k = 0; k < K; ++k) {
+      const V r = hn::Sub(hn::Mul(v[k], hn::Set(d, shape.slope)), hn::Set(d, kLog4));
+      accepted[k] = hn::Ge(hn::Add(r, hn::Mul(sum, log_ratio[k])), log_z[k]);
+      x[k] = hn::Mul(inverse[k], shape.swapped ? hn::Set(d, shape.shape[1]) : w[k]);
+    }
+  }
+};
+
 template <bool kOneBelow>
 struct CandidatesByGammas {
   template <class D, class V, class M, size_t K>
@@ -169,7 +214,7 @@ int32_t Sieve(const BetaShape& shape, int32_t m, double* u, T* r, double a, doub
 template <typename T>
 BetaSieve<T> SieveOf(BetaMethod method) {
   static constexpr BetaSieve<T> kSieves[] = {
-      Sieve<BetaMethod::kInversion, T>, Sieve<BetaMethod::kJoehnk, T>,
+      Sieve<BetaMethod::kInversion, T>, Sieve<BetaMethod::kJoehnk, T>, Sieve<BetaMethod::kCheng, T>,
       Sieve<BetaMethod::kGammas, T>, Sieve<BetaMethod::kGammasOneBelow, T>};
   return kSieves[static_cast<size_t>(method)];
 }
@@ -198,7 +243,12 @@ BetaSieve<float> SieveFor(BetaMethod method, float*) {
 BetaMethod MethodOf(double p, double q) {
   if (p == 1 || q == 1) return BetaMethod::kInversion;
   if (p < 1 && q < 1) return BetaMethod::kJoehnk;
-  return p > 1 && q > 1 ? BetaMethod::kGammas : BetaMethod::kGammasOneBelow;
+  if (p > 1 && q > 1) {
+    // Next to 1 Cheng's constants lose their digits; for large shapes the other is faster.
+    const bool safe = std::min(p, q) > 1 + 0x1p-20 && std::max(p, q) <= 256;
+    return safe ? BetaMethod::kCheng : BetaMethod::kGammas;
+  }
+  return BetaMethod::kGammasOneBelow;
 }
 
 // Powers beyond this one make all uniforms 0; below, differences of their logarithms are finite.
@@ -207,8 +257,14 @@ constexpr double kMostPower = 1e300;
 BetaShape::BetaShape(double p, double q)
     : method(MethodOf(p, q)),
       swapped(method == BetaMethod::kInversion ? p != 1 : p > q),
+      shape{std::min(p, q), std::max(p, q)},
+      sum(p + q),
       gamma{GammaShape(std::min(p, q)), GammaShape(std::max(p, q))},
       factor{gamma[0].d, gamma[1].d} {
+  if (method == BetaMethod::kCheng) {
+    lambda = std::sqrt((sum - 2) / (2 * p * q - sum));
+    slope = shape[0] + 1 / lambda;
+  }
   // Where all numbers are 0 or 1, the chance of 1, p/(p + q), alone counts.
   const double scale = std::max(p, q) < 1e-250 ? 0x1p600 : 1;
   power[0] = std::min(1 / (p * scale), kMostPower);
@@ -233,6 +289,7 @@ int32_t Beta(StreamState* stream, int32_t n, T* r, T single_p, T single_q, T sin
     case BetaMethod::kInversion:
       return Reject<1, kBlock>(stream, n, r, sieve);
     case BetaMethod::kJoehnk:
+    case BetaMethod::kCheng:
       return Reject<2, kBlock>(stream, n, r, sieve);
     case BetaMethod::kGammas:
       return Reject<3, kBlock>(stream, n, r, sieve);

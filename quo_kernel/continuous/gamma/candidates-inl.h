@@ -77,18 +77,21 @@ struct GammaShape {
 HWY_BEFORE_NAMESPACE();
 namespace quo::HWY_NAMESPACE {
 
-// x = the inverse of the normal distribution function at u, within 26 bits. What is below 2^-54 or
-// not a number stands for 1/2: of a generator that gives nothing else candidates are accepted too.
+// A uniform of at least 2^-54, at most 1 - 2^-53. What is below or not a number becomes 1/2, so
+// that of a generator that gives nothing else candidates are accepted too.
+template <class D, class V>
+HWY_INLINE V InnerUniform(D d, V u) {
+  const V below = hn::Min(u, hn::Set(d, 1 - 0x1p-53));
+  return hn::IfThenElse(hn::Ge(u, hn::Set(d, 0x1p-54)), below, hn::Set(d, 0.5));
+}
+
+// x = the inverse of the normal distribution function at u, within 26 bits.
 template <class D, class V, size_t K>
 HWY_INLINE void NormalsOf(D d, const V (&u)[K], V (&x)[K]) {
   using Function = level::InverseOfCdfNorm;
   level::ErfInvArgument<V> argument[K];
   level::Pair<V> y[K];
-  for (size_t k = 0; k < K; ++k) {
-    const V below = hn::Min(u[k], hn::Set(d, 1 - 0x1p-53));
-    const V inside = hn::IfThenElse(hn::Ge(below, hn::Set(d, 0x1p-54)), below, hn::Set(d, 0.5));
-    argument[k] = Function::Split(d, inside);
-  }
+  for (size_t k = 0; k < K; ++k) argument[k] = Function::Split(d, InnerUniform(d, u[k]));
   level::ErfInvAll<Function, level::ErfInvTier::kShort>(d, argument, y);
   for (size_t k = 0; k < K; ++k) x[k] = y[k].hi;
 }

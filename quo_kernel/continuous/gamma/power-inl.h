@@ -1,4 +1,4 @@
-// Exponentials of t <= 0, within 10^-11 of themselves, down to an underflow to 0.
+// Exponentials within 10^-11 of themselves, of t <= 0 down to an underflow to 0.
 
 #include "hwy/highway.h"
 #include "pex_core/_kernel/bits-inl.h"
@@ -21,7 +21,7 @@ namespace level = pex::HWY_NAMESPACE;  // kernels of vector math
 inline constexpr double kExpSeries[] = {
     1, 1, 1 / 2.0, 1 / 6.0, 1 / 24.0, 1 / 120.0, 1 / 720.0, 1 / 5040.0, 1 / 40320.0, 1 / 362880.0};
 
-// t = n log(2) + r, |r| <= log(2)/2, for 0 >= t >= -1400.
+// t = n log(2) + r, |r| <= log(2)/2, for |t| <= 1400.
 template <class D, class V, class I, size_t K>
 HWY_INLINE void ReduceByLog2(D d, const V (&t)[K], I (&n)[K], V (&r)[K]) {
   const hn::RebindToSigned<D> di;
@@ -35,7 +35,7 @@ HWY_INLINE void ReduceByLog2(D d, const V (&t)[K], I (&n)[K], V (&r)[K]) {
   }
 }
 
-// 2^n, n >= -1022.
+// 2^n, a normal number.
 template <class D, class I>
 HWY_INLINE hn::Vec<D> PowerOfTwo(D d, I n) {
   const hn::RebindToSigned<D> di;
@@ -59,6 +59,17 @@ HWY_INLINE void TimesExp(D d, const V (&t)[K], V (&x)[K]) {
     const V first = PowerOfTwo(d, lower), second = PowerOfTwo(d, hn::Sub(n[k], lower));
     x[k] = hn::Mul(hn::Mul(hn::Mul(x[k], p[k]), first), second);
   }
+}
+
+// x = e^t, |t| < 700.
+template <class D, class V, size_t K>
+HWY_INLINE void ModerateExp(D d, const V (&t)[K], V (&x)[K]) {
+  V r[K], r2[K], p[K];
+  hn::Vec<hn::RebindToSigned<D>> n[K];
+  ReduceByLog2(d, t, n, r);
+  for (size_t k = 0; k < K; ++k) r2[k] = hn::Mul(r[k], r[k]);
+  level::EvenOdd(d, r, r2, kExpSeries, p);
+  for (size_t k = 0; k < K; ++k) x[k] = hn::Mul(p[k], PowerOfTwo(d, n[k]));
 }
 
 // (e^r - 1 - r)/r^2, by the same series.
