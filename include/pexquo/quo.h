@@ -529,6 +529,56 @@ QUO_API int32_t _quoiRngGeometric(uint32_t method, StreamState* stream, int32_t 
 
 /* ---- Distributions: gamma and beta. ---- */
 
+/* n numbers at r, an array at any address, by exact methods: rejection, its candidates made of a
+ * fixed number of double uniforms on [0, 1) each, drawn for as many candidates as numbers are still
+ * wanted, at most 512 at a time. So the sequence does not depend on how it is asked for, and ends
+ * with the candidate that became its last number. Logarithms, powers and normal numbers have 26
+ * bits. Single precision is the double result, with a and beta applied, rounded.
+ *
+ * The method word is not looked at, and no parameter is checked: shapes and beta should be
+ * positive. Every shape from the smallest subnormal to the largest number serves; what underflows
+ * is 0, so that tiny shapes give a (and a + beta) in the end. What a generator gives outside [0, 1)
+ * gives no NaN either. A generator that repeats rejected candidates for ever keeps the call for
+ * ever (one that gives nothing but 0, 1/2 or NaN does not).
+ *
+ * Returns the status of the last request for uniforms; 0 for n < 1, which does nothing. A negative
+ * status of the generator ends the call; the numbers of the requests before stay in r. */
+
+/* Gamma: max(a, x beta + a), x of density x^(alpha - 1) e^-x/Gamma(alpha). For alpha > 1, d = alpha
+ * - 1/3 and a normal number z = Phi^-1(u1) the candidate d (1 + z/sqrt(9 d))^3, which u2 accepts:
+ * two uniforms, 95 % accepted at least. For alpha < 1 the same of shape alpha + 1 times
+ * u3^(1/alpha): three uniforms. G. Marsaglia, W. W. Tsang, "A simple method for generating gamma
+ * variables", ACM Transactions on Mathematical Software 26 (2000). For alpha = 1 -log(1 - u), one
+ * uniform.
+ *
+ * The constants of the last alpha other than 1 are kept in the stream's chunk 0x47414D08 (double)
+ * or 0x47414D04 (single), "GAM" and the bytes of a result, of 48 bytes, which goes with the stream
+ * into copies and files; a chunk of that key and another size is passed over, and a new one added;
+ * one whose constants are not those of its alpha is set up anew. -4 where there is no memory. */
+QUO_API int32_t _quodRngGamma(uint32_t method, StreamState* stream, int32_t n, double* r,
+                              double alpha, double a, double beta);
+QUO_API int32_t _quosRngGamma(uint32_t method, StreamState* stream, int32_t n, float* r,
+                              float alpha, float a, float beta);
+
+/* Beta: max(a, x beta + a), no more than a + beta, x on [0, 1] of density proportional to
+ * x^(p - 1) (1 - x)^(q - 1):
+ *   p = 1         1 - (1 - u)^(1/q), one uniform (L. Devroye, Non-Uniform Random Variate
+ *   q = 1         (1 - u)^(1/p)                   Generation, Springer 1986, chapter IX.4);
+ *   p < 1, q < 1  s/(s + t), s = u1^(1/p), t = u2^(1/q), if s + t <= 1, in logarithms: two
+ *                 uniforms, 50 % accepted at least (M. D. Joehnk, Metrika 8 (1964));
+ *   p, q > 1      of the lesser shape a, the larger b and w = a (u1/(1 - u1))^lambda the number w
+ *                 or b over b + w, which u2 accepts: two uniforms, 68 % accepted at least (R. C. H.
+ *                 Cheng, "Generating beta variates with nonintegral shape parameters", algorithm
+ *                 BB, Communications of the ACM 21 (1978));
+ *   else          (a shape above 256 or, next to 1, up to 1 + 2^-20; one below 1 and one above)
+ *                 g/(g + h), g and h candidates for gamma numbers of shapes p and q from u1 and u2
+ *                 (the lesser shape from u1), both accepted by u3: three uniforms, 90 % accepted at
+ *                 least; where the lesser shape is below 1, its power of u4 besides. */
+QUO_API int32_t _quodRngBeta(uint32_t method, StreamState* stream, int32_t n, double* r, double p,
+                             double q, double a, double beta);
+QUO_API int32_t _quosRngBeta(uint32_t method, StreamState* stream, int32_t n, float* r, float p,
+                             float q, float a, float beta);
+
 /* ---- Distributions: binomial and hypergeometric. ---- */
 
 /* ---- Distributions: Poisson and negative binomial. ---- */
