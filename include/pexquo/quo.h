@@ -475,6 +475,11 @@ QUO_API int32_t _quoiRngGeometric(uint32_t method, StreamState* stream, int32_t 
 
 /* ---- Distributions: binomial and hypergeometric. ---- */
 
+QUO_API int32_t _quoiRngBinomial(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
+                                 int32_t ntrial, double p);
+QUO_API int32_t _quoiRngHypergeometric(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
+                                       int32_t l, int32_t s, int32_t m);
+
 /* ---- Distributions: Poisson and negative binomial. ---- */
 
 #ifdef __cplusplus

@@ -1,0 +1,251 @@
+// The candidates, their squeeze and the exact test, in vectors.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "quo_kernel/discrete/_kernel/transformed_rejection.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "quo_kernel/discrete/_kernel/transformed_rejection.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "hwy/highway.h"
+#include "quo_kernel/_kernel/rejection.h"
+#include "quo_kernel/_kernel/unaligned.h"
+
+#ifndef QUO_KERNEL_DISCRETE__KERNEL_TRANSFORMED_REJECTION_CC_
+#define QUO_KERNEL_DISCRETE__KERNEL_TRANSFORMED_REJECTION_CC_
+namespace quo {
+
+constexpr int32_t kBlock = 256;   // candidates, a whole number of vectors
+constexpr double kInside = 0.07;  // 1/2 - |u - 1/2| from which v alone accepts, up to v_sure
+
+template <int kCells>
+struct Hat {
+  const Cells<kCells>& law;
+  const Peak& peak;
+  Reflection reflected;
+  double a, b, c, alpha, v_sure;
+  double per_mode;  // 1 by the cells of the mode
+
+  Hat(const Cells<kCells>& l, const Peak& p, Reflection r) : law(l), peak(p), reflected(r) {
+    const double deviation = __quodSqrt(law.variance);
+    b = 1.15 + 2.53 * deviation;
+    a = -0.0873 + 0.0248 * b + (kCells == 2 ? 0.01 * law.mean[0] / law.start[1] : 0);
+    c = law.mean[0] + 0.5;
+    alpha = (2.83 + 5.1 / b) * deviation;
+    v_sure = 0.92 - 4.2 / b;
+    double cells = 1;
+    for (int i = 0; i < kCells; ++i) cells *= law.X(i, law.mode);
+    per_mode = 1 / cells;
+  }
+
+  // w <= f(k)/f(mode), by the full sums.
+  bool Accepts(double k, double w) const { return w == 0 || __quodLn(w) <= law.Log(k) - peak.log; }
+};
+
+}  // namespace quo
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace quo::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using D = hn::ScalableTag<double>;
+using V = hn::Vec<D>;
+using M = hn::Mask<D>;
+constexpr int32_t kLanes = hn::MaxLanes(D());
+
+// w of atanh(v) = v (1 + w), z = v^2
+HWY_INLINE V AtanhSeries(V z) {
+  const D d;
+  V w = hn::Mul(hn::Set(d, kAtanh[9]), z);
+  for (int i = 8; i >= 0; --i) w = hn::Mul(hn::Add(w, hn::Set(d, kAtanh[i])), z);
+  return w;
+}
+
+// ln y, y positive and normal: y = 2^e m, m next to 1, by atanh((m - 1)/(m + 1)). Within 3e-16 and
+// 1 ulp.
+HWY_INLINE V Ln(V y) {
+  const D d;
+  const hn::RebindToUnsigned<D> du;
+  constexpr uint64_t kHalfRoot = 0x3FE6A09E667F3BCD, kTwo52 = 0x4330000000000000;
+  const auto shifted = hn::Add(hn::BitCast(du, y), hn::Set(du, (uint64_t{1023} << 52) - kHalfRoot));
+  const V e = hn::Sub(hn::BitCast(d, hn::Or(hn::ShiftRight<52>(shifted), hn::Set(du, kTwo52))),
+                      hn::Set(d, 0x1p52 + 1023));
+  const V m = hn::BitCast(
+      d, hn::Add(hn::And(shifted, hn::Set(du, (uint64_t{1} << 52) - 1)), hn::Set(du, kHalfRoot)));
+  const V one = hn::Set(d, 1.0), s = hn::Div(hn::Sub(m, one), hn::Add(m, one));
+  const V log = hn::Add(s, hn::Mul(s, AtanhSeries(hn::Mul(s, s))));
+  return hn::Add(hn::Mul(e, hn::Set(d, 0x1.62e42fefa39efp-1)), hn::Add(log, log));
+}
+
+// w <= f(k)/f(mode). `rare`: where the series do not reach, far out in a tail.
+template <int kCells>
+HWY_INLINE M Accepts(const Hat<kCells>& hat, V k, V w, M* rare) {
+  const D d;
+  const V one = hn::Set(d, 1.0), distance = hn::Sub(k, hn::Set(d, hat.law.mean[0]));
+  V sum = hn::Zero(d), cells = hn::Set(d, hat.per_mode), least = hn::Set(d, kStirlingFrom),
+    most = hn::Zero(d);
+  for (int i = 0; i < kCells; ++i) {
+    const V start = hn::Set(d, hat.law.start[i]), mean = hn::Set(d, hat.law.mean[i]);
+    const V x = kSteps[i] > 0 ? hn::Add(start, k) : hn::Sub(start, k);
+    const V off = kSteps[i] > 0 ? distance : hn::Neg(distance);
+    const V v = hn::Div(off, hn::Add(x, mean));
+    const V series = AtanhSeries(hn::Mul(v, v));
+    sum = hn::Add(sum, hn::Mul(v, hn::Add(off, hn::Mul(hn::Add(x, x), series))));
+    const V r = hn::Div(one, x), y = hn::Mul(r, r);
+    V delta = hn::Sub(hn::Set(d, kStirling[2]), hn::Mul(hn::Set(d, kStirling[3]), y));
+    delta = hn::Sub(hn::Set(d, kStirling[1]), hn::Mul(delta, y));
+    delta = hn::Sub(hn::Set(d, kStirling[0]), hn::Mul(delta, y));
+    sum = hn::Add(sum, hn::Mul(delta, r));
+    cells = hn::Mul(cells, x);
+    least = hn::Min(least, x);
+    most = hn::Max(most, hn::Abs(v));
+  }
+  *rare =
+      hn::Or(hn::Lt(least, hn::Set(d, kStirlingFrom)), hn::Gt(most, hn::Set(d, kMostForSeries)));
+  const V room = hn::Sub(hn::Set(d, hat.peak.height), sum);
+  const V weighed = hn::Max(hn::Mul(hn::Mul(w, w), cells), hn::Set(d, 0x1p-1000));
+  return hn::Le(Ln(weighed), hn::Add(room, room));
+}
+
+constexpr int32_t kNone = -1;
+
+// The counts of m candidates, kNone for those rejected; of the doubtful ones their w and place.
+struct Candidates {
+  HWY_ALIGN int32_t k[kBlock];
+  int32_t doubtful = 0;
+  HWY_ALIGN double doubtful_k[kBlock + kLanes], w[kBlock + kLanes];
+  HWY_ALIGN int32_t place[kBlock + kLanes];
+};
+
+template <int kCells>
+HWY_INLINE void Propose(const Hat<kCells>& hat, int32_t m, const double* u, Candidates* all) {
+  const D d;
+  const hn::Rebind<int32_t, D> di;
+  const V half = hn::Set(d, 0.5), a = hn::Set(d, hat.a), b = hn::Set(d, hat.b);
+  const V twice_a = hn::Add(a, a), c = hn::Set(d, hat.c), most = hn::Set(d, hat.law.most);
+  const V alpha = hn::Set(d, hat.alpha), v_sure = hn::Set(d, hat.v_sure);
+  const V inside = hn::Set(d, kInside), none = hn::Set(d, double{kNone});
+  int32_t doubtful = 0;
+  for (int32_t i = 0; i < m; i += kLanes) {
+    V first, v;
+    hn::LoadInterleaved2(d, u + 2 * i, first, v);
+    const V x = hn::Sub(first, half), edge = hn::Sub(half, hn::Abs(x));
+    const V r = hn::Div(hn::Set(d, 1.0), edge);
+    const V k = hn::Floor(hn::Add(hn::Mul(hn::Add(hn::Mul(twice_a, r), b), x), c));
+    const M sure = hn::And(hn::Ge(edge, inside), hn::Le(v, v_sure));
+    const M within = hn::And(hn::Ge(k, hn::Zero(d)), hn::Le(k, most));
+    const M unsure = hn::AndNot(sure, within);
+    hn::Store(hn::DemoteTo(di, hn::IfThenElse(within, k, none)), di, all->k + i);
+    const V w = hn::Div(hn::Mul(v, alpha), hn::Add(hn::Mul(hn::Mul(a, r), r), b));
+    hn::StoreU(hn::Compress(k, unsure), d, all->doubtful_k + doubtful);
+    hn::StoreU(hn::Compress(w, unsure), d, all->w + doubtful);
+    const V place = hn::Compress(hn::Iota(d, static_cast<double>(i)), unsure);
+    hn::StoreU(hn::DemoteTo(di, place), di, all->place + doubtful);
+    doubtful += static_cast<int32_t>(hn::CountTrue(d, unsure));
+  }
+  all->doubtful = doubtful;
+}
+
+template <int kCells>
+HWY_INLINE void Test(const Hat<kCells>& hat, Candidates* all) {
+  const D d;
+  const hn::Rebind<int32_t, D> di;
+  const int32_t n = all->doubtful;
+  hn::StoreU(hn::Set(d, hat.law.mode), d, all->doubtful_k + n);  // the rest of the last vector
+  hn::StoreU(hn::Zero(d), d, all->w + n);
+  for (int32_t i = 0; i < n; i += kLanes) {
+    const V k = hn::Load(d, all->doubtful_k + i), w = hn::Load(d, all->w + i);
+    M rare;
+    const M accepted = Accepts(hat, k, w, &rare);
+    HWY_ALIGN int32_t verdict[kLanes];
+    hn::Store(hn::DemoteTo(di, hn::IfThenElse(accepted, k, hn::Set(d, double{kNone}))), di,
+              verdict);
+    const int32_t lanes = std::min(kLanes, n - i);
+    if (HWY_UNLIKELY(!hn::AllFalse(d, rare))) {
+      HWY_ALIGN double is_rare[kLanes];
+      hn::Store(hn::IfThenElseZero(rare, hn::Set(d, 1.0)), d, is_rare);
+      for (int32_t j = 0; j < lanes; ++j) {
+        if (is_rare[j] == 0) continue;
+        const double at = all->doubtful_k[i + j];
+        verdict[j] = hat.Accepts(at, all->w[i + j]) ? static_cast<int32_t>(at) : kNone;
+      }
+    }
+    for (int32_t j = 0; j < lanes; ++j) all->k[all->place[i + j]] = verdict[j];
+  }
+}
+
+// Never a store beyond r[m - 1]: a whole vector goes where no more than i numbers stand before it.
+HWY_INLINE int32_t Pack(int32_t m, const int32_t* k, Reflection reflected, int32_t* r) {
+  const hn::ScalableTag<int32_t> d;
+  constexpr int32_t kWide = hn::MaxLanes(d);
+  const auto offset = hn::Set(d, reflected.offset), sign = hn::Set(d, reflected.sign);
+  int32_t count = 0, i = 0;
+  for (; i + kWide <= m; i += kWide) {
+    const auto x = hn::Load(d, k + i);
+    const auto accepted = hn::Gt(x, hn::Set(d, kNone));
+    const auto result = hn::Add(hn::Mul(x, sign), offset);
+    hn::StoreU(hn::Compress(result, accepted), d, r + count);
+    count += static_cast<int32_t>(hn::CountTrue(d, accepted));
+  }
+  for (; i < m; ++i) {
+    if (k[i] >= 0) Put(r + count++, reflected(k[i]));
+  }
+  return count;
+}
+
+template <int kCells>
+HWY_INLINE int32_t Sieve(const Hat<kCells>& hat, int32_t m, double* u, int32_t* r) {
+  Candidates all;
+  // The last vector is filled up with candidates that are rejected.
+  for (int32_t i = m; i % kLanes != 0; ++i) u[2 * i] = u[2 * i + 1] = 0;
+  Propose(hat, m, u, &all);
+  Test(hat, &all);
+  return Pack(m, all.k, hat.reflected, r);
+}
+
+int32_t Sieve2(const Hat<2>& hat, int32_t m, double* u, int32_t* r) { return Sieve(hat, m, u, r); }
+int32_t Sieve4(const Hat<4>& hat, int32_t m, double* u, int32_t* r) { return Sieve(hat, m, u, r); }
+
+}  // namespace quo::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace quo {
+
+HWY_EXPORT(Sieve2);
+HWY_EXPORT(Sieve4);
+
+template <int kCells>
+Peak PeakOf(const Cells<kCells>& law) {
+  Peak peak = {law.Log(law.mode), 0};
+  for (int i = 0; i < kCells; ++i) {
+    const double x = law.X(i, law.mode);
+    peak.height +=
+        StirlingError(x) + Deviance(x, law.mean[i], kSteps[i] * (law.mode - law.mean[0]));
+  }
+  return peak;
+}
+template Peak PeakOf(const Cells<2>&);
+template Peak PeakOf(const Cells<4>&);
+
+int32_t DrawByRejection(StreamState* stream, int32_t n, int32_t* r, const Cells<2>& law,
+                        const Peak& peak, Reflection reflected) {
+  const Hat<2> hat(law, peak, reflected);
+  return Reject<2, kBlock>(stream, n, r, [&](int32_t m, double* u, int32_t* to) {
+    return HWY_DYNAMIC_DISPATCH(Sieve2)(hat, m, u, to);
+  });
+}
+
+int32_t DrawByRejection(StreamState* stream, int32_t n, int32_t* r, const Cells<4>& law,
+                        const Peak& peak, Reflection reflected) {
+  const Hat<4> hat(law, peak, reflected);
+  return Reject<2, kBlock>(stream, n, r, [&](int32_t m, double* u, int32_t* to) {
+    return HWY_DYNAMIC_DISPATCH(Sieve4)(hat, m, u, to);
+  });
+}
+
+}  // namespace quo
+#endif
