@@ -112,12 +112,16 @@ HWY_INLINE M Accepts(const Hat<kCells>& hat, V k, V w, M* rare) {
 
 constexpr int32_t kNone = -1;
 
-// The counts of m candidates, kNone for those rejected; of the doubtful ones their w and place.
+// The counts of m candidates, kNone for those rejected, and what they have to pass yet: w, 0 where
+// nothing is left to test. Then the doubtful ones among them. The lists are made one by one,
+// without a branch: that takes less than to compress vectors.
 struct Candidates {
+  HWY_ALIGN double w[kBlock];
   HWY_ALIGN int32_t k[kBlock];
   int32_t doubtful = 0;
-  HWY_ALIGN double doubtful_k[kBlock + kLanes], w[kBlock + kLanes];
-  HWY_ALIGN int32_t place[kBlock + kLanes];
+  int32_t place[kBlock];
+  HWY_ALIGN double doubtful_k[kBlock + kLanes], doubtful_w[kBlock + kLanes];
+  HWY_ALIGN int32_t verdict[kBlock + kLanes];
 };
 
 template <int kCells>
@@ -128,7 +132,6 @@ HWY_INLINE void Propose(const Hat<kCells>& hat, int32_t m, const double* u, Cand
   const V twice_a = hn::Add(a, a), c = hn::Set(d, hat.c), most = hn::Set(d, hat.law.most);
   const V alpha = hn::Set(d, hat.alpha), v_sure = hn::Set(d, hat.v_sure);
   const V inside = hn::Set(d, kInside), none = hn::Set(d, double{kNone});
-  int32_t doubtful = 0;
   for (int32_t i = 0; i < m; i += kLanes) {
     V first, v;
     hn::LoadInterleaved2(d, u + 2 * i, first, v);
@@ -137,16 +140,23 @@ HWY_INLINE void Propose(const Hat<kCells>& hat, int32_t m, const double* u, Cand
     const V k = hn::Floor(hn::Add(hn::Mul(hn::Add(hn::Mul(twice_a, r), b), x), c));
     const M sure = hn::And(hn::Ge(edge, inside), hn::Le(v, v_sure));
     const M within = hn::And(hn::Ge(k, hn::Zero(d)), hn::Le(k, most));
-    const M unsure = hn::AndNot(sure, within);
     hn::Store(hn::DemoteTo(di, hn::IfThenElse(within, k, none)), di, all->k + i);
     const V w = hn::Div(hn::Mul(v, alpha), hn::Add(hn::Mul(hn::Mul(a, r), r), b));
-    hn::StoreU(hn::Compress(k, unsure), d, all->doubtful_k + doubtful);
-    hn::StoreU(hn::Compress(w, unsure), d, all->w + doubtful);
-    const V place = hn::Compress(hn::Iota(d, static_cast<double>(i)), unsure);
-    hn::StoreU(hn::DemoteTo(di, place), di, all->place + doubtful);
-    doubtful += static_cast<int32_t>(hn::CountTrue(d, unsure));
+    hn::Store(hn::IfThenElseZero(hn::AndNot(sure, within), w), d, all->w + i);
   }
-  all->doubtful = doubtful;
+}
+
+HWY_INLINE void ListDoubtful(int32_t m, Candidates* all) {
+  int32_t n = 0;
+  for (int32_t i = 0; i < m; ++i) {
+    all->place[n] = i;
+    n += Get(reinterpret_cast<const int64_t*>(all->w + i)) != 0;
+  }
+  all->doubtful = n;
+  for (int32_t j = 0; j < n; ++j) {
+    all->doubtful_k[j] = all->k[all->place[j]];
+    all->doubtful_w[j] = all->w[all->place[j]];
+  }
 }
 
 template <int kCells>
@@ -155,44 +165,33 @@ HWY_INLINE void Test(const Hat<kCells>& hat, Candidates* all) {
   const hn::Rebind<int32_t, D> di;
   const int32_t n = all->doubtful;
   hn::StoreU(hn::Set(d, hat.law.mode), d, all->doubtful_k + n);  // the rest of the last vector
-  hn::StoreU(hn::Zero(d), d, all->w + n);
+  hn::StoreU(hn::Zero(d), d, all->doubtful_w + n);
   for (int32_t i = 0; i < n; i += kLanes) {
-    const V k = hn::Load(d, all->doubtful_k + i), w = hn::Load(d, all->w + i);
+    const V k = hn::Load(d, all->doubtful_k + i), w = hn::Load(d, all->doubtful_w + i);
     M rare;
-    const M accepted = Accepts(hat, k, w, &rare);
-    HWY_ALIGN int32_t verdict[kLanes];
-    hn::Store(hn::DemoteTo(di, hn::IfThenElse(accepted, k, hn::Set(d, double{kNone}))), di,
-              verdict);
-    const int32_t lanes = std::min(kLanes, n - i);
-    if (HWY_UNLIKELY(!hn::AllFalse(d, rare))) {
-      HWY_ALIGN double is_rare[kLanes];
-      hn::Store(hn::IfThenElseZero(rare, hn::Set(d, 1.0)), d, is_rare);
-      for (int32_t j = 0; j < lanes; ++j) {
-        if (is_rare[j] == 0) continue;
-        const double at = all->doubtful_k[i + j];
-        verdict[j] = hat.Accepts(at, all->w[i + j]) ? static_cast<int32_t>(at) : kNone;
-      }
+    const V verdict = hn::IfThenElse(Accepts(hat, k, w, &rare), k, hn::Set(d, double{kNone}));
+    hn::Store(hn::DemoteTo(di, verdict), di, all->verdict + i);
+    if (HWY_LIKELY(hn::AllFalse(d, rare))) continue;
+    HWY_ALIGN double is_rare[kLanes];
+    hn::Store(hn::IfThenElseZero(rare, hn::Set(d, 1.0)), d, is_rare);
+    for (int32_t j = 0; j < kLanes; ++j) {
+      if (is_rare[j] == 0) continue;
+      const double at = all->doubtful_k[i + j];
+      all->verdict[i + j] =
+          hat.Accepts(at, all->doubtful_w[i + j]) ? static_cast<int32_t>(at) : kNone;
     }
-    for (int32_t j = 0; j < lanes; ++j) all->k[all->place[i + j]] = verdict[j];
   }
+  for (int32_t j = 0; j < n; ++j) all->k[all->place[j]] = all->verdict[j];
 }
 
-// Never a store beyond r[m - 1]: a whole vector goes where no more than i numbers stand before it.
-HWY_INLINE int32_t Pack(int32_t m, const int32_t* k, Reflection reflected, int32_t* r) {
-  const hn::ScalableTag<int32_t> d;
-  constexpr int32_t kWide = hn::MaxLanes(d);
-  const auto offset = hn::Set(d, reflected.offset), sign = hn::Set(d, reflected.sign);
-  int32_t count = 0, i = 0;
-  for (; i + kWide <= m; i += kWide) {
-    const auto x = hn::Load(d, k + i);
-    const auto accepted = hn::Gt(x, hn::Set(d, kNone));
-    const auto result = hn::Add(hn::Mul(x, sign), offset);
-    hn::StoreU(hn::Compress(result, accepted), d, r + count);
-    count += static_cast<int32_t>(hn::CountTrue(d, accepted));
+HWY_INLINE int32_t Pack(int32_t m, int32_t* k, Reflection reflected, int32_t* r) {
+  int32_t count = 0;
+  for (int32_t i = 0; i < m; ++i) {
+    const int32_t x = k[i];
+    k[count] = x;
+    count += x != kNone;
   }
-  for (; i < m; ++i) {
-    if (k[i] >= 0) Put(r + count++, reflected(k[i]));
-  }
+  for (int32_t i = 0; i < count; ++i) Put(r + i, reflected(k[i]));
   return count;
 }
 
@@ -202,6 +201,7 @@ HWY_INLINE int32_t Sieve(const Hat<kCells>& hat, int32_t m, double* u, int32_t* 
   // The last vector is filled up with candidates that are rejected.
   for (int32_t i = m; i % kLanes != 0; ++i) u[2 * i] = u[2 * i + 1] = 0;
   Propose(hat, m, u, &all);
+  ListDoubtful(m, &all);
   Test(hat, &all);
   return Pack(m, all.k, hat.reflected, r);
 }
