@@ -16,27 +16,22 @@
 #define QUO_KERNEL_DISCRETE__KERNEL_TRANSFORMED_REJECTION_CC_
 namespace quo {
 
-constexpr int32_t kBlock = 256;   // candidates, a whole number of vectors
-constexpr double kInside = 0.07;  // 1/2 - |u - 1/2| from which v alone accepts, up to v_sure
+constexpr int32_t kBlock = 256;  // candidates, a whole number of vectors
 
 template <int kCells>
-struct Hat {
+struct Target {
   const Cells<kCells>& law;
   const Peak& peak;
   Reflection reflected;
-  double a, b, c, alpha, v_sure;
-  double per_mode;  // 1 by the cells of the mode
+  TableMountain hat;
+  double per_mode = 1;  // 1 by the cells of the mode
 
-  Hat(const Cells<kCells>& l, const Peak& p, Reflection r) : law(l), peak(p), reflected(r) {
-    const double deviation = __quodSqrt(law.variance);
-    b = 1.15 + 2.53 * deviation;
-    a = -0.0873 + 0.0248 * b + (kCells == 2 ? 0.01 * law.mean[0] / law.start[1] : 0);
-    c = law.mean[0] + 0.5;
-    alpha = (2.83 + 5.1 / b) * deviation;
-    v_sure = 0.92 - 4.2 / b;
-    double cells = 1;
-    for (int i = 0; i < kCells; ++i) cells *= law.X(i, law.mode);
-    per_mode = 1 / cells;
+  Target(const Cells<kCells>& l, const Peak& p, Reflection to)
+      : law(l),
+        peak(p),
+        reflected(to),
+        hat(l.mean[0], l.variance, kCells == 2 ? l.mean[0] / l.margins[0] : 0) {
+    for (int i = 0; i < kCells; ++i) per_mode /= law.X(i, law.mode);
   }
 
   // w <= f(k)/f(mode), by the full sums.
@@ -82,13 +77,13 @@ HWY_INLINE V Ln(V y) {
 
 // w <= f(k)/f(mode). `rare`: where the series do not reach, far out in a tail.
 template <int kCells>
-HWY_INLINE M Accepts(const Hat<kCells>& hat, V k, V w, M* rare) {
+HWY_INLINE M Accepts(const Target<kCells>& target, V k, V w, M* rare) {
   const D d;
-  const V one = hn::Set(d, 1.0), distance = hn::Sub(k, hn::Set(d, hat.law.mean[0]));
-  V sum = hn::Zero(d), cells = hn::Set(d, hat.per_mode), least = hn::Set(d, kStirlingFrom),
+  const V one = hn::Set(d, 1.0), distance = hn::Sub(k, hn::Set(d, target.law.mean[0]));
+  V sum = hn::Zero(d), cells = hn::Set(d, target.per_mode), least = hn::Set(d, kStirlingFrom),
     most = hn::Zero(d);
   for (int i = 0; i < kCells; ++i) {
-    const V start = hn::Set(d, hat.law.start[i]), mean = hn::Set(d, hat.law.mean[i]);
+    const V start = hn::Set(d, target.law.start[i]), mean = hn::Set(d, target.law.mean[i]);
     const V x = kSteps[i] > 0 ? hn::Add(start, k) : hn::Sub(start, k);
     const V off = kSteps[i] > 0 ? distance : hn::Neg(distance);
     const V v = hn::Div(off, hn::Add(x, mean));
@@ -105,7 +100,7 @@ HWY_INLINE M Accepts(const Hat<kCells>& hat, V k, V w, M* rare) {
   }
   *rare =
       hn::Or(hn::Lt(least, hn::Set(d, kStirlingFrom)), hn::Gt(most, hn::Set(d, kMostForSeries)));
-  const V room = hn::Sub(hn::Set(d, hat.peak.height), sum);
+  const V room = hn::Sub(hn::Set(d, target.peak.height), sum);
   const V weighed = hn::Max(hn::Mul(hn::Mul(w, w), cells), hn::Set(d, 0x1p-1000));
   return hn::Le(Ln(weighed), hn::Add(room, room));
 }
@@ -125,13 +120,15 @@ struct Candidates {
 };
 
 template <int kCells>
-HWY_INLINE void Propose(const Hat<kCells>& hat, int32_t m, const double* u, Candidates* all) {
+HWY_INLINE void Propose(const Target<kCells>& target, int32_t m, const double* u, Candidates* all) {
   const D d;
   const hn::Rebind<int32_t, D> di;
+  const TableMountain& hat = target.hat;
   const V half = hn::Set(d, 0.5), a = hn::Set(d, hat.a), b = hn::Set(d, hat.b);
-  const V twice_a = hn::Add(a, a), c = hn::Set(d, hat.c), most = hn::Set(d, hat.law.most);
+  const V twice_a = hn::Add(a, a), c = hn::Set(d, hat.c), most = hn::Set(d, target.law.most);
   const V alpha = hn::Set(d, hat.alpha), v_sure = hn::Set(d, hat.v_sure);
-  const V inside = hn::Set(d, kInside), none = hn::Set(d, double{kNone});
+  const V inside = hn::Set(d, TableMountain::kInside), rim = hn::Set(d, TableMountain::kRim);
+  const V none = hn::Set(d, double{kNone});
   for (int32_t i = 0; i < m; i += kLanes) {
     V first, v;
     hn::LoadInterleaved2(d, u + 2 * i, first, v);
@@ -139,7 +136,8 @@ HWY_INLINE void Propose(const Hat<kCells>& hat, int32_t m, const double* u, Cand
     const V r = hn::Div(hn::Set(d, 1.0), edge);
     const V k = hn::Floor(hn::Add(hn::Mul(hn::Add(hn::Mul(twice_a, r), b), x), c));
     const M sure = hn::And(hn::Ge(edge, inside), hn::Le(v, v_sure));
-    const M within = hn::And(hn::Ge(k, hn::Zero(d)), hn::Le(k, most));
+    const M lost = hn::And(hn::Lt(edge, rim), hn::Gt(v, edge));
+    const M within = hn::AndNot(lost, hn::And(hn::Ge(k, hn::Zero(d)), hn::Le(k, most)));
     hn::Store(hn::DemoteTo(di, hn::IfThenElse(within, k, none)), di, all->k + i);
     const V w = hn::Div(hn::Mul(v, alpha), hn::Add(hn::Mul(hn::Mul(a, r), r), b));
     hn::Store(hn::IfThenElseZero(hn::AndNot(sure, within), w), d, all->w + i);
@@ -160,16 +158,16 @@ HWY_INLINE void ListDoubtful(int32_t m, Candidates* all) {
 }
 
 template <int kCells>
-HWY_INLINE void Test(const Hat<kCells>& hat, Candidates* all) {
+HWY_INLINE void Test(const Target<kCells>& target, Candidates* all) {
   const D d;
   const hn::Rebind<int32_t, D> di;
   const int32_t n = all->doubtful;
-  hn::StoreU(hn::Set(d, hat.law.mode), d, all->doubtful_k + n);  // the rest of the last vector
+  hn::StoreU(hn::Set(d, target.law.mode), d, all->doubtful_k + n);  // the rest of the last vector
   hn::StoreU(hn::Zero(d), d, all->doubtful_w + n);
   for (int32_t i = 0; i < n; i += kLanes) {
     const V k = hn::Load(d, all->doubtful_k + i), w = hn::Load(d, all->doubtful_w + i);
     M rare;
-    const V verdict = hn::IfThenElse(Accepts(hat, k, w, &rare), k, hn::Set(d, double{kNone}));
+    const V verdict = hn::IfThenElse(Accepts(target, k, w, &rare), k, hn::Set(d, double{kNone}));
     hn::Store(hn::DemoteTo(di, verdict), di, all->verdict + i);
     if (HWY_LIKELY(hn::AllFalse(d, rare))) continue;
     HWY_ALIGN double is_rare[kLanes];
@@ -178,7 +176,7 @@ HWY_INLINE void Test(const Hat<kCells>& hat, Candidates* all) {
       if (is_rare[j] == 0) continue;
       const double at = all->doubtful_k[i + j];
       all->verdict[i + j] =
-          hat.Accepts(at, all->doubtful_w[i + j]) ? static_cast<int32_t>(at) : kNone;
+          target.Accepts(at, all->doubtful_w[i + j]) ? static_cast<int32_t>(at) : kNone;
     }
   }
   for (int32_t j = 0; j < n; ++j) all->k[all->place[j]] = all->verdict[j];
@@ -196,18 +194,22 @@ HWY_INLINE int32_t Pack(int32_t m, int32_t* k, Reflection reflected, int32_t* r)
 }
 
 template <int kCells>
-HWY_INLINE int32_t Sieve(const Hat<kCells>& hat, int32_t m, double* u, int32_t* r) {
+HWY_INLINE int32_t Sieve(const Target<kCells>& target, int32_t m, double* u, int32_t* r) {
   Candidates all;
   // The last vector is filled up with candidates that are rejected.
   for (int32_t i = m; i % kLanes != 0; ++i) u[2 * i] = u[2 * i + 1] = 0;
-  Propose(hat, m, u, &all);
+  Propose(target, m, u, &all);
   ListDoubtful(m, &all);
-  Test(hat, &all);
-  return Pack(m, all.k, hat.reflected, r);
+  Test(target, &all);
+  return Pack(m, all.k, target.reflected, r);
 }
 
-int32_t Sieve2(const Hat<2>& hat, int32_t m, double* u, int32_t* r) { return Sieve(hat, m, u, r); }
-int32_t Sieve4(const Hat<4>& hat, int32_t m, double* u, int32_t* r) { return Sieve(hat, m, u, r); }
+int32_t Sieve2(const Target<2>& target, int32_t m, double* u, int32_t* r) {
+  return Sieve(target, m, u, r);
+}
+int32_t Sieve4(const Target<4>& target, int32_t m, double* u, int32_t* r) {
+  return Sieve(target, m, u, r);
+}
 
 }  // namespace quo::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -233,17 +235,17 @@ template Peak PeakOf(const Cells<4>&);
 
 int32_t DrawByRejection(StreamState* stream, int32_t n, int32_t* r, const Cells<2>& law,
                         const Peak& peak, Reflection reflected) {
-  const Hat<2> hat(law, peak, reflected);
+  const Target<2> target(law, peak, reflected);
   return Reject<2, kBlock>(stream, n, r, [&](int32_t m, double* u, int32_t* to) {
-    return HWY_DYNAMIC_DISPATCH(Sieve2)(hat, m, u, to);
+    return HWY_DYNAMIC_DISPATCH(Sieve2)(target, m, u, to);
   });
 }
 
 int32_t DrawByRejection(StreamState* stream, int32_t n, int32_t* r, const Cells<4>& law,
                         const Peak& peak, Reflection reflected) {
-  const Hat<4> hat(law, peak, reflected);
+  const Target<4> target(law, peak, reflected);
   return Reject<2, kBlock>(stream, n, r, [&](int32_t m, double* u, int32_t* to) {
-    return HWY_DYNAMIC_DISPATCH(Sieve4)(hat, m, u, to);
+    return HWY_DYNAMIC_DISPATCH(Sieve4)(target, m, u, to);
   });
 }
 
