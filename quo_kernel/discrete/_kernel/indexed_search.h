@@ -102,46 +102,66 @@ int32_t SearchBeyond(const Cells<kCells>& law, double edge, int step, double t) 
   return static_cast<int32_t>(k);
 }
 
+// The table in the order of the search. A value is known by the number x of thresholds up to u: 0
+// and count + 1 are beyond the table.
+class ThresholdIndex {
+ public:
+  explicit ThresholdIndex(const ValueTable& table) : count_(static_cast<uint32_t>(table.count)) {
+    threshold_[0] = table.below;
+    std::copy_n(table.upto, count_, threshold_ + 1);
+    threshold_[count_ + 1] = std::numeric_limits<double>::infinity();
+  }
+
+  // For At.
+  void MakeCells() {
+    uint32_t x = 0;
+    for (int i = 0; i < kCells; ++i) {
+      const uint32_t first = x;
+      while (x <= count_ && threshold_[x] * kCells < i + 1) ++x;
+      threshold_in_[i] = threshold_[first];
+      first_[i] = static_cast<uint8_t>(x - first > 1 ? kSeveral : first);
+    }
+  }
+
+  // In two comparisons: x, or something else beyond 1 to count for Search to tell. Anything where u
+  // is not from [0, 1).
+  uint32_t At(double u) const {
+    const int cell = _mm_cvttsd_si32(_mm_set_sd(u * kCells)) & (kCells - 1);
+    return first_[cell] + (threshold_in_[cell] <= u);
+  }
+
+  uint32_t Search(double u) const {
+    return static_cast<uint32_t>(std::upper_bound(threshold_, threshold_ + count_ + 1, u) -
+                                 threshold_);
+  }
+
+ private:
+  static constexpr int kCells = 256;
+  static constexpr uint32_t kSeveral = 128;
+  static_assert(kSeveral > ValueTable::kMost + 1);
+
+  const uint32_t count_;
+  double threshold_[ValueTable::kMost + 2];
+  double threshold_in_[kCells];  // cell i of u, from i/kCells: the first threshold in it or above
+  uint8_t first_[kCells];        // the number of the thresholds before that one
+};
+
 // n numbers. The table is one that fits the law.
 template <int kCells>
 int32_t DrawByTable(StreamState* stream, int32_t n, int32_t* r, const Cells<kCells>& law,
                     const ValueTable& table, Reflection reflected) {
-  constexpr int32_t kBlock = 1024, kIndex = 256, kWorthIndex = 8;
+  constexpr int32_t kBlock = 1024, kWorthCells = 32;
   const auto count = static_cast<uint32_t>(table.count);
-  // The number of thresholds up to u is that of the value: 0 and count + 1 are beyond the table.
-  // What a user's generator gives beyond [0, 1) leads two further at most.
-  double threshold[ValueTable::kMost + 4];
-  threshold[0] = table.below;
-  std::copy_n(table.upto, count, threshold + 1);
-  std::fill(threshold + count + 1, std::end(threshold), std::numeric_limits<double>::infinity());
+  const int32_t before = table.first - 1;
+  ThresholdIndex index(table);
+  if (n >= kWorthCells) index.MakeCells();
 
-  uint8_t index[kIndex];  // how many thresholds are up to i/kIndex
-  if (n >= kWorthIndex) {
-    uint8_t x = 0;
-    for (int i = 0; i < kIndex; ++i) {
-      while (x <= count && threshold[x] * kIndex <= i) ++x;
-      index[i] = x;
-    }
-  }
-  const auto find = [&](double u) {
-    if (n < kWorthIndex) {
-      return static_cast<uint32_t>(
-          std::count_if(threshold, threshold + count + 1, [u](double t) { return t <= u; }));
-    }
-    // Any bits where u is not from [0, 1).
-    uint32_t x = index[_mm_cvttsd_si32(_mm_set_sd(u * kIndex)) & (kIndex - 1)];
-    x += threshold[x] <= u;
-    x += threshold[x] <= u;
-    while (threshold[x] <= u && x <= count) [[unlikely]]++ x;
-    return x;
-  };
-  const auto beyond = [&](double u) {
+  const auto search = [&](double u) {
     if (u == 0) u = 0x1p-33;
-    const uint32_t x = find(u);
-    const double edge = table.first - 1.0 + x;
-    if (x == 0) return SearchBeyond(law, edge, -1, u);
-    return x > count ? SearchBeyond(law, table.first + (count + 0.0), 1, 1 - u)
-                     : static_cast<int32_t>(edge);
+    const uint32_t x = index.Search(u);
+    if (x == 0) return SearchBeyond(law, before, -1, u);
+    if (x > count) return SearchBeyond(law, before + static_cast<double>(x), 1, 1 - u);
+    return before + static_cast<int32_t>(x);
   };
 
   alignas(64) double u[kBlock];
@@ -150,11 +170,13 @@ int32_t DrawByTable(StreamState* stream, int32_t n, int32_t* r, const Cells<kCel
     const int32_t m = std::min(left, kBlock);
     status = Generate(stream, m, u, 0.0, 1.0);
     if (status < 0) break;
+    if (n < kWorthCells) {
+      for (int32_t i = 0; i < m; ++i) Put(r + i, reflected(search(u[i])));
+      break;
+    }
     for (int32_t i = 0; i < m; ++i) {
-      const uint32_t x = find(u[i]);
-      int32_t k = table.first + static_cast<int32_t>(x) - 1;
-      if (x - 1 >= count) [[unlikely]]
-        k = beyond(u[i]);
+      const uint32_t x = index.At(u[i]);
+      const int32_t k = x - 1 < count ? before + static_cast<int32_t>(x) : search(u[i]);
       Put(r + i, reflected(k));
     }
   }
