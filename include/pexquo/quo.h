@@ -477,6 +477,19 @@ QUO_API int32_t _quoiRngGeometric(uint32_t method, StreamState* stream, int32_t 
 
 /* ---- Distributions: Poisson and negative binomial. ---- */
 
+/* Methods of the Poisson distribution. */
+#define QUO_METHOD_POISSON_PTPE 0u   /* exact: a table, or rejection */
+#define QUO_METHOD_POISSON_NORMAL 1u /* a table, or a normal number made discrete */
+/* Method of the Poisson distribution with varying means. */
+#define QUO_METHOD_POISSONV_NORMAL 0u
+
+QUO_API int32_t _quoiRngPoisson(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
+                                double lambda);
+QUO_API int32_t _quoiRngPoissonV(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
+                                 const double* lambda);
+QUO_API int32_t _quoiRngNegbinomial(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
+                                    double a, double p);
+
 #ifdef __cplusplus
 }
 #endif
