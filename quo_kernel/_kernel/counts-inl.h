@@ -63,13 +63,13 @@ class Selection {
   template <class M>
   explicit HWY_INLINE Selection(M mask)
       : bits_(static_cast<unsigned>(_mm256_movemask_pd(mask.raw))),
-        order_(_mm256_cvtepu8_epi32(_mm_loadl_epi64(
-            reinterpret_cast<const __m128i*>(kHalvesOfSelected.of[bits_])))) {}
+        order_(_mm256_cvtepu8_epi32(
+            _mm_loadl_epi64(reinterpret_cast<const __m128i*>(kHalvesOfSelected.of[bits_])))) {}
   HWY_INLINE size_t Count() const { return static_cast<size_t>(__builtin_popcount(bits_)); }
   template <class V>
   HWY_INLINE void Store(V v, double* p) const {
-    _mm256_storeu_pd(p, _mm256_castps_pd(
-                            _mm256_permutevar8x32_ps(_mm256_castpd_ps(v.raw), order_)));
+    _mm256_storeu_pd(p,
+                     _mm256_castps_pd(_mm256_permutevar8x32_ps(_mm256_castpd_ps(v.raw), order_)));
   }
 
  private:
@@ -77,8 +77,7 @@ class Selection {
   __m256i order_;
 #else
   template <class M>
-  explicit HWY_INLINE Selection(M mask)
-      : bits_(static_cast<unsigned>(_mm_movemask_pd(mask.raw))) {}
+  explicit HWY_INLINE Selection(M mask) : bits_(static_cast<unsigned>(_mm_movemask_pd(mask.raw))) {}
   HWY_INLINE size_t Count() const { return (bits_ & 1) + (bits_ >> 1); }
   template <class V>
   HWY_INLINE void Store(V v, double* p) const {

@@ -16,10 +16,10 @@
 namespace quo {
 
 // cdf[k] = F(k), of the ratios f(k + 1)/f(k) = ratio(k) of probabilities, up to the k beyond which
-// less than 2^-55 is left: its cdf is 1. Every cdf is 1 minus the sum of what is above, so the upper
-// tail keeps its relative accuracy as far as doubles below 1 go. From where they fall below 1, no
-// later ratio may be above max(this one, last_ratio). Returns the length of the table, 0 if it
-// would be more than `room`.
+// less than 2^-55 is left: its cdf is 1. Every cdf is 1 minus the sum of what is above, so the
+// upper tail keeps its relative accuracy as far as doubles below 1 go. From where they fall below
+// 1, no later ratio may be above max(this one, last_ratio). Returns the length of the table, 0 if
+// it would be more than `room`.
 template <class Ratio>
 int32_t TabulateDistribution(int32_t room, double* cdf, double last_ratio, Ratio ratio) {
   double f = 1, sum = 1;
@@ -63,7 +63,7 @@ class InversionTable {
     u = u < kBelowOne ? u : kBelowOne;
     int32_t k = guide_[static_cast<int32_t>(u * cells_)];
     k += cdf_[k] <= u;
-    while (cdf_[k] <= u) [[unlikely]] ++k;
+    while (cdf_[k] <= u) [[unlikely]]++ k;
     return k;
   }
 

@@ -26,8 +26,8 @@ HWY_INLINE V NormalPoisson(D d, V e, V lambda, V root) {
   constexpr double kSqrt2 = 0x1.6a09e667f3bcdp+0;
   const V e2 = hn::Mul(e, e), inverse = hn::Div(set(1.0), root);
   // By powers of 1/sqrt(lambda), from the last.
-  const V c2 = hn::Add(hn::Mul(hn::Add(hn::Mul(e2, set(2.0 / 135)), set(7.0 / 405)), e2),
-                       set(-8.0 / 405));
+  const V c2 =
+      hn::Add(hn::Mul(hn::Add(hn::Mul(e2, set(2.0 / 135)), set(7.0 / 405)), e2), set(-8.0 / 405));
   const V c1 = hn::Mul(hn::Add(e2, set(1.0)), hn::Mul(e, set(-kSqrt2 / 36)));
   const V c0 = hn::Mul(hn::Add(e2, set(1.0)), set(1.0 / 3));
   const V small = hn::Add(hn::Mul(hn::Add(hn::Mul(c2, inverse), c1), inverse), c0);

@@ -1,12 +1,12 @@
-// Poisson with one mean: below a mean of 27 by the table of its distribution function, from there on
-// by rejection, PTPE, or by a normal number.
+// Poisson with one mean: below a mean of 27 by the table of its distribution function, from there
+// on by rejection, PTPE, or by a normal number.
 //
-// PTPE is V. Kachitvichyanukul, B. W. Schmeiser, "The generation of Poisson random variates" (1981):
-// below the histogram f(floor(x))/f(M), M the mode, lies a triangle about M + 1/2, from xL to xR, and
-// above it a hat of two parallelograms of height c over the triangle's sides and exponential tails
-// outside. A point is drawn uniformly under triangle and hat; in the triangle, three quarters of
-// all, its floor is the count, elsewhere if it falls below the histogram. That the triangle lies
-// below the histogram and the hat above was verified for means from 10 to 10^7.
+// PTPE is V. Kachitvichyanukul, B. W. Schmeiser, "The generation of Poisson random variates"
+// (1981): below the histogram f(floor(x))/f(M), M the mode, lies a triangle about M + 1/2, from xL
+// to xR, and above it a hat of two parallelograms of height c over the triangle's sides and
+// exponential tails outside. A point is drawn uniformly under triangle and hat; in the triangle,
+// three quarters of all, its floor is the count, elsewhere if it falls below the histogram. That
+// the triangle lies below the histogram and the hat above was verified for means from 10 to 10^7.
 //
 // A block of candidates goes through a pass that stores the counts of the triangle and puts the
 // rest aside, vector functions and two passes that decide on the rest, and one that collects what
@@ -145,7 +145,8 @@ HWY_INLINE V LogRatio(const Ptpe& ptpe, V lambda, V norm, V k, V log) {
   const V deviance = hn::Sub(hn::Mul(z, log), hn::Sub(z, lambda));
   const V ratio = hn::Sub(hn::Sub(StirlingCorrection(d, z), deviance), norm);
   const auto is_small = hn::Lt(k, hn::Set(d, 16.0));
-  if (hn::AllFalse(d, is_small)) [[likely]] return ratio;
+  if (hn::AllFalse(d, is_small)) [[likely]]
+    return ratio;
   const hn::RebindToSigned<D> di;
   const auto index = hn::ConvertTo(di, hn::IfThenElseZero(is_small, k));
   return hn::IfThenElse(is_small, hn::GatherIndex(d, ptpe.small, index), ratio);
@@ -210,8 +211,9 @@ struct PoissonSetUp {
 
   bool IsTable() const { return lambda < kTabulatedBelow; }
   int32_t TableSize() const {
-    return static_cast<int32_t>((std::min<uint64_t>(head.used, sizeof(*this)) -
-                                 offsetof(PoissonSetUp, cdf)) / sizeof(double));
+    return static_cast<int32_t>(
+        (std::min<uint64_t>(head.used, sizeof(*this)) - offsetof(PoissonSetUp, cdf)) /
+        sizeof(double));
   }
   bool IsFor(double mean) const {
     if (lambda != mean) return false;

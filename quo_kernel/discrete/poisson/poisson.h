@@ -12,7 +12,9 @@ namespace quo {
 inline constexpr double kNormalFrom = 27;
 
 // What is not above 0 counts as 0. Beyond 2^32, as there, every count is at least 2^31 - 1.
-inline double SoundMean(double lambda) { return lambda > 0 ? (lambda < 0x1p32 ? lambda : 0x1p32) : 0; }
+inline double SoundMean(double lambda) {
+  return lambda > 0 ? (lambda < 0x1p32 ? lambda : 0x1p32) : 0;
+}
 
 // The logarithm of 0 and the inverse error function at and beyond its poles stay finite.
 inline int ReplaceForPoisson(PexErrorContext* record) {

@@ -1,5 +1,5 @@
-// Poisson with a mean for each number, from one uniform u each: below a mean of 27 by inversion, the
-// least k with F(k) > u, from there on by the normal expansion.
+// Poisson with a mean for each number, from one uniform u each: below a mean of 27 by inversion,
+// the least k with F(k) > u, from there on by the normal expansion.
 //
 // A block's large means go through the expansion all at once, its small ones are gathered and
 // searched side by side from 0 on, until the last has found its count.
