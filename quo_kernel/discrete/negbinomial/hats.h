@@ -4,10 +4,10 @@
 
 #include <cstdint>
 
+#include "quo_kernel/_kernel/candidates.h"
+
 namespace quo {
 
-inline constexpr int32_t kNbBlock = 512;
-inline constexpr int32_t kNbPad = 8;      // lanes of the widest vector
 inline constexpr int32_t kNbFewest = 16;  // Stirling's series serves from this count on
 
 // ln f(k), less what all counts have in common, z = k + 1/2 and w = k + a - 1/2: in the form
@@ -50,12 +50,12 @@ struct NbConvex {
 
 // Candidates that are not accepted at sight.
 struct NbAside {
-  alignas(64) double index[kNbBlock + kNbPad];  // in the block
-  alignas(64) double place[kNbBlock + kNbPad];  // between 0 and `total`; then the count
-  alignas(64) double v[kNbBlock + kNbPad];      // the second uniform; then its logarithm
-  alignas(64) double t[kNbBlock + kNbPad];      // then the logarithm of the hat
-  alignas(64) double log1[kNbBlock + kNbPad];   // arguments, then values of logarithms
-  alignas(64) double log2[kNbBlock + kNbPad];
+  PerCandidate index;  // in the block
+  PerCandidate place;  // between 0 and `total`; then the count
+  PerCandidate v;      // the second uniform; then its logarithm
+  PerCandidate t;      // then the logarithm of the hat
+  PerCandidate log1;   // arguments, then values of logarithms
+  PerCandidate log2;
 };
 
 }  // namespace quo

@@ -21,6 +21,7 @@
 
 #include "hwy/highway.h"
 #include "quo_kernel/_kernel/borrow.h"
+#include "quo_kernel/_kernel/candidates.h"
 #include "quo_kernel/_kernel/inversion_table.h"
 #include "quo_kernel/_kernel/passes.h"
 #include "quo_kernel/_kernel/rejection.h"
@@ -91,12 +92,6 @@ double Exp(double x) { return math::dExp_50(1, &x, &x), x; }
 double Expm1(double x) { return math::dExpm1_50(1, &x, &x), x; }
 double Log(double x) { return math::dLn_50(1, &x, &x), x; }
 
-// n rounded up to whole vectors, and an array filled up to that.
-constexpr int32_t Whole(int32_t n, int32_t pad = kNbPad) { return (n + pad - 1) / pad * pad; }
-void FillUp(int32_t n, double* x, double filling, int32_t pad = kNbPad) {
-  std::fill(x + n, x + Whole(n, pad), filling);
-}
-
 // ---- Set-up. ----
 
 // The parameters and the ratios of probabilities.
@@ -107,9 +102,9 @@ struct Negbinomial {
   double Excess(double k) const { return p < 0.5 ? a - 1 - p * (a + k) : (a + k) * q - (k + 1); }
 };
 
-// ln f at n counts, n a multiple of kNbPad.
+// ln f at n counts, n a multiple of kPad.
 void LogProbabilities(int32_t n, const NbLogRatio& f, bool concave, const double* k, double* r) {
-  alignas(64) double log1[2 * kNbPad], log2[2 * kNbPad];
+  alignas(64) double log1[2 * kPad], log2[2 * kPad];
   const ShapePasses& passes = Level().shapes[concave];
   passes.arguments(n, f, k, log1, log2);
   math::dLog1p_50(n, log1, log1);
@@ -118,9 +113,9 @@ void LogProbabilities(int32_t n, const NbLogRatio& f, bool concave, const double
 }
 
 double LogProbability(const NbLogRatio& f, bool concave, double count) {
-  alignas(64) double k[kNbPad], r[kNbPad];
-  std::fill_n(k, kNbPad, count);
-  LogProbabilities(kNbPad, f, concave, k, r);
+  alignas(64) double k[kPad], r[kPad];
+  std::fill_n(k, kPad, count);
+  LogProbabilities(kPad, f, concave, k, r);
   return r[0];
 }
 
@@ -141,7 +136,7 @@ struct Tangent {
 };
 
 Tangent TangentOf(const Negbinomial& nb, const NbConcave& hat, double deviation, double outward) {
-  constexpr int32_t kTries = 2 * kNbPad;
+  constexpr int32_t kTries = 2 * kPad;
   alignas(64) double k[kTries], log[kTries];
   for (int i = 0; i < kTries; ++i) {
     k[i] = hat.mode + outward * __quodFloor(1 + 0.1 * (i + 1) * deviation);
@@ -337,36 +332,21 @@ int32_t Sort(int32_t m, const double* u, const NbConvex& hat, int32_t* counts, N
   return Level().sort_convex(m, u, hat, counts, aside);
 }
 
-// Moves the counts that are not negative to the front and returns how many there are.
-int32_t KeepAccepted(int32_t m, int32_t* counts) {
-  int32_t accepted = 0;
-  for (int32_t i = 0; i < m; ++i) {
-    const int32_t count = counts[i];
-    counts[accepted] = count;
-    accepted += count >= 0;
-  }
-  return accepted;
-}
-
 template <class Hat>
 int32_t Rejection(StreamState* stream, int32_t n, int32_t* r, const Hat& hat) {
   NbAside aside;
-  alignas(64) int32_t counts[kNbBlock];
+  Counts counts;
   const auto sieve = [&](int32_t m, double* u, int32_t* to) {
-    FillUp(2 * m, u, 0.5, 2 * kNbPad);
-    if (const int32_t others = Sort(m, u, hat, counts, &aside); others > 0) {
+    FillUp(2 * m, u, 0.5, 2 * kPad);
+    if (const int32_t others = Sort(m, u, hat, counts.data(), &aside); others > 0) {
       FillUp(others, aside.place, 0.5 * hat.total);
       FillUp(others, aside.v, 0.5);
       Decide(Whole(others), hat, &aside);
-      for (int32_t i = 0; i < others; ++i) {
-        counts[static_cast<int32_t>(aside.index[i])] = static_cast<int32_t>(aside.place[i]);
-      }
+      counts.Insert(others, aside.index, aside.place);
     }
-    const int32_t accepted = KeepAccepted(m, counts);
-    std::memcpy(static_cast<void*>(to), counts, static_cast<size_t>(accepted) * sizeof(int32_t));
-    return accepted;
+    return counts.Accepted(m, to);
   };
-  return Reject<2, kNbBlock>(stream, n, r, sieve);
+  return Reject<2, kCandidates>(stream, n, r, sieve);
 }
 
 // One uniform each, as by a table.

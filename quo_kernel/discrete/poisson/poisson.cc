@@ -21,13 +21,13 @@
 
 #include "hwy/highway.h"
 #include "quo_kernel/_kernel/borrow.h"
+#include "quo_kernel/_kernel/candidates.h"
 #include "quo_kernel/_kernel/counts-inl.h"
 #include "quo_kernel/_kernel/inversion_table.h"
 #include "quo_kernel/_kernel/passes.h"
 #include "quo_kernel/_kernel/rejection.h"
 #include "quo_kernel/_kernel/set_up.h"
 #include "quo_kernel/_kernel/stirling-inl.h"
-#include "quo_kernel/_kernel/unaligned.h"
 #include "quo_kernel/_kernel/vector_math.h"
 #include "quo_kernel/discrete/poisson/normal_poisson-inl.h"
 #include "quo_kernel/discrete/poisson/poisson.h"
@@ -36,9 +36,6 @@
 #define QUO_KERNEL_DISCRETE_POISSON_POISSON_CC_
 namespace quo {
 namespace {
-
-constexpr int32_t kBlock = 512;
-constexpr int32_t kPad = 8;  // lanes of the widest vector
 
 struct Ptpe {
   double mode, centre, left, right;  // M, M + 1/2, xL, xR
@@ -51,11 +48,11 @@ struct Ptpe {
 
 // Candidates that are not in the triangle.
 struct Aside {
-  alignas(64) double index[kBlock + kPad];   // in the block
-  alignas(64) double place[kBlock + kPad];   // between 0 and p4; then the count, -1 if rejected
-  alignas(64) double v[kBlock + kPad];       // the second uniform
-  alignas(64) double height[kBlock + kPad];  // of the point; then its logarithm
-  alignas(64) double log[kBlock + kPad];     // of v, then of (k + 1/2)/lambda
+  PerCandidate index;   // in the block
+  PerCandidate place;   // between 0 and p4; then the count, -1 if rejected
+  PerCandidate v;       // the second uniform
+  PerCandidate height;  // of the point; then its logarithm
+  PerCandidate log;     // of v, then of (k + 1/2)/lambda
 };
 
 struct Passes {
@@ -264,20 +261,14 @@ struct PoissonSetUp {
 };
 static_assert(sizeof(PoissonSetUp) == 696);
 
-// n rounded up to whole vectors, and an array filled up to that.
-constexpr int32_t Whole(int32_t n, int32_t pad = kPad) { return (n + pad - 1) / pad * pad; }
-void FillUp(int32_t n, double* x, double filling, int32_t pad = kPad) {
-  std::fill(x + n, x + Whole(n, pad), filling);
-}
-
 int32_t Rejection(StreamState* stream, int32_t n, int32_t* r, const PoissonSetUp& set_up) {
   const Passes& passes = Level();
   Aside aside;
-  alignas(64) int32_t counts[kBlock];
+  Counts counts;
   const auto sieve = [&](int32_t m, double* u, int32_t* to) {
     const Ptpe& ptpe = set_up.ptpe;
     FillUp(2 * m, u, 0.5, 2 * kPad);
-    const int32_t others = passes.sort(m, u, ptpe, counts, &aside);
+    const int32_t others = passes.sort(m, u, ptpe, counts.data(), &aside);
     if (others > 0) {
       FillUp(others, aside.place, ptpe.p2);
       FillUp(others, aside.v, 0.5);
@@ -287,30 +278,21 @@ int32_t Rejection(StreamState* stream, int32_t n, int32_t* r, const PoissonSetUp
       math::dLn_50(whole, aside.height, aside.height);
       math::dLog1p_50(whole, aside.log, aside.log);
       passes.decide(whole, ptpe, set_up.lambda, &aside);
-      for (int32_t i = 0; i < others; ++i) {
-        counts[static_cast<int32_t>(aside.index[i])] = static_cast<int32_t>(aside.place[i]);
-      }
+      counts.Insert(others, aside.index, aside.place);
     }
-    int32_t accepted = 0;
-    for (int32_t i = 0; i < m; ++i) {
-      const int32_t count = counts[i];
-      counts[accepted] = count;
-      accepted += count >= 0;
-    }
-    std::memcpy(static_cast<void*>(to), counts, static_cast<size_t>(accepted) * sizeof(int32_t));
-    return accepted;
+    return counts.Accepted(m, to);
   };
-  return Reject<2, kBlock>(stream, n, r, sieve);
+  return Reject<2, kCandidates>(stream, n, r, sieve);
 }
 
 int32_t NormalBased(StreamState* stream, int32_t n, int32_t* r, double lambda) {
   const Passes& passes = Level();
   const double root = __quodSqrt(lambda);
-  alignas(64) double e[kBlock];
-  alignas(64) int32_t counts[kBlock];
+  alignas(64) double e[kCandidates];
+  alignas(64) int32_t counts[kCandidates];
   int32_t status = QUO_OK;
-  for (int32_t left = n; left > 0; left -= kBlock, r += kBlock) {
-    const int32_t m = std::min(left, kBlock);
+  for (int32_t left = n; left > 0; left -= kCandidates, r += kCandidates) {
+    const int32_t m = std::min(left, kCandidates);
     status = Generate(stream, m, e, -1.0, 1.0);
     if (status < 0) break;
     FillUp(m, e, 0.5);

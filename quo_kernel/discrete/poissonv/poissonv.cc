@@ -13,6 +13,7 @@
 
 #include "hwy/highway.h"
 #include "quo_kernel/_kernel/borrow.h"
+#include "quo_kernel/_kernel/candidates.h"
 #include "quo_kernel/_kernel/counts-inl.h"
 #include "quo_kernel/_kernel/generate.h"
 #include "quo_kernel/_kernel/unaligned.h"
@@ -103,10 +104,8 @@ HWY_EXPORT(VaryingPassesOfLevel);
 
 namespace {
 
-constexpr int32_t kBlock = 512;
+constexpr int32_t kBlock = kCandidates;
 static_assert(kBlock % kGroup == 0);
-
-constexpr int32_t Whole(int32_t n) { return (n + kGroup - 1) / kGroup * kGroup; }
 
 // The means of a block below kNormalFrom, with the uniforms that belong to them.
 struct SmallMeans {
@@ -126,7 +125,7 @@ struct SmallMeans {
   }
 
   void Draw(const VaryingPasses& passes, int32_t* counts) {
-    const int32_t whole = Whole(count);
+    const int32_t whole = Whole(count, kGroup);
     std::fill(lambda + count, lambda + whole, 0.0);
     std::fill(u + count, u + whole, 0.0);
     for (int32_t i = 0; i < whole; ++i) none[i] = -lambda[i];
@@ -147,7 +146,7 @@ extern "C" QUO_API int32_t _quoiRngPoissonV(uint32_t, StreamState* stream, int32
   alignas(64) int32_t counts[kBlock];
   int32_t status = QUO_OK;
   for (int32_t left = n; left > 0; left -= kBlock, r += kBlock, lambda += kBlock) {
-    const int32_t m = std::min(left, kBlock), whole = Whole(m);
+    const int32_t m = std::min(left, kBlock), whole = Whole(m, kGroup);
     status = Generate(stream, m, u, 0.0, 1.0);
     if (status < 0) break;
     for (int32_t i = 0; i < m; ++i) means[i] = SoundMean(Get(lambda + i));
