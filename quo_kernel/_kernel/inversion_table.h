@@ -74,9 +74,9 @@ class InversionTable {
   uint16_t guide_[kCells];
 };
 
-// n numbers at r, one uniform each.
+// n numbers at r, each `least` more than what the table gives for one uniform.
 inline int32_t DrawByTable(StreamState* stream, int32_t n, int32_t* r, const double* cdf,
-                           int32_t size) {
+                           int32_t size, int32_t least = 0) {
   constexpr int32_t kBlock = 1024;
   const InversionTable table(cdf, size, n);
   alignas(64) double u[kBlock];
@@ -85,7 +85,7 @@ inline int32_t DrawByTable(StreamState* stream, int32_t n, int32_t* r, const dou
     const int32_t m = std::min(left, kBlock);
     status = Generate(stream, m, u, 0.0, 1.0);
     if (status < 0) break;
-    for (int32_t i = 0; i < m; ++i) Put(r + i, table(u[i]));
+    for (int32_t i = 0; i < m; ++i) Put(r + i, least + table(u[i]));
   }
   return status;
 }

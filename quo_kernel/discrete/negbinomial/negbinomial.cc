@@ -349,14 +349,11 @@ int32_t Rejection(StreamState* stream, int32_t n, int32_t* r, const Hat& hat) {
   return Reject<2, kCandidates>(stream, n, r, sieve);
 }
 
-// One uniform each, as by a table.
+// By a table of one count.
 int32_t DrawConstant(StreamState* stream, int32_t n, int32_t* r, double constant) {
   constexpr double kOnly[] = {1};
-  const int32_t status = DrawByTable(stream, n, r, kOnly, 1);
-  if (status < 0) return status;
-  for (int32_t i = 0; i < n; ++i)
-    Put(r + i, constant > 0 ? std::numeric_limits<int32_t>::max() : 0);
-  return status;
+  const int32_t count = constant > 0 ? std::numeric_limits<int32_t>::max() : 0;
+  return DrawByTable(stream, n, r, kOnly, 1, count);
 }
 
 }  // namespace
