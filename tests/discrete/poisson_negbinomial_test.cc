@@ -17,6 +17,7 @@
 #include "pexquo/kro.h"
 #include "pexquo/pex.h"
 #include "pexquo/quo.h"
+#include "quo_kernel/_kernel/set_up.h"
 #include "tests/streams/files.h"
 #include "tests/streams/scripted_generator.h"
 #include "tests/support/control.h"
@@ -447,6 +448,68 @@ TEST(CountConstants, ThatAreNotSoundArePassedOver) {
       AddChunk(stream, KeyOf(way), size, bytes.data());
       ASSERT_EQ(Drawn(way, stream, 700), want) << i;
       EXPECT_EQ(__quoGetNumChunks(stream), 1);
+    }
+  }
+}
+
+// A record of constants as the generators keep it, and the seal that makes it pass for sound.
+template <size_t kSize>
+struct Record {
+  quo::SetUpHead head;
+  double x[kSize / 8 - 2];
+};
+template <size_t kSize>
+void Seal(void* data) {
+  Record<kSize> record;
+  std::memcpy(&record, data, kSize);
+  record.head.seal = quo::SealOf(record);
+  std::memcpy(data, &record, kSize);
+}
+
+TEST(CountConstants, AreNotComputedAgain) {
+  const Way way = Poisson("", QUO_METHOD_POISSON_PTPE, 3);
+  const Stream stream(QUO_BRNG_MT19937);
+  Drawn(way, stream, 1);
+  auto* record = static_cast<Record<696>*>(stream.p->chunks->data);
+  ASSERT_EQ(record->x[0], 3);
+  const size_t table = (record->head.used - 24) / 8;
+  std::fill_n(record->x + 1, table - 1, 0.0);  // all counts but the last are impossible
+  Seal<696>(record);
+  EXPECT_EQ(Drawn(way, stream, 100), std::vector<int32_t>(100, static_cast<int32_t>(table) - 1));
+  EXPECT_NE(Drawn(Poisson("", QUO_METHOD_POISSON_PTPE, 3.5), stream, 100)[0], table - 1);
+}
+
+// Forged constants give senseless counts, but an end to each call, within its arrays.
+TEST(CountConstants, ForgedOnesDoNoHarm) {
+  Random random(kSeed);
+  const double strange[] = {0,   -0.0, -1,  1,         2,          kNaN, 1e300, -1e300,
+                            0.5, 1e-9, 1e9, kInfinity, -kInfinity, 700,  -3,    0x1p-1074};
+  for (const Way& way : WaysWithChunks()) {
+    SCOPED_TRACE(way.name);
+    for (int i = 0; i < 300; ++i) {
+      const Stream stream(QUO_BRNG_MT19937);
+      Drawn(way, stream, 1);
+      auto* words = static_cast<uint64_t*>(stream.p->chunks->data);
+      const size_t size = stream.p->chunks->size;
+      const size_t used = words[1] / 8, first = KeyOf(way) == 3 ? 3 : 4;
+      if (i % 10 == 0) words[1] = random.Bits() >> random.Below(64);
+      for (uint32_t changes = i < 100 ? 1 : 1 + random.Below(30); changes > 0; --changes) {
+        const size_t at = first + random.Below(static_cast<uint32_t>(used - first));
+        const double value = strange[random.Below(std::size(strange))];
+        if (random.Below(4) == 0) {
+          words[at] = random.Bits();
+        } else {
+          std::memcpy(&words[at], &value, 8);
+        }
+      }
+      if (size == 696) {
+        Seal<696>(words);
+      } else {
+        ASSERT_EQ(size, 4136u);
+        Seal<4136>(words);
+      }
+      const std::vector<int32_t> r = Drawn(way, stream, 600);
+      EXPECT_GE(*std::min_element(r.begin(), r.end()), 0);
     }
   }
 }
