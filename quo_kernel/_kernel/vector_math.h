@@ -23,6 +23,10 @@ QUO_UNARY(Tan)
 QUO_UNARY(Sqrt)
 QUO_UNARY(ErfInv)
 #undef QUO_UNARY
+int dLn_50(int32_t n, const double* a, double* r);
+int dLog1p_50(int32_t n, const double* a, double* r);
+int dExp_50(int32_t n, const double* a, double* r);
+int dExpm1_50(int32_t n, const double* a, double* r);
 int dSinCos_26(int32_t n, const double* a, double* r1, double* r2);
 int sSinCos_21(int32_t n, const float* a, float* r1, float* r2);
 
