@@ -167,14 +167,14 @@ int32_t ri[4];
 
 // A call with a stream, and the status it has to have.
 struct Refused {
-  const char* what;
+  std::string_view what;
   std::function<int32_t(QuoStream*)> call;
   int32_t status;
 };
 
-#define REFUSED(status, call)                                    \
-  Refused {                                                      \
-#call, [](QuoStream * s) -> int32_t { return call; }, status \
+#define REFUSED(status, call)                                                                    \
+  Refused {                                                                                      \
+    std::string_view(#call), []([[maybe_unused]] QuoStream* s) { return int32_t{call}; }, status \
   }
 
 // Both precisions of a call whose last arguments are the parameters.

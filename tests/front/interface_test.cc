@@ -89,6 +89,35 @@ void Compile(const std::string& compiler, const std::string& file) {
   EXPECT_EQ(std::system(command.c_str()), 0) << command;
 }
 
+// The example of the manual page, a program.
+std::string Example() {
+  std::ifstream page(MANUAL_PAGE);
+  std::string source;
+  bool inside = false;
+  for (std::string line; std::getline(page, line);) {
+    if (line == ".EE") inside = false;
+    if (inside) source += std::regex_replace(line, std::regex(R"(\\e)"), "\\") + "\n";
+    if (line == ".EX") inside = true;
+  }
+  return source;
+}
+
+TEST(ManualPage, ShowsAProgramThatRuns) {
+  const std::string path = WORK_FOLDER "/example", folder = FRONT_FOLDER;
+  std::ofstream(path + ".c") << Example();
+  const std::string command = C_COMPILER
+                              " -std=c89 -pedantic -Wall -Wextra -Werror -I " INCLUDE_FOLDER " " +
+                              path + ".c -o " + path + " " FRONT_LIBRARY " -Wl,-rpath," + folder +
+                              " && " + path + " > " + path + ".out";
+  ASSERT_EQ(std::system(command.c_str()), 0) << command;
+  std::ifstream output(path + ".out");
+  std::string line, last;
+  int lines = 0;
+  for (; std::getline(output, line); ++lines) last = line;
+  EXPECT_EQ(lines, 6);
+  EXPECT_EQ(last, "element 3: the function has a pole at an argument");
+}
+
 TEST(Header, IsCleanC89) { Compile(C_COMPILER " -std=c89", "header89.c"); }
 TEST(Header, IsCleanC17) { Compile(C_COMPILER " -std=c17 -Wstrict-prototypes", "header17.c"); }
 TEST(Header, IsCleanCxx98) { Compile(CXX_COMPILER " -std=c++98 -Wno-long-long", "header98.cc"); }
