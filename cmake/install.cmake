@@ -1,8 +1,8 @@
-# Libraries, headers, the CMake package (find_package(pexquo) gives pexquo::pexquo and pexquo::kro) and
-# the pkg-config files pexquo.pc and kro.pc.
+# Libraries, headers, the CMake package (find_package(pexquo) gives pexquo::front, pexquo::pexquo and
+# pexquo::kro), the pkg-config files pexquo-front.pc, pexquo.pc and kro.pc, and the manual pages.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS kro pexquo EXPORT pexquo
+install(TARGETS kro pexquo pexquo_front EXPORT pexquo
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/pexquo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   FILES_MATCHING PATTERN "*.h")
@@ -22,8 +22,11 @@ install(FILES ${PROJECT_BINARY_DIR}/pexquoConfig.cmake
 # The prefix is found from the file's own place, so that the tree may be moved.
 file(RELATIVE_PATH PEXQUO_PC_TO_PREFIX
   /p/${CMAKE_INSTALL_LIBDIR}/pkgconfig /p)
-foreach(name IN ITEMS pexquo kro)
+foreach(name IN ITEMS pexquo-front pexquo kro)
   configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${name}.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endforeach()
+
+install(FILES man/pexquo.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
+install(FILES man/pexquo.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)

@@ -82,14 +82,16 @@ template <typename... Operands>
 
 template <typename Kernel, typename... Operands>
 [[gnu::always_inline]] inline int32_t Run(Kernel kernel, int64_t n, Operands... operands) {
-  if (n > piece) [[unlikely]] return InPieces(kernel, n, operands...);
+  if (n > piece) [[unlikely]]
+    return InPieces(kernel, n, operands...);
   kernel(static_cast<int32_t>(n), operands...);
   return PEX_STATUS_OK;
 }
 
 template <typename Tiers, typename... Operands>
 [[gnu::always_inline]] inline int32_t Call(const char* name, int64_t n, Operands... operands) {
-  if (IsRefused(n, operands...)) [[unlikely]] return RefuseCall(name, n, operands...);
+  if (IsRefused(n, operands...)) [[unlikely]]
+    return RefuseCall(name, n, operands...);
   return Run(Tiers::Kernel(Tiers::kTiers ? _pexGetMode() : 0), n, operands...);
 }
 

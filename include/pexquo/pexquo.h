@@ -64,7 +64,8 @@ PEXQUO_API const char* pexquoVersion(void);
 
 /* Values of the accuracy field; what is none of them counts as PEX_ACCURACY_HA. */
 #define PEX_ACCURACY_LA 1u /* within 1 to 4 ulp */
-#define PEX_ACCURACY_HA 2u /* within 1 ulp, mostly 0.55; single precision often correctly rounded \
+#define PEX_ACCURACY_HA                                                                           \
+  2u                       /* within 1 ulp, mostly 0.55; single precision often correctly rounded \
                             */
 #define PEX_ACCURACY_EP 3u /* 26 correct bits in double, 11 in single precision; the fastest */
 
@@ -146,7 +147,7 @@ PEXQUO_API const char* pexStatusText(int32_t status);
 #define QUO_UNKNOWN_METHOD (-2006)  /* the distribution has no such method */
 #define QUO_NOT_FINITE (-2007)      /* a parameter is infinite or not a number */
 #define QUO_EMPTY_RANGE (-2008)     /* uniform: a is not below b */
-#define QUO_WIDE_RANGE (-2009)      /* uniform: b - a overflows */
+#define QUO_WIDE_RANGE (-2009)      /* uniform: b - a or a + b overflows */
 #define QUO_BAD_SCALE (-2010)       /* sigma or beta is not positive */
 #define QUO_BAD_SHAPE (-2011)       /* a shape (alpha, p, q) is not positive */
 #define QUO_BAD_PROBABILITY (-2012) /* p is outside the distribution's range */
