@@ -54,17 +54,16 @@ enum class tier : std::uint32_t {
 /// What arrays may hold.
 template <typename T>
 concept element = std::same_as<T, float> || std::same_as<T, double> ||
-                  std::same_as<T, std::complex<float>> || std::same_as<T, std::complex<double>>;
+    std::same_as<T, std::complex<float>> || std::same_as<T, std::complex<double>>;
 
 /// A contiguous range of elements to read.
 template <typename R>
 concept input_array = std::ranges::contiguous_range<R> && std::ranges::sized_range<R> &&
-                      element<std::remove_cv_t<std::ranges::range_value_t<R>>>;
+    element<std::remove_cv_t<std::ranges::range_value_t<R>>>;
 
 /// A contiguous range of elements to write, that does not die with the call.
 template <typename R>
-concept output_array =
-    input_array<R> && std::ranges::borrowed_range<R> &&
+concept output_array = input_array<R> && std::ranges::borrowed_range<R> &&
     std::same_as<std::ranges::range_reference_t<R>,
                  std::add_lvalue_reference_t<std::ranges::range_value_t<R>>>;
 
@@ -88,7 +87,7 @@ inline PexComplex8 C(std::complex<float> z) { return {z.real(), z.imag()}; }
 // A callback must not throw through the library: what it throws waits for the end of the call. The
 // count of waiting exceptions is that of all threads; the error_scope of the thread has its own.
 inline std::atomic<int> g_waiting{0};
-void RethrowWaiting();
+[[gnu::cold]] inline void RethrowWaiting();
 
 // The name under which the object `function` is known.
 inline std::string PublicName(std::string_view function) {
@@ -99,10 +98,10 @@ inline std::string PublicName(std::string_view function) {
                                                               const char* name, std::size_t size,
                                                               std::size_t expected,
                                                               std::source_location where) {
-  throw argument_error(PublicName(function),
-                       name + (" has " + std::to_string(size)) + " elements, a has " +
-                           std::to_string(expected),
-                       0, where);
+  throw argument_error(
+      PublicName(function),
+      name + (" has " + std::to_string(size)) + " elements, a has " + std::to_string(expected), 0,
+      where);
 }
 
 [[noreturn, gnu::cold, gnu::noinline]] inline void ThrowOverlap(const char* function,
@@ -174,13 +173,21 @@ Job<Call, R> MakeJob(const char* name, std::size_t size, R* first, R* second, Ca
 
 // Calls::call(mode, n, a, r) says which types a function takes.
 template <typename Calls, typename A, typename R>
-concept UnaryOf = requires(const A* a, R* r) { Calls::call(0u, std::int64_t{0}, a, r); };
+concept UnaryOf = requires(const A* a, R* r) {
+  Calls::call(0u, std::int64_t{0}, a, r);
+};
 template <typename Calls, typename A, typename R>
-concept BinaryOf = requires(const A* a, R* r) { Calls::call(0u, std::int64_t{0}, a, a, r); };
+concept BinaryOf = requires(const A* a, R* r) {
+  Calls::call(0u, std::int64_t{0}, a, a, r);
+};
 template <typename Calls, typename A, typename R>
-concept ScalarOf = requires(const A* a, R* r) { Calls::call(0u, std::int64_t{0}, a, A{}, r); };
+concept ScalarOf = requires(const A* a, R* r) {
+  Calls::call(0u, std::int64_t{0}, a, A{}, r);
+};
 template <typename Calls, typename A, typename R>
-concept TwoOf = requires(const A* a, R* r) { Calls::call(0u, std::int64_t{0}, a, r, r); };
+concept TwoOf = requires(const A* a, R* r) {
+  Calls::call(0u, std::int64_t{0}, a, r, r);
+};
 
 template <typename T>
 struct Complex {
@@ -198,7 +205,7 @@ struct UnaryResult {
   using Type = typename Complex<A>::Other;
 };
 template <typename Calls, typename A>
-  requires UnaryOf<Calls, A, A>
+requires UnaryOf<Calls, A, A>
 struct UnaryResult<Calls, A> {
   using Type = A;
 };
@@ -212,15 +219,16 @@ struct unary_function {
   /// r[i] = f(a[i]) for every i.
   /// \throws argument_error for different sizes, or if r overlaps a without being a
   template <input_array A, output_array R>
-    requires detail::UnaryOf<Calls, detail::ElementOf<A>, detail::ElementOf<R>>
+  requires detail::UnaryOf<Calls, detail::ElementOf<A>, detail::ElementOf<R>>
   void operator()(A&& a, R&& r, tier accuracy = tier::current,
                   std::source_location where = std::source_location::current()) const {
     job(a, r, where).Run(accuracy, where);
   }
 
   /// A new vector of f(a[i]).
-  template <input_array A, typename R = typename detail::UnaryResult<Calls, detail::ElementOf<A>>::Type>
-    requires detail::UnaryOf<Calls, detail::ElementOf<A>, R>
+  template <input_array A,
+            typename R = typename detail::UnaryResult<Calls, detail::ElementOf<A>>::Type>
+  requires detail::UnaryOf<Calls, detail::ElementOf<A>, R>
   [[nodiscard]] std::vector<R> operator()(
       A&& a, tier accuracy = tier::current,
       std::source_location where = std::source_location::current()) const {
@@ -231,10 +239,9 @@ struct unary_function {
 
   /// f(x) of one number.
   template <element A, typename R = typename detail::UnaryResult<Calls, A>::Type>
-    requires detail::UnaryOf<Calls, A, R>
-  [[nodiscard]] R operator()(
-      A x, tier accuracy = tier::current,
-      std::source_location where = std::source_location::current()) const {
+  requires detail::UnaryOf<Calls, A, R>
+  [[nodiscard]] R operator()(A x, tier accuracy = tier::current,
+                             std::source_location where = std::source_location::current()) const {
     R r;
     job(std::span<const A, 1>(&x, 1), std::span<R, 1>(&r, 1), where).Run(accuracy, where);
     return r;
@@ -267,8 +274,8 @@ struct binary_function {
   /// r[i] = f(a[i], b[i]) for every i.
   /// \throws argument_error for different sizes, or if r overlaps a or b without being it
   template <input_array A, input_array B, output_array R>
-    requires std::same_as<detail::ElementOf<A>, detail::ElementOf<B>> &&
-             detail::BinaryOf<Calls, detail::ElementOf<A>, detail::ElementOf<R>>
+  requires std::same_as<detail::ElementOf<A>, detail::ElementOf<B>> &&
+      detail::BinaryOf<Calls, detail::ElementOf<A>, detail::ElementOf<R>>
   void operator()(A&& a, B&& b, R&& r, tier accuracy = tier::current,
                   std::source_location where = std::source_location::current()) const {
     job(a, b, r, where).Run(accuracy, where);
@@ -276,8 +283,8 @@ struct binary_function {
 
   /// A new vector of f(a[i], b[i]).
   template <input_array A, input_array B>
-    requires std::same_as<detail::ElementOf<A>, detail::ElementOf<B>> &&
-             detail::BinaryOf<Calls, detail::ElementOf<A>, detail::ElementOf<A>>
+  requires std::same_as<detail::ElementOf<A>, detail::ElementOf<B>> &&
+      detail::BinaryOf<Calls, detail::ElementOf<A>, detail::ElementOf<A>>
   [[nodiscard]] std::vector<detail::ElementOf<A>> operator()(
       A&& a, B&& b, tier accuracy = tier::current,
       std::source_location where = std::source_location::current()) const {
@@ -288,10 +295,9 @@ struct binary_function {
 
   /// f(x, y) of two numbers.
   template <element A>
-    requires detail::BinaryOf<Calls, A, A>
-  [[nodiscard]] A operator()(
-      A x, std::type_identity_t<A> y, tier accuracy = tier::current,
-      std::source_location where = std::source_location::current()) const {
+  requires detail::BinaryOf<Calls, A, A>
+  [[nodiscard]] A operator()(A x, std::type_identity_t<A> y, tier accuracy = tier::current,
+                             std::source_location where = std::source_location::current()) const {
     A r;
     job(std::span<const A, 1>(&x, 1), std::span<const A, 1>(&y, 1), std::span<A, 1>(&r, 1), where)
         .Run(accuracy, where);
@@ -331,7 +337,7 @@ struct scalar_function {
   /// r[i] = f(a[i], b) for every i.
   /// \throws argument_error for different sizes, or if r overlaps a without being a
   template <input_array A, output_array R>
-    requires detail::ScalarOf<Calls, detail::ElementOf<A>, detail::ElementOf<R>>
+  requires detail::ScalarOf<Calls, detail::ElementOf<A>, detail::ElementOf<R>>
   void operator()(A&& a, std::type_identity_t<detail::ElementOf<A>> b, R&& r,
                   tier accuracy = tier::current,
                   std::source_location where = std::source_location::current()) const {
@@ -340,7 +346,7 @@ struct scalar_function {
 
   /// A new vector of f(a[i], b).
   template <input_array A>
-    requires detail::ScalarOf<Calls, detail::ElementOf<A>, detail::ElementOf<A>>
+  requires detail::ScalarOf<Calls, detail::ElementOf<A>, detail::ElementOf<A>>
   [[nodiscard]] std::vector<detail::ElementOf<A>> operator()(
       A&& a, std::type_identity_t<detail::ElementOf<A>> b, tier accuracy = tier::current,
       std::source_location where = std::source_location::current()) const {
@@ -351,10 +357,9 @@ struct scalar_function {
 
   /// f(x, b) of two numbers.
   template <element A>
-    requires detail::ScalarOf<Calls, A, A>
-  [[nodiscard]] A operator()(
-      A x, std::type_identity_t<A> b, tier accuracy = tier::current,
-      std::source_location where = std::source_location::current()) const {
+  requires detail::ScalarOf<Calls, A, A>
+  [[nodiscard]] A operator()(A x, std::type_identity_t<A> b, tier accuracy = tier::current,
+                             std::source_location where = std::source_location::current()) const {
     A r;
     job(std::span<const A, 1>(&x, 1), b, std::span<A, 1>(&r, 1), where).Run(accuracy, where);
     return r;
@@ -380,16 +385,16 @@ struct scalar_function {
   /// \endcond
 };
 
-/// A function of one argument with two results: `f(a, r1, r2)` writes them, `f(a)` returns a pair of
-/// vectors, and `f(x)` a pair of numbers.
+/// A function of one argument with two results: `f(a, r1, r2)` writes them, `f(a)` returns a pair
+/// of vectors, and `f(x)` a pair of numbers.
 template <typename Calls>
 struct two_result_function {
   /// r1[i] and r2[i] = f(a[i]) for every i.
   /// \throws argument_error for different sizes, if a result overlaps a without being a, or if the
   /// results overlap
   template <input_array A, output_array R1, output_array R2>
-    requires std::same_as<detail::ElementOf<R1>, detail::ElementOf<R2>> &&
-             detail::TwoOf<Calls, detail::ElementOf<A>, detail::ElementOf<R1>>
+  requires std::same_as<detail::ElementOf<R1>, detail::ElementOf<R2>> &&
+      detail::TwoOf<Calls, detail::ElementOf<A>, detail::ElementOf<R1>>
   void operator()(A&& a, R1&& r1, R2&& r2, tier accuracy = tier::current,
                   std::source_location where = std::source_location::current()) const {
     job(a, r1, r2, where).Run(accuracy, where);
@@ -397,7 +402,7 @@ struct two_result_function {
 
   /// Two new vectors.
   template <input_array A>
-    requires detail::TwoOf<Calls, detail::ElementOf<A>, detail::ElementOf<A>>
+  requires detail::TwoOf<Calls, detail::ElementOf<A>, detail::ElementOf<A>>
   [[nodiscard]] auto operator()(
       A&& a, tier accuracy = tier::current,
       std::source_location where = std::source_location::current()) const {
@@ -409,13 +414,13 @@ struct two_result_function {
 
   /// Both results for one number.
   template <element A>
-    requires detail::TwoOf<Calls, A, A>
+  requires detail::TwoOf<Calls, A, A>
   [[nodiscard]] std::pair<A, A> operator()(
       A x, tier accuracy = tier::current,
       std::source_location where = std::source_location::current()) const {
     std::pair<A, A> r;
-    job(std::span<const A, 1>(&x, 1), std::span<A, 1>(&r.first, 1),
-        std::span<A, 1>(&r.second, 1), where)
+    job(std::span<const A, 1>(&x, 1), std::span<A, 1>(&r.first, 1), std::span<A, 1>(&r.second, 1),
+        where)
         .Run(accuracy, where);
     return r;
   }
