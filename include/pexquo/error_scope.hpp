@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -68,10 +69,12 @@ class element_error {
     return {results_.data(), Count(std::begin(detail::kTwoResults), std::end(detail::kTwoResults))};
   }
 
-  /// "vdLn, element 3: singularity: (0) gives -inf"
+  /// "element 3: vdLn(0) = -inf, singularity"
   std::string text() const {
-    return function + ", element " + std::to_string(index) + ": " + std::string(name(why)) + ": " +
-           List(arguments()) + " gives " + List(results());
+    const auto values = results();
+    return "element " + std::to_string(index) + ": " + function + "(" + List(arguments()) +
+           ") = " + (values.size() > 1 ? "(" + List(values) + ")" : List(values)) + ", " +
+           std::string(name(why));
   }
 
  private:
@@ -83,13 +86,13 @@ class element_error {
     return std::find(first, last, plain) == last ? 1 : 2;
   }
   static std::string List(std::span<const double> numbers) {
-    std::string list = "(";
+    std::string list;
     for (const double x : numbers) {
       char digits[32];
-      std::snprintf(digits, sizeof(digits), "%.17g", x);
-      list += (list.size() > 1 ? ", " : "") + std::string(digits);
+      std::snprintf(digits, sizeof(digits), "%.17g", std::isnan(x) ? std::fabs(x) : x);
+      list += (list.empty() ? "" : ", ") + std::string(digits);
     }
-    return list + ")";
+    return list;
   }
 
   std::array<double, 2> arguments_{}, results_{};

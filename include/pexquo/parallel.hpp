@@ -59,10 +59,10 @@ class Helpers {
     call_.notify_all();
     work();
     {
-      std::unique_lock lock(mutex_);
+      const std::lock_guard lock(mutex_);
       wanted_ = 0;
-      left_.wait(lock, [this] { return at_work_ == 0; });
     }
+    Await(left_, [this] { return at_work_ == 0; });
     busy_.store(false, std::memory_order_release);
   }
 
@@ -76,24 +76,37 @@ class Helpers {
   }
 
   void Help() {
-    std::unique_lock lock(mutex_);
     while (true) {
-      call_.wait(lock, [this] { return wanted_ != 0; });
+      std::unique_lock lock = Await(call_, [this] { return wanted_ != 0; });
       --wanted_;
       ++at_work_;
+      const auto run = run_;
+      void* const work = work_;
       lock.unlock();
-      run_(work_);
+      run(work);
       lock.lock();
       if (--at_work_ == 0) left_.notify_one();
     }
   }
 
+  // Returns with the mutex held and the condition, which is of atomic numbers, true. Looks out for
+  // it some ten microseconds before it sleeps, as waking up takes as long.
+  template <typename Condition>
+  std::unique_lock<std::mutex> Await(std::condition_variable& change, Condition condition) {
+    for (int i = 0; i < 2000 && !condition(); ++i) __builtin_ia32_pause();
+    std::unique_lock lock(mutex_);
+    change.wait(lock, condition);
+    return lock;
+  }
+
   std::atomic<bool> busy_{false};
   std::mutex mutex_;
   std::condition_variable call_, left_;
-  void (*run_)(void*) = nullptr;  // what is below, under the mutex
+  // Written under the mutex.
+  void (*run_)(void*) = nullptr;
   void* work_ = nullptr;
-  std::size_t wanted_ = 0, at_work_ = 0, count_ = 0;
+  std::atomic<std::size_t> wanted_{0}, at_work_{0};
+  std::size_t count_ = 0;
 };
 
 // Rounding and flush modes of the calling thread for its helpers, and their exception flags for it.
@@ -313,12 +326,12 @@ inline void MoveOn(stream& s, Advance how, std::uint64_t outputs, std::source_lo
 // uniforms, the first of which is -1 when there is none.
 template <typename T>
 bool IsPending(const stream& s) {
-  constexpr std::uint32_t kKey = std::is_same_v<T, float> ? 1 : 2;
-  const void* const pair = __quoSearchChunk(s.handle(), kKey);
+  using Real = std::conditional_t<std::is_same_v<T, float>, float, double>;
+  const void* const pair = __quoSearchChunk(s.handle(), std::is_same_v<Real, float> ? 1 : 2);
   if (pair == nullptr) return false;
-  T u;
+  Real u;
   std::memcpy(&u, pair, sizeof(u));
-  return u != T{-1};
+  return u != Real{-1};
 }
 
 }  // namespace detail
