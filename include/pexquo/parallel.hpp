@@ -295,9 +295,6 @@ constexpr bool kIsLight = std::is_same_v<D, uniform> || std::is_same_v<D, unifor
 inline Advance AdvanceOf(const stream& s, Takes takes, bool is_light) {
   if (takes == Takes::varying) return Advance::none;
   switch (s.kind()) {
-    case generator::sobol:
-    case generator::niederr:
-      return Advance::none;
     case generator::r250:
     case generator::mt19937:
     case generator::mt2203:
@@ -394,18 +391,18 @@ class parallel {
     Run(f.job(a, r1, r2, where), accuracy, where);
   }
 
-  /// What `d.fill(s, r)` does, on the cores: the same numbers, and the stream ends where one thread
+  /// What `d.fill(s, r)` does, on the cores: the same numbers, and the stream goes on as one thread
   /// leaves it. Threads draw blocks of the sequence, from copies of the stream that have skipped
   /// ahead. How far that helps depends on the generator and the distribution:
-  /// - mcg31m1, mcg59, wh, mrg32k3a and registered generators that skip ahead by their outputs:
-  ///   all distributions that take a fixed number of outputs;
-  /// - mt19937, mt2203 and r250, which cannot skip: the same without uniform numbers, integers,
-  /// bits
-  ///   and bernoulli; one thread after the other draws the words that lead on, and what is made of
-  ///   them is done at once;
-  /// - abstract, quasi-random and other generators, and gamma, beta, binomial, poisson,
-  ///   hypergeometric and negative_binomial, whose numbers take as many outputs as they need: by
-  ///   the calling thread. Members of a family serve there: see for_each.
+  /// - mcg31m1, mcg59, wh, mrg32k3a, sobol, niederr, and registered generators that skip ahead by
+  ///   their outputs: all distributions that take a fixed number of outputs;
+  /// - mt19937, mt2203 and r250, which cannot skip: the same without uniform, uniform_int,
+  ///   uniform_bits and bernoulli; one thread after the other draws the words that lead on, and
+  ///   what is made of them is done at once;
+  /// - abstract and other registered streams, and gamma, beta, binomial, poisson, hypergeometric
+  /// and
+  ///   negative_binomial, whose numbers take as many outputs as they need: by the calling thread.
+  ///   Members of a family serve there: see for_each.
   /// \throws argument_error before the stream has moved; stream_error, and then the stream stands
   ///         somewhere ahead and the range is filled in part
   template <typename D, typename R>
