@@ -532,8 +532,13 @@ class parallel {
       }
     }
     const std::size_t tail = n % multiple;
-    DrawBlocks(d, s, r, n - tail, std::max<std::size_t>(block_ / unit / multiple, 1) * multiple,
-               how, outputs, where);
+    // Skipping takes some microseconds however far it goes: a few large blocks for each thread.
+    std::size_t block = block_;
+    if (how == detail::Advance::skip) {
+      block = std::clamp(n * unit / (std::size_t{4} * threads_), block_, 8 * block_);
+    }
+    block = std::max<std::size_t>(block / unit / multiple, 1) * multiple;
+    DrawBlocks(d, s, r, n - tail, block, how, outputs, where);
     r += (n - tail) * unit;
     n = tail;
     if (n != 0) draw(s, n);

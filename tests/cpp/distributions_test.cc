@@ -145,6 +145,24 @@ TEST(Distributions, WaysToDraw) {
   EXPECT_EQ(heads, 1);
 }
 
+// Some generators, and a pending normal number, would give one to a request for none.
+TEST(Distributions, EmptyRangesDrawNothing) {
+  const pexquo::normal pairs(0, 1, normal_method::boxmuller2);
+  for (const char* generator :
+       {"mcg31m1", "mcg59", "wh", "r250", "mrg32k3a", "mt19937", "mt2203"}) {
+    stream s(generator, 1);
+    (void)pairs.sample(s, 1);
+    stream untouched(s);
+    (void)pexquo::uniform{}.sample(s, 0);
+    (void)pexquo::uniform{}.sample<float>(s, 0);
+    (void)pexquo::exponential{}.sample(s, 0);
+    (void)pexquo::bernoulli{}.sample(s, 0);
+    (void)pexquo::uniform_bits{}.sample(s, 0);
+    (void)pairs.sample(s, 0);
+    EXPECT_EQ(pairs.sample(s, 5), pairs.sample(untouched, 5)) << generator;
+  }
+}
+
 // Wrong parameters, by status, before the stream moves.
 template <typename T, typename D>
 void ExpectRefusal(const D& d, std::int32_t status) {
