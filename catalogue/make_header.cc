@@ -1,7 +1,8 @@
 // Writes include/pexquo/pex_functions.h, the declarations of the catalogued functions, to standard
-// output, with --front those of include/pexquo/front_functions.h, or with --markdown DOCS the text
-// of DOCS/functions.md, with the errors of DOCS/accuracy.md and the plots beside it. It reads the
-// rows alone, so that it runs before the library exists.
+// output, with --front those of include/pexquo/front_functions.h, with --cpp the objects of
+// include/pexquo/function_list.hpp, or with --markdown DOCS the text of DOCS/functions.md, with the
+// errors of DOCS/accuracy.md and the plots beside it. It reads the rows alone, so that it runs
+// before the library exists.
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -10,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <span>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -59,6 +61,11 @@ std::string Wrap(std::string_view text, const std::string& indent) {
   return out;
 }
 
+std::string Lower(std::string text) {
+  std::ranges::transform(text, text.begin(), [](unsigned char c) { return std::tolower(c); });
+  return text;
+}
+
 std::string Number(double x) {
   char text[32];
   std::snprintf(text, sizeof(text), "%g", x);
@@ -76,16 +83,20 @@ std::string Bits(const pex::Function& f, double bits) {
   return "at least " + Number(bits) + " bits" + (modulus ? " of the larger part" : "");
 }
 
+// What each tier promises; LA and EP in double and in single precision are called `names`.
+std::string Bounds(const pex::Function& f, const std::array<std::string, 4>& names) {
+  using pex::Tier;
+  return "Bounds in double: HA " + Ulp(f, Tier::HA, f.d.ha) + ", " + names[0] + " " +
+         Ulp(f, Tier::LA, f.d.la) + ", " + names[1] + " " + Bits(f, f.d.ep_bits) +
+         "; in single: HA " + (f.s.ha == 0.5 ? "correctly rounded" : Ulp(f, Tier::HA, f.s.ha)) +
+         ", " + names[2] + " " + Ulp(f, Tier::LA, f.s.la) + ", " + names[3] + " " +
+         Bits(f, f.s.ep_bits) + ".";
+}
+
 std::string Comment(const pex::Function& f) {
   std::string text = "/* " + std::string(f.name) + ": r[i] = " + std::string(f.formula) + ". " +
                      std::string(f.notes);
-  if (f.tiered) {
-    using pex::Tier;
-    text += " Bounds in double: HA " + Ulp(f, Tier::HA, f.d.ha) + ", _50 " +
-            Ulp(f, Tier::LA, f.d.la) + ", _26 " + Bits(f, f.d.ep_bits) + "; in single: HA " +
-            (f.s.ha == 0.5 ? "correctly rounded" : Ulp(f, Tier::HA, f.s.ha)) + ", _21 " +
-            Ulp(f, Tier::LA, f.s.la) + ", _11 " + Bits(f, f.s.ep_bits) + ".";
-  }
+  if (f.tiered) text += " " + Bounds(f, {"_50", "_26", "_21", "_11"});
   return Wrap(text + " */", "   ") + "\n";
 }
 
@@ -193,6 +204,106 @@ std::string FrontHeader() {
   return text;
 }
 
+// Of a real and a complex function of one name the object is the same.
+const pex::Function* Find(std::span<const pex::Function> functions, std::string_view name) {
+  const auto found = std::ranges::find(functions, name, &pex::Function::name);
+  return found == functions.end() ? nullptr : &*found;
+}
+
+// A line that starts at a column and goes on, where it is too long, at another.
+std::string Indented(size_t column, const std::string& text, size_t next) {
+  std::string line = Wrap(std::string(column, '.') + text, std::string(next, ' '));
+  return line.replace(0, column, column, ' ') + "\n";
+}
+
+// The call of one type behind Calls::call, in std::complex.
+std::string CppCall(const pex::Function& f, char type) {
+  const bool is_double = type == 'd' || type == 'z';
+  const std::string real = is_double ? "double" : "float";
+  const std::string complex = "std::complex<" + real + ">";
+  const auto [c_argument, c_result] = ElementsOf(f, type);
+  const bool from_complex = c_argument.starts_with("Pex"), to_complex = c_result.starts_with("Pex");
+  const std::string t = from_complex ? complex : real, u = to_complex ? complex : real;
+  const auto in = [&](const std::string& x) { return from_complex ? "C(" + x + ")" : x; };
+  const auto out = [&](const std::string& x) { return to_complex ? "C(" + x + ")" : x; };
+  std::string parameters = "std::uint32_t mode, std::int64_t n, const " + t + "* a";
+  std::string arguments = "n, " + in("a");
+  if (f.shape == pex::Shape::Binary) parameters += ", const " + t + "* b";
+  if (f.shape == pex::Shape::UnaryScalar) parameters += ", " + t + " b";
+  if (pex::ArgumentCount(f.shape) == 2) arguments += ", " + in("b");
+  const bool two = f.shape == pex::Shape::UnaryTwo;
+  parameters += ", " + u + (two ? "* r1, " + u + "* r2" : "* r");
+  arguments += two ? ", " + out("r1") + ", " + out("r2") : ", " + out("r");
+  const std::string entry = "v" + std::string(1, type) + std::string(f.name);
+  return Indented(2, "static std::int32_t call(" + parameters + ") {", 26) +
+         Indented(4,
+                  "return mode == 0 ? " + entry + "(" + arguments + ") : " + entry + "Mode(" +
+                      arguments + ", mode);",
+                  8) +
+         "  }\n";
+}
+
+std::string CppObject(const pex::Function* real, const pex::Function* complex) {
+  const pex::Function& f = real != nullptr ? *real : *complex;
+  const std::string name = Lower(std::string(f.name));
+  std::string text = "\nnamespace detail {\nstruct " + name + "_calls {\n";
+  text += "  static constexpr const char* name = \"" + name + "\";\n";
+  if (real != nullptr) text += CppCall(*real, 'd') + CppCall(*real, 's');
+  if (complex != nullptr) text += CppCall(*complex, 'z') + CppCall(*complex, 'c');
+  text += "};\n}  // namespace detail\n\n";
+  const auto say = [&](const pex::Function& g, const std::string& kind) {
+    std::string words =
+        "/// " + kind + name + ": " + std::string(g.formula) + ". " + std::string(g.notes);
+    if (g.tiered) words += " " + Bounds(g, {"LA", "EP", "LA", "EP"});
+    text += Wrap(words, "/// ") + "\n";
+  };
+  if (real != nullptr) say(*real, "");
+  if (real != nullptr && complex != nullptr) text += "///\n";
+  if (complex != nullptr) say(*complex, "Complex ");
+  const std::string shape = f.shape == pex::Shape::Binary        ? "binary"
+                            : f.shape == pex::Shape::UnaryScalar ? "scalar"
+                            : f.shape == pex::Shape::UnaryTwo    ? "two_result"
+                                                                 : "unary";
+  text += "inline constexpr " + shape + "_function<detail::" + name + "_calls> " + name + "{};\n";
+  if (name == "ln") text += "/// The same as ln.\ninline constexpr auto log = ln;\n";
+  return text;
+}
+
+// A list of the names in error records of functions that `belongs` picks.
+template <typename Predicate>
+std::string CppNames(const std::string& list, Predicate belongs) {
+  std::string text = "inline constexpr std::string_view " + list + "[] = {";
+  std::string separator;
+  for (const pex::Function& f : kFunctions) {
+    if (!belongs(f)) continue;
+    text += separator + "\"" + std::string(f.name) + "\"";
+    separator = ", ";
+  }
+  return Wrap(text + "};", "    ") + "\n";
+}
+
+std::string CppHeader() {
+  std::string text =
+      "// Generated from catalogue/functions.def and complex_functions.def by "
+      "catalogue/make_header.cc:\n"
+      "// change the row, then run `cmake --build --preset release --target header`. Included by\n"
+      "// pexquo/functions.hpp, which says what all these functions have in common.\n"
+      "#ifndef PEXQUO_FUNCTION_LIST_HPP_\n#define PEXQUO_FUNCTION_LIST_HPP_\n\n"
+      "namespace pexquo {\n\nnamespace detail {\n"
+      "// Functions with two arguments and with two results, as error records name them.\n";
+  text += CppNames("kTwoArguments",
+                   [](const pex::Function& f) { return pex::ArgumentCount(f.shape) == 2; });
+  text += CppNames("kTwoResults",
+                   [](const pex::Function& f) { return pex::ResultCount(f.shape) == 2; });
+  text += "}  // namespace detail\n";
+  for (const pex::Function& f : kFunctions) text += CppObject(&f, Find(kComplexFunctions, f.name));
+  for (const pex::Function& f : kComplexFunctions) {
+    if (Find(kFunctions, f.name) == nullptr) text += CppObject(nullptr, &f);
+  }
+  text += "\n}  // namespace pexquo\n\n#endif  // PEXQUO_FUNCTION_LIST_HPP_\n";
+  return text;
+}
+
 // The largest errors found, by symbol, from the tables of docs/accuracy.md:
 // | `symbol` | bound | largest error | ...
 std::map<std::string, std::string> Measured(const std::filesystem::path& file) {
@@ -209,11 +320,6 @@ std::map<std::string, std::string> Measured(const std::filesystem::path& file) {
     errors.try_emplace(symbol, error);  // the first table of a function has the largest of all
   }
   return errors;
-}
-
-std::string Lower(std::string text) {
-  std::ranges::transform(text, text.begin(), [](unsigned char c) { return std::tolower(c); });
-  return text;
 }
 
 // One function's section. `types` are those of double and single precision, `measured` the largest
@@ -296,6 +402,7 @@ int main(int argc, char** argv) {
     const std::string_view what = argc > 1 ? argv[1] : "";
     const std::string text = what == "--markdown" && argc > 2 ? Markdown(argv[2])
                              : what == "--front"              ? FrontHeader()
+                             : what == "--cpp"                ? CppHeader()
                                                               : Header();
     std::fputs(text.c_str(), stdout);
   } catch (const std::exception& e) {

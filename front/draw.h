@@ -49,7 +49,8 @@ int32_t Draw(Kernel kernel, const Request<T>& request, int32_t refused, Paramete
   const auto draw = [&](int32_t n, T* r) {
     return kernel(static_cast<uint32_t>(request.method), request.stream, n, r, parameters...);
   };
-  if (request.n <= piece) [[likely]]
+  // Of a kernel some generators and the pairs of normal numbers draw one even when asked for none.
+  if (request.n > 0 && request.n <= piece) [[likely]]
     return draw(static_cast<int32_t>(request.n), request.r);
   return InPieces(request.n, request.r, 1, draw);
 }
