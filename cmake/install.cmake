@@ -1,29 +1,58 @@
-# Libraries, headers, the CMake package (find_package(pexquo) gives pexquo::pexquo and pexquo::kro) and
-# the pkg-config files pexquo.pc and kro.pc.
+# Libraries, headers, the CMake package and the pkg-config files. A component of find_package is
+# there when its part was built; the components of the installation are those of packages.cmake.
+#
+#   kernels  pexquo::pexquo, pexquo::kro    pexquo.pc, kro.pc
+#   front    pexquo::front                  pexquo-front.pc
+#   cpp      pexquo::cpp, headers over the front
 include(CMakePackageConfigHelpers)
-
-install(TARGETS kro pexquo EXPORT pexquo
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(DIRECTORY include/pexquo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-  FILES_MATCHING PATTERN "*.h")
-
-# libpexquo finds libkro beside it, wherever both are.
-set_target_properties(pexquo PROPERTIES INSTALL_RPATH "$ORIGIN")
-
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/pexquo)
-install(EXPORT pexquo NAMESPACE pexquo:: FILE pexquoTargets.cmake DESTINATION ${package_folder})
-configure_package_config_file(cmake/pexquoConfig.cmake.in pexquoConfig.cmake
-  INSTALL_DESTINATION ${package_folder})
-write_basic_package_version_file(pexquoConfigVersion.cmake COMPATIBILITY SameMinorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/pexquoConfig.cmake
-  ${PROJECT_BINARY_DIR}/pexquoConfigVersion.cmake
-  DESTINATION ${package_folder})
+
+# install_component(NAME TARGETS... [FILES ...]): the targets and the file that imports them.
+function(install_component name)
+  cmake_parse_arguments(arg "" "" "TARGETS" ${ARGN})
+  install(TARGETS ${arg_TARGETS} EXPORT pexquo_${name}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+      COMPONENT runtime NAMELINK_COMPONENT development)
+  install(EXPORT pexquo_${name} NAMESPACE pexquo:: FILE pexquo-${name}.cmake
+    DESTINATION ${package_folder} COMPONENT development)
+endfunction()
 
 # The prefix is found from the file's own place, so that the tree may be moved.
-file(RELATIVE_PATH PEXQUO_PC_TO_PREFIX
-  /p/${CMAKE_INSTALL_LIBDIR}/pkgconfig /p)
-foreach(name IN ITEMS pexquo kro)
+file(RELATIVE_PATH PEXQUO_PC_TO_PREFIX /p/${CMAKE_INSTALL_LIBDIR}/pkgconfig /p)
+function(install_pkgconfig name)
   configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${name}.pc
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+endfunction()
+
+install_component(kernels TARGETS kro pexquo)
+install_pkgconfig(kro)
+install_pkgconfig(pexquo)
+if(TARGET pexquo_front)
+  set_target_properties(pexquo_front PROPERTIES EXPORT_NAME front)
+  install_component(front TARGETS pexquo_front)
+  install_pkgconfig(pexquo-front)
+endif()
+if(TARGET pexquo_cpp)
+  set_target_properties(pexquo_cpp PROPERTIES EXPORT_NAME cpp)
+  install_component(cpp TARGETS pexquo_cpp)
+endif()
+
+install(DIRECTORY include/pexquo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development
+  FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
+
+# A library finds the others beside it, wherever they all are.
+foreach(library IN ITEMS pexquo pexquo_front)
+  if(TARGET ${library})
+    set_target_properties(${library} PROPERTIES INSTALL_RPATH "$ORIGIN")
+  endif()
 endforeach()
+
+configure_package_config_file(cmake/pexquoConfig.cmake.in pexquoConfig.cmake
+  INSTALL_DESTINATION ${package_folder})
+write_basic_package_version_file(pexquoConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/pexquoConfig.cmake
+  ${PROJECT_BINARY_DIR}/pexquoConfigVersion.cmake
+  DESTINATION ${package_folder} COMPONENT development)
+
+include(cmake/packages.cmake)

@@ -1,0 +1,122 @@
+# Debian packages by `cpack` of a tree configured with PEXQUO_PACKAGES=ON; scripts/package.sh does it
+# all. The components of the installation are the packages:
+#
+#   runtime      libpexquo1      the shared libraries
+#   development  libpexquo-dev   headers, CMake package, pkg-config files, manual of the library
+#   tools        pexquo-tools    the program and its manual
+#   python       python3-pexquo  the Python module, where it was built
+option(PEXQUO_PACKAGES "Prepare for cpack: Debian's paths and files (needs the prefix /usr)" OFF)
+if(NOT PEXQUO_PACKAGES)
+  return()
+endif()
+set(package_runtime libpexquo1)
+set(package_development libpexquo-dev)
+set(package_tools pexquo-tools)
+set(package_python python3-pexquo)
+
+set(CPACK_COMPONENTS_ALL runtime development)
+if(TARGET pexquo_program)
+  list(APPEND CPACK_COMPONENTS_ALL tools)
+endif()
+if(TARGET pexquo_python)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
+
+# gzip FILE into the build tree, without a time stamp.
+function(compress file result)
+  get_filename_component(name ${file} NAME)
+  set(compressed ${PROJECT_BINARY_DIR}/packaging/${name}.gz)
+  execute_process(COMMAND gzip -9nc ${file} OUTPUT_FILE ${compressed} COMMAND_ERROR_IS_FATAL ANY)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+  set(${result} ${compressed} PARENT_SCOPE)
+endfunction()
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/packaging)
+
+compress(${PROJECT_SOURCE_DIR}/packaging/changelog changelog)
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+  set(folder share/doc/${package_${component}})
+  install(FILES packaging/copyright DESTINATION ${folder} COMPONENT ${component})
+  install(FILES ${changelog} DESTINATION ${folder} RENAME changelog.Debian.gz
+    COMPONENT ${component})
+endforeach()
+
+# The control files of libpexquo1.
+set(runtime_files $<TARGET_SONAME_FILE:kro> $<TARGET_SONAME_FILE:pexquo>)
+if(TARGET pexquo_front)
+  list(APPEND runtime_files $<TARGET_SONAME_FILE:pexquo_front>)
+endif()
+set(symbols_file ${PROJECT_BINARY_DIR}/packaging/symbols)
+add_custom_command(OUTPUT ${symbols_file}
+  COMMAND ${CMAKE_COMMAND} -DNM=${CMAKE_NM} "-DLIBRARIES=${runtime_files}" -DOUTPUT=${symbols_file}
+    -P ${PROJECT_SOURCE_DIR}/packaging/symbols.cmake
+  DEPENDS ${runtime_files} packaging/symbols.cmake VERBATIM)
+add_custom_target(package_symbols ALL DEPENDS ${symbols_file})
+file(WRITE ${PROJECT_BINARY_DIR}/packaging/triggers "activate-noawait ldconfig\n")
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_OUTPUT_FILE_PREFIX ${PROJECT_BINARY_DIR}/packages)
+set(CPACK_PACKAGE_NAME pexquo)
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(release ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
+file(STRINGS packaging/changelog heading LIMIT_COUNT 1)
+if(NOT heading MATCHES "^pexquo \\(${release}\\) ")
+  message(FATAL_ERROR "packaging/changelog does not begin with release ${release}")
+endif()
+file(STRINGS packaging/changelog signature REGEX "^ -- " LIMIT_COUNT 1)
+string(REGEX REPLACE "^ -- (.*>)  .*" "\\1" CPACK_DEBIAN_PACKAGE_MAINTAINER "${signature}")
+set(CPACK_DEBIAN_PACKAGE_SOURCE pexquo)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+# Dependencies are those of the binaries; the packages' own libraries are found in the build tree.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/lib)
+set(own "libpexquo1 (= ${release})")
+
+set(about "pexquo computes mathematical functions of arrays in three honest tiers of accuracy, with\n\
+ errors reported element by element, and draws random numbers from partitionable, storable streams.\n\
+ Results have the same bits on every x86-64 processor and at every vector level.\n\
+ .\n")
+
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libpexquo1)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
+  ${symbols_file} ${PROJECT_BINARY_DIR}/packaging/triggers)
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION
+  "vector math and random streams, the same bits everywhere\n${about} This package has the shared libraries.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libpexquo-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${own}")
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
+  "vector math and random streams - development files\n${about} This package has the headers, the CMake package and the pkg-config files.")
+
+set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME pexquo-tools)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION math)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${own}")
+set(CPACK_DEBIAN_TOOLS_DESCRIPTION
+  "vector math and random numbers from a shell\n${about} This package has the program pexquo: functions of columns and arrays, random numbers into files.")
+
+find_package(Python3 QUIET COMPONENTS Interpreter)
+math(EXPR next_python "${Python3_VERSION_MINOR} + 1")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-pexquo)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${own}, python3 (>= 3.${Python3_VERSION_MINOR}), \
+python3 (<< 3.${next_python}), python3-numpy")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+  ${PROJECT_SOURCE_DIR}/packaging/python/postinst ${PROJECT_SOURCE_DIR}/packaging/python/prerm)
+set(CPACK_DEBIAN_PYTHON_DESCRIPTION
+  "vector math and random streams on NumPy arrays\n${about} This package has the Python module pexquo.")
+
+include(CPack)
