@@ -1,7 +1,7 @@
 // Writes include/pexquo/pex_functions.h, the declarations of the catalogued functions, to standard
-// output, or with --markdown DOCS the text of DOCS/functions.md, with the errors of
-// DOCS/accuracy.md and the plots beside it. It reads the rows alone, so that it runs before the
-// library exists.
+// output, with --front those of include/pexquo/front_functions.h, or with --markdown DOCS the text
+// of DOCS/functions.md, with the errors of DOCS/accuracy.md and the plots beside it. It reads the
+// rows alone, so that it runs before the library exists.
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -89,35 +89,56 @@ std::string Comment(const pex::Function& f) {
   return Wrap(text + " */", "   ") + "\n";
 }
 
-std::string Declaration(const pex::Function& f, char type, std::string_view suffix) {
+// What the arrays of arguments and of results hold.
+struct Elements {
+  std::string argument, result;
+};
+
+Elements ElementsOf(const pex::Function& f, char type) {
   const bool is_double = type == 'd' || type == 'z';
   const std::string real = is_double ? "double" : "float";
   const std::string complex = is_double ? "PexComplex16" : "PexComplex8";
   const bool is_complex = type == 'z' || type == 'c';
-  const std::string t = is_complex && f.shape != pex::Shape::FromReal ? complex : real;
-  const std::string u = is_complex && f.shape != pex::Shape::ToReal ? complex : real;
+  return {is_complex && f.shape != pex::Shape::FromReal ? complex : real,
+          is_complex && f.shape != pex::Shape::ToReal ? complex : real};
+}
+
+// The parameters behind the count.
+std::string Parameters(const pex::Function& f, char type) {
+  const auto [t, u] = ElementsOf(f, type);
   const std::string in = "const " + t + "* ", out = u + "* ";
-  std::string arguments;
   switch (f.shape) {
     case pex::Shape::Unary:
     case pex::Shape::ToReal:
     case pex::Shape::FromReal:
-      arguments = in + "a, " + out + "r";
-      break;
+      return in + "a, " + out + "r";
     case pex::Shape::Binary:
-      arguments = in + "a, " + in + "b, " + out + "r";
-      break;
+      return in + "a, " + in + "b, " + out + "r";
     case pex::Shape::UnaryScalar:
-      arguments = in + "a, " + t + " b, " + out + "r";
-      break;
+      return in + "a, " + t + " b, " + out + "r";
     case pex::Shape::UnaryTwo:
-      arguments = in + "a, " + out + "r1, " + out + "r2";
-      break;
+      return in + "a, " + out + "r1, " + out + "r2";
   }
+  return "";
+}
+
+std::string Declaration(const pex::Function& f, char type, std::string_view suffix) {
   return Wrap("PEXQUO_API int _pex" + std::string(1, type) + std::string(f.name) +
-                  std::string(suffix) + "(int32_t n, " + arguments + ");",
+                  std::string(suffix) + "(int32_t n, " + Parameters(f, type) + ");",
               "    ") +
          "\n";
+}
+
+// The public name, with the thread's mode and with one for the call.
+std::string FrontDeclarations(const pex::Function& f, std::array<char, 2> types) {
+  std::string text = Wrap("/* r[i] = " + std::string(f.formula) + " */", "   ") + "\n";
+  for (const char type : types) {
+    const std::string start = "PEXQUO_API int32_t v" + std::string(1, type) + std::string(f.name);
+    const std::string parameters = "(int64_t n, " + Parameters(f, type);
+    text += Wrap(start + parameters + ");", "    ") + "\n";
+    text += Wrap(start + "Mode" + parameters + ", uint32_t mode);", "    ") + "\n";
+  }
+  return text;
 }
 
 // In double and single precision, all tiers.
@@ -154,6 +175,21 @@ std::string Header() {
     text += Declarations(f, {'z', 'c'});
   }
   text += "\n#endif /* PEXQUO_PEX_FUNCTIONS_H_ */\n";
+  return text;
+}
+
+std::string FrontHeader() {
+  std::string text =
+      "/* Generated from catalogue/functions.def and complex_functions.def by "
+      "catalogue/make_header.cc:\n"
+      "   change the row, then run `cmake --build --preset release --target header`. Included by\n"
+      "   pexquo/pexquo.h, which says what all these functions have in common. */\n"
+      "#ifndef PEXQUO_FRONT_FUNCTIONS_H_\n#define PEXQUO_FRONT_FUNCTIONS_H_\n\n"
+      "/* ---- Real functions: d of doubles, s of floats. ---- */\n";
+  for (const pex::Function& f : kFunctions) text += "\n" + FrontDeclarations(f, {'d', 's'});
+  text += "\n/* ---- Complex functions: z of doubles, c of floats. ---- */\n";
+  for (const pex::Function& f : kComplexFunctions) text += "\n" + FrontDeclarations(f, {'z', 'c'});
+  text += "\n#endif /* PEXQUO_FRONT_FUNCTIONS_H_ */\n";
   return text;
 }
 
@@ -257,8 +293,11 @@ std::string Markdown(const std::filesystem::path& docs) {
 
 int main(int argc, char** argv) {
   try {
-    const bool markdown = argc > 2 && std::string_view(argv[1]) == "--markdown";
-    std::fputs((markdown ? Markdown(argv[2]) : Header()).c_str(), stdout);
+    const std::string_view what = argc > 1 ? argv[1] : "";
+    const std::string text = what == "--markdown" && argc > 2 ? Markdown(argv[2])
+                             : what == "--front"              ? FrontHeader()
+                                                              : Header();
+    std::fputs(text.c_str(), stdout);
   } catch (const std::exception& e) {
     std::fprintf(stderr, "make_header: %s\n", e.what());
     return 1;

@@ -7,7 +7,7 @@
 include(CMakePackageConfigHelpers)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/pexquo)
 
-# install_component(NAME TARGETS... [FILES ...]): the targets and the file that imports them.
+# install_component(NAME TARGETS ...): the targets and the file that imports them.
 function(install_component name)
   cmake_parse_arguments(arg "" "" "TARGETS" ${ARGN})
   install(TARGETS ${arg_TARGETS} EXPORT pexquo_${name}
@@ -28,25 +28,41 @@ endfunction()
 install_component(kernels TARGETS kro pexquo)
 install_pkgconfig(kro)
 install_pkgconfig(pexquo)
-if(TARGET pexquo_front)
-  set_target_properties(pexquo_front PROPERTIES EXPORT_NAME front)
-  install_component(front TARGETS pexquo_front)
-  install_pkgconfig(pexquo-front)
-endif()
+install_component(front TARGETS pexquo_front)
+install_pkgconfig(pexquo-front)
 if(TARGET pexquo_cpp)
-  set_target_properties(pexquo_cpp PROPERTIES EXPORT_NAME cpp)
   install_component(cpp TARGETS pexquo_cpp)
 endif()
 
 install(DIRECTORY include/pexquo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development
   FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 
-# A library finds the others beside it, wherever they all are.
-foreach(library IN ITEMS pexquo pexquo_front)
-  if(TARGET ${library})
-    set_target_properties(${library} PROPERTIES INSTALL_RPATH "$ORIGIN")
+# Debian wants manuals and changelogs compressed, without a time stamp.
+option(PEXQUO_PACKAGES "Prepare for cpack: Debian's paths and files (needs the prefix /usr)" OFF)
+function(compress file result)
+  get_filename_component(name ${file} NAME)
+  set(compressed ${PROJECT_BINARY_DIR}/packaging/${name}.gz)
+  file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/packaging)
+  execute_process(COMMAND gzip -9nc ${file} OUTPUT_FILE ${compressed} COMMAND_ERROR_IS_FATAL ANY)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+  set(${result} ${compressed} PARENT_SCOPE)
+endfunction()
+
+function(install_manual section component)
+  set(page ${PROJECT_SOURCE_DIR}/man/pexquo.${section})
+  if(EXISTS ${page})
+    if(PEXQUO_PACKAGES)
+      compress(${page} page)
+    endif()
+    install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section}
+      COMPONENT ${component})
   endif()
-endforeach()
+endfunction()
+install_manual(1 tools)
+install_manual(3 development)
+
+# A library finds the others beside it, wherever they all are.
+set_target_properties(pexquo pexquo_front PROPERTIES INSTALL_RPATH "$ORIGIN")
 
 configure_package_config_file(cmake/pexquoConfig.cmake.in pexquoConfig.cmake
   INSTALL_DESTINATION ${package_folder})

@@ -5,7 +5,6 @@
 #   development  libpexquo-dev   headers, CMake package, pkg-config files, manual of the library
 #   tools        pexquo-tools    the program and its manual
 #   python       python3-pexquo  the Python module, where it was built
-option(PEXQUO_PACKAGES "Prepare for cpack: Debian's paths and files (needs the prefix /usr)" OFF)
 if(NOT PEXQUO_PACKAGES)
   return()
 endif()
@@ -22,16 +21,6 @@ if(TARGET pexquo_python)
   list(APPEND CPACK_COMPONENTS_ALL python)
 endif()
 
-# gzip FILE into the build tree, without a time stamp.
-function(compress file result)
-  get_filename_component(name ${file} NAME)
-  set(compressed ${PROJECT_BINARY_DIR}/packaging/${name}.gz)
-  execute_process(COMMAND gzip -9nc ${file} OUTPUT_FILE ${compressed} COMMAND_ERROR_IS_FATAL ANY)
-  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
-  set(${result} ${compressed} PARENT_SCOPE)
-endfunction()
-file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/packaging)
-
 compress(${PROJECT_SOURCE_DIR}/packaging/changelog changelog)
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   set(folder share/doc/${package_${component}})
@@ -40,18 +29,16 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     COMPONENT ${component})
 endforeach()
 
-# The control files of libpexquo1.
-set(runtime_files $<TARGET_SONAME_FILE:kro> $<TARGET_SONAME_FILE:pexquo>)
-if(TARGET pexquo_front)
-  list(APPEND runtime_files $<TARGET_SONAME_FILE:pexquo_front>)
-endif()
-set(symbols_file ${PROJECT_BINARY_DIR}/packaging/symbols)
-add_custom_command(OUTPUT ${symbols_file}
-  COMMAND ${CMAKE_COMMAND} -DNM=${CMAKE_NM} "-DLIBRARIES=${runtime_files}" -DOUTPUT=${symbols_file}
-    -P ${PROJECT_SOURCE_DIR}/packaging/symbols.cmake
-  DEPENDS ${runtime_files} packaging/symbols.cmake VERBATIM)
-add_custom_target(package_symbols ALL DEPENDS ${symbols_file})
-file(WRITE ${PROJECT_BINARY_DIR}/packaging/triggers "activate-noawait ldconfig\n")
+# What stands in the control part of libpexquo1.
+set(control_folder ${PROJECT_BINARY_DIR}/packaging/control)
+set(control_files ${control_folder}/symbols ${control_folder}/shlibs ${control_folder}/triggers)
+set(libraries $<TARGET_SONAME_FILE:kro> $<TARGET_SONAME_FILE:pexquo>
+  $<TARGET_SONAME_FILE:pexquo_front>)
+add_custom_command(OUTPUT ${control_files} ${control_folder}/depends
+  COMMAND ${CMAKE_COMMAND} -DNM=${CMAKE_NM} "-DLIBRARIES=${libraries}" -DFOLDER=${control_folder}
+    -P ${PROJECT_SOURCE_DIR}/packaging/control.cmake
+  DEPENDS ${libraries} packaging/control.cmake VERBATIM)
+add_custom_target(package_control ALL DEPENDS ${control_files})
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -80,33 +67,42 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/lib)
 set(own "libpexquo1 (= ${release})")
 
-set(about "pexquo computes mathematical functions of arrays in three honest tiers of accuracy, with\n\
- errors reported element by element, and draws random numbers from partitionable, storable streams.\n\
- Results have the same bits on every x86-64 processor and at every vector level.\n\
- .\n")
+set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_SOURCE_DIR}/packaging/at_cpack.cmake)
+set(CPACK_PEXQUO_CONTROL ${control_folder})
+
+# describe(COMPONENT SYNOPSIS LINES...): lines of at most 79 characters.
+function(describe component synopsis)
+  list(APPEND lines "${synopsis}"
+    "pexquo computes mathematical functions of arrays in three honest tiers of"
+    "accuracy, with errors reported element by element, and draws random numbers"
+    "from streams that can be partitioned and stored. Results have the same bits"
+    "on every x86-64 processor and at every vector level."
+    "." ${ARGN})
+  list(JOIN lines "\n" text)
+  set(CPACK_DEBIAN_${component}_DESCRIPTION "${text}" PARENT_SCOPE)
+endfunction()
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libpexquo1)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA
-  ${symbols_file} ${PROJECT_BINARY_DIR}/packaging/triggers)
-set(CPACK_DEBIAN_RUNTIME_DESCRIPTION
-  "vector math and random streams, the same bits everywhere\n${about} This package has the shared libraries.")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS OFF)  # at_cpack.cmake
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${control_files})
+describe(RUNTIME "vector math and random streams, the same bits everywhere"
+  "This package has the shared libraries.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libpexquo-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${own}")
-set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
-  "vector math and random streams - development files\n${about} This package has the headers, the CMake package and the pkg-config files.")
+describe(DEVELOPMENT "vector math and random streams - development files"
+  "This package has the headers for C and C++, the CMake package and the"
+  "pkg-config files.")
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME pexquo-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION math)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${own}")
-set(CPACK_DEBIAN_TOOLS_DESCRIPTION
-  "vector math and random numbers from a shell\n${about} This package has the program pexquo: functions of columns and arrays, random numbers into files.")
+describe(TOOLS "vector math and random numbers from a shell"
+  "This package has the program pexquo: functions of columns and arrays, random"
+  "numbers into files.")
 
 find_package(Python3 QUIET COMPONENTS Interpreter)
 math(EXPR next_python "${Python3_VERSION_MINOR} + 1")
@@ -116,7 +112,7 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${own}, python3 (>= 3.${Python3_VERSION
 python3 (<< 3.${next_python}), python3-numpy")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
   ${PROJECT_SOURCE_DIR}/packaging/python/postinst ${PROJECT_SOURCE_DIR}/packaging/python/prerm)
-set(CPACK_DEBIAN_PYTHON_DESCRIPTION
-  "vector math and random streams on NumPy arrays\n${about} This package has the Python module pexquo.")
+describe(PYTHON "vector math and random streams on NumPy arrays"
+  "This package has the Python module pexquo.")
 
 include(CPack)

@@ -20,11 +20,14 @@ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFI
   -DCMAKE_EXE_LINKER_FLAGS=-Wl,-z,relro,-z,now "${launcher[@]}"
 cmake --build "$build" -j "${PEXQUO_JOBS:-$(nproc)}"
 rm -rf "$build/packages"
+# Files bear the date of the release: the same source makes the same packages.
+SOURCE_DATE_EPOCH=$(dpkg-parsechangelog -l packaging/changelog -S Timestamp)
+export SOURCE_DATE_EPOCH
 (cd "$build" && cpack)
 debs=("$build"/packages/*.deb)
 
 printf '\n== lintian\n'
-lintian --no-tag-display-limit --fail-on error "${debs[@]}"
+lintian --tag-display-limit 0 --fail-on error "${debs[@]}"
 printf '\n== The packages in use\n'
 scripts/try_packages.sh "$build/packages"
 if [[ ${1:-} == --clean-root ]]; then

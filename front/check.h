@@ -1,0 +1,70 @@
+// Conditions on arguments of streams and distributions: each gives QUO_OK or the status of its
+// refusal, and First the first refusal of several.
+#ifndef FRONT_CHECK_H_
+#define FRONT_CHECK_H_
+
+#include <cmath>
+#include <cstdint>
+#include <initializer_list>
+#include <span>
+
+#include "pexquo/pexquo.h"
+
+namespace pexquo_front {
+
+constexpr int32_t Unless(bool holds, int32_t status) { return holds ? QUO_OK : status; }
+
+constexpr int32_t First(std::initializer_list<int32_t> statuses) {
+  for (const int32_t status : statuses) {
+    if (status != QUO_OK) return status;
+  }
+  return QUO_OK;
+}
+
+// Not null, with the head that every stream has.
+int32_t LiveStream(const QuoStream* stream);
+
+template <typename T>
+int32_t AllFinite(std::span<const T> numbers) {
+  for (const T x : numbers) {
+    if (!std::isfinite(x)) return QUO_NOT_FINITE;
+  }
+  return QUO_OK;
+}
+
+// Comparisons with a NaN are false, so Finite comes first where there is a status for it.
+template <typename... T>
+int32_t Finite(T... x) {
+  return Unless((std::isfinite(x) && ...), QUO_NOT_FINITE);
+}
+
+// The generators compute b - a, and some (a + b)/2.
+template <typename T>
+int32_t Range(T a, T b) {
+  return First({Finite(a, b), Unless(a < b, QUO_EMPTY_RANGE),
+                Unless(std::isfinite(b - a) && std::isfinite(a + b), QUO_WIDE_RANGE)});
+}
+
+// Displacements come with scales: a is finite, and so is beta, above 0.
+template <typename T>
+int32_t Scaled(T a, T beta) {
+  return First({Finite(a, beta), Unless(beta > 0, QUO_BAD_SCALE)});
+}
+
+template <typename... T>
+int32_t Shapes(T... shape) {
+  return First({Finite(shape...), Unless(((shape > 0) && ...), QUO_BAD_SHAPE)});
+}
+
+inline int32_t Probability(double p) {
+  return First({Finite(p), Unless(p >= 0 && p <= 1, QUO_BAD_PROBABILITY)});
+}
+
+// Of waiting for successes: in (0, 1], and not so small that 1 - p is 1.
+inline int32_t ProbabilityOfSuccess(double p) {
+  return First({Probability(p), Unless(1 - p < 1, QUO_BAD_PROBABILITY)});
+}
+
+}  // namespace pexquo_front
+
+#endif  // FRONT_CHECK_H_

@@ -1,0 +1,45 @@
+#include "front/thread_state.h"
+
+namespace pexquo_front {
+namespace {
+
+thread_local int32_t seen_index;
+
+int KeepIndex(PexErrorContext* record) {
+  seen_index = record->index;
+  return 1;  // dealt with: no errno, no message, no flag
+}
+
+// What the thread's input-vector base adds to the index of a record whose array is null, modulo
+// 2^32; 0 without a base (and with one at a multiple of 16 GiB). The base can be set but not read,
+// so a record is made that shows it; status, callback and mode are put back.
+int32_t OffsetOfBase() {
+  const uint32_t mode = _pexGetMode();
+  const int32_t status = _pexGetErrStatus();
+  const PexErrorCallBack callback = _pexSetErrorCallBack(KeepIndex);
+  _pexsError(PEX_STATUS_BAD_SIZE, 0, nullptr, nullptr, nullptr, nullptr, "");
+  _pexSetErrorCallBack(callback);
+  _pexSetErrStatus(status);
+  _pexSetMode(mode);
+  return seen_index;
+}
+
+}  // namespace
+
+int64_t piece = int64_t{1} << 30;
+
+int32_t Refuse(const char* name, int32_t status, int32_t parameter) {
+  const uint32_t index = static_cast<uint32_t>(parameter) - static_cast<uint32_t>(OffsetOfBase());
+  _pexsError(status, static_cast<int32_t>(index), nullptr, nullptr, nullptr, nullptr, name);
+  return status;
+}
+
+WholeArray::WholeArray(const void* array) : had_base_(OffsetOfBase() != 0) {
+  if (!had_base_) _pexSetInterfInputVectorPointer(array);
+}
+
+WholeArray::~WholeArray() {
+  if (!had_base_) _pexSetInterfInputVectorPointer(nullptr);
+}
+
+}  // namespace pexquo_front
