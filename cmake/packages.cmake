@@ -29,6 +29,9 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     COMPONENT ${component})
 endforeach()
 
+install(FILES packaging/libpexquo1.lintian-overrides DESTINATION share/lintian/overrides
+  RENAME libpexquo1 COMPONENT runtime)
+
 # What stands in the control part of libpexquo1.
 set(control_folder ${PROJECT_BINARY_DIR}/packaging/control)
 set(control_files ${control_folder}/symbols ${control_folder}/shlibs ${control_folder}/triggers)
