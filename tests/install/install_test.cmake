@@ -45,7 +45,7 @@ if(WAY STREQUAL "cmake")
   endforeach()
   # Who asks for a part that does not exist is told which there are.
   execute_process(COMMAND ${CMAKE_COMMAND} -G ${GENERATOR} -S ${CONSUMER}/../missing
-    -B ${WORK}/missing -DCMAKE_PREFIX_PATH=${prefix}
+    -B ${WORK}/missing -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_C_COMPILER=${C_COMPILER}
     RESULT_VARIABLE status OUTPUT_QUIET ERROR_VARIABLE errors)
   if(status EQUAL 0 OR NOT errors MATCHES "no component 'fortran': there are kernels, front")
     message(FATAL_ERROR "asking for a missing component ended with ${status}:\n${errors}")
