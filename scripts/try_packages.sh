@@ -44,9 +44,9 @@ try_all() {
   build=$(mktemp -d)
   g++ -std=c++11 "$consumer/in_cxx.cc" -o "$build/in_cxx" $(pkg-config --cflags --libs pexquo kro)
   gcc -std=c89 "$consumer/in_c.c" -o "$build/in_c" $(pkg-config --cflags --libs pexquo kro)
-  gcc -std=c89 "-DEXPECTED_VERSION=\"$version\"" "$consumer/front.c" -o "$build/front" \
+  gcc -std=c89 "$consumer/front_in_c.c" -o "$build/front_in_c" \
     $(pkg-config --cflags --libs pexquo-front)
-  local programs=(in_cxx in_c front) components=kernels,front
+  local programs=(in_cxx in_c front_in_c) components=kernels,front
   if [[ -e $libraries/cmake/pexquo/pexquo-cpp.cmake ]]; then
     g++ -std=c++20 -pthread "$consumer/cpp.cc" -o "$build/cpp" \
       $(pkg-config --cflags --libs pexquo-front)

@@ -403,6 +403,14 @@ class Placed {
 
 Outcome CallEntry(const pex::Entry& entry, const Arguments& arguments, const Control& control,
                   size_t offset, Place place) {
+  const auto call = [&](size_t n, const void* a, const void* b, void* r1, void* r2) {
+    entry.Call(static_cast<int32_t>(n), a, b, r1, r2);
+  };
+  return CallInPlaceOf(entry, call, arguments, control, offset, place);
+}
+
+Outcome CallInPlaceOf(const pex::Entry& entry, const StandIn& call, const Arguments& arguments,
+                      const Control& control, size_t offset, Place place) {
   const size_t n = arguments.size();
   const bool is_double = entry.is_double();
   const size_t results = n * static_cast<size_t>(entry.result_parts());
@@ -417,7 +425,7 @@ Outcome CallEntry(const pex::Entry& entry, const Arguments& arguments, const Con
   const uint32_t mode = _pexSetMode(PEX_ERRMODE_CALLBACK);
   _pexClearErrStatus();
   UseControl scope(control);
-  entry.Call(static_cast<int32_t>(n), a.data(), b.data(), first.data(), second.data());
+  call(n, a.data(), b.data(), first.data(), second.data());
   scope.Finish();
   outcome.flags = scope.flags() | scope.x87_flags();
   outcome.status = _pexClearErrStatus();

@@ -3,6 +3,7 @@
 #define TESTS_PROMISES_ARGUMENTS_H_
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -68,6 +69,11 @@ enum class Place { Apart, OverA, OverB, SecondOverA };
 // every record. The control words are those given; EXPECTs that they are kept.
 Outcome CallEntry(const pex::Entry& entry, const Arguments& arguments, const Control& control,
                   size_t offset = 0, Place place = Place::Apart);
+
+// The same of a function that stands in for the entry: call(n, a, b, r1, r2), as Entry::Call.
+using StandIn = std::function<void(size_t n, const void* a, const void* b, void* r1, void* r2)>;
+Outcome CallInPlaceOf(const pex::Entry& entry, const StandIn& call, const Arguments& arguments,
+                      const Control& control, size_t offset = 0, Place place = Place::Apart);
 
 // "" if both are the same to the last bit, otherwise where they differ.
 std::string Difference(const Outcome& x, const Outcome& y);
