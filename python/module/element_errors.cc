@@ -1,0 +1,52 @@
+#include "python/module/element_errors.h"
+
+#include <xmmintrin.h>
+
+namespace pexquo::python {
+namespace {
+
+constexpr uint32_t kInvalid = 0x01, kDivide = 0x04, kOverflow = 0x08, kUnderflow = 0x10;
+constexpr uint32_t kFlagOfCode[] = {0, kInvalid, kDivide, kOverflow, kUnderflow};
+
+thread_local ErrorScope* innermost = nullptr;
+
+}  // namespace
+
+ErrorScope::ErrorScope(std::vector<ElementError>* errors)
+    : errors_(errors),
+      outer_(innermost),
+      mode_(_pexSetMode(PEX_ERRMODE_CALLBACK)),
+      callback_(_pexSetErrorCallBack(Report)) {
+  innermost = this;
+}
+
+ErrorScope::~ErrorScope() {
+  _pexSetErrorCallBack(callback_);
+  _pexSetMode(mode_);
+  innermost = outer_;
+  if (flags_ != 0) _mm_setcsr(_mm_getcsr() | flags_);
+}
+
+int ErrorScope::Report(PexErrorContext* record) {
+  ErrorScope& scope = *innermost;
+  if (record->code >= PEX_STATUS_DOMAIN && record->code <= PEX_STATUS_UNDERFLOW) {
+    scope.flags_ |= kFlagOfCode[record->code];
+    if (scope.errors_ != nullptr) {
+      scope.errors_->push_back({record->code, scope.base_ + record->index});
+    }
+  }
+  return 1;
+}
+
+void ClearFlags() { _mm_setcsr(_mm_getcsr() & ~0x3Fu); }
+
+int32_t CodeOfFlags() {
+  const uint32_t flags = _mm_getcsr();
+  for (const int32_t code :
+       {PEX_STATUS_SINGULARITY, PEX_STATUS_DOMAIN, PEX_STATUS_OVERFLOW, PEX_STATUS_UNDERFLOW}) {
+    if (flags & kFlagOfCode[code]) return code;
+  }
+  return PEX_STATUS_OK;
+}
+
+}  // namespace pexquo::python
