@@ -24,7 +24,7 @@ ErrorScope::~ErrorScope() {
   _pexSetErrorCallBack(callback_);
   _pexSetMode(mode_);
   innermost = outer_;
-  if (flags_ != 0) _mm_setcsr(_mm_getcsr() | flags_);
+  if (flags_ != 0) RaiseFlags(flags_);
 }
 
 int ErrorScope::Report(PexErrorContext* record) {
@@ -39,6 +39,12 @@ int ErrorScope::Report(PexErrorContext* record) {
 }
 
 void ClearFlags() { _mm_setcsr(_mm_getcsr() & ~0x3Fu); }
+
+uint32_t RaisedFlags() {
+  return _mm_getcsr() & (kInvalid | kDivide | kOverflow | kUnderflow);
+}
+
+void RaiseFlags(uint32_t flags) { _mm_setcsr(_mm_getcsr() | flags); }
 
 int32_t CodeOfFlags() {
   const uint32_t flags = _mm_getcsr();

@@ -43,6 +43,8 @@ class ErrorScope {
 // The status code that the exception flags raised since the last ClearFlags() stand for, 0 for none:
 // a pole before a domain error, as 0/0 beside x/0 in a complex quotient; then overflow, underflow.
 void ClearFlags();
+uint32_t RaisedFlags();  // invalid, divide-by-zero, overflow and underflow, as bits of MXCSR
+void RaiseFlags(uint32_t flags);
 int32_t CodeOfFlags();
 
 }  // namespace pexquo::python

@@ -4,15 +4,15 @@
 
 #include <algorithm>
 #include <cctype>
-#include <deque>
+#include <cstring>
 #include <string>
+#include <vector>
 
-#include "python/module/loops.h"
+#include "python/module/function.h"
 
 namespace pexquo::python {
 namespace {
 
-constexpr int kTiers = 3;
 constexpr pex::Tier kTierOf[kTiers] = {pex::Tier::HA, pex::Tier::LA, pex::Tier::EP};
 constexpr const char* kTierNames[kTiers] = {"ha", "la", "ep"};
 
@@ -38,27 +38,8 @@ std::string PythonName(std::string_view catalogue) {
   return name;
 }
 
-// A ufunc reads these for as long as the process lives.
-struct Tables {
-  std::string name;
-  std::deque<Loop> loops;
-  std::vector<PyUFuncGenericFunction> functions;
-  std::vector<void*> data;
-  std::vector<char> types;
-};
-
-struct Function {
-  PyObject_HEAD
-  vectorcallfunc vectorcall;
-  PyObject* name;
-  PyObject* catalogue;  // the catalogue's name
-  PyObject* doc;
-  PyObject* module;
-  PyObject* ufuncs[kTiers];
-  const Tables* tables[kTiers];
-};
-
 PyObject* tier_keyword = nullptr;
+PyObject* out_keyword = nullptr;
 PyObject* tier_names[kTiers];
 PyObject* collect_hook = nullptr;
 long collectors = 0;  // the interpreter's lock guards it
@@ -95,55 +76,75 @@ PyObject* CallHook(Function* self, int tier, PyObject* const* args, Py_ssize_t p
   return result;
 }
 
-PyObject* Dispatch(Function* self, int tier, PyObject* const* args, size_t flagged_count,
-                   PyObject* names) {
+// What a call's keywords say: those of the short way, or the place of others.
+struct Keywords {
+  int tier = 0;
+  Py_ssize_t tier_at = -1;
+  PyObject* out = nullptr;
+  bool others = false;
+};
+
+bool Is(PyObject* name, PyObject* keyword) {
+  return name == keyword || PyUnicode_Compare(name, keyword) == 0;
+}
+
+// False with an exception set for an unknown tier.
+bool ReadKeywords(PyObject* const* values, PyObject* names, Keywords* keywords) {
+  for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(names); ++i) {
+    PyObject* name = PyTuple_GET_ITEM(names, i);
+    if (Is(name, tier_keyword)) {
+      keywords->tier_at = i;
+      keywords->tier = FindTier(values[i]);
+      if (keywords->tier < 0) return false;
+    } else if (Is(name, out_keyword)) {
+      keywords->out = values[i] == Py_None ? nullptr : values[i];
+    } else {
+      keywords->others = true;
+    }
+  }
+  return true;
+}
+
+PyObject* CallUfunc(Function* self, int tier, PyObject* const* args, size_t flagged_count,
+                    PyObject* names) {
   if (collectors != 0) [[unlikely]] {
     return CallHook(self, tier, args, PyVectorcall_NARGS(flagged_count), names);
   }
   return PyObject_Vectorcall(self->ufuncs[tier], args, flagged_count, names);
 }
 
-// The call without the keyword `tier`, which stands at names[at].
-PyObject* CallWithTier(Function* self, PyObject* const* args, Py_ssize_t positional,
+// The ufunc's call without the keyword `tier`, which stands at names[at].
+PyObject* CallWithTier(Function* self, int tier, PyObject* const* args, Py_ssize_t positional,
                        PyObject* names, Py_ssize_t at) {
-  const int tier = FindTier(args[positional + at]);
-  if (tier < 0) return nullptr;
   const Py_ssize_t count = PyTuple_GET_SIZE(names);
   PyObject* rest = nullptr;
   if (count > 1) {
     rest = PyTuple_New(count - 1);
     if (rest == nullptr) return nullptr;
   }
-  std::array<PyObject*, 16> some;
-  std::vector<PyObject*> many;
-  PyObject** values = some.data();
-  if (positional + count > static_cast<Py_ssize_t>(some.size())) {
-    many.resize(static_cast<size_t>(positional + count));
-    values = many.data();
-  }
-  PyObject** next = std::copy_n(args, positional, values);
+  std::vector<PyObject*> values(args, args + positional);
   for (Py_ssize_t i = 0, kept = 0; i < count; ++i) {
     if (i == at) continue;
     PyTuple_SET_ITEM(rest, kept++, Py_NewRef(PyTuple_GET_ITEM(names, i)));
-    *next++ = args[positional + i];
+    values.push_back(args[positional + i]);
   }
-  PyObject* result = Dispatch(self, tier, values, static_cast<size_t>(positional), rest);
+  PyObject* result =
+      CallUfunc(self, tier, values.data(), static_cast<size_t>(positional), rest);
   Py_XDECREF(rest);
   return result;
 }
 
 PyObject* Call(PyObject* object, PyObject* const* args, size_t flagged_count, PyObject* names) {
   auto* self = reinterpret_cast<Function*>(object);
-  const Py_ssize_t count = names == nullptr ? 0 : PyTuple_GET_SIZE(names);
-  for (int by_value = 0; by_value < 2 && count > 0; ++by_value) {
-    for (Py_ssize_t i = 0; i < count; ++i) {
-      PyObject* name = PyTuple_GET_ITEM(names, i);
-      if (by_value ? PyUnicode_Compare(name, tier_keyword) == 0 : name == tier_keyword) {
-        return CallWithTier(self, args, PyVectorcall_NARGS(flagged_count), names, i);
-      }
-    }
+  const Py_ssize_t positional = PyVectorcall_NARGS(flagged_count);
+  Keywords keywords;
+  if (names != nullptr && !ReadKeywords(args + positional, names, &keywords)) return nullptr;
+  if (collectors == 0 && !keywords.others) {
+    PyObject* result = CallDirectly(*self, keywords.tier, args, positional, keywords.out);
+    if (result != nullptr || PyErr_Occurred()) return result;
   }
-  return Dispatch(self, 0, args, flagged_count, names);
+  if (keywords.tier_at < 0) return CallUfunc(self, 0, args, flagged_count, names);
+  return CallWithTier(self, keywords.tier, args, positional, names, keywords.tier_at);
 }
 
 PyObject* Repr(PyObject* self) {
@@ -276,6 +277,7 @@ Tables* MakeTables(std::string_view catalogue, const std::string& name, pex::Tie
     if (entry != nullptr) tables->loops.push_back(MakeLoop(*entry, swapped));
   }
   for (Loop& loop : tables->loops) {
+    tables->by_type[static_cast<size_t>(TypeSlot(loop.types[0]))] = &loop;
     tables->functions.push_back(RunLoop);
     tables->data.push_back(&loop);
     for (int k = 0; k < loop.arguments + loop.results; ++k) {
@@ -290,6 +292,21 @@ PyObject* MakeUfunc(Tables& tables) {
   return PyUFunc_FromFuncAndData(tables.functions.data(), tables.data.data(), tables.types.data(),
                                  static_cast<int>(tables.loops.size()), loop.arguments, loop.results,
                                  PyUFunc_None, tables.name.c_str(), nullptr, 0);
+}
+
+// A ufunc of the function's name that raises the flags of its argument: NumPy's own way from there to
+// warnings and exceptions.
+PyObject* MakeAlarm(const Tables& tables) {
+  static PyUFuncGenericFunction loops[] = {
+      [](char** args, const npy_intp*, const npy_intp*, void*) {
+        double flags;
+        std::memcpy(&flags, args[0], sizeof flags);
+        RaiseFlags(static_cast<uint32_t>(flags));
+      }};
+  static void* data[] = {nullptr};
+  static char types[] = {NPY_DOUBLE, NPY_DOUBLE};
+  return PyUFunc_FromFuncAndData(loops, data, types, 1, 1, 1, PyUFunc_None, tables.name.c_str(),
+                                 nullptr, 0);
 }
 
 PyObject* MakeFunction(const pex::Function& function, const std::string& name) {
@@ -311,6 +328,8 @@ PyObject* MakeFunction(const pex::Function& function, const std::string& name) {
     self->ufuncs[t] = shared ? Py_NewRef(self->ufuncs[0]) : MakeUfunc(*tables);
     if (self->ufuncs[t] == nullptr) return nullptr;
   }
+  self->alarm = MakeAlarm(*self->tables[0]);
+  if (self->alarm == nullptr) return nullptr;
   return reinterpret_cast<PyObject*>(self);
 }
 
@@ -318,6 +337,7 @@ PyObject* MakeFunction(const pex::Function& function, const std::string& name) {
 
 PyObject* MakeFunctions() {
   tier_keyword = PyUnicode_InternFromString("tier");
+  out_keyword = PyUnicode_InternFromString("out");
   for (int t = 0; t < kTiers; ++t) tier_names[t] = PyUnicode_InternFromString(kTierNames[t]);
   if (PyType_Ready(&function_type) < 0) return nullptr;
   PyObject* functions = PyDict_New();
