@@ -127,6 +127,16 @@ void Distribution::Validate(char type, const double* parameters) const {
         break;
     }
   }
+  if (distribution_->name == "uniform" && type == 'i') {
+    for (size_t i = 0; i < 2; ++i) {
+      const double p = parameters[i];
+      if (p < std::numeric_limits<int32_t>::min() || p > std::numeric_limits<int32_t>::max() ||
+          p != std::floor(p)) {
+        throw Failure{PyExc_ValueError, Message(i, "an integer of 32 bits (numpy.random.Generator on "
+                                                   "pexquo.bit_generator(stream) takes wider ones)")};
+      }
+    }
+  }
   if (distribution_->name == "uniform") {
     const double low = type == 's' ? static_cast<float>(parameters[0]) : parameters[0];
     const double high = type == 's' ? static_cast<float>(parameters[1]) : parameters[1];

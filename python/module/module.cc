@@ -133,11 +133,10 @@ void BindStreams(py::module_& m) {
 
   py::class_<Stream>(m, "Stream")
       .def(py::init<std::string_view, int64_t, const std::vector<uint32_t>&>())
-      .def_static("from_bytes",
-                  [](const py::bytes& bytes) {
-                    return std::make_unique<Stream>(std::string_view(bytes));
-                  })
-      .def_static("from_file", LoadStream)
+      .def(py::init([](const py::bytes& bytes) {
+        return std::make_unique<Stream>(std::string_view(bytes));
+      }))
+      .def(py::init(&LoadStream), py::kw_only(), "path"_a)
       .def("to_bytes", [](Stream& s) { return py::bytes(s.Serialize()); })
       .def("to_file", SaveStream)
       .def_property_readonly("generator", [](const Stream& s) { return std::string(s.generator()); })

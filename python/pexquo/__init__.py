@@ -22,10 +22,20 @@ Special elements (poles, overflow, arguments outside the domain) warn as NumPy's
 `numpy.errstate`; within `errors()` they are collected one by one instead.
 """
 
+from ._bit_generator import BitGenerator, bit_generator
 from ._errors import ElementError, errors
 from ._functions import FUNCTIONS as _FUNCTIONS
+from ._stream import Stream, generators
 from ._version import __version__
 
 globals().update(_FUNCTIONS)
 
-__all__ = ["ElementError", "errors", *_FUNCTIONS]
+__all__ = [
+    "BitGenerator",
+    "ElementError",
+    "Stream",
+    "bit_generator",
+    "errors",
+    "generators",
+    *_FUNCTIONS,
+]
