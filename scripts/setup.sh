@@ -1,7 +1,7 @@
 # Sourced by the other scripts: installs the missing Debian packages.
 packages=(g++ cmake ninja-build pkg-config libhwy-dev libopenblas-dev libmpfr-dev libmpc-dev libgmp-dev
   libgtest-dev libbenchmark-dev libsleef-dev libboost-dev libgsl-dev libcli11-dev gnuplot-nox
-  python3 clang-format)
+  python3 python3-dev python3-numpy python3-pytest pybind11-dev clang-format)
 missing=()
 for package in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")

@@ -99,6 +99,7 @@ PyObject* CallDirectly(const Function& function, int tier, PyObject* const* args
   const int results = tables.loops.front().results;
   if (count != arguments || (out != nullptr && results != 1)) return nullptr;
   if (arguments == 1 && out == nullptr && tables.by_type[1] != nullptr &&
+      tables.by_type[1]->types[1] == NPY_DOUBLE &&
       (PyFloat_CheckExact(args[0]) || PyArray_IsScalar(args[0], Double))) {
     return CallOnNumber(function, *tables.by_type[1], PyFloat_AS_DOUBLE(args[0]));
   }

@@ -2,6 +2,8 @@
 
 #include <xmmintrin.h>
 
+#include <cmath>
+
 namespace pexquo::python {
 namespace {
 
@@ -9,6 +11,17 @@ constexpr uint32_t kInvalid = 0x01, kDivide = 0x04, kOverflow = 0x08, kUnderflow
 constexpr uint32_t kFlagOfCode[] = {0, kInvalid, kDivide, kOverflow, kUnderflow};
 
 thread_local ErrorScope* innermost = nullptr;
+
+// What the arithmetic of IEEE 754 calls the element. Powers call their poles domain errors, and division
+// every zero divisor a pole; an infinity of an infinity is exact, and a NaN of a NaN no news.
+int32_t CodeOf(const PexErrorContext& record) {
+  if (record.code == PEX_STATUS_OVERFLOW || record.code == PEX_STATUS_UNDERFLOW) return record.code;
+  if (record.code != PEX_STATUS_DOMAIN && record.code != PEX_STATUS_SINGULARITY) return PEX_STATUS_OK;
+  if (std::isinf(record.res1)) {
+    return std::isinf(record.arg1) ? PEX_STATUS_OK : PEX_STATUS_SINGULARITY;
+  }
+  return std::isnan(record.arg1) || std::isnan(record.arg2) ? PEX_STATUS_OK : PEX_STATUS_DOMAIN;
+}
 
 }  // namespace
 
@@ -29,12 +42,10 @@ ErrorScope::~ErrorScope() {
 
 int ErrorScope::Report(PexErrorContext* record) {
   ErrorScope& scope = *innermost;
-  if (record->code >= PEX_STATUS_DOMAIN && record->code <= PEX_STATUS_UNDERFLOW) {
-    scope.flags_ |= kFlagOfCode[record->code];
-    if (scope.errors_ != nullptr) {
-      scope.errors_->push_back({record->code, scope.base_ + record->index});
-    }
-  }
+  const int32_t code = CodeOf(*record);
+  if (code == PEX_STATUS_OK) return 1;
+  scope.flags_ |= kFlagOfCode[code];
+  if (scope.errors_ != nullptr) scope.errors_->push_back({code, scope.base_ + record->index});
   return 1;
 }
 

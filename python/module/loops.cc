@@ -99,6 +99,23 @@ void RunBuffered(const Loop& loop, npy_intp n, char* const* args, const npy_intp
   }
 }
 
+// Whether an element's result is a later one's argument: NumPy reduces (one place for all results) and
+// accumulates (each result the next first argument) by such calls, and by no others.
+bool IsSerial(const Loop& loop, char* const* args, const npy_intp* steps) {
+  if (loop.arguments != 2 || loop.results != 1 || steps[0] != steps[2]) return false;
+  return steps[0] == 0 ? args[0] == args[2] : args[2] == args[0] + steps[0];
+}
+
+void RunSerially(const Loop& loop, npy_intp n, char* const* args, const npy_intp* steps,
+                 ErrorScope& scope) {
+  for (npy_intp i = 0; i < n; ++i) {
+    scope.SetBase(i);
+    const std::array<char*, kMaxOperands> at = {args[0] + i * steps[0], args[1] + i * steps[1],
+                                                args[2] + i * steps[2], nullptr};
+    CallKernel(loop, 1, at.data());
+  }
+}
+
 struct OperandTypes {
   int real, complex;
   npy_intp real_size, complex_size;
@@ -140,7 +157,9 @@ void RunLoop(char** args, const npy_intp* dimensions, const npy_intp* steps, voi
     all_but_scalar &= k == 1 ? steps[k] == 0 : dense;
   }
   ErrorScope scope;
-  if (contiguous) {
+  if (n > 1 && IsSerial(loop, args, steps)) {
+    RunSerially(loop, n, args, steps, scope);
+  } else if (contiguous) {
     CallContiguous(loop, n, at, scope, 0);
   } else if (loop.scalar_second && all_but_scalar) {
     CallWithScalar(loop, n, at, scope);
