@@ -107,15 +107,21 @@ describe(TOOLS "vector math and random numbers from a shell"
   "This package has the program pexquo: functions of columns and arrays, random"
   "numbers into files.")
 
-find_package(Python3 QUIET COMPONENTS Interpreter)
-math(EXPR next_python "${Python3_VERSION_MINOR} + 1")
-set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-pexquo)
-set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
-set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${own}, python3 (>= 3.${Python3_VERSION_MINOR}), \
-python3 (<< 3.${next_python}), python3-numpy")
-set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
-  ${PROJECT_SOURCE_DIR}/packaging/python/postinst ${PROJECT_SOURCE_DIR}/packaging/python/prerm)
-describe(PYTHON "vector math and random streams on NumPy arrays"
-  "This package has the Python module pexquo.")
+if(TARGET pexquo_python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-pexquo)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+  # The module is built for one Python and one binary interface of NumPy.
+  execute_process(COMMAND ${PEXQUO_PYTHON_INTERPRETER} -c
+      "import sys; print('python3 (>= %d.%d), python3 (<< %d.%d)' % (sys.version_info[:2] + (3, sys.version_info[1] + 1)))"
+    OUTPUT_VARIABLE python OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  execute_process(COMMAND dpkg-query -W -f \${Provides} python3-numpy
+    OUTPUT_VARIABLE provides COMMAND_ERROR_IS_FATAL ANY)
+  string(REGEX MATCH "python3-numpy-abi[0-9]+" numpy "${provides}")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${own}, ${python}, python3-numpy, ${numpy}")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+    ${PROJECT_SOURCE_DIR}/packaging/python/postinst ${PROJECT_SOURCE_DIR}/packaging/python/prerm)
+  describe(PYTHON "vector math and random streams on NumPy arrays"
+    "This package has the Python module pexquo.")
+endif()
 
 include(CPack)

@@ -67,10 +67,9 @@ try_all() {
   done
   [[ $(echo 0 | pexquo eval exp) == 1 ]]
   [[ $(pexquo --version) == *"$version"* ]]
-  echo "pexquo: runs"
+  echo "pexquo: $(pexquo --version)"
   if [[ -d $libraries/../python3/dist-packages/pexquo ]]; then
-    python3 "$consumer/in_python.py"
-    echo "in_python.py: runs"
+    /usr/bin/python3 -B "$consumer/in_python.py" "$version"
   fi
   rm -rf "$build"
 }
