@@ -22,5 +22,6 @@ install_packages() {
 }
 
 install_packages g++ cmake ninja-build pkg-config libhwy-dev libopenblas-dev libmpfr-dev libmpc-dev \
-  libgmp-dev libopenmpi-dev openmpi-bin libgtest-dev libbenchmark-dev libsleef-dev libboost-dev libgsl-dev libcli11-dev \
-  gnuplot-nox python3 python3-dev python3-numpy python3-pytest pybind11-dev clang-format
+  libgmp-dev libgtest-dev libbenchmark-dev libsleef-dev libboost-dev libgsl-dev libcli11-dev \
+  libopenmpi-dev openmpi-bin gnuplot-nox python3 python3-dev python3-numpy python3-pytest \
+  pybind11-dev clang-format

@@ -10,7 +10,7 @@ assert ((0 <= x) & (x < 1)).all()
 assert np.allclose(y, np.exp(x), rtol=1e-14, atol=0)
 with pexquo.errors() as errors:
     pexquo.log([1.0, 0.0])
-assert [e.index for e in errors] == [1], errors
+assert [e.index for e in errors] == [(1,)], errors
 if len(sys.argv) > 1:
     assert pexquo.__version__ == sys.argv[1], pexquo.__version__
 print(pexquo.__version__, pexquo.__file__)
