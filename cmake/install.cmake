@@ -3,7 +3,7 @@
 #
 #   kernels  pexquo::pexquo, pexquo::kro    pexquo.pc, kro.pc
 #   front    pexquo::front                  pexquo-front.pc
-#   cpp      pexquo::cpp, headers over the front
+#   cpp      pexquo::cpp                    pexquo-cpp.pc
 include(CMakePackageConfigHelpers)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/pexquo)
 
@@ -30,8 +30,17 @@ install_pkgconfig(kro)
 install_pkgconfig(pexquo)
 install_component(front TARGETS pexquo_front)
 install_pkgconfig(pexquo-front)
-if(TARGET pexquo_cpp)
+
+# The headers for C++20 stand on the front and have no library of their own.
+if(EXISTS ${PROJECT_SOURCE_DIR}/include/pexquo/pexquo.hpp)
+  if(NOT TARGET pexquo_cpp)
+    add_library(pexquo_cpp INTERFACE)
+    target_link_libraries(pexquo_cpp INTERFACE pexquo_front Threads::Threads)
+    target_compile_features(pexquo_cpp INTERFACE cxx_std_20)
+  endif()
+  set_target_properties(pexquo_cpp PROPERTIES EXPORT_NAME cpp)
   install_component(cpp TARGETS pexquo_cpp)
+  install_pkgconfig(pexquo-cpp)
 endif()
 
 install(DIRECTORY include/pexquo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development

@@ -48,8 +48,7 @@ try_all() {
     $(pkg-config --cflags --libs pexquo-front)
   local programs=(in_cxx in_c front_in_c) components=kernels,front
   if [[ -e $libraries/cmake/pexquo/pexquo-cpp.cmake ]]; then
-    g++ -std=c++20 -pthread "$consumer/cpp.cc" -o "$build/cpp" \
-      $(pkg-config --cflags --libs pexquo-front)
+    g++ -std=c++20 "$consumer/cpp.cc" -o "$build/cpp" $(pkg-config --cflags --libs pexquo-cpp)
     programs+=(cpp)
     components+=,cpp
   fi
