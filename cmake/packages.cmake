@@ -79,7 +79,8 @@ function(describe component synopsis)
     "pexquo computes mathematical functions of arrays in three honest tiers of"
     "accuracy, with errors reported element by element, and draws random numbers"
     "from streams that can be partitioned and stored. Results have the same bits"
-    "on every x86-64 processor and at every vector level."
+    "on every x86-64 processor of level v2 (all since about 2009) and at every"
+    "vector level."
     "." ${ARGN})
   list(JOIN lines "\n" text)
   set(CPACK_DEBIAN_${component}_DESCRIPTION "${text}" PARENT_SCOPE)
