@@ -5,7 +5,7 @@
 // BLOCKS (256) blocks of PAIRS (40000) pairs of points each, SEED (1976) a 32-bit word. The layout
 // says where a block's numbers come from; a rank makes its streams alone, without a message:
 //
-//   mrg32k3a, mcg59  one sequence cut into blocks: a rank skips ahead to its first one
+//   mrg32k3a, mcg59  one sequence cut into blocks, each found by skipping ahead
 //   mt2203, wh       a family: block b is member b, so at most 1024 or 273 blocks
 //
 // Standard output is the same to the last bit for any number of ranks, on any processors: a block
@@ -39,7 +39,7 @@ constexpr int64_t kMostBlocks = INT32_MAX;  // so that sums of halves fit 63 bit
 struct Layout {
   std::string_view name;
   int32_t generator;
-  int32_t members;   // 0: one sequence, cut into blocks
+  uint32_t members;  // 0: one sequence, cut into blocks
   uint64_t longest;  // that sequence: its period, or 2^64 - 1, as far as a skip reaches
 };
 constexpr Layout kLayouts[] = {
@@ -54,6 +54,13 @@ struct Work {
   uint32_t blocks = 256;
   uint32_t pairs = 40000;
   uint32_t seed = 1976;
+
+  // From the beginning of a block to that of the next. Numbers of MCG59 that are a multiple of a
+  // large power of 2 apart are related: one number is left out to make the distance odd.
+  uint64_t Stride() const {
+    const uint64_t draws = uint64_t{pairs} * kDraws;
+    return layout->generator == QUO_BRNG_MCG59 ? draws | 1 : draws;
+  }
 };
 
 // A sum of non-negative numbers in units of 2^-40, as two halves of 32 bits, each in a word with
@@ -61,13 +68,13 @@ struct Work {
 struct FixedSum {
   int64_t high = 0, low = 0;
 
-  static int64_t Units(double x) { return std::llrint(std::ldexp(x, 40)); }
+  static int64_t Units(double x) { return std::llrint(x * 0x1p40); }
   void Add(int64_t units) {
     high += units >> 32;
     low += units & 0xFFFFFFFF;
   }
   double Value() const {
-    return std::ldexp(static_cast<double>(high), -8) + std::ldexp(static_cast<double>(low), -40);
+    return static_cast<double>(high) * 0x1p-8 + static_cast<double>(low) * 0x1p-40;
   }
 };
 
@@ -86,10 +93,10 @@ class Stream {
   bool Open(const Work& work, uint32_t block) {
     Close();
     if (work.layout->members == 0) {
-      // An even seed would shorten the period of MCG59.
-      const uint32_t seed = work.seed | 1;
-      return __quoNewStreamEx(&stream_, work.layout->generator, 1, &seed) == QUO_OK &&
-             __quoSkipAheadStream(stream_, uint64_t{block} * work.pairs * kDraws) == QUO_OK;
+      // 2 seed + 1, as an even one would shorten the period of MCG59.
+      const uint32_t seed[] = {work.seed << 1 | 1, work.seed >> 31};
+      return __quoNewStreamEx(&stream_, work.layout->generator, 2, seed) == QUO_OK &&
+             __quoSkipAheadStream(stream_, block * work.Stride()) == QUO_OK;
     }
     // Members of one seed start alike: each gets its own.
     const uint32_t seed[] = {work.seed, block + 1};
@@ -105,7 +112,7 @@ class Stream {
   StreamState* stream_ = nullptr;
 };
 
-// The next block of the stream.
+// A block's sums.
 bool AddBlock(StreamState* stream, int32_t pairs, Sums* sums) {
   std::array<double, kDraws * kBatch> u;
   std::array<double, kBatch> square, distance;
@@ -129,7 +136,7 @@ bool AddBlock(StreamState* stream, int32_t pairs, Sums* sums) {
   return true;
 }
 
-// The share of one rank: consecutive blocks, of which the first is found without the others.
+// The share of one rank: consecutive blocks.
 bool AddShare(const Work& work, int rank, int ranks, Sums* sums) {
   const auto first = [&](int r) {
     return static_cast<uint32_t>(uint64_t{work.blocks} * static_cast<unsigned>(r) /
@@ -137,8 +144,7 @@ bool AddShare(const Work& work, int rank, int ranks, Sums* sums) {
   };
   Stream stream;
   for (uint32_t block = first(rank); block < first(rank + 1); ++block) {
-    const bool follows = work.layout->members == 0 && block > first(rank);
-    if (!follows && !stream.Open(work, block)) return false;
+    if (!stream.Open(work, block)) return false;
     if (!AddBlock(stream.get(), static_cast<int32_t>(work.pairs), sums)) return false;
   }
   return true;
@@ -166,11 +172,10 @@ const char* ReadArguments(int argc, char** argv, Work* work) {
   }
   if (work->blocks == 0 || work->blocks > kMostBlocks) return "from 1 to 2147483647 blocks";
   if (work->pairs == 0 || work->pairs > kMostPairs) return "from 1 to 1048576 pairs a block";
-  const uint64_t draws = uint64_t{work->pairs} * kDraws;
-  if (work->layout->members == 0 && work->blocks > work->layout->longest / draws) {
+  if (work->layout->members == 0 && work->blocks > work->layout->longest / work->Stride()) {
     return "the sequence is not that long";
   }
-  if (work->layout->members != 0 && work->blocks > static_cast<uint32_t>(work->layout->members)) {
+  if (work->layout->members != 0 && work->blocks > work->layout->members) {
     return "more blocks than the family has members";
   }
   return nullptr;
