@@ -68,7 +68,7 @@ struct Work {
 struct FixedSum {
   int64_t high = 0, low = 0;
 
-  static int64_t Units(double x) { return std::llrint(x * 0x1p40); }
+  static int64_t Units(double x) { return static_cast<int64_t>(x * 0x1p40 + 0.5); }
   void Add(int64_t units) {
     high += units >> 32;
     low += units & 0xFFFFFFFF;
