@@ -46,9 +46,12 @@ int32_t InPieces(int64_t n, T* r, int64_t width, const DrawPiece& draw) {
 template <typename Kernel, typename T, typename... Parameters>
 int32_t Draw(Kernel kernel, const Request<T>& request, int32_t refused, Parameters... parameters) {
   if (const int32_t status = First({Refusal(request), refused})) return status;
-  return InPieces(request.n, request.r, 1, [&](int32_t n, T* r) {
+  const auto draw = [&](int32_t n, T* r) {
     return kernel(static_cast<uint32_t>(request.method), request.stream, n, r, parameters...);
-  });
+  };
+  if (request.n <= piece) [[likely]]
+    return draw(static_cast<int32_t>(request.n), request.r);
+  return InPieces(request.n, request.r, 1, draw);
 }
 
 }  // namespace pexquo_front

@@ -50,7 +50,15 @@ int32_t AbstractRefusal(int32_t n, const T* buffer, Refill refill) {
 
 int32_t LiveStream(const QuoStream* stream) {
   if (stream == nullptr) return QUO_NULL_STREAM;
-  return Unless(stream->header == kStreamHeader && Generator(stream->id).exists(), QUO_DEAD_STREAM);
+  if (stream->header != kStreamHeader) return QUO_DEAD_STREAM;
+  // A row of the new scheme is looked up in place, because this is a part of every drawing call.
+  const auto id = static_cast<uint32_t>(stream->id);
+  const uint32_t row = (id >> 20) - 1, member = id & 0xFFFFF;
+  if (row < static_cast<uint32_t>(NRegBrngsNew) && row < QUO_REGISTRY_ROWS &&
+      member < static_cast<uint32_t>(NumOffsets[row])) [[likely]] {
+    return QUO_OK;
+  }
+  return Unless(Generator(stream->id).exists(), QUO_DEAD_STREAM);
 }
 
 }  // namespace pexquo_front

@@ -27,19 +27,17 @@ class WholeArray {
   bool had_base_;
 };
 
-// The mode of one call. Both fields are never zero in a thread's word, so that setting the old word
-// brings them back; the third field could not be, and is left out.
+// The error field of one call. It is never zero in a thread's word, so that setting the old word
+// brings it back.
 class ModeOfCall {
  public:
-  explicit ModeOfCall(uint32_t mode)
-      : mode_(mode), old_(_pexSetMode(mode & (PEX_MODE_ACCURACY | PEX_MODE_ERRORS))) {}
-  ~ModeOfCall() { _pexSetMode(old_); }
+  explicit ModeOfCall(uint32_t mode) : old_(_pexSetMode(mode & PEX_MODE_ERRORS)) {}
+  ~ModeOfCall() { _pexSetMode(old_ & PEX_MODE_ERRORS); }
   ModeOfCall(const ModeOfCall&) = delete;
   ModeOfCall& operator=(const ModeOfCall&) = delete;
-  uint32_t accuracy() const { return mode_ & PEX_MODE_ACCURACY ? mode_ : old_; }
 
  private:
-  uint32_t mode_, old_;
+  uint32_t old_;
 };
 
 }  // namespace pexquo_front

@@ -13,7 +13,7 @@
 namespace pexquo_front {
 
 // Three computations of one function; the thread's or the call's accuracy chooses. Those of complex
-// functions report no element, and so need of a mode word the accuracy alone.
+// functions report no element, so that it does not matter how elements are reported.
 template <auto EP, auto LA, auto HA, bool reports = true>
 struct Tiered {
   static constexpr bool kTiers = true, kReports = reports;
@@ -108,13 +108,13 @@ template <typename Tiers, typename... Operands>
   if (IsRefused(n, operands...)) [[unlikely]] {
     return RefuseCallWithMode(name, mode, n, operands...);
   }
-  if constexpr (Tiers::kReports) {
+  const bool of_thread = Tiers::kTiers && (mode & PEX_MODE_ACCURACY) == 0;
+  const auto kernel = Tiers::Kernel(of_thread ? _pexGetMode() : mode);
+  if (Tiers::kReports && (mode & PEX_MODE_ERRORS) != 0) {
     const ModeOfCall call(mode);
-    return Run(Tiers::Kernel(call.accuracy()), n, operands...);
-  } else {
-    const bool of_thread = Tiers::kTiers && (mode & PEX_MODE_ACCURACY) == 0;
-    return Run(Tiers::Kernel(of_thread ? _pexGetMode() : mode), n, operands...);
+    return Run(kernel, n, operands...);
   }
+  return Run(kernel, n, operands...);
 }
 
 }  // namespace pexquo_front

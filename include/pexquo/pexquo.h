@@ -56,11 +56,10 @@ PEXQUO_API const char* pexquoVersion(void);
  * bits. Where _pexSetInterfInputVectorPointer has set a base, indices count from there.
  *
  * The functions whose names end in Mode take a mode word for this one call, as their last argument:
- * its accuracy and error fields, where they are not zero, stand in for the thread's (0 changes
- * nothing), which are as before afterwards, whatever a callback does to them. The third field is
- * not used. PEX_ERRMODE_CALLBACK has to be among the error bits for the thread's callback to be
- * called.
- */
+ * its accuracy and its error field, where they are not zero, stand in for the thread's (0 changes
+ * nothing). An error field of the call's is the thread's while the call lasts, for its callback
+ * too, and goes with it. PEX_ERRMODE_CALLBACK has to be among its bits for the callback to be
+ * called. The third field is not used. */
 
 /* Values of the accuracy field; what is none of them counts as PEX_ACCURACY_HA. */
 #define PEX_ACCURACY_LA 1u /* within 1 to 4 ulp */

@@ -1,6 +1,7 @@
 // Per-thread state: four independent slots, each created on the thread's first touch and freed with
-// the thread. Without memory for a slot no operation could keep its promise, so the process stops
-// with a message.
+// the thread. Where a slot's block is stands in a thread-local variable as well, since finding it
+// by its key takes longer than some kernels. Without memory for a slot no operation could keep its
+// promise, so the process stops with a message.
 #include "pex_core/mode/pex_mode.h"
 
 #include <pthread.h>
@@ -14,11 +15,16 @@
 
 namespace {
 
-// One slot's key: its destructor, and its creation through pthread_once.
+// One slot's key: its destructor, and its creation through pthread_once; and the thread's block.
+// The variable needs no call to be found, at the price of a place in the static storage of threads.
 #define PEX_SLOT_KEY(Slot)                                                 \
   pthread_once_t Slot##_konce = PTHREAD_ONCE_INIT;                         \
   pthread_key_t Slot##_key;                                                \
-  void Slot##_destroy(void* block) { kro_serv_kro_free(block); }           \
+  [[gnu::tls_model("initial-exec")]] thread_local void* Slot##_block;      \
+  void Slot##_destroy(void* block) {                                       \
+    Slot##_block = nullptr;                                                \
+    kro_serv_kro_free(block);                                              \
+  }                                                                        \
   void Slot##_alloc_key() {                                                \
     if (pthread_key_create(&Slot##_key, Slot##_destroy) != 0) Stop(#Slot); \
   }
@@ -33,38 +39,32 @@ PEX_SLOT_KEY(ErrStatus)
 PEX_SLOT_KEY(CallBack)
 PEX_SLOT_KEY(InputVecorPointer)
 
-// The calling thread's value of a slot, created with `initial` on first touch.
+// The calling thread's block of a slot, created with `initial`.
 template <typename T>
-T& Slot(pthread_once_t& once, void (*alloc_key)(), pthread_key_t& key, T initial, size_t bytes,
-        const char* name) {
+[[gnu::noinline]] void* NewBlock(pthread_once_t& once, void (*alloc_key)(), pthread_key_t& key,
+                                 T initial, size_t bytes, const char* name) {
   pthread_once(&once, alloc_key);
-  auto* value = static_cast<T*>(pthread_getspecific(key));
-  if (value == nullptr) {
-    value = static_cast<T*>(kro_serv_kro_malloc(bytes, 1));
-    if (value == nullptr) Stop(name);
-    *value = initial;
-    if (pthread_setspecific(key, value) != 0) Stop(name);
+  auto* value = static_cast<T*>(kro_serv_kro_malloc(bytes, 1));
+  if (value == nullptr) Stop(name);
+  *value = initial;
+  if (pthread_setspecific(key, value) != 0) Stop(name);
+  return value;
+}
+
+// The calling thread's value of a slot.
+#define PEX_SLOT(Slot, T, initial, bytes, name)                                          \
+  T& Slot() {                                                                            \
+    if (Slot##_block == nullptr) [[unlikely]] {                                          \
+      Slot##_block =                                                                     \
+          NewBlock<T>(Slot##_konce, Slot##_alloc_key, Slot##_key, initial, bytes, name); \
+    }                                                                                    \
+    return *static_cast<T*>(Slot##_block);                                               \
   }
-  return *value;
-}
 
-uint32_t& Mode() {
-  return Slot<uint32_t>(Mode_konce, Mode_alloc_key, Mode_key, PEX_MODE_DEFAULT, 8, "mode");
-}
-
-int32_t& ErrStatus() {
-  return Slot<int32_t>(ErrStatus_konce, ErrStatus_alloc_key, ErrStatus_key, 0, 8, "status");
-}
-
-PexErrorCallBack& CallBack() {
-  return Slot<PexErrorCallBack>(CallBack_konce, CallBack_alloc_key, CallBack_key, nullptr, 16,
-                                "callback");
-}
-
-const void*& InputVecorPointer() {
-  return Slot<const void*>(InputVecorPointer_konce, InputVecorPointer_alloc_key,
-                           InputVecorPointer_key, nullptr, 16, "input vector");
-}
+PEX_SLOT(Mode, uint32_t, PEX_MODE_DEFAULT, 8, "mode")
+PEX_SLOT(ErrStatus, int32_t, 0, 8, "status")
+PEX_SLOT(CallBack, PexErrorCallBack, nullptr, 16, "callback")
+PEX_SLOT(InputVecorPointer, const void*, nullptr, 16, "input vector")
 
 // Stores a new value and returns the previous one.
 template <typename T>

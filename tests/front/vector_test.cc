@@ -190,7 +190,7 @@ uint32_t seen_mode;
 
 int ChangeMode(PexErrorContext*) {
   seen_mode = pexGetMode();
-  pexSetMode(PEX_ERRMODE_STDERR | PEX_ACCURACY_EP);
+  pexSetMode(PEX_ERRMODE_STDERR);
   return 1;
 }
 
@@ -204,7 +204,7 @@ TEST(ModeOfACall, StandsInForTheThreadsAndGoesWithTheCall) {
   errno = 0;
   EXPECT_EQ(vdLnMode(2, a, r, PEX_ERRMODE_CALLBACK | PEX_ACCURACY_HA | 0x10000), 0);
   EXPECT_EQ(errno, 0);
-  EXPECT_EQ(seen_mode, PEX_ERRMODE_CALLBACK | PEX_ACCURACY_HA);
+  EXPECT_EQ(seen_mode, PEX_ERRMODE_CALLBACK | PEX_ACCURACY_LA);
   EXPECT_EQ(pexGetMode(), before);
   EXPECT_EQ(pexGetErrStatus(), PEX_STATUS_SINGULARITY);
   // The thread's own: errno and no callback.
