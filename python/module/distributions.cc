@@ -85,7 +85,7 @@ void Widen(char* r, npy_intp n, int shift) {
 }  // namespace
 
 Distribution::Distribution(std::string name, std::string_view catalogue,
-                           std::vector<std::string> arguments, int shift)
+                           std::vector<std::string> arguments, bool integers, int shift)
     : name_(std::move(name)),
       distribution_(quo::FindDistribution(catalogue)),
       arguments_(std::move(arguments)),
@@ -96,9 +96,12 @@ Distribution::Distribution(std::string name, std::string_view catalogue,
   if (static_cast<int>(arguments_.size()) != distribution_->parameter_count()) {
     throw Failure{PyExc_ValueError, name_ + ": wrong number of parameter names"};
   }
-  double_ = quo::FindSampler(*distribution_, 'd');
-  single_ = quo::FindSampler(*distribution_, 's');
-  integer_ = quo::FindSampler(*distribution_, 'i');
+  const auto find = [&](char type) {
+    return (type == 'i') == integers ? quo::FindSampler(*distribution_, type) : nullptr;
+  };
+  double_ = find('d');
+  single_ = find('s');
+  integer_ = find('i');
 }
 
 std::string Distribution::Message(size_t parameter, std::string_view must) const {
@@ -190,10 +193,9 @@ int Distribution::ResultType(PyObject* dtype) const {
       integers) {
     return type;
   }
-  std::string allowed;
-  if (double_ != nullptr) allowed = "float64 or float32";
-  if (integer_ != nullptr) allowed += double_ != nullptr ? ", int64 or int32" : "int64 or int32";
-  throw Failure{PyExc_TypeError, name_ + ": dtype must be " + allowed + " in native byte order"};
+  throw Failure{PyExc_TypeError, name_ + ": dtype must be " +
+                                     (integer_ != nullptr ? "int64 or int32" : "float64 or float32") +
+                                     " in native byte order"};
 }
 
 void Distribution::Fill(StreamState* stream, uint32_t method, int type, npy_intp n, char* r,

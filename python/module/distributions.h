@@ -13,9 +13,10 @@ namespace pexquo::python {
 class Distribution {
  public:
   // `name` as messages say it, `arguments` NumPy's names of the catalogue's parameters in their order
-  // (empty where the caller gives a constant), `shift` what is added to integer results.
+  // (empty where the caller gives a constant); the results are integers, to which `shift` is added,
+  // or floating-point numbers.
   Distribution(std::string name, std::string_view catalogue, std::vector<std::string> arguments,
-               int shift);
+               bool integers, int shift);
 
   size_t parameter_count() const { return arguments_.size(); }
   const std::string& name() const { return name_; }

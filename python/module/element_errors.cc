@@ -41,12 +41,14 @@ ErrorScope::~ErrorScope() {
 }
 
 int ErrorScope::Report(PexErrorContext* record) {
-  ErrorScope& scope = *innermost;
-  const int32_t code = CodeOf(*record);
-  if (code == PEX_STATUS_OK) return 1;
-  scope.flags_ |= kFlagOfCode[code];
-  if (scope.errors_ != nullptr) scope.errors_->push_back({code, scope.base_ + record->index});
+  innermost->Note(CodeOf(*record), record->index);
   return 1;
+}
+
+void ErrorScope::Note(int32_t code, int64_t index) {
+  if (code == PEX_STATUS_OK) return;
+  flags_ |= kFlagOfCode[code];
+  if (errors_ != nullptr) errors_->push_back({code, base_ + index});
 }
 
 void ClearFlags() { _mm_setcsr(_mm_getcsr() & ~0x3Fu); }

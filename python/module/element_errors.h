@@ -26,6 +26,9 @@ class ErrorScope {
   ErrorScope(const ErrorScope&) = delete;
   ErrorScope& operator=(const ErrorScope&) = delete;
 
+  // An error of the element with that index in the next kernel call.
+  void Note(int32_t code, int64_t index);
+
   // The index of the next kernel call's first element.
   void SetBase(int64_t base) { base_ = base; }
 

@@ -42,17 +42,17 @@ def _words(seed):
     return words
 
 
-def _available(name, catalogue, arguments, shift=0):
+def _available(name, catalogue, arguments, **kwargs):
     """The distribution, or None where the library does not have it."""
     try:
-        return _pexquo.Distribution(name, catalogue, arguments, shift)
+        return _pexquo.Distribution(name, catalogue, arguments, **kwargs)
     except LookupError:
         return None
 
 
 _RANDOM = _pexquo.Distribution("random", "uniform", ["0", "1"])
 _UNIFORM = _pexquo.Distribution("uniform", "uniform", ["low", "high"])
-_INTEGERS = _pexquo.Distribution("integers", "uniform", ["low", "high"])
+_INTEGERS = _pexquo.Distribution("integers", "uniform", ["low", "high"], integers=True)
 _NORMAL = _pexquo.Distribution("normal", "gaussian", ["loc", "scale"])
 _MULTIVARIATE = _pexquo.Distribution("multivariate_normal", "gaussianmv", [])
 _EXPONENTIAL = _pexquo.Distribution("exponential", "exponential", ["", "scale"])
@@ -62,21 +62,25 @@ _CAUCHY = _pexquo.Distribution("cauchy", "cauchy", ["loc", "scale"])
 _RAYLEIGH = _pexquo.Distribution("rayleigh", "rayleigh", ["", "scale"])
 _LOGNORMAL = _pexquo.Distribution("lognormal", "lognormal", ["mean", "sigma", "", ""])
 _GUMBEL = _pexquo.Distribution("gumbel", "gumbel", ["loc", "scale"])
-_BERNOULLI = _pexquo.Distribution("bernoulli", "bernoulli", ["p"])
-_GEOMETRIC = _pexquo.Distribution("geometric", "geometric", ["p"], 1)
+_BERNOULLI = _pexquo.Distribution("bernoulli", "bernoulli", ["p"], integers=True)
+_GEOMETRIC = _pexquo.Distribution("geometric", "geometric", ["p"], integers=True, shift=1)
 _GAMMA = _available("gamma", "gamma", ["shape", "", "scale"])
 _BETA = _available("beta", "beta", ["a", "b", "", ""])
-_BINOMIAL = _available("binomial", "binomial", ["n", "p"])
-_POISSON = _available("poisson", "poisson", ["lam"])
+_BINOMIAL = _available("binomial", "binomial", ["n", "p"], integers=True)
+_POISSON = _available("poisson", "poisson", ["lam"], integers=True)
 _HYPERGEOMETRIC = _available(
-    "hypergeometric", "hypergeometric", ["ngood + nbad", "nsample", "ngood"]
+    "hypergeometric", "hypergeometric", ["ngood + nbad", "nsample", "ngood"], integers=True
 )
-_NEGATIVE_BINOMIAL = _available("negative_binomial", "negbinomial", ["n", "p"])
+_NEGATIVE_BINOMIAL = _available(
+    "negative_binomial", "negbinomial", ["n", "p"], integers=True
+)
 
 
 def _draw_broadcast(stream, distribution, dtype, method, size, out, parameters):
     """Parameters that are arrays: element by element, in C order."""
-    arrays = [np.asarray(p, np.float64) for p in parameters]
+    arrays = [np.asarray(p) for p in parameters]
+    if any(a.dtype.kind not in "biuf" for a in arrays):
+        raise TypeError("parameters must be real numbers")
     shape = np.broadcast_shapes(*(a.shape for a in arrays))
     if size is None and out is not None:
         size = out.shape
@@ -88,7 +92,7 @@ def _draw_broadcast(stream, distribution, dtype, method, size, out, parameters):
             raise ValueError(
                 f"Output size {size} is not compatible with broadcast dimensions of inputs {shape}."
             )
-    columns = tuple(np.ascontiguousarray(np.broadcast_to(a, size)) for a in arrays)
+    columns = tuple(np.ascontiguousarray(np.broadcast_to(a, size), np.float64) for a in arrays)
     result_type = distribution.result_type(dtype)
     if out is None:
         out = np.empty(size, result_type)
@@ -130,7 +134,7 @@ class Stream(_pexquo.Stream):
     >>> s
     <pexquo.Stream: mt2203, member 7>
     >>> s.random(3)
-    array([0.74711988, 0.11361217, 0.98006523])
+    array([0.84660706, 0.43394016, 0.59478664])
     >>> import copy, pickle
     >>> twin, other = copy.copy(s), pickle.loads(pickle.dumps(s))
     >>> s.normal() == twin.normal() == other.normal()
