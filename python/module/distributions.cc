@@ -82,14 +82,21 @@ void Widen(char* r, npy_intp n, int shift) {
   }
 }
 
+template <typename T>
+void Negate(char* r, npy_intp n) {
+  auto* numbers = reinterpret_cast<T*>(r);
+  for (npy_intp i = 0; i < n; ++i) numbers[i] = -numbers[i];
+}
+
 }  // namespace
 
 Distribution::Distribution(std::string name, std::string_view catalogue,
-                           std::vector<std::string> arguments, bool integers, int shift)
+                           std::vector<std::string> arguments, bool integers, int shift, bool mirrored)
     : name_(std::move(name)),
       distribution_(quo::FindDistribution(catalogue)),
       arguments_(std::move(arguments)),
-      shift_(shift) {
+      shift_(shift),
+      mirrored_(mirrored) {
   if (distribution_ == nullptr) {
     throw Failure{PyExc_LookupError, "no distribution '" + std::string(catalogue) + "'"};
   }
@@ -209,6 +216,7 @@ void Distribution::Fill(StreamState* stream, uint32_t method, int type, npy_intp
     Check(entry.draw(method, stream, count, drawn + done * drawn_size, parameters), name_);
   }
   if (type == NPY_INT64) Widen(r, n, shift_);
+  if (mirrored_) type == NPY_DOUBLE ? Negate<double>(r, n) : Negate<float>(r, n);
 }
 
 PyObject* Draw(Stream& stream, const Distribution& distribution, PyObject* const* args,
@@ -242,6 +250,7 @@ PyObject* Draw(Stream& stream, const Distribution& distribution, PyObject* const
   }
   const int type = distribution.ResultType(args[2]);
   const uint32_t method = distribution.Method(args[3]);
+  distribution.Convert(parameters.data());
   distribution.Validate(TypeLetter(type), parameters.data());
   if (size == Py_None && given == Py_None) {
     char one[8];
@@ -302,6 +311,7 @@ void DrawEach(Stream& stream, const Distribution& distribution, PyObject* method
   const auto row = [&](npy_intp i) {
     std::array<double, quo::kMaxParameters> parameters{};
     for (size_t k = 0; k < count; ++k) parameters[k] = columns[k][i];
+    distribution.Convert(parameters.data());
     return parameters;
   };
   for (npy_intp i = 0; i < n; ++i) distribution.Validate(TypeLetter(type), row(i).data());

@@ -39,8 +39,9 @@ class ErrorScope {
   int64_t base_ = 0;
   uint32_t flags_ = 0;
   ErrorScope* outer_;
-  uint32_t mode_;
-  PexErrorCallBack callback_;
+  uint32_t mode_ = 0;
+  PexErrorCallBack callback_ = nullptr;
+  bool restores_ = false;  // mode_ and callback_, at the end
 };
 
 // The status code that the exception flags raised since the last ClearFlags() stand for, 0 for none:

@@ -61,7 +61,7 @@ _WEIBULL = _pexquo.Distribution("weibull", "weibull", ["a", "", ""])
 _CAUCHY = _pexquo.Distribution("cauchy", "cauchy", ["loc", "scale"])
 _RAYLEIGH = _pexquo.Distribution("rayleigh", "rayleigh", ["", "scale"])
 _LOGNORMAL = _pexquo.Distribution("lognormal", "lognormal", ["mean", "sigma", "", ""])
-_GUMBEL = _pexquo.Distribution("gumbel", "gumbel", ["loc", "scale"])
+_GUMBEL = _pexquo.Distribution("gumbel", "gumbel", ["loc", "scale"], mirrored=True)  # of least values
 _BERNOULLI = _pexquo.Distribution("bernoulli", "bernoulli", ["p"], integers=True)
 _GEOMETRIC = _pexquo.Distribution("geometric", "geometric", ["p"], integers=True, shift=1)
 _GAMMA = _available("gamma", "gamma", ["shape", "", "scale"])
@@ -363,7 +363,7 @@ class Stream(_pexquo.Stream):
 
     def rayleigh(self, scale=1.0, size=None, *, dtype=np.float64, out=None):
         """Rayleigh with density x / scale^2 exp(-x^2 / (2 scale^2))."""
-        beta = np.multiply(scale, _SQRT2)
+        beta = scale * _SQRT2 if isinstance(scale, float) else np.multiply(scale, _SQRT2)
         return _draw(self, _RAYLEIGH, dtype, None, size, out, 0.0, beta)
 
     def lognormal(self, mean=0.0, sigma=1.0, size=None, *, dtype=np.float64, out=None):
@@ -378,9 +378,7 @@ class Stream(_pexquo.Stream):
         >>> bool(abs(x.mean() - 0.5772) < 0.02)
         True
         """
-        # The library's is of least values.
-        drawn = _draw(self, _GUMBEL, dtype, None, size, out, np.negative(loc), scale)
-        return -drawn if isinstance(drawn, float) else np.negative(drawn, out=drawn)
+        return _draw(self, _GUMBEL, dtype, None, size, out, loc, scale)
 
     # ---- Discrete distributions. ----
 

@@ -1,6 +1,8 @@
 """errors(): every special element once, with its index, arguments and result."""
 
 import asyncio
+import ctypes
+import os
 import threading
 
 import numpy as np
@@ -156,3 +158,45 @@ def test_random_numbers_report_nothing():
     with pexquo.errors() as errors:
         pexquo.Stream("mcg31m1").normal(size=10000, method="boxmuller")
     assert not errors
+
+
+LIBRARY = ctypes.CDLL(os.environ.get("PEXQUO_LIBRARY", "libpexquo.so.0"))
+LIBRARY._pexGetErrorCallBack.restype = ctypes.c_void_p
+LIBRARY._pexSetErrorCallBack.argtypes = [ctypes.c_void_p]
+
+
+def test_mode_and_callback_of_the_thread_stay():
+    """Other code in the thread, here through ctypes, finds what it left."""
+    seen = []
+    callback = ctypes.CFUNCTYPE(ctypes.c_int, ctypes.c_void_p)(lambda record: seen.append(1) or 0)
+    address = ctypes.cast(callback, ctypes.c_void_p).value
+    zero, result = ctypes.c_double(0), ctypes.c_double(1)
+    states = []
+
+    def kernel():
+        LIBRARY._pexClearErrStatus()
+        LIBRARY._pexdLn_HA(1, ctypes.byref(zero), ctypes.byref(result))
+        assert result.value == -np.inf and LIBRARY._pexGetErrStatus() == 2
+
+    def work(mode, pointer):
+        LIBRARY._pexSetErrorCallBack(pointer)
+        LIBRARY._pexSetMode(mode)
+        before = LIBRARY._pexGetMode(), LIBRARY._pexGetErrorCallBack()
+        kernel()
+        with np.errstate(all="ignore"):
+            assert pexquo.log(0.0) == -np.inf
+        with pexquo.errors() as errors:
+            pexquo.log([0.0, -1.0])
+        states.append((len(errors), before, (LIBRARY._pexGetMode(), LIBRARY._pexGetErrorCallBack())))
+        kernel()
+
+    for mode, pointer in ((0x1A02, None), (0x1A02, address), (0x100, None), (0x0A02, None),
+                          (0x1000, address), (0x1A03, None)):
+        thread = threading.Thread(target=work, args=(mode, pointer))
+        thread.start()
+        thread.join()
+    assert len(states) == 6 and all(count == 2 for count, _, _ in states)
+    assert all(after[0] == before[0] for _, before, after in states)
+    # A thread in the default state may keep the module's callback, which does nothing for others.
+    assert all(after[1] == before[1] for _, before, after in states[1:])
+    assert len(seen) == 4
