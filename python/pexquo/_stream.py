@@ -118,7 +118,8 @@ class Stream(_pexquo.Stream):
         Words of 32 bits; larger integers count as several, low words first. None asks the operating
         system for a seed that nobody else has. The default, 1, makes programs repeatable.
     dimension : int
-        Of quasi-random generators: the length of a point, whose coordinates come one after the other.
+        Of quasi-random generators, instead of a seed: the length of a point, whose coordinates come
+        one after the other. 1 by default.
 
     A stream is the same on every machine: equal seeds give equal bits. Threads may share a stream,
     which a lock guards; for independent sequences give each a member of its own, or skip. Streams
@@ -142,14 +143,17 @@ class Stream(_pexquo.Stream):
     """
 
     def __init__(self, generator="mt19937", *, member=0, seed=1, dimension=None):
-        if dimension is not None:
-            if generator.lower() not in _QUASI_RANDOM:
+        most = _MOST_COORDINATES.get(generator.lower())
+        if most is None:
+            if dimension is not None:
                 raise ValueError(f"dimension is for quasi-random generators, not {generator}")
-            words = [operator.index(dimension)]
-            if words[0] < 1:
-                raise ValueError(f"dimension must be positive, not {dimension}")
+            words = _words(seed)
         else:
-            words = [1] if generator.lower() in _QUASI_RANDOM else _words(seed)
+            if not (isinstance(seed, int) and seed == 1):
+                raise ValueError(f"{generator} takes a dimension, not a seed")
+            words = [1 if dimension is None else operator.index(dimension)]
+            if not 1 <= words[0] <= most:
+                raise ValueError(f"dimension must be from 1 to {most}, not {dimension}")
         super().__init__(generator, member, words)
 
     # ---- State. ----
@@ -453,7 +457,8 @@ class Stream(_pexquo.Stream):
 
 
 _SQRT2 = 2.0**0.5
-_QUASI_RANDOM = ("sobol", "niederr")
+# Of the quasi-random generators.
+_MOST_COORDINATES = {"sobol": 40, "niederr": 318}
 
 
 def _restore(cls, state):

@@ -228,5 +228,15 @@ def test_quasi_random(name):
     s = pexquo.Stream(name, dimension=8)
     s.random(40)
     assert (pickle.loads(pickle.dumps(s)).random(80) == s.random(80)).all()
-    with pytest.raises(ValueError):
-        pexquo.Stream(name, dimension=0)
+    third = s.copy().skip((-120) % 8)
+    with pytest.raises(NotImplementedError):
+        third.copy().leapfrog(2, 7)
+    assert (third.copy().leapfrog(2, 8).random(5) == third.random(40)[2::8]).all()
+    most = {"sobol": 40, "niederr": 318}[name]
+    assert pexquo.Stream(name).random(2).tolist() == pexquo.Stream(name, dimension=1).random(2).tolist()
+    pexquo.Stream(name, dimension=most)
+    for bad in (0, -1, most + 1):
+        with pytest.raises(ValueError, match="dimension must be from 1 to"):
+            pexquo.Stream(name, dimension=bad)
+    with pytest.raises(ValueError, match="not a seed"):
+        pexquo.Stream(name, seed=5)
