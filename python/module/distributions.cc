@@ -82,23 +82,33 @@ void Widen(char* r, npy_intp n, int shift) {
   }
 }
 
+template <typename T>
+void Negate(char* r, npy_intp n) {
+  auto* numbers = reinterpret_cast<T*>(r);
+  for (npy_intp i = 0; i < n; ++i) numbers[i] = -numbers[i];
+}
+
 }  // namespace
 
 Distribution::Distribution(std::string name, std::string_view catalogue,
-                           std::vector<std::string> arguments, int shift)
+                           std::vector<std::string> arguments, bool integers, int shift, bool mirrored)
     : name_(std::move(name)),
       distribution_(quo::FindDistribution(catalogue)),
       arguments_(std::move(arguments)),
-      shift_(shift) {
+      shift_(shift),
+      mirrored_(mirrored) {
   if (distribution_ == nullptr) {
     throw Failure{PyExc_LookupError, "no distribution '" + std::string(catalogue) + "'"};
   }
   if (static_cast<int>(arguments_.size()) != distribution_->parameter_count()) {
     throw Failure{PyExc_ValueError, name_ + ": wrong number of parameter names"};
   }
-  double_ = quo::FindSampler(*distribution_, 'd');
-  single_ = quo::FindSampler(*distribution_, 's');
-  integer_ = quo::FindSampler(*distribution_, 'i');
+  const auto find = [&](char type) {
+    return (type == 'i') == integers ? quo::FindSampler(*distribution_, type) : nullptr;
+  };
+  double_ = find('d');
+  single_ = find('s');
+  integer_ = find('i');
 }
 
 std::string Distribution::Message(size_t parameter, std::string_view must) const {
@@ -190,10 +200,9 @@ int Distribution::ResultType(PyObject* dtype) const {
       integers) {
     return type;
   }
-  std::string allowed;
-  if (double_ != nullptr) allowed = "float64 or float32";
-  if (integer_ != nullptr) allowed += double_ != nullptr ? ", int64 or int32" : "int64 or int32";
-  throw Failure{PyExc_TypeError, name_ + ": dtype must be " + allowed + " in native byte order"};
+  throw Failure{PyExc_TypeError, name_ + ": dtype must be " +
+                                     (integer_ != nullptr ? "int64 or int32" : "float64 or float32") +
+                                     " in native byte order"};
 }
 
 void Distribution::Fill(StreamState* stream, uint32_t method, int type, npy_intp n, char* r,
@@ -207,6 +216,7 @@ void Distribution::Fill(StreamState* stream, uint32_t method, int type, npy_intp
     Check(entry.draw(method, stream, count, drawn + done * drawn_size, parameters), name_);
   }
   if (type == NPY_INT64) Widen(r, n, shift_);
+  if (mirrored_) type == NPY_DOUBLE ? Negate<double>(r, n) : Negate<float>(r, n);
 }
 
 PyObject* Draw(Stream& stream, const Distribution& distribution, PyObject* const* args,
@@ -240,6 +250,7 @@ PyObject* Draw(Stream& stream, const Distribution& distribution, PyObject* const
   }
   const int type = distribution.ResultType(args[2]);
   const uint32_t method = distribution.Method(args[3]);
+  distribution.Convert(parameters.data());
   distribution.Validate(TypeLetter(type), parameters.data());
   if (size == Py_None && given == Py_None) {
     char one[8];
@@ -300,6 +311,7 @@ void DrawEach(Stream& stream, const Distribution& distribution, PyObject* method
   const auto row = [&](npy_intp i) {
     std::array<double, quo::kMaxParameters> parameters{};
     for (size_t k = 0; k < count; ++k) parameters[k] = columns[k][i];
+    distribution.Convert(parameters.data());
     return parameters;
   };
   for (npy_intp i = 0; i < n; ++i) distribution.Validate(TypeLetter(type), row(i).data());

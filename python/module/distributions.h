@@ -13,12 +13,17 @@ namespace pexquo::python {
 class Distribution {
  public:
   // `name` as messages say it, `arguments` NumPy's names of the catalogue's parameters in their order
-  // (empty where the caller gives a constant), `shift` what is added to integer results.
+  // (empty where the caller gives a constant); the results are integers, to which `shift` is added,
+  // or floating-point numbers; `mirrored`: the first parameter is negated, and so are the results.
   Distribution(std::string name, std::string_view catalogue, std::vector<std::string> arguments,
-               int shift);
+               bool integers, int shift, bool mirrored);
 
   size_t parameter_count() const { return arguments_.size(); }
   const std::string& name() const { return name_; }
+  // NumPy's parameters as the entries have them.
+  void Convert(double* parameters) const {
+    if (mirrored_) parameters[0] = -parameters[0];
+  }
   // Throws for parameters that the entry of that type ('d', 's', 'i') would not stand.
   void Validate(char type, const double* parameters) const;
   // The value of a method's name; `method` null is the first one. Throws.
@@ -37,6 +42,7 @@ class Distribution {
   const quo::Distribution* distribution_;
   std::vector<std::string> arguments_;
   int shift_;
+  bool mirrored_;
   const quo::Sampler* double_;
   const quo::Sampler* single_;
   const quo::Sampler* integer_;

@@ -25,34 +25,47 @@ int32_t CodeOf(const PexErrorContext& record) {
 
 }  // namespace
 
-ErrorScope::ErrorScope(std::vector<ElementError>* errors)
-    : errors_(errors),
-      outer_(innermost),
-      mode_(_pexSetMode(PEX_ERRMODE_CALLBACK)),
-      callback_(_pexSetErrorCallBack(Report)) {
+// The callback stays with a thread that has none and the default mode: outside of every scope it does
+// nothing, so that the thread's C code sees the default. Others get back what they had.
+ErrorScope::ErrorScope(std::vector<ElementError>* errors) : errors_(errors), outer_(innermost) {
+  mode_ = _pexGetMode();
+  callback_ = _pexGetErrorCallBack();
+  if (callback_ != Report || mode_ != PEX_MODE_DEFAULT) {
+    restores_ = callback_ != nullptr || mode_ != PEX_MODE_DEFAULT;
+    if (restores_) _pexSetMode(PEX_ERRMODE_CALLBACK);
+    _pexSetErrorCallBack(Report);
+  }
   innermost = this;
 }
 
 ErrorScope::~ErrorScope() {
-  _pexSetErrorCallBack(callback_);
-  _pexSetMode(mode_);
+  if (restores_) {
+    _pexSetErrorCallBack(callback_);
+    _pexSetMode(mode_);
+  }
   innermost = outer_;
   if (flags_ != 0) RaiseFlags(flags_);
 }
 
 int ErrorScope::Report(PexErrorContext* record) {
-  ErrorScope& scope = *innermost;
-  const int32_t code = CodeOf(*record);
-  if (code == PEX_STATUS_OK) return 1;
-  scope.flags_ |= kFlagOfCode[code];
-  if (scope.errors_ != nullptr) scope.errors_->push_back({code, scope.base_ + record->index});
+  if (innermost == nullptr) return 0;
+  innermost->Note(CodeOf(*record), record->index);
   return 1;
 }
 
-void ClearFlags() { _mm_setcsr(_mm_getcsr() & ~0x3Fu); }
+void ErrorScope::Note(int32_t code, int64_t index) {
+  if (code == PEX_STATUS_OK) return;
+  flags_ |= kFlagOfCode[code];
+  if (errors_ != nullptr) errors_->push_back({code, base_ + index});
+}
 
 uint32_t RaisedFlags() {
   return _mm_getcsr() & (kInvalid | kDivide | kOverflow | kUnderflow);
+}
+
+// A write of the register costs more than the test.
+void ClearFlags() {
+  if (RaisedFlags() != 0) _mm_setcsr(_mm_getcsr() & ~0x3Fu);
 }
 
 void RaiseFlags(uint32_t flags) { _mm_setcsr(_mm_getcsr() | flags); }

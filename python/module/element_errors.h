@@ -26,6 +26,9 @@ class ErrorScope {
   ErrorScope(const ErrorScope&) = delete;
   ErrorScope& operator=(const ErrorScope&) = delete;
 
+  // An error of the element with that index in the next kernel call.
+  void Note(int32_t code, int64_t index);
+
   // The index of the next kernel call's first element.
   void SetBase(int64_t base) { base_ = base; }
 
@@ -36,8 +39,9 @@ class ErrorScope {
   int64_t base_ = 0;
   uint32_t flags_ = 0;
   ErrorScope* outer_;
-  uint32_t mode_;
-  PexErrorCallBack callback_;
+  uint32_t mode_ = 0;
+  PexErrorCallBack callback_ = nullptr;
+  bool restores_ = false;  // mode_ and callback_, at the end
 };
 
 // The status code that the exception flags raised since the last ClearFlags() stand for, 0 for none:

@@ -27,8 +27,77 @@ void Copy(npy_intp size, const char* from, npy_intp from_step, char* to, npy_int
   }
 }
 
+template <typename Bits>
+constexpr Bits kExponent =
+    static_cast<Bits>(sizeof(Bits) == 8 ? uint64_t{0x7FF0000000000000} : uint64_t{0x7F800000});
+
+template <typename Bits>
+Bits Load(const char* p) {
+  Bits bits;
+  std::memcpy(&bits, p, sizeof bits);
+  return bits;
+}
+
+enum class Kind { kFinite, kInfinite, kNaN };
+
+// The worst of one element's parts.
+template <typename Bits>
+Kind KindOf(const char* element, npy_intp size) {
+  Kind kind = Kind::kFinite;
+  for (npy_intp i = 0; i < size; i += sizeof(Bits)) {
+    const Bits magnitude = Load<Bits>(element + i) & ~(Bits{1} << (8 * sizeof(Bits) - 1));
+    if (magnitude > kExponent<Bits>) return Kind::kNaN;
+    if (magnitude == kExponent<Bits>) kind = Kind::kInfinite;
+  }
+  return kind;
+}
+
+template <typename Bits>
+bool IsZero(const char* element, npy_intp size) {
+  for (npy_intp i = 0; i < size; i += sizeof(Bits)) {
+    if (static_cast<Bits>(Load<Bits>(element + i) << 1) != 0) return false;
+  }
+  return true;
+}
+
+// Whether one of the parts is infinite or NaN.
+template <typename Bits>
+bool AnySpecial(const char* parts, npy_intp bytes) {
+  Bits any = 0;
+  for (npy_intp i = 0; i < bytes; i += sizeof(Bits)) {
+    any |= (Load<Bits>(parts + i) & kExponent<Bits>) == kExponent<Bits> ? 1 : 0;
+  }
+  return any != 0;
+}
+
+// A NaN of numbers is a domain error, an infinity of finite ones a pole or an overflow. Results stand
+// apart from arguments; a UnaryScalar's second argument stands for all.
+template <typename Bits>
+void Inspect(const Loop& loop, npy_intp n, char* const* args, ErrorScope& scope) {
+  const npy_intp size = loop.sizes[static_cast<size_t>(loop.arguments)];
+  const char* results = args[loop.arguments];
+  if (!AnySpecial<Bits>(results, n * size)) return;
+  for (npy_intp i = 0; i < n; ++i) {
+    const Kind result = KindOf<Bits>(results + i * size, size);
+    if (result == Kind::kFinite) continue;
+    Kind argument = Kind::kFinite;
+    for (int k = 0; k < loop.arguments; ++k) {
+      const npy_intp step = k == 1 && loop.scalar_second ? 0 : loop.sizes[static_cast<size_t>(k)];
+      argument = std::max(
+          argument, KindOf<Bits>(args[k] + i * step, loop.sizes[static_cast<size_t>(k)]));
+    }
+    if (result == Kind::kNaN && argument != Kind::kNaN) {
+      scope.Note(PEX_STATUS_DOMAIN, i);
+    } else if (result == Kind::kInfinite && argument == Kind::kFinite) {
+      const bool pole = loop.has_poles && (loop.arguments == 1 ||
+                                           IsZero<Bits>(args[0] + i * loop.sizes[0], loop.sizes[0]));
+      scope.Note(pole ? PEX_STATUS_SINGULARITY : PEX_STATUS_OVERFLOW, i);
+    }
+  }
+}
+
 // One kernel call; UnaryScalar entries take the first of the second arguments for all.
-void CallKernel(const Loop& loop, npy_intp n, char* const* args) {
+void CallKernel(const Loop& loop, npy_intp n, char* const* args, ErrorScope& scope) {
   if (loop.entry == nullptr) {
     std::memmove(args[1], args[0], static_cast<size_t>(n * loop.sizes[0]));
     return;
@@ -37,6 +106,10 @@ void CallKernel(const Loop& loop, npy_intp n, char* const* args) {
   loop.entry->Call(static_cast<int32_t>(n), args[0], args[1],
                    args[loop.arguments + (loop.swapped ? 1 : 0)],
                    loop.results == 2 ? args[second - (loop.swapped ? 1 : 0)] : nullptr);
+  if (loop.inspected) {
+    loop.entry->is_double() ? Inspect<uint64_t>(loop, n, args, scope)
+                            : Inspect<uint32_t>(loop, n, args, scope);
+  }
 }
 
 // `n` contiguous elements; the pointers move on over calls of at most kMostPerCall elements.
@@ -54,7 +127,7 @@ void CallContiguous(const Loop& loop, npy_intp n, const std::array<char*, kMaxOp
       count = run;
     }
     scope.SetBase(base + done);
-    CallKernel(loop, count, at.data());
+    CallKernel(loop, count, at.data(), scope);
     done += count;
   }
 }
@@ -66,8 +139,14 @@ void CallWithScalar(const Loop& loop, npy_intp n, const std::array<char*, kMaxOp
     const std::array<char*, kMaxOperands> at = {args[0] + done * loop.sizes[0], args[1],
                                                 args[2] + done * loop.sizes[2], nullptr};
     scope.SetBase(done);
-    CallKernel(loop, std::min(n - done, kMostPerCall), at.data());
+    CallKernel(loop, std::min(n - done, kMostPerCall), at.data(), scope);
   }
+}
+
+// Whether argument k of an inspected entry is overwritten by its results. (By NumPy's rules they are in
+// the same places then, element by element.)
+bool OverwritesInspected(const Loop& loop, char* const* args, int k) {
+  return loop.inspected && args[k] == args[loop.arguments];
 }
 
 void RunBuffered(const Loop& loop, npy_intp n, char* const* args, const npy_intp* steps,
@@ -76,7 +155,7 @@ void RunBuffered(const Loop& loop, npy_intp n, char* const* args, const npy_intp
   const int operands = loop.arguments + loop.results;
   std::array<bool, kMaxOperands> buffered{};
   for (int k = 0; k < operands; ++k) {
-    buffered[k] = steps[k] != loop.sizes[k];
+    buffered[k] = steps[k] != loop.sizes[k] || (k < loop.arguments && OverwritesInspected(loop, args, k));
     if (k < loop.arguments && steps[k] == 0) {
       Copy(loop.sizes[k], args[k], 0, buffers[k], loop.sizes[k], std::min(n, kBlock));
     }
@@ -112,9 +191,12 @@ void RunSerially(const Loop& loop, npy_intp n, char* const* args, const npy_intp
     scope.SetBase(i);
     const std::array<char*, kMaxOperands> at = {args[0] + i * steps[0], args[1] + i * steps[1],
                                                 args[2] + i * steps[2], nullptr};
-    CallKernel(loop, 1, at.data());
+    CallKernel(loop, 1, at.data(), scope);
   }
 }
+
+// Complex functions with poles: of one argument all their infinities, of two those at a zero.
+constexpr std::string_view kWithPoles[] = {"Ln", "Log10", "Atan", "Atanh", "Pow", "Powx"};
 
 struct OperandTypes {
   int real, complex;
@@ -128,6 +210,8 @@ Loop MakeLoop(const pex::Entry& entry, bool swapped) {
                                            : OperandTypes{NPY_FLOAT, NPY_CFLOAT, 4, 8};
   Loop loop{.entry = &entry,
             .scalar_second = entry.function->shape == pex::Shape::UnaryScalar,
+            .inspected = entry.is_complex() && entry.function->name != "Conj",
+            .has_poles = std::ranges::count(kWithPoles, entry.function->name) != 0,
             .swapped = swapped,
             .arguments = pex::ArgumentCount(entry.function->shape),
             .results = pex::ResultCount(entry.function->shape)};
@@ -153,8 +237,9 @@ void RunLoop(char** args, const npy_intp* dimensions, const npy_intp* steps, voi
   for (int k = 0; k < operands; ++k) {
     at[k] = args[k];
     const bool dense = steps[k] == loop.sizes[k] || n <= 1;
-    contiguous &= dense;
-    all_but_scalar &= k == 1 ? steps[k] == 0 : dense;
+    const bool direct = dense && !(k < loop.arguments && OverwritesInspected(loop, args, k));
+    contiguous &= direct;
+    all_but_scalar &= k == 1 ? steps[k] == 0 : direct;
   }
   ErrorScope scope;
   if (n > 1 && IsSerial(loop, args, steps)) {
@@ -172,20 +257,22 @@ std::vector<ElementError> RunCollecting(const Loop& loop, npy_intp n, char* cons
   std::vector<ElementError> errors;
   std::array<char*, kMaxOperands> at{};
   std::copy_n(args, loop.arguments + loop.results, at.begin());
-  ClearFlags();
-  {
-    ErrorScope scope(&errors);
-    CallContiguous(loop, n, at, scope, 0);
-  }
   const bool has_codes =
       loop.entry != nullptr && !loop.entry->is_complex() && loop.entry->function->tiered;
+  ClearFlags();
+  {
+    ErrorScope scope(has_codes ? &errors : nullptr);
+    CallContiguous(loop, n, at, scope, 0);
+  }
   if (!has_codes && CodeOfFlags() != PEX_STATUS_OK) {
-    ErrorScope scope;
     for (npy_intp i = 0; i < n; ++i) {
       std::array<char*, kMaxOperands> one = at;
       for (size_t k = 0; k < one.size(); ++k) one[k] += i * loop.sizes[k];
       ClearFlags();
-      CallKernel(loop, 1, one.data());
+      {
+        ErrorScope scope;
+        CallKernel(loop, 1, one.data(), scope);
+      }
       if (const int32_t code = CodeOfFlags(); code != PEX_STATUS_OK) errors.push_back({code, i});
     }
   }

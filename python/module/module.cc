@@ -155,8 +155,9 @@ void BindStreams(py::module_& m) {
       .def("lock", [](const py::object& self) { return Lock{self, &py::cast<Stream&>(self)}; });
 
   py::class_<Distribution>(m, "Distribution")
-      .def(py::init<std::string, std::string_view, std::vector<std::string>, int>(), "name"_a,
-           "catalogue"_a, "arguments"_a, "shift"_a = 0)
+      .def(py::init<std::string, std::string_view, std::vector<std::string>, bool, int, bool>(),
+           "name"_a, "catalogue"_a, "arguments"_a, "integers"_a = false, "shift"_a = 0,
+           "mirrored"_a = false)
       .def("result_type", [](const Distribution& d, const py::object& dtype) {
         return py::reinterpret_steal<py::object>(
             reinterpret_cast<PyObject*>(PyArray_DescrFromType(d.ResultType(dtype.ptr()))));

@@ -110,8 +110,7 @@ def _collect(function, tier, ufunc, args, kwargs):
         casting="same_kind",
     )
     with iterator:
-        shape, base = iterator.shape if arguments or results else (), 0
-        shape = np.broadcast_shapes(*(a.shape for a in arguments))
+        shape, base = np.broadcast_shapes(*(a.shape for a in arguments)), 0
         for operands in iterator if iterator.itersize else ():
             for index, code in function._collect(tier, *operands):
                 values = [o[index] for o in operands]

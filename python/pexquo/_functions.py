@@ -33,14 +33,13 @@ def _bounds(rows):
 
 
 def _document(function, rows):
-    names = "x" if function.nin == 1 else "x1, x2"
+    names = "a" if function.nin == 1 else "a, b"
     out = "out=None" if function.nout == 1 else "out=(None, None)"
     real = [row for is_complex, row in rows if not is_complex]
     complex_ = [row for is_complex, row in rows if is_complex]
     lines = [f"{function.__name__}({names}, /, {out}, *, tier='ha', **kwargs)", ""]
     formula = rows[0][1]["formula"]
-    lines += textwrap.wrap(f"{formula}, element by element; a{', b' * (function.nin > 1)} "
-                           f"{'are the arguments' if function.nin > 1 else 'is the argument'}.", 92)
+    lines.append(f"{formula}, element by element.")
     for title, group in (("", real), ("Of complex numbers: ", complex_)):
         for row in group:
             if row["notes"]:

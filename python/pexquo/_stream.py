@@ -42,17 +42,17 @@ def _words(seed):
     return words
 
 
-def _available(name, catalogue, arguments, shift=0):
+def _available(name, catalogue, arguments, **kwargs):
     """The distribution, or None where the library does not have it."""
     try:
-        return _pexquo.Distribution(name, catalogue, arguments, shift)
+        return _pexquo.Distribution(name, catalogue, arguments, **kwargs)
     except LookupError:
         return None
 
 
 _RANDOM = _pexquo.Distribution("random", "uniform", ["0", "1"])
 _UNIFORM = _pexquo.Distribution("uniform", "uniform", ["low", "high"])
-_INTEGERS = _pexquo.Distribution("integers", "uniform", ["low", "high"])
+_INTEGERS = _pexquo.Distribution("integers", "uniform", ["low", "high"], integers=True)
 _NORMAL = _pexquo.Distribution("normal", "gaussian", ["loc", "scale"])
 _MULTIVARIATE = _pexquo.Distribution("multivariate_normal", "gaussianmv", [])
 _EXPONENTIAL = _pexquo.Distribution("exponential", "exponential", ["", "scale"])
@@ -61,22 +61,26 @@ _WEIBULL = _pexquo.Distribution("weibull", "weibull", ["a", "", ""])
 _CAUCHY = _pexquo.Distribution("cauchy", "cauchy", ["loc", "scale"])
 _RAYLEIGH = _pexquo.Distribution("rayleigh", "rayleigh", ["", "scale"])
 _LOGNORMAL = _pexquo.Distribution("lognormal", "lognormal", ["mean", "sigma", "", ""])
-_GUMBEL = _pexquo.Distribution("gumbel", "gumbel", ["loc", "scale"])
-_BERNOULLI = _pexquo.Distribution("bernoulli", "bernoulli", ["p"])
-_GEOMETRIC = _pexquo.Distribution("geometric", "geometric", ["p"], 1)
+_GUMBEL = _pexquo.Distribution("gumbel", "gumbel", ["loc", "scale"], mirrored=True)  # of least values
+_BERNOULLI = _pexquo.Distribution("bernoulli", "bernoulli", ["p"], integers=True)
+_GEOMETRIC = _pexquo.Distribution("geometric", "geometric", ["p"], integers=True, shift=1)
 _GAMMA = _available("gamma", "gamma", ["shape", "", "scale"])
 _BETA = _available("beta", "beta", ["a", "b", "", ""])
-_BINOMIAL = _available("binomial", "binomial", ["n", "p"])
-_POISSON = _available("poisson", "poisson", ["lam"])
+_BINOMIAL = _available("binomial", "binomial", ["n", "p"], integers=True)
+_POISSON = _available("poisson", "poisson", ["lam"], integers=True)
 _HYPERGEOMETRIC = _available(
-    "hypergeometric", "hypergeometric", ["ngood + nbad", "nsample", "ngood"]
+    "hypergeometric", "hypergeometric", ["ngood + nbad", "nsample", "ngood"], integers=True
 )
-_NEGATIVE_BINOMIAL = _available("negative_binomial", "negbinomial", ["n", "p"])
+_NEGATIVE_BINOMIAL = _available(
+    "negative_binomial", "negbinomial", ["n", "p"], integers=True
+)
 
 
 def _draw_broadcast(stream, distribution, dtype, method, size, out, parameters):
     """Parameters that are arrays: element by element, in C order."""
-    arrays = [np.asarray(p, np.float64) for p in parameters]
+    arrays = [np.asarray(p) for p in parameters]
+    if any(a.dtype.kind not in "biuf" for a in arrays):
+        raise TypeError("parameters must be real numbers")
     shape = np.broadcast_shapes(*(a.shape for a in arrays))
     if size is None and out is not None:
         size = out.shape
@@ -88,7 +92,7 @@ def _draw_broadcast(stream, distribution, dtype, method, size, out, parameters):
             raise ValueError(
                 f"Output size {size} is not compatible with broadcast dimensions of inputs {shape}."
             )
-    columns = tuple(np.ascontiguousarray(np.broadcast_to(a, size)) for a in arrays)
+    columns = tuple(np.ascontiguousarray(np.broadcast_to(a, size), np.float64) for a in arrays)
     result_type = distribution.result_type(dtype)
     if out is None:
         out = np.empty(size, result_type)
@@ -114,7 +118,8 @@ class Stream(_pexquo.Stream):
         Words of 32 bits; larger integers count as several, low words first. None asks the operating
         system for a seed that nobody else has. The default, 1, makes programs repeatable.
     dimension : int
-        Of quasi-random generators: the length of a point, whose coordinates come one after the other.
+        Of quasi-random generators, instead of a seed: the length of a point, whose coordinates come
+        one after the other. 1 by default.
 
     A stream is the same on every machine: equal seeds give equal bits. Threads may share a stream,
     which a lock guards; for independent sequences give each a member of its own, or skip. Streams
@@ -130,7 +135,7 @@ class Stream(_pexquo.Stream):
     >>> s
     <pexquo.Stream: mt2203, member 7>
     >>> s.random(3)
-    array([0.74711988, 0.11361217, 0.98006523])
+    array([0.84660706, 0.43394016, 0.59478664])
     >>> import copy, pickle
     >>> twin, other = copy.copy(s), pickle.loads(pickle.dumps(s))
     >>> s.normal() == twin.normal() == other.normal()
@@ -138,14 +143,17 @@ class Stream(_pexquo.Stream):
     """
 
     def __init__(self, generator="mt19937", *, member=0, seed=1, dimension=None):
-        if dimension is not None:
-            if generator.lower() not in _QUASI_RANDOM:
+        most = _MOST_COORDINATES.get(generator.lower())
+        if most is None:
+            if dimension is not None:
                 raise ValueError(f"dimension is for quasi-random generators, not {generator}")
-            words = [operator.index(dimension)]
-            if words[0] < 1:
-                raise ValueError(f"dimension must be positive, not {dimension}")
+            words = _words(seed)
         else:
-            words = [1] if generator.lower() in _QUASI_RANDOM else _words(seed)
+            if not (isinstance(seed, int) and seed == 1):
+                raise ValueError(f"{generator} takes a dimension, not a seed")
+            words = [1 if dimension is None else operator.index(dimension)]
+            if not 1 <= words[0] <= most:
+                raise ValueError(f"dimension must be from 1 to {most}, not {dimension}")
         super().__init__(generator, member, words)
 
     # ---- State. ----
@@ -359,7 +367,7 @@ class Stream(_pexquo.Stream):
 
     def rayleigh(self, scale=1.0, size=None, *, dtype=np.float64, out=None):
         """Rayleigh with density x / scale^2 exp(-x^2 / (2 scale^2))."""
-        beta = np.multiply(scale, _SQRT2)
+        beta = scale * _SQRT2 if isinstance(scale, float) else np.multiply(scale, _SQRT2)
         return _draw(self, _RAYLEIGH, dtype, None, size, out, 0.0, beta)
 
     def lognormal(self, mean=0.0, sigma=1.0, size=None, *, dtype=np.float64, out=None):
@@ -374,9 +382,7 @@ class Stream(_pexquo.Stream):
         >>> bool(abs(x.mean() - 0.5772) < 0.02)
         True
         """
-        # The library's is of least values.
-        drawn = _draw(self, _GUMBEL, dtype, None, size, out, np.negative(loc), scale)
-        return -drawn if isinstance(drawn, float) else np.negative(drawn, out=drawn)
+        return _draw(self, _GUMBEL, dtype, None, size, out, loc, scale)
 
     # ---- Discrete distributions. ----
 
@@ -451,7 +457,8 @@ class Stream(_pexquo.Stream):
 
 
 _SQRT2 = 2.0**0.5
-_QUASI_RANDOM = ("sobol", "niederr")
+# Of the quasi-random generators.
+_MOST_COORDINATES = {"sobol": 40, "niederr": 318}
 
 
 def _restore(cls, state):

@@ -389,6 +389,42 @@ def test_errstate(call, flag, text):
         call(pexquo.log)
 
 
+SPECIAL = [0.0, -0.0, 0.5, 1.0, -1.0, 2.0, -2.0, 3.0, 710.0, -746.0, 1e10, 1e300, -1e300, 1e-300,
+           5e-324, np.inf, -np.inf, np.nan]
+
+
+def kinds_of_errors(call):
+    kinds = set()
+    with np.errstate(divide="call", over="call", invalid="call", under="ignore",
+                     call=lambda kind, _: kinds.add(kind)):
+        call()
+    return kinds
+
+
+@pytest.mark.parametrize("name", [n for n in REFERENCES if isinstance(getattr(np, n, None), np.ufunc)])
+def test_errors_of_special_elements_are_numpys(name):
+    ours, theirs = FUNCTIONS[name], getattr(np, name)
+    parts = SPECIAL[:14:2] + SPECIAL[14:17]
+    arguments = {
+        ("d", 1): [(x,) for x in SPECIAL],
+        ("d", 2): [(x, y) for x in SPECIAL for y in SPECIAL],
+        # NumPy's complex functions disagree with each other on parts that are NaN.
+        ("D", 1): [(complex(x, y),) for x in parts for y in parts],
+    }
+    for types in ours.types:
+        for values in arguments.get((types[0], ours.nin), []):
+            if name == "power" and np.isinf(values[1]):
+                continue  # exact limits, which some C libraries call overflow
+            given = [np.array([v]) for v in values]
+            expected = kinds_of_errors(lambda: theirs(*given))
+            for tier in ("ha", "ep"):
+                assert kinds_of_errors(lambda: ours(*given, tier=tier)) == expected, values
+                copy = given[0].copy()
+                if types[0] == types[-1] and ours.nout == 1:
+                    in_place = kinds_of_errors(lambda: ours(copy, *given[1:], copy, tier=tier))
+                    assert in_place == expected, values
+
+
 def test_ordinary_elements_raise_nothing():
     with np.errstate(all="raise"):
         for name, tier, arguments, _ in loops():
