@@ -5,8 +5,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 packages=(doxygen python3-sphinx python3-myst-parser python3-breathe furo python3-sphinx-copybutton)
 [[ ${1:-} == --pictures ]] && packages+=(chromium)
-. scripts/need.sh
-need "${packages[@]}"
+. scripts/setup.sh
+install_packages "${packages[@]}"
 
 program=${PEXQUO_PROGRAM:-build/release/bin/pexquo}
 if [[ ! -x $program ]]; then

@@ -1,5 +1,7 @@
-// The binary interface: both libraries export the entries of symbols.tsv whose groups exist, and
-// nothing else; the public headers declare each with the types of the list, for C89 and for C++.
+// The binary interface: both libraries export the entries of symbols.tsv whose groups exist, each
+// with its version, and nothing else; the public headers declare each with the types of the list,
+// for C89 and for C++.
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -47,14 +49,24 @@ std::map<std::string, std::string> ReadGroups() {
   return groups;
 }
 
-// What a library exports: name to the letter of its kind.
-std::map<std::string, char> Exported(const std::string& library) {
+std::string Version(const std::string& library) {
+  return library == "kro" ? "KRO_1.0" : "PEXQUO_1.0";
+}
+
+// What a library exports with that version: name to the letter of its kind.
+std::map<std::string, char> Exported(const std::string& library, const std::string& version) {
   std::map<std::string, char> names;
   const std::string command = std::string(NM) + " -D --defined-only " + library;
   FILE* const pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) return names;
   char address[64], kind, name[512];
-  while (std::fscanf(pipe, "%63s %c %511s", address, &kind, name) == 3) names[name] = kind;
+  while (std::fscanf(pipe, "%63s %c %511s", address, &kind, name) == 3) {
+    if (name == version) continue;  // the version itself
+    const std::string versioned = name;
+    const size_t at = versioned.find("@@");
+    EXPECT_EQ(at == std::string::npos ? "" : versioned.substr(at + 2), version) << versioned;
+    names[versioned.substr(0, at)] = kind;
+  }
   EXPECT_EQ(pclose(pipe), 0) << command;
   return names;
 }
@@ -65,7 +77,7 @@ TEST_P(Exports, AreTheListedEntriesAndNothingElse) {
   const std::string library = GetParam();
   const std::string path = library == "kro" ? KRO_LIBRARY : PEXQUO_LIBRARY;
   const auto groups = ReadGroups();
-  std::map<std::string, char> exported = Exported(path);
+  std::map<std::string, char> exported = Exported(path, Version(library));
   ASSERT_FALSE(exported.empty());
   std::map<std::string, std::string> waiting;  // listed, but of a group that does not exist yet
   std::string missing, extra;
@@ -93,6 +105,22 @@ TEST_P(Exports, AreTheListedEntriesAndNothingElse) {
   }
   EXPECT_EQ(missing, "");
   EXPECT_EQ(extra, "");
+}
+
+TEST_P(Exports, AreFoundAtRunTime) {
+  const std::string library = GetParam();
+  void* const handle =
+      dlopen(library == "kro" ? KRO_LIBRARY : PEXQUO_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(handle, nullptr) << dlerror();
+  const auto groups = ReadGroups();
+  for (const Symbol& s : ReadSymbols()) {
+    const auto group = groups.find(s.group);
+    if (group == groups.end() || group->second != library) continue;
+    void* const symbol = dlsym(handle, s.name.c_str());
+    EXPECT_NE(symbol, nullptr) << s.name;
+    EXPECT_EQ(dlvsym(handle, s.name.c_str(), Version(library).c_str()), symbol) << s.name;
+  }
+  dlclose(handle);
 }
 
 INSTANTIATE_TEST_SUITE_P(Libraries, Exports, testing::Values("pexquo", "kro"),

@@ -66,7 +66,7 @@ TEST(Library, ExportsWhatItsHeadersDeclare) {
 
 TEST(Library, VersionsItsSymbols) {
   for (const std::string& name : Exported("--with-symbol-versions")) {
-    EXPECT_TRUE(name.ends_with("@@PEXQUO_FRONT_0")) << name;
+    EXPECT_TRUE(name.ends_with("@@PEXQUO_FRONT_1.0")) << name;
   }
   EXPECT_STREQ(pexquoVersion(), VERSION);
 }

@@ -1,0 +1,136 @@
+"""Element errors, one by one: the context manager `errors` and what it collects."""
+
+import contextlib
+import contextvars
+from typing import NamedTuple
+
+import numpy as np
+
+from . import _pexquo
+
+__all__ = ["ElementError", "errors"]
+
+_REASONS = {1: "domain", 2: "singularity", 3: "overflow", 4: "underflow"}
+_open = contextvars.ContextVar("pexquo_errors", default=None)
+
+
+class ElementError(NamedTuple):
+    """One special element of a call.
+
+    Attributes
+    ----------
+    function : str
+        The function's name.
+    index : tuple of int
+        The element's place in the result, as an index; () of a scalar.
+    arguments : tuple
+        The element's arguments, as NumPy scalars.
+    result : numpy scalar or tuple
+        The result; of functions with two results both.
+    reason : str
+        "domain", "singularity" (a pole), "overflow" or "underflow".
+    """
+
+    function: str
+    index: tuple
+    arguments: tuple
+    result: object
+    reason: str
+
+
+@contextlib.contextmanager
+def errors():
+    """Collect the element errors of the calls within, instead of warning of them.
+
+    Yields a list that grows by an `ElementError` for every special element, in the order of the
+    calls and, within a call, of the elements in C order. No warning and no exception comes from the
+    functions meanwhile, whatever `numpy.errstate` says. Blocks may be nested; the innermost one
+    collects. Threads and asyncio tasks have blocks of their own.
+
+    Functions of real numbers report what they call special: an argument outside the domain, a pole,
+    a result that overflows or underflows. Complex functions and plain arithmetic report the
+    floating-point flags that an element raises.
+
+    >>> import numpy as np, pexquo
+    >>> with pexquo.errors() as found:
+    ...     y = pexquo.log([[1.0, 0.0], [-2.0, 4.0]])
+    >>> for e in found:
+    ...     print(e.function, e.index, *e.arguments, e.result, e.reason)
+    log (0, 1) 0.0 -inf singularity
+    log (1, 0) -2.0 nan domain
+    """
+    found = []
+    token = _open.set(found)
+    _pexquo.count_collectors(1)
+    try:
+        yield found
+    finally:
+        _pexquo.count_collectors(-1)
+        _open.reset(token)
+
+
+def _loop_types(ufunc, arguments, dtype):
+    """The types of the loop that the ufunc takes for these arguments."""
+    wanted = np.result_type(*arguments) if dtype is None else np.dtype(dtype)
+    for types in ufunc.types:
+        given, results = types.split("->")
+        fits = wanted.char == results[0] if dtype is not None else np.can_cast(wanted, given[0])
+        if fits:
+            return [np.dtype(t) for t in given + results]
+    raise TypeError(f"ufunc {ufunc.__name__!r} not supported for the input types")
+
+
+def _collect(function, tier, ufunc, args, kwargs):
+    """A call while an errors() block is open somewhere."""
+    found = _open.get()
+    if found is None:
+        return ufunc(*args, **kwargs)
+    kwargs = dict(kwargs)
+    out = kwargs.pop("out", None)
+    dtype = kwargs.pop("dtype", None)
+    if kwargs:
+        raise TypeError(
+            f"{function.__name__}: only tier=, out= and dtype= are possible within errors(), "
+            f"not {', '.join(kwargs)}"
+        )
+    nin, nout = ufunc.nin, ufunc.nout
+    if not nin <= len(args) <= nin + nout or (out is not None and len(args) > nin):
+        return ufunc(*args, out=out)  # raises the usual TypeError
+    results = list(args[nin:]) if out is None else list(out) if isinstance(out, tuple) else [out]
+    results += [None] * (nout - len(results))
+    arguments = [a if isinstance(a, np.ndarray) else np.asarray(a) for a in args[:nin]]
+    types = _loop_types(ufunc, arguments if dtype is None else args[:nin], dtype)
+    iterator = np.nditer(
+        arguments + results,
+        flags=["external_loop", "buffered", "zerosize_ok", "copy_if_overlap"],
+        op_flags=[["readonly", "contig", "aligned", "nbo"]] * nin
+        + [["writeonly", "allocate", "no_broadcast", "contig", "aligned", "nbo"]] * nout,
+        op_dtypes=types,
+        order="C",
+        casting="same_kind",
+    )
+    with iterator:
+        shape, base = np.broadcast_shapes(*(a.shape for a in arguments)), 0
+        for operands in iterator if iterator.itersize else ():
+            for index, code in function._collect(tier, *operands):
+                values = [o[index] for o in operands]
+                place = np.unravel_index(base + index, shape) if shape else ()
+                found.append(
+                    ElementError(
+                        function.__name__,
+                        tuple(int(i) for i in place),
+                        tuple(values[:nin]),
+                        values[nin] if nout == 1 else tuple(values[nin:]),
+                        _REASONS[code],
+                    )
+                )
+            base += len(operands[0])
+        values = [
+            given if given is not None else made
+            for given, made in zip(results, iterator.operands[nin:])
+        ]
+    values = [v[()] if v.ndim == 0 and r is None else v for v, r in zip(values, results)]
+    return values[0] if nout == 1 else tuple(values)
+
+
+_pexquo.set_collect_hook(_collect)

@@ -1,0 +1,72 @@
+"""The functions of the library, as NumPy users call them, with their documentation."""
+
+import textwrap
+
+from . import _pexquo
+from ._examples import EXAMPLES
+
+_TIERS = {"ha": "high accuracy", "la": "low accuracy", "ep": "enhanced performance"}
+_TYPES = {"d": "float64", "s": "float32", "z": "complex128", "c": "complex64"}
+
+
+def _bound(tier, value):
+    return f"{value:.0f} correct bits" if tier == "ep" else f"{value:.4g} ulp"
+
+
+def _bounds(rows):
+    """The table of error bounds by tier and type."""
+    cells = {}
+    for row in rows:
+        cells.update(row["bounds"])
+    lines = []
+    for tier in _TIERS:
+        parts = [
+            f"{_TYPES[letter]} {_bound(tier, cells[letter, tier])}"
+            for letter in "dszc"
+            if (letter, tier) in cells
+        ]
+        if parts:
+            lines += textwrap.wrap(
+                f'"{tier}": ' + ", ".join(parts), 88, subsequent_indent=" " * 6
+            )
+    return lines
+
+
+def _document(function, rows):
+    names = "a" if function.nin == 1 else "a, b"
+    out = "out=None" if function.nout == 1 else "out=(None, None)"
+    real = [row for is_complex, row in rows if not is_complex]
+    complex_ = [row for is_complex, row in rows if is_complex]
+    lines = [f"{function.__name__}({names}, /, {out}, *, tier='ha', **kwargs)", ""]
+    formula = rows[0][1]["formula"]
+    lines.append(f"{formula}, element by element.")
+    for title, group in (("", real), ("Of complex numbers: ", complex_)):
+        for row in group:
+            if row["notes"]:
+                lines += [""] + textwrap.wrap(title + row["notes"], 92)
+    bounds = _bounds([row for _, row in rows])
+    if bounds:
+        lines += ["", "Largest errors by tier (ulp of each part; `ep` promises bits):", ""]
+        lines += ["    " + line for line in bounds]
+    lines += ["", "Types: " + " ".join(function.types), ""]
+    example = EXAMPLES.get(function.__name__)
+    if example is not None:
+        lines += [">>> import pexquo"] + example.strip().splitlines() + [""]
+    return "\n".join(lines)
+
+
+def _make():
+    by_name = {}
+    catalogue = {}
+    for is_complex, row in _pexquo.rows():
+        catalogue.setdefault(row["name"], []).append((is_complex, row))
+    for name, function in _pexquo.functions.items():
+        rows = catalogue[function._catalogue]
+        function.__doc__ = _document(function, rows)
+        by_name[name] = function
+    by_name["abs"] = by_name["absolute"]
+    by_name["conj"] = by_name["conjugate"]
+    return by_name
+
+
+FUNCTIONS = _make()
