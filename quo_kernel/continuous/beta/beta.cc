@@ -201,7 +201,7 @@ HWY_INLINE size_t SieveGroup(const BetaShape& shape, const double* HWY_RESTRICT 
 template <BetaMethod kMethod, typename T>
 int32_t Sieve(const BetaShape& shape, int32_t m, double* u, T* r, double a, double beta) {
   constexpr size_t kEach = kUniforms[static_cast<size_t>(kMethod)];
-  constexpr size_t kVectors = kEach < 3 ? 4 : 2;
+  constexpr size_t kVectors = kEach < 3 && HWY_TARGET != HWY_AVX3 ? 8 : 4;
   return SieveBlock<kEach, kVectors, kBlock>(
       m, u,
       [&](auto vectors, const double* first, double* x)
