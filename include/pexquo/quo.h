@@ -536,10 +536,11 @@ QUO_API int32_t _quoiRngGeometric(uint32_t method, StreamState* stream, int32_t 
  * bits. Single precision is the double result, with a and beta applied, rounded.
  *
  * The method word is not looked at, and no parameter is checked: shapes and beta should be
- * positive. Every shape from the smallest subnormal to the largest number serves; what underflows
- * is 0, so that tiny shapes give a (and a + beta) in the end. What a generator gives outside [0, 1)
- * gives no NaN either. A generator that repeats rejected candidates for ever keeps the call for
- * ever (one that gives nothing but 0, 1/2 or NaN does not).
+ * positive. Every shape from the smallest subnormal to the largest number serves, and what is none
+ * counts as the nearest (NaN as the smallest). What underflows is 0, so that tiny shapes give a,
+ * and a + beta, in the end. What a generator gives outside [0, 1) gives no NaN either. A generator
+ * that repeats rejected candidates for ever keeps the call for ever; one that gives nothing but 0,
+ * 1/2 or NaN does not.
  *
  * Returns the status of the last request for uniforms; 0 for n < 1, which does nothing. A negative
  * status of the generator ends the call; the numbers of the requests before stay in r. */

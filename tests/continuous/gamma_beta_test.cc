@@ -233,6 +233,7 @@ TEST(GammaBeta, StayWithinTheirBoundsForEveryShape) {
 TEST(GammaBeta, AreNumbersWhateverTheGeneratorGives) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+  // Shapes that are none, too.
   const std::vector<std::vector<double>> scripts = {
       {0},
       {0.5},
@@ -241,6 +242,8 @@ TEST(GammaBeta, AreNumbersWhateverTheGeneratorGives) {
       {0.25, -1, 2, kInfinity, -kInfinity, kNaN, 1e300, -1e300, 1, 0.5, 1e-310}};
   std::vector<Shape> shapes = Ordinary();
   shapes.insert(shapes.end(), {{1e-300}, {kMost}, {1e-300, 1e-305}, {kMost, kMost}, {1e8, 0.5}});
+  shapes.insert(shapes.end(),
+                {{-1}, {0}, {kNaN}, {kInfinity}, {-1, -2}, {kNaN, 0.5}, {kInfinity, 2}});
   for (const Shape& shape : shapes) {
     for (const auto& values : scripts) {
       SCOPED_TRACE(testing::Message() << shape << ", first uniform " << values[0]);

@@ -40,20 +40,18 @@ constexpr int32_t kBlock = 512;
 enum class BetaMethod { kInversion, kJoehnk, kCheng, kGammas, kGammasOneBelow };
 constexpr int kUniforms[] = {1, 2, 2, 3, 4};
 
-// The constants of shapes p and q. Of the gamma numbers the first has the lesser shape: it is g for
-// p <= q, else h.
+// The constants of shapes p and q.
 struct BetaShape {
   BetaMethod method;
-  bool swapped;
-  double power[2];  // 1/p and 1/q, where they are asked for
-  double lambda;    // of Cheng's method, and the factor of V there
-  double slope;
-  double shape[2];  // the lesser shape, the larger, and
-  double sum;       // their sum
-  GammaShape gamma[2];
-  double factor[2];  // d of each, or both times the same power of 2
+  bool swapped;          // which of the shapes comes first: p > q; by inversion, q = 1
+  double power[2];       // 1/p and 1/q
+  double ordered[2];     // the lesser shape and the larger
+  double sum;            // p + q
+  double lambda, slope;  // Cheng's beta and gamma
+  GammaShape gamma[2];   // of the lesser shape and the larger
+  double factor[2];      // d of each, or both times the same power of 2
 
-  BetaShape(double p, double q);
+  BetaShape(double p, double q);  // in the range of GammaShape
 };
 
 constexpr double kLog4 = 0x1.62e42fefa39efp+0;
@@ -141,15 +139,15 @@ struct Candidates<BetaMethod::kCheng> {
     for (size_t k = 0; k < K; ++k) v[k] = hn::Mul(v[k], hn::Set(d, shape.lambda));
     ModerateExp(d, v, w);
     for (size_t k = 0; k < K; ++k) {
-      w[k] = hn::Mul(w[k], hn::Set(d, shape.shape[0]));
-      inverse[k] = hn::Div(one, hn::Add(w[k], hn::Set(d, shape.shape[1])));
+      w[k] = hn::Mul(w[k], hn::Set(d, shape.ordered[0]));
+      inverse[k] = hn::Div(one, hn::Add(w[k], hn::Set(d, shape.ordered[1])));
       ratio[k] = hn::Mul(sum, inverse[k]);
     }
     level::PlainLog<pex::NaturalLog>(d, ratio, pex::kLnEP, log_ratio);
     for (size_t k = 0; k < K; ++k) {
       const V r = hn::Sub(hn::Mul(v[k], hn::Set(d, shape.slope)), hn::Set(d, kLog4));
       accepted[k] = hn::Ge(hn::Add(r, hn::Mul(sum, log_ratio[k])), log_z[k]);
-      x[k] = hn::Mul(inverse[k], shape.swapped ? hn::Set(d, shape.shape[1]) : w[k]);
+      x[k] = hn::Mul(inverse[k], shape.swapped ? hn::Set(d, shape.ordered[1]) : w[k]);
     }
   }
 };
@@ -203,7 +201,7 @@ HWY_INLINE size_t SieveGroup(const BetaShape& shape, const double* HWY_RESTRICT 
 template <BetaMethod kMethod, typename T>
 int32_t Sieve(const BetaShape& shape, int32_t m, double* u, T* r, double a, double beta) {
   constexpr size_t kEach = kUniforms[static_cast<size_t>(kMethod)];
-  constexpr size_t kVectors = kEach < 3 ? 4 : 2;
+  constexpr size_t kVectors = kEach < 3 && HWY_TARGET != HWY_AVX3 ? 8 : 4;
   return SieveBlock<kEach, kVectors, kBlock>(
       m, u,
       [&](auto vectors, const double* first, double* x)
@@ -257,13 +255,15 @@ constexpr double kMostPower = 1e300;
 BetaShape::BetaShape(double p, double q)
     : method(MethodOf(p, q)),
       swapped(method == BetaMethod::kInversion ? p != 1 : p > q),
-      shape{std::min(p, q), std::max(p, q)},
+      ordered{std::min(p, q), std::max(p, q)},
       sum(p + q),
-      gamma{GammaShape(std::min(p, q)), GammaShape(std::max(p, q))},
+      lambda(0),
+      slope(0),
+      gamma{GammaShape(ordered[0]), GammaShape(ordered[1])},
       factor{gamma[0].d, gamma[1].d} {
   if (method == BetaMethod::kCheng) {
     lambda = std::sqrt((sum - 2) / (2 * p * q - sum));
-    slope = shape[0] + 1 / lambda;
+    slope = ordered[0] + 1 / lambda;
   }
   // Where all numbers are 0 or 1, the chance of 1, p/(p + q), alone counts.
   const double scale = std::max(p, q) < 1e-250 ? 0x1p600 : 1;
@@ -279,7 +279,8 @@ int32_t Beta(StreamState* stream, int32_t n, T* r, T single_p, T single_q, T sin
              T single_beta) {
   if (n < 1) return QUO_OK;
   const QuietCall quiet;
-  const double p = AfterControl(single_p), q = AfterControl(single_q);
+  const double p = GammaShape::InRange(AfterControl(single_p));
+  const double q = GammaShape::InRange(AfterControl(single_q));
   const double a = AfterControl(single_a), beta = AfterControl(single_beta);
   const BetaShape shape(p, q);
   const auto sieve = [&, kept = SieveFor(shape.method, r)](int32_t m, double* u, T* x) {

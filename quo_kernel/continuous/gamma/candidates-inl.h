@@ -26,9 +26,8 @@ struct GammaShape {
   double power;    // 1/alpha below 1, else 0
   double near[2];  // (1 - exp(3 d g))/x^4 at most, for x < 0 and x > 0
 
-  // alpha > 0; what is not has the constants of the least such number.
   explicit GammaShape(double alpha) {
-    alpha = alpha > kLeast ? std::min(alpha, kMost) : kLeast;
+    alpha = InRange(alpha);
     d = Displaced(alpha);
     c = 1 / (3 * std::sqrt(d));
     power = alpha < 1 ? std::min(1 / alpha, kMostPower) : 0;
@@ -38,7 +37,7 @@ struct GammaShape {
 
   // Whether these are the constants of alpha, but for rounding errors.
   bool Fits(double alpha) const {
-    alpha = alpha > kLeast ? std::min(alpha, kMost) : kLeast;
+    alpha = InRange(alpha);
     const auto one = [](double x) { return std::fabs(x - 1) < 0x1p-40; };
     const bool power_fits =
         alpha >= 1 ? power == 0 : one(power * alpha) || (power == kMostPower && alpha < 1e-299);
@@ -46,11 +45,16 @@ struct GammaShape {
            one(near[0] / kNear[0] * d) && one(near[1] / kNear[1] * d);
   }
 
+  // alpha > 0 and finite; what is not becomes the next that is, NaN the least.
+  static double InRange(double alpha) {
+    constexpr double kLeast = 0x1p-1074, kMost = std::numeric_limits<double>::max();
+    return alpha > kLeast ? std::min(alpha, kMost) : kLeast;
+  }
+
   // Uniforms of a candidate: that of the normal number, of the acceptance, of the power.
   int Uniforms() const { return power == 0 ? 2 : 3; }
 
  private:
-  static constexpr double kLeast = 0x1p-1074, kMost = std::numeric_limits<double>::max();
   // (U^10^300 is 0 for all uniforms U, and sums of some logarithms of it are finite.)
   static constexpr double kMostPower = 1e300;
   static constexpr double kNear[] = {0.02205, 0.00926};
