@@ -507,7 +507,9 @@ int32_t KindOf(const quo::Sampler& sampler) {
     case 'w':
       return QUO_BRNG_IABSTRACT;
     default:
-      return sampler.distribution->name == "uniform" ? QUO_BRNG_DABSTRACT : QUO_BRNG_SABSTRACT;
+      return sampler.distribution->name == "bernoulli" || sampler.distribution->name == "geometric"
+                 ? QUO_BRNG_SABSTRACT
+                 : QUO_BRNG_DABSTRACT;
   }
 }
 
