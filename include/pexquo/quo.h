@@ -478,8 +478,8 @@ QUO_API int32_t _quoiRngGeometric(uint32_t method, StreamState* stream, int32_t 
 /* ---- Distributions: Poisson and negative binomial. ---- */
 
 /* n counts at r, an array at any address, from double uniforms u on [0, 1); u on [-1, 1) for normal
- * numbers. Counts above 2^31 - 1 are 2^31 - 1. What stands at r does not depend on how a sequence is
- * split into calls, on the address or on the vector level.
+ * numbers. Counts above 2^31 - 1 are 2^31 - 1. What stands at r does not depend on how a sequence
+ * is split into calls, on the address or on the vector level.
  *
  *   Inversion by a table takes one uniform a count: the least k with F(k) > u, F the distribution
  *   function in double precision, its upper tail summed from above. A guide shortens the search
@@ -517,11 +517,10 @@ QUO_API int32_t _quoiRngGeometric(uint32_t method, StreamState* stream, int32_t 
  *             lambda + sqrt(lambda) z + z^2/6 + 1/3 - (z/36 + z^3/72)/sqrt(lambda)
  *               + (-8/405 + 7 z^2/810 + z^4/270)/lambda,
  *           M. B. Giles, ACM Transactions on Mathematical Software 42 (2016). An approximation: the
- *           total variation distance from the Poisson distribution is 1.7e-5 for lambda = 27, 4.8e-6
- *           for 50, 1.2e-6 for 100, 1.2e-8 for 1000 and falls like lambda^-2, down to the 1e-8 that
- *           the 26 correct bits of z bring in. |z| is at most 8.3.
- * Table and rejection constants are in chunk 3, 696 bytes, of either method. -2 for another
- * method. */
+ *           total variation distance from the Poisson distribution is 1.7e-5 for a mean of 27,
+ *           4.8e-6 for 50, 1.2e-6 for 100 and 1.2e-8 for 1000, and falls like the mean's square,
+ *           down to the 1e-8 that the 26 correct bits of z bring in. |z| is at most 8.3.
+ * The constants of table and rejection are in chunk 3, 696 bytes. -2 for another method. */
 QUO_API int32_t _quoiRngPoisson(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
                                 double lambda);
 /* Poisson with a mean for each count, lambda[0] to lambda[n-1] at any address, one uniform u on
