@@ -484,8 +484,9 @@ QUO_API int32_t _quoiRngGeometric(uint32_t method, StreamState* stream, int32_t 
  *   Inversion by a table takes one uniform a count: the least k with F(k) > u, F the distribution
  *   function in double precision, its upper tail summed from above. A guide shortens the search
  *   (H.-C. Chen, Y. Asau, AIIE Transactions 6 (1974)).
- *   Rejection takes two uniforms a candidate and as many candidates as it needs. Probabilities are
- *   compared by their logarithms with an error of some 1e-13, of 1e-9 for the largest means.
+ *   Rejection takes two uniforms a candidate and as many candidates as it needs. A candidate is
+ *   accepted with its exact probability but for 1e-11 and 2e-15 times the distance of the count
+ *   from the mode.
  *
  * The constants of a table or of rejection stay with the stream, in a chunk that goes into copies
  * and files, and are computed again when the parameters change. A chunk of that key and another
