@@ -614,14 +614,15 @@ QUO_API int32_t _quoiRngHypergeometric(uint32_t method, StreamState* stream, int
 /* ---- Distributions: Poisson and negative binomial. ---- */
 
 /* n counts at r, an array at any address, from double uniforms u on [0, 1); u on [-1, 1) for normal
- * numbers. Counts above 2^31 - 1 are 2^31 - 1. What stands at r does not depend on how a sequence is
- * split into calls, on the address or on the vector level.
+ * numbers. Counts above 2^31 - 1 are 2^31 - 1. What stands at r does not depend on how a sequence
+ * is split into calls, on the address or on the vector level.
  *
  *   Inversion by a table takes one uniform a count: the least k with F(k) > u, F the distribution
  *   function in double precision, its upper tail summed from above. A guide shortens the search
  *   (H.-C. Chen, Y. Asau, AIIE Transactions 6 (1974)).
- *   Rejection takes two uniforms a candidate and as many candidates as it needs. Probabilities are
- *   compared by their logarithms with an error of some 1e-13, of 1e-9 for the largest means.
+ *   Rejection takes two uniforms a candidate and as many candidates as it needs. A candidate is
+ *   accepted with its exact probability but for 1e-11 and 2e-15 times the distance of the count
+ *   from the mode.
  *
  * The constants of a table or of rejection stay with the stream, in a chunk that goes into copies
  * and files, and are computed again when the parameters change. A chunk of that key and another
@@ -646,17 +647,17 @@ QUO_API int32_t _quoiRngHypergeometric(uint32_t method, StreamState* stream, int
  * 2^32 as 2^32. Below 27 both methods invert by a table. From 27 on:
  *   PTPE    rejection from a triangle, two parallelograms and two exponential tails:
  *           V. Kachitvichyanukul, B. W. Schmeiser, "The generation of Poisson random variates"
- *           (Purdue University, 1981). 1.14 to 1.27 candidates a count;
+ *           (Purdue University, 1981). 1.45 candidates a count for lambda = 27, 1.15 for 1000 and
+ *           beyond;
  *   NORMAL  one uniform a count: the floor of the Cornish-Fisher expansion of the quantile with z =
  *           sqrt(2) erfinv(u),
  *             lambda + sqrt(lambda) z + z^2/6 + 1/3 - (z/36 + z^3/72)/sqrt(lambda)
  *               + (-8/405 + 7 z^2/810 + z^4/270)/lambda,
  *           M. B. Giles, ACM Transactions on Mathematical Software 42 (2016). An approximation: the
- *           total variation distance from the Poisson distribution is 1.7e-5 for lambda = 27, 4.8e-6
- *           for 50, 1.2e-6 for 100, 1.2e-8 for 1000 and falls like lambda^-2, down to the 1e-8 that
- *           the 26 correct bits of z bring in. |z| is at most 8.3.
- * Table and rejection constants are in chunk 3, 696 bytes, of either method. -2 for another
- * method. */
+ *           total variation distance from the Poisson distribution is 1.7e-5 for a mean of 27,
+ *           4.8e-6 for 50, 1.2e-6 for 100 and 1.2e-8 for 1000, and falls like the mean's square,
+ *           down to the 1e-8 that the 26 correct bits of z bring in. |z| is at most 8.3.
+ * The constants of table and rejection are in chunk 3, 696 bytes. -2 for another method. */
 QUO_API int32_t _quoiRngPoisson(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
                                 double lambda);
 /* Poisson with a mean for each count, lambda[0] to lambda[n-1] at any address, one uniform u on
@@ -671,7 +672,7 @@ QUO_API int32_t _quoiRngPoissonV(uint32_t method, StreamState* stream, int32_t n
  * >= 1 from tangents at the logarithm of the probabilities (W. Hoermann, ACM Transactions on
  * Mathematical Software 21 (1995)), for a < 1 from the bound (k + a/2)^(a - 1) of Gamma(k + a)/k!
  * (D. Kershaw, Mathematics of Computation 41 (1983)) in a power and an exponential piece (J. H.
- * Ahrens, U. Dieter, Computing 12 (1974)). 1.0 to 1.5 candidates a count. Where no count is below
+ * Ahrens, U. Dieter, Computing 12 (1974)). 1.0 to 1.4 candidates a count. Where no count is below
  * 2^32 the uniforms of a table are drawn. p >= 1 and a that is not above 0 give zeros, a is bounded
  * by 1e30, p by 1e-60 and, for a < 1, 1e-290. The method word is not looked at. Constants in chunk
  * 4. */

@@ -42,19 +42,18 @@ class Counts {
   // bring about, the candidates become 0: a call ends even so.
   int32_t Accepted(int32_t m, int32_t* r) {
     constexpr int32_t kHopeless = 1 << 14;
-    int32_t accepted = 0;
+    int32_t accepted = 0, in_order[kCandidates];
     for (int32_t i = 0; i < m; ++i) {
-      const int32_t count = counts_[i];
-      counts_[accepted] = count;
-      accepted += count >= 0;
+      in_order[accepted] = counts_[i];
+      accepted += counts_[i] >= 0;
     }
     fruitless_ = accepted > 0 ? 0 : fruitless_ + m;
     if (fruitless_ > kHopeless) {
       fruitless_ = kHopeless;
       accepted = m;
-      std::fill_n(counts_, m, 0);
+      std::fill_n(in_order, m, 0);
     }
-    std::memcpy(static_cast<void*>(r), counts_, static_cast<size_t>(accepted) * sizeof(int32_t));
+    std::memcpy(static_cast<void*>(r), in_order, static_cast<size_t>(accepted) * sizeof(int32_t));
     return accepted;
   }
 

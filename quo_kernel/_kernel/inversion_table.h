@@ -47,31 +47,57 @@ int32_t TabulateDistribution(int32_t room, double* cdf, double last_ratio, Ratio
 // and below `size`.
 class InversionTable {
  public:
-  // `n` numbers are expected to be asked for.
+  // For n numbers to come: few are searched for by halves, without the guide.
   InversionTable(const double* cdf, int32_t size, int32_t n)
-      : cdf_(cdf), cells_(n < kFewest ? 1 : kCells) {
-    int32_t k = 0;
-    for (int32_t cell = 0; cell < cells_; ++cell) {
-      while (k < size - 1 && cdf[k] <= cell * (1.0 / cells_)) ++k;
-      guide_[cell] = static_cast<uint16_t>(k);
+      : cdf_(cdf), last_(size - 1), guided_(n >= kFewest) {
+    for (int32_t k = 0, cell = 0; guided_ && k < size; ++k) {
+      const int32_t end = CellOf(std::min(cdf[k], 1.0));
+      if (end < cell) {  // as those before
+        Cell& shared = guide_[cell - 1];
+        if (shared.count >= 0) shared = {kNever, ~shared.count};
+      }
+      while (cell <= end && cell < kCells) guide_[cell++] = {cdf[k], k};
     }
   }
 
-  int32_t operator()(double u) const {
-    constexpr double kBelowOne = 1 - 0x1p-53;
-    u = u > 0 ? u : 0;  // also of what a user's generator may give
-    u = u < kBelowOne ? u : kBelowOne;
-    int32_t k = guide_[static_cast<int32_t>(u * cells_)];
-    k += cdf_[k] <= u;
-    while (cdf_[k] <= u) [[unlikely]]++ k;
-    return k;
+  // r[i] = least + the least k with F(k) > u[i], for n uniforms.
+  // What a user's generator may give outside [0, 1) counts as the nearest uniform, NaN as the last.
+  void Search(int32_t n, const double* u, int32_t* r, int32_t least) const {
+    if (!guided_) {
+      for (int32_t i = 0; i < n; ++i) {
+        const double* end = std::upper_bound(cdf_, cdf_ + last_, BelowOne(u[i]));
+        Put(r + i, least + static_cast<int32_t>(end - cdf_));
+      }
+      return;
+    }
+    for (int32_t i = 0; i < n; ++i) {
+      const double x = BelowOne(u[i]);
+      const Cell& guide = guide_[CellOf(x)];
+      int64_t k = guide.count + (x >= guide.end);
+      if (k < 0) [[unlikely]] {
+        for (k = ~guide.count; cdf_[k] <= x;) ++k;
+      }
+      Put(r + i, least + static_cast<int32_t>(k));
+    }
   }
 
  private:
-  static constexpr int32_t kCells = 256, kFewest = 48;
+  static constexpr int32_t kCells = 256, kFewest = 24;
+  static constexpr double kNever = 2;  // above all uniforms
+
+  // The first count k in the cell and cdf[k]; ~k and kNever where more than one other is in it.
+  struct Cell {
+    double end;
+    int64_t count;
+  };
+
+  static double BelowOne(double x) { return x < 1 - 0x1p-53 ? x : 1 - 0x1p-53; }
+  static int32_t CellOf(double x) { return static_cast<int32_t>((x > 0 ? x : 0) * kCells); }
+
   const double* const cdf_;
-  const int32_t cells_;
-  uint16_t guide_[kCells];
+  const int32_t last_;
+  const bool guided_;
+  alignas(64) Cell guide_[kCells];
 };
 
 // n numbers at r, each `least` more than what the table gives for one uniform.
@@ -85,7 +111,7 @@ inline int32_t DrawByTable(StreamState* stream, int32_t n, int32_t* r, const dou
     const int32_t m = std::min(left, kBlock);
     status = Generate(stream, m, u, 0.0, 1.0);
     if (status < 0) break;
-    for (int32_t i = 0; i < m; ++i) Put(r + i, least + table(u[i]));
+    table.Search(m, u, r, least);
   }
   return status;
 }

@@ -241,6 +241,94 @@ TEST(PoissonRejection, HatLiesAboveAndTriangleBelow) {
   }
 }
 
+// The largest second uniform with which a candidate of first uniform u becomes the count k; from
+// there on the next candidate is taken, which becomes another.
+double LargestAccepted(const Way& way, double u, int32_t k, double other) {
+  double low = 0, high = 1;
+  for (int i = 0; i < 60; ++i) {
+    Script s;
+    s.values = {u, (low + high) / 2, other, 0};
+    (Drawn(way, Stream(s), 1)[0] == k ? low : high) = (low + high) / 2;
+  }
+  return low;
+}
+
+// ln of the product of ratio(j), j from `from` to k - 1, or of its inverse downward.
+template <class Ratio>
+long double LogProduct(double from, double k, const Ratio& ratio) {
+  long double sum = 0;
+  for (double j = from; j < k; ++j) sum += std::log(static_cast<long double>(ratio(j)));
+  for (double j = k; j < from; ++j) sum -= std::log(static_cast<long double>(ratio(j)));
+  return sum;
+}
+
+TEST(PoissonRejection, AcceptsWithTheExactProbability) {
+  for (const double mean : {27.0, 30.5, 47.25, 300.1, 1e4 + 0.3, 1e6 + 0.9, 1e9}) {
+    const Way way = Poisson("", QUO_METHOD_POISSON_PTPE, mean);
+    const double mode = std::floor(mean), centre = mode + 0.5;
+    const double p1 = std::floor(2.195 * std::sqrt(mode) - 2.2) + 0.5;
+    const double lift = 0.133 + 8.56 / (6.83 + mode), lift_left = 0.109 + 8.25 / (10.86 + mode);
+    const double a = p1 + mean - centre, b = centre + p1 - mean;
+    const double decay_left = a / mean * (1 + a / mean / 2);
+    const double decay_right = b / (centre + p1) * (1 + b / (centre + p1) / 2);
+    const double p4 = p1 * (1 + 2 * lift) + lift_left / decay_left + lift / decay_right;
+    for (const double place : {-0.97, -0.8, -0.4, -0.1, 0.15, 0.5, 0.85, 0.98}) {
+      const double x = centre + place * p1, u = (p1 + (x - centre + p1) * lift) / p4;
+      const double k = std::floor(x), triangle = 1 - std::abs(x - centre) / p1;
+      if (std::abs(x - std::round(x)) < 1e-3) continue;
+      const long double log = LogProduct(
+          mode, k, [mean](double j) { return static_cast<long double>(mean) / (j + 1); });
+      const double exact = static_cast<double>((std::exp(log) - triangle) / lift);
+      if (exact >= 1) continue;  // all are accepted
+      const double seen = LargestAccepted(way, u, static_cast<int32_t>(k), 0);
+      EXPECT_NEAR(seen, exact, 1e-11 + 2e-15 * std::abs(k - mean)) << mean << ", " << k;
+    }
+  }
+}
+
+// In the centre of the hat, where it is the probability of the mode.
+TEST(NegbinomialRejection, AcceptsWithTheExactProbability) {
+  const double successes[][2] = {{1.5, 0.004}, {2.5, 1e-3}, {50.5, 0.05}, {1e3, 0.5},
+                                 {1e6, 0.5},   {1e9, 0.99}, {3.3, 1e-6},  {1e12, 1 - 1e-6}};
+  for (const auto& [a, p] : successes) {
+    const Way way = Negbinomial("", a, p);
+    const long double q = 1 - static_cast<long double>(p);
+    const double mode = std::floor(static_cast<double>((a - 1) * q / p));
+    for (const double u : {0.0, 0.003, 0.01, 0.02, 0.07, 0.13, 0.2, 0.28}) {
+      Script s;
+      s.values = {u, 0};
+      const int32_t k = Drawn(way, Stream(s), 1)[0];
+      const long double log = LogProduct(mode, k, [&, a = a](double j) {
+        return (static_cast<long double>(a) + j) * q / (j + 1);
+      });
+      const double seen = LargestAccepted(way, u, k, 0.4);
+      EXPECT_NEAR(seen, static_cast<double>(std::exp(log)), 1e-11 + 2e-15 * std::abs(k - mode))
+          << a << " " << p << ", " << k;
+    }
+  }
+}
+
+// The masses of the counts below 16 for a < 1, from the uniforms at which the count changes.
+TEST(NegbinomialRejection, HeadHasTheExactMasses) {
+  const double successes[][2] = {{0.9, 1e-3}, {0.5, 1e-4}, {0.1, 1e-6}};
+  for (const auto& [a, p] : successes) {
+    const Way way = Negbinomial("", a, p);
+    double before = 0, first = 0, exact = 1;
+    for (int32_t k = 0; k < 16; ++k) {
+      double low = 0, high = 1;
+      for (int i = 0; i < 60; ++i) {
+        Script s;
+        s.values = {(low + high) / 2, 0};
+        (Drawn(way, Stream(s), 1)[0] <= k ? low : high) = (low + high) / 2;
+      }
+      if (k == 0) first = low;
+      EXPECT_NEAR((low - before) / first, exact, 1e-11) << a << " " << p << ", " << k;
+      before = low;
+      exact *= (a + k) * (1 - p) / (k + 1);
+    }
+  }
+}
+
 // ---- Parameters. ----
 
 TEST(Counts, OfParametersAtAndBeyondTheEnds) {

@@ -6,7 +6,7 @@
 // to xR, and above it a hat of two parallelograms of height c over the triangle's sides and
 // exponential tails outside. A point is drawn uniformly under triangle and hat; in the triangle,
 // three quarters of all, its floor is the count, elsewhere if it falls below the histogram. That
-// the triangle lies below the histogram and the hat above was verified for means from 10 to 10^7.
+// the triangle lies below the histogram and the hat above is tested for means from 27 to 10^6.
 //
 // A block of candidates goes through a pass that stores the counts of the triangle and puts the
 // rest aside, vector functions and two passes that decide on the rest, and one that collects what
@@ -171,7 +171,7 @@ void Decide(int32_t n, const Ptpe& ptpe, double lambda, Aside* aside) {
   }
 }
 
-void Normal(int32_t n, const double* e, int32_t* r, double lambda, double root) {
+void NormalCounts(int32_t n, const double* e, int32_t* r, double lambda, double root) {
   const D d;
   const V mean = hn::Set(d, lambda), deviation = hn::Set(d, root);
   for (int32_t i = 0; i < n; i += static_cast<int32_t>(hn::Lanes(d))) {
@@ -180,7 +180,7 @@ void Normal(int32_t n, const double* e, int32_t* r, double lambda, double root) 
   }
 }
 
-constexpr Passes kPasses = {Sort, Place, LogRatios, Decide, Normal};
+constexpr Passes kPasses = {Sort, Place, LogRatios, Decide, NormalCounts};
 const Passes* PassesOfLevel() { return &kPasses; }
 
 }  // namespace quo::HWY_NAMESPACE
