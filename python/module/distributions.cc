@@ -5,6 +5,10 @@
 #include <cstring>
 #include <limits>
 
+// Null in a library without it.
+extern "C" int32_t _quoiRngPoissonV(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
+                                    const double* lambda) __attribute__((weak));
+
 namespace pexquo::python {
 namespace {
 
@@ -159,6 +163,8 @@ void Distribution::Validate(char type, const double* parameters) const {
     }
   } else if (distribution_->name == "geometric" && 1 - parameters[0] == 1) {
     throw Failure{PyExc_ValueError, Message(0, "above 1.2e-16")};
+  } else if (distribution_->name == "negbinomial" && !(parameters[1] > 0)) {
+    throw Failure{PyExc_ValueError, Message(1, "above 0")};
   }
 }
 
@@ -217,6 +223,21 @@ void Distribution::Fill(StreamState* stream, uint32_t method, int type, npy_intp
   }
   if (type == NPY_INT64) Widen(r, n, shift_);
   if (mirrored_) type == NPY_DOUBLE ? Negate<double>(r, n) : Negate<float>(r, n);
+}
+
+bool Distribution::HasMeansCall(uint32_t method) const {
+  return distribution_->name == "poisson" && method == 1 && _quoiRngPoissonV != nullptr;
+}
+
+void Distribution::FillMeans(StreamState* stream, int type, npy_intp n, char* r,
+                             const double* means) const {
+  char* const drawn = type == NPY_INT64 ? r + 4 * n : r;
+  for (npy_intp done = 0; done < n; done += kMostPerCall) {
+    const auto count = static_cast<int32_t>(std::min(n - done, kMostPerCall));
+    Check(_quoiRngPoissonV(0, stream, count, reinterpret_cast<int32_t*>(drawn) + done, means + done),
+          name_);
+  }
+  if (type == NPY_INT64) Widen(r, n, shift_);
 }
 
 PyObject* Draw(Stream& stream, const Distribution& distribution, PyObject* const* args,
@@ -317,6 +338,9 @@ void DrawEach(Stream& stream, const Distribution& distribution, PyObject* method
   for (npy_intp i = 0; i < n; ++i) distribution.Validate(TypeLetter(type), row(i).data());
   const npy_intp item = PyArray_ITEMSIZE(array);
   const Stream::Access access(stream, n >= kReleaseFrom);
+  if (distribution.HasMeansCall(method)) {
+    return distribution.FillMeans(access.state(), type, n, PyArray_BYTES(array), columns[0]);
+  }
   for (npy_intp i = 0; i < n;) {
     const auto parameters = row(i);
     npy_intp end = i + 1;

@@ -31,6 +31,10 @@ class Distribution {
   // n results at r, of NumPy type NPY_DOUBLE, NPY_FLOAT, NPY_INT32 or NPY_INT64.
   void Fill(StreamState* stream, uint32_t method, int type, npy_intp n, char* r,
             const double* parameters) const;
+  // The Poisson distribution by method "normal" has a call for a mean for each count: n integers of
+  // NPY_INT32 or NPY_INT64.
+  bool HasMeansCall(uint32_t method) const;
+  void FillMeans(StreamState* stream, int type, npy_intp n, char* r, const double* means) const;
   // The NumPy type for a dtype argument (None: the widest). Throws.
   int ResultType(PyObject* dtype) const;
   const quo::Sampler* sampler(char type) const;
