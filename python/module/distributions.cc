@@ -12,7 +12,8 @@ extern "C" int32_t _quoiRngPoissonV(uint32_t method, StreamState* stream, int32_
 namespace pexquo::python {
 namespace {
 
-// A multiple of every block that the distributions draw by, so that the sequence is that of one call.
+// A multiple of every block that the distributions draw by, so that the sequence is that of one
+// call.
 constexpr npy_intp kMostPerCall = npy_intp{1} << 30;
 
 // From here on the time of a fill is well above that of giving the interpreter's lock away.
@@ -95,7 +96,8 @@ void Negate(char* r, npy_intp n) {
 }  // namespace
 
 Distribution::Distribution(std::string name, std::string_view catalogue,
-                           std::vector<std::string> arguments, bool integers, int shift, bool mirrored)
+                           std::vector<std::string> arguments, bool integers, int shift,
+                           bool mirrored)
     : name_(std::move(name)),
       distribution_(quo::FindDistribution(catalogue)),
       arguments_(std::move(arguments)),
@@ -146,8 +148,9 @@ void Distribution::Validate(char type, const double* parameters) const {
       const double p = parameters[i];
       if (p < std::numeric_limits<int32_t>::min() || p > std::numeric_limits<int32_t>::max() ||
           p != std::floor(p)) {
-        throw Failure{PyExc_ValueError, Message(i, "an integer of 32 bits (numpy.random.Generator on "
-                                                   "pexquo.bit_generator(stream) takes wider ones)")};
+        throw Failure{PyExc_ValueError, Message(i,
+                                                "an integer of 32 bits (numpy.random.Generator on "
+                                                "pexquo.bit_generator(stream) takes wider ones)")};
       }
     }
   }
@@ -206,9 +209,10 @@ int Distribution::ResultType(PyObject* dtype) const {
       integers) {
     return type;
   }
-  throw Failure{PyExc_TypeError, name_ + ": dtype must be " +
-                                     (integer_ != nullptr ? "int64 or int32" : "float64 or float32") +
-                                     " in native byte order"};
+  throw Failure{PyExc_TypeError,
+                name_ + ": dtype must be " +
+                    (integer_ != nullptr ? "int64 or int32" : "float64 or float32") +
+                    " in native byte order"};
 }
 
 void Distribution::Fill(StreamState* stream, uint32_t method, int type, npy_intp n, char* r,
@@ -234,8 +238,9 @@ void Distribution::FillMeans(StreamState* stream, int type, npy_intp n, char* r,
   char* const drawn = type == NPY_INT64 ? r + 4 * n : r;
   for (npy_intp done = 0; done < n; done += kMostPerCall) {
     const auto count = static_cast<int32_t>(std::min(n - done, kMostPerCall));
-    Check(_quoiRngPoissonV(0, stream, count, reinterpret_cast<int32_t*>(drawn) + done, means + done),
-          name_);
+    Check(
+        _quoiRngPoissonV(0, stream, count, reinterpret_cast<int32_t*>(drawn) + done, means + done),
+        name_);
   }
   if (type == NPY_INT64) Widen(r, n, shift_);
 }
@@ -261,8 +266,8 @@ PyObject* Draw(Stream& stream, const Distribution& distribution, PyObject* const
         for (Py_ssize_t k = 0; k < parameter_count; ++k) {
           PyTuple_SET_ITEM(tuple, k, Py_NewRef(args[6 + k]));
         }
-        PyObject* result = PyObject_CallFunctionObjArgs(hook, args[0], args[1], args[2],
-                                                        args[3], size, given, tuple, nullptr);
+        PyObject* result = PyObject_CallFunctionObjArgs(hook, args[0], args[1], args[2], args[3],
+                                                        size, given, tuple, nullptr);
         Py_DECREF(tuple);
         if (result == nullptr) Raised();
         return result;
@@ -366,13 +371,13 @@ void DrawMultivariate(Stream& stream, const Distribution& distribution, PyObject
     const auto count = static_cast<int32_t>(std::min(n - done, most));
     char* r = PyArray_BYTES(array) + done * dimension * PyArray_ITEMSIZE(array);
     const auto m = static_cast<int32_t>(dimension);
-    Check(is_double ? _quodRngGaussianMV(method, access.state(), count,
-                                         reinterpret_cast<double*>(r), m, QUO_STORAGE_FULL,
-                                         static_cast<const double*>(a),
-                                         static_cast<const double*>(t))
-                    : _quosRngGaussianMV(method, access.state(), count, reinterpret_cast<float*>(r),
-                                         m, QUO_STORAGE_FULL, static_cast<const float*>(a),
-                                         static_cast<const float*>(t)),
+    Check(is_double
+              ? _quodRngGaussianMV(method, access.state(), count, reinterpret_cast<double*>(r), m,
+                                   QUO_STORAGE_FULL, static_cast<const double*>(a),
+                                   static_cast<const double*>(t))
+              : _quosRngGaussianMV(method, access.state(), count, reinterpret_cast<float*>(r), m,
+                                   QUO_STORAGE_FULL, static_cast<const float*>(a),
+                                   static_cast<const float*>(t)),
           distribution.name());
   }
 }

@@ -12,9 +12,10 @@ namespace pexquo::python {
 // What Python draws: a distribution of the catalogue and how NumPy names and counts.
 class Distribution {
  public:
-  // `name` as messages say it, `arguments` NumPy's names of the catalogue's parameters in their order
-  // (empty where the caller gives a constant); the results are integers, to which `shift` is added,
-  // or floating-point numbers; `mirrored`: the first parameter is negated, and so are the results.
+  // `name` as messages say it, `arguments` NumPy's names of the catalogue's parameters in their
+  // order (empty where the caller gives a constant); the results are integers, to which `shift` is
+  // added, or floating-point numbers; `mirrored`: the first parameter is negated, and so are the
+  // results.
   Distribution(std::string name, std::string_view catalogue, std::vector<std::string> arguments,
                bool integers, int shift, bool mirrored);
 
@@ -52,9 +53,9 @@ class Distribution {
   const quo::Sampler* integer_;
 };
 
-// The results as NumPy's methods return them; args are the stream and the distribution again, dtype,
-// method, size, out and the parameters. Where a parameter is an array, what `hook` returns that is
-// called with the same arguments, the parameters as one tuple.
+// The results as NumPy's methods return them; args are the stream and the distribution again,
+// dtype, method, size, out and the parameters. Where a parameter is an array, what `hook` returns
+// that is called with the same arguments, the parameters as one tuple.
 PyObject* Draw(Stream& stream, const Distribution& distribution, PyObject* const* args,
                Py_ssize_t count, PyObject* hook);
 
