@@ -42,6 +42,7 @@ PyObject* tier_keyword = nullptr;
 PyObject* out_keyword = nullptr;
 PyObject* tier_names[kTiers];
 PyObject* collect_hook = nullptr;
+PyObject* document_hook = nullptr;
 long collectors = 0;  // the interpreter's lock guards it
 
 int FindTier(PyObject* value) {
@@ -209,6 +210,17 @@ PyObject* Collect(PyObject* object, PyObject* const* args, Py_ssize_t count) {
   return nullptr;
 }
 
+// Composed when it is first asked for.
+PyObject* Doc(PyObject* object, void*) {
+  auto* self = reinterpret_cast<Function*>(object);
+  if (self->doc == Py_None && document_hook != nullptr) {
+    PyObject* doc = PyObject_CallOneArg(document_hook, object);
+    if (doc == nullptr) return nullptr;
+    Py_SETREF(self->doc, doc);
+  }
+  return Py_NewRef(self->doc);
+}
+
 PyObject* Nin(PyObject* self, void*) {
   return PyObject_GetAttrString(reinterpret_cast<Function*>(self)->ufuncs[0], "nin");
 }
@@ -234,10 +246,10 @@ PyMemberDef function_members[] = {
     {"__qualname__", T_OBJECT, offsetof(Function, name), READONLY, nullptr},
     {"__module__", T_OBJECT, offsetof(Function, module), READONLY, nullptr},
     {"_catalogue", T_OBJECT, offsetof(Function, catalogue), READONLY, nullptr},
-    {"__doc__", T_OBJECT, offsetof(Function, doc), 0, nullptr},
     {nullptr, 0, 0, 0, nullptr}};
 
 PyGetSetDef function_properties[] = {
+    {"__doc__", Doc, nullptr, nullptr, nullptr},
     {"nin", Nin, nullptr, "The number of arguments.", nullptr},
     {"nout", Nout, nullptr, "The number of results.", nullptr},
     {"types", Types, nullptr, "The loops, as of a NumPy ufunc.", nullptr},
@@ -357,6 +369,11 @@ PyObject* MakeFunctions() {
 
 PyObject* SetCollectHook(PyObject*, PyObject* hook) {
   Py_XSETREF(collect_hook, Py_NewRef(hook));
+  Py_RETURN_NONE;
+}
+
+PyObject* SetDocumentHook(PyObject*, PyObject* hook) {
+  Py_XSETREF(document_hook, Py_NewRef(hook));
   Py_RETURN_NONE;
 }
 

@@ -137,6 +137,7 @@ PyMethodDef plain_functions[] = {
      nullptr},
     {"set_collect_hook", SetCollectHook, METH_O, nullptr},
     {"count_collectors", CountCollectors, METH_O, nullptr},
+    {"set_document_hook", SetDocumentHook, METH_O, nullptr},
     {nullptr, nullptr, 0, nullptr}};
 
 void BindStreams(py::module_& m) {
