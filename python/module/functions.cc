@@ -3,12 +3,12 @@
 #include <structmember.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "python/module/function.h"
+#include "python/module/names.h"
 
 namespace pexquo::python {
 namespace {
@@ -33,9 +33,7 @@ std::string PythonName(std::string_view catalogue) {
   for (const Renamed& r : kRenamed) {
     if (r.catalogue == catalogue) return std::string(r.python);
   }
-  std::string name(catalogue);
-  for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return name;
+  return SmallLetters(catalogue);
 }
 
 PyObject* tier_keyword = nullptr;

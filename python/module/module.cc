@@ -9,6 +9,7 @@
 #define PEXQUO_IMPORTS_NUMPY
 #include "python/module/distributions.h"
 #include "python/module/functions.h"
+#include "python/module/names.h"
 #include "python/module/stream.h"
 // After numpy.h, which includes Python.h as it has to be.
 #include <numpy/random/bitgen.h>
@@ -119,9 +120,7 @@ py::list Rows() {
 py::dict GeneratorTexts() {
   py::dict texts;
   for (const quo::Generator& g : quo::Generators()) {
-    std::string name(g.name);
-    for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    texts[py::str(name)] = py::make_tuple(g.members, std::string(g.what));
+    texts[py::str(SmallLetters(g.name))] = py::make_tuple(g.members, std::string(g.what));
   }
   return texts;
 }
@@ -155,7 +154,7 @@ void BindStreams(py::module_& m) {
       .def("to_bytes", [](Stream& s) { return py::bytes(s.Serialize()); })
       .def("to_file", SaveStream)
       .def_property_readonly("generator",
-                             [](const Stream& s) { return std::string(s.generator()); })
+                             [](const Stream& s) { return SmallLetters(s.generator()); })
       .def_property_readonly("member", &Stream::member)
       .def_property_readonly("raw_words", &Stream::raw_words)
       .def("skip",

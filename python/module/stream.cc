@@ -1,30 +1,21 @@
 #include "python/module/stream.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <cstring>
 
 #include "pexquo/kro.h"
+#include "python/module/names.h"
 
 namespace pexquo::python {
 namespace {
 
 const quo::Generator* FindGenerator(std::string_view name) {
+  const std::string small = SmallLetters(name);
   for (const quo::Generator& g : quo::Generators()) {
-    if (std::ranges::equal(g.name, name, [](unsigned char a, unsigned char b) {
-          return std::tolower(a) == std::tolower(b);
-        })) {
-      return &g;
-    }
+    if (SmallLetters(g.name) == small) return &g;
   }
   return nullptr;
-}
-
-std::string Small(std::string_view name) {
-  std::string small(name);
-  for (char& c : small) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return small;
 }
 
 // The identifier in the scheme of the catalogue; streams of the older one come from files.
@@ -73,13 +64,13 @@ Stream::Stream(std::string_view generator, int64_t member, const std::vector<uin
   const quo::Generator* found = FindGenerator(generator);
   if (found == nullptr) {
     std::string text = "no generator '" + std::string(generator) + "'; there are";
-    for (const quo::Generator& g : quo::Generators()) text += " " + Small(g.name);
+    for (const quo::Generator& g : quo::Generators()) text += " " + SmallLetters(g.name);
     throw Failure{PyExc_ValueError, text};
   }
   if (member < 0 || member >= found->members) {
-    throw Failure{PyExc_ValueError, "member must be from 0 to " +
-                                        std::to_string(found->members - 1) + " for " +
-                                        Small(found->name) + ", not " + std::to_string(member)};
+    throw Failure{PyExc_ValueError,
+                  "member must be from 0 to " + std::to_string(found->members - 1) + " for " +
+                      SmallLetters(found->name) + ", not " + std::to_string(member)};
   }
   const int32_t status = __quoNewStreamEx(&state_, found->id + static_cast<int32_t>(member),
                                           static_cast<int32_t>(seed.size()), seed.data());

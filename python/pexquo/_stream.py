@@ -134,6 +134,8 @@ class Stream(_pexquo.Stream):
     >>> s = pexquo.Stream("mt2203", member=7, seed=[1, 2])
     >>> s
     <pexquo.Stream: mt2203, member 7>
+    >>> s.generator, s.member
+    ('mt2203', 7)
     >>> s.random(3)
     array([0.84660706, 0.43394016, 0.59478664])
     >>> import copy, pickle
@@ -159,9 +161,9 @@ class Stream(_pexquo.Stream):
     # ---- State. ----
 
     def __repr__(self):
-        members = generators()[self.generator.lower()][0]
+        members = generators()[self.generator][0]
         member = f", member {self.member}" if members > 1 else ""
-        return f"<pexquo.Stream: {self.generator.lower()}{member}>"
+        return f"<pexquo.Stream: {self.generator}{member}>"
 
     def __reduce__(self):
         return _restore, (type(self), self.to_bytes())
