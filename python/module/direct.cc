@@ -138,7 +138,7 @@ PyObject* CallDirectly(const Function& function, int tier, PyObject* const* args
   }
   for (int k = 0; k < results; ++k) {
     const auto i = static_cast<size_t>(k);
-    const auto operand = static_cast<size_t>(arguments + k);
+    const size_t operand = static_cast<size_t>(arguments) + i;
     if (made[i] == nullptr) {
       made[i] = PyArray_SimpleNew(PyArray_NDIM(x), PyArray_DIMS(x), loop->types[operand]);
     }

@@ -123,7 +123,7 @@ PyObject* CallWithTier(Function* self, int tier, PyObject* const* args, Py_ssize
   }
   std::vector<PyObject*> values(args, args + positional);
   for (Py_ssize_t i = 0, kept = 0; i < count; ++i) {
-    if (i == at) continue;
+    if (i == at || rest == nullptr) continue;
     PyTuple_SET_ITEM(rest, kept++, Py_NewRef(PyTuple_GET_ITEM(names, i)));
     values.push_back(args[positional + i]);
   }

@@ -18,7 +18,6 @@ namespace pexquo::python {
 namespace {
 
 namespace py = pybind11;
-using py::literals::operator""_a;
 
 void SetException(const Failure& failure) {
   if (failure.type != nullptr) PyErr_SetString(failure.type, failure.text.c_str());
@@ -103,9 +102,9 @@ py::dict Row(const pex::Function& f, bool complex) {
           tier == pex::Tier::EP ? entry->precision().ep_bits : entry->ulp_bound();
     }
   }
-  return py::dict("name"_a = std::string(f.name), "group"_a = std::string(f.group),
-                  "formula"_a = std::string(f.formula), "notes"_a = std::string(f.notes),
-                  "bounds"_a = bounds);
+  return py::dict(py::arg("name") = std::string(f.name), py::arg("group") = std::string(f.group),
+                  py::arg("formula") = std::string(f.formula),
+                  py::arg("notes") = std::string(f.notes), py::arg("bounds") = bounds);
 }
 
 py::list Rows() {
@@ -150,7 +149,7 @@ void BindStreams(py::module_& m) {
       .def(py::init<std::string_view, int64_t, const std::vector<uint32_t>&>())
       .def(py::init(
           [](const py::bytes& bytes) { return std::make_unique<Stream>(std::string_view(bytes)); }))
-      .def(py::init(&LoadStream), py::kw_only(), "path"_a)
+      .def(py::init(&LoadStream), py::kw_only(), py::arg("path"))
       .def("to_bytes", [](Stream& s) { return py::bytes(s.Serialize()); })
       .def("to_file", SaveStream)
       .def_property_readonly("generator",
@@ -171,8 +170,8 @@ void BindStreams(py::module_& m) {
 
   py::class_<Distribution>(m, "Distribution")
       .def(py::init<std::string, std::string_view, std::vector<std::string>, bool, int, bool>(),
-           "name"_a, "catalogue"_a, "arguments"_a, "integers"_a = false, "shift"_a = 0,
-           "mirrored"_a = false)
+           py::arg("name"), py::arg("catalogue"), py::arg("arguments"), py::arg("integers") = false,
+           py::arg("shift") = 0, py::arg("mirrored") = false)
       .def("result_type", [](const Distribution& d, const py::object& dtype) {
         return py::reinterpret_steal<py::object>(
             reinterpret_cast<PyObject*>(PyArray_DescrFromType(d.ResultType(dtype.ptr()))));
@@ -205,6 +204,7 @@ int ImportNumpy() {
 PYBIND11_MODULE(_pexquo, m) {
   using namespace pexquo::python;
   if (ImportNumpy() < 0) throw pybind11::error_already_set();
+  // NOLINTNEXTLINE(performance-unnecessary-value-param): the type that pybind11 calls
   pybind11::register_exception_translator([](std::exception_ptr pointer) {
     try {
       if (pointer) std::rethrow_exception(pointer);
