@@ -2,9 +2,14 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include <atomic>
+#include <memory>
+#include <thread>
+
 #define PEXQUO_IMPORTS_NUMPY
 #include "python/module/distributions.h"
 #include "python/module/functions.h"
+#include "python/module/names.h"
 #include "python/module/stream.h"
 // After numpy.h, which includes Python.h as it has to be.
 #include <numpy/random/bitgen.h>
@@ -13,7 +18,6 @@ namespace pexquo::python {
 namespace {
 
 namespace py = pybind11;
-using py::literals::operator""_a;
 
 void SetException(const Failure& failure) {
   if (failure.type != nullptr) PyErr_SetString(failure.type, failure.text.c_str());
@@ -61,10 +65,29 @@ void Attach(const py::capsule& capsule, Stream& stream) {
   *generator = {&stream, NextTwoWords, NextWord, NextDouble, NextRaw};
 }
 
-// The stream's lock as an object for `with`.
-struct Lock {
-  py::object owner;
-  Stream* stream;
+// The stream's lock as an object for `with`, in one thread or several at a time.
+class Lock {
+ public:
+  explicit Lock(py::object owner) : owner_(std::move(owner)), stream_(py::cast<Stream&>(owner_)) {}
+  bool Acquire() {
+    stream_.Lock();
+    holder_ = std::this_thread::get_id();
+    ++depth_;
+    return true;
+  }
+  void Release() {
+    if (holder_ != std::this_thread::get_id()) {
+      throw Failure{PyExc_RuntimeError, "the stream's lock is not held by this thread"};
+    }
+    if (--depth_ == 0) holder_ = std::thread::id();
+    stream_.Unlock();
+  }
+
+ private:
+  py::object owner_;
+  Stream& stream_;
+  std::atomic<std::thread::id> holder_;
+  int depth_ = 0;
 };
 
 // ---- What the documentation of the functions is made of. ----
@@ -79,9 +102,9 @@ py::dict Row(const pex::Function& f, bool complex) {
           tier == pex::Tier::EP ? entry->precision().ep_bits : entry->ulp_bound();
     }
   }
-  return py::dict("name"_a = std::string(f.name), "group"_a = std::string(f.group),
-                  "formula"_a = std::string(f.formula), "notes"_a = std::string(f.notes),
-                  "bounds"_a = bounds);
+  return py::dict(py::arg("name") = std::string(f.name), py::arg("group") = std::string(f.group),
+                  py::arg("formula") = std::string(f.formula),
+                  py::arg("notes") = std::string(f.notes), py::arg("bounds") = bounds);
 }
 
 py::list Rows() {
@@ -96,9 +119,7 @@ py::list Rows() {
 py::dict GeneratorTexts() {
   py::dict texts;
   for (const quo::Generator& g : quo::Generators()) {
-    std::string name(g.name);
-    for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    texts[py::str(name)] = py::make_tuple(g.members, std::string(g.what));
+    texts[py::str(SmallLetters(g.name))] = py::make_tuple(g.members, std::string(g.what));
   }
   return texts;
 }
@@ -114,32 +135,25 @@ PyMethodDef plain_functions[] = {
      nullptr},
     {"set_collect_hook", SetCollectHook, METH_O, nullptr},
     {"count_collectors", CountCollectors, METH_O, nullptr},
+    {"set_document_hook", SetDocumentHook, METH_O, nullptr},
     {nullptr, nullptr, 0, nullptr}};
 
 void BindStreams(py::module_& m) {
   py::class_<Lock>(m, "Lock", "The lock of a stream, as `with` takes it.")
-      .def("__enter__",
-           [](Lock& lock) {
-             lock.stream->Lock();
-             return true;
-           })
-      .def("__exit__", [](Lock& lock, const py::args&) { lock.stream->Unlock(); })
-      .def("acquire",
-           [](Lock& lock) {
-             lock.stream->Lock();
-             return true;
-           })
-      .def("release", [](Lock& lock) { lock.stream->Unlock(); });
+      .def("__enter__", &Lock::Acquire)
+      .def("__exit__", [](Lock& lock, const py::args&) { lock.Release(); })
+      .def("acquire", &Lock::Acquire)
+      .def("release", &Lock::Release);
 
   py::class_<Stream>(m, "Stream")
       .def(py::init<std::string_view, int64_t, const std::vector<uint32_t>&>())
-      .def(py::init([](const py::bytes& bytes) {
-        return std::make_unique<Stream>(std::string_view(bytes));
-      }))
-      .def(py::init(&LoadStream), py::kw_only(), "path"_a)
+      .def(py::init(
+          [](const py::bytes& bytes) { return std::make_unique<Stream>(std::string_view(bytes)); }))
+      .def(py::init(&LoadStream), py::kw_only(), py::arg("path"))
       .def("to_bytes", [](Stream& s) { return py::bytes(s.Serialize()); })
       .def("to_file", SaveStream)
-      .def_property_readonly("generator", [](const Stream& s) { return std::string(s.generator()); })
+      .def_property_readonly("generator",
+                             [](const Stream& s) { return SmallLetters(s.generator()); })
       .def_property_readonly("member", &Stream::member)
       .def_property_readonly("raw_words", &Stream::raw_words)
       .def("skip",
@@ -152,12 +166,12 @@ void BindStreams(py::module_& m) {
              const Stream::Access access(s, true);
              Check(__quoLeapfrogStream(access.state(), k, streams), "leapfrog");
            })
-      .def("lock", [](const py::object& self) { return Lock{self, &py::cast<Stream&>(self)}; });
+      .def("lock", [](py::object self) { return std::make_unique<Lock>(std::move(self)); });
 
   py::class_<Distribution>(m, "Distribution")
       .def(py::init<std::string, std::string_view, std::vector<std::string>, bool, int, bool>(),
-           "name"_a, "catalogue"_a, "arguments"_a, "integers"_a = false, "shift"_a = 0,
-           "mirrored"_a = false)
+           py::arg("name"), py::arg("catalogue"), py::arg("arguments"), py::arg("integers") = false,
+           py::arg("shift") = 0, py::arg("mirrored") = false)
       .def("result_type", [](const Distribution& d, const py::object& dtype) {
         return py::reinterpret_steal<py::object>(
             reinterpret_cast<PyObject*>(PyArray_DescrFromType(d.ResultType(dtype.ptr()))));
@@ -173,9 +187,8 @@ void BindStreams(py::module_& m) {
           DrawMultivariate(stream, distribution, method.ptr(), mean.ptr(), factor.ptr(), out.ptr());
         });
   m.def("draw_raw", [](Stream& stream, const py::object& out) { DrawRaw(stream, out.ptr()); });
-  m.def("set_broadcast_hook", [](const py::object& hook) {
-    Py_XSETREF(broadcast_hook, Py_NewRef(hook.ptr()));
-  });
+  m.def("set_broadcast_hook",
+        [](const py::object& hook) { Py_XSETREF(broadcast_hook, Py_NewRef(hook.ptr())); });
   m.def("attach", Attach);
 }
 
@@ -191,6 +204,7 @@ int ImportNumpy() {
 PYBIND11_MODULE(_pexquo, m) {
   using namespace pexquo::python;
   if (ImportNumpy() < 0) throw pybind11::error_already_set();
+  // NOLINTNEXTLINE(performance-unnecessary-value-param): the type that pybind11 calls
   pybind11::register_exception_translator([](std::exception_ptr pointer) {
     try {
       if (pointer) std::rethrow_exception(pointer);

@@ -1,30 +1,21 @@
 #include "python/module/stream.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <cstring>
 
 #include "pexquo/kro.h"
+#include "python/module/names.h"
 
 namespace pexquo::python {
 namespace {
 
 const quo::Generator* FindGenerator(std::string_view name) {
+  const std::string small = SmallLetters(name);
   for (const quo::Generator& g : quo::Generators()) {
-    if (std::ranges::equal(g.name, name, [](unsigned char a, unsigned char b) {
-          return std::tolower(a) == std::tolower(b);
-        })) {
-      return &g;
-    }
+    if (SmallLetters(g.name) == small) return &g;
   }
   return nullptr;
-}
-
-std::string Small(std::string_view name) {
-  std::string small(name);
-  for (char& c : small) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return small;
 }
 
 // The identifier in the scheme of the catalogue; streams of the older one come from files.
@@ -73,13 +64,13 @@ Stream::Stream(std::string_view generator, int64_t member, const std::vector<uin
   const quo::Generator* found = FindGenerator(generator);
   if (found == nullptr) {
     std::string text = "no generator '" + std::string(generator) + "'; there are";
-    for (const quo::Generator& g : quo::Generators()) text += " " + Small(g.name);
+    for (const quo::Generator& g : quo::Generators()) text += " " + SmallLetters(g.name);
     throw Failure{PyExc_ValueError, text};
   }
   if (member < 0 || member >= found->members) {
-    throw Failure{PyExc_ValueError, "member must be from 0 to " +
-                                        std::to_string(found->members - 1) + " for " +
-                                        Small(found->name) + ", not " + std::to_string(member)};
+    throw Failure{PyExc_ValueError,
+                  "member must be from 0 to " + std::to_string(found->members - 1) + " for " +
+                      SmallLetters(found->name) + ", not " + std::to_string(member)};
   }
   const int32_t status = __quoNewStreamEx(&state_, found->id + static_cast<int32_t>(member),
                                           static_cast<int32_t>(seed.size()), seed.data());
@@ -173,8 +164,12 @@ Stream::Access::~Access() {
 
 std::string Stream::Serialize() {
   const Access access(*this, false);
-  FileHeader header = {"RNG", 16, static_cast<uint16_t>(state_bytes()),
-                       static_cast<uint16_t>(__quoGetNumChunks(state_)), 0, state_->id};
+  FileHeader header = {"RNG",
+                       16,
+                       static_cast<uint16_t>(state_bytes()),
+                       static_cast<uint16_t>(__quoGetNumChunks(state_)),
+                       0,
+                       state_->id};
   std::string bytes(reinterpret_cast<const char*>(&header), sizeof header);
   bytes.append(reinterpret_cast<const char*>(state_) + 16, state_bytes());
   for (const StreamChunk* c = state_->chunks; c != nullptr; c = c->next) {
@@ -203,8 +198,7 @@ int32_t Stream::Words(int32_t n, uint32_t* words) {
   }
   if (properties_.WordBytes == 8) {
     std::vector<uint64_t> raw(count);
-    const int32_t status =
-        properties_.iBRng(state_, n, reinterpret_cast<uint32_t*>(raw.data()));
+    const int32_t status = properties_.iBRng(state_, n, reinterpret_cast<uint32_t*>(raw.data()));
     for (size_t i = 0; i < count; ++i) {
       words[i] = static_cast<uint32_t>(raw[i] >> (properties_.BitCount - 32));
     }
@@ -245,10 +239,11 @@ std::unique_ptr<Stream> LoadStream(const std::string& path) {
     case QUO_READ_FAILED:
     case QUO_BAD_FILE:
     case QUO_BAD_FILE_FORMAT:
-      throw Failure{PyExc_ValueError, "'" + path + "' is " +
-                                          (status == QUO_READ_FAILED ? "cut short"
-                                           : status == QUO_BAD_FILE ? "not a stream file"
-                                                                    : "a stream file of another format")};
+      throw Failure{PyExc_ValueError,
+                    "'" + path + "' is " +
+                        (status == QUO_READ_FAILED ? "cut short"
+                         : status == QUO_BAD_FILE  ? "not a stream file"
+                                                   : "a stream file of another format")};
   }
   Check(status, "load");
   return std::make_unique<Stream>(state);

@@ -134,6 +134,8 @@ class Stream(_pexquo.Stream):
     >>> s = pexquo.Stream("mt2203", member=7, seed=[1, 2])
     >>> s
     <pexquo.Stream: mt2203, member 7>
+    >>> s.generator, s.member
+    ('mt2203', 7)
     >>> s.random(3)
     array([0.84660706, 0.43394016, 0.59478664])
     >>> import copy, pickle
@@ -159,9 +161,9 @@ class Stream(_pexquo.Stream):
     # ---- State. ----
 
     def __repr__(self):
-        members = generators()[self.generator.lower()][0]
+        members = generators()[self.generator][0]
         member = f", member {self.member}" if members > 1 else ""
-        return f"<pexquo.Stream: {self.generator.lower()}{member}>"
+        return f"<pexquo.Stream: {self.generator}{member}>"
 
     def __reduce__(self):
         return _restore, (type(self), self.to_bytes())
@@ -436,9 +438,15 @@ class Stream(_pexquo.Stream):
 
     if _POISSON is not None:
 
-        def poisson(self, lam=1.0, size=None, *, dtype=np.int64, out=None):
-            """Poisson with mean lam."""
-            return _draw(self, _POISSON, dtype, None, size, out, lam)
+        def poisson(
+            self, lam=1.0, size=None, *, dtype=np.int64, method="ptpe", out=None
+        ):
+            """Poisson with mean lam.
+
+            Method "ptpe" is exact; "normal" takes one uniform a count and approximates it by a
+            normal number from lam = 27 on, which serves arrays of many means best.
+            """
+            return _draw(self, _POISSON, dtype, method, size, out, lam)
 
     if _HYPERGEOMETRIC is not None:
 
