@@ -274,6 +274,9 @@ const Refused kRefused[] = {
 #ifdef PEXQUO_HAS_POISSON
     REFUSED(QUO_BAD_MEAN, quoiRngPoisson(0, s, 4, ri, 0)),
     REFUSED(QUO_BAD_MEAN, quoiRngPoisson(0, s, 4, ri, -1)),
+    REFUSED(QUO_BAD_MEAN, quoiRngPoisson(0, s, 4, ri, 0x1p31)),
+    REFUSED(QUO_UNKNOWN_METHOD, quoiRngPoisson(2, s, 4, ri, 3)),
+    REFUSED(QUO_UNKNOWN_METHOD, quoiRngPoissonV(1, s, 1, ri, kIdentity)),
     REFUSED(QUO_NOT_FINITE, quoiRngPoisson(0, s, 4, ri, kInf)),
     REFUSED(QUO_NULL_ARRAY, quoiRngPoissonV(0, s, 4, ri, nullptr)),
     REFUSED(QUO_BAD_MEAN, quoiRngPoissonV(0, s, 2, ri, kMean)),
@@ -335,6 +338,8 @@ TEST(Parameters, AtTheEdgeAreAccepted) {
 #ifdef PEXQUO_HAS_POISSON
   EXPECT_EQ(quoiRngPoisson(0, s, 4, ri, 5e-324), QUO_OK);
   EXPECT_EQ(ri[0] + ri[1] + ri[2] + ri[3], 0);
+  EXPECT_EQ(quoiRngPoisson(1, s, 4, ri, INT32_MAX), QUO_OK);
+  EXPECT_EQ(quoiRngNegbinomial(0, s, 4, ri, 0.5, 1e-20), QUO_OK);
   EXPECT_EQ(quoiRngNegbinomial(0, s, 4, ri, 0.5, 1), QUO_OK);
   EXPECT_EQ(ri[0] + ri[1] + ri[2] + ri[3], 0);
 #endif
