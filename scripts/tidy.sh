@@ -14,7 +14,7 @@ if [[ ! -f "$build/compile_commands.json" ]]; then
 fi
 files=("$@")
 if ((${#files[@]} == 0)); then
-  mapfile -t files < <(find catalogue cli kro pex_core quo_sub_kernel quo_kernel gen accuracy bench \
+  mapfile -t files < <(find catalogue cli kro pex_core python quo_sub_kernel quo_kernel gen accuracy bench \
     tests -name '*.cc' 2>/dev/null | sort)
 fi
 # A warning flag of the other compiler is no finding.

@@ -48,7 +48,8 @@ PyObject* CallOnNumber(const Function& function, const Loop& loop, double x) {
   if (loop.results == 1) return NewDouble(results[0]);
   PyObject* first = NewDouble(results[0]);
   PyObject* second = NewDouble(results[1]);
-  PyObject* tuple = first == nullptr || second == nullptr ? nullptr : PyTuple_Pack(2, first, second);
+  PyObject* tuple =
+      first == nullptr || second == nullptr ? nullptr : PyTuple_Pack(2, first, second);
   Py_XDECREF(first);
   Py_XDECREF(second);
   return tuple;
@@ -66,13 +67,13 @@ bool SameShape(PyArrayObject* a, PyArrayObject* b) {
          PyArray_CompareLists(PyArray_DIMS(a), PyArray_DIMS(b), PyArray_NDIM(a));
 }
 
-// Whether results at r may be written while arguments at a are read: element by element in place, or
-// well apart.
+// Whether results at r may be written while arguments at a are read: element by element in place,
+// or well apart.
 bool MayWrite(PyArrayObject* r, PyArrayObject* a) {
   const char* const r0 = PyArray_BYTES(r);
   const char* const a0 = PyArray_BYTES(a);
-  return (r0 == a0 && PyArray_ITEMSIZE(r) == PyArray_ITEMSIZE(a)) ||
-         r0 + PyArray_NBYTES(r) <= a0 || a0 + PyArray_NBYTES(a) <= r0;
+  return (r0 == a0 && PyArray_ITEMSIZE(r) == PyArray_ITEMSIZE(a)) || r0 + PyArray_NBYTES(r) <= a0 ||
+         a0 + PyArray_NBYTES(a) <= r0;
 }
 
 // A second argument that is a number, for an array of doubles.

@@ -5,10 +5,15 @@
 #include <cstring>
 #include <limits>
 
+// Null in a library without it.
+extern "C" int32_t _quoiRngPoissonV(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
+                                    const double* lambda) __attribute__((weak));
+
 namespace pexquo::python {
 namespace {
 
-// A multiple of every block that the distributions draw by, so that the sequence is that of one call.
+// A multiple of every block that the distributions draw by, so that the sequence is that of one
+// call.
 constexpr npy_intp kMostPerCall = npy_intp{1} << 30;
 
 // From here on the time of a fill is well above that of giving the interpreter's lock away.
@@ -91,7 +96,8 @@ void Negate(char* r, npy_intp n) {
 }  // namespace
 
 Distribution::Distribution(std::string name, std::string_view catalogue,
-                           std::vector<std::string> arguments, bool integers, int shift, bool mirrored)
+                           std::vector<std::string> arguments, bool integers, int shift,
+                           bool mirrored)
     : name_(std::move(name)),
       distribution_(quo::FindDistribution(catalogue)),
       arguments_(std::move(arguments)),
@@ -142,8 +148,9 @@ void Distribution::Validate(char type, const double* parameters) const {
       const double p = parameters[i];
       if (p < std::numeric_limits<int32_t>::min() || p > std::numeric_limits<int32_t>::max() ||
           p != std::floor(p)) {
-        throw Failure{PyExc_ValueError, Message(i, "an integer of 32 bits (numpy.random.Generator on "
-                                                   "pexquo.bit_generator(stream) takes wider ones)")};
+        throw Failure{PyExc_ValueError, Message(i,
+                                                "an integer of 32 bits (numpy.random.Generator on "
+                                                "pexquo.bit_generator(stream) takes wider ones)")};
       }
     }
   }
@@ -159,6 +166,8 @@ void Distribution::Validate(char type, const double* parameters) const {
     }
   } else if (distribution_->name == "geometric" && 1 - parameters[0] == 1) {
     throw Failure{PyExc_ValueError, Message(0, "above 1.2e-16")};
+  } else if (distribution_->name == "negbinomial" && !(parameters[1] > 0)) {
+    throw Failure{PyExc_ValueError, Message(1, "above 0")};
   }
 }
 
@@ -200,9 +209,10 @@ int Distribution::ResultType(PyObject* dtype) const {
       integers) {
     return type;
   }
-  throw Failure{PyExc_TypeError, name_ + ": dtype must be " +
-                                     (integer_ != nullptr ? "int64 or int32" : "float64 or float32") +
-                                     " in native byte order"};
+  throw Failure{PyExc_TypeError,
+                name_ + ": dtype must be " +
+                    (integer_ != nullptr ? "int64 or int32" : "float64 or float32") +
+                    " in native byte order"};
 }
 
 void Distribution::Fill(StreamState* stream, uint32_t method, int type, npy_intp n, char* r,
@@ -217,6 +227,22 @@ void Distribution::Fill(StreamState* stream, uint32_t method, int type, npy_intp
   }
   if (type == NPY_INT64) Widen(r, n, shift_);
   if (mirrored_) type == NPY_DOUBLE ? Negate<double>(r, n) : Negate<float>(r, n);
+}
+
+bool Distribution::HasMeansCall(uint32_t method) const {
+  return distribution_->name == "poisson" && method == 1 && _quoiRngPoissonV != nullptr;
+}
+
+void Distribution::FillMeans(StreamState* stream, int type, npy_intp n, char* r,
+                             const double* means) const {
+  char* const drawn = type == NPY_INT64 ? r + 4 * n : r;
+  for (npy_intp done = 0; done < n; done += kMostPerCall) {
+    const auto count = static_cast<int32_t>(std::min(n - done, kMostPerCall));
+    Check(
+        _quoiRngPoissonV(0, stream, count, reinterpret_cast<int32_t*>(drawn) + done, means + done),
+        name_);
+  }
+  if (type == NPY_INT64) Widen(r, n, shift_);
 }
 
 PyObject* Draw(Stream& stream, const Distribution& distribution, PyObject* const* args,
@@ -240,8 +266,8 @@ PyObject* Draw(Stream& stream, const Distribution& distribution, PyObject* const
         for (Py_ssize_t k = 0; k < parameter_count; ++k) {
           PyTuple_SET_ITEM(tuple, k, Py_NewRef(args[6 + k]));
         }
-        PyObject* result = PyObject_CallFunctionObjArgs(hook, args[0], args[1], args[2],
-                                                        args[3], size, given, tuple, nullptr);
+        PyObject* result = PyObject_CallFunctionObjArgs(hook, args[0], args[1], args[2], args[3],
+                                                        size, given, tuple, nullptr);
         Py_DECREF(tuple);
         if (result == nullptr) Raised();
         return result;
@@ -317,6 +343,9 @@ void DrawEach(Stream& stream, const Distribution& distribution, PyObject* method
   for (npy_intp i = 0; i < n; ++i) distribution.Validate(TypeLetter(type), row(i).data());
   const npy_intp item = PyArray_ITEMSIZE(array);
   const Stream::Access access(stream, n >= kReleaseFrom);
+  if (distribution.HasMeansCall(method)) {
+    return distribution.FillMeans(access.state(), type, n, PyArray_BYTES(array), columns[0]);
+  }
   for (npy_intp i = 0; i < n;) {
     const auto parameters = row(i);
     npy_intp end = i + 1;
@@ -342,13 +371,13 @@ void DrawMultivariate(Stream& stream, const Distribution& distribution, PyObject
     const auto count = static_cast<int32_t>(std::min(n - done, most));
     char* r = PyArray_BYTES(array) + done * dimension * PyArray_ITEMSIZE(array);
     const auto m = static_cast<int32_t>(dimension);
-    Check(is_double ? _quodRngGaussianMV(method, access.state(), count,
-                                         reinterpret_cast<double*>(r), m, QUO_STORAGE_FULL,
-                                         static_cast<const double*>(a),
-                                         static_cast<const double*>(t))
-                    : _quosRngGaussianMV(method, access.state(), count, reinterpret_cast<float*>(r),
-                                         m, QUO_STORAGE_FULL, static_cast<const float*>(a),
-                                         static_cast<const float*>(t)),
+    Check(is_double
+              ? _quodRngGaussianMV(method, access.state(), count, reinterpret_cast<double*>(r), m,
+                                   QUO_STORAGE_FULL, static_cast<const double*>(a),
+                                   static_cast<const double*>(t))
+              : _quosRngGaussianMV(method, access.state(), count, reinterpret_cast<float*>(r), m,
+                                   QUO_STORAGE_FULL, static_cast<const float*>(a),
+                                   static_cast<const float*>(t)),
           distribution.name());
   }
 }

@@ -12,9 +12,10 @@ namespace pexquo::python {
 // What Python draws: a distribution of the catalogue and how NumPy names and counts.
 class Distribution {
  public:
-  // `name` as messages say it, `arguments` NumPy's names of the catalogue's parameters in their order
-  // (empty where the caller gives a constant); the results are integers, to which `shift` is added,
-  // or floating-point numbers; `mirrored`: the first parameter is negated, and so are the results.
+  // `name` as messages say it, `arguments` NumPy's names of the catalogue's parameters in their
+  // order (empty where the caller gives a constant); the results are integers, to which `shift` is
+  // added, or floating-point numbers; `mirrored`: the first parameter is negated, and so are the
+  // results.
   Distribution(std::string name, std::string_view catalogue, std::vector<std::string> arguments,
                bool integers, int shift, bool mirrored);
 
@@ -31,6 +32,10 @@ class Distribution {
   // n results at r, of NumPy type NPY_DOUBLE, NPY_FLOAT, NPY_INT32 or NPY_INT64.
   void Fill(StreamState* stream, uint32_t method, int type, npy_intp n, char* r,
             const double* parameters) const;
+  // The Poisson distribution by method "normal" has a call for a mean for each count: n integers of
+  // NPY_INT32 or NPY_INT64.
+  bool HasMeansCall(uint32_t method) const;
+  void FillMeans(StreamState* stream, int type, npy_intp n, char* r, const double* means) const;
   // The NumPy type for a dtype argument (None: the widest). Throws.
   int ResultType(PyObject* dtype) const;
   const quo::Sampler* sampler(char type) const;
@@ -48,9 +53,9 @@ class Distribution {
   const quo::Sampler* integer_;
 };
 
-// The results as NumPy's methods return them; args are the stream and the distribution again, dtype,
-// method, size, out and the parameters. Where a parameter is an array, what `hook` returns that is
-// called with the same arguments, the parameters as one tuple.
+// The results as NumPy's methods return them; args are the stream and the distribution again,
+// dtype, method, size, out and the parameters. Where a parameter is an array, what `hook` returns
+// that is called with the same arguments, the parameters as one tuple.
 PyObject* Draw(Stream& stream, const Distribution& distribution, PyObject* const* args,
                Py_ssize_t count, PyObject* hook);
 

@@ -12,11 +12,13 @@ constexpr uint32_t kFlagOfCode[] = {0, kInvalid, kDivide, kOverflow, kUnderflow}
 
 thread_local ErrorScope* innermost = nullptr;
 
-// What the arithmetic of IEEE 754 calls the element. Powers call their poles domain errors, and division
-// every zero divisor a pole; an infinity of an infinity is exact, and a NaN of a NaN no news.
+// What the arithmetic of IEEE 754 calls the element. Powers call their poles domain errors, and
+// division every zero divisor a pole; an infinity of an infinity is exact, and a NaN of a NaN no
+// news.
 int32_t CodeOf(const PexErrorContext& record) {
   if (record.code == PEX_STATUS_OVERFLOW || record.code == PEX_STATUS_UNDERFLOW) return record.code;
-  if (record.code != PEX_STATUS_DOMAIN && record.code != PEX_STATUS_SINGULARITY) return PEX_STATUS_OK;
+  if (record.code != PEX_STATUS_DOMAIN && record.code != PEX_STATUS_SINGULARITY)
+    return PEX_STATUS_OK;
   if (std::isinf(record.res1)) {
     return std::isinf(record.arg1) ? PEX_STATUS_OK : PEX_STATUS_SINGULARITY;
   }
@@ -25,8 +27,8 @@ int32_t CodeOf(const PexErrorContext& record) {
 
 }  // namespace
 
-// The callback stays with a thread that has none and the default mode: outside of every scope it does
-// nothing, so that the thread's C code sees the default. Others get back what they had.
+// The callback stays with a thread that has none and the default mode: outside of every scope it
+// does nothing, so that the thread's C code sees the default. Others get back what they had.
 ErrorScope::ErrorScope(std::vector<ElementError>* errors) : errors_(errors), outer_(innermost) {
   mode_ = _pexGetMode();
   callback_ = _pexGetErrorCallBack();
@@ -59,9 +61,7 @@ void ErrorScope::Note(int32_t code, int64_t index) {
   if (errors_ != nullptr) errors_->push_back({code, base_ + index});
 }
 
-uint32_t RaisedFlags() {
-  return _mm_getcsr() & (kInvalid | kDivide | kOverflow | kUnderflow);
-}
+uint32_t RaisedFlags() { return _mm_getcsr() & (kInvalid | kDivide | kOverflow | kUnderflow); }
 
 // A write of the register costs more than the test.
 void ClearFlags() {

@@ -15,9 +15,9 @@ struct ElementError {
   int64_t index;  // of the element in the call
 };
 
-// While it lives, the kernels of this thread report to it and to nothing else; the thread's mode and
-// callback are then as they were. Ends by raising the flags of the errors seen, overflow included,
-// for NumPy to turn into warnings.
+// While it lives, the kernels of this thread report to it and to nothing else; the thread's mode
+// and callback are then as they were. Ends by raising the flags of the errors seen, overflow
+// included, for NumPy to turn into warnings.
 class ErrorScope {
  public:
   // `errors`, where not null, receives the errors one by one.
@@ -44,8 +44,9 @@ class ErrorScope {
   bool restores_ = false;  // mode_ and callback_, at the end
 };
 
-// The status code that the exception flags raised since the last ClearFlags() stand for, 0 for none:
-// a pole before a domain error, as 0/0 beside x/0 in a complex quotient; then overflow, underflow.
+// The status code that the exception flags raised since the last ClearFlags() stand for, 0 for
+// none: a pole before a domain error, as 0/0 beside x/0 in a complex quotient; then overflow,
+// underflow.
 void ClearFlags();
 uint32_t RaisedFlags();  // invalid, divide-by-zero, overflow and underflow, as bits of MXCSR
 void RaiseFlags(uint32_t flags);

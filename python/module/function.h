@@ -16,8 +16,11 @@ inline constexpr int kTiers = 3;
 
 // Place of a type number among float, double and their complex numbers; -1 of any other.
 constexpr int TypeSlot(int type) {
-  return type == NPY_FLOAT ? 0 : type == NPY_DOUBLE ? 1 : type == NPY_CFLOAT ? 2
-                                                      : type == NPY_CDOUBLE ? 3 : -1;
+  return type == NPY_FLOAT     ? 0
+         : type == NPY_DOUBLE  ? 1
+         : type == NPY_CFLOAT  ? 2
+         : type == NPY_CDOUBLE ? 3
+                               : -1;
 }
 
 // A ufunc reads these for as long as the process lives.
@@ -31,8 +34,7 @@ struct Tables {
 };
 
 struct Function {
-  PyObject_HEAD
-  vectorcallfunc vectorcall;
+  PyObject_HEAD vectorcallfunc vectorcall;
   PyObject* name;
   PyObject* catalogue;  // the catalogue's name
   PyObject* doc;

@@ -21,11 +21,11 @@ struct Renamed {
   std::string_view catalogue, python;
 };
 constexpr Renamed kRenamed[] = {
-    {"Sub", "subtract"},     {"Mul", "multiply"},      {"Sqr", "square"},    {"Abs", "absolute"},
+    {"Sub", "subtract"},     {"Mul", "multiply"},  {"Sqr", "square"},     {"Abs", "absolute"},
     {"Round", "round_away"},  // numpy.round takes ties to even
-    {"Ln", "log"},           {"Pow", "power"},         {"Inv", "reciprocal"}, {"Div", "divide"},
-    {"Acos", "arccos"},      {"Asin", "arcsin"},       {"Atan", "arctan"},   {"Atan2", "arctan2"},
-    {"Acosh", "arccosh"},    {"Asinh", "arcsinh"},     {"Atanh", "arctanh"}, {"Conj", "conjugate"},
+    {"Ln", "log"},           {"Pow", "power"},     {"Inv", "reciprocal"}, {"Div", "divide"},
+    {"Acos", "arccos"},      {"Asin", "arcsin"},   {"Atan", "arctan"},    {"Atan2", "arctan2"},
+    {"Acosh", "arccosh"},    {"Asinh", "arcsinh"}, {"Atanh", "arctanh"},  {"Conj", "conjugate"},
     {"Arg", "angle"},
 };
 
@@ -42,6 +42,7 @@ PyObject* tier_keyword = nullptr;
 PyObject* out_keyword = nullptr;
 PyObject* tier_names[kTiers];
 PyObject* collect_hook = nullptr;
+PyObject* document_hook = nullptr;
 long collectors = 0;  // the interpreter's lock guards it
 
 int FindTier(PyObject* value) {
@@ -128,8 +129,7 @@ PyObject* CallWithTier(Function* self, int tier, PyObject* const* args, Py_ssize
     PyTuple_SET_ITEM(rest, kept++, Py_NewRef(PyTuple_GET_ITEM(names, i)));
     values.push_back(args[positional + i]);
   }
-  PyObject* result =
-      CallUfunc(self, tier, values.data(), static_cast<size_t>(positional), rest);
+  PyObject* result = CallUfunc(self, tier, values.data(), static_cast<size_t>(positional), rest);
   Py_XDECREF(rest);
   return result;
 }
@@ -174,11 +174,10 @@ PyObject* Collect(PyObject* object, PyObject* const* args, Py_ssize_t count) {
   if (tier < 0) return nullptr;
   const Py_ssize_t operands = count - 1;
   for (Py_ssize_t k = 0; k < operands; ++k) {
-    const bool usable =
-        PyArray_Check(args[k + 1]) &&
-        PyArray_ISCARRAY_RO(reinterpret_cast<PyArrayObject*>(args[k + 1])) &&
-        PyArray_SIZE(reinterpret_cast<PyArrayObject*>(args[k + 1])) ==
-            PyArray_SIZE(reinterpret_cast<PyArrayObject*>(args[1]));
+    const bool usable = PyArray_Check(args[k + 1]) &&
+                        PyArray_ISCARRAY_RO(reinterpret_cast<PyArrayObject*>(args[k + 1])) &&
+                        PyArray_SIZE(reinterpret_cast<PyArrayObject*>(args[k + 1])) ==
+                            PyArray_SIZE(reinterpret_cast<PyArrayObject*>(args[1]));
     if (!usable) {
       PyErr_SetString(PyExc_TypeError, "_collect takes contiguous arrays of one length");
       return nullptr;
@@ -200,8 +199,8 @@ PyObject* Collect(PyObject* object, PyObject* const* args, Py_ssize_t count) {
     Py_END_ALLOW_THREADS;
     PyObject* list = PyList_New(static_cast<Py_ssize_t>(errors.size()));
     for (size_t i = 0; list != nullptr && i < errors.size(); ++i) {
-      PyObject* item =
-          Py_BuildValue("Li", static_cast<long long>(errors[i].index), static_cast<int>(errors[i].code));
+      PyObject* item = Py_BuildValue("Li", static_cast<long long>(errors[i].index),
+                                     static_cast<int>(errors[i].code));
       if (item == nullptr) Py_CLEAR(list);
       if (list != nullptr) PyList_SET_ITEM(list, static_cast<Py_ssize_t>(i), item);
     }
@@ -209,6 +208,17 @@ PyObject* Collect(PyObject* object, PyObject* const* args, Py_ssize_t count) {
   }
   PyErr_SetString(PyExc_TypeError, "_collect has no loop for these types");
   return nullptr;
+}
+
+// Composed when it is first asked for.
+PyObject* Doc(PyObject* object, void*) {
+  auto* self = reinterpret_cast<Function*>(object);
+  if (self->doc == Py_None && document_hook != nullptr) {
+    PyObject* doc = PyObject_CallOneArg(document_hook, object);
+    if (doc == nullptr) return nullptr;
+    Py_SETREF(self->doc, doc);
+  }
+  return Py_NewRef(self->doc);
 }
 
 PyObject* Nin(PyObject* self, void*) {
@@ -224,7 +234,8 @@ PyObject* Types(PyObject* self, void*) {
 PyMethodDef function_methods[] = {
     {"ufunc", reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(Ufunc)),
      METH_VARARGS | METH_KEYWORDS,
-     "ufunc(tier='ha')\n--\n\nThe NumPy ufunc behind a tier, with its methods (reduce, outer, at)."},
+     "ufunc(tier='ha')\n--\n\nThe NumPy ufunc behind a tier, with its methods (reduce, outer, "
+     "at)."},
     {"_collect", reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(Collect)),
      METH_FASTCALL, nullptr},
     {"__reduce__", Reduce, METH_NOARGS, nullptr},
@@ -235,10 +246,10 @@ PyMemberDef function_members[] = {
     {"__qualname__", T_OBJECT, offsetof(Function, name), READONLY, nullptr},
     {"__module__", T_OBJECT, offsetof(Function, module), READONLY, nullptr},
     {"_catalogue", T_OBJECT, offsetof(Function, catalogue), READONLY, nullptr},
-    {"__doc__", T_OBJECT, offsetof(Function, doc), 0, nullptr},
     {nullptr, 0, 0, 0, nullptr}};
 
 PyGetSetDef function_properties[] = {
+    {"__doc__", Doc, nullptr, nullptr, nullptr},
     {"nin", Nin, nullptr, "The number of arguments.", nullptr},
     {"nout", Nout, nullptr, "The number of results.", nullptr},
     {"types", Types, nullptr, "The loops, as of a NumPy ufunc.", nullptr},
@@ -290,12 +301,12 @@ Tables* MakeTables(std::string_view catalogue, const std::string& name, pex::Tie
 PyObject* MakeUfunc(Tables& tables) {
   const Loop& loop = tables.loops.front();
   return PyUFunc_FromFuncAndData(tables.functions.data(), tables.data.data(), tables.types.data(),
-                                 static_cast<int>(tables.loops.size()), loop.arguments, loop.results,
-                                 PyUFunc_None, tables.name.c_str(), nullptr, 0);
+                                 static_cast<int>(tables.loops.size()), loop.arguments,
+                                 loop.results, PyUFunc_None, tables.name.c_str(), nullptr, 0);
 }
 
-// A ufunc of the function's name that raises the flags of its argument: NumPy's own way from there to
-// warnings and exceptions.
+// A ufunc of the function's name that raises the flags of its argument: NumPy's own way from there
+// to warnings and exceptions.
 PyObject* MakeAlarm(const Tables& tables) {
   static PyUFuncGenericFunction loops[] = {
       [](char** args, const npy_intp*, const npy_intp*, void*) {
@@ -316,8 +327,8 @@ PyObject* MakeFunction(const pex::Function& function, const std::string& name) {
   if (self == nullptr) return nullptr;
   self->vectorcall = Call;
   self->name = PyUnicode_InternFromString(name.c_str());
-  self->catalogue = PyUnicode_FromStringAndSize(
-      function.name.data(), static_cast<Py_ssize_t>(function.name.size()));
+  self->catalogue = PyUnicode_FromStringAndSize(function.name.data(),
+                                                static_cast<Py_ssize_t>(function.name.size()));
   self->doc = Py_NewRef(Py_None);
   self->module = PyUnicode_InternFromString("pexquo");
   for (int t = 0; t < kTiers; ++t) {
@@ -344,7 +355,8 @@ PyObject* MakeFunctions() {
   for (const auto& rows : {pex::Functions(), pex::ComplexFunctions()}) {
     for (const pex::Function& row : rows) {
       const std::string name = PythonName(row.name);
-      if (functions == nullptr || PyDict_GetItemString(functions, name.c_str()) != nullptr) continue;
+      if (functions == nullptr || PyDict_GetItemString(functions, name.c_str()) != nullptr)
+        continue;
       PyObject* function = MakeFunction(row, name);
       if (function == nullptr || PyDict_SetItemString(functions, name.c_str(), function) < 0) {
         Py_CLEAR(functions);
@@ -357,6 +369,11 @@ PyObject* MakeFunctions() {
 
 PyObject* SetCollectHook(PyObject*, PyObject* hook) {
   Py_XSETREF(collect_hook, Py_NewRef(hook));
+  Py_RETURN_NONE;
+}
+
+PyObject* SetDocumentHook(PyObject*, PyObject* hook) {
+  Py_XSETREF(document_hook, Py_NewRef(hook));
   Py_RETURN_NONE;
 }
 

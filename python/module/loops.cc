@@ -28,8 +28,8 @@ void Copy(npy_intp size, const char* from, npy_intp from_step, char* to, npy_int
 }
 
 template <typename Bits>
-constexpr Bits kExponent =
-    static_cast<Bits>(sizeof(Bits) == 8 ? uint64_t{0x7FF0000000000000} : uint64_t{0x7F800000});
+constexpr Bits kExponent = static_cast<Bits>(sizeof(Bits) == 8 ? uint64_t{0x7FF0000000000000}
+                                                               : uint64_t{0x7F800000});
 
 template <typename Bits>
 Bits Load(const char* p) {
@@ -70,8 +70,8 @@ bool AnySpecial(const char* parts, npy_intp bytes) {
   return any != 0;
 }
 
-// A NaN of numbers is a domain error, an infinity of finite ones a pole or an overflow. Results stand
-// apart from arguments; a UnaryScalar's second argument stands for all.
+// A NaN of numbers is a domain error, an infinity of finite ones a pole or an overflow. Results
+// stand apart from arguments; a UnaryScalar's second argument stands for all.
 template <typename Bits>
 void Inspect(const Loop& loop, npy_intp n, char* const* args, ErrorScope& scope) {
   const npy_intp size = loop.sizes[static_cast<size_t>(loop.arguments)];
@@ -83,14 +83,15 @@ void Inspect(const Loop& loop, npy_intp n, char* const* args, ErrorScope& scope)
     Kind argument = Kind::kFinite;
     for (int k = 0; k < loop.arguments; ++k) {
       const npy_intp step = k == 1 && loop.scalar_second ? 0 : loop.sizes[static_cast<size_t>(k)];
-      argument = std::max(
-          argument, KindOf<Bits>(args[k] + i * step, loop.sizes[static_cast<size_t>(k)]));
+      argument =
+          std::max(argument, KindOf<Bits>(args[k] + i * step, loop.sizes[static_cast<size_t>(k)]));
     }
     if (result == Kind::kNaN && argument != Kind::kNaN) {
       scope.Note(PEX_STATUS_DOMAIN, i);
     } else if (result == Kind::kInfinite && argument == Kind::kFinite) {
-      const bool pole = loop.has_poles && (loop.arguments == 1 ||
-                                           IsZero<Bits>(args[0] + i * loop.sizes[0], loop.sizes[0]));
+      const bool pole =
+          loop.has_poles &&
+          (loop.arguments == 1 || IsZero<Bits>(args[0] + i * loop.sizes[0], loop.sizes[0]));
       scope.Note(pole ? PEX_STATUS_SINGULARITY : PEX_STATUS_OVERFLOW, i);
     }
   }
@@ -143,8 +144,8 @@ void CallWithScalar(const Loop& loop, npy_intp n, const std::array<char*, kMaxOp
   }
 }
 
-// Whether argument k of an inspected entry is overwritten by its results. (By NumPy's rules they are in
-// the same places then, element by element.)
+// Whether argument k of an inspected entry is overwritten by its results. (By NumPy's rules they
+// are in the same places then, element by element.)
 bool OverwritesInspected(const Loop& loop, char* const* args, int k) {
   return loop.inspected && args[k] == args[loop.arguments];
 }
@@ -155,7 +156,8 @@ void RunBuffered(const Loop& loop, npy_intp n, char* const* args, const npy_intp
   const int operands = loop.arguments + loop.results;
   std::array<bool, kMaxOperands> buffered{};
   for (int k = 0; k < operands; ++k) {
-    buffered[k] = steps[k] != loop.sizes[k] || (k < loop.arguments && OverwritesInspected(loop, args, k));
+    buffered[k] =
+        steps[k] != loop.sizes[k] || (k < loop.arguments && OverwritesInspected(loop, args, k));
     if (k < loop.arguments && steps[k] == 0) {
       Copy(loop.sizes[k], args[k], 0, buffers[k], loop.sizes[k], std::min(n, kBlock));
     }
@@ -178,8 +180,8 @@ void RunBuffered(const Loop& loop, npy_intp n, char* const* args, const npy_intp
   }
 }
 
-// Whether an element's result is a later one's argument: NumPy reduces (one place for all results) and
-// accumulates (each result the next first argument) by such calls, and by no others.
+// Whether an element's result is a later one's argument: NumPy reduces (one place for all results)
+// and accumulates (each result the next first argument) by such calls, and by no others.
 bool IsSerial(const Loop& loop, char* const* args, const npy_intp* steps) {
   if (loop.arguments != 2 || loop.results != 1 || steps[0] != steps[2]) return false;
   return steps[0] == 0 ? args[0] == args[2] : args[2] == args[0] + steps[0];

@@ -16,12 +16,12 @@ inline constexpr int kMaxOperands = 4;
 
 struct Loop {
   const pex::Entry* entry = nullptr;  // null: the result is the argument
-  bool scalar_second = false;  // UnaryScalar: the second argument is one number a call
+  bool scalar_second = false;         // UnaryScalar: the second argument is one number a call
   // The entry takes or gives complex numbers, which have no status codes: what NumPy would call an
   // error is told from arguments and results.
   bool inspected = false;
   bool has_poles = false;  // an inspected infinity is a pole rather than an overflow
-  bool swapped = false;               // the entry's first result is the ufunc's second
+  bool swapped = false;    // the entry's first result is the ufunc's second
   int arguments = 1;
   int results = 1;
   std::array<int, kMaxOperands> types{};  // type numbers, arguments first

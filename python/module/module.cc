@@ -2,6 +2,10 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include <atomic>
+#include <memory>
+#include <thread>
+
 #define PEXQUO_IMPORTS_NUMPY
 #include "python/module/distributions.h"
 #include "python/module/functions.h"
@@ -61,10 +65,29 @@ void Attach(const py::capsule& capsule, Stream& stream) {
   *generator = {&stream, NextTwoWords, NextWord, NextDouble, NextRaw};
 }
 
-// The stream's lock as an object for `with`.
-struct Lock {
-  py::object owner;
-  Stream* stream;
+// The stream's lock as an object for `with`, in one thread or several at a time.
+class Lock {
+ public:
+  explicit Lock(py::object owner) : owner_(std::move(owner)), stream_(py::cast<Stream&>(owner_)) {}
+  bool Acquire() {
+    stream_.Lock();
+    holder_ = std::this_thread::get_id();
+    ++depth_;
+    return true;
+  }
+  void Release() {
+    if (holder_ != std::this_thread::get_id()) {
+      throw Failure{PyExc_RuntimeError, "the stream's lock is not held by this thread"};
+    }
+    if (--depth_ == 0) holder_ = std::thread::id();
+    stream_.Unlock();
+  }
+
+ private:
+  py::object owner_;
+  Stream& stream_;
+  std::atomic<std::thread::id> holder_;
+  int depth_ = 0;
 };
 
 // ---- What the documentation of the functions is made of. ----
@@ -114,32 +137,25 @@ PyMethodDef plain_functions[] = {
      nullptr},
     {"set_collect_hook", SetCollectHook, METH_O, nullptr},
     {"count_collectors", CountCollectors, METH_O, nullptr},
+    {"set_document_hook", SetDocumentHook, METH_O, nullptr},
     {nullptr, nullptr, 0, nullptr}};
 
 void BindStreams(py::module_& m) {
   py::class_<Lock>(m, "Lock", "The lock of a stream, as `with` takes it.")
-      .def("__enter__",
-           [](Lock& lock) {
-             lock.stream->Lock();
-             return true;
-           })
-      .def("__exit__", [](Lock& lock, const py::args&) { lock.stream->Unlock(); })
-      .def("acquire",
-           [](Lock& lock) {
-             lock.stream->Lock();
-             return true;
-           })
-      .def("release", [](Lock& lock) { lock.stream->Unlock(); });
+      .def("__enter__", &Lock::Acquire)
+      .def("__exit__", [](Lock& lock, const py::args&) { lock.Release(); })
+      .def("acquire", &Lock::Acquire)
+      .def("release", &Lock::Release);
 
   py::class_<Stream>(m, "Stream")
       .def(py::init<std::string_view, int64_t, const std::vector<uint32_t>&>())
-      .def(py::init([](const py::bytes& bytes) {
-        return std::make_unique<Stream>(std::string_view(bytes));
-      }))
+      .def(py::init(
+          [](const py::bytes& bytes) { return std::make_unique<Stream>(std::string_view(bytes)); }))
       .def(py::init(&LoadStream), py::kw_only(), "path"_a)
       .def("to_bytes", [](Stream& s) { return py::bytes(s.Serialize()); })
       .def("to_file", SaveStream)
-      .def_property_readonly("generator", [](const Stream& s) { return std::string(s.generator()); })
+      .def_property_readonly("generator",
+                             [](const Stream& s) { return std::string(s.generator()); })
       .def_property_readonly("member", &Stream::member)
       .def_property_readonly("raw_words", &Stream::raw_words)
       .def("skip",
@@ -152,7 +168,7 @@ void BindStreams(py::module_& m) {
              const Stream::Access access(s, true);
              Check(__quoLeapfrogStream(access.state(), k, streams), "leapfrog");
            })
-      .def("lock", [](const py::object& self) { return Lock{self, &py::cast<Stream&>(self)}; });
+      .def("lock", [](py::object self) { return std::make_unique<Lock>(std::move(self)); });
 
   py::class_<Distribution>(m, "Distribution")
       .def(py::init<std::string, std::string_view, std::vector<std::string>, bool, int, bool>(),
@@ -173,9 +189,8 @@ void BindStreams(py::module_& m) {
           DrawMultivariate(stream, distribution, method.ptr(), mean.ptr(), factor.ptr(), out.ptr());
         });
   m.def("draw_raw", [](Stream& stream, const py::object& out) { DrawRaw(stream, out.ptr()); });
-  m.def("set_broadcast_hook", [](const py::object& hook) {
-    Py_XSETREF(broadcast_hook, Py_NewRef(hook.ptr()));
-  });
+  m.def("set_broadcast_hook",
+        [](const py::object& hook) { Py_XSETREF(broadcast_hook, Py_NewRef(hook.ptr())); });
   m.def("attach", Attach);
 }
 

@@ -173,8 +173,12 @@ Stream::Access::~Access() {
 
 std::string Stream::Serialize() {
   const Access access(*this, false);
-  FileHeader header = {"RNG", 16, static_cast<uint16_t>(state_bytes()),
-                       static_cast<uint16_t>(__quoGetNumChunks(state_)), 0, state_->id};
+  FileHeader header = {"RNG",
+                       16,
+                       static_cast<uint16_t>(state_bytes()),
+                       static_cast<uint16_t>(__quoGetNumChunks(state_)),
+                       0,
+                       state_->id};
   std::string bytes(reinterpret_cast<const char*>(&header), sizeof header);
   bytes.append(reinterpret_cast<const char*>(state_) + 16, state_bytes());
   for (const StreamChunk* c = state_->chunks; c != nullptr; c = c->next) {
@@ -203,8 +207,7 @@ int32_t Stream::Words(int32_t n, uint32_t* words) {
   }
   if (properties_.WordBytes == 8) {
     std::vector<uint64_t> raw(count);
-    const int32_t status =
-        properties_.iBRng(state_, n, reinterpret_cast<uint32_t*>(raw.data()));
+    const int32_t status = properties_.iBRng(state_, n, reinterpret_cast<uint32_t*>(raw.data()));
     for (size_t i = 0; i < count; ++i) {
       words[i] = static_cast<uint32_t>(raw[i] >> (properties_.BitCount - 32));
     }
@@ -245,10 +248,11 @@ std::unique_ptr<Stream> LoadStream(const std::string& path) {
     case QUO_READ_FAILED:
     case QUO_BAD_FILE:
     case QUO_BAD_FILE_FORMAT:
-      throw Failure{PyExc_ValueError, "'" + path + "' is " +
-                                          (status == QUO_READ_FAILED ? "cut short"
-                                           : status == QUO_BAD_FILE ? "not a stream file"
-                                                                    : "a stream file of another format")};
+      throw Failure{PyExc_ValueError,
+                    "'" + path + "' is " +
+                        (status == QUO_READ_FAILED ? "cut short"
+                         : status == QUO_BAD_FILE  ? "not a stream file"
+                                                   : "a stream file of another format")};
   }
   Check(status, "load");
   return std::make_unique<Stream>(state);

@@ -218,7 +218,13 @@ class Stream:
         out: _Out = None,
     ) -> Any: ...
     def poisson(
-        self, lam: ArrayLike = 1.0, size: _Size = None, *, dtype: DTypeLike = ..., out: _Out = None
+        self,
+        lam: ArrayLike = 1.0,
+        size: _Size = None,
+        *,
+        dtype: DTypeLike = ...,
+        method: Literal["ptpe", "normal"] = "ptpe",
+        out: _Out = None,
     ) -> Any: ...
     def hypergeometric(
         self,

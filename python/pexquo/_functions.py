@@ -3,7 +3,6 @@
 import textwrap
 
 from . import _pexquo
-from ._examples import EXAMPLES
 
 _TIERS = {"ha": "high accuracy", "la": "low accuracy", "ep": "enhanced performance"}
 _TYPES = {"d": "float64", "s": "float32", "z": "complex128", "c": "complex64"}
@@ -32,7 +31,8 @@ def _bounds(rows):
     return lines
 
 
-def _document(function, rows):
+def _document(function):
+    rows = [r for r in _pexquo.rows() if r[1]["name"] == function._catalogue]
     names = "a" if function.nin == 1 else "a, b"
     out = "out=None" if function.nout == 1 else "out=(None, None)"
     real = [row for is_complex, row in rows if not is_complex]
@@ -49,24 +49,16 @@ def _document(function, rows):
         lines += ["", "Largest errors by tier (ulp of each part; `ep` promises bits):", ""]
         lines += ["    " + line for line in bounds]
     lines += ["", "Types: " + " ".join(function.types), ""]
+    from ._examples import EXAMPLES
+
     example = EXAMPLES.get(function.__name__)
     if example is not None:
         lines += [">>> import pexquo"] + example.strip().splitlines() + [""]
     return "\n".join(lines)
 
 
-def _make():
-    by_name = {}
-    catalogue = {}
-    for is_complex, row in _pexquo.rows():
-        catalogue.setdefault(row["name"], []).append((is_complex, row))
-    for name, function in _pexquo.functions.items():
-        rows = catalogue[function._catalogue]
-        function.__doc__ = _document(function, rows)
-        by_name[name] = function
-    by_name["abs"] = by_name["absolute"]
-    by_name["conj"] = by_name["conjugate"]
-    return by_name
+_pexquo.set_document_hook(_document)
 
-
-FUNCTIONS = _make()
+FUNCTIONS = dict(_pexquo.functions)
+FUNCTIONS["abs"] = FUNCTIONS["absolute"]
+FUNCTIONS["conj"] = FUNCTIONS["conjugate"]

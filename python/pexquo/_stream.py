@@ -436,9 +436,15 @@ class Stream(_pexquo.Stream):
 
     if _POISSON is not None:
 
-        def poisson(self, lam=1.0, size=None, *, dtype=np.int64, out=None):
-            """Poisson with mean lam."""
-            return _draw(self, _POISSON, dtype, None, size, out, lam)
+        def poisson(
+            self, lam=1.0, size=None, *, dtype=np.int64, method="ptpe", out=None
+        ):
+            """Poisson with mean lam.
+
+            Method "ptpe" is exact; "normal" takes one uniform a count and approximates it by a
+            normal number from lam = 27 on, which serves arrays of many means best.
+            """
+            return _draw(self, _POISSON, dtype, method, size, out, lam)
 
     if _HYPERGEOMETRIC is not None:
 

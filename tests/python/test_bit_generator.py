@@ -112,6 +112,22 @@ def test_threads():
     assert (np.sort(np.concatenate(drawn)) == words).all()
 
 
+def test_lock():
+    s = pexquo.Stream("mcg59")
+    bits = pexquo.bit_generator(s)
+    drawn = []
+    thread = threading.Thread(target=lambda: drawn.append(s.random()))
+    with bits.lock, bits.lock:
+        first = s.random()  # by the holder
+        thread.start()
+        thread.join(0.05)
+        assert thread.is_alive() and not drawn
+    thread.join()
+    assert drawn and drawn[0] != first
+    with pytest.raises(RuntimeError, match="not held"):
+        bits.lock.release()
+
+
 def test_wrong_streams():
     for bad in (None, 1, np.random.MT19937()):
         with pytest.raises(TypeError):

@@ -145,6 +145,20 @@ def test_harder_ones(name):
         assert x.dtype == np.int64 and chi_square_excess(x, law) < 5
 
 
+@pytest.mark.skipif(not hasattr(pexquo.Stream, "poisson"), reason="not in this library")
+def test_poisson_of_many_means():
+    s = pexquo.Stream("mt2203", seed=8)
+    lam = np.tile([0.5, 4.0, 40.0, 4000.0], 20000)
+    for method in ("ptpe", "normal"):
+        x = s.poisson(lam, method=method).reshape(-1, 4)
+        error = np.sqrt(lam[:4] / len(x))  # the standard deviation of the mean
+        assert (abs(x.mean(axis=0) - lam[:4]) < 5 * error).all()
+        np.testing.assert_allclose(x.var(axis=0), lam[:4], rtol=0.06)
+    assert s.poisson([1.0, 2.0], size=(5, 2), dtype=np.int32, method="normal").dtype == np.int32
+    with pytest.raises(ValueError, match="poisson: lam must be positive"):
+        s.poisson([1.0, -1.0])
+
+
 def test_multivariate():
     mean, cov = np.array([1.0, -2.0, 0.5]), np.array([[4.0, 1.2, 0], [1.2, 2.0, 0.3], [0, 0.3, 1.0]])
     s = pexquo.Stream("mt19937", seed=2)
