@@ -5,8 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 arguments=(-i)
 [[ "${1:-}" == --check ]] && arguments=(--dry-run -Werror --ferror-limit=1)
-find catalogue cli front include kro pex_core python quo_sub_kernel quo_kernel gen accuracy bench tests \
-  examples \
+find catalogue cli front include kro pex_core python quo_sub_kernel quo_kernel gen accuracy bench tests examples \
   \( -name '*.cc' -o -name '*.c' -o -name '*.h' \) ! -name '*_tables.h' ! -name '*_tables.cc' \
   ! -name '*_polynomials.h' ! -name 'pex_functions.h' ! -name 'front_functions.h' -print0 2>/dev/null | xargs -0 -r clang-format "${arguments[@]}" || {
   echo "run scripts/format.sh" >&2

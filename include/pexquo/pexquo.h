@@ -189,8 +189,9 @@ PEXQUO_API int32_t quosNewAbstractStream(QuoStream** stream, int32_t n, float* b
 PEXQUO_API int32_t quoDeleteStream(QuoStream** stream);
 /* A new stream that goes on as `source` does. */
 PEXQUO_API int32_t quoCopyStream(QuoStream** copy, const QuoStream* source);
-/* Makes a stream go on as another of the same generator does. QUO_DIFFERENT_BRNGS, and then the
- * destination is as before. The step of a stream that leaps is not copied. */
+/* Makes a stream go on as another of the same generator, and the same member of a family, does.
+ * QUO_DIFFERENT_BRNGS, and then the destination is as before. The step of a stream that leaps is
+ * not copied. */
 PEXQUO_API int32_t quoCopyStreamState(QuoStream* destination, const QuoStream* source);
 /* From now on the stream delivers elements k, k + nstreams, k + 2 nstreams ... of its sequence,
  * counted from where it stands, 0 <= k < nstreams. QUO_BAD_STREAM_COUNT for nstreams < 1,
@@ -305,7 +306,8 @@ PEXQUO_API int32_t quoiRngBinomial(int32_t method, QuoStream* stream, int64_t n,
 /* Marked ones of a sample of s from l, of which m are marked; 0 <= s, m <= l. */
 PEXQUO_API int32_t quoiRngHypergeometric(int32_t method, QuoStream* stream, int64_t n, int32_t* r,
                                          int32_t l, int32_t s, int32_t m);
-/* Poisson with mean lambda > 0, or with lambda[i] for r[i]. */
+/* Poisson with mean lambda, 0 < lambda < 2^31, by QUO_METHOD_POISSON_...; and with a mean of its
+ * own for each, lambda[i] for r[i] (method 0). Counts end at 2^31 - 1. */
 PEXQUO_API int32_t quoiRngPoisson(int32_t method, QuoStream* stream, int64_t n, int32_t* r,
                                   double lambda);
 PEXQUO_API int32_t quoiRngPoissonV(int32_t method, QuoStream* stream, int64_t n, int32_t* r,
