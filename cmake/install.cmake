@@ -1,11 +1,11 @@
-# Libraries, headers, the CMake package (find_package(pexquo) gives pexquo::front, pexquo::pexquo and
-# pexquo::kro), the pkg-config files pexquo-front.pc, pexquo.pc and kro.pc, and the manual pages.
+# Libraries, headers, the CMake package (find_package(pexquo) gives pexquo::cpp, pexquo::front,
+# pexquo::pexquo and pexquo::kro), the pkg-config files pexquo-front.pc, pexquo.pc and kro.pc, and the manual pages.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS kro pexquo pexquo_front EXPORT pexquo
+install(TARGETS kro pexquo pexquo_front pexquo_cpp EXPORT pexquo
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/pexquo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-  FILES_MATCHING PATTERN "*.h")
+  FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 
 # libpexquo finds libkro beside it, wherever both are.
 set_target_properties(pexquo PROPERTIES INSTALL_RPATH "$ORIGIN")
