@@ -45,7 +45,7 @@ const char* quoStatusText(int32_t status) {
     case QUO_BAD_METHOD:
       return "the generator does not know this way of initialising a stream";
     case QUO_BAD_ARGUMENT:
-      return "an argument of the abstract stream is wrong";
+      return "the seed words are no valid set, or an argument of an abstract stream is wrong";
     case QUO_NO_MEMORY:
       return "there is not enough memory";
     case QUO_NULL_FUNCTION:

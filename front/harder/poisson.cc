@@ -1,5 +1,6 @@
 // Poisson with one mean and with one for each number, and negative binomial, with their conditions.
 #include <cstdint>
+#include <limits>
 #include <span>
 
 #include "front/draw.h"
@@ -8,9 +9,13 @@
 namespace pexquo_front {
 namespace {
 
-constexpr int32_t kPoissonMethods = 2;
+constexpr int32_t kPoissonMethods = QUO_METHOD_POISSON_NORMAL + 1;
 
-int32_t Mean(double lambda) { return First({Finite(lambda), Unless(lambda > 0, QUO_BAD_MEAN)}); }
+// Counts end at 2^31 - 1, and a mean beyond has hardly any.
+int32_t Mean(double lambda) {
+  constexpr double kMost = std::numeric_limits<int32_t>::max();
+  return First({Finite(lambda), Unless(lambda > 0 && lambda <= kMost, QUO_BAD_MEAN)});
+}
 
 int32_t Means(std::span<const double> lambdas) {
   for (const double lambda : lambdas) {
@@ -25,7 +30,6 @@ int32_t Means(std::span<const double> lambdas) {
 using pexquo_front::Draw;
 using pexquo_front::Finite;
 using pexquo_front::First;
-using pexquo_front::ProbabilityOfSuccess;
 using pexquo_front::Request;
 using pexquo_front::Unless;
 
@@ -54,8 +58,8 @@ int32_t quoiRngPoissonV(int32_t method, QuoStream* stream, int64_t n, int32_t* r
 int32_t quoiRngNegbinomial(int32_t method, QuoStream* stream, int64_t n, int32_t* r, double a,
                            double p) {
   const Request<int32_t> request{method, 1, stream, n, r};
-  const int32_t refused =
-      First({Finite(a), Unless(a > 0, QUO_BAD_SUCCESSES), ProbabilityOfSuccess(p)});
+  const int32_t refused = First({Finite(a, p), Unless(a > 0, QUO_BAD_SUCCESSES),
+                                 Unless(p > 0 && p <= 1, QUO_BAD_PROBABILITY)});
   return Draw(_quoiRngNegbinomial, request, refused, a, p);
 }
 }

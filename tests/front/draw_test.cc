@@ -2,6 +2,7 @@
 // for every argument that is refused, which then changes nothing.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <functional>
@@ -191,7 +192,8 @@ struct Refused {
 
 const double kIdentity[4] = {1, kNaN, 0, 1};  // above the diagonal nothing is read
 const float kIdentityFloat[4] = {1, NAN, 0, 1};
-const double kMean[2] = {0, 0}, kNoMean[2] = {0, kInf}, kNoFactor[4] = {1, 0, kNaN, 1};
+const double kMean[2] = {0, 0}, kNoMean[2] = {0, kInf}, kNoFactor[4] = {1, 0, kNaN, 1},
+             kNoDiagonal[4] = {1, 0, 0, kInf};
 const float kMeanFloat[2] = {0, 0};
 
 const Refused kRefused[] = {
@@ -243,6 +245,7 @@ const Refused kRefused[] = {
     REFUSED(QUO_BAD_COUNT, quodRngGaussianMV(0, s, -2, rd, 2, 0, kMean, kIdentity)),
     REFUSED(QUO_NOT_FINITE, quodRngGaussianMV(0, s, 2, rd, 2, 0, kNoMean, kIdentity)),
     REFUSED(QUO_NOT_FINITE, quodRngGaussianMV(0, s, 2, rd, 2, 0, kMean, kNoFactor)),
+    REFUSED(QUO_NOT_FINITE, quodRngGaussianMV(0, s, 2, rd, 2, 0, kMean, kNoDiagonal)),
     REFUSED(QUO_NOT_FINITE, quodRngGaussianMV(0, s, 2, rd, 2, 1, kMean, kNoFactor)),
     REFUSED(QUO_NOT_FINITE, quodRngGaussianMV(0, s, 2, rd, 2, 2, kMean, kNoFactor + 2)),
     REFUSED(QUO_NULL_STREAM, quodRngGaussianMV(0, nullptr, 2, rd, 2, 0, kMean, kIdentity)),
@@ -271,6 +274,9 @@ const Refused kRefused[] = {
 #ifdef PEXQUO_HAS_POISSON
     REFUSED(QUO_BAD_MEAN, quoiRngPoisson(0, s, 4, ri, 0)),
     REFUSED(QUO_BAD_MEAN, quoiRngPoisson(0, s, 4, ri, -1)),
+    REFUSED(QUO_BAD_MEAN, quoiRngPoisson(0, s, 4, ri, 0x1p31)),
+    REFUSED(QUO_UNKNOWN_METHOD, quoiRngPoisson(2, s, 4, ri, 3)),
+    REFUSED(QUO_UNKNOWN_METHOD, quoiRngPoissonV(1, s, 1, ri, kIdentity)),
     REFUSED(QUO_NOT_FINITE, quoiRngPoisson(0, s, 4, ri, kInf)),
     REFUSED(QUO_NULL_ARRAY, quoiRngPoissonV(0, s, 4, ri, nullptr)),
     REFUSED(QUO_BAD_MEAN, quoiRngPoissonV(0, s, 2, ri, kMean)),
@@ -332,6 +338,8 @@ TEST(Parameters, AtTheEdgeAreAccepted) {
 #ifdef PEXQUO_HAS_POISSON
   EXPECT_EQ(quoiRngPoisson(0, s, 4, ri, 5e-324), QUO_OK);
   EXPECT_EQ(ri[0] + ri[1] + ri[2] + ri[3], 0);
+  EXPECT_EQ(quoiRngPoisson(1, s, 4, ri, INT32_MAX), QUO_OK);
+  EXPECT_EQ(quoiRngNegbinomial(0, s, 4, ri, 0.5, 1e-20), QUO_OK);
   EXPECT_EQ(quoiRngNegbinomial(0, s, 4, ri, 0.5, 1), QUO_OK);
   EXPECT_EQ(ri[0] + ri[1] + ri[2] + ri[3], 0);
 #endif
@@ -362,6 +370,30 @@ TEST(Multivariate, HasTheVectorsOfItsKernelWholeAndInPieces) {
     ExpectSameVectors<double>(_quodRngGaussianMV, quodRngGaussianMV, storage);
     ExpectSameVectors<float>(_quosRngGaussianMV, quosRngGaussianMV, storage);
   }
+}
+
+// Fills its buffer twice and then has nothing left.
+int refills;
+int32_t TwoBuffers(QuoStream*, int32_t*, double* buffer, int32_t*, int32_t* nmax, int32_t*) {
+  if (++refills > 2) return 0;
+  for (int32_t i = 0; i < *nmax; ++i) buffer[i] = 0.25 * refills;
+  return *nmax;
+}
+
+TEST(GeneratorsStatus, EndsARequestInPieces) {
+  double buffer[10], r[50];
+  std::fill(r, r + 50, 4711.0);
+  QuoStream* made = nullptr;
+  ASSERT_EQ(quodNewAbstractStream(&made, 10, buffer, 0, 1, TwoBuffers), QUO_OK);
+  const OwnedStream stream(made);
+  const ShortPieces pieces(10);
+  refills = 0;
+  EXPECT_EQ(quodRngUniform(0, made, 50, r, 0, 1), QUO_EMPTY_REFILL);
+  EXPECT_EQ(refills, 3);
+  EXPECT_EQ(r[0], 0.25);
+  EXPECT_EQ(r[19], 0.5);
+  EXPECT_EQ(r[20], 4711);
+  EXPECT_EQ(r[49], 4711);
 }
 
 #ifdef PEXQUO_HAS_POISSON

@@ -8,8 +8,8 @@
 #include <fstream>
 #include <functional>
 #include <map>
-#include <regex>
 #include <set>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -267,10 +267,10 @@ TEST(Registry, AnswersAndTakesGenerators) {
   BrngProperties record;
   EXPECT_EQ(quoGetBrngProperties(QUO_BRNG_WH + 5, &record), QUO_OK);
   EXPECT_EQ(record.WordBytes, 16);
-  EXPECT_EQ(quoGetBrngProperties(0xD00000, &record), QUO_INVALID_BRNG);
+  EXPECT_EQ(quoGetBrngProperties(0x1FF00000, &record), QUO_INVALID_BRNG);
   EXPECT_EQ(quoGetBrngProperties(QUO_BRNG_R250, nullptr), QUO_NULL_POINTER);
   const int32_t rows = quoGetNumBrngs();
-  EXPECT_EQ(rows, 12);
+  EXPECT_GE(rows, 12);
   EXPECT_EQ(quoRegisterBrng(nullptr), QUO_NULL_POINTER);
   BrngProperties bad = record;
   bad.dBRng = nullptr;
@@ -279,11 +279,22 @@ TEST(Registry, AnswersAndTakesGenerators) {
   EXPECT_EQ(quoRegisterBrng(&bad), QUO_BAD_WORD_SIZE);
   ASSERT_EQ(quoGetBrngProperties(QUO_BRNG_MRG32K3A, &record), QUO_OK);
   const int32_t id = quoRegisterBrng(&record);
-  ASSERT_EQ(id, 0xD00000);
+  ASSERT_EQ(id, (rows + 1) << 20);
   EXPECT_EQ(quoGetNumBrngs(), rows + 1);
   const OwnedStream own = NewStream(id), built_in = NewStream(QUO_BRNG_MRG32K3A);
   EXPECT_EQ(quoCopyStreamState(own.get(), built_in.get()), QUO_DIFFERENT_BRNGS);
   EXPECT_TRUE(StandAlike(own.get(), built_in.get()));
+}
+
+int32_t RefuseToSeed(int32_t, QuoStream*, int32_t, const uint32_t*) { return -77; }
+
+TEST(NewStream, OfAGeneratorThatRefusesIsNotLeftBehind) {
+  BrngProperties record;
+  ASSERT_EQ(quoGetBrngProperties(QUO_BRNG_MCG59, &record), QUO_OK);
+  record.InitStream = RefuseToSeed;
+  const int32_t id = quoRegisterBrng(&record);
+  ASSERT_GT(id, 0);
+  ExpectNotMade(-77, [=](QuoStream** stream) { return quoNewStream(stream, id, 1); });
 }
 
 TEST(Threads, HaveTheirOwnModesAndStreams) {
@@ -316,14 +327,19 @@ TEST(Threads, HaveTheirOwnModesAndStreams) {
 
 // ---- Statuses in words. ----
 
-// The names and numbers of the statuses that a header defines.
-std::map<std::string, int32_t> Statuses(const char* header, const char* pattern) {
+// The names and numbers of the statuses that a header defines: those that begin as given and are 0,
+// negative, or of the few positive ones of vector math.
+std::map<std::string, int32_t> Statuses(const char* header, const std::string& prefix) {
   std::map<std::string, int32_t> statuses;
   std::ifstream file(std::string(INCLUDE_FOLDER "/pexquo/") + header);
   for (std::string line; std::getline(file, line);) {
-    std::smatch found;
-    if (std::regex_search(line, found, std::regex(pattern))) {
-      statuses[found[1]] = std::stoi(found[2]);
+    std::istringstream words(line);
+    std::string define, name, number;
+    if (!(words >> define >> name >> number) || define != "#define" || !name.starts_with(prefix)) {
+      continue;
+    }
+    if (number.starts_with("(-") || prefix == "PEX_STATUS_") {
+      statuses[name] = std::stoi(number.starts_with("(") ? number.substr(1) : number);
     }
   }
   return statuses;
@@ -342,12 +358,12 @@ void ExpectOwnSentences(const std::map<std::string, int32_t>& statuses,
 }
 
 TEST(StatusText, IsASentenceOfItsOwnForEveryStatus) {
-  const auto pex = Statuses("pex.h", R"(#define (PEX_STATUS_\w+) \(?(-?\d+))");
+  const auto pex = Statuses("pex.h", "PEX_STATUS_");
   EXPECT_EQ(pex.size(), 7u);
   ExpectOwnSentences(pex, pexStatusText);
-  auto quo = Statuses("quo.h", R"(#define (QUO_\w+) \((-\d+)\))");
+  auto quo = Statuses("quo.h", "QUO_");
   EXPECT_GE(quo.size(), 22u);
-  quo.merge(Statuses("pexquo.h", R"(#define (QUO_\w+) \((-\d+)\))"));
+  quo.merge(Statuses("pexquo.h", "QUO_"));
   EXPECT_GE(quo.size(), 41u);
   quo["QUO_OK"] = QUO_OK;
   ExpectOwnSentences(quo, quoStatusText);
