@@ -142,20 +142,19 @@ inline void CheckSize(const char* function, const char* name, std::size_t size,
 }
 
 // A checked call, which can be run as a whole or in pieces. `first` and `second` are the results.
-template <typename Call, typename R>
+template <typename Calls, typename R, typename Piece>
 struct Job {
-  const char* name;
+  using Function = Calls;
   std::size_t size;
   R* first;
-  R* second;  // null where there is one result
-  bool is_single;
-  Call call;  // (mode, first element, count) -> status
+  R* second;    // null where there is one result
+  Piece piece;  // (mode, first element, count) -> status
 
   void Run(tier accuracy, std::source_location where) const {
     if (size == 0) return;
-    const std::int32_t status = call(static_cast<std::uint32_t>(accuracy), std::size_t{0}, size);
+    const std::int32_t status = piece(static_cast<std::uint32_t>(accuracy), std::size_t{0}, size);
     if (status < 0) [[unlikely]] {
-      ThrowRefused(name, status, where);
+      ThrowRefused(Calls::name, status, where);
     }
     if (g_waiting.load(std::memory_order_relaxed) != 0) [[unlikely]] {
       RethrowWaiting();
@@ -163,12 +162,9 @@ struct Job {
   }
 };
 
-template <typename R>
-constexpr bool kIsSingle = std::is_same_v<R, float> || std::is_same_v<R, std::complex<float>>;
-
-template <typename R, typename Call>
-Job<Call, R> MakeJob(const char* name, std::size_t size, R* first, R* second, Call call) {
-  return {name, size, first, second, kIsSingle<R>, call};
+template <typename Calls, typename R, typename Piece>
+Job<Calls, R, Piece> MakeJob(std::size_t size, R* first, R* second, Piece piece) {
+  return {size, first, second, piece};
 }
 
 // Calls::call(mode, n, a, r) says which types a function takes.
@@ -257,10 +253,8 @@ struct unary_function {
     if (detail::OverlapPartly(x, std::as_const(y), n)) [[unlikely]] {
       detail::ThrowOverlap(Calls::name, "r", "a", where);
     }
-    using Result = detail::ElementOf<R>;
-    return detail::MakeJob<Result>(
-        Calls::name, n, y, nullptr,
-        [x, y](std::uint32_t mode, std::size_t first, std::size_t count) {
+    return detail::MakeJob<Calls, detail::ElementOf<R>>(
+        n, y, nullptr, [x, y](std::uint32_t mode, std::size_t first, std::size_t count) {
           return Calls::call(mode, static_cast<std::int64_t>(count), x + first, y + first);
         });
   }
@@ -319,10 +313,8 @@ struct binary_function {
     if (detail::OverlapPartly(y, std::as_const(z), n)) [[unlikely]] {
       detail::ThrowOverlap(Calls::name, "r", "b", where);
     }
-    using Result = detail::ElementOf<R>;
-    return detail::MakeJob<Result>(
-        Calls::name, n, z, nullptr,
-        [x, y, z](std::uint32_t mode, std::size_t first, std::size_t count) {
+    return detail::MakeJob<Calls, detail::ElementOf<R>>(
+        n, z, nullptr, [x, y, z](std::uint32_t mode, std::size_t first, std::size_t count) {
           return Calls::call(mode, static_cast<std::int64_t>(count), x + first, y + first,
                              z + first);
         });
@@ -375,10 +367,8 @@ struct scalar_function {
     if (detail::OverlapPartly(x, std::as_const(y), n)) [[unlikely]] {
       detail::ThrowOverlap(Calls::name, "r", "a", where);
     }
-    using Result = detail::ElementOf<R>;
-    return detail::MakeJob<Result>(
-        Calls::name, n, y, nullptr,
-        [x, b, y](std::uint32_t mode, std::size_t first, std::size_t count) {
+    return detail::MakeJob<Calls, detail::ElementOf<R>>(
+        n, y, nullptr, [x, b, y](std::uint32_t mode, std::size_t first, std::size_t count) {
           return Calls::call(mode, static_cast<std::int64_t>(count), x + first, b, y + first);
         });
   }
@@ -443,9 +433,8 @@ struct two_result_function {
     if (detail::Overlap(y, z, n)) [[unlikely]] {
       detail::ThrowOverlap(Calls::name, "r2", "r1", where);
     }
-    using Result = detail::ElementOf<R1>;
-    return detail::MakeJob<Result>(
-        Calls::name, n, y, z, [x, y, z](std::uint32_t mode, std::size_t first, std::size_t count) {
+    return detail::MakeJob<Calls, detail::ElementOf<R1>>(
+        n, y, z, [x, y, z](std::uint32_t mode, std::size_t first, std::size_t count) {
           return Calls::call(mode, static_cast<std::int64_t>(count), x + first, y + first,
                              z + first);
         });

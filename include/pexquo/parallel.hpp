@@ -150,7 +150,8 @@ class FloatingPoint {
 // A special element of a piece of a call, to be reported when the call is complete.
 struct Found {
   std::size_t index = 0;
-  PexErrorContext record{};
+  std::int32_t code = 0;
+  double arguments[2] = {};
 };
 
 // Stands in for the thread's own error handling while it computes pieces of a call.
@@ -200,10 +201,11 @@ class Collector {
   }
 
   void Add(const PexErrorContext& record) {
-    const Found found{first_ + static_cast<std::uint32_t>(record.index), record};
+    const Found found{
+        first_ + static_cast<std::uint32_t>(record.index), record.code, {record.arg1, record.arg2}};
     if (!every_) {
       const auto same = std::find_if(found_.begin(), found_.end(),
-                                     [&](const Found& f) { return f.record.code == record.code; });
+                                     [&](const Found& f) { return f.code == record.code; });
       if (same != found_.end()) {
         *same = found;  // pieces come in ascending order
         return;
@@ -222,35 +224,65 @@ class Collector {
   PexErrorCallBack old_callback_;
 };
 
-// Reports an element as its call would have: to the thread's status, callback and so on; a result
-// that the callback changes is written to the arrays.
-template <typename T>
-void Report(const Found& found, T* first, T* second) {
-  const PexErrorContext& e = found.record;
-  T arguments[] = {static_cast<T>(e.arg1), static_cast<T>(e.arg2)};
-  T results[] = {static_cast<T>(e.res1), static_cast<T>(e.res2)};
-  // The routine reads and writes x[index].
-  const auto index = static_cast<std::int32_t>(static_cast<std::uint32_t>(found.index));
-  const auto before = [index](T* x) {
-    return reinterpret_cast<T*>(reinterpret_cast<std::uintptr_t>(x) -
-                                static_cast<std::uintptr_t>(std::intptr_t{index}) * sizeof(T));
-  };
-  const std::string name(e.func_name, static_cast<std::size_t>(e.func_name_len));
-  const auto report = [&](auto routine) {
-    routine(e.code, index, before(&arguments[0]), before(&arguments[1]), before(&results[0]),
-            before(&results[1]), name.c_str());
-  };
-  if constexpr (std::is_same_v<T, float>) {
-    report(_pexsError);
+// One element of a function of real numbers by itself.
+template <typename Calls, typename T>
+void One(std::uint32_t mode, T a, T b, T* r1, T* r2) {
+  if constexpr (UnaryOf<Calls, T, T>) {
+    Calls::call(mode, 1, &a, r1);
+  } else if constexpr (BinaryOf<Calls, T, T>) {
+    Calls::call(mode, 1, &a, &b, r1);
+  } else if constexpr (ScalarOf<Calls, T, T>) {
+    Calls::call(mode, 1, &a, b, r1);
   } else {
-    report(_pexdError);
+    Calls::call(mode, 1, &a, r1, r2);
   }
-  first[found.index] = results[0];
-  if (second != nullptr) second[found.index] = results[1];
 }
 
-template <typename T>
-void Report(const Found&, std::complex<T>*, std::complex<T>*) {}  // complex functions report none
+// Reports elements as their call would have, by computing them once more under the thread's own
+// error handling, with their index put right; a result that a callback changes is written to the
+// arrays.
+class Reporter {
+ public:
+  Reporter()
+      : outer_(std::exchange(Current(), this)),
+        mode_(pexGetMode()),
+        callback_(pexSetErrorCallBack(&Reporter::Forward)) {}
+  ~Reporter() {
+    pexSetErrorCallBack(callback_);
+    pexSetMode(mode_);
+    Current() = outer_;
+  }
+  Reporter(const Reporter&) = delete;
+  Reporter& operator=(const Reporter&) = delete;
+
+  template <typename Calls, typename R, typename Piece>
+  void Report(const Job<Calls, R, Piece>& job, tier accuracy, const Found& found) {
+    index_ = static_cast<std::int32_t>(static_cast<std::uint32_t>(found.index));
+    R results[2];
+    One<Calls>(static_cast<std::uint32_t>(accuracy), static_cast<R>(found.arguments[0]),
+               static_cast<R>(found.arguments[1]), &results[0], &results[1]);
+    job.first[found.index] = results[0];
+    if (job.second != nullptr) job.second[found.index] = results[1];
+  }
+
+ private:
+  static Reporter*& Current() {
+    static thread_local Reporter* current = nullptr;
+    return current;
+  }
+
+  static int Forward(PexErrorContext* record) {
+    const Reporter& self = *Current();
+    record->index = self.index_;
+    const bool calls = (self.mode_ & PEX_ERRMODE_CALLBACK) != 0 && self.callback_ != nullptr;
+    return calls ? self.callback_(record) : 0;
+  }
+
+  Reporter* outer_;
+  std::uint32_t mode_;
+  PexErrorCallBack callback_;
+  std::int32_t index_ = 0;
+};
 
 // Elements by ascending index; without `every`, the last one of each code.
 inline void Arrange(std::vector<Found>& all, bool every) {
@@ -258,7 +290,7 @@ inline void Arrange(std::vector<Found>& all, bool every) {
   if (every) return;
   std::vector<Found> last;
   for (const Found& f : all) {
-    std::erase_if(last, [&](const Found& g) { return g.record.code == f.record.code; });
+    std::erase_if(last, [&](const Found& g) { return g.code == f.code; });
     last.push_back(f);
   }
   all = std::move(last);
@@ -324,11 +356,14 @@ inline void MoveOn(stream& s, Advance how, std::uint64_t outputs, std::source_lo
 template <typename T>
 bool IsPending(const stream& s) {
   using Real = std::conditional_t<std::is_same_v<T, float>, float, double>;
-  const void* const pair = __quoSearchChunk(s.handle(), std::is_same_v<Real, float> ? 1 : 2);
-  if (pair == nullptr) return false;
-  Real u;
-  std::memcpy(&u, pair, sizeof(u));
-  return u != Real{-1};
+  constexpr std::uint32_t kKey = std::is_same_v<Real, float> ? 1 : 2;
+  for (const StreamChunk* chunk = s.handle()->chunks; chunk != nullptr; chunk = chunk->next) {
+    if (chunk->key != kKey || chunk->size != 2 * sizeof(Real)) continue;
+    Real u;
+    std::memcpy(&u, chunk->data, sizeof(u));
+    return u != Real{-1};
+  }
+  return false;
 }
 
 }  // namespace detail
@@ -486,8 +521,8 @@ class parallel {
           for (std::size_t i; (i = next.fetch_add(1, std::memory_order_relaxed)) < blocks;) {
             const std::size_t first = i * block_;
             collector.Begin(first);
-            const std::int32_t status = job.call(0, first, std::min(block_, job.size - first));
-            if (status < 0) detail::ThrowRefused(job.name, status, where);
+            const std::int32_t status = job.piece(0, first, std::min(block_, job.size - first));
+            if (status < 0) detail::ThrowRefused(Job::Function::name, status, where);
           }
           const std::lock_guard lock(merging);
           collector.MoveTo(all);
@@ -501,7 +536,10 @@ class parallel {
     failure.Rethrow();
     if (all.empty()) return;
     detail::Arrange(all, every);
-    for (const detail::Found& f : all) detail::Report(f, job.first, job.second);
+    if constexpr (std::is_floating_point_v<std::remove_pointer_t<decltype(job.first)>>) {
+      detail::Reporter reporter;
+      for (const detail::Found& f : all) reporter.Report(job, accuracy, f);
+    }
     if (detail::g_waiting.load(std::memory_order_relaxed) != 0) detail::RethrowWaiting();
   }
 

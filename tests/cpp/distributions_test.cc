@@ -56,21 +56,21 @@ TEST(Distributions, GiveWhatTheCCallsGive) {
   COMPARE_INTEGER((pexquo::uniform_int{-3, 17}), Uniform, -3, 17);
   COMPARE_INTEGER((pexquo::bernoulli{0.25}), Bernoulli, 0.25);
   COMPARE_INTEGER((pexquo::geometric{0.25}), Geometric, 0.25);
-#ifdef PEXQUO_TEST_GAMMA
+#ifdef PEXQUO_HAS_GAMMA
   COMPARE_REAL((pexquo::gamma{1.5, 3, 0.5}), Gamma, 0, 1.5f, 3, 0.5f);
   COMPARE_REAL((pexquo::beta{1.5, 2.5, 3, 0.5}), Beta, 0, 1.5f, 2.5f, 3, 0.5f);
 #endif
-#ifdef PEXQUO_TEST_BINOMIAL
+#ifdef PEXQUO_HAS_BINOMIAL
   COMPARE_INTEGER((pexquo::binomial{40, 0.25}), Binomial, 40, 0.25);
   COMPARE_INTEGER((pexquo::hypergeometric{50, 20, 10}), Hypergeometric, 50, 20, 10);
 #endif
-#ifdef PEXQUO_TEST_POISSON
+#ifdef PEXQUO_HAS_POISSON
   COMPARE_INTEGER((pexquo::poisson{3.5}), Poisson, 3.5);
   COMPARE_INTEGER((pexquo::negative_binomial{2.5, 0.25}), Negbinomial, 2.5, 0.25);
 #endif
 }
 
-#ifdef PEXQUO_TEST_POISSON
+#ifdef PEXQUO_HAS_POISSON
 TEST(Distributions, PoissonOfManyMeans) {
   std::vector<double> means(kCount);
   for (std::size_t i = 0; i < kCount; ++i) means[i] = 0.5 + static_cast<double>(i);

@@ -16,7 +16,7 @@ set(prefix ${WORK}/moved)
 
 # What is public is there, and nothing of the inside.
 foreach(header IN ITEMS pex.h pex_functions.h pex_elements.h quo.h kro.h
-    pexquo.h front_functions.h)
+    pexquo.h front_functions.h pexquo.hpp functions.hpp function_list.hpp)
   if(NOT EXISTS ${prefix}/include/pexquo/${header})
     message(FATAL_ERROR "include/pexquo/${header} is not installed")
   endif()
