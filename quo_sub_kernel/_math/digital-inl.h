@@ -155,7 +155,7 @@ inline void DigitalDoubles(DigitalState& s, size_t n, double* r, double a, doubl
 
 inline void DigitalFloats(DigitalState& s, size_t n, float* r, double a, double b) {
   if (a == 0 && b == 1) {
-    GenerateDigital(s, n, r, Floats(Fractions()));
+    GenerateDigital(s, n, r, FloatFractions());
   } else {
     GenerateDigital(s, n, r, Floats(Doubles((b - a) * 0x1p-32, a)));
   }
