@@ -53,8 +53,18 @@ HWY_INLINE void NextBlock(DigitalState& s) {
   WrapBase(base, s.dimension);
 }
 
-inline constexpr size_t kFewOutputs = 5;
+inline constexpr size_t kFewOutputs = 3;
 inline constexpr size_t kRound = 4;  // vectors
+
+// The first `count` of a vector; the others too where `room` allows.
+template <class Output>
+HWY_INLINE void PutFirst(WordVec words, size_t count, size_t room, typename Output::T* r,
+                         const Output& output) {
+  if (room >= kWordLanes) return output.Put(words, r);
+  typename Output::T all[kWordLanes];
+  output.Put(words, all);
+  std::memcpy(r, all, count * sizeof(*all));
+}
 
 // `count` outputs from word p of the block on, of which `room` may be written: beyond the count
 // stands anything. Where the block is one point there is no table.
@@ -78,6 +88,7 @@ HWY_INLINE void Run(DigitalState& s, size_t p, size_t count, size_t room, typena
     const WordVec x = hn::LoadU(tag, base + o);
     return kTable ? hn::Xor(x, hn::LoadU(tag, from)) : x;
   };
+  if (count <= kWordLanes) return PutFirst(words(table, s.place), count, room, r, output);
   // Places in the point are modulo the dimension; from each, kWrap words can be read on.
   constexpr size_t kPerWrap = kWrap / kWordLanes;
   constexpr size_t kGroups = kRound / kPerWrap;
@@ -104,10 +115,7 @@ HWY_INLINE void Run(DigitalState& s, size_t p, size_t count, size_t room, typena
     table += kWordLanes;
     r += kWordLanes;
   }
-  if (left == 0) return;
-  typename Output::T last[kWordLanes];
-  output.Put(words(table, o), last);
-  std::memcpy(r, last, left * sizeof(*last));
+  if (left != 0) PutFirst(words(table, o), left, left, r, output);
 }
 
 // n outputs, n at least 1.
@@ -145,12 +153,13 @@ HWY_INLINE void GenerateDigital(DigitalState& s, size_t n, typename Output::T* r
   }
 }
 
+// On [0, 1): exact, so nothing depends on the control word and no flag rises.
+inline void DigitalUnits(DigitalState& s, size_t n, double* r) {
+  GenerateDigital(s, n, r, Fractions());
+}
+
 inline void DigitalDoubles(DigitalState& s, size_t n, double* r, double a, double b) {
-  if (a == 0 && b == 1) {
-    GenerateDigital(s, n, r, Fractions());
-  } else {
-    GenerateDigital(s, n, r, Doubles((b - a) * 0x1p-32, a));
-  }
+  GenerateDigital(s, n, r, Doubles((b - a) * 0x1p-32, a));
 }
 
 inline void DigitalFloats(DigitalState& s, size_t n, float* r, double a, double b) {

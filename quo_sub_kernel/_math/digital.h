@@ -95,6 +95,12 @@ constexpr uint32_t SeededDimension(const DigitalShape& shape, int32_t n, const u
   return n < 1 || params[0] - 1 >= shape.dimensions ? 1 : params[0];
 }
 
+// Whether a is +0 and b 1, asked of the bits, as comparing numbers may raise flags.
+constexpr bool IsUnitInterval(double a, double b) {
+  return std::bit_cast<uint64_t>(a) == 0 &&
+         std::bit_cast<uint64_t>(b) == std::bit_cast<uint64_t>(1.0);
+}
+
 inline DigitalState* DigitalOf(StreamState* stream) {
   return reinterpret_cast<DigitalState*>(stream + 1);
 }

@@ -19,6 +19,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace quo::HWY_NAMESPACE {
 
+void uNiederr(DigitalState* state, size_t n, double* r) { DigitalUnits(*state, n, r); }
 void dNiederr(DigitalState* state, size_t n, double* r, double a, double b) {
   DigitalDoubles(*state, n, r, a, b);
 }
@@ -33,6 +34,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace quo {
 
+HWY_EXPORT(uNiederr);
 HWY_EXPORT(dNiederr);
 HWY_EXPORT(sNiederr);
 HWY_EXPORT(iNiederr);
@@ -47,6 +49,10 @@ extern "C" QUO_API int32_t __quodBRngNiederr(StreamState* stream, int32_t n, dou
                                              double b) {
   if (n < 1) return QUO_OK;
   Repair(kNiederrShape, *DigitalOf(stream));
+  if (IsUnitInterval(a, b)) {
+    HWY_DYNAMIC_DISPATCH(uNiederr)(DigitalOf(stream), static_cast<size_t>(n), r);
+    return QUO_OK;
+  }
   const QuietGuard guard(ArePlainBounds(a, b));
   HWY_DYNAMIC_DISPATCH(dNiederr)(DigitalOf(stream), static_cast<size_t>(n), r, a, b);
   return QUO_OK;
