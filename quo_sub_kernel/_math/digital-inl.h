@@ -118,6 +118,22 @@ HWY_INLINE void Run(DigitalState& s, size_t p, size_t count, size_t room, typena
   if (left != 0) PutFirst(words(table, o), left, left, r, output);
 }
 
+// The outputs of as many whole points as n has where a block is one point and this is its start:
+// each is put while the base moves on. Returns their number.
+template <class Output>
+HWY_INLINE size_t WholePoints(DigitalState& s, size_t n, typename Output::T* r,
+                              const Output& output) {
+  const size_t d = s.dimension;
+  if (s.log_block != 0 || s.place != 0 || d < kWrap) return 0;
+  const size_t written = (d + kWordLanes - 1) / kWordLanes * kWordLanes;
+  size_t done = 0;
+  for (; n - done >= written && s.index != 0xFFFFFFFF; done += d) {
+    StepBase(s, ++s.index, [&](size_t k, WordVec x) HWY_ATTR { output.Put(x, r + done + k); });
+  }
+  if (done != 0) WrapBase(s.Base(), s.dimension);
+  return done;
+}
+
 // n outputs, n at least 1.
 template <class Output>
 HWY_INLINE void GenerateDigital(DigitalState& s, size_t n, typename Output::T* r,
@@ -125,14 +141,10 @@ HWY_INLINE void GenerateDigital(DigitalState& s, size_t n, typename Output::T* r
   const uint32_t d = s.dimension;
   const size_t block = size_t{d} << s.log_block;
   while (n != 0) {
-    const size_t vectors_end = (d + kWordLanes - 1) / kWordLanes * kWordLanes;
-    if (s.log_block == 0 && s.place == 0 && d >= kWrap && n >= vectors_end &&
-        s.index != 0xFFFFFFFF) {
-      StepBase(s, ++s.index, [&](size_t k, WordVec x) HWY_ATTR { output.Put(x, r + k); });
-      n -= d;
-      r += d;
-      continue;
-    }
+    const size_t whole = WholePoints(s, n, r, output);
+    n -= whole;
+    r += whole;
+    if (n == 0) return;
     const uint32_t point = s.index & ((1u << s.log_block) - 1);
     const size_t p = size_t{point} * d + s.place;
     const size_t count = std::min(n, block - p);

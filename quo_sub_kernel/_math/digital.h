@@ -35,8 +35,8 @@ inline constexpr uint32_t kWrap = 16;
 
 // Behind the stream's head. The rest of the state follows: the steps, [32 - q][dimension]; the
 // table, [2^q][dimension], none for q = 0; the base, [dimension], with its first kWrap elements
-// modulo the dimension behind it (for q = 0 these may stand behind the words that are copied, and
-// count for nothing). All else is 0.
+// modulo the dimension behind it (for q = 0 these may stand behind the words that are copied: no
+// output comes from them). All else is 0.
 struct DigitalState {
   uint32_t dimension;
   uint32_t log_block;  // q
