@@ -236,7 +236,8 @@ QUO_BRNG_FUNCTIONS(MT2203)
  * (where it may become b). Point 0, the origin, is passed over: the first point is that of index 1,
  * (1/2, 1/2 ...) of the Sobol sequence. After the 2^32 - 1 points of index 1 to 2^32 - 1, in which
  * each coordinate takes every value from 1 to 2^32 - 1 once, point 1 comes again. A run of 2^m
- * points that is a net begins at an index that is a multiple of 2^m: skip 2^m - 1 points first.
+ * points that is a net begins at an index that is a multiple of 2^m: skip 2^m - 1 points first, as
+ * many outputs times the dimension.
  *
  * Seed words: the first is the dimension s, the number of coordinates; none, 0 or one above the
  * most counts as 1. Further words are a user's set in place of the built-in one (below); the stream
@@ -246,9 +247,10 @@ QUO_BRNG_FUNCTIONS(MT2203)
  *
  * Skip-ahead moves on by any 64-bit count of outputs, coordinates, exactly. Leapfrog of stream k of
  * s streams, s the dimension and k below it, makes a stream of one dimension, coordinate k alone,
- * from its first value not yet delivered; any other k and s: -1002. Other methods: -2, and then the
- * stream stays as it was. Generation returns 0; a count of 0 or less draws nothing. A state of
- * other content, as a file may bring, draws something without leaving its bounds.
+ * from its first value not yet delivered (the chunk stays); any other k and s: -1002. Other
+ * methods: -2, and then the stream stays as it was. Generation returns 0; a count of 0 or less
+ * draws nothing. A state of other content, as a file may bring, draws something without leaving its
+ * bounds.
  *
  * The state: dimension s, q, index of the point to deliver from, number of the coordinate that is
  * next (unsigned 32-bit); then what places points, in blocks of 2^q. */

@@ -53,8 +53,18 @@ HWY_INLINE void NextBlock(DigitalState& s) {
   WrapBase(base, s.dimension);
 }
 
-inline constexpr size_t kFewOutputs = 5;
+inline constexpr size_t kFewOutputs = 3;
 inline constexpr size_t kRound = 4;  // vectors
+
+// The first `count` of a vector; the others too where `room` allows.
+template <class Output>
+HWY_INLINE void PutFirst(WordVec words, size_t count, size_t room, typename Output::T* r,
+                         const Output& output) {
+  if (room >= kWordLanes) return output.Put(words, r);
+  typename Output::T all[kWordLanes];
+  output.Put(words, all);
+  std::memcpy(r, all, count * sizeof(*all));
+}
 
 // `count` outputs from word p of the block on, of which `room` may be written: beyond the count
 // stands anything. Where the block is one point there is no table.
@@ -78,6 +88,7 @@ HWY_INLINE void Run(DigitalState& s, size_t p, size_t count, size_t room, typena
     const WordVec x = hn::LoadU(tag, base + o);
     return kTable ? hn::Xor(x, hn::LoadU(tag, from)) : x;
   };
+  if (count <= kWordLanes) return PutFirst(words(table, s.place), count, room, r, output);
   // Places in the point are modulo the dimension; from each, kWrap words can be read on.
   constexpr size_t kPerWrap = kWrap / kWordLanes;
   constexpr size_t kGroups = kRound / kPerWrap;
@@ -104,10 +115,23 @@ HWY_INLINE void Run(DigitalState& s, size_t p, size_t count, size_t room, typena
     table += kWordLanes;
     r += kWordLanes;
   }
-  if (left == 0) return;
-  typename Output::T last[kWordLanes];
-  output.Put(words(table, o), last);
-  std::memcpy(r, last, left * sizeof(*last));
+  if (left != 0) PutFirst(words(table, o), left, left, r, output);
+}
+
+// The outputs of as many whole points as n has where a block is one point and this is its start:
+// each is put while the base moves on. Returns their number.
+template <class Output>
+HWY_INLINE size_t WholePoints(DigitalState& s, size_t n, typename Output::T* r,
+                              const Output& output) {
+  const size_t d = s.dimension;
+  if (s.log_block != 0 || s.place != 0 || d < kWrap) return 0;
+  const size_t written = (d + kWordLanes - 1) / kWordLanes * kWordLanes;
+  size_t done = 0;
+  for (; n - done >= written && s.index != 0xFFFFFFFF; done += d) {
+    StepBase(s, ++s.index, [&](size_t k, WordVec x) HWY_ATTR { output.Put(x, r + done + k); });
+  }
+  if (done != 0) WrapBase(s.Base(), s.dimension);
+  return done;
 }
 
 // n outputs, n at least 1.
@@ -117,14 +141,10 @@ HWY_INLINE void GenerateDigital(DigitalState& s, size_t n, typename Output::T* r
   const uint32_t d = s.dimension;
   const size_t block = size_t{d} << s.log_block;
   while (n != 0) {
-    const size_t vectors_end = (d + kWordLanes - 1) / kWordLanes * kWordLanes;
-    if (s.log_block == 0 && s.place == 0 && d >= kWrap && n >= vectors_end &&
-        s.index != 0xFFFFFFFF) {
-      StepBase(s, ++s.index, [&](size_t k, WordVec x) HWY_ATTR { output.Put(x, r + k); });
-      n -= d;
-      r += d;
-      continue;
-    }
+    const size_t whole = WholePoints(s, n, r, output);
+    n -= whole;
+    r += whole;
+    if (n == 0) return;
     const uint32_t point = s.index & ((1u << s.log_block) - 1);
     const size_t p = size_t{point} * d + s.place;
     const size_t count = std::min(n, block - p);
@@ -145,17 +165,18 @@ HWY_INLINE void GenerateDigital(DigitalState& s, size_t n, typename Output::T* r
   }
 }
 
+// On [0, 1): exact, so nothing depends on the control word and no flag rises.
+inline void DigitalUnits(DigitalState& s, size_t n, double* r) {
+  GenerateDigital(s, n, r, Fractions());
+}
+
 inline void DigitalDoubles(DigitalState& s, size_t n, double* r, double a, double b) {
-  if (a == 0 && b == 1) {
-    GenerateDigital(s, n, r, Fractions());
-  } else {
-    GenerateDigital(s, n, r, Doubles((b - a) * 0x1p-32, a));
-  }
+  GenerateDigital(s, n, r, Doubles((b - a) * 0x1p-32, a));
 }
 
 inline void DigitalFloats(DigitalState& s, size_t n, float* r, double a, double b) {
   if (a == 0 && b == 1) {
-    GenerateDigital(s, n, r, Floats(Fractions()));
+    GenerateDigital(s, n, r, FloatFractions());
   } else {
     GenerateDigital(s, n, r, Floats(Doubles((b - a) * 0x1p-32, a)));
   }

@@ -35,8 +35,8 @@ inline constexpr uint32_t kWrap = 16;
 
 // Behind the stream's head. The rest of the state follows: the steps, [32 - q][dimension]; the
 // table, [2^q][dimension], none for q = 0; the base, [dimension], with its first kWrap elements
-// modulo the dimension behind it (for q = 0 these may stand behind the words that are copied, and
-// count for nothing). All else is 0.
+// modulo the dimension behind it (for q = 0 these may stand behind the words that are copied: no
+// output comes from them). All else is 0.
 struct DigitalState {
   uint32_t dimension;
   uint32_t log_block;  // q
@@ -93,6 +93,12 @@ int32_t KeepSeeds(StreamState* stream, uint32_t key, size_t n, const uint32_t* w
 // The dimension that the first of n seed words asks for.
 constexpr uint32_t SeededDimension(const DigitalShape& shape, int32_t n, const uint32_t* params) {
   return n < 1 || params[0] - 1 >= shape.dimensions ? 1 : params[0];
+}
+
+// Whether a is +0 and b 1, asked of the bits, as comparing numbers may raise flags.
+constexpr bool IsUnitInterval(double a, double b) {
+  return std::bit_cast<uint64_t>(a) == 0 &&
+         std::bit_cast<uint64_t>(b) == std::bit_cast<uint64_t>(1.0);
 }
 
 inline DigitalState* DigitalOf(StreamState* stream) {

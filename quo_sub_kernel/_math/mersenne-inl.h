@@ -19,6 +19,7 @@
 
 #include "hwy/highway.h"
 #include "quo_sub_kernel/_math/mersenne.h"
+#include "quo_sub_kernel/_math/words-inl.h"
 
 #if defined(QUO_SUB_KERNEL__MATH_MERSENNE_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef QUO_SUB_KERNEL__MATH_MERSENNE_INL_H_
@@ -31,10 +32,6 @@ HWY_BEFORE_NAMESPACE();
 namespace quo::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
-
-using WordTag = hn::ScalableTag<uint32_t>;
-using WordVec = hn::Vec<WordTag>;
-inline constexpr size_t kWordLanes = hn::MaxLanes(WordTag());
 
 // The bits of `yes` under the mask, the others of `no`.
 template <class V>
@@ -219,19 +216,7 @@ struct TwisterFloatsFromZero {
   float scale;
   template <class D>
   HWY_INLINE void Write(D d, hn::Vec<D> w, float* r) const {
-    const hn::Rebind<float, D> df;
-#if HWY_TARGET == HWY_AVX3
-    hn::StoreU(hn::Mul(hn::ConvertTo(df, w), hn::Set(df, scale)), df, r);
-#else
-    // The halves of w below the units of 2^39 and 2^23 scale, whose last places are 2^16 scale and
-    // the scale; the difference of the former is exact, and the sum rounds.
-    const hn::Repartition<uint16_t, D> d16;
-    const float low_unit = 0x1p23f * scale, high_unit = 0x1p39f * scale;
-    const auto low = hn::OddEven(hn::BitCast(d16, hn::Set(df, low_unit)), hn::BitCast(d16, w));
-    const auto high = hn::Or(hn::ShiftRight<16>(w), hn::BitCast(d, hn::Set(df, high_unit)));
-    const auto rest = hn::Sub(hn::BitCast(df, high), hn::Set(df, high_unit + low_unit));
-    hn::StoreU(hn::Add(rest, hn::BitCast(df, low)), df, r);
-#endif
+    hn::StoreU(ScaledFloats(d, w, scale), hn::Rebind<float, D>(), r);
   }
   HWY_INLINE void WriteOne(uint32_t w, float* r) const {
     const float x = static_cast<float>(w) * scale;

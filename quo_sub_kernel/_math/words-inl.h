@@ -112,6 +112,38 @@ class Fractions : public Doubles {
   }
 };
 
+// w scale rounded once to single, for a power of two that keeps all on the way in the normal range.
+template <class D>
+HWY_INLINE hn::Vec<hn::Rebind<float, D>> ScaledFloats(D d, hn::Vec<D> w, float scale) {
+  const hn::Rebind<float, D> df;
+#if HWY_TARGET == HWY_AVX3
+  (void)d;
+  return hn::Mul(hn::ConvertTo(df, w), hn::Set(df, scale));
+#else
+  // The halves of w below the units of 2^39 and 2^23 scale, whose last places are 2^16 scale and
+  // the scale; the difference of the former is exact, and the sum rounds.
+  const hn::Repartition<uint16_t, D> d16;
+  const float low_unit = 0x1p23f * scale, high_unit = 0x1p39f * scale;
+  const auto low = hn::OddEven(hn::BitCast(d16, hn::Set(df, low_unit)), hn::BitCast(d16, w));
+  const auto high = hn::Or(hn::ShiftRight<16>(w), hn::BitCast(d, hn::Set(df, high_unit)));
+  const auto rest = hn::Sub(hn::BitCast(df, high), hn::Set(df, high_unit + low_unit));
+  return hn::Add(rest, hn::BitCast(df, low));
+#endif
+}
+
+// Floats(Fractions()) in fewer operations.
+class FloatFractions {
+ public:
+  using T = float;
+  HWY_INLINE void Put(WordVec w, T* r) const {
+    hn::StoreU(ScaledFloats(WordTag(), w, 0x1p-32f), hn::ScalableTag<float>(), r);
+  }
+  HWY_INLINE void One(uint32_t w, T* r) const {
+    const float y = static_cast<float>(w) * 0x1p-32f;
+    std::memcpy(r, &y, sizeof(y));
+  }
+};
+
 // Computed in double and rounded to single at the end.
 template <class Wide>
 class Floats {

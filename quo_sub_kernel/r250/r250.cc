@@ -124,7 +124,7 @@ void dR250(StateR250* state, size_t n, double* r, double a, double b) {
 }
 void sR250(StateR250* state, size_t n, float* r, double a, double b) {
   if (a == 0 && b == 1) {
-    Generate250(*state, n, r, Floats(Fractions()));
+    Generate250(*state, n, r, FloatFractions());
   } else {
     Generate250(*state, n, r, Floats(Doubles((b - a) * 0x1p-32, a)));
   }

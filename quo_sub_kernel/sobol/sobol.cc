@@ -18,6 +18,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace quo::HWY_NAMESPACE {
 
+void uSobol(DigitalState* state, size_t n, double* r) { DigitalUnits(*state, n, r); }
 void dSobol(DigitalState* state, size_t n, double* r, double a, double b) {
   DigitalDoubles(*state, n, r, a, b);
 }
@@ -131,6 +132,7 @@ int32_t Seed(StreamState* stream, int32_t n, const uint32_t* params) {
 
 }  // namespace
 
+HWY_EXPORT(uSobol);
 HWY_EXPORT(dSobol);
 HWY_EXPORT(sSobol);
 HWY_EXPORT(iSobol);
@@ -145,6 +147,10 @@ extern "C" QUO_API int32_t __quodBRngSobol(StreamState* stream, int32_t n, doubl
                                            double b) {
   if (n < 1) return QUO_OK;
   Repair(kSobolShape, *DigitalOf(stream));
+  if (IsUnitInterval(a, b)) {
+    HWY_DYNAMIC_DISPATCH(uSobol)(DigitalOf(stream), static_cast<size_t>(n), r);
+    return QUO_OK;
+  }
   const QuietGuard guard(ArePlainBounds(a, b));
   HWY_DYNAMIC_DISPATCH(dSobol)(DigitalOf(stream), static_cast<size_t>(n), r, a, b);
   return QUO_OK;
