@@ -7,7 +7,7 @@
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
+#include <cstdint>
 
 #include "hwy/highway.h"
 #include "quo_kernel/_kernel/rejection.h"
