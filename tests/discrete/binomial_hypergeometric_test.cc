@@ -116,6 +116,12 @@ bool Accept(const Law& law, double u, double v, int64_t* k) {
          law.LogProbability(*k) - law.LogProbability(mode);
 }
 
+// 1/2 - |u - 1/2| where the candidate, before its floor is taken, is k.
+double EdgeOf(const quo::TableMountain& hat, double k) {
+  const double h = std::fabs(k - hat.c) + 2 * hat.a - hat.b / 2;
+  return (std::sqrt(h * h + 4 * hat.a * hat.b) - h) / (2 * hat.b);
+}
+
 std::vector<int32_t> Defined(const Law& law, StreamState* stream, int32_t n) {
   bool complement, of_marked;
   const Law reduced = Reduced(law, &complement, &of_marked);
@@ -255,6 +261,36 @@ TEST(Counts, OfTheLeastAndTheLargestUniforms) {
     if (law.Variance() <= 60) continue;
     const auto want = Defined(law, Stream(scripted::Start(s)), 300);
     levels::ForEach([&] { EXPECT_EQ(law.Draw(Stream(scripted::Start(s)), 300), want); });
+  }
+}
+
+// So far out that no other test comes here: v next to its bound, for some k of the whole range.
+TEST(Counts, AreTestedExactlyFarOut) {
+  for (const Law& law :
+       {B(242, 0.5), B(1000, 0.07), B(100000, 1e-3), H(1000, 500, 500), H(100000, 300, 30000)}) {
+    SCOPED_TRACE(testing::PrintToString(law));
+    const auto mean = static_cast<double>(law.Mean());
+    const quo::TableMountain hat(mean, static_cast<double>(law.Variance()), law.p);
+    Script s;
+    s.values.clear();
+    for (int64_t k = 0; k <= law.Most(); k += k < 20 ? 1 : 7) {
+      if (std::fabs(static_cast<double>(k) - mean) < 60) continue;
+      const double e = EdgeOf(hat, static_cast<double>(k) + 0.5);
+      const double u = static_cast<double>(k) < mean ? e : 1 - e;
+      const Real log_f = law.LogProbability(k) - law.LogProbability(std::lround(mean));
+      const Real bound = std::exp(log_f) * (hat.a / (Real{e} * e) + hat.b) / hat.alpha;
+      if (bound < 1e-300L) continue;
+      for (const double side : {1 - 1e-3, 1 + 1e-3, 1 - 1e-6, 1 + 1e-6}) {
+        s.values.insert(s.values.end(), {u, static_cast<double>(bound) * side, 0.5, 0.25});
+      }
+    }
+    ASSERT_GT(s.values.size(), 100u);
+    const auto n = static_cast<int32_t>(s.values.size() / 4);
+    const auto want = Defined(law, Stream(scripted::Start(s)), n);
+    EXPECT_GT(std::count_if(want.begin(), want.end(),
+                            [&](int32_t k) { return std::fabs(k - mean) >= 60; }),
+              n / 4);
+    levels::ForEach([&] { EXPECT_EQ(law.Draw(Stream(scripted::Start(s)), n), want); });
   }
 }
 
@@ -517,15 +553,11 @@ TEST(TableMountain, CoversBothLaws) {
     for (auto k = static_cast<int64_t>(mean) - 2; k <= mean + 2; ++k) {
       peak = std::max(peak, law.LogProbability(std::clamp(k, law.Least(), law.Most())));
     }
-    // 1/2 - |u - 1/2| where the candidate becomes k: root of x^2 b + ((k - c) - b/2 + 2a) x - a
-    const auto edge_of = [&](double k) {
-      const double z = std::fabs(k - hat.c), h = z + 2 * hat.a - hat.b / 2;
-      return (std::sqrt(h * h + 4 * hat.a * hat.b) - h) / (2 * hat.b);
-    };
     double highest = 0, least_room = 1;
     for (int64_t k = first; k <= last; k += std::max<int64_t>(1, (last - first) / 400)) {
       const auto f = static_cast<double>(std::exp(law.LogProbability(k) - peak));
-      const double at = edge_of(static_cast<double>(k)), to = edge_of(static_cast<double>(k) + 1);
+      const double at = EdgeOf(hat, static_cast<double>(k));
+      const double to = EdgeOf(hat, static_cast<double>(k) + 1);
       const double inner = k < hat.c && hat.c < k + 1 ? 0.5 : std::max(at, to);
       const double outer = std::min(at, to);
       const auto passes = [&](double e) { return f * (hat.a / (e * e) + hat.b) / hat.alpha; };

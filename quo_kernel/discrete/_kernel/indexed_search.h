@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <iterator>
 #include <limits>
 
 #include "pexquo/pex.h"
@@ -52,7 +51,7 @@ double Probability(const Cells<kCells>& law, double k) {
 template <int kCells>
 ValueTable Tabulate(const Cells<kCells>& law) {
   constexpr double kNothing = 0x1p-70, kFew = 0x1p-34;
-  constexpr int kRoom = 256;  // to either side of the mode; the farthest used is 140
+  constexpr int kRoom = 128;  // to either side of the mode; the farthest mass is 88 from it
   double mass[2 * kRoom];
   double* const f = mass + kRoom;  // f[j] of mode + j
   int low = 0, high = 0;

@@ -4,7 +4,7 @@
 // algorithm BTRS; the quick rejection at the rim is that of his PTRS, "The transformed rejection
 // method for generating Poisson random variables", Insurance: Mathematics and Economics 12, 1993.)
 //
-// The exact test takes ln f(k)/f(mode) from deviances: 10^-11 off at most, whatever the counts.
+// The exact test takes ln f(k)/f(mode) from deviances, right to 3e-9 whatever the counts.
 #ifndef QUO_KERNEL_DISCRETE__KERNEL_TRANSFORMED_REJECTION_H_
 #define QUO_KERNEL_DISCRETE__KERNEL_TRANSFORMED_REJECTION_H_
 

@@ -33,7 +33,7 @@ Law LawOf(double ntrial, double p) {
 }
 
 struct Constants {
-  double p;  // as given
+  double p;  // from 0 to 1
   int32_t ntrial;
   int32_t reserved;
   union {
@@ -56,9 +56,11 @@ Constants* FindConstants(const StreamState* stream) {
   return nullptr;
 }
 
-// Those of the stream, or `own` where there is no memory for them.
+// Those of the stream, or `own` where there is no memory for them. New ones match nothing.
 Constants* FindOrAddConstants(StreamState* stream, Constants* own) {
   if (Constants* found = FindConstants(stream)) return found;
+  *own = {};
+  own->ntrial = -1;
   void* data = kro_serv_kro_malloc(sizeof(Constants), 32);
   if (data == nullptr) return own;
   std::memcpy(data, own, sizeof(Constants));
@@ -82,8 +84,7 @@ extern "C" QUO_API int32_t _quoiRngBinomial(uint32_t, StreamState* stream, int32
   const bool failures = p > 0.5;
   const Reflection reflected = failures ? Reflection{ntrial, -1} : Reflection{};
 
-  Constants own = {};
-  own.ntrial = -1;
+  Constants own;
   Constants* constants = FindOrAddConstants(stream, &own);
   const bool known = constants->Match(ntrial, p);
   const Law law = LawOf(ntrial, failures ? 1 - p : p);
