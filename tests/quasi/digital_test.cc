@@ -23,7 +23,7 @@ class Quasi : public testing::TestWithParam<Kind> {
   // Around the widths of vectors, and where blocks of points grow shorter.
   std::vector<uint32_t> Dimensions() const {
     std::vector<uint32_t> all;
-    for (const uint32_t d : {1,  2,  3,  4,  5,   7,   8,   11,  15,  16,  17,  31, 32,
+    for (const uint32_t d : {1,  2,  3,  4,  5,   7,   8,   11,  15,  16,  17,  31,  32,
                              33, 39, 40, 64, 159, 200, 282, 283, 308, 309, 312, 317, 318}) {
       if (d <= GetParam().dimensions) all.push_back(d);
     }
