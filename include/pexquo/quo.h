@@ -484,23 +484,23 @@ QUO_API int32_t _quoiRngGeometric(uint32_t method, StreamState* stream, int32_t 
  * without a step back. Each probability is then as sharp as the generator's doubles: to 2^-32 for
  * one of 32 bits, so that a value of a smaller probability may be seen too often or never; u = 0
  * counts as 2^-33. The search is indexed (H.-C. Chen and Y. Asau, AIIE Transactions 6, 1974). Above
- * 60 it is transformed rejection with a squeeze, two uniforms for each of 1.13 to 1.23 candidates on
- * average (W. Hoermann, J. Statistical Computation and Simulation 46, 1993, algorithm BTRS, and
- * Insurance: Mathematics and Economics 12, 1993, for the rim), which ends only with a generator that
- * does not go on giving one and the same candidate. Probabilities come from deviances (C. Loader,
- * Fast and accurate computation of binomial probabilities, 2000): those of tables are right to 1e-13
- * relative, those of the rejection to 3e-9, whatever the counts. */
+ * 60 it is transformed rejection with a squeeze, two uniforms for each of 1.13 to 1.23 candidates
+ * on average (W. Hoermann, J. Statistical Computation and Simulation 46, 1993, algorithm BTRS, and
+ * Insurance: Mathematics and Economics 12, 1993, for the rim), which ends only with a generator
+ * that does not go on giving one and the same candidate. Probabilities come from deviances (C.
+ * Loader, Fast and accurate computation of binomial probabilities, 2000): those of tables are right
+ * to 1e-13 relative, those of the rejection to 3e-9, whatever the counts. */
 
 /* Binomial: the successes of ntrial trials, each with probability p. Below 0 ntrial counts as 0; p
- * below 0 and NaN as 0, above 1 as 1. The set-up is kept with the stream in a chunk of key 5 and 544
- * bytes and is made anew where ntrial or p has changed; without memory for the chunk it is made for
- * each call. A chunk of another size is passed over. What a stream file brings in this chunk is
+ * below 0 and NaN as 0, above 1 as 1. The set-up is kept with the stream in a chunk of key 5 and
+ * 544 bytes and is made anew where ntrial or p has changed; without memory for the chunk it is made
+ * for each call. A chunk of another size is passed over. What a stream file brings in this chunk is
  * taken as it is, as far as it gives numbers from 0 to ntrial. */
 QUO_API int32_t _quoiRngBinomial(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
                                  int32_t ntrial, double p);
 /* Hypergeometric: the marked elements among s that are drawn without replacement from a lot of l,
- * of which m are marked. l counts as 0 below 0, s and m as the nearest of 0 and l where they are not
- * between. The set-up, about 0.2 microseconds, is made for each call. */
+ * of which m are marked. l counts as 0 below 0, s and m as the nearest of 0 and l where they are
+ * not between. The set-up, about 0.2 microseconds, is made for each call. */
 QUO_API int32_t _quoiRngHypergeometric(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
                                        int32_t l, int32_t s, int32_t m);
 
