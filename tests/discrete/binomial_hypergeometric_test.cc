@@ -15,6 +15,7 @@
 
 #include "pexquo/pex.h"
 #include "pexquo/quo.h"
+#include "quo_kernel/discrete/_kernel/indexed_search.h"
 #include "quo_kernel/discrete/_kernel/transformed_rejection.h"
 #include "tests/discrete/counts.h"
 #include "tests/streams/counted_memory.h"
@@ -376,6 +377,33 @@ TEST(BinomialChunk, HoldsTheSetUpOfTheLastParameters) {
       EXPECT_EQ(next.Draw(used, 100), next.Draw(fresh, 100));
       EXPECT_EQ(Chunk(used), Chunk(fresh));
       EXPECT_EQ(__quoGetNumChunks(used), 1);
+    }
+  }
+}
+
+// The thresholds of the search, in both tails: those above the mode are 1 less a sum.
+TEST(BinomialChunk, TabulatesTheDistributionFunction) {
+  for (const Law& law : kLaws) {
+    if (law.l != 0 || law.p > 0.5 || law.Variance() > 60) continue;
+    SCOPED_TRACE(testing::PrintToString(law));
+    const Stream stream(QUO_BRNG_MCG59);
+    law.Draw(stream, 1);
+    const auto chunk = Chunk(stream);
+    quo::ValueTable table;
+    std::memcpy(&table, &chunk[16], sizeof(table));
+    const auto want = DistributionFunction(law);
+    const auto at = [&](int32_t k) { return want[static_cast<size_t>(k)]; };
+    if (table.first > 0) {
+      EXPECT_NEAR(static_cast<double>(table.below / at(table.first - 1)), 1, 1e-13);
+    }
+    const Real mode = std::floor((law.s + Real{1}) * law.p);
+    for (int32_t j = 0; j < table.count; ++j) {
+      const int32_t k = table.first + j;
+      if (k < mode) {
+        EXPECT_NEAR(static_cast<double>(table.upto[j] / at(k)), 1, 1e-13) << k;
+      } else {
+        EXPECT_NEAR(static_cast<double>(table.upto[j] - at(k)), 0, 1e-14) << k;
+      }
     }
   }
 }
