@@ -132,6 +132,7 @@ constexpr Takes TakesOf(normal_method method) {
 /// Uniform on [a, b), a < b. Rounding may give b itself, unless the numbers are clamped.
 class uniform : public detail::Distribution<uniform, double> {
  public:
+  /// Of the parameters below.
   explicit constexpr uniform(double the_a = 0, double the_b = 1, bool the_clamp = false)
       : a(the_a), b(the_b), clamp(the_clamp) {}
 
@@ -157,6 +158,7 @@ class uniform : public detail::Distribution<uniform, double> {
 /// Integers from a to b - 1, a < b: without the upper bound, unlike std::uniform_int_distribution.
 class uniform_int : public detail::Distribution<uniform_int, std::int32_t> {
  public:
+  /// Of the parameters below.
   explicit constexpr uniform_int(std::int32_t the_a = 0, std::int32_t the_b = 2)
       : a(the_a), b(the_b) {}
 
@@ -194,6 +196,7 @@ class uniform_bits : public detail::Distribution<uniform_bits, std::uint32_t> {
 /// Normal.
 class normal : public detail::Distribution<normal, double> {
  public:
+  /// Of the parameters below.
   explicit constexpr normal(double the_mean = 0, double the_sigma = 1,
                             normal_method the_method = normal_method::icdf)
       : mean(the_mean), sigma(the_sigma), method(the_method) {}
@@ -250,6 +253,7 @@ class normal_mv : public detail::Distribution<normal_mv, double> {
     }
   }
 
+  /// How many numbers a vector has.
   std::size_t dimension() const noexcept { return mean_.size(); }
 
   /// \cond
@@ -282,6 +286,7 @@ class normal_mv : public detail::Distribution<normal_mv, double> {
 /// Exponential beyond a: density e^(-(x - a)/beta)/beta.
 class exponential : public detail::Distribution<exponential, double> {
  public:
+  /// Of the parameters below.
   explicit constexpr exponential(double the_a = 0, double the_beta = 1)
       : a(the_a), beta(the_beta) {}
 
@@ -303,6 +308,7 @@ class exponential : public detail::Distribution<exponential, double> {
 /// Laplace (two-sided exponential) about a.
 class laplace : public detail::Distribution<laplace, double> {
  public:
+  /// Of the parameters below.
   explicit constexpr laplace(double the_a = 0, double the_beta = 1) : a(the_a), beta(the_beta) {}
 
   double a;     ///< mean
@@ -323,6 +329,7 @@ class laplace : public detail::Distribution<laplace, double> {
 /// Weibull beyond a.
 class weibull : public detail::Distribution<weibull, double> {
  public:
+  /// Of the parameters below.
   explicit constexpr weibull(double the_alpha = 1, double the_a = 0, double the_beta = 1)
       : alpha(the_alpha), a(the_a), beta(the_beta) {}
 
@@ -345,6 +352,7 @@ class weibull : public detail::Distribution<weibull, double> {
 /// Cauchy about a.
 class cauchy : public detail::Distribution<cauchy, double> {
  public:
+  /// Of the parameters below.
   explicit constexpr cauchy(double the_a = 0, double the_beta = 1) : a(the_a), beta(the_beta) {}
 
   double a;     ///< median
@@ -365,6 +373,7 @@ class cauchy : public detail::Distribution<cauchy, double> {
 /// Rayleigh beyond a, with mean square beta^2 there.
 class rayleigh : public detail::Distribution<rayleigh, double> {
  public:
+  /// Of the parameters below.
   explicit constexpr rayleigh(double the_a = 0, double the_beta = 1) : a(the_a), beta(the_beta) {}
 
   double a;     ///< displacement
@@ -386,6 +395,7 @@ class rayleigh : public detail::Distribution<rayleigh, double> {
 /// hold one over.
 class lognormal : public detail::Distribution<lognormal, double> {
  public:
+  /// Of the parameters below.
   explicit constexpr lognormal(double the_mean = 0, double the_sigma = 1, double the_b = 0,
                                double the_beta = 1)
       : mean(the_mean), sigma(the_sigma), b(the_b), beta(the_beta) {}
@@ -411,6 +421,7 @@ class lognormal : public detail::Distribution<lognormal, double> {
 /// Gumbel of least values: density e^z e^(-e^z)/beta with z = (x - a)/beta.
 class gumbel : public detail::Distribution<gumbel, double> {
  public:
+  /// Of the parameters below.
   explicit constexpr gumbel(double the_a = 0, double the_beta = 1) : a(the_a), beta(the_beta) {}
 
   double a;     ///< mode
@@ -431,6 +442,7 @@ class gumbel : public detail::Distribution<gumbel, double> {
 /// Gamma beyond a.
 class gamma : public detail::Distribution<gamma, double> {
  public:
+  /// Of the parameters below.
   explicit constexpr gamma(double the_alpha = 1, double the_a = 0, double the_beta = 1)
       : alpha(the_alpha), a(the_a), beta(the_beta) {}
 
@@ -453,6 +465,7 @@ class gamma : public detail::Distribution<gamma, double> {
 /// Beta on [a, a + scale].
 class beta : public detail::Distribution<beta, double> {
  public:
+  /// Of the parameters below.
   explicit constexpr beta(double the_p = 1, double the_q = 1, double the_a = 0,
                           double the_scale = 1)
       : p(the_p), q(the_q), a(the_a), scale(the_scale) {}
@@ -477,6 +490,7 @@ class beta : public detail::Distribution<beta, double> {
 /// 1 with probability p, else 0.
 class bernoulli : public detail::Distribution<bernoulli, std::int32_t> {
  public:
+  /// Of the parameters below.
   explicit constexpr bernoulli(double the_p = 0.5) : p(the_p) {}
 
   double p;  ///< from 0 to 1
@@ -493,6 +507,7 @@ class bernoulli : public detail::Distribution<bernoulli, std::int32_t> {
 /// Failures before the first success.
 class geometric : public detail::Distribution<geometric, std::int32_t> {
  public:
+  /// Of the parameters below.
   explicit constexpr geometric(double the_p = 0.5) : p(the_p) {}
 
   double p;  ///< probability of a success, above 0, to 1
@@ -509,6 +524,7 @@ class geometric : public detail::Distribution<geometric, std::int32_t> {
 /// Successes of a number of trials.
 class binomial : public detail::Distribution<binomial, std::int32_t> {
  public:
+  /// Of the parameters below.
   explicit constexpr binomial(std::int32_t the_trials = 1, double the_p = 0.5)
       : trials(the_trials), p(the_p) {}
 
@@ -527,6 +543,7 @@ class binomial : public detail::Distribution<binomial, std::int32_t> {
 /// Poisson.
 class poisson : public detail::Distribution<poisson, std::int32_t> {
  public:
+  /// Of the parameters below.
   explicit constexpr poisson(double the_mean = 1) : mean(the_mean) {}
 
   double mean;  ///< above 0
@@ -544,6 +561,7 @@ class poisson : public detail::Distribution<poisson, std::int32_t> {
 /// are drawn, and have to live until then.
 class poisson_v {
  public:
+  /// Of these means, not copied.
   explicit poisson_v(std::span<const double> means) : means_(means) {}
 
   /// Fills a contiguous range of std::int32_t.
@@ -580,6 +598,7 @@ class poisson_v {
 /// Marked ones in a sample drawn without putting back.
 class hypergeometric : public detail::Distribution<hypergeometric, std::int32_t> {
  public:
+  /// Of the parameters below.
   explicit constexpr hypergeometric(std::int32_t the_population = 2,
                                     std::int32_t the_sample_size = 1, std::int32_t the_marked = 1)
       : population(the_population), sample_size(the_sample_size), marked(the_marked) {}
@@ -600,6 +619,7 @@ class hypergeometric : public detail::Distribution<hypergeometric, std::int32_t>
 /// Failures before the a-th success.
 class negative_binomial : public detail::Distribution<negative_binomial, std::int32_t> {
  public:
+  /// Of the parameters below.
   explicit constexpr negative_binomial(double the_a = 1, double the_p = 0.5) : a(the_a), p(the_p) {}
 
   double a;  ///< above 0, not only integers

@@ -391,6 +391,7 @@ class parallel {
       : threads_(threads != 0 ? threads : std::max(1u, std::thread::hardware_concurrency())),
         block_(std::max<std::size_t>(block, 1)) {}
 
+  /// How many threads work on a large array.
   unsigned threads() const noexcept { return threads_; }
 
   /// f(a, r), f(a, b, r) or f(a, r1, r2) as f itself does, on the cores. Helping threads compute

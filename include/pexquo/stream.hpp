@@ -71,7 +71,7 @@ inline generator generator_named(std::string_view wanted,
 
 /// A member of a family, counted from 0.
 struct member {
-  std::int32_t number = 0;
+  std::int32_t number = 0;  ///< from 0 to members(generator) - 1
 };
 
 /// The 32-bit words that a stream starts from: a number of up to 64 bits, a list of words, or any
@@ -240,9 +240,12 @@ class stream {
 /// \endcode
 class family {
  public:
+  /// The members of a generator, from one seed.
   family(generator g, seed_words seed) : generator_(g), seed_(std::move(seed)) {}
-  explicit family(std::string_view generator_name, seed_words seed,
-                  std::source_location where = std::source_location::current())
+  /// The same by the name.
+  /// \throws argument_error for an unknown one
+  family(std::string_view generator_name, seed_words seed,
+         std::source_location where = std::source_location::current())
       : family(generator_named(generator_name, where), std::move(seed)) {}
 
   /// How many there are.
