@@ -102,7 +102,9 @@ class element_error {
 /// Thrown by error_scope::check.
 class evaluation_error : public error {
  public:
+  /// \param first the first one
   /// \param count how many there are, this one included
+  /// \param where the place of the check
   evaluation_error(element_error first, std::size_t count, std::source_location where)
       : error("pexquo::error_scope",
               first.text() + (count > 1 ? " (and " + std::to_string(count - 1) + " more)" : ""),

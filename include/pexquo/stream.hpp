@@ -89,11 +89,15 @@ class seed_words {
     words_.push_back(static_cast<std::uint32_t>(number));
     if (number >> 32 != 0) words_.push_back(static_cast<std::uint32_t>(number >> 32));
   }
+  /// These words.
   seed_words(std::initializer_list<std::uint32_t> words) : words_(words) {}  // NOLINT
-  seed_words(std::span<const std::uint32_t> words)                           // NOLINT
+  /// A copy of these words.
+  seed_words(std::span<const std::uint32_t> words)  // NOLINT
       : words_(words.begin(), words.end()) {}
+  /// These words.
   seed_words(std::vector<std::uint32_t> words) : words_(std::move(words)) {}  // NOLINT
 
+  /// The words.
   std::span<const std::uint32_t> words() const noexcept { return words_; }
 
  private:
@@ -138,6 +142,7 @@ class stream {
                                        static_cast<std::int64_t>(words.size()), words.data()),
                         where);
   }
+  /// The same by the family's name.
   stream(std::string_view generator_name, member m, const seed_words& seed,
          std::source_location where = std::source_location::current())
       : stream(generator_named(generator_name, where), m, seed, where) {}
@@ -155,12 +160,14 @@ class stream {
     detail::CheckStatus("pexquo::stream", quoCopyStream(&handle_, other.handle_),
                         std::source_location::current());
   }
+  /// Becomes a copy.
   stream& operator=(const stream& other) {
     if (this != &other) *this = stream(other);
     return *this;
   }
   /// What is moved from can only be assigned to or destroyed; all else throws stream_error.
   stream(stream&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+  /// Takes over the other.
   stream& operator=(stream&& other) noexcept {
     std::swap(handle_, other.handle_);
     return *this;
