@@ -17,7 +17,6 @@
 #include <optional>
 #include <source_location>
 #include <string>
-#include <system_error>
 #include <thread>
 #include <type_traits>
 #include <utility>
@@ -70,8 +69,8 @@ class Helpers {
   void Hire(std::size_t others) {
     try {
       for (; count_ < others; ++count_) std::thread([this] { Help(); }).detach();
-    } catch (const std::system_error&) {
-      // The system gives no more threads: those that are there have to do.
+    } catch (const std::exception&) {
+      // The system gives no more threads, or no memory: those that are there have to do.
     }
   }
 
