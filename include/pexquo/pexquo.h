@@ -51,8 +51,8 @@ PEXQUO_API const char* pexquoVersion(void);
  * they are reported in the same way, under the public name ("vdExp"), with the number of the
  * refused parameter, counted from 1, as the index.
  *
- * Arrays of more than 2^31 - 1 elements are computed in pieces, with the same results. The index of
- * an element in an error record is that in the whole array, modulo 2^32: the record's field has 32
+ * Long arrays are computed in pieces of 2^30 elements, with the same results. The index of an
+ * element in an error record is that in the whole array, modulo 2^32: the record's field has 32
  * bits. Where _pexSetInterfInputVectorPointer has set a base, indices count from there.
  *
  * The functions whose names end in Mode take a mode word for this one call, as their last argument:
@@ -63,10 +63,8 @@ PEXQUO_API const char* pexquoVersion(void);
 
 /* Values of the accuracy field; what is none of them counts as PEX_ACCURACY_HA. */
 #define PEX_ACCURACY_LA 1u /* within 1 to 4 ulp */
-#define PEX_ACCURACY_HA                                                                           \
-  2u                       /* within 1 ulp, mostly 0.55; single precision often correctly rounded \
-                            */
-#define PEX_ACCURACY_EP 3u /* 26 correct bits in double, 11 in single precision; the fastest */
+#define PEX_ACCURACY_HA 2u /* within 1 ulp, mostly 0.55 */
+#define PEX_ACCURACY_EP 3u /* 26 correct bits in double, 11 in single precision */
 
 #include "pexquo/front_functions.h"
 
@@ -189,8 +187,9 @@ PEXQUO_API int32_t quosNewAbstractStream(QuoStream** stream, int32_t n, float* b
 PEXQUO_API int32_t quoDeleteStream(QuoStream** stream);
 /* A new stream that goes on as `source` does. */
 PEXQUO_API int32_t quoCopyStream(QuoStream** copy, const QuoStream* source);
-/* Makes a stream go on as another of the same generator does. QUO_DIFFERENT_BRNGS, and then the
- * destination is as before. The step of a stream that leaps is not copied. */
+/* Makes a stream go on as another of the same generator, and the same member of a family, does.
+ * QUO_DIFFERENT_BRNGS, and then the destination is as before. The step of a stream that leaps is
+ * not copied. */
 PEXQUO_API int32_t quoCopyStreamState(QuoStream* destination, const QuoStream* source);
 /* From now on the stream delivers elements k, k + nstreams, k + 2 nstreams ... of its sequence,
  * counted from where it stands, 0 <= k < nstreams. QUO_BAD_STREAM_COUNT for nstreams < 1,

@@ -286,6 +286,21 @@ TEST(Registry, AnswersAndTakesGenerators) {
   EXPECT_TRUE(StandAlike(own.get(), built_in.get()));
 }
 
+TEST(CopyStreamState, TellsAUsersRowFromALegacyOneOfItsNumber) {
+  constexpr int32_t kLegacySobol = 277;
+  BrngProperties record;
+  ASSERT_EQ(quoGetBrngProperties(QUO_BRNG_MRG32K3A, &record), QUO_OK);
+  int32_t id = 0;
+  while ((id >> 20) - 1 < kLegacySobol) ASSERT_GT(id = quoRegisterBrng(&record), 0);
+  QuoStream* sobol = nullptr;
+  if (quoNewStream(&sobol, kLegacySobol, 1) == QUO_INVALID_BRNG)
+    GTEST_SKIP() << "no such generator";
+  const OwnedStream legacy(sobol), users = NewStream(id);
+  EXPECT_EQ(quoCopyStreamState(users.get(), legacy.get()), QUO_DIFFERENT_BRNGS);
+  const OwnedStream same = NewStream(id);
+  EXPECT_TRUE(StandAlike(users.get(), same.get()));
+}
+
 int32_t RefuseToSeed(int32_t, QuoStream*, int32_t, const uint32_t*) { return -77; }
 
 TEST(NewStream, OfAGeneratorThatRefusesIsNotLeftBehind) {
