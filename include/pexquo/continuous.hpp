@@ -127,7 +127,13 @@ class normal_mv : public detail::Distribution<normal_mv, double> {
 
   /// \cond
   static constexpr std::string_view kName = "pexquo::normal_mv";
-  detail::Takes takes() const { return detail::TakesOf(method_); }
+  // Large full factors are multiplied by the system's BLAS, whose rounding may go by the number of
+  // vectors: they are not drawn in blocks.
+  detail::Takes takes() const {
+    constexpr std::size_t kMostByItself = 10;
+    return storage_ == storage::full && dimension() > kMostByItself ? detail::Takes::varying
+                                                                    : detail::TakesOf(method_);
+  }
   std::size_t unit(const stream&) const { return dimension(); }
   std::int32_t draw(QuoStream* s, std::int64_t n, double* r) const {
     return quodRngGaussianMV(static_cast<std::int32_t>(method_), s, n, r,

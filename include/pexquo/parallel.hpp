@@ -92,8 +92,9 @@ class parallel {
   ///   what is made of them is done at once;
   /// - abstract and other registered streams, and gamma, beta, binomial, poisson, hypergeometric
   /// and
-  ///   negative_binomial, whose numbers take as many outputs as they need: by the calling thread.
-  ///   Members of a family serve there: see for_each.
+  ///   negative_binomial, whose numbers take as many outputs as they need, and normal_mv of more
+  ///   than 10 dimensions in full storage, which the system's BLAS multiplies: by the calling
+  ///   thread. Members of a family serve there: see for_each.
   /// \throws argument_error before the stream has moved; stream_error, and then the stream stands
   ///         somewhere ahead and the range is filled in part
   template <typename D, typename R>
@@ -142,8 +143,7 @@ class parallel {
         }
       });
     };
-    detail::Helpers::Shared().Run(std::min<std::size_t>(threads_, std::max<std::size_t>(n, 1)) - 1,
-                                  work);
+    detail::Helpers::Shared().Run(Others(n), work);
     environment.SetFlags();
     failure.Rethrow();
   }
