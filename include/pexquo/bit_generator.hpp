@@ -36,6 +36,7 @@ namespace pexquo {
 template <generator G>
 requires(G != generator::sobol && G != generator::niederr) class bit_generator {
  public:
+  /// Words of 32 bits, whatever the generator.
   using result_type = std::uint32_t;
 
   /// On a stream of its own.
@@ -54,7 +55,9 @@ requires(G != generator::sobol && G != generator::niederr) class bit_generator {
     }
   }
 
+  /// The least.
   static constexpr result_type min() { return G == generator::mcg31m1 ? 1 : 0; }
+  /// The greatest.
   static constexpr result_type max() {
     switch (G) {
       case generator::mcg31m1:
@@ -68,6 +71,7 @@ requires(G != generator::sobol && G != generator::niederr) class bit_generator {
     }
   }
 
+  /// The next one.
   result_type operator()() {
     if (next_ == kWords) Refill();
     return words_[next_++];

@@ -27,7 +27,9 @@ namespace pexquo {
 class error : public std::runtime_error {
  public:
   /// \param function the public name, "pexquo::exp"
+  /// \param reason   a sentence without a full stop
   /// \param status   the code of the library below (pexquo/pexquo.h), 0 where it was not asked
+  /// \param where    the place of the call
   error(std::string_view function, std::string_view reason, std::int32_t status,
         std::source_location where)
       : std::runtime_error(Text(function, reason, where)), status_(status), where_(where) {}

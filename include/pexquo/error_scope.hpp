@@ -52,7 +52,7 @@ constexpr std::string_view name(reason why) {
 /// none.
 class element_error {
  public:
-  reason why{};
+  reason why{};           ///< what is special about it
   std::size_t index = 0;  ///< in the arrays of the call; of arrays beyond 2^32 elements modulo 2^32
   std::string function;   ///< the public C name: "vdLn"
 
@@ -65,6 +65,7 @@ class element_error {
   std::span<double> results() {
     return {results_.data(), Count(std::begin(detail::kTwoResults), std::end(detail::kTwoResults))};
   }
+  /// \copydoc results
   std::span<const double> results() const {
     return {results_.data(), Count(std::begin(detail::kTwoResults), std::end(detail::kTwoResults))};
   }
@@ -101,6 +102,9 @@ class element_error {
 /// Thrown by error_scope::check.
 class evaluation_error : public error {
  public:
+  /// \param first the first one
+  /// \param count how many there are, this one included
+  /// \param where the place of the check
   evaluation_error(element_error first, std::size_t count, std::source_location where)
       : error("pexquo::error_scope",
               first.text() + (count > 1 ? " (and " + std::to_string(count - 1) + " more)" : ""),
@@ -146,6 +150,7 @@ struct error_options {
 /// \endcode
 class error_scope {
  public:
+  /// Begins to collect, in the calling thread.
   explicit error_scope(error_options options = {})
       : options_(std::move(options)),
         outer_(std::exchange(Innermost(), this)),
@@ -171,11 +176,15 @@ class error_scope {
 
   /// The errors so far, in the order of the calls and in each by ascending index.
   const std::vector<element_error>& errors() const noexcept { return errors_; }
+  /// The first of those kept.
   auto begin() const noexcept { return errors_.begin(); }
+  /// Behind the last of those kept.
   auto end() const noexcept { return errors_.end(); }
+  /// One of those kept.
   const element_error& operator[](std::size_t i) const { return errors_[i]; }
   /// How many there were, kept or not.
   std::size_t size() const noexcept { return count_; }
+  /// Whether there was none.
   bool empty() const noexcept { return count_ == 0; }
   /// Forgets them.
   void clear() noexcept {

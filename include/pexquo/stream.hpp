@@ -71,7 +71,7 @@ inline generator generator_named(std::string_view wanted,
 
 /// A member of a family, counted from 0.
 struct member {
-  std::int32_t number = 0;
+  std::int32_t number = 0;  ///< from 0 to members(generator) - 1
 };
 
 /// The 32-bit words that a stream starts from: a number of up to 64 bits, a list of words, or any
@@ -89,11 +89,15 @@ class seed_words {
     words_.push_back(static_cast<std::uint32_t>(number));
     if (number >> 32 != 0) words_.push_back(static_cast<std::uint32_t>(number >> 32));
   }
+  /// These words.
   seed_words(std::initializer_list<std::uint32_t> words) : words_(words) {}  // NOLINT
-  seed_words(std::span<const std::uint32_t> words)                           // NOLINT
+  /// A copy of these words.
+  seed_words(std::span<const std::uint32_t> words)  // NOLINT
       : words_(words.begin(), words.end()) {}
+  /// These words.
   seed_words(std::vector<std::uint32_t> words) : words_(std::move(words)) {}  // NOLINT
 
+  /// The words.
   std::span<const std::uint32_t> words() const noexcept { return words_; }
 
  private:
@@ -138,6 +142,7 @@ class stream {
                                        static_cast<std::int64_t>(words.size()), words.data()),
                         where);
   }
+  /// The same by the family's name.
   stream(std::string_view generator_name, member m, const seed_words& seed,
          std::source_location where = std::source_location::current())
       : stream(generator_named(generator_name, where), m, seed, where) {}
@@ -155,12 +160,14 @@ class stream {
     detail::CheckStatus("pexquo::stream", quoCopyStream(&handle_, other.handle_),
                         std::source_location::current());
   }
+  /// Becomes a copy.
   stream& operator=(const stream& other) {
     if (this != &other) *this = stream(other);
     return *this;
   }
   /// What is moved from can only be assigned to or destroyed; all else throws stream_error.
   stream(stream&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+  /// Takes over the other.
   stream& operator=(stream&& other) noexcept {
     std::swap(handle_, other.handle_);
     return *this;
@@ -240,9 +247,12 @@ class stream {
 /// \endcode
 class family {
  public:
+  /// The members of a generator, from one seed.
   family(generator g, seed_words seed) : generator_(g), seed_(std::move(seed)) {}
-  explicit family(std::string_view generator_name, seed_words seed,
-                  std::source_location where = std::source_location::current())
+  /// The same by the name.
+  /// \throws argument_error for an unknown one
+  family(std::string_view generator_name, seed_words seed,
+         std::source_location where = std::source_location::current())
       : family(generator_named(generator_name, where), std::move(seed)) {}
 
   /// How many there are.

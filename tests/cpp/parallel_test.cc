@@ -143,6 +143,10 @@ TEST(ParallelFill, PairsGiveTheSerialBits) {
 TEST(ParallelFill, VectorsGiveTheSerialBits) {
   const pexquo::normal_mv vectors({0, 1, 2}, {1, 0.5, 0.25, 2, 0.5, 3}, pexquo::storage::packed);
   for (const stream& s : Streams()) CompareBoth(vectors, s, "normal_mv");
+  std::vector<double> factor(13 * 13);
+  for (std::size_t i = 0; i < factor.size(); ++i) factor[i] = 1 / (1 + static_cast<double>(i));
+  const pexquo::normal_mv many(std::vector<double>(13, 1), factor);
+  CompareBoth(many, stream("mcg59", 1), "normal_mv by BLAS");
 }
 
 TEST(ParallelFill, AbstractStreamsAreLeftToOneThread) {
