@@ -957,8 +957,8 @@ struct cosh_calls {
 }  // namespace detail
 
 /// cosh: the hyperbolic cosine of a. Reports overflow (code 3, result inf). Bounds in double: HA
-/// 0.55 ulp, LA 2 ulp, EP at least 26 bits; in single: HA 0.50001 ulp, LA 2 ulp, EP at least 11
-/// bits.
+/// 0.55 ulp, LA 2 ulp, EP at least 26 bits; in single: HA correctly rounded, LA 2 ulp, EP at least
+/// 11 bits.
 ///
 /// Complex cosh: cosh a. One computation for all tiers. No overflow or underflow on the way. No
 /// cuts. Infinite real parts give infinite parts, with the signs of cos and sin of the imaginary
@@ -1056,8 +1056,8 @@ struct erfc_calls {
 }  // namespace detail
 
 /// erfc: 1 - the error function of a. Reports underflow (code 4, result subnormal or 0). Bounds in
-/// double: HA 0.57 ulp, LA 2 ulp, EP at least 26 bits; in single: HA 0.50001 ulp, LA 2 ulp, EP at
-/// least 11 bits.
+/// double: HA 0.57 ulp, LA 2 ulp, EP at least 26 bits; in single: HA correctly rounded, LA 2 ulp,
+/// EP at least 11 bits.
 inline constexpr unary_function<detail::erfc_calls> erfc{};
 
 namespace detail {
