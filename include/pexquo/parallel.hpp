@@ -165,7 +165,7 @@ class parallel {
     const bool every = ((mode & PEX_ERRMODE_CALLBACK) != 0 && pexGetErrorCallBack() != nullptr) ||
                        (mode & PEX_ERRMODE_STDERR) != 0;
     const std::size_t blocks = (job.size - 1) / block_ + 1;
-    std::atomic<std::size_t> next{0};
+    detail::Blocks shares(blocks, Others(blocks) + 1);
     std::mutex merging;
     std::vector<detail::Found> all;
     detail::FirstException failure;
@@ -174,12 +174,12 @@ class parallel {
       environment.Run([&] {
         try {
           detail::Collector collector(accuracy, every);
-          for (std::size_t i; (i = next.fetch_add(1, std::memory_order_relaxed)) < blocks;) {
+          shares.Work([&](std::size_t i) {
             const std::size_t first = i * block_;
             collector.Begin(first);
             const std::int32_t status = job.piece(0, first, std::min(block_, job.size - first));
             if (status < 0) detail::ThrowRefused(Job::Function::name, status, where);
-          }
+          });
           const std::lock_guard lock(merging);
           collector.MoveTo(all);
         } catch (...) {

@@ -106,6 +106,33 @@ class Helpers {
   std::size_t count_ = 0;
 };
 
+// Blocks given out to threads: to each the neighbours of what it had, as long as there are, and
+// then those of the others.
+class Blocks {
+ public:
+  Blocks(std::size_t blocks, std::size_t threads) : blocks_(blocks), next_(threads) {
+    for (std::size_t t = 0; t < threads; ++t) next_[t] = Begin(t);
+  }
+
+  // In each thread: f(i) for blocks i until none is left.
+  template <typename F>
+  void Work(F&& f) {
+    const std::size_t threads = next_.size();
+    const std::size_t mine = joined_.fetch_add(1, std::memory_order_relaxed);
+    for (std::size_t k = 0; k < threads; ++k) {
+      const std::size_t share = (mine + k) % threads, end = Begin(share + 1);
+      for (std::size_t i; (i = next_[share].fetch_add(1, std::memory_order_relaxed)) < end;) f(i);
+    }
+  }
+
+ private:
+  std::size_t Begin(std::size_t share) const { return blocks_ * share / next_.size(); }
+
+  std::size_t blocks_;
+  std::vector<std::atomic<std::size_t>> next_;
+  std::atomic<std::size_t> joined_{0};
+};
+
 // Rounding and flush modes of the calling thread for its helpers, and their exception flags for it.
 class FloatingPoint {
  public:
@@ -204,7 +231,7 @@ class Collector {
       const auto same = std::find_if(found_.begin(), found_.end(),
                                      [&](const Found& f) { return f.code == record.code; });
       if (same != found_.end()) {
-        *same = found;  // pieces come in ascending order
+        if (same->index < found.index) *same = found;
         return;
       }
     }
