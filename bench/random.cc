@@ -173,8 +173,10 @@ bool AddAll(const bench::Level&) {
   for (const bench::RandomPeer& peer : bench::RandomPeers()) {
     const std::string name = std::string(peer.generator) + "/" + peer.output +
                              (peer.same ? "/peer/" : "/other/") + peer.name;
-    for (int n : kLengths)
-      bench::Add(name, n, kNoUlp, [fill = peer.fill, n] { fill(n, Results()); });
+    for (int n : kLengths) {
+      if (n <= peer.longest)
+        bench::Add(name, n, kNoUlp, [fill = peer.fill, n] { fill(n, Results()); });
+    }
   }
   return true;
 }

@@ -332,11 +332,11 @@ constexpr PeerFill kBoost = Fill<BoostMt19937, T, Distribution>;
 #define POISSON(set, mean)                                                                          \
   {"MT19937", "poisson " set " i", "std", false, kStd<int32_t, StdPoisson<int32_t, mean>>},         \
   {"MT19937", "poisson " set " i", "Boost", false, kBoost<int32_t, BoostPoisson<int32_t, mean>>},   \
-  {"MT19937", "poisson " set " i", "GSL", false, kGsl<int32_t, GslPoisson<mean>>}
+  {"MT19937", "poisson " set " i", "GSL", false, kGsl<int32_t, GslPoisson<mean>>, 1000}
 #define NEGBINOMIAL(set, a, p)                                                                      \
   {"MT19937", "negbinomial " set " i", "std", false, kStd<int32_t, StdNegbinomial<a, p>>},          \
   {"MT19937", "negbinomial " set " i", "Boost", false, kBoost<int32_t, BoostNegbinomial<a, p>>},    \
-  {"MT19937", "negbinomial " set " i", "GSL", false, kGsl<int32_t, GslNegbinomial<double{a}, p>>}
+  {"MT19937", "negbinomial " set " i", "GSL", false, kGsl<int32_t, GslNegbinomial<double{a}, p>>, 1000}
 // clang-format on
 
 const RandomPeer kDistributions[] = {
@@ -356,11 +356,11 @@ const RandomPeer kDistributions[] = {
      FillPoissonV<std::poisson_distribution<int32_t>, StdMt19937>},
     {"MT19937", "poissonv i", "Boost", false,
      FillPoissonV<boost::random::poisson_distribution<int32_t>, BoostMt19937>},
-    {"MT19937", "poissonv i", "GSL", false, FillGslPoissonV},
+    {"MT19937", "poissonv i", "GSL", false, FillGslPoissonV, 1000},
     {"MT19937", "hypergeometric 100,30,20 i", "GSL", false,
      kGsl<int32_t, GslHypergeometric<100, 30, 20>>},
     {"MT19937", "hypergeometric 100000,3000,40000 i", "GSL", false,
-     kGsl<int32_t, GslHypergeometric<100000, 3000, 40000>>},
+     kGsl<int32_t, GslHypergeometric<100000, 3000, 40000>>, 1000},
     NEGBINOMIAL("5,0.4", 5, 0.4),
     NEGBINOMIAL("500,0.1", 500, 0.1),
 };

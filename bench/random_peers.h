@@ -19,6 +19,7 @@ struct RandomPeer {
   const char* name;  // "Boost"; GSL's, which have other parameters, with the name of the engine
   bool same;         // the generator's own parameters, seed 1: the same sequence
   PeerFill fill;
+  int longest = 1000000;  // less for loops that take microseconds a number
 };
 
 inline constexpr int kVectorDimension = 4;  // of "gaussianmv"

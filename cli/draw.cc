@@ -170,6 +170,9 @@ void DrawScalars(const DrawOptions& options, const quo::Distribution& d, Stream&
                                              ? double{ParameterOf<float>(options, p)}
                                              : ParameterOf<double>(options, p);
   }
+  if (d.name == "hypergeometric" && !(std::max(parameters[1], parameters[2]) <= parameters[0])) {
+    Fail("s and m are parts of the lot: at most l = ", NumberText(parameters[0]));
+  }
   if (sampler.type == 'd') {
     return DrawNumbers<double>(options, stream, count, sampler, method, parameters);
   }
@@ -296,6 +299,31 @@ void DrawGaussianMV(const DrawOptions& options, const quo::Distribution& d, Stre
   DrawVectors<float>(options, d, stream, count, _quosRngGaussianMV);
 }
 
+// Rows with one count for each of the means.
+void DrawPoissonV(const DrawOptions& options, const quo::Distribution& d, Stream& stream,
+                  uint64_t count) {
+  if (!options.type.empty() && options.type != "i") {
+    Fail("unknown type ", Quoted(options.type), "; of poissonv there is i");
+  }
+  MethodOf(options, d);
+  const auto mean = NumbersOf<double>("mean", options.mean.empty() ? "1" : options.mean);
+  for (const double m : mean) {
+    if (m < 0) Fail("--mean has ", NumberText(m), ", which is below 0");
+  }
+  if (mean.size() > kMaxDimension) Fail("there are at most ", kMaxDimension, " means");
+  std::vector<double> means;
+  while (means.size() < kBlock) means.insert(means.end(), mean.begin(), mean.end());
+  const size_t rows_at_once = means.size() / mean.size();
+  DrawRows<int32_t>(
+      options, count, static_cast<int>(mean.size()),
+      [&](int32_t n, int32_t* x) {
+        Expect(_quoiRngPoissonV(0, stream.state.get(), n * static_cast<int32_t>(mean.size()), x,
+                                means.data()),
+               stream, "poissonv");
+      },
+      rows_at_once);
+}
+
 const quo::Distribution& NamedDistribution(const DrawOptions& options) {
   const quo::Distribution* d = quo::FindDistribution(Normalized(options.distribution));
   if (d != nullptr) return *d;
@@ -318,7 +346,7 @@ void CheckOptions(const DrawOptions& options, const quo::Distribution& d) {
   }
   if (options.accurate && d.name != "uniform") Fail("--accurate is for uniform");
   if (d.name == "gaussianmv") return;
-  if (!options.mean.empty()) Fail(d.name, " has no parameter mean");
+  if (!options.mean.empty() && d.name != "poissonv") Fail(d.name, " has no parameter mean");
   if (!options.factor.empty()) Fail(d.name, " has no parameter factor");
   if (!options.storage.empty()) Fail("--storage is for gaussianmv");
 }
@@ -388,6 +416,8 @@ int Draw(const DrawOptions& given) {
     DrawBits(options, d, stream, count);
   } else if (d.name == "gaussianmv") {
     DrawGaussianMV(options, d, stream, count);
+  } else if (d.name == "poissonv") {
+    DrawPoissonV(options, d, stream, count);
   } else {
     DrawScalars(options, d, stream, count);
   }

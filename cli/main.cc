@@ -99,7 +99,8 @@ void AddDraw(CLI::App* command, DrawOptions* o) {
   for (const auto& [name, text] : help) {
     command->add_option("--" + name, o->parameters[name], "Parameter (" + text + ")");
   }
-  command->add_option("--mean", o->mean, "Mean vector of gaussianmv, by commas");
+  command->add_option("--mean", o->mean,
+                      "Mean vector of gaussianmv, the means of poissonv, by commas");
   command->add_option("--factor", o->factor, "Lower triangular factor T of its covariance T T'");
   command->add_option("--storage", o->storage,
                       "of --factor: full by rows (the default), packed by columns, or diagonal");

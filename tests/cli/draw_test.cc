@@ -183,7 +183,8 @@ TEST_F(DrawTest, EverythingListedCanBeDrawn) {
 TEST_F(DrawTest, SavedStreamsGoOn) {
   for (const char* what : {"gaussian --method boxmuller2 --a 3 --sigma 0.5", "uniformbits",
                            "gaussianmv --mean 1,2,3 --factor 1,2,3,4,5,6 --storage packed",
-                           "laplace --type s", "geometric --p 0.1"}) {
+                           "laplace --type s", "geometric --p 0.1", "gamma --alpha 0.3",
+                           "poisson --lambda 50", "poissonv --mean 0.5,40,3000"}) {
     for (const char* generator : {"mt19937", "mt2203:7", "r250", "mcg59"}) {
       const std::string draw = std::string(what) + " --format raw --count ";
       const std::string start = std::string(" --seed 5 --generator ") + generator;

@@ -499,17 +499,16 @@ int32_t AnyStart(int32_t, StreamState*, int32_t, const uint32_t*) { return QUO_O
 
 // Of the numbers that a sampler asks its generator for.
 int32_t KindOf(const quo::Sampler& sampler) {
+  const std::string_view name = sampler.distribution->name;
   switch (sampler.type) {
     case 'd':
       return QUO_BRNG_DABSTRACT;
-    case 's':
-      return QUO_BRNG_SABSTRACT;
+    case 's':  // gamma and beta are double results, rounded
+      return name == "gamma" || name == "beta" ? QUO_BRNG_DABSTRACT : QUO_BRNG_SABSTRACT;
     case 'w':
       return QUO_BRNG_IABSTRACT;
     default:
-      return sampler.distribution->name == "bernoulli" || sampler.distribution->name == "geometric"
-                 ? QUO_BRNG_SABSTRACT
-                 : QUO_BRNG_DABSTRACT;
+      return name == "bernoulli" || name == "geometric" ? QUO_BRNG_SABSTRACT : QUO_BRNG_DABSTRACT;
   }
 }
 
