@@ -21,7 +21,7 @@ for command in "" list eval draw; do
   echo
 done > "$build/program.txt"
 doxygen site/Doxyfile
-/usr/bin/python3 -m sphinx -W --keep-going -q -j auto -b html site "$build/html"
+/usr/bin/python3 -m sphinx -E -W --keep-going -q -j auto -b html site "$build/html"
 echo "the site is $build/html/index.html"
 
 if [[ ${1:-} == --pictures ]]; then

@@ -120,7 +120,8 @@ class seed_words {
 class stream {
  public:
   /// A stream of a generator from its seed.
-  /// \throws argument_error, stream_error if the generator refuses
+  /// \throws argument_error if the generator refuses
+  /// \throws stream_error if the generator refuses
   stream(generator g, const seed_words& seed,
          std::source_location where = std::source_location::current())
       : stream(g, member{0}, seed, where) {}
@@ -197,7 +198,8 @@ class stream {
   }
 
   /// The stream of a file; it goes on where the saved one stood.
-  /// \throws file_error, stream_error
+  /// \throws file_error if it cannot be read
+  /// \throws stream_error if it is no stream
   [[nodiscard]] static stream load(const std::filesystem::path& path,
                                    std::source_location where = std::source_location::current()) {
     stream s;
