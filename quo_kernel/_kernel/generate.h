@@ -4,6 +4,9 @@
 #ifndef QUO_KERNEL__KERNEL_GENERATE_H_
 #define QUO_KERNEL__KERNEL_GENERATE_H_
 
+#include <algorithm>
+#include <cstdint>
+
 #include "quo_sub_kernel/_service/_quo_brng.h"
 
 namespace quo {
@@ -22,6 +25,22 @@ inline int32_t Generate(StreamState* stream, int32_t n, float* r, float a, float
 inline int32_t Generate(StreamState* stream, int32_t n, uint32_t* r) {
   const BrngProperties* brng = FindBrng(stream->id);
   return brng == nullptr ? QUO_INVALID_BRNG : brng->iBRng(stream, n, r);
+}
+
+// One uniform on [a, b) for each of n numbers at r, in blocks: transform(m, u, r) makes m numbers
+// of u, its to overwrite and kBlock long. After a negative status r holds the blocks that were
+// done.
+template <int32_t kBlock, typename U, typename T, class Transform>
+int32_t GenerateInBlocks(StreamState* stream, int32_t n, T* r, U a, U b, Transform&& transform) {
+  alignas(64) U u[kBlock];
+  int32_t status = QUO_OK;
+  for (int32_t left = n; left > 0; left -= kBlock, r += kBlock) {
+    const int32_t m = std::min(left, kBlock);
+    status = Generate(stream, m, u, a, b);
+    if (status < 0) break;
+    transform(m, u, r);
+  }
+  return status;
 }
 
 // Whether requests to the stream's generator may be split at will: the library's own generators

@@ -103,17 +103,10 @@ class InversionTable {
 // n numbers at r, each `least` more than what the table gives for one uniform.
 inline int32_t DrawByTable(StreamState* stream, int32_t n, int32_t* r, const double* cdf,
                            int32_t size, int32_t least = 0) {
-  constexpr int32_t kBlock = 1024;
   const InversionTable table(cdf, size, n);
-  alignas(64) double u[kBlock];
-  int32_t status = QUO_OK;
-  for (int32_t left = n; left > 0; left -= kBlock, r += kBlock) {
-    const int32_t m = std::min(left, kBlock);
-    status = Generate(stream, m, u, 0.0, 1.0);
-    if (status < 0) break;
-    table.Search(m, u, r, least);
-  }
-  return status;
+  return GenerateInBlocks<1024>(
+      stream, n, r, 0.0, 1.0,
+      [&](int32_t m, const double* u, int32_t* x) { table.Search(m, u, x, least); });
 }
 
 }  // namespace quo

@@ -14,8 +14,8 @@
 #include <cstring>
 #include <type_traits>
 
-#include "pexquo/kro.h"
 #include "pexquo/quo.h"
+#include "quo_kernel/_kernel/chunk.h"
 
 namespace quo {
 
@@ -53,31 +53,15 @@ uint64_t SealOf(const C& constants) {
   return seal;
 }
 
-// The first chunk of that key and size, or null.
-template <class C>
-C* FindSetUp(const StreamState* stream, uint32_t key) {
-  for (const StreamChunk* chunk = stream->chunks; chunk != nullptr; chunk = chunk->next) {
-    if (chunk->key == key && chunk->size == sizeof(C) && chunk->data != nullptr) {
-      return static_cast<C*>(chunk->data);
-    }
-  }
-  return nullptr;
-}
-
 // The constants for the parameters, from the stream's chunk or computed into it; into `own` where
 // it cannot be had.
 template <class C, class... Parameters>
 const C& SetUp(StreamState* stream, uint32_t key, C& own, Parameters... parameters) {
-  C* kept = FindSetUp<C>(stream, key);
+  C* kept = FindChunk<C>(stream, key);
   if (kept != nullptr) {
     if (kept->head.seal == SealOf(*kept) && kept->IsFor(parameters...)) return *kept;
-  } else {
-    void* data = kro_serv_kro_malloc(sizeof(C), 32);
-    if (data != nullptr && __quoAddChunk(stream, key, data, sizeof(C)) < 0) {
-      kro_serv_kro_free(data);
-      data = nullptr;
-    }
-    kept = data != nullptr ? static_cast<C*>(data) : &own;
+  } else if ((kept = AddChunk<C>(stream, key)) == nullptr) {
+    kept = &own;
   }
   std::memset(static_cast<void*>(kept), 0, sizeof(C));
   kept->Compute(parameters...);

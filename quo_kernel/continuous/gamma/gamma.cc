@@ -9,8 +9,8 @@
 #include <cstdint>
 
 #include "hwy/highway.h"
-#include "pexquo/kro.h"
 #include "quo_kernel/_kernel/borrow.h"
+#include "quo_kernel/_kernel/chunk.h"
 #include "quo_kernel/_kernel/compress-inl.h"
 #include "quo_kernel/_kernel/passes.h"
 #include "quo_kernel/_kernel/rejection.h"
@@ -167,23 +167,10 @@ struct Constants {
 // another size, as a file may bring, is passed over; one of another content is as of another shape.
 template <typename T>
 int32_t FindOrAddShape(StreamState* stream, double alpha, const GammaShape** shape) {
-  Constants* constants = nullptr;
-  for (const StreamChunk* chunk = stream->chunks; chunk != nullptr; chunk = chunk->next) {
-    if (chunk->key == Key<T>() && chunk->size == sizeof(Constants) && chunk->data != nullptr) {
-      constants = static_cast<Constants*>(chunk->data);
-      break;
-    }
-  }
-  if (constants == nullptr) {
-    constants = static_cast<Constants*>(kro_serv_kro_malloc(sizeof(Constants), 32));
-    if (constants == nullptr) return QUO_NO_MEMORY;
-    *constants = {alpha, GammaShape(alpha)};
-    const int32_t status = __quoAddChunk(stream, Key<T>(), constants, sizeof(Constants));
-    if (status < 0) {
-      kro_serv_kro_free(constants);
-      return status;
-    }
-  } else if (constants->alpha != alpha || !constants->shape.Fits(alpha)) {
+  auto* constants = FindChunk<Constants>(stream, Key<T>());
+  const bool added = constants == nullptr;
+  if (added && (constants = AddChunk<Constants>(stream, Key<T>())) == nullptr) return QUO_NO_MEMORY;
+  if (added || constants->alpha != alpha || !constants->shape.Fits(alpha)) {
     *constants = {alpha, GammaShape(alpha)};
   }
   *shape = &constants->shape;
@@ -192,15 +179,9 @@ int32_t FindOrAddShape(StreamState* stream, double alpha, const GammaShape** sha
 
 template <typename T>
 int32_t Exponential(StreamState* stream, int32_t n, T* r, double a, double beta) {
-  alignas(64) double u[kBlock];
-  int32_t status = QUO_OK;
-  for (int32_t left = n; left > 0; left -= kBlock, r += kBlock) {
-    const int32_t m = std::min(left, kBlock);
-    status = Generate(stream, m, u, 0.0, 1.0);
-    if (status < 0) break;
-    Level<T>::Exponentials(m, u, r, a, beta);
-  }
-  return status;
+  return GenerateInBlocks<kBlock>(stream, n, r, 0.0, 1.0, [=](int32_t m, double* u, T* x) {
+    Level<T>::Exponentials(m, u, x, a, beta);
+  });
 }
 
 template <typename T>

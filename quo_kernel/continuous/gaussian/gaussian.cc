@@ -14,6 +14,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 
@@ -23,8 +24,8 @@
 #include "pex_core/_heap/real/log-inl.h"
 #include "pex_core/_heap/real/slog-inl.h"
 #include "pex_core/erfinv/erfinv_special.h"
-#include "pexquo/kro.h"
 #include "quo_kernel/_kernel/borrow.h"
+#include "quo_kernel/_kernel/chunk.h"
 #include "quo_kernel/_kernel/generate.h"
 #include "quo_kernel/_kernel/unaligned.h"
 #include "quo_kernel/_kernel/vector_math.h"
@@ -369,33 +370,16 @@ int32_t BoxMuller(StreamState* stream, int32_t n, T* r, T a, T sigma) {
 
 constexpr int kNonePending = -1;  // in place of the first uniform
 
-// The uniforms of a pair whose second value is still to come. A chunk of another size, as a file
-// may bring, is passed over.
+// The uniforms of a pair whose second value is still to come, null where there is no memory for
+// them.
 template <typename T>
-T* FindPending(const StreamState* stream) {
-  for (const StreamChunk* chunk = stream->chunks; chunk != nullptr; chunk = chunk->next) {
-    if (chunk->key == Math<T>::kChunkKey && chunk->size == 2 * sizeof(T) &&
-        chunk->data != nullptr) {
-      return static_cast<T*>(chunk->data);
-    }
-  }
-  return nullptr;
-}
-
-template <typename T>
-int32_t FindOrAddPending(StreamState* stream, T** pending) {
-  *pending = FindPending<T>(stream);
-  if (*pending != nullptr) return QUO_OK;
-  auto* data = static_cast<T*>(kro_serv_kro_malloc(2 * sizeof(T), 32));
-  if (data == nullptr) return QUO_NO_MEMORY;
-  data[0] = data[1] = kNonePending;
-  const int32_t status = __quoAddChunk(stream, Math<T>::kChunkKey, data, 2 * sizeof(T));
-  if (status < 0) {
-    kro_serv_kro_free(data);
-    return status;
-  }
-  *pending = data;
-  return QUO_OK;
+std::array<T, 2>* FindOrAddPending(StreamState* stream) {
+  using Pending = std::array<T, 2>;
+  auto* pending = FindChunk<Pending>(stream, Math<T>::kChunkKey);
+  if (pending != nullptr) return pending;
+  pending = AddChunk<Pending>(stream, Math<T>::kChunkKey);
+  if (pending != nullptr) pending->fill(kNonePending);
+  return pending;
 }
 
 // The two values of one pair, by the functions that blocks of pairs use.
@@ -418,9 +402,10 @@ struct OnePair {
 // fail any more: at once where the generator cannot.
 template <typename T>
 int32_t BoxMuller2(StreamState* stream, int32_t n, T* r, T a, T sigma) {
-  T* pending;
-  int32_t status = FindOrAddPending(stream, &pending);
-  if (status < 0) return status;
+  auto* const kept = FindOrAddPending<T>(stream);
+  if (kept == nullptr) return QUO_NO_MEMORY;
+  T* const pending = kept->data();
+  int32_t status = QUO_OK;
   const bool at_once = RequestsAreUnseen(stream);
   const T factor = at_once ? sigma : T(1), shift = at_once ? a : T(-0.0);  // x 1 + -0 is x
 

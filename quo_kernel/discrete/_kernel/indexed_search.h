@@ -163,23 +163,18 @@ int32_t DrawByTable(StreamState* stream, int32_t n, int32_t* r, const Cells<kCel
     return before + static_cast<int32_t>(x);
   };
 
-  alignas(64) double u[kBlock];
-  int32_t status = QUO_OK;
-  for (int32_t left = n; left > 0; left -= kBlock, r += kBlock) {
-    const int32_t m = std::min(left, kBlock);
-    status = Generate(stream, m, u, 0.0, 1.0);
-    if (status < 0) break;
-    if (n < kWorthCells) {
-      for (int32_t i = 0; i < m; ++i) Put(r + i, reflected(search(u[i])));
-      break;
-    }
-    for (int32_t i = 0; i < m; ++i) {
-      const uint32_t x = index.At(u[i]);
-      const int32_t k = x - 1 < count ? before + static_cast<int32_t>(x) : search(u[i]);
-      Put(r + i, reflected(k));
-    }
-  }
-  return status;
+  return GenerateInBlocks<kBlock>(
+      stream, n, r, 0.0, 1.0, [&](int32_t m, const double* u, int32_t* to) {
+        if (n < kWorthCells) {
+          for (int32_t i = 0; i < m; ++i) Put(to + i, reflected(search(u[i])));
+          return;
+        }
+        for (int32_t i = 0; i < m; ++i) {
+          const uint32_t x = index.At(u[i]);
+          const int32_t k = x - 1 < count ? before + static_cast<int32_t>(x) : search(u[i]);
+          Put(to + i, reflected(k));
+        }
+      });
 }
 
 }  // namespace quo

@@ -4,11 +4,10 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <cstring>
 
-#include "pexquo/kro.h"
 #include "pexquo/quo.h"
 #include "quo_kernel/_kernel/borrow.h"
+#include "quo_kernel/_kernel/chunk.h"
 #include "quo_kernel/_kernel/passes.h"
 #include "quo_kernel/discrete/_kernel/indexed_search.h"
 #include "quo_kernel/discrete/_kernel/transformed_rejection.h"
@@ -47,28 +46,14 @@ struct Constants {
 };
 static_assert(sizeof(Constants) == 544);
 
-Constants* FindConstants(const StreamState* stream) {
-  for (const StreamChunk* chunk = stream->chunks; chunk != nullptr; chunk = chunk->next) {
-    if (chunk->key == kChunkKey && chunk->size == sizeof(Constants) && chunk->data != nullptr) {
-      return static_cast<Constants*>(chunk->data);
-    }
-  }
-  return nullptr;
-}
-
 // Those of the stream, or `own` where there is no memory for them. New ones match nothing.
 Constants* FindOrAddConstants(StreamState* stream, Constants* own) {
-  if (Constants* found = FindConstants(stream)) return found;
-  *own = {};
-  own->ntrial = -1;
-  void* data = kro_serv_kro_malloc(sizeof(Constants), 32);
-  if (data == nullptr) return own;
-  std::memcpy(data, own, sizeof(Constants));
-  if (__quoAddChunk(stream, kChunkKey, data, sizeof(Constants)) < 0) {
-    kro_serv_kro_free(data);
-    return own;
-  }
-  return static_cast<Constants*>(data);
+  if (auto* found = FindChunk<Constants>(stream, kChunkKey)) return found;
+  auto* const added = AddChunk<Constants>(stream, kChunkKey);
+  Constants* const fresh = added != nullptr ? added : own;
+  *fresh = {};
+  fresh->ntrial = -1;
+  return fresh;
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #define HWY_TARGET_INCLUDE "quo_kernel/discrete/geometric/geometric.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
-#include <algorithm>
 
 #include "hwy/highway.h"
 #include "quo_kernel/_kernel/each-inl.h"
@@ -50,16 +49,12 @@ extern "C" QUO_API int32_t _quoiRngGeometric(uint32_t, StreamState* stream, int3
   constexpr int32_t kBlock = 1024;
   const VectorMath borrowed(ReplaceAll<_quosGeometricTab>);
   const auto scale = static_cast<float>(1.0 / __quodLn(1.0 - AfterControl(p)));
-  alignas(64) float block[kBlock];
-  int32_t status = QUO_OK;
-  for (int32_t left = n; left > 0; left -= kBlock, r += kBlock) {
-    const int32_t m = std::min(left, kBlock);
-    status = Generate(stream, m, block, 0.0f, _quosGeometricTab[1]);
-    if (status < 0) break;
-    Ln(m, block);
-    HWY_DYNAMIC_DISPATCH(StoreFloors)(static_cast<size_t>(m), block, r, scale);
-  }
-  return status;
+  return GenerateInBlocks<kBlock>(stream, n, r, 0.0f, _quosGeometricTab[1],
+                                  [=](int32_t m, float* block, int32_t* to) {
+                                    Ln(m, block);
+                                    HWY_DYNAMIC_DISPATCH(StoreFloors)
+                                    (static_cast<size_t>(m), block, to, scale);
+                                  });
 }
 
 }  // namespace quo

@@ -288,20 +288,15 @@ int32_t Rejection(StreamState* stream, int32_t n, int32_t* r, const PoissonSetUp
 int32_t NormalBased(StreamState* stream, int32_t n, int32_t* r, double lambda) {
   const Passes& passes = Level();
   const double root = __quodSqrt(lambda);
-  alignas(64) double e[kCandidates];
-  alignas(64) int32_t counts[kCandidates];
-  int32_t status = QUO_OK;
-  for (int32_t left = n; left > 0; left -= kCandidates, r += kCandidates) {
-    const int32_t m = std::min(left, kCandidates);
-    status = Generate(stream, m, e, -1.0, 1.0);
-    if (status < 0) break;
+  const auto transform = [&](int32_t m, double* e, int32_t* to) {
+    alignas(64) int32_t counts[kCandidates];
     FillUp(m, e, 0.5);
     const int32_t whole = Whole(m);
     math::dErfInv_26(whole, e, e);
     passes.normal(whole, e, counts, lambda, root);
-    std::memcpy(static_cast<void*>(r), counts, static_cast<size_t>(m) * sizeof(int32_t));
-  }
-  return status;
+    std::memcpy(static_cast<void*>(to), counts, static_cast<size_t>(m) * sizeof(int32_t));
+  };
+  return GenerateInBlocks<kCandidates>(stream, n, r, -1.0, 1.0, transform);
 }
 
 }  // namespace
