@@ -31,7 +31,8 @@ inline int32_t Generate(StreamState* stream, int32_t n, uint32_t* r) {
 // of u, its to overwrite and kBlock long. After a negative status r holds the blocks that were
 // done.
 template <int32_t kBlock, typename U, typename T, class Transform>
-int32_t GenerateInBlocks(StreamState* stream, int32_t n, T* r, U a, U b, Transform&& transform) {
+[[gnu::always_inline]] inline int32_t GenerateInBlocks(StreamState* stream, int32_t n, T* r, U a,
+                                                       U b, Transform&& transform) {
   alignas(64) U u[kBlock];
   int32_t status = QUO_OK;
   for (int32_t left = n; left > 0; left -= kBlock, r += kBlock) {
