@@ -30,6 +30,8 @@ inline int32_t Generate(StreamState* stream, int32_t n, uint32_t* r) {
 // One uniform on [a, b) for each of n numbers at r, in blocks: transform(m, u, r) makes m numbers
 // of u, its to overwrite and kBlock long. After a negative status r holds the blocks that were
 // done.
+// Always inlined: behind a call, what transform captures lies in memory, which makes a search in a
+// table a quarter slower.
 template <int32_t kBlock, typename U, typename T, class Transform>
 [[gnu::always_inline]] inline int32_t GenerateInBlocks(StreamState* stream, int32_t n, T* r, U a,
                                                        U b, Transform&& transform) {
