@@ -1,6 +1,7 @@
 // What the front adds to a call of a kernel: for every vector function (double and single
-// precision, the default tier) the time of one call on n elements, and a distribution of each kind.
-// Prints the median and the largest differences, or with --all every row.
+// precision, the default tier) the time of one call on n elements with the thread's mode, with a
+// tier for the call, and with a tier and an error field for the call; and a distribution of each
+// kind. Prints the median and the largest differences, or with --all every row.
 //
 //     front [--all] [n]        n = 1 if not given
 #include <algorithm>
@@ -9,7 +10,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -17,7 +17,9 @@
 
 namespace {
 
-constexpr int kCalls = 2000, kRounds = 60;
+// All functions are passed through several times: a slow spell of the machine lasts longer than the
+// rounds of one.
+constexpr int kCalls = 1000, kRounds = 25, kPasses = 12;
 
 alignas(64) double a[4096], b[4096], r1[4096], r2[4096];
 QuoStream* stream;
@@ -27,36 +29,36 @@ T* As(double* array) {
   return reinterpret_cast<T*>(array);
 }
 
-// Calls of a kernel, of its public name, and of that with a mode, `calls` times.
-using Calls = void (*)(int32_t n, int calls);
+// Calls of a kernel, of its public name, and of that with a mode word, `calls` times.
+using Calls = void (*)(int32_t n, uint32_t mode, int calls);
 struct Row {
   const char* name;
   Calls kernel, front, front_with_mode;
 };
 
-#define REPEATED(call)                    \
-  [](int32_t n, int calls) {              \
-    for (int i = 0; i < calls; ++i) call; \
+#define REPEATED(call)                                       \
+  [](int32_t n, [[maybe_unused]] uint32_t mode, int calls) { \
+    for (int i = 0; i < calls; ++i) call;                    \
   }
 #define CALLS_1(t, Name, kernel, A, R)                        \
   Row{"v" #t #Name, REPEATED(kernel(n, As<A>(a), As<R>(r1))), \
       REPEATED(v##t##Name(n, As<A>(a), As<R>(r1))),           \
-      REPEATED(v##t##Name##Mode(n, As<A>(a), As<R>(r1), PEX_ACCURACY_HA))},
+      REPEATED(v##t##Name##Mode(n, As<A>(a), As<R>(r1), mode))},
 #define CALLS_Unary(t, Name, kernel, Real, Number) CALLS_1(t, Name, kernel, Number, Number)
 #define CALLS_ToReal(t, Name, kernel, Real, Number) CALLS_1(t, Name, kernel, Number, Real)
 #define CALLS_FromReal(t, Name, kernel, Real, Number) CALLS_1(t, Name, kernel, Real, Number)
 #define CALLS_Binary(t, Name, kernel, Real, N)                          \
   Row{"v" #t #Name, REPEATED(kernel(n, As<N>(a), As<N>(b), As<N>(r1))), \
       REPEATED(v##t##Name(n, As<N>(a), As<N>(b), As<N>(r1))),           \
-      REPEATED(v##t##Name##Mode(n, As<N>(a), As<N>(b), As<N>(r1), PEX_ACCURACY_HA))},
+      REPEATED(v##t##Name##Mode(n, As<N>(a), As<N>(b), As<N>(r1), mode))},
 #define CALLS_UnaryScalar(t, Name, kernel, Real, N)                      \
   Row{"v" #t #Name, REPEATED(kernel(n, As<N>(a), *As<N>(b), As<N>(r1))), \
       REPEATED(v##t##Name(n, As<N>(a), *As<N>(b), As<N>(r1))),           \
-      REPEATED(v##t##Name##Mode(n, As<N>(a), *As<N>(b), As<N>(r1), PEX_ACCURACY_HA))},
+      REPEATED(v##t##Name##Mode(n, As<N>(a), *As<N>(b), As<N>(r1), mode))},
 #define CALLS_UnaryTwo(t, Name, kernel, Real, N)                         \
   Row{"v" #t #Name, REPEATED(kernel(n, As<N>(a), As<N>(r1), As<N>(r2))), \
       REPEATED(v##t##Name(n, As<N>(a), As<N>(r1), As<N>(r2))),           \
-      REPEATED(v##t##Name##Mode(n, As<N>(a), As<N>(r1), As<N>(r2), PEX_ACCURACY_HA))},
+      REPEATED(v##t##Name##Mode(n, As<N>(a), As<N>(r1), As<N>(r2), mode))},
 
 #define PEX_TIERED(Name, Shape, ...)                       \
   CALLS_##Shape(d, Name, _pexd##Name##_HA, double, double) \
@@ -81,32 +83,36 @@ const Row kRows[] = {
     DRAWN(quodRngUniform, double, 0, 1) DRAWN(quodRngGaussian, double, 0, 1)
         DRAWN(quosRngExponential, float, 0, 1) DRAWN(quoiRngBernoulli, int32_t, 0.5)};
 
-double Nanoseconds(Calls call, int32_t n) {
+double Nanoseconds(Calls call, int32_t n, uint32_t mode) {
   const auto start = std::chrono::steady_clock::now();
-  call(n, kCalls);
+  call(n, mode, kCalls);
   return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start)
              .count() /
          kCalls;
 }
 
+enum Form { kKernel, kFront, kTier, kErrors, kForms };
+constexpr const char* kFormNames[kForms] = {"kernel", "front", "tier of the call",
+                                            "and error field"};
+
 struct Timed {
   const char* name;
-  double kernel = 1e30, front = 1e30, mode = 1e30;
-  double added() const { return front - kernel; }
-  double added_with_mode() const { return mode - kernel; }
+  double ns[kForms] = {1e30, 1e30, 1e30, 1e30};
+  double added(int form) const { return ns[form] - ns[kKernel]; }
 };
 
 // The least of many short rounds, in turns, so that no form has the quiet moments for itself.
-Timed Measure(const Row& row, int32_t n) {
-  Timed timed{row.name};
+void Measure(const Row& row, int32_t n, Timed& timed) {
+  const auto keep = [&](Form form, Calls call, uint32_t mode) {
+    timed.ns[form] = std::min(timed.ns[form], Nanoseconds(call, n, mode));
+  };
   for (int round = 0; round < kRounds; ++round) {
-    timed.kernel = std::min(timed.kernel, Nanoseconds(row.kernel, n));
-    timed.front = std::min(timed.front, Nanoseconds(row.front, n));
+    keep(kKernel, row.kernel, 0);
+    keep(kFront, row.front, 0);
     if (row.front_with_mode == nullptr) continue;
-    timed.mode = std::min(timed.mode, Nanoseconds(row.front_with_mode, n));
+    keep(kTier, row.front_with_mode, PEX_ACCURACY_HA);
+    keep(kErrors, row.front_with_mode, PEX_ACCURACY_HA | PEX_ERRMODE_IGNORE);
   }
-  if (row.front_with_mode == nullptr) timed.mode = timed.front;
-  return timed;
 }
 
 }  // namespace
@@ -123,23 +129,36 @@ int main(int argc, char** argv) {
   }
   if (quoNewStream(&stream, QUO_BRNG_MCG31M1, 1) != QUO_OK) return 1;
   std::vector<Timed> rows;
-  for (const Row& row : kRows) rows.push_back(Measure(row, n));
+  for (const Row& row : kRows) rows.push_back({row.name});
+  for (int pass = 0; pass < kPasses; ++pass) {
+    for (size_t i = 0; i < rows.size(); ++i) Measure(kRows[i], n, rows[i]);
+  }
   quoDeleteStream(&stream);
 
-  const auto by_added = [](const Timed& x, const Timed& y) { return x.added() < y.added(); };
-  std::sort(rows.begin(), rows.end(), by_added);
-  std::printf("ns per call of %d elements\n%-22s %9s %9s %7s %9s %7s\n", n, "function", "kernel",
-              "front", "added", "mode", "added");
-  const size_t from = all || rows.size() < 8 ? 0 : rows.size() - 8;
-  for (size_t i = from; i < rows.size(); ++i) {
-    const Timed& t = rows[i];
-    std::printf("%-22s %9.2f %9.2f %7.2f %9.2f %7.2f\n", t.name, t.kernel, t.front, t.added(),
-                t.mode, t.added_with_mode());
+  std::sort(rows.begin(), rows.end(),
+            [](const Timed& x, const Timed& y) { return x.added(kFront) > y.added(kFront); });
+  std::printf("ns per call of %d elements, and what the front adds\n\n", n);
+  std::printf(
+      "| function | kernel | front | tier of the call | and error field |\n"
+      "|---|---:|---:|---:|---:|\n");
+  const size_t shown = all ? rows.size() : std::min<size_t>(rows.size(), 8);
+  const auto print_added = [](double added) {
+    added < 1e20 ? std::printf(" %.2f |", added) : std::printf(" - |");
+  };
+  for (size_t i = 0; i < shown; ++i) {
+    std::printf("| %s | %.2f |", rows[i].name, rows[i].ns[kKernel]);
+    for (int form = kFront; form < kForms; ++form) print_added(rows[i].added(form));
+    std::printf("\n");
   }
-  std::vector<double> with_mode;
-  for (const Timed& t : rows) with_mode.push_back(t.added_with_mode());
-  std::sort(with_mode.begin(), with_mode.end());
-  std::printf("of %zu functions: added, median %.2f, largest %.2f; with a mode, %.2f and %.2f\n",
-              rows.size(), rows[rows.size() / 2].added(), rows.back().added(),
-              with_mode[with_mode.size() / 2], with_mode.back());
+  std::printf("\nOf %zu functions, added ns", rows.size());
+  for (int form = kFront; form < kForms; ++form) {
+    std::vector<double> added;
+    for (const Timed& t : rows) {
+      if (t.ns[form] < 1e20) added.push_back(t.added(form));
+    }
+    std::sort(added.begin(), added.end());
+    std::printf("%s %s: median %.2f, largest %.2f", form == kFront ? "," : ";", kFormNames[form],
+                added[added.size() / 2], added.back());
+  }
+  std::printf(".\n");
 }

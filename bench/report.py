@@ -34,9 +34,14 @@ CLASS_SLACK = 1.1
 # The most that a ratio may be.
 HA_SINGLE_LIMIT = 2.0  # correctly rounded, hence twice SLEEF's time
 SCALAR_GAIN = 10.0     # a scalar loop's time over ours, at least
-HARDWARE = ("Sqrt", "Inv", "Div")  # one instruction each
+HARDWARE = ("Sqrt", "Inv", "Div", "Pow3o2")  # one instruction each, or little more
 HARDWARE_LIMIT = 1.1
-EP_GAIN = 1.2          # LA time over EP time, at least
+EP_GAIN = 1.2          # LA time over EP time, at least, where LA takes longer than a hardware root
+ROOTS = ("Hypot",)     # whose LA is a hardware root and a few sums
+LEADS_TO_LA = (("Powx", "s"),)  # EP is LA under another name
+NARROW = "Boost narrow"  # told not to promote, as Boost does by itself: shown, not a target
+FRONT_ADDS = 5.0       # ns that the front may add to a call
+PARALLEL_GAIN = 1.8    # of two threads, where memory is not the bound
 CALL_OVERHEAD = 10.0   # ns of a call of 1 to 15 elements beyond its elements
 # Peer's time over ours, at least: of generators, and of distributions, which are drawn on MT19937.
 RANDOM_GAIN = {"MCG31M1": 5.0, "MCG59": 3.0, "WH": 3.0, "R250": 3.0, "MRG32K3A": 4.0,
@@ -80,8 +85,9 @@ def read_results(text, origin="results"):
         raise Failure(f"{origin}: no benchmark results: {error}") from None
 
 
-def run_program(path, level, extra):
-    command = [str(path), f"--level={level}", "--benchmark_format=json", *extra]
+def run_program(path, extra):
+    command = [str(path), *extra]
+    print("measuring: " + " ".join([path.name, *extra[:1]]), file=sys.stderr)
     try:
         done = subprocess.run(command, capture_output=True, text=True, check=False)
     except OSError as error:
@@ -91,10 +97,14 @@ def run_program(path, level, extra):
     return done.stdout
 
 
+def run_benchmarks(path, level, extra):
+    return run_program(path, [f"--level={level}", "--benchmark_format=json", *extra])
+
+
 # ---- Judging: rows of the tables, and what misses its target. ----
 
 Miss = collections.namedtuple("Miss", "what ratio limit")
-VectorRow = collections.namedtuple("VectorRow", "function type tier ours peer peer_ulp peers limit gain")
+VectorRow = collections.namedtuple("VectorRow", "function type tier ours peer peer_ulp peers limit gain least")
 RandomRow = collections.namedtuple("RandomRow", "generator output ours peer peers limit")
 ComplexRow = collections.namedtuple("ComplexRow", "function type tier ours peer peers limit")
 
@@ -121,7 +131,7 @@ def scalar(name):
 def reference(function, kind, tier, peers, n):
     """The peer that a tier is held against, and the ratio that it may reach (None: no target)."""
     if tier in ("la", "ha") and peers and all(map(scalar, peers)):
-        return fastest(peers, n, lambda p, ulp: True), 1 / SCALAR_GAIN
+        return fastest(peers, n, lambda p, ulp: p != NARROW), 1 / SCALAR_GAIN
     if tier == "ha":
         sleef = lambda p, ulp: p.startswith("SLEEF") and ulp <= HA_CLASS * CLASS_SLACK
         return fastest(peers, n, sleef), 1.0 if kind == "d" else HA_SINGLE_LIMIT
@@ -130,11 +140,24 @@ def reference(function, kind, tier, peers, n):
         slack = CLASS_SLACK if bound < LA_CLASS else 1
         limit = HARDWARE_LIMIT if function in HARDWARE else 1.0
         return fastest(peers, n, lambda p, ulp: ulp <= bound * slack), limit
-    return fastest(peers, n, lambda p, ulp: True), 1.0 if tier == "ep" else None
+    limit = HARDWARE_LIMIT if function in HARDWARE else 1.0
+    return fastest(peers, n, lambda p, ulp: p != NARROW), limit if tier == "ep" else None
+
+
+def gain_of_ep(results, function, kind, time, n):
+    """LA time over EP time, and what it is to be at least: None where LA already takes as long as the
+    hardware's root, or is EP by another name."""
+    la, root = results.get((f"{function}/{kind}/la", n)), results.get((f"Sqrt/{kind}/ha", n))
+    if not la:
+        return None, None
+    bound_by_root = root and la[0] <= HARDWARE_LIMIT * root[0]
+    free = function in HARDWARE or (function, kind) in LEADS_TO_LA or (
+        function in ROOTS and bound_by_root)
+    return la[0] / time, None if free else EP_GAIN
 
 
 def vector_rows(results, n):
-    """Rows in the order of the results; `gain` is LA time over EP time in EP rows."""
+    """Rows in the order of the results; `gain` is LA time over EP time in EP rows, `least` its target."""
     rows = []
     for (row, length), _ in results.items():
         parts = row.split("/")
@@ -144,10 +167,9 @@ def vector_rows(results, n):
         ours = {m: v[0] for m, v in times_at(results, f"{function}/{kind}")[tier].items()}
         peers = times_at(results, f"{function}/{kind}/peer")
         peer, limit = reference(function, kind, tier, peers, n)
-        la = results.get((f"{function}/{kind}/la", n))
-        gain = la[0] / ours[n] if tier == "ep" and la else None
+        gain, least = gain_of_ep(results, function, kind, ours[n], n) if tier == "ep" else (None, None)
         rows.append(VectorRow(function, kind, tier, ours, peer, peers[peer][n][1] if peer else None,
-                              peers, limit, gain))
+                              peers, limit, gain, least))
     return rows
 
 
@@ -159,8 +181,8 @@ def vector_misses(rows, n):
             ratio = row.ours[n] / row.peers[row.peer][n][0]
             if ratio > row.limit:
                 misses.append(Miss(f"{what} beside {row.peer}", ratio, f"at most {row.limit:g}"))
-        if row.gain is not None and row.gain < EP_GAIN and row.function not in HARDWARE:
-            misses.append(Miss(f"{what}, time of LA over its own", row.gain, f"at least {EP_GAIN:g}"))
+        if row.least and row.gain < row.least:
+            misses.append(Miss(f"{what}, time of LA over its own", row.gain, f"at least {row.least:g}"))
     return misses
 
 
@@ -279,13 +301,20 @@ def vector_table(rows):
     cells = []
     for row in rows:
         peer = f"{row.peer} ({row.peer_ulp:g} ulp)" if row.peer else "-"
-        gain = "" if row.gain is None else f"**{row.gain:.2f}**" if row.gain < EP_GAIN else f"{row.gain:.2f}"
+        gain = "" if row.gain is None else f"**{row.gain:.2f}**" if row.least and row.gain < row.least else f"{row.gain:.2f}"
         cells.append([row.function, TYPES[row.type], row.tier.upper() if row.tier != "plain" else "",
                       pair(row, 16), pair(row, 100000), number(row.ours[1024]), peer,
                       number(row.peers[row.peer][1024][0]) if row.peer else "-", gain,
                       f"{row.limit:g}" if row.limit and row.peer else "-", ratio_cell(row, 1024)])
     return table(["function", "type", "tier", "n = 16", "n = 100000", "n = 1024", "peer", "its time",
                   "LA / EP", "target", "ratio"], cells)
+
+
+def narrow_note(rows, n):
+    """The ratios to Boost without promotion, in a sentence."""
+    ratios = [f"{row.function} {row.type} {row.tier.upper()} {row.ours[n] / row.peers[NARROW][n][0]:.2f}"
+              for row in rows if n in row.peers.get(NARROW, {})]
+    return ratios and "Beside Boost without promotion: " + ", ".join(ratios) + ".\n"
 
 
 def call_table(rows):
@@ -319,6 +348,28 @@ def complex_table(rows):
                       ratio_cell(row, 1024)])
     return table(["function", "type", "tier", "n = 16", "n = 100000", "n = 1024", "a copy", "std::complex",
                   "peer", "target", "ratio"], cells)
+
+
+# ---- What stands above the kernels: tables of the programs' own. ----
+
+FACE = {"front": "pexquo_bench_front", "parallel": "pexquo_bench_parallel"}
+
+
+def front_misses(text):
+    largest = re.search(r"front: median [-\d.]+, largest ([-\d.]+)", text)
+    if not largest:
+        raise Failure("the front's program prints no largest time")
+    added = float(largest[1])
+    return [Miss("the C interface, largest time added to a call of one element, ns", added,
+                 f"at most {FRONT_ADDS:g}")] if added > FRONT_ADDS else []
+
+
+def parallel_misses(text):
+    rows = re.findall(r"^\| ([^|]+) \| [\d.]+ \| [\d.]+ \| ([\d.]+) \|", text, re.M)
+    if not rows:
+        raise Failure("the parallel program prints no table")
+    return [Miss(f"{work} on two cores", float(gain), f"at least {PARALLEL_GAIN:g}")
+            for work, gain in rows if float(gain) < PARALLEL_GAIN and not work.startswith("copy")]
 
 
 # ---- Plots. ----
@@ -445,8 +496,12 @@ Peers work at the same vector level. They have no array entries, so each is call
 over whole vectors, compiled for the level. The error in brackets is the largest that was seen.
 LA is held against the fastest peer of at most 4 ulp (Ln in double, itself within 1 ulp, against the
 fastest of at most 1 ulp), HA against SLEEF's function of 1.0 ulp, EP against the fastest peer of
-any kind and to 1.2 times the speed of LA. HA in single precision is correctly rounded and may take
-twice SLEEF's time. The arithmetic functions, beside a loop left to the compiler, have no target.
+any kind and to 1.2 times the speed of LA (but where LA takes the hardware root's time, and Powx in
+single precision, whose EP is its LA). HA in single precision is correctly rounded and may take
+twice SLEEF's time. Roots, quotients and their like have 1.1 of the hardware's time in a plain loop.
+The arithmetic functions, beside a loop left to the compiler, have no target. Functions without a
+vector peer are held to a tenth of the time of the C library's or Boost.Math's scalar ones, as a
+program gets them; Boost without its promotion to wider types stands below the table.
 """
 
 RANDOM_INTRODUCTION = """Peers run the generator's own parameters where a package has them; else, and under `others`, stand
@@ -479,10 +534,28 @@ def machine_line(context):
     return f"Machine: {model}; compiler: {context.get('compiler', '?')}; date: {datetime.date.today()}."
 
 
-def document(levels, machine, repeats, milliseconds, errors={}):
-    """levels: {level: (results of the vector program, of the random program, of the complex one)}.
+FRONT_INTRODUCTION = """Calls of the C interface (`v...` functions, default tier) beside the kernels that they lead to: the
+time of a kernel's call, and what is added by the function of the thread's mode, with a tier for the
+call, and with a tier and an error field. The eight that add most.
+"""
+
+PARALLEL_INTRODUCTION = """`pexquo::parallel` with one thread and with all; and oneTBB giving out the same blocks. Two cores can
+do no more than memory lets them: see the copy. A generator that cannot skip ahead (MT19937, R250) is
+drawn from by one thread after the other.
+"""
+
+
+def document(levels, machine, repeats, milliseconds, errors={}, face={}):
+    """levels: {level: (results of the vector program, of the random program, of the complex one)};
+    face: {name in FACE: what the program prints}.
     Returns the text and {plot's file name: gnuplot script}."""
     parts, plots, falls_short = [], {}, []
+    for kind, misses_of, introduction, title in (
+            ("front", front_misses, FRONT_INTRODUCTION, "The C interface"),
+            ("parallel", parallel_misses, PARALLEL_INTRODUCTION, "Many cores")):
+        if kind in face:
+            falls_short += [f"- {m.what}: {m.ratio:.2f}, target {m.limit}." for m in misses_of(face[kind])]
+            parts += [f"## {title}\n", introduction, face[kind]]
     for level, (vector, random, compound) in levels.items():
         title = LEVELS[level]
         rows, draws = vector_rows(vector, 1024), random_rows(random, 1000)
@@ -501,7 +574,8 @@ def document(levels, machine, repeats, milliseconds, errors={}):
         picture = lambda kind: (f"![ns per element]({name})\n" if (name := f"performance-{kind}-{level}.svg") in plots else "")
         if rows:
             parts += [f"## Vector math, {title}\n", picture("vector"), picture("tiers"),
-                      "Under n = 16 and n = 100000: ours / the peer's.\n", columns(vector_table(rows))]
+                      "Under n = 16 and n = 100000: ours / the peer's.\n", columns(vector_table(rows)),
+                      narrow_note(rows, 1024)]
             calls = call_table(rows)
             if calls:
                 parts += [f"### Short calls, {title}\n", "Nanoseconds per call of 1 to 15 elements.\n",
@@ -516,6 +590,21 @@ def document(levels, machine, repeats, milliseconds, errors={}):
     head = [INTRODUCTION.format(machine=machine, repeats=repeats, milliseconds=milliseconds),
             "## What falls short\n", listed + "\n"]
     return "\n".join(p for p in head + parts if p), plots
+
+
+def kept(name, options, measure):
+    """What `measure` gives, kept with --raw; with --reuse what it gave before."""
+    raw = options.raw and options.raw / name
+    if options.reuse:
+        try:
+            return raw.read_text()
+        except OSError as error:
+            raise Failure(f"{raw}: {error.strerror}") from None
+    text = measure()
+    if raw:
+        raw.parent.mkdir(parents=True, exist_ok=True)
+        raw.write_text(text)
+    return text
 
 
 def main(arguments):
@@ -555,26 +644,20 @@ def main(arguments):
     for level in names:
         measured = []
         for kind, program in PROGRAMS.items():
-            raw = options.raw and options.raw / f"{kind}-{level}.json"
-            if options.reuse:
-                try:
-                    text = raw.read_text()
-                except OSError as error:
-                    raise Failure(f"{raw}: {error.strerror}") from None
-            else:
-                print(f"measuring {program}, {LEVELS[level]}", file=sys.stderr)
-                text = run_program(options.programs / program, level, extra)
-                if raw:
-                    raw.parent.mkdir(parents=True, exist_ok=True)
-                    raw.write_text(text)
-            results, found = read_results(text, raw or program)
+            text = kept(f"{kind}-{level}.json", options,
+                        lambda: run_benchmarks(options.programs / program, level, extra))
+            results, found = read_results(text, f"{program}, {LEVELS[level]}")
             context = found or context
             measured.append(results)
         levels[level] = measured
     if not context:
         raise Failure("no benchmark matches the filter")
+    os.sched_setaffinity(0, allowed)  # the threads of one program
+    face = {} if options.filter else {
+        kind: kept(f"{kind}.md", options, lambda: run_program(options.programs / program, []))
+        for kind, program in FACE.items()}
     text, plots = document(levels, machine_line(context), options.repeats, options.milliseconds,
-                           {} if options.print else read_errors(root / "docs/accuracy.md"))
+                           {} if options.print else read_errors(root / "docs/accuracy.md"), face)
     if options.print:
         print(text)
         return

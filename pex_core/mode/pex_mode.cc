@@ -86,12 +86,12 @@ extern "C" {
 uint32_t _pexGetMode(void) { return Mode(); }
 
 uint32_t _pexSetMode(uint32_t mode) {
-  uint32_t& word = Mode();
-  const uint32_t old = word;
+  uint32_t& slot = Mode();
+  uint32_t word = slot;
   for (const uint32_t field : {PEX_MODE_ACCURACY, PEX_MODE_ERRORS, PEX_MODE_THIRD}) {
     if (mode & field) word = (word & ~field) | (mode & field);
   }
-  return old;
+  return Exchange(slot, word);
 }
 
 int32_t _pexGetErrStatus(void) { return ErrStatus(); }

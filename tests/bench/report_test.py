@@ -114,6 +114,25 @@ class Judging(unittest.TestCase):
             "Exp/s/peer/SLEEF u10/n:1024": (0.25, 1.0)}), 1024)
         self.assertEqual(report.vector_misses(rows, 1024), [])
 
+    def test_roots_and_entries_that_lead_to_others_have_targets_of_their_own(self):
+        rows = report.vector_rows(results({
+            "Sqrt/s/ep/n:1024": 0.2, "Sqrt/s/ha/n:1024": 0.2, "Sqrt/s/la/n:1024": 0.2,
+            "Sqrt/s/peer/plain loop/n:1024": (0.19, 0.5),
+            "Hypot/s/ep/n:1024": 0.21, "Hypot/s/la/n:1024": 0.22,
+            "Hypot/d/ep/n:1024": 0.21, "Hypot/d/la/n:1024": 0.22, "Sqrt/d/ha/n:1024": 0.1,
+            "Powx/s/ep/n:1024": 0.5, "Powx/s/la/n:1024": 0.5,
+            "ErfInv/d/ha/n:1024": 1.5, "ErfInv/d/peer/Boost/n:1024": (20.0, 1.0),
+            "ErfInv/d/peer/Boost narrow/n:1024": (10.0, 1.0)}), 1024)
+        self.assertEqual([m.what for m in report.vector_misses(rows, 1024)],
+                         ["Hypot double EP, time of LA over its own"])
+        self.assertEqual(report.narrow_note(rows, 1024),
+                         "Beside Boost without promotion: ErfInv d HA 0.15.\n")
+
+    def test_what_stands_above_the_kernels(self):
+        self.assertEqual([(m.ratio, m.limit) for m in report.front_misses(FRONT)], [(5.1, "at most 5")])
+        self.assertEqual(report.front_misses(FRONT.replace("5.10", "5.00")), [])
+        self.assertEqual([m.what for m in report.parallel_misses(PARALLEL)], ["exp, double on two cores"])
+
     def test_short_calls_cost_their_excess_over_the_elements(self):
         rows = report.vector_rows(results({
             "Exp/d/la/n:1024": 0.5, "Exp/d/la/n:1": 9.0, "Exp/d/la/n:2": 5.0, "Exp/d/la/n:15": 1.1,
@@ -203,15 +222,42 @@ class Document(unittest.TestCase):
             (folder / "vector-avx2.json").write_text(canned(EXP, context))
             (folder / "random-avx2.json").write_text(canned(RANDOM, context))
             (folder / "complex-avx2.json").write_text(canned(COMPLEX, context))
+            (folder / "front.md").write_text(FRONT)
+            (folder / "parallel.md").write_text(PARALLEL)
             report.main(["--levels", "avx2", "--raw", str(folder), "--reuse", "--output", str(folder / "out")])
             text = (folder / "out/performance.md").read_text()
             self.assertIn("compiler: GNU 12", text)
             self.assertNotIn("some-host", text)
+            for said in (FRONT, PARALLEL, "- exp, double on two cores: 1.79, target at least 1.8.",
+                         "- the C interface, largest time added to a call of one element, ns: 5.10"):
+                self.assertIn(said, text)
+            (folder / "parallel.md").write_text("no cores")
+            with self.assertRaisesRegex(report.Failure, "prints no table"):
+                report.main(["--levels", "avx2", "--raw", str(folder), "--reuse", "--output", str(folder)])
             for plot in ("vector", "random"):
                 picture = folder / f"out/performance-{plot}-avx2.svg"
                 self.assertIn(f"]({picture.name})", text)
                 self.assertIn("<svg", picture.read_text())
                 self.assertLess(picture.stat().st_size, 100_000)
+
+
+FRONT = """ns per call of 1 elements, and what the front adds
+
+| function | kernel | front | tier of the call | and error field |
+|---|---:|---:|---:|---:|
+| vdHypot | 20.26 | 5.10 | 3.88 | 6.65 |
+
+Of 154 functions, added ns, front: median 1.38, largest 5.10; tier of the call: median 1.31, largest 4.68.
+"""
+
+PARALLEL = """1000000 elements, 2 threads, least of 50 rounds.
+
+| work | one thread, ns | all cores, ns | gain | of oneTBB |
+|---|---:|---:|---:|---:|
+| copy, double | 0.241 | 0.203 | 1.19 | - |
+| exp, double | 0.875 | 0.483 | 1.79 | 1.80 |
+| tan, double | 1.535 | 0.853 | 1.80 | 1.79 |
+"""
 
 
 class Programs(unittest.TestCase):
@@ -220,7 +266,7 @@ class Programs(unittest.TestCase):
     QUICK = ["--benchmark_repetitions=2", "--benchmark_min_time=0.00001"]
 
     def measure(self, program, pattern):
-        return report.read_results(report.run_program(
+        return report.read_results(report.run_benchmarks(
             PROGRAMS / program, "sse4", [f"--benchmark_filter={pattern}", *self.QUICK]))
 
     def test_rows(self):
