@@ -25,11 +25,18 @@ constexpr double kSmallError = 0x1p-4;
 
 // The reference of one batch: the function in double, and the two nearest ways to round it.
 struct Batch {
-  float a[kBatch];
+  float a[kBatch], b[kBatch];
   double y[kBatch];
   float low[kBatch], high[kBatch];
   float r[2][kBatch];
 };
+
+void RoundReference(Batch& batch) {
+  for (size_t i = 0; i < kBatch; ++i) {
+    batch.low[i] = static_cast<float>(batch.y[i] * (1 - kQuickError));
+    batch.high[i] = static_cast<float>(batch.y[i] * (1 + kQuickError));
+  }
+}
 
 void Fill(Batch& batch, uint64_t first, const Oracle& oracle, int result = 0) {
   const auto quick = result == 0 ? oracle.quick : oracle.quick_second;
@@ -37,10 +44,20 @@ void Fill(Batch& batch, uint64_t first, const Oracle& oracle, int result = 0) {
     batch.a[i] = std::bit_cast<float>(static_cast<uint32_t>(first + i));
   }
   for (size_t i = 0; i < kBatch; ++i) batch.y[i] = quick(batch.a[i]);
+  RoundReference(batch);
+}
+
+void FillPairs(Batch& batch, const Entry& entry, const Regime& regime, uint64_t first,
+               Random& random, const Oracle& oracle) {
+  double a[kBatch], b[kBatch];
+  regime.fill(first, random, a);
+  SecondArguments(entry, regime.name, random, a, b);
   for (size_t i = 0; i < kBatch; ++i) {
-    batch.low[i] = static_cast<float>(batch.y[i] * (1 - kQuickError));
-    batch.high[i] = static_cast<float>(batch.y[i] * (1 + kQuickError));
+    batch.a[i] = static_cast<float>(a[i]);
+    batch.b[i] = static_cast<float>(b[i]);
   }
+  for (size_t i = 0; i < kBatch; ++i) batch.y[i] = oracle.quick_pair(a[i], b[i]);
+  RoundReference(batch);
 }
 
 bool SameBits(float x, float y) {
@@ -86,6 +103,7 @@ double EstimateBatch(const Batch& batch, int result, bool relative, double* esti
 
 void Compare(const Batch& batch, const Entry& entry, const Oracle& oracle, int result, double best,
              Tally& tally) {
+  const bool pairs = oracle.quick_pair != nullptr;
   const bool relative = IsRelative(entry);
   const bool held_to_half = entry.ulp_bound() <= 0.5;
   double estimates[kBatch];
@@ -93,13 +111,14 @@ void Compare(const Batch& batch, const Entry& entry, const Oracle& oracle, int r
   const double candidate = std::max({best, tally.worst.error, largest}) - kMargin;
   for (size_t i = 0; i < kBatch; ++i) {
     const float got = batch.r[result][i], rounded = batch.low[i];
+    const double b = pairs ? batch.b[i] : 0;
     const bool same = SameBits(rounded, got);
     const bool certain = SameBits(rounded, batch.high[i]);
     const bool largest_yet = estimates[i] >= candidate;
     if (certain && estimates[i] < kSmallError) {
       tally.wrong += !same;
       if (largest_yet && estimates[i] > tally.worst.error) {
-        tally.worst = {estimates[i], estimates[i], batch.a[i], 0, got, rounded};
+        tally.worst = {estimates[i], estimates[i], batch.a[i], b, got, rounded};
       }
       continue;
     }
@@ -112,24 +131,22 @@ void Compare(const Batch& batch, const Entry& entry, const Oracle& oracle, int r
     ++tally.decided;
     tally.decided_y = batch.y[i];
     tally.decided_got = got;
-    const Error error = ExactError(oracle, result, batch.a[i], 0, got, kSingle);
+    const Error error = ExactError(oracle, result, batch.a[i], b, got, kSingle);
     tally.wrong += error.from_half > 0;
     const double value = relative ? error.relative : error.ulp;
     if (value > tally.worst.error) {
-      tally.worst = {value, error.ulp, batch.a[i], 0, got, error.wanted};
+      tally.worst = {value, error.ulp, batch.a[i], b, got, error.wanted};
     }
   }
 }
 
-}  // namespace
-
-std::vector<ExhaustiveResult> Exhaust(const std::vector<const Entry*>& entries,
-                                      const Oracle& oracle, int jobs,
-                                      const std::function<void(double)>& progress, uint64_t first,
-                                      uint64_t inputs) {
-  if (oracle.quick == nullptr) {
-    throw std::runtime_error("no double-precision reference for " + std::string(oracle.function));
-  }
+// Blocks of kBlock inputs on `jobs` threads. fill(batch, at, result) makes the batch of inputs from
+// `at` on, in one thread for a block.
+template <typename MakeFill>
+std::vector<ExhaustiveResult> RunBlocks(const std::vector<const Entry*>& entries,
+                                        const Oracle& oracle, int jobs, uint64_t inputs,
+                                        const std::function<void(double)>& progress,
+                                        const MakeFill& fill_of_block) {
   const int results_of_each = oracle.quick_second != nullptr ? 2 : 1;
   std::vector<ExhaustiveResult> results;
   for (const Entry* entry : entries) results.push_back({entry, inputs, 0, 0, {}});
@@ -145,12 +162,13 @@ std::vector<ExhaustiveResult> Exhaust(const std::vector<const Entry*>& entries,
       for (const ExhaustiveResult& r : results) best.push_back(r.worst.error);
     }
     static thread_local Batch batch;
+    auto fill = fill_of_block(block);
     const uint64_t end = std::min((block + 1) * kBlock, inputs);
     for (uint64_t at = block * kBlock; at < end; at += kBatch) {
       for (int result = 0; result < results_of_each; ++result) {
-        Fill(batch, first + at, oracle, result);
+        fill(batch, at, result);
         for (size_t e = 0; e < entries.size(); ++e) {
-          entries[e]->Call(kBatch, batch.a, nullptr, batch.r[0], batch.r[1]);
+          entries[e]->Call(kBatch, batch.a, batch.b, batch.r[0], batch.r[1]);
           Compare(batch, *entries[e], oracle, result, best[e], tallies[e]);
         }
       }
@@ -169,6 +187,41 @@ std::vector<ExhaustiveResult> Exhaust(const std::vector<const Entry*>& entries,
     if (progress) progress(static_cast<double>(++done) / static_cast<double>(blocks));
   });
   return results;
+}
+
+}  // namespace
+
+std::vector<ExhaustiveResult> Exhaust(const std::vector<const Entry*>& entries,
+                                      const Oracle& oracle, int jobs,
+                                      const std::function<void(double)>& progress, uint64_t first,
+                                      uint64_t inputs) {
+  if (oracle.quick == nullptr) {
+    throw std::runtime_error("no double-precision reference for " + std::string(oracle.function));
+  }
+  return RunBlocks(entries, oracle, jobs, inputs, progress, [&](uint64_t) {
+    return [&](Batch& batch, uint64_t at, int result) { Fill(batch, first + at, oracle, result); };
+  });
+}
+
+std::vector<ExhaustiveResult> ExhaustPairs(const std::vector<const Entry*>& entries,
+                                           const Oracle& oracle, int jobs, uint64_t pairs,
+                                           uint64_t seed,
+                                           const std::function<void(double)>& progress) {
+  if (oracle.quick_pair == nullptr) {
+    throw std::runtime_error("no double-precision reference for pairs of " +
+                             std::string(oracle.function));
+  }
+  const uint64_t blocks = (pairs + kBlock - 1) / kBlock;
+  const Entry& entry = *entries.at(0);
+  std::vector<Regime> regimes = RegimesOf(entry, oracle, blocks * kBlock, {});
+  std::erase_if(regimes, [&](const Regime& r) { return r.points != blocks * kBlock; });
+  return RunBlocks(entries, oracle, jobs, blocks * kBlock, progress, [&](uint64_t block) {
+    const uint64_t before = block / regimes.size() * kBlock;  // points of the regime
+    return [&, before, begin = block * kBlock, random = Random(seed * 0x9e3779b97f4a7c15 + block),
+            &regime = regimes[block % regimes.size()]](Batch& batch, uint64_t at, int) mutable {
+      FillPairs(batch, entry, regime, before + at - begin, random, oracle);
+    };
+  });
 }
 
 std::vector<HardCase> HardestSingles(const Oracle& oracle, size_t most, int jobs,
@@ -206,15 +259,17 @@ ExhaustiveRecord RecordOf(const ExhaustiveResult& result, const std::string& dat
   const Worst& w = result.worst;
   const double bits =
       IsRelative(*result.entry) ? CorrectBits(w.error, kSingle) : CorrectBits(w.ulp, kSingle);
-  return {std::string(result.entry->symbol),
-          result.inputs,
-          result.wrong,
-          w.ulp,
-          bits,
-          w.a,
-          w.got,
-          w.wanted,
-          date};
+  ExhaustiveRecord record{std::string(result.entry->symbol),
+                          result.inputs,
+                          result.wrong,
+                          w.ulp,
+                          bits,
+                          w.a,
+                          w.got,
+                          w.wanted,
+                          date};
+  if (result.entry->function->shape == Shape::Binary) record.b = w.b;
+  return record;
 }
 
 std::vector<ExhaustiveRecord> ReadExhaustive(const std::filesystem::path& file) {
@@ -233,7 +288,11 @@ std::vector<ExhaustiveRecord> ReadExhaustive(const std::filesystem::path& file) 
                                ": not a record of an exhaustive run");
     }
     double* const values[] = {&r.ulp, &r.bits, &r.a, &r.got, &r.wanted};
-    for (int i = 0; i < 5; ++i) *values[i] = std::strtod(numbers[i].c_str(), nullptr);
+    char* end = nullptr;
+    for (int i = 0; i < 5; ++i) {
+      *values[i] = std::strtod(numbers[i].c_str(), &end);
+      if (values[i] == &r.a && *end == ',') r.b = std::strtod(end + 1, nullptr);
+    }
     records.push_back(r);
   }
   return records;
@@ -254,8 +313,8 @@ void MergeExhaustive(const std::filesystem::path& file,
   out.precision(10);
   for (const ExhaustiveRecord& r : records) {
     out << r.symbol << '\t' << r.inputs << '\t' << r.wrong << '\t' << r.ulp << '\t' << r.bits
-        << '\t' << Hex(r.a) << '\t' << Hex(r.got) << '\t' << Hex(r.wanted) << '\t' << r.date
-        << '\n';
+        << '\t' << Hex(r.a) << (r.b ? "," + Hex(*r.b) : "") << '\t' << Hex(r.got) << '\t'
+        << Hex(r.wanted) << '\t' << r.date << '\n';
   }
   if (!out.flush()) throw std::runtime_error("cannot write " + file.string());
 }

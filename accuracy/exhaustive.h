@@ -1,7 +1,9 @@
-// All 2^32 arguments of single-precision entries of one argument.
+// Long runs of single-precision entries: all 2^32 arguments of those of one, very many pairs of
+// those of two.
 #ifndef ACCURACY_EXHAUSTIVE_H_
 #define ACCURACY_EXHAUSTIVE_H_
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,7 +15,7 @@ inline constexpr uint64_t kAllSingles = uint64_t{1} << 32;
 
 struct ExhaustiveResult {
   const Entry* entry = nullptr;
-  uint64_t inputs = 0;
+  uint64_t inputs = 0;   // arguments or pairs
   uint64_t wrong = 0;    // results that are not the correctly rounded ones
   uint64_t decided = 0;  // results that MPFR decided
   Worst worst;
@@ -33,6 +35,14 @@ std::vector<ExhaustiveResult> Exhaust(const std::vector<const Entry*>& entries,
 
 inline constexpr uint64_t kMostDecided = 10'000;
 
+// The same for `pairs` pairs, rounded up to blocks of 2^20, from the endless regimes of regimes.h
+// in turn: random ones and those beside thresholds, zeros and each other. They depend on the seed
+// alone.
+std::vector<ExhaustiveResult> ExhaustPairs(const std::vector<const Entry*>& entries,
+                                           const Oracle& oracle, int jobs, uint64_t pairs,
+                                           uint64_t seed,
+                                           const std::function<void(double)>& progress = {});
+
 // The `most` single-precision arguments whose exact values lie nearest to the middle between two
 // singles, hardest first: an approximation has to be that good to round them correctly.
 struct HardCase {
@@ -50,6 +60,7 @@ struct ExhaustiveRecord {
   double ulp = 0, bits = 0;           // largest error; correct bits
   double a = 0, got = 0, wanted = 0;  // where
   std::string date;
+  std::optional<double> b = {};  // of a run over pairs
 };
 
 ExhaustiveRecord RecordOf(const ExhaustiveResult& result, const std::string& date);

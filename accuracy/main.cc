@@ -29,6 +29,7 @@ struct Options {
   std::string level, markdown, plot;
   std::string records = PEXQUO_ACCURACY_DIR "/records/exhaustive.tsv";
   size_t hardest = 0;
+  uint64_t pairs = 0;
   bool exhaustive = false, record = false, details = false;
 };
 
@@ -83,7 +84,8 @@ std::vector<const Entry*> Selected(const Options& options) {
     if (Names(options.entries, e.symbol) && Names(options.functions, e.function->name) &&
         Names(options.tiers, pex::TierName(e.tier)) &&
         Names(options.types, std::string_view(&e.type, 1))) {
-      if (options.exhaustive && e.is_double()) continue;
+      if ((options.exhaustive || options.pairs > 0) && e.is_double()) continue;
+      if (options.pairs > 0 && e.function->shape != pex::Shape::Binary) continue;
       selected.push_back(&e);
     }
   }
@@ -111,11 +113,15 @@ std::function<void(double)> ProgressBar(const std::string& what) {
   };
 }
 
-bool RunExhaustive(const std::vector<const Entry*>& entries, const Options& options) {
+// All arguments, or pairs of them.
+bool RunLong(const std::vector<const Entry*>& entries, const Options& options) {
   bool within = true;
   for (const auto& [function, list] : Grouped(entries)) {
-    const auto results = Exhaust(list, OracleOf(*function), options.settings.jobs,
-                                 ProgressBar(std::string(function->name)));
+    const auto progress = ProgressBar(std::string(function->name));
+    const auto& [count, seed, jobs, cases] = options.settings;
+    const auto results = options.pairs > 0 ? ExhaustPairs(list, OracleOf(*function), jobs,
+                                                          options.pairs, seed, progress)
+                                           : Exhaust(list, OracleOf(*function), jobs, progress);
     std::vector<ExhaustiveRecord> records;
     for (const ExhaustiveResult& r : results) {
       Print(r);
@@ -203,20 +209,29 @@ void Declare(CLI::App& app, Options& o) {
   app.add_option("--worst", o.settings.worst_cases, "Folder of the recorded worst cases")
       ->check(CLI::ExistingDirectory)
       ->capture_default_str();
-  app.add_option("--records", o.records, "Table of the exhaustive runs")->capture_default_str();
+  app.add_option("--records", o.records, "Table of the runs over all arguments and over pairs")
+      ->capture_default_str();
   auto* exhaustive = app.add_flag("--exhaustive", o.exhaustive,
                                   "All 2^32 arguments of the single-precision entries");
+  auto* pairs = app.add_option("--pairs", o.pairs,
+                               "So many pairs of arguments of the single-precision entries of two")
+                    ->check(CLI::Range(uint64_t{1}, uint64_t{1} << 40))
+                    ->excludes(exhaustive);
   app.add_option("--hardest", o.hardest,
                  "List the N single-precision arguments that are hardest to round, by function")
       ->check(CLI::Range(1, 100000))
-      ->excludes(exhaustive);
+      ->excludes(exhaustive)
+      ->excludes(pairs);
   app.add_flag("--record", o.record,
-               "Add the worst points found to the recorded ones, or the exhaustive runs to theirs");
+               "Add the worst points found to the recorded ones, or the long runs to theirs");
   app.add_flag("--details", o.details, "A line for each regime");
-  app.add_option("--markdown", o.markdown, "Write the document to this file")->excludes(exhaustive);
+  app.add_option("--markdown", o.markdown, "Write the document to this file")
+      ->excludes(exhaustive)
+      ->excludes(pairs);
   app.add_option("--plot", o.plot, "Write a plot for each function to this folder")
       ->check(CLI::ExistingDirectory)
-      ->excludes(exhaustive);
+      ->excludes(exhaustive)
+      ->excludes(pairs);
 }
 
 }  // namespace
@@ -242,8 +257,9 @@ int main(int argc, char** argv) {
       return 0;
     }
     const auto entries = Selected(options);
-    const bool within =
-        options.exhaustive ? RunExhaustive(entries, options) : RunRegimes(entries, options, level);
+    const bool within = options.exhaustive || options.pairs > 0
+                            ? RunLong(entries, options)
+                            : RunRegimes(entries, options, level);
     return within ? 0 : 1;
   } catch (const std::exception& e) {
     std::fprintf(stderr, "pexquo_accuracy: %s\n", e.what());

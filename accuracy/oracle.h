@@ -32,7 +32,8 @@ struct Oracle {
     Range subnormal{}, least_normal{};
   };
   Small small_d{}, small_s{};
-  double (*quick_second)(double a) = nullptr;  // the same for result 1, where there is one
+  double (*quick_second)(double a) = nullptr;          // the same for result 1, where there is one
+  double (*quick_pair)(double a, double b) = nullptr;  // the same for functions of two arguments
 };
 
 std::span<const Oracle> Oracles();

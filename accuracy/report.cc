@@ -89,21 +89,32 @@ void WriteFunction(std::ofstream& out, const std::filesystem::path& directory,
   }
 }
 
-void WriteExhaustive(std::ofstream& out, const std::vector<ExhaustiveRecord>& records) {
-  out << "\n## All arguments in single precision\n\n";
-  if (records.empty()) {
-    out << "No exhaustive run is on record.\n";
-    return;
-  }
-  out << "Runs over all 2^32 bit patterns: the reference is the C library's double-precision\n"
-         "function, and MPFR decides every result that it leaves in doubt.\n\n"
-         "| entry | inputs | wrong roundings | largest error | correct bits | input | got | wanted "
+void WriteLongRuns(std::ofstream& out, const std::vector<ExhaustiveRecord>& records, bool pairs) {
+  out << "| entry | " << (pairs ? "pairs" : "inputs")
+      << " | wrong roundings | largest error | correct bits | input | got | wanted "
          "| date |\n|---|---|---|---|---|---|---|---|---|\n";
   for (const ExhaustiveRecord& r : records) {
+    if (r.b.has_value() != pairs) continue;
     out << "| `" << r.symbol << "` | " << r.inputs << " | " << r.wrong << " | " << Up(r.ulp, 4)
-        << " ulp | " << Down(r.bits, 2) << " | `" << Hex(r.a) << "` | `" << Hex(r.got) << "` | `"
-        << Hex(r.wanted) << "` | " << r.date << " |\n";
+        << " ulp | " << Down(r.bits, 2) << " | `" << Hex(r.a) << (r.b ? ", " + Hex(*r.b) : "")
+        << "` | `" << Hex(r.got) << "` | `" << Hex(r.wanted) << "` | " << r.date << " |\n";
   }
+}
+
+void WriteExhaustive(std::ofstream& out, const std::vector<ExhaustiveRecord>& records) {
+  const auto of_pairs = [](const ExhaustiveRecord& r) { return r.b.has_value(); };
+  out << "\n## All arguments in single precision\n\n";
+  if (std::ranges::all_of(records, of_pairs)) {
+    out << "No exhaustive run is on record.\n";
+  } else {
+    out << "Runs over all 2^32 bit patterns: the reference is the C library's double-precision\n"
+           "function, and MPFR decides every result that it leaves in doubt.\n\n";
+    WriteLongRuns(out, records, false);
+  }
+  if (std::ranges::none_of(records, of_pairs)) return;
+  out << "\n## Pairs of arguments in single precision\n\n"
+         "The same for random and structured pairs, from the endless regimes in turn.\n\n";
+  WriteLongRuns(out, records, true);
 }
 
 struct Series {
@@ -186,13 +197,15 @@ void Print(const EntryResult& result, bool details) {
 
 void Print(const ExhaustiveResult& result) {
   const Worst& w = result.worst;
+  const bool pair = result.entry->function->shape == Shape::Binary;
+  const std::string at = Hex(w.a) + (pair ? ", " + Hex(w.b) : "");
   std::printf(
       "%.*s: %llu inputs, %llu wrong roundings, largest error %s (%s ulp) at %s: %s for %s; "
       "MPFR decided %llu\n",
       static_cast<int>(result.entry->symbol.size()), result.entry->symbol.data(),
       static_cast<unsigned long long>(result.inputs), static_cast<unsigned long long>(result.wrong),
-      ErrorText(*result.entry, w).c_str(), Up(w.ulp, 6).c_str(), Hex(w.a).c_str(),
-      Hex(w.got).c_str(), Hex(w.wanted).c_str(), static_cast<unsigned long long>(result.decided));
+      ErrorText(*result.entry, w).c_str(), Up(w.ulp, 6).c_str(), at.c_str(), Hex(w.got).c_str(),
+      Hex(w.wanted).c_str(), static_cast<unsigned long long>(result.decided));
   std::fflush(stdout);
 }
 

@@ -229,15 +229,48 @@ TEST(Exhaustive, FindsHardCases) {
   EXPECT_TRUE(std::ranges::is_sorted(cases, {}, &HardCase::distance));
 }
 
+// A fault of one unit where the second argument's last bits say so, in all regimes alike.
+int FaultyHypot(int32_t n, const float* a, const float* b, float* r) {
+  for (int32_t i = 0; i < n; ++i) {
+    r[i] = static_cast<float>(::hypot(double{a[i]}, double{b[i]}));
+    if ((std::bit_cast<uint32_t>(b[i]) & 0xFFF) == 0x123) r[i] = std::nextafter(r[i], 9e9f);
+  }
+  return 0;
+}
+
+TEST(Exhaustive, CountsWrongRoundingsOfPairs) {
+  constexpr uint64_t kPairs = uint64_t{1} << 22;
+  Entry faulty = *FindEntry("_pexsHypot_HA");
+  faulty.address = reinterpret_cast<const void*>(&FaultyHypot);
+  const Oracle& oracle = OracleOf(*faulty.function);
+  const auto once = ExhaustPairs({&faulty}, oracle, 2, kPairs - 5, 7)[0];
+  const auto again = ExhaustPairs({&faulty}, oracle, 1, kPairs, 7)[0];
+  const auto other = ExhaustPairs({&faulty}, oracle, 2, kPairs, 8)[0];
+  EXPECT_EQ(once.inputs, kPairs);
+  EXPECT_EQ(once.wrong, again.wrong);
+  EXPECT_NE(once.wrong, other.wrong);
+  // Of 4096 patterns of the last bits about one is hit; many pairs have a round second argument.
+  EXPECT_GT(once.wrong, kPairs / 4096 / 4);
+  EXPECT_LT(once.wrong, kPairs / 4096 * 2);
+  EXPECT_GT(once.worst.error, 1);
+  EXPECT_EQ(std::bit_cast<uint32_t>(static_cast<float>(once.worst.b)) & 0xFFF, 0x123u);
+  EXPECT_THROW(ExhaustPairs({&faulty}, OracleOf(*FindFunction("Exp")), 1, 1, 1),
+               std::runtime_error);
+}
+
 TEST(Exhaustive, RecordsMerge) {
   const auto file = std::filesystem::path(testing::TempDir()) / "pexquo_records" / "exhaustive.tsv";
   std::filesystem::remove_all(file.parent_path());
   EXPECT_TRUE(ReadExhaustive(file).empty());
   MergeExhaustive(file, {{"_pexsB", 8, 1, 0.75, 23, 1, 2, 3, "2026-01-01"}});
   MergeExhaustive(file, {{"_pexsA", 8, 0, 0.5, 24, -kInf, 0, 0, "2026-01-02"},
-                         {"_pexsB", 9, 2, kInf, 11.5, 0x1p-149, 0, 1, "2026-01-03"}});
+                         {"_pexsB", 9, 2, kInf, 11.5, 0x1p-149, 0, 1, "2026-01-03"},
+                         {"_pexsC", 9, 2, 0.5, 24, 0x1p-149, 0, 1, "2026-01-03", -kInf}});
   const auto records = ReadExhaustive(file);
-  ASSERT_EQ(records.size(), 2u);
+  ASSERT_EQ(records.size(), 3u);
+  EXPECT_EQ(records[2].a, 0x1p-149);
+  EXPECT_EQ(records[2].b, -kInf);
+  EXPECT_EQ(records[1].b, std::nullopt);
   EXPECT_EQ(records[0].symbol, "_pexsA");
   EXPECT_EQ(records[0].a, -kInf);
   EXPECT_EQ(records[1].inputs, 9u);

@@ -30,7 +30,8 @@ TEST(Program, BadArgumentsEndWithOneLineAndStatus2) {
   for (const char* arguments :
        {"--count many", "--count 0", "--function Nonesuch", "--entry _pexdNonesuch_HA",
         "--tier best", "--level mmx", "--jobs 0", "--worst /nonexistent", "--unknown",
-        "--exhaustive --markdown x.md", "--function Exp --tier la --type d --exhaustive",
+        "--exhaustive --markdown x.md", "--exhaustive --pairs 9", "--pairs 9 --function Exp",
+        "--function Exp --tier la --type d --exhaustive",
         "--count 100 --tier la --function Exp --markdown /nonexistent/x.md"}) {
     const Outcome outcome = RunProgram(arguments);
     EXPECT_EQ(outcome.status, 2) << arguments;
