@@ -1,0 +1,134 @@
+// The natural logarithm of complex numbers in double precision: ln(x^2 + y^2)/2 and the angle, by
+// the real functions' methods of each tier.
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "pex_core/cln/zln.cc"
+#include "hwy/foreach_target.h"  // compiles this file once per vector level
+//
+#include "pex_core/_heap/complex/complex_vector-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+// Squares s = x^2 + y^2 within a distance of a centre, where the rounding of s would weigh too much
+// next to ln s.
+template <class D, class V>
+HWY_INLINE MaskOf<D> IsWithin(D d, V s, double centre, double distance) {
+  return hn::Lt(hn::Abs(hn::Sub(s, hn::Set(d, centre))), hn::Set(d, distance));
+}
+
+// From 3/8 to 11/4: elsewhere |ln s| > 0.98, and the two units of s's last place that s may be off
+// by are at most one of the result's.
+template <class D, class V>
+HWY_INLINE MaskOf<D> IsNearCircle(D d, V s) {
+  return IsWithin(d, s, 1.5625, 1.1875);
+}
+
+// Next to the circle nothing but the exact sum will do.
+inline constexpr double kNextToOne = 0x1p-40;
+
+// The polynomial's argument t with what s lacks of x^2 + y^2, for lanes near the circle.
+template <class D, class V = VecOf<D>>
+HWY_INLINE V AddRestOfSquare(D d, V x, V y, V s, V m, V c, V t) {
+  const V ax = hn::Abs(x), ay = hn::Abs(y);
+  const V more = hn::Max(ax, ay), less = hn::Min(ax, ay);
+  const Pair<V> x2 = TwoProduct(d, more, more), y2 = TwoProduct(d, less, less);
+  const V rest = hn::Add(hn::Sub(y2.hi, hn::Sub(s, x2.hi)), hn::Add(x2.lo, y2.lo));
+  const auto power = hn::Add(hn::Sub(Bits(d, m), Bits(d, s)), SetBits(d, BitsOfNumber(1.0)));
+  const V sum = hn::Add(t, hn::Mul(rest, hn::Mul(c, FromBits(d, power))));
+  const V r = hn::IfThenElse(IsNearCircle(d, s), sum, t);
+  const auto next = IsWithin(d, s, 1.0, kNextToOne);
+  if (hn::AllFalse(d, next)) return r;
+  return hn::IfThenElse(next, Value(d, SquaresLessOne<Pair<V>>(d, more, less)), r);
+}
+
+struct dComplexLn : ElementaryKernel<ComplexLn, double> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Squares(const D, const Complex<V> (&z)[K], V (&s)[K]) {
+    for (size_t k = 0; k < K; ++k) {
+      s[k] = hn::Add(hn::Mul(z[k].re, z[k].re), hn::Mul(z[k].im, z[k].im));
+    }
+  }
+  template <class D, class V, size_t K, size_t N>
+  static HWY_INLINE void Angles(D d, const Complex<V> (&z)[K], const double (&c)[N], V (&r)[K]) {
+    V x[K], y[K];
+    for (size_t k = 0; k < K; ++k) {
+      x[k] = z[k].re;
+      y[k] = z[k].im;
+    }
+    PlainAtan2(d, y, x, c, r);
+  }
+};
+
+struct dComplexLnLA : dComplexLn {
+  static constexpr int kUnroll = 4;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
+    V s[K], t[K], size[K], angle[K];
+    LogShort<D> u[K];
+    Squares(d, z, s);
+    V x[K], y[K];
+    for (size_t k = 0; k < K; ++k) {
+      x[k] = z[k].re;
+      y[k] = z[k].im;
+    }
+    LogShortReduce(d, s, u);
+    for (size_t k = 0; k < K; ++k) t[k] = ProductLessOne(d, u[k].m, u[k].c);
+    auto near = IsNearCircle(d, s[0]);
+    for (size_t k = 1; k < K; ++k) near = hn::Or(near, IsNearCircle(d, s[k]));
+    if (!hn::AllFalse(d, near)) [[unlikely]] {
+      for (size_t k = 0; k < K; ++k) t[k] = AddRestOfSquare(d, x[k], y[k], s[k], u[k].m, u[k].c, t[k]);
+    }
+    LogShortSum(d, u, t, size);
+    PlainAtan2(d, y, x, kAtan2LA, angle);
+    for (size_t k = 0; k < K; ++k) r[k] = {hn::Mul(size[k], hn::Set(d, 0.5)), angle[k]};
+  }
+};
+
+struct dComplexLnEP : dComplexLn {
+  static constexpr int kUnroll = 4;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
+    V s[K], p[K], size[K], angle[K];
+    LogReduced<D> u[K];
+    Squares(d, z, s);
+    LogReduce<NaturalLog>(d, s, u);
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(hn::Sub(u[k].m, u[k].row.a), u[k].row.factor);
+    const auto is_near = [&](size_t k) HWY_ATTR { return IsWithin(d, s[k], 1.0, 0x1p-16); };
+    auto near = is_near(0);
+    for (size_t k = 1; k < K; ++k) near = hn::Or(near, is_near(k));
+    if (!hn::AllFalse(d, near)) [[unlikely]] {
+      for (size_t k = 0; k < K; ++k) {
+        const V ax = hn::Abs(z[k].re), ay = hn::Abs(z[k].im);
+        const V t = Value(d, SquaresLessOne<Pair<V>>(d, hn::Max(ax, ay), hn::Min(ax, ay)));
+        p[k] = hn::IfThenElse(is_near(k), t, p[k]);
+      }
+    }
+    LogPlain<NaturalLog>(d, u, p, kLnEP, size);
+    Angles(d, z, kAtanEP, angle);
+    for (size_t k = 0; k < K; ++k) r[k] = {hn::Mul(size[k], hn::Set(d, 0.5)), angle[k]};
+  }
+};
+
+int zLn_26(int32_t n, const PexComplex16* a, PexComplex16* r) {
+  return MapComplex<dComplexLnEP>(n, a, r);
+}
+int zLn_50(int32_t n, const PexComplex16* a, PexComplex16* r) {
+  return MapComplex<dComplexLnLA>(n, a, r);
+}
+int zLn_HA(int32_t n, const PexComplex16* a, PexComplex16* r) {
+  return MapComplex<ElementaryKernel<ComplexLn, double>>(n, a, r);
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace pex {
+HWY_EXPORT(zLn_26);
+HWY_EXPORT(zLn_50);
+HWY_EXPORT(zLn_HA);
+PEX_EXPORT_COMPLEX_UNARY(PexComplex16, PexComplex16, ControlGuard, zLn_26, zLn_26)
+PEX_EXPORT_COMPLEX_UNARY(PexComplex16, PexComplex16, ControlGuard, zLn_50, zLn_50)
+PEX_EXPORT_COMPLEX_UNARY(PexComplex16, PexComplex16, ControlGuard, zLn_HA, zLn_HA)
+}  // namespace pex
+#endif
