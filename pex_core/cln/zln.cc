@@ -5,6 +5,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/complex/complex_vector-inl.h"
+#include "pex_core/_heap/real/atan_octant-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
@@ -48,48 +49,52 @@ struct dComplexLn : ElementaryKernel<ComplexLn, double> {
       s[k] = hn::Add(hn::Mul(z[k].re, z[k].re), hn::Mul(z[k].im, z[k].im));
     }
   }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Octants(D d, const Complex<V> (&z)[K], AtanOctant<V> (&r)[K]) {
+    for (size_t k = 0; k < K; ++k) r[k] = AtanOctantOf(d, z[k].im, z[k].re);
+  }
   template <class D, class V, size_t K, size_t N>
-  static HWY_INLINE void Angles(D d, const Complex<V> (&z)[K], const double (&c)[N], V (&r)[K]) {
-    V x[K], y[K];
-    for (size_t k = 0; k < K; ++k) {
-      x[k] = z[k].re;
-      y[k] = z[k].im;
-    }
-    PlainAtan2(d, y, x, c, r);
+  static HWY_INLINE void Results(D d, const Complex<V> (&z)[K], const V (&size)[K],
+                                 const AtanOctant<V> (&octant)[K], const double (&c)[N],
+                                 Complex<V> (&r)[K]) {
+    V y[K], angle[K];
+    for (size_t k = 0; k < K; ++k) y[k] = z[k].im;
+    AtanOctantSum(d, octant, y, c, angle);
+    for (size_t k = 0; k < K; ++k) r[k] = {hn::Mul(size[k], hn::Set(d, 0.5)), angle[k]};
   }
 };
 
 struct dComplexLnLA : dComplexLn {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
-    V s[K], t[K], size[K], angle[K];
+    V s[K], t[K], size[K];
     LogShort<D> u[K];
+    AtanOctant<V> octant[K];
+    Octants(d, z, octant);
     Squares(d, z, s);
-    V x[K], y[K];
-    for (size_t k = 0; k < K; ++k) {
-      x[k] = z[k].re;
-      y[k] = z[k].im;
-    }
     LogShortReduce(d, s, u);
     for (size_t k = 0; k < K; ++k) t[k] = ProductLessOne(d, u[k].m, u[k].c);
     auto near = IsNearCircle(d, s[0]);
     for (size_t k = 1; k < K; ++k) near = hn::Or(near, IsNearCircle(d, s[k]));
     if (!hn::AllFalse(d, near)) [[unlikely]] {
-      for (size_t k = 0; k < K; ++k) t[k] = AddRestOfSquare(d, x[k], y[k], s[k], u[k].m, u[k].c, t[k]);
+      for (size_t k = 0; k < K; ++k) {
+        t[k] = AddRestOfSquare(d, z[k].re, z[k].im, s[k], u[k].m, u[k].c, t[k]);
+      }
     }
     LogShortSum(d, u, t, size);
-    PlainAtan2(d, y, x, kAtan2LA, angle);
-    for (size_t k = 0; k < K; ++k) r[k] = {hn::Mul(size[k], hn::Set(d, 0.5)), angle[k]};
+    Results(d, z, size, octant, kAtanOctantLA, r);
   }
 };
 
 struct dComplexLnEP : dComplexLn {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
-    V s[K], p[K], size[K], angle[K];
+    V s[K], p[K], size[K];
     LogReduced<D> u[K];
+    AtanOctant<V> octant[K];
+    Octants(d, z, octant);
     Squares(d, z, s);
     LogReduce<NaturalLog>(d, s, u);
     for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(hn::Sub(u[k].m, u[k].row.a), u[k].row.factor);
@@ -104,8 +109,7 @@ struct dComplexLnEP : dComplexLn {
       }
     }
     LogPlain<NaturalLog>(d, u, p, kLnEP, size);
-    Angles(d, z, kAtanEP, angle);
-    for (size_t k = 0; k < K; ++k) r[k] = {hn::Mul(size[k], hn::Set(d, 0.5)), angle[k]};
+    Results(d, z, size, octant, kAtanOctantEP, r);
   }
 };
 

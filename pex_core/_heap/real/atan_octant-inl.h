@@ -1,0 +1,61 @@
+// atan2 in double precision by the ratio of the smaller magnitude to the larger: with a breakpoint
+// c = 0 or c near 0.56, atan(low/high) = atan(c) + atan(q), q = (low - c high)/(high + c low),
+// |q| < 0.2829, and the other octants by reflection.
+
+#include "hwy/highway.h"
+#include "pex_core/_heap/real/atan-inl.h"
+
+#if defined(PEX_CORE__HEAP_REAL_ATAN_OCTANT_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__HEAP_REAL_ATAN_OCTANT_INL_H_
+#undef PEX_CORE__HEAP_REAL_ATAN_OCTANT_INL_H_
+#else
+#define PEX_CORE__HEAP_REAL_ATAN_OCTANT_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// The angle is base + (middle + atan(q)), the sum in brackets with the sign bit of `turn` flipped.
+template <class V>
+struct AtanOctant {
+  V q, middle, base, turn;
+};
+
+// For |x| and |y| in [2^-450, 2^450]; one of them may be 0.
+template <class D, class V>
+HWY_INLINE AtanOctant<V> AtanOctantOf(D d, V y, V x) {
+  const V ay = hn::Abs(y), ax = hn::Abs(x);
+  const V high = hn::Max(ax, ay), low = hn::Min(ax, ay);
+  const auto steep = hn::Gt(ay, ax);
+  const auto flat = hn::Lt(low, hn::Mul(high, hn::Set(d, 0.2828)));
+  const V c = hn::IfThenZeroElse(flat, hn::Set(d, kAtanOctantMiddle));
+  AtanOctant<V> r;
+  // The difference is rounded once: c high is 0 or, rounded, within a factor of 2 of low.
+  r.q = hn::Div(Remainder(d, low, c, high), hn::Add(high, hn::Mul(c, low)));
+  r.middle = hn::IfThenZeroElse(flat, hn::Set(d, kAtanOctantMiddleAngle));
+  const V pi = hn::IfNegativeThenElse(x, hn::Set(d, 0x1.921fb54442d18p+1), hn::Zero(d));
+  r.base = hn::IfThenElse(steep, hn::Set(d, 0x1.921fb54442d18p+0), pi);
+  r.turn = hn::Xor(x, hn::IfThenElseZero(steep, hn::SignBit(d)));
+  return r;
+}
+
+// The sum, with the sign of y.
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void AtanOctantSum(D d, const AtanOctant<V> (&x)[K], const V (&y)[K],
+                              const double (&c)[N], V (&r)[K]) {
+  V q[K], tail[K];
+  for (size_t k = 0; k < K; ++k) q[k] = x[k].q;
+  AtanTail(d, q, c, tail);
+  for (size_t k = 0; k < K; ++k) {
+    const V angle = hn::Add(x[k].middle, hn::Add(q[k], tail[k]));
+    const V turned = hn::Xor(angle, hn::And(x[k].turn, hn::SignBit(d)));
+    r[k] = hn::CopySignToAbs(hn::Add(x[k].base, turned), y[k]);
+  }
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__HEAP_REAL_ATAN_OCTANT_INL_H_
