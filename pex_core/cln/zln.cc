@@ -5,10 +5,24 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/complex/complex_vector-inl.h"
+#include "pex_core/_heap/real/atan2_domain-inl.h"
 #include "pex_core/_heap/real/atan_octant-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
+
+// The lesser of two keys; of doubles' keys at most its high word.
+template <class D>
+HWY_INLINE BitsOf<D> LesserKey(D d, BitsOf<D> a, BitsOf<D> b) {
+#if HWY_TARGET == HWY_AVX3
+  (void)d;
+  return hn::Min(a, b);
+#else
+  (void)d;
+  const hn::Repartition<int32_t, D> d32;
+  return hn::BitCast(hn::RebindToSigned<D>(), hn::Min(hn::BitCast(d32, a), hn::BitCast(d32, b)));
+#endif
+}
 
 // Squares s = x^2 + y^2 within a distance of a centre, where the rounding of s would weigh too much
 // next to ln s.
@@ -19,9 +33,13 @@ HWY_INLINE MaskOf<D> IsWithin(D d, V s, double centre, double distance) {
 
 // From 3/8 to 11/4: elsewhere |ln s| > 0.98, and the two units of s's last place that s may be off
 // by are at most one of the result's.
-template <class D, class V>
-HWY_INLINE MaskOf<D> IsNearCircle(D d, V s) {
-  return IsWithin(d, s, 1.5625, 1.1875);
+using OffCircle = RareOutside<double, 0x3FD80000, 0x4005FFFF>;
+
+template <class D, class V, size_t K>
+HWY_INLINE bool AnyNearCircle(D d, const V (&s)[K]) {
+  auto key = OffCircle::Key(d, s[0]);
+  for (size_t k = 1; k < K; ++k) key = LesserKey(d, key, OffCircle::Key(d, s[k]));
+  return !hn::AllTrue(d, KeyAbove(d, key, OffCircle::kLimit));
 }
 
 // Next to the circle nothing but the exact sum will do.
@@ -36,13 +54,18 @@ HWY_INLINE V AddRestOfSquare(D d, V x, V y, V s, V m, V c, V t) {
   const V rest = hn::Add(hn::Sub(y2.hi, hn::Sub(s, x2.hi)), hn::Add(x2.lo, y2.lo));
   const auto power = hn::Add(hn::Sub(Bits(d, m), Bits(d, s)), SetBits(d, BitsOfNumber(1.0)));
   const V sum = hn::Add(t, hn::Mul(rest, hn::Mul(c, FromBits(d, power))));
-  const V r = hn::IfThenElse(IsNearCircle(d, s), sum, t);
+  const V r = hn::IfThenElse(LanesAbove(d, OffCircle::Key(d, s), OffCircle::kLimit), t, sum);
   const auto next = IsWithin(d, s, 1.0, kNextToOne);
   if (hn::AllFalse(d, next)) return r;
   return hn::IfThenElse(next, Value(d, SquaresLessOne<Pair<V>>(d, more, less)), r);
 }
 
 struct dComplexLn : ElementaryKernel<ComplexLn, double> {
+  using Domain = Atan2Outside<double, 0x26F00000, 0x58EFFFFF>;  // ModulusRange
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> z) {
+    return Domain::MayBeRare(d, z.im, z.re);
+  }
   template <class D, class V, size_t K>
   static HWY_INLINE void Squares(const D, const Complex<V> (&z)[K], V (&s)[K]) {
     for (size_t k = 0; k < K; ++k) {
@@ -65,7 +88,7 @@ struct dComplexLn : ElementaryKernel<ComplexLn, double> {
 };
 
 struct dComplexLnLA : dComplexLn {
-  static constexpr int kUnroll = 8;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 3 : 6;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
     V s[K], t[K], size[K];
@@ -75,9 +98,7 @@ struct dComplexLnLA : dComplexLn {
     Squares(d, z, s);
     LogShortReduce(d, s, u);
     for (size_t k = 0; k < K; ++k) t[k] = ProductLessOne(d, u[k].m, u[k].c);
-    auto near = IsNearCircle(d, s[0]);
-    for (size_t k = 1; k < K; ++k) near = hn::Or(near, IsNearCircle(d, s[k]));
-    if (!hn::AllFalse(d, near)) [[unlikely]] {
+    if (AnyNearCircle(d, s)) [[unlikely]] {
       for (size_t k = 0; k < K; ++k) {
         t[k] = AddRestOfSquare(d, z[k].re, z[k].im, s[k], u[k].m, u[k].c, t[k]);
       }
@@ -88,7 +109,7 @@ struct dComplexLnLA : dComplexLn {
 };
 
 struct dComplexLnEP : dComplexLn {
-  static constexpr int kUnroll = 8;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 3 : 6;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
     V s[K], p[K], size[K];
