@@ -24,44 +24,45 @@ HWY_INLINE BitsOf<D> LesserKey(D d, BitsOf<D> a, BitsOf<D> b) {
 #endif
 }
 
-// Squares s = x^2 + y^2 within a distance of a centre, where the rounding of s would weigh too much
-// next to ln s.
-template <class D, class V>
-HWY_INLINE MaskOf<D> IsWithin(D d, V s, double centre, double distance) {
-  return hn::Lt(hn::Abs(hn::Sub(s, hn::Set(d, centre))), hn::Set(d, distance));
-}
-
-// From 3/8 to 11/4: elsewhere |ln s| > 0.98, and the two units of s's last place that s may be off
-// by are at most one of the result's.
+// Squares s = x^2 + y^2 from 3/8 to 11/4: elsewhere |ln s| > 0.98, and the two units of s's last
+// place that s may be off by are at most one of the result's.
 using OffCircle = RareOutside<double, 0x3FD80000, 0x4005FFFF>;
-
-template <class D, class V, size_t K>
-HWY_INLINE bool AnyNearCircle(D d, const V (&s)[K]) {
-  auto key = OffCircle::Key(d, s[0]);
-  for (size_t k = 1; k < K; ++k) key = LesserKey(d, key, OffCircle::Key(d, s[k]));
-  return !hn::AllTrue(d, KeyAbove(d, key, OffCircle::kLimit));
-}
-
-// Next to the circle nothing but the exact sum will do.
+// Within 2^-16 of 1 the same are too much for EP.
+using OffCircleEP = RareOutside<double, 0x3FEFFFE0, 0x3FF0000F>;
+// And within 2^-40 only the exact sum will do.
 inline constexpr double kNextToOne = 0x1p-40;
+
+template <class Range, class D, class V, size_t K>
+HWY_INLINE bool AnyWithin(D d, const V (&s)[K]) {
+  auto key = Range::Key(d, s[0]);
+  for (size_t k = 1; k < K; ++k) key = LesserKey(d, key, Range::Key(d, s[k]));
+  return !hn::AllTrue(d, KeyAbove(d, key, Range::kLimit));
+}
+template <class Range, class D, class V>
+HWY_INLINE MaskOf<D> LanesBeyond(D d, V s) {
+  return LanesAbove(d, Range::Key(d, s), Range::kLimit);
+}
 
 // The polynomial's argument t with what s lacks of x^2 + y^2, for lanes near the circle.
 template <class D, class V = VecOf<D>>
-HWY_INLINE V AddRestOfSquare(D d, V x, V y, V s, V m, V c, V t) {
-  const V ax = hn::Abs(x), ay = hn::Abs(y);
+HWY_INLINE V AddRestOfSquare(D d, Complex<V> z, V s, LogShort<D> u, V t) {
+  const V ax = hn::Abs(z.re), ay = hn::Abs(z.im);
   const V more = hn::Max(ax, ay), less = hn::Min(ax, ay);
   const Pair<V> x2 = TwoProduct(d, more, more), y2 = TwoProduct(d, less, less);
   const V rest = hn::Add(hn::Sub(y2.hi, hn::Sub(s, x2.hi)), hn::Add(x2.lo, y2.lo));
-  const auto power = hn::Add(hn::Sub(Bits(d, m), Bits(d, s)), SetBits(d, BitsOfNumber(1.0)));
-  const V sum = hn::Add(t, hn::Mul(rest, hn::Mul(c, FromBits(d, power))));
-  const V r = hn::IfThenElse(LanesAbove(d, OffCircle::Key(d, s), OffCircle::kLimit), t, sum);
-  const auto next = IsWithin(d, s, 1.0, kNextToOne);
+  const auto power = hn::Add(hn::Sub(Bits(d, u.m), Bits(d, s)), SetBits(d, BitsOfNumber(1.0)));
+  const V sum = hn::Add(t, hn::Mul(rest, hn::Mul(u.c, FromBits(d, power))));
+  const V r = hn::IfThenElse(LanesBeyond<OffCircle>(d, s), t, sum);
+  const auto next = hn::Lt(hn::Abs(hn::Sub(s, hn::Set(d, 1.0))), hn::Set(d, kNextToOne));
   if (hn::AllFalse(d, next)) return r;
   return hn::IfThenElse(next, Value(d, SquaresLessOne<Pair<V>>(d, more, less)), r);
 }
 
+// kWide: parts from 2^-400 to 2^400 and zeros instead of 2^-127 to 2^127.
+template <bool kWide>
 struct dComplexLn : ElementaryKernel<ComplexLn, double> {
-  using Domain = Atan2Outside<double, 0x26F00000, 0x58EFFFFF>;  // ModulusRange
+  using Domain = std::conditional_t<kWide, Atan2Outside<double, 0x26F00000, 0x58EFFFFF>,
+                                    Atan2Outside<double, 0x38000000, 0x47DFFFFF>>;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> z) {
     return Domain::MayBeRare(d, z.im, z.re);
@@ -82,64 +83,74 @@ struct dComplexLn : ElementaryKernel<ComplexLn, double> {
                                  Complex<V> (&r)[K]) {
     V y[K], angle[K];
     for (size_t k = 0; k < K; ++k) y[k] = z[k].im;
-    AtanOctantSum(d, octant, y, c, angle);
+    AtanOctantSum<kWide>(d, octant, y, c, angle);
     for (size_t k = 0; k < K; ++k) r[k] = {hn::Mul(size[k], hn::Set(d, 0.5)), angle[k]};
   }
 };
 
-struct dComplexLnLA : dComplexLn {
+template <bool kWide>
+struct dComplexLnLA : dComplexLn<kWide> {
+  using Base = dComplexLn<kWide>;
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 3 : 6;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
     V s[K], t[K], size[K];
     LogShort<D> u[K];
     AtanOctant<V> octant[K];
-    Octants(d, z, octant);
-    Squares(d, z, s);
+    Base::Octants(d, z, octant);
+    Base::Squares(d, z, s);
     LogShortReduce(d, s, u);
     for (size_t k = 0; k < K; ++k) t[k] = ProductLessOne(d, u[k].m, u[k].c);
-    if (AnyNearCircle(d, s)) [[unlikely]] {
-      for (size_t k = 0; k < K; ++k) {
-        t[k] = AddRestOfSquare(d, z[k].re, z[k].im, s[k], u[k].m, u[k].c, t[k]);
-      }
+    if (AnyWithin<OffCircle>(d, s)) [[unlikely]] {
+      for (size_t k = 0; k < K; ++k) t[k] = AddRestOfSquare(d, z[k], s[k], u[k], t[k]);
     }
     LogShortSum(d, u, t, size);
-    Results(d, z, size, octant, kAtanOctantLA, r);
+    Base::Results(d, z, size, octant, kAtanOctantLA, r);
   }
 };
 
-struct dComplexLnEP : dComplexLn {
+template <bool kWide>
+struct dComplexLnEP : dComplexLn<kWide> {
+  using Base = dComplexLn<kWide>;
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 3 : 6;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
-    V s[K], p[K], size[K];
-    LogReduced<D> u[K];
+    V s[K], t[K], t2[K], q[K], size[K];
+    LogShort<D> u[K];
     AtanOctant<V> octant[K];
-    Octants(d, z, octant);
-    Squares(d, z, s);
-    LogReduce<NaturalLog>(d, s, u);
-    for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(hn::Sub(u[k].m, u[k].row.a), u[k].row.factor);
-    const auto is_near = [&](size_t k) HWY_ATTR { return IsWithin(d, s[k], 1.0, 0x1p-16); };
-    auto near = is_near(0);
-    for (size_t k = 1; k < K; ++k) near = hn::Or(near, is_near(k));
-    if (!hn::AllFalse(d, near)) [[unlikely]] {
+    Base::Octants(d, z, octant);
+    Base::Squares(d, z, s);
+    LogShortReduce<PointFactors>(d, s, u);
+    for (size_t k = 0; k < K; ++k) {
+      t[k] = hn::Sub(hn::Mul(u[k].m, u[k].c), hn::Set(d, 1.0));
+    }
+    if (AnyWithin<OffCircleEP>(d, s)) [[unlikely]] {
       for (size_t k = 0; k < K; ++k) {
         const V ax = hn::Abs(z[k].re), ay = hn::Abs(z[k].im);
-        const V t = Value(d, SquaresLessOne<Pair<V>>(d, hn::Max(ax, ay), hn::Min(ax, ay)));
-        p[k] = hn::IfThenElse(is_near(k), t, p[k]);
+        const V exact = Value(d, SquaresLessOne<Pair<V>>(d, hn::Max(ax, ay), hn::Min(ax, ay)));
+        t[k] = hn::IfThenElse(LanesBeyond<OffCircleEP>(d, s[k]), t[k], exact);
       }
     }
-    LogPlain<NaturalLog>(d, u, p, kLnEP, size);
-    Results(d, z, size, octant, kAtanOctantEP, r);
+    for (size_t k = 0; k < K; ++k) t2[k] = hn::Mul(t[k], t[k]);
+    EvenOdd(d, t, t2, kLnEP, q);
+    for (size_t k = 0; k < K; ++k) {
+      constexpr double kLog2 = NaturalLog::kLog2Hi + NaturalLog::kLog2Lo;
+      const V head = hn::Add(hn::Mul(u[k].e, hn::Set(d, kLog2)), u[k].log);
+      size[k] = hn::Add(head, hn::Add(t[k], hn::Mul(t2[k], q[k])));
+    }
+    Base::Results(d, z, size, octant, kAtanOctantEP, r);
   }
 };
 
-int zLn_26(int32_t n, const PexComplex16* a, PexComplex16* r) {
-  return MapComplex<dComplexLnEP>(n, a, r);
-}
-int zLn_50(int32_t n, const PexComplex16* a, PexComplex16* r) {
-  return MapComplex<dComplexLnLA>(n, a, r);
-}
+struct dLnLA : dComplexLnLA<false> {
+  using Wide = dComplexLnLA<true>;
+};
+struct dLnEP : dComplexLnEP<false> {
+  using Wide = dComplexLnEP<true>;
+};
+
+int zLn_26(int32_t n, const PexComplex16* a, PexComplex16* r) { return MapComplex<dLnEP>(n, a, r); }
+int zLn_50(int32_t n, const PexComplex16* a, PexComplex16* r) { return MapComplex<dLnLA>(n, a, r); }
 int zLn_HA(int32_t n, const PexComplex16* a, PexComplex16* r) {
   return MapComplex<ElementaryKernel<ComplexLn, double>>(n, a, r);
 }

@@ -41,15 +41,26 @@ HWY_INLINE AtanOctant<V> AtanOctantOf(D d, V y, V x) {
   return r;
 }
 
-// The sum, with the sign of y.
-template <class D, class V, size_t K, size_t N>
+// The sum, with the sign of y. kTiny: x and y may be outside [2^-127, 2^127] or 0, and the tail of
+// a tiny q then out of the range of normal numbers; its value counts for nothing there.
+template <bool kTiny, class D, class V, size_t K, size_t N>
 HWY_INLINE void AtanOctantSum(D d, const AtanOctant<V> (&x)[K], const V (&y)[K],
                               const double (&c)[N], V (&r)[K]) {
-  V q[K], tail[K];
-  for (size_t k = 0; k < K; ++k) q[k] = x[k].q;
-  AtanTail(d, q, c, tail);
+  V z[K], z2[K], p[K];
   for (size_t k = 0; k < K; ++k) {
-    const V angle = hn::Add(x[k].middle, hn::Add(q[k], tail[k]));
+    V q = x[k].q;
+    if constexpr (kTiny) q = hn::IfThenZeroElse(MagnitudeBelow(d, q, 0x1p-30), q);
+    z[k] = hn::Mul(q, q);
+  }
+  if constexpr (N > 4) {
+    for (size_t k = 0; k < K; ++k) z2[k] = hn::Mul(z[k], z[k]);
+    EvenOdd(d, z, z2, c, p);
+  } else {
+    Horner(d, z, c, p);
+  }
+  for (size_t k = 0; k < K; ++k) {
+    const V tail = hn::Mul(x[k].q, hn::Mul(z[k], p[k]));
+    const V angle = hn::Add(x[k].middle, hn::Add(x[k].q, tail));
     const V turned = hn::Xor(angle, hn::And(x[k].turn, hn::SignBit(d)));
     r[k] = hn::CopySignToAbs(hn::Add(x[k].base, turned), y[k]);
   }

@@ -221,7 +221,7 @@ struct LogShort {
   VecOf<D> e, m, c, log;
 };
 
-template <class D, class V>
+template <class Factors, class D, class V>
 HWY_INLINE void LogFactorAt(D d, V sixteenths, V& c, V& log) {
 #if HWY_TARGET == HWY_AVX3
   (void)d;
@@ -229,13 +229,14 @@ HWY_INLINE void LogFactorAt(D d, V sixteenths, V& c, V& log) {
   const auto column = [i](const double* t) HWY_ATTR {
     return V{_mm512_permutex2var_pd(_mm512_load_pd(t), i, _mm512_load_pd(t + 8))};
   };
-  c = column(kLnColumns.factor);
-  log = column(kLnColumns.log);
+  c = column(Factors::kColumns.factor);
+  log = column(Factors::kColumns.log);
 #else
   // Byte offsets of rows, and rows by lane.
   const auto i = hn::And(hn::ShiftLeft<4>(Bits(d, sixteenths)), SetBits(d, 15 * 16)).raw;
   const auto row = [](int64_t bytes) HWY_ATTR {
-    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(kLnFactors.row) + bytes);
+    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(Factors::kRows.row) +
+                                           bytes);
   };
 #if HWY_TARGET == HWY_AVX2
   const __m128i low = _mm256_castsi256_si128(i), high = _mm256_extracti128_si256(i, 1);
@@ -256,7 +257,7 @@ HWY_INLINE void LogFactorAt(D d, V sixteenths, V& c, V& log) {
 #endif
 }
 
-template <class D, class V, size_t K>
+template <class Factors = ShortFactors, class D, class V, size_t K>
 HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D> (&r)[K]) {
   constexpr int64_t kLeast = BitsOfNumber(0.75);
   for (size_t k = 0; k < K; ++k) {
@@ -279,7 +280,7 @@ HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D> (&r)[K]) {
   }
   for (size_t k = 0; k < K; ++k) {
     // The sum ends in the number of sixteenths.
-    LogFactorAt(d, hn::Add(r[k].m, hn::Set(d, 0x1.8p48)), r[k].c, r[k].log);
+    LogFactorAt<Factors>(d, hn::Add(r[k].m, hn::Set(d, 0x1.8p48)), r[k].c, r[k].log);
   }
 }
 
