@@ -17,10 +17,10 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// The angle is base + (middle + atan(q)), the sum in brackets with the sign bit of `turn` flipped.
+// The angle is base + atan(q), atan(q) with the sign bit of `turn` flipped.
 template <class V>
 struct AtanOctant {
-  V q, middle, base, turn;
+  V q, base, turn;
 };
 
 // For |x| and |y| in [2^-450, 2^450]; one of them may be 0.
@@ -34,10 +34,11 @@ HWY_INLINE AtanOctant<V> AtanOctantOf(D d, V y, V x) {
   AtanOctant<V> r;
   // The difference is rounded once: c high is 0 or, rounded, within a factor of 2 of low.
   r.q = hn::Div(Remainder(d, low, c, high), hn::Add(high, hn::Mul(c, low)));
-  r.middle = hn::IfThenZeroElse(flat, hn::Set(d, kAtanOctantMiddleAngle));
   const V pi = hn::IfNegativeThenElse(x, hn::Set(d, 0x1.921fb54442d18p+1), hn::Zero(d));
-  r.base = hn::IfThenElse(steep, hn::Set(d, 0x1.921fb54442d18p+0), pi);
-  r.turn = hn::Xor(x, hn::IfThenElseZero(steep, hn::SignBit(d)));
+  const V corner = hn::IfThenElse(steep, hn::Set(d, 0x1.921fb54442d18p+0), pi);
+  const V middle = hn::IfThenZeroElse(flat, hn::Set(d, kAtanOctantMiddleAngle));
+  r.turn = hn::And(hn::Xor(x, hn::VecFromMask(d, steep)), hn::SignBit(d));
+  r.base = hn::Add(corner, hn::Xor(middle, r.turn));  // exact
   return r;
 }
 
@@ -60,8 +61,7 @@ HWY_INLINE void AtanOctantSum(D d, const AtanOctant<V> (&x)[K], const V (&y)[K],
   }
   for (size_t k = 0; k < K; ++k) {
     const V tail = hn::Mul(x[k].q, hn::Mul(z[k], p[k]));
-    const V angle = hn::Add(x[k].middle, hn::Add(x[k].q, tail));
-    const V turned = hn::Xor(angle, hn::And(x[k].turn, hn::SignBit(d)));
+    const V turned = hn::Xor(hn::Add(x[k].q, tail), x[k].turn);
     r[k] = hn::CopySignToAbs(hn::Add(x[k].base, turned), y[k]);
   }
 }
