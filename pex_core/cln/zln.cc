@@ -27,10 +27,8 @@ HWY_INLINE BitsOf<D> LesserKey(D d, BitsOf<D> a, BitsOf<D> b) {
 // Squares s = x^2 + y^2 from 3/8 to 11/4: elsewhere |ln s| > 0.98, and the two units of s's last
 // place that s may be off by are at most one of the result's.
 using OffCircle = RareOutside<double, 0x3FD80000, 0x4005FFFF>;
-// Within 2^-16 of 1 the same are too much for EP.
-using OffCircleEP = RareOutside<double, 0x3FEFFFE0, 0x3FF0000F>;
-// And within 2^-40 only the exact sum will do.
-inline constexpr double kNextToOne = 0x1p-40;
+// Next to 1, from 1 - 2^-21 to 1 + 2^-20, only the exact sum of x^2 + y^2 - 1 will do.
+using OffOne = RareOutside<double, 0x3FEFFFFF, 0x3FF00000>;
 
 template <class Range, class D, class V, size_t K>
 HWY_INLINE bool AnyWithin(D d, const V (&s)[K]) {
@@ -53,9 +51,9 @@ HWY_INLINE V AddRestOfSquare(D d, Complex<V> z, V s, LogShort<D> u, V t) {
   const auto power = hn::Add(hn::Sub(Bits(d, u.m), Bits(d, s)), SetBits(d, BitsOfNumber(1.0)));
   const V sum = hn::Add(t, hn::Mul(rest, hn::Mul(u.c, FromBits(d, power))));
   const V r = hn::IfThenElse(LanesBeyond<OffCircle>(d, s), t, sum);
-  const auto next = hn::Lt(hn::Abs(hn::Sub(s, hn::Set(d, 1.0))), hn::Set(d, kNextToOne));
-  if (hn::AllFalse(d, next)) return r;
-  return hn::IfThenElse(next, Value(d, SquaresLessOne<Pair<V>>(d, more, less)), r);
+  const auto off = LanesBeyond<OffOne>(d, s);
+  if (hn::AllTrue(d, off)) return r;
+  return hn::IfThenElse(off, r, Value(d, SquaresLessOne<Pair<V>>(d, more, less)));
 }
 
 // kWide: parts from 2^-400 to 2^400 and zeros instead of 2^-127 to 2^127.
@@ -124,11 +122,11 @@ struct dComplexLnEP : dComplexLn<kWide> {
     for (size_t k = 0; k < K; ++k) {
       t[k] = hn::Sub(hn::Mul(u[k].m, u[k].c), hn::Set(d, 1.0));
     }
-    if (AnyWithin<OffCircleEP>(d, s)) [[unlikely]] {
+    if (AnyWithin<OffOne>(d, s)) [[unlikely]] {
       for (size_t k = 0; k < K; ++k) {
         const V ax = hn::Abs(z[k].re), ay = hn::Abs(z[k].im);
         const V exact = Value(d, SquaresLessOne<Pair<V>>(d, hn::Max(ax, ay), hn::Min(ax, ay)));
-        t[k] = hn::IfThenElse(LanesBeyond<OffCircleEP>(d, s[k]), t[k], exact);
+        t[k] = hn::IfThenElse(LanesBeyond<OffOne>(d, s[k]), t[k], exact);
       }
     }
     for (size_t k = 0; k < K; ++k) t2[k] = hn::Mul(t[k], t[k]);
@@ -142,6 +140,52 @@ struct dComplexLnEP : dComplexLn<kWide> {
   }
 };
 
+template <bool kWide>
+struct dComplexLnHA : dComplexLn<kWide> {
+  static constexpr int kUnroll = 3;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
+    V y[K], s[K], angle[K];
+    Pair<V> t[K], size[K];
+    LogShort<D> u[K];
+    FullAtanOctant<V> octant[K];
+    for (size_t k = 0; k < K; ++k) {
+      y[k] = z[k].im;
+      octant[k] = FullAtanOctantOf(d, z[k].im, z[k].re);
+    }
+    for (size_t k = 0; k < K; ++k) {
+      const V ax = hn::Abs(z[k].re), ay = hn::Abs(z[k].im);
+      const V more = hn::Max(ax, ay), less = hn::Min(ax, ay);
+      const Pair<V> x2 = TwoProduct(d, more, more), y2 = TwoProduct(d, less, less);
+      const Pair<V> sum = FastTwoSum(x2.hi, y2.hi);
+      s[k] = sum.hi;
+      t[k].lo = hn::Add(sum.lo, hn::Add(x2.lo, y2.lo));
+    }
+    LogShortReduce(d, s, u);
+    for (size_t k = 0; k < K; ++k) {
+      const auto power =
+          hn::Add(hn::Sub(Bits(d, u[k].m), Bits(d, s[k])), SetBits(d, BitsOfNumber(1.0)));
+      const Pair<V> product = TwoProduct(d, u[k].m, u[k].c);
+      const V rest = hn::Mul(hn::Mul(t[k].lo, u[k].c), FromBits(d, power));
+      // The difference is 0, or as large as the rest but for a bit that counts for nothing.
+      t[k] = FastTwoSum(hn::Sub(product.hi, hn::Set(d, 1.0)), hn::Add(product.lo, rest));
+    }
+    if (AnyWithin<OffOne>(d, s)) [[unlikely]] {
+      for (size_t k = 0; k < K; ++k) {
+        const V ax = hn::Abs(z[k].re), ay = hn::Abs(z[k].im);
+        const Pair<V> exact =
+            Normalized(d, SquaresLessOne<Pair<V>>(d, hn::Max(ax, ay), hn::Min(ax, ay)));
+        t[k] = Select(d, LanesBeyond<OffOne>(d, s[k]), t[k], exact);
+      }
+    }
+    LogShortPair(d, u, t, size);
+    FullAtanOctantSum<kWide>(d, octant, y, angle);
+    for (size_t k = 0; k < K; ++k) {
+      r[k] = {hn::Mul(Value(d, size[k]), hn::Set(d, 0.5)), angle[k]};
+    }
+  }
+};
+
 struct dLnLA : dComplexLnLA<false> {
   using Wide = dComplexLnLA<true>;
 };
@@ -149,11 +193,13 @@ struct dLnEP : dComplexLnEP<false> {
   using Wide = dComplexLnEP<true>;
 };
 
+struct dLnHA : dComplexLnHA<false> {
+  using Wide = dComplexLnHA<true>;
+};
+
 int zLn_26(int32_t n, const PexComplex16* a, PexComplex16* r) { return MapComplex<dLnEP>(n, a, r); }
 int zLn_50(int32_t n, const PexComplex16* a, PexComplex16* r) { return MapComplex<dLnLA>(n, a, r); }
-int zLn_HA(int32_t n, const PexComplex16* a, PexComplex16* r) {
-  return MapComplex<ElementaryKernel<ComplexLn, double>>(n, a, r);
-}
+int zLn_HA(int32_t n, const PexComplex16* a, PexComplex16* r) { return MapComplex<dLnHA>(n, a, r); }
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

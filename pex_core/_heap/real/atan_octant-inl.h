@@ -23,35 +23,47 @@ struct AtanOctant {
   V q, base, turn;
 };
 
-// For |x| and |y| in [2^-450, 2^450]; one of them may be 0.
+// What both accuracies begin with: the magnitudes, c, and the base without its rest.
+template <class D, class V = VecOf<D>>
+struct AtanOctantParts {
+  V high, low, c, base, turn;
+  MaskOf<D> steep;
+};
 template <class D, class V>
-HWY_INLINE AtanOctant<V> AtanOctantOf(D d, V y, V x) {
+HWY_INLINE AtanOctantParts<D> AtanOctantPartsOf(D d, V y, V x) {
   const V ay = hn::Abs(y), ax = hn::Abs(x);
-  const V high = hn::Max(ax, ay), low = hn::Min(ax, ay);
-  const auto steep = hn::Gt(ay, ax);
-  const auto flat = hn::Lt(low, hn::Mul(high, hn::Set(d, 0.2828)));
-  const V c = hn::IfThenZeroElse(flat, hn::Set(d, kAtanOctantMiddle));
-  AtanOctant<V> r;
-  // The difference is rounded once: c high is 0 or, rounded, within a factor of 2 of low.
-  r.q = hn::Div(Remainder(d, low, c, high), hn::Add(high, hn::Mul(c, low)));
+  AtanOctantParts<D> r;
+  r.high = hn::Max(ax, ay);
+  r.low = hn::Min(ax, ay);
+  r.steep = hn::Gt(ay, ax);
+  const auto flat = hn::Lt(r.low, hn::Mul(r.high, hn::Set(d, 0.2828)));
+  r.c = hn::IfThenZeroElse(flat, hn::Set(d, kAtanOctantMiddle));
   const V pi = hn::IfNegativeThenElse(x, hn::Set(d, 0x1.921fb54442d18p+1), hn::Zero(d));
-  const V corner = hn::IfThenElse(steep, hn::Set(d, 0x1.921fb54442d18p+0), pi);
+  const V corner = hn::IfThenElse(r.steep, hn::Set(d, 0x1.921fb54442d18p+0), pi);
   const V middle = hn::IfThenZeroElse(flat, hn::Set(d, kAtanOctantMiddleAngle));
-  r.turn = hn::And(hn::Xor(x, hn::VecFromMask(d, steep)), hn::SignBit(d));
+  r.turn = hn::And(hn::Xor(x, hn::VecFromMask(d, r.steep)), hn::SignBit(d));
   r.base = hn::Add(corner, hn::Xor(middle, r.turn));  // exact
   return r;
 }
 
-// The sum, with the sign of y. kTiny: x and y may be outside [2^-127, 2^127] or 0, and the tail of
-// a tiny q then out of the range of normal numbers; its value counts for nothing there.
+// For |x| and |y| in [2^-450, 2^450]; one of them may be 0.
+template <class D, class V>
+HWY_INLINE AtanOctant<V> AtanOctantOf(D d, V y, V x) {
+  const auto u = AtanOctantPartsOf(d, y, x);
+  // The difference is rounded once: c high is 0 or, rounded, within a factor of 2 of low.
+  const V n = Remainder(d, u.low, u.c, u.high);
+  return {hn::Div(n, hn::Add(u.high, hn::Mul(u.c, u.low))), u.base, u.turn};
+}
+
+// atan(q) - q. kTiny: x and y may be outside [2^-127, 2^127] or 0, and the tail of a tiny q then
+// out of the range of normal numbers; its value counts for nothing there.
 template <bool kTiny, class D, class V, size_t K, size_t N>
-HWY_INLINE void AtanOctantSum(D d, const AtanOctant<V> (&x)[K], const V (&y)[K],
-                              const double (&c)[N], V (&r)[K]) {
+HWY_INLINE void AtanOctantTail(D d, const V (&q)[K], const double (&c)[N], V (&r)[K]) {
   V z[K], z2[K], p[K];
   for (size_t k = 0; k < K; ++k) {
-    V q = x[k].q;
-    if constexpr (kTiny) q = hn::IfThenZeroElse(MagnitudeBelow(d, q, 0x1p-30), q);
-    z[k] = hn::Mul(q, q);
+    V u = q[k];
+    if constexpr (kTiny) u = hn::IfThenZeroElse(MagnitudeBelow(d, u, 0x1p-30), u);
+    z[k] = hn::Mul(u, u);
   }
   if constexpr (N > 4) {
     for (size_t k = 0; k < K; ++k) z2[k] = hn::Mul(z[k], z[k]);
@@ -59,10 +71,56 @@ HWY_INLINE void AtanOctantSum(D d, const AtanOctant<V> (&x)[K], const V (&y)[K],
   } else {
     Horner(d, z, c, p);
   }
+  for (size_t k = 0; k < K; ++k) r[k] = hn::Mul(q[k], hn::Mul(z[k], p[k]));
+}
+
+// The angle, with the sign of y.
+template <bool kTiny, class D, class V, size_t K, size_t N>
+HWY_INLINE void AtanOctantSum(D d, const AtanOctant<V> (&x)[K], const V (&y)[K],
+                              const double (&c)[N], V (&r)[K]) {
+  V q[K], tail[K];
+  for (size_t k = 0; k < K; ++k) q[k] = x[k].q;
+  AtanOctantTail<kTiny>(d, q, c, tail);
   for (size_t k = 0; k < K; ++k) {
-    const V tail = hn::Mul(x[k].q, hn::Mul(z[k], p[k]));
-    const V turned = hn::Xor(hn::Add(x[k].q, tail), x[k].turn);
+    const V turned = hn::Xor(hn::Add(q[k], tail[k]), x[k].turn);
     r[k] = hn::CopySignToAbs(hn::Add(x[k].base, turned), y[k]);
+  }
+}
+
+// The same to about 2^-62 of itself.
+template <class V>
+struct FullAtanOctant {
+  Pair<V> q, base;
+  V turn;
+};
+
+template <class D, class V>
+HWY_INLINE FullAtanOctant<V> FullAtanOctantOf(D d, V y, V x) {
+  const auto u = AtanOctantPartsOf(d, y, x);
+  const Pair<V> ch = TwoProduct(d, u.c, u.high), cl = TwoProduct(d, u.c, u.low);
+  const V n = hn::Sub(u.low, ch.hi);  // exact
+  const Pair<V> m = FastTwoSum(u.high, cl.hi);
+  const V inverse = hn::Div(hn::Set(d, 1.0), m.hi);
+  const V q = hn::Mul(n, inverse);
+  const V low = hn::Add(ch.lo, hn::Mul(q, hn::Add(m.lo, cl.lo)));
+  const V rest = hn::Sub(Remainder(d, n, q, m.hi), low);
+  const V pi = hn::IfNegativeThenElse(x, hn::Set(d, 0x1.1a62633145c07p-53), hn::Zero(d));
+  const V base_rest = hn::IfThenElse(u.steep, hn::Set(d, 0x1.1a62633145c07p-54), pi);
+  return {{q, hn::Mul(rest, inverse)}, {u.base, base_rest}, u.turn};
+}
+
+// At most 0.52 ulp.
+template <bool kTiny, class D, class V, size_t K>
+HWY_INLINE void FullAtanOctantSum(D d, const FullAtanOctant<V> (&x)[K], const V (&y)[K],
+                                  V (&r)[K]) {
+  V q[K], tail[K];
+  for (size_t k = 0; k < K; ++k) q[k] = x[k].q.hi;
+  AtanOctantTail<kTiny>(d, q, kAtanOctantHA, tail);
+  for (size_t k = 0; k < K; ++k) {
+    const Pair<V> s = FastTwoSum(x[k].base.hi, hn::Xor(q[k], x[k].turn));
+    const V low = hn::Xor(hn::Add(x[k].q.lo, tail[k]), x[k].turn);
+    const V sum = hn::Add(s.hi, hn::Add(s.lo, hn::Add(x[k].base.lo, low)));
+    r[k] = hn::CopySignToAbs(sum, y[k]);
   }
 }
 

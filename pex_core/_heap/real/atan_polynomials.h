@@ -42,6 +42,12 @@ inline constexpr float kAtanSingleEP[] = {
 
 // The same for |t| < 0.2829.
 
+// Error 2^-60.25 of the whole.
+inline constexpr double kAtanOctantHA[] = {
+    -0x1.5555555555541p-2, 0x1.999999999496p-3, -0x1.2492492129ce7p-3, 0x1.c71c6f80ea6e5p-4,
+    -0x1.745ca927d4435p-4, 0x1.3b071117c50b3p-4, -0x1.102b3891bb3f6p-4, 0x1.cde90629e278cp-5,
+    -0x1.30175f376631dp-5};
+
 // Error 2^-54.4375 of the whole.
 inline constexpr double kAtanOctantLA[] = {
     -0x1.555555555519cp-2, 0x1.99999998db8b1p-3, -0x1.249248bcdd7ap-3, 0x1.c71c3af18bd3bp-4,
