@@ -56,11 +56,11 @@ HWY_INLINE V AddRestOfSquare(D d, Complex<V> z, V s, LogShort<D> u, V t) {
   return hn::IfThenElse(off, r, Value(d, SquaresLessOne<Pair<V>>(d, more, less)));
 }
 
-// kWide: parts from 2^-400 to 2^400 and zeros instead of 2^-127 to 2^127.
+// kWide: parts from 2^-400 to 2^400 and zeros instead of 2^-124 to 2^124.
 template <bool kWide>
 struct dComplexLn : ElementaryKernel<ComplexLn, double> {
   using Domain = std::conditional_t<kWide, Atan2Outside<double, 0x26F00000, 0x58EFFFFF>,
-                                    Atan2Outside<double, 0x38000000, 0x47DFFFFF>>;
+                                    Atan2Outside<double, 0x38300000, 0x47AFFFFF>>;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> z) {
     return Domain::MayBeRare(d, z.im, z.re);
