@@ -8,12 +8,25 @@
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
-// e^x = 2^n t (1 + p), t = hi + lo from the table of powers.
+// Powers of 2^(1/32) without the exponents' own share of the steps, and what they lack, over
+// themselves.
+struct ExpColumns {
+  alignas(64) double power[32], rest[32];
+};
+constexpr ExpColumns kExpColumns = [] {
+  ExpColumns c{};
+  for (int64_t i = 0; i < 32; ++i) {
+    c.power[i] = __builtin_bit_cast(double, BitsOfNumber(kPowPowers32.hi[i]) - (i << 47));
+    c.rest[i] = kPowPowers32.lo[i] / kPowPowers32.hi[i];
+  }
+  return c;
+}();
+constexpr PowPairs<32> kExpPairs = SideBySide(kExpColumns.power, kExpColumns.rest);
+
+// e^x = t (1 + p).
 template <class D>
 struct ExpFactors {
-  PairOf<D> t;
-  VecOf<D> p;
-  BitsOf<D> power;  // n << 52
+  VecOf<D> t, p;
 };
 
 template <class D, class V, size_t K>
@@ -31,10 +44,9 @@ HWY_INLINE void ExpFactorsOf(D d, const V (&x)[K], ExpFactors<D> (&r)[K]) {
   EvenOdd(d, y, square, Tier::kExpPolynomial, q);
   for (size_t k = 0; k < K; ++k) {
     const auto steps = Bits(d, kf[k]);
-    r[k].p = hn::Add(y[k], hn::Mul(square[k], q[k]));
-    r[k].t = PowLookUp<Tier::kSteps>(d, Tier::kPower, Tier::kPowerRest, Tier::kPowerPairs, steps);
-    static_assert(Tier::kSteps == 32);
-    r[k].power = hn::And(hn::ShiftLeft<47>(steps), SetBits(d, 0xFFF0000000000000));
+    const PairOf<D> row = PowLookUp<32>(d, kExpColumns.power, kExpColumns.rest, kExpPairs, steps);
+    r[k].t = FromBits(d, hn::Add(Bits(d, row.hi), hn::ShiftLeft<47>(steps)));
+    r[k].p = hn::Add(row.lo, hn::Add(y[k], hn::Mul(square[k], q[k])));
   }
 }
 
@@ -49,7 +61,7 @@ HWY_INLINE V ProductOfSums(D d, V high, V low, Pair<V> b) {
 // kWide: also zeros, and imaginary parts from 2^9 to 2^12.
 template <bool kWide>
 struct dComplexExp : ElementaryKernel<ComplexExp, double> {
-  static constexpr int kUnroll = 3;
+  static constexpr int kUnroll = 4;
   using Range = PartRange<-100, 9>::Outside<double>;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> z) {
@@ -72,14 +84,9 @@ struct dComplexExp : ElementaryKernel<ComplexExp, double> {
     for (size_t k = 0; k < K; ++k) {
       const Pair<V> sin = SumOfAngles<Wave::kSine>(d, u[k], s[k], c[k]);
       const Pair<V> cos = SumOfAngles<Wave::kCosine>(d, u[k], s[k], c[k]);
-      const V low = hn::Add(e[k].t.lo, hn::Mul(e[k].t.hi, e[k].p));
-      const V re = ProductOfSums(d, e[k].t.hi, low, cos);
-      V im = ProductOfSums(d, e[k].t.hi, low, sin);
-      // No part leaves the normal numbers: the exponent is added, and the sign flipped.
       const auto sign = hn::And(hn::ShiftLeft<59>(u[k].index), SetBits(d, uint64_t{1} << 63));
-      const auto scale = hn::Add(e[k].power, sign);
-      r[k].re = FromBits(d, hn::Add(Bits(d, re), scale));
-      r[k].im = FromBits(d, hn::Add(Bits(d, im), scale));
+      const V t = FromBits(d, hn::Xor(Bits(d, e[k].t), sign)), low = hn::Mul(t, e[k].p);
+      r[k] = {ProductOfSums(d, t, low, cos), ProductOfSums(d, t, low, sin)};
       if constexpr (kWide) r[k].im = hn::IfThenElse(hn::Eq(y[k], hn::Zero(d)), y[k], r[k].im);
     }
   }
