@@ -87,7 +87,7 @@ HWY_INLINE void AtanOctantSum(D d, const AtanOctant<V> (&x)[K], const V (&y)[K],
   }
 }
 
-// The same to about 2^-62 of itself.
+// The quotient and the base in two parts.
 template <class V>
 struct FullAtanOctant {
   Pair<V> q, base;
@@ -109,7 +109,7 @@ HWY_INLINE FullAtanOctant<V> FullAtanOctantOf(D d, V y, V x) {
   return {{q, hn::Mul(rest, inverse)}, {u.base, base_rest}, u.turn};
 }
 
-// At most 0.52 ulp.
+// At most 0.57 ulp: next to angles of 1/4 the tail is a fiftieth of the quotient.
 template <bool kTiny, class D, class V, size_t K>
 HWY_INLINE void FullAtanOctantSum(D d, const FullAtanOctant<V> (&x)[K], const V (&y)[K],
                                   V (&r)[K]) {
