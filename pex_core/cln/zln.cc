@@ -4,43 +4,14 @@
 #define HWY_TARGET_INCLUDE "pex_core/cln/zln.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
-#include "pex_core/_heap/complex/complex_vector-inl.h"
-#include "pex_core/_heap/real/atan2_domain-inl.h"
-#include "pex_core/_heap/real/atan_octant-inl.h"
+#include "pex_core/_heap/complex/complex_log-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
-// The lesser of two keys; of doubles' keys at most its high word.
-template <class D>
-HWY_INLINE BitsOf<D> LesserKey(D d, BitsOf<D> a, BitsOf<D> b) {
-#if HWY_TARGET == HWY_AVX3
-  (void)d;
-  return hn::Min(a, b);
-#else
-  (void)d;
-  const hn::Repartition<int32_t, D> d32;
-  return hn::BitCast(hn::RebindToSigned<D>(), hn::Min(hn::BitCast(d32, a), hn::BitCast(d32, b)));
-#endif
-}
-
 // Squares s = x^2 + y^2 from 3/8 to 11/4: elsewhere |ln s| > 0.98, and the two units of s's last
 // place that s may be off by are at most one of the result's.
 using OffCircle = RareOutside<double, 0x3FD80000, 0x4005FFFF>;
-// Next to 1, from 1 - 2^-21 to 1 + 2^-20, only the exact sum of x^2 + y^2 - 1 will do.
-using OffOne = RareOutside<double, 0x3FEFFFFF, 0x3FF00000>;
-
-template <class Range, class D, class V, size_t K>
-HWY_INLINE bool AnyWithin(D d, const V (&s)[K]) {
-  auto key = Range::Key(d, s[0]);
-  for (size_t k = 1; k < K; ++k) key = LesserKey(d, key, Range::Key(d, s[k]));
-  return !hn::AllTrue(d, KeyAbove(d, key, Range::kLimit));
-}
-template <class Range, class D, class V>
-HWY_INLINE MaskOf<D> LanesBeyond(D d, V s) {
-  return LanesAbove(d, Range::Key(d, s), Range::kLimit);
-}
-
 // The polynomial's argument t with what s lacks of x^2 + y^2, for lanes near the circle.
 template <class D, class V = VecOf<D>>
 HWY_INLINE V AddRestOfSquare(D d, Complex<V> z, V s, LogShort<D> u, V t) {
@@ -56,15 +27,8 @@ HWY_INLINE V AddRestOfSquare(D d, Complex<V> z, V s, LogShort<D> u, V t) {
   return hn::IfThenElse(off, r, Value(d, SquaresLessOne<Pair<V>>(d, more, less)));
 }
 
-// kWide: parts from 2^-400 to 2^400 and zeros instead of 2^-124 to 2^124.
 template <bool kWide>
-struct dComplexLn : ElementaryKernel<ComplexLn, double> {
-  using Domain = std::conditional_t<kWide, Atan2Outside<double, 0x26F00000, 0x58EFFFFF>,
-                                    Atan2Outside<double, 0x38300000, 0x47AFFFFF>>;
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> z) {
-    return Domain::MayBeRare(d, z.im, z.re);
-  }
+struct dComplexLn : ComplexLogKernel<ComplexLn, kWide> {
   template <class D, class V, size_t K>
   static HWY_INLINE void Squares(const D, const Complex<V> (&z)[K], V (&s)[K]) {
     for (size_t k = 0; k < K; ++k) {
@@ -145,43 +109,11 @@ struct dComplexLnHA : dComplexLn<kWide> {
   static constexpr int kUnroll = 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
-    V y[K], s[K], angle[K];
-    Pair<V> t[K], size[K];
-    LogShort<D> u[K];
-    FullAtanOctant<V> octant[K];
+    Pair<V> size[K], angle[K];
+    ComplexLogPairs<kWide>(d, z, size, angle);
     for (size_t k = 0; k < K; ++k) {
-      y[k] = z[k].im;
-      octant[k] = FullAtanOctantOf(d, z[k].im, z[k].re);
-    }
-    for (size_t k = 0; k < K; ++k) {
-      const V ax = hn::Abs(z[k].re), ay = hn::Abs(z[k].im);
-      const V more = hn::Max(ax, ay), less = hn::Min(ax, ay);
-      const Pair<V> x2 = TwoProduct(d, more, more), y2 = TwoProduct(d, less, less);
-      const Pair<V> sum = FastTwoSum(x2.hi, y2.hi);
-      s[k] = sum.hi;
-      t[k].lo = hn::Add(sum.lo, hn::Add(x2.lo, y2.lo));
-    }
-    LogShortReduce(d, s, u);
-    for (size_t k = 0; k < K; ++k) {
-      const auto power =
-          hn::Add(hn::Sub(Bits(d, u[k].m), Bits(d, s[k])), SetBits(d, BitsOfNumber(1.0)));
-      const Pair<V> product = TwoProduct(d, u[k].m, u[k].c);
-      const V rest = hn::Mul(hn::Mul(t[k].lo, u[k].c), FromBits(d, power));
-      // The difference is 0, or as large as the rest but for a bit that counts for nothing.
-      t[k] = FastTwoSum(hn::Sub(product.hi, hn::Set(d, 1.0)), hn::Add(product.lo, rest));
-    }
-    if (AnyWithin<OffOne>(d, s)) [[unlikely]] {
-      for (size_t k = 0; k < K; ++k) {
-        const V ax = hn::Abs(z[k].re), ay = hn::Abs(z[k].im);
-        const Pair<V> exact =
-            Normalized(d, SquaresLessOne<Pair<V>>(d, hn::Max(ax, ay), hn::Min(ax, ay)));
-        t[k] = Select(d, LanesBeyond<OffOne>(d, s[k]), t[k], exact);
-      }
-    }
-    LogShortPair(d, u, t, size);
-    FullAtanOctantSum<kWide>(d, octant, y, angle);
-    for (size_t k = 0; k < K; ++k) {
-      r[k] = {hn::Mul(Value(d, size[k]), hn::Set(d, 0.5)), angle[k]};
+      r[k] = {hn::Mul(Value(d, size[k]), hn::Set(d, 0.5)),
+              hn::CopySignToAbs(Value(d, angle[k]), z[k].im)};
     }
   }
 };
