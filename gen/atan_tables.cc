@@ -36,14 +36,14 @@ double Center(int bin) {
   return std::tan((std::atan(low) + std::atan(high)) / 2);
 }
 
-// A number near `center` whose arctangent is almost a T.
+// A number near `center` whose arctangent is almost a T, and a multiple of `grain`.
 template <typename T>
-T Breakpoint(double center, T* angle) {
+T Breakpoint(double center, T* angle, double grain = 0x1p-149) {
   const double slack = sizeof(T) == 8 ? 0x1p-64 : 0x1p-32;
   for (T c = static_cast<T>(center);; c = std::nextafter(c, T(100))) {
     double rest;
     *angle = Arctangent(c, &rest);
-    if (std::fabs(rest) <= slack * *angle) return c;
+    if (std::fabs(rest) <= slack * *angle && std::fmod(*angle, grain) == 0) return c;
   }
 }
 
@@ -90,10 +90,9 @@ void BinTable() {
 
 // The one breakpoint of the short arctangents.
 template <typename T>
-void Middle(const char* type, const char* name) {
+void Middle(const char* type, const char* name, double near, double grain = 0x1p-149) {
   T angle;
-  // Off 3/4 itself, where the steps of the arctangent are 16/25 and fall on few fractions.
-  const T c = Breakpoint<T>(0.7502, &angle);
+  const T c = Breakpoint<T>(near, &angle, grain);
   const char* suffix = sizeof(T) == 4 ? "f" : "";
   std::printf("inline constexpr %s %s = %a%s, %sAngle = %a%s;\n", type, name,
               static_cast<double>(c), suffix, name, static_cast<double>(angle), suffix);
@@ -134,8 +133,11 @@ struct AtanBins {
 )");
   BinTable();
   std::printf("\n// Near 3/4, with its arctangent to within 2^-64 (single: 2^-32) of itself.\n");
-  Middle<double>("double", "kAtanMiddle");
-  Middle<float>("float", "kAtanSingleMiddle");
+  // Off 3/4 itself, where the steps of the arctangent are 16/25 and fall on few fractions.
+  Middle<double>("double", "kAtanMiddle", 0.7502);
+  Middle<float>("float", "kAtanSingleMiddle", 0.7502);
+  std::printf("// The same near 0.56; the angle is a multiple of pi's last place.\n");
+  Middle<double>("double", "kAtanOctantMiddle", 0.56, 0x1p-51);
   ScalarTable();
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_ATAN_TABLES_H_\n");
 }

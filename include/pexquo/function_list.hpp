@@ -323,11 +323,11 @@ struct ln_calls {
 /// negative arguments (code 1, result NaN). Bounds in double: HA 0.56 ulp, LA 1 ulp, EP at least 26
 /// bits; in single: HA correctly rounded, LA 2 ulp, EP at least 11 bits.
 ///
-/// Complex ln: ln a. One computation for all tiers. Imaginary part in [-pi, pi], cut along the
-/// negative real axis. The real part keeps its relative accuracy next to the unit circle. -infinity
-/// for 0, raising divide-by-zero; +infinity with the angle of the argument where a part is
-/// infinite. Bounds in double: HA 0.55 ulp, LA 0.55 ulp, EP at least 52 bits; in single: HA 0.51
-/// ulp, LA 0.51 ulp, EP at least 23 bits.
+/// Complex ln: ln a. One computation for all tiers of single precision. Imaginary part in [-pi,
+/// pi], cut along the negative real axis. The real part keeps its relative accuracy next to the
+/// unit circle. -infinity for 0, raising divide-by-zero; +infinity with the angle of the argument
+/// where a part is infinite. Bounds in double: HA 0.65 ulp, LA 2 ulp, EP at least 29 bits; in
+/// single: HA 0.51 ulp, LA 0.51 ulp, EP at least 23 bits.
 inline constexpr unary_function<detail::ln_calls> ln{};
 /// The same as ln.
 inline constexpr auto log = ln;
@@ -356,8 +356,8 @@ struct log10_calls {
 /// negative arguments (code 1, result NaN). Bounds in double: HA 0.57 ulp, LA 2 ulp, EP at least 26
 /// bits; in single: HA correctly rounded, LA 2 ulp, EP at least 11 bits.
 ///
-/// Complex log10: log10 a. As Ln, both parts divided by ln 10. Bounds in double: HA 0.55 ulp, LA
-/// 0.55 ulp, EP at least 52 bits; in single: HA 0.51 ulp, LA 0.51 ulp, EP at least 23 bits.
+/// Complex log10: log10 a. As Ln, both parts divided by ln 10. Bounds in double: HA 0.7 ulp, LA 0.7
+/// ulp, EP at least 52 bits; in single: HA 0.51 ulp, LA 0.51 ulp, EP at least 23 bits.
 inline constexpr unary_function<detail::log10_calls> log10{};
 
 namespace detail {

@@ -528,11 +528,11 @@ PEXQUO_API int _pexcExp_11(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcExp_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcExp_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
-/* Ln: r[i] = ln a. One computation for all tiers. Imaginary part in [-pi, pi], cut along the
-   negative real axis. The real part keeps its relative accuracy next to the unit circle. -infinity
-   for 0, raising divide-by-zero; +infinity with the angle of the argument where a part is infinite.
-   Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21
-   0.51 ulp, _11 at least 23 bits. */
+/* Ln: r[i] = ln a. One computation for all tiers of single precision. Imaginary part in [-pi, pi],
+   cut along the negative real axis. The real part keeps its relative accuracy next to the unit
+   circle. -infinity for 0, raising divide-by-zero; +infinity with the angle of the argument where a
+   part is infinite. Bounds in double: HA 0.65 ulp, _50 2 ulp, _26 at least 29 bits; in single: HA
+   0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
 PEXQUO_API int _pexzLn_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzLn_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzLn_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -540,8 +540,8 @@ PEXQUO_API int _pexcLn_11(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcLn_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcLn_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
-/* Log10: r[i] = log10 a. As Ln, both parts divided by ln 10. Bounds in double: HA 0.55 ulp, _50
-   0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
+/* Log10: r[i] = log10 a. As Ln, both parts divided by ln 10. Bounds in double: HA 0.7 ulp, _50 0.7
+   ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
 PEXQUO_API int _pexzLog10_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzLog10_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzLog10_HA(int32_t n, const PexComplex16* a, PexComplex16* r);

@@ -1,4 +1,4 @@
-// The decimal logarithm of complex numbers, in single and double precision.
+// The decimal logarithm of complex numbers, in single precision.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/clog10/clog10.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
@@ -8,13 +8,18 @@
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
-PEX_COMPLEX_BODIES(Log10)
+int cLog10(int32_t n, const PexComplex8* a, PexComplex8* r) {
+  return MapComplex<ElementaryKernel<ComplexLog10, float>>(n, a, r);
+}
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace pex {
-PEX_EXPORT_COMPLEX_ELEMENTARY(Log10)
+HWY_EXPORT(cLog10);
+PEX_EXPORT_COMPLEX_UNARY(PexComplex8, PexComplex8, ControlGuard, cLog10, cLog10_11)
+PEX_EXPORT_COMPLEX_UNARY(PexComplex8, PexComplex8, ControlGuard, cLog10, cLog10_21)
+PEX_EXPORT_COMPLEX_UNARY(PexComplex8, PexComplex8, ControlGuard, cLog10, cLog10_HA)
 }  // namespace pex
 #endif

@@ -266,11 +266,14 @@ constexpr PowCase kPowCases[] = {
     {{1, 1}, {1, kNaN}, kBothNaN},
 };
 
+constexpr pex::Tier kTiers[] = {pex::Tier::HA, pex::Tier::LA, pex::Tier::EP};
+
 const pex::Entry& EntryOf(const char* function, char type, pex::Tier tier = pex::Tier::HA) {
-  const pex::Entry* entry = pex::FindEntry(std::string("_pex") + type + function +
-                                           (tier == pex::Tier::HA ? "_HA"
-                                            : type == 'z'         ? "_26"
-                                                                  : "_11"));
+  const bool is_double = type == 'z';
+  const char* const suffix = tier == pex::Tier::HA   ? "_HA"
+                             : tier == pex::Tier::LA ? (is_double ? "_50" : "_21")
+                                                     : (is_double ? "_26" : "_11");
+  const pex::Entry* entry = pex::FindEntry(std::string("_pex") + type + function + suffix);
   EXPECT_NE(entry, nullptr) << function;
   return *entry;
 }
@@ -298,9 +301,11 @@ void Expect(const pex::Entry& entry, Number a, Number b, Number wanted, uint32_t
 TEST(ComplexElementary, SpecialValues) {
   for (const Case& c : kCases) {
     for (const char type : {'z', 'c'}) {
-      const pex::Entry& entry = EntryOf(c.function, type);
-      Expect(entry, c.a, {1, 1}, c.r, c.flags);
-      Expect(entry, Conjugate(c.a), {1, 1}, Conjugate(c.r), c.flags);
+      for (const pex::Tier tier : kTiers) {
+        const pex::Entry& entry = EntryOf(c.function, type, tier);
+        Expect(entry, c.a, {1, 1}, c.r, c.flags);
+        Expect(entry, Conjugate(c.a), {1, 1}, Conjugate(c.r), c.flags);
+      }
     }
   }
 }
@@ -371,12 +376,14 @@ TEST(ComplexElementary, FunctionsKeepTheirSymmetries) {
       const bool odd = n == "Sinh" || n == "Tanh" || n == "Sin" || n == "Tan" || n == "Asinh" ||
                        n == "Atanh" || n == "Asin" || n == "Atan";
       for (const Number z : Arguments(type == 'z')) {
-        const Number r = Call(EntryOf(name, type), z).r;
-        EXPECT_TRUE(Same(Call(EntryOf(name, type), Conjugate(z)).r, Conjugate(r)))
-            << name << Text(z);
-        if (!odd) continue;
-        EXPECT_TRUE(Same(Call(EntryOf(name, type), {-z.re, -z.im}).r, {-r.re, -r.im}))
-            << name << Text(z);
+        for (const pex::Tier tier : kTiers) {
+          const pex::Entry& entry = EntryOf(name, type, tier);
+          const Number r = Call(entry, z).r;
+          EXPECT_TRUE(Same(Call(entry, Conjugate(z)).r, Conjugate(r))) << entry.symbol << Text(z);
+          if (!odd) continue;
+          EXPECT_TRUE(Same(Call(entry, {-z.re, -z.im}).r, {-r.re, -r.im}))
+              << entry.symbol << Text(z);
+        }
       }
     }
   }
@@ -390,6 +397,50 @@ TEST(ComplexElementary, TheTiersOfAPowerAgree) {
         EXPECT_TRUE(Same(Call(EntryOf(name, type, pex::Tier::EP), z, b).r,
                          Call(EntryOf(name, type), z, b).r))
             << name << Text(z);
+      }
+    }
+  }
+}
+
+// An element's result does not depend on which of a function's kernels its neighbours call for, not
+// even where the quotient of the parts lies next to the middle of two doubles.
+TEST(ComplexElementary, NeighboursDoNotMatter) {
+  constexpr int kCount = 6000;
+  const uint64_t seed = 11;
+  Random random(seed);
+  std::vector<double> a(2 * kCount);
+  for (double& x : a) {
+    const double m = 1 + random.Below(1u << 30) * 0x1p-30 + random.Below(1u << 22) * 0x1p-52;
+    x = std::ldexp(random.Below(2) ? m : -m, -static_cast<int>(random.Below(70)));
+  }
+  for (int i = 0; i < 200; ++i) {
+    a[2 * i] = std::ldexp(i % 2 ? 0x1.fffffffffffffp-1 : -0x1.fffffffffffffp-1, i % 7);
+    a[2 * i + 1] = std::ldexp(0x1.0000000000001p0, i % 7 - i / 2);
+  }
+  struct Neighbour {
+    const char* function;
+    double re, im;
+  };
+  for (const Neighbour& c : {Neighbour{"Ln", 0x1p300, 1}, Neighbour{"Ln", 1, 0},
+                             Neighbour{"Exp", 1, 600}, Neighbour{"Exp", 0, 1}}) {
+    std::vector<double> mixed;
+    for (int i = 0; i < kCount; ++i) {
+      mixed.insert(mixed.end(), {a[2 * i], a[2 * i + 1], c.re, c.im});
+    }
+    for (const pex::Tier tier : kTiers) {
+      const pex::Entry& entry = EntryOf(c.function, 'z', tier);
+      for (const Level& level : kLevels) {
+        if (!ProcessorHas(level)) continue;
+        const UseLevel use(level);
+        std::vector<double> r(2 * kCount), among(4 * kCount);
+        entry.Call(kCount, a.data(), nullptr, r.data(), nullptr);
+        entry.Call(2 * kCount, mixed.data(), nullptr, among.data(), nullptr);
+        for (int i = 0; i < kCount; ++i) {
+          const Number alone = {r[2 * i], r[2 * i + 1]};
+          EXPECT_TRUE(Same(alone, {among[4 * i], among[4 * i + 1]}))
+              << entry.symbol << Text({a[2 * i], a[2 * i + 1]}) << Text(alone) << " on "
+              << level.name << ", seed " << seed;
+        }
       }
     }
   }

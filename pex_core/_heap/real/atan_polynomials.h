@@ -40,6 +40,23 @@ inline constexpr float kAtanSingleLA[] = {
 inline constexpr float kAtanSingleEP[] = {
     -0x1.525d34p-2f, 0x1.46854ap-3f};
 
+// The same for |t| < 0.2829.
+
+// Error 2^-60.25 of the whole.
+inline constexpr double kAtanOctantHA[] = {
+    -0x1.5555555555541p-2, 0x1.999999999496p-3, -0x1.2492492129ce7p-3, 0x1.c71c6f80ea6e5p-4,
+    -0x1.745ca927d4435p-4, 0x1.3b071117c50b3p-4, -0x1.102b3891bb3f6p-4, 0x1.cde90629e278cp-5,
+    -0x1.30175f376631dp-5};
+
+// Error 2^-54.4375 of the whole.
+inline constexpr double kAtanOctantLA[] = {
+    -0x1.555555555519cp-2, 0x1.99999998db8b1p-3, -0x1.249248bcdd7ap-3, 0x1.c71c3af18bd3bp-4,
+    -0x1.74550b62b79e6p-4, 0x1.3a6278a16d90dp-4, -0x1.081c5c47f77ffp-4, 0x1.6156b3b69fd2cp-5};
+
+// Error 2^-30.75 of the whole.
+inline constexpr double kAtanOctantEP[] = {
+    -0x1.555546c0b4725p-2, 0x1.998b914968ac2p-3, -0x1.2275a7b79242bp-3, 0x1.85db4f6b5f259p-4};
+
 }  // namespace pex
 
 #endif  // PEX_CORE__HEAP_REAL_ATAN_POLYNOMIALS_H_

@@ -34,6 +34,8 @@ inline constexpr AtanBins kAtanBins = {
 // Near 3/4, with its arctangent to within 2^-64 (single: 2^-32) of itself.
 inline constexpr double kAtanMiddle = 0x1.801a36e2eb9b2p-1, kAtanMiddleAngle = 0x1.4989c0c07e6acp-1;
 inline constexpr float kAtanSingleMiddle = 0x1.801b04p-1f, kAtanSingleMiddleAngle = 0x1.498a44p-1f;
+// The same near 0.56; the angle is a multiple of pi's last place.
+inline constexpr double kAtanOctantMiddle = 0x1.1eb851ecc7a7dp-1, kAtanOctantMiddleAngle = 0x1.055eb9b0343dcp-1;
 
 // Row j for the breakpoint c in the middle of the half octave j above 1/8, that is 1.25 2^(j/2 - 3)
 // for even j and 1.75 2^((j-1)/2 - 3) for odd j: atan(c) in two parts.

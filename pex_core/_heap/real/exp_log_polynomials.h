@@ -33,6 +33,11 @@ inline constexpr double kLnLA[] = {
 inline constexpr double kLnShort[] = {
     0x1.5555555553d84p-1, 0x1.999999c098b65p-2, 0x1.24919fd9adf3ep-2, 0x1.c973a7f1a169bp-3};
 
+// ln((1+s)/(1-s))/s^3 - 2/s^2 for x = s^2, 9.31322574615478515625e-10 <= x <= 2.421000041067600250244140625e-3; absolute error 2^-53.5625.
+inline constexpr double kLnShortHA[] = {
+    0x1.5555555555556p-1, 0x1.9999999996221p-2, 0x1.24924948e7e2p-2, 0x1.c71b4a3148349p-3,
+    0x1.765c370dd84fp-3};
+
 // log10((1+s)/(1-s))/s^3 - 2 log10(e)/s^2 for x = s^2, 9.31322574615478515625e-10 <= x <= 3.7100000190548598766326904296875e-4; absolute error 2^-42.5.
 inline constexpr double kLog10LA[] = {
     0x1.287a7636f4e37p-2, 0x1.63c6267445c69p-3, 0x1.fc77fc7d620b8p-4};

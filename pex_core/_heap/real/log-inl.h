@@ -221,7 +221,7 @@ struct LogShort {
   VecOf<D> e, m, c, log;
 };
 
-template <class D, class V>
+template <class Factors, class D, class V>
 HWY_INLINE void LogFactorAt(D d, V sixteenths, V& c, V& log) {
 #if HWY_TARGET == HWY_AVX3
   (void)d;
@@ -229,13 +229,14 @@ HWY_INLINE void LogFactorAt(D d, V sixteenths, V& c, V& log) {
   const auto column = [i](const double* t) HWY_ATTR {
     return V{_mm512_permutex2var_pd(_mm512_load_pd(t), i, _mm512_load_pd(t + 8))};
   };
-  c = column(kLnColumns.factor);
-  log = column(kLnColumns.log);
+  c = column(Factors::kColumns.factor);
+  log = column(Factors::kColumns.log);
 #else
   // Byte offsets of rows, and rows by lane.
   const auto i = hn::And(hn::ShiftLeft<4>(Bits(d, sixteenths)), SetBits(d, 15 * 16)).raw;
   const auto row = [](int64_t bytes) HWY_ATTR {
-    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(kLnFactors.row) + bytes);
+    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(Factors::kRows.row) +
+                                           bytes);
   };
 #if HWY_TARGET == HWY_AVX2
   const __m128i low = _mm256_castsi256_si128(i), high = _mm256_extracti128_si256(i, 1);
@@ -256,7 +257,7 @@ HWY_INLINE void LogFactorAt(D d, V sixteenths, V& c, V& log) {
 #endif
 }
 
-template <class D, class V, size_t K>
+template <class Factors = ShortFactors, class D, class V, size_t K>
 HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D> (&r)[K]) {
   constexpr int64_t kLeast = BitsOfNumber(0.75);
   for (size_t k = 0; k < K; ++k) {
@@ -279,32 +280,46 @@ HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D> (&r)[K]) {
   }
   for (size_t k = 0; k < K; ++k) {
     // The sum ends in the number of sixteenths.
-    LogFactorAt(d, hn::Add(r[k].m, hn::Set(d, 0x1.8p48)), r[k].c, r[k].log);
+    LogFactorAt<Factors>(d, hn::Add(r[k].m, hn::Set(d, 0x1.8p48)), r[k].c, r[k].log);
   }
 }
 
-// By a division instead of a long polynomial: log(1 + t) = t - s (t - s^2 R(s^2))
-// for s = t/(2 + t), t standing for m c - 1. e log(2) - log(c) is exact but for a small part.
-template <class D, class V, size_t K>
-HWY_INLINE void LogShortSum(D d, const LogShort<D> (&x)[K], const V (&t)[K], V (&r)[K]) {
+// log(1 + t) = t - tail by a division instead of a long polynomial: the tail is s (t - s^2 R(s^2))
+// for s = t/(2 + t).
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void LogShortTail(D d, const V (&t)[K], const double (&c)[N], V (&r)[K]) {
   V s[K], s2[K], rest[K];
   for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(t[k], hn::Set(d, 2.0)));
   for (size_t k = 0; k < K; ++k) s2[k] = hn::Mul(s[k], s[k]);
-  for (size_t k = 0; k < K; ++k) {
-    rest[k] = hn::Add(hn::Mul(s2[k], hn::Set(d, kLnShort[3])), hn::Set(d, kLnShort[2]));
-  }
-  for (size_t k = 0; k < K; ++k) {
-    rest[k] = hn::Add(hn::Mul(s2[k], rest[k]), hn::Set(d, kLnShort[1]));
-  }
-  for (size_t k = 0; k < K; ++k) {
-    rest[k] = hn::Add(hn::Mul(s2[k], rest[k]), hn::Set(d, kLnShort[0]));
-  }
+  Horner(d, s2, c, rest);
   for (size_t k = 0; k < K; ++k) rest[k] = hn::Sub(t[k], hn::Mul(s2[k], rest[k]));
+  for (size_t k = 0; k < K; ++k) r[k] = hn::Mul(s[k], rest[k]);
+}
+
+// t stands for m c - 1. e log(2) - log(c) is exact but for a small part.
+template <class D, class V, size_t K>
+HWY_INLINE void LogShortSum(D d, const LogShort<D> (&x)[K], const V (&t)[K], V (&r)[K]) {
+  V tail[K];
+  LogShortTail(d, t, kLnShort, tail);
   for (size_t k = 0; k < K; ++k) {
     const V head = hn::Add(hn::Mul(x[k].e, hn::Set(d, NaturalLog::kLog2Hi)), x[k].log);  // exact
     const V low = hn::Mul(x[k].e, hn::Set(d, NaturalLog::kLog2Lo));
-    const V log = hn::Sub(t[k], hn::Mul(s[k], rest[k]));
-    r[k] = hn::Add(head, hn::Add(log, low));
+    r[k] = hn::Add(head, hn::Add(hn::Sub(t[k], tail[k]), low));
+  }
+}
+
+// The same in two parts: within 2^-59.5, or 2^-57 of itself.
+template <class D, class V, size_t K>
+HWY_INLINE void LogShortPair(D d, const LogShort<D> (&x)[K], const Pair<V> (&t)[K],
+                             Pair<V> (&r)[K]) {
+  V lead[K], tail[K];
+  for (size_t k = 0; k < K; ++k) lead[k] = t[k].hi;
+  LogShortTail(d, lead, kLnShortHA, tail);
+  for (size_t k = 0; k < K; ++k) {
+    const V head = hn::Add(hn::Mul(x[k].e, hn::Set(d, NaturalLog::kLog2Hi)), x[k].log);  // exact
+    const V low = hn::Mul(x[k].e, hn::Set(d, NaturalLog::kLog2Lo));
+    const Pair<V> s = FastTwoSum(head, lead[k]);
+    r[k] = {s.hi, hn::Add(s.lo, hn::Add(hn::Sub(t[k].lo, tail[k]), low))};
   }
 }
 

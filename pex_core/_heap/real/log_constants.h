@@ -38,9 +38,31 @@ constexpr LogFactorColumns ByColumns(const LogFactors& f) {
   return c;
 }
 
+constexpr LogFactors FactorsOf(const LogTable& t) {
+  LogFactors f{};
+  for (int j = 0; j < 16; ++j) {
+    f.row[j][0] = t.factor[j];
+    f.row[j][1] = t.log[j];
+  }
+  return f;
+}
+
+inline constexpr LogFactors kLnPoints = FactorsOf(kLnTable);
 inline constexpr LogFactorColumns kLnColumns = ByColumns(kLnFactors);
+inline constexpr LogFactorColumns kLnPointColumns = ByColumns(kLnPoints);
 inline constexpr LogRows kLnRows = ByRows(kLnTable);
 inline constexpr LogRows kLog10Rows = ByRows(kLog10Table);
+
+// Factors c and -log(c) for LogShortReduce: few and exact enough for m c - 1 rounded once; or the
+// points' own, next to which m c - 1 is smaller.
+struct ShortFactors {
+  static constexpr const LogFactors& kRows = kLnFactors;
+  static constexpr const LogFactorColumns& kColumns = kLnColumns;
+};
+struct PointFactors {
+  static constexpr const LogFactors& kRows = kLnPoints;
+  static constexpr const LogFactorColumns& kColumns = kLnPointColumns;
+};
 
 // log2_hi is a multiple of 2^-42, so that its product with an exponent, and the sum with log(a),
 // are exact; log2_lo the rest of log(2).

@@ -1,0 +1,129 @@
+// atan2 in double precision by the ratio of the smaller magnitude to the larger: with a breakpoint
+// c = 0 or c near 0.56, atan(low/high) = atan(c) + atan(q), q = (low - c high)/(high + c low),
+// |q| < 0.2829, and the other octants by reflection.
+
+#include "hwy/highway.h"
+#include "pex_core/_heap/real/atan-inl.h"
+
+#if defined(PEX_CORE__HEAP_REAL_ATAN_OCTANT_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__HEAP_REAL_ATAN_OCTANT_INL_H_
+#undef PEX_CORE__HEAP_REAL_ATAN_OCTANT_INL_H_
+#else
+#define PEX_CORE__HEAP_REAL_ATAN_OCTANT_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// The angle is base + atan(q), atan(q) with the sign bit of `turn` flipped.
+template <class V>
+struct AtanOctant {
+  V q, base, turn;
+};
+
+// What both accuracies begin with: the magnitudes, c, and the base without its rest.
+template <class D, class V = VecOf<D>>
+struct AtanOctantParts {
+  V high, low, c, base, turn;
+  MaskOf<D> steep;
+};
+template <class D, class V>
+HWY_INLINE AtanOctantParts<D> AtanOctantPartsOf(D d, V y, V x) {
+  const V ay = hn::Abs(y), ax = hn::Abs(x);
+  AtanOctantParts<D> r;
+  r.high = hn::Max(ax, ay);
+  r.low = hn::Min(ax, ay);
+  r.steep = hn::Gt(ay, ax);
+  const auto flat = hn::Lt(r.low, hn::Mul(r.high, hn::Set(d, 0.2828)));
+  r.c = hn::IfThenZeroElse(flat, hn::Set(d, kAtanOctantMiddle));
+  const V pi = hn::IfNegativeThenElse(x, hn::Set(d, 0x1.921fb54442d18p+1), hn::Zero(d));
+  const V corner = hn::IfThenElse(r.steep, hn::Set(d, 0x1.921fb54442d18p+0), pi);
+  const V middle = hn::IfThenZeroElse(flat, hn::Set(d, kAtanOctantMiddleAngle));
+  r.turn = hn::And(hn::Xor(x, hn::VecFromMask(d, r.steep)), hn::SignBit(d));
+  r.base = hn::Add(corner, hn::Xor(middle, r.turn));  // exact
+  return r;
+}
+
+// For |x| and |y| in [2^-450, 2^450]; one of them may be 0.
+template <class D, class V>
+HWY_INLINE AtanOctant<V> AtanOctantOf(D d, V y, V x) {
+  const auto u = AtanOctantPartsOf(d, y, x);
+  // The difference is rounded once: c high is 0 or, rounded, within a factor of 2 of low.
+  const V n = Remainder(d, u.low, u.c, u.high);
+  return {hn::Div(n, hn::Add(u.high, hn::Mul(u.c, u.low))), u.base, u.turn};
+}
+
+// atan(q) - q. kTiny: x and y may be outside [2^-124, 2^124] or 0. Of a q below 2^-250, which other
+// arguments do not have, it is 0: products that count for nothing shall not underflow.
+template <bool kTiny, class D, class V, size_t K, size_t N>
+HWY_INLINE void AtanOctantTail(D d, const V (&q)[K], const double (&c)[N], V (&r)[K]) {
+  V z[K], z2[K], p[K];
+  for (size_t k = 0; k < K; ++k) {
+    V u = q[k];
+    if constexpr (kTiny) u = hn::IfThenZeroElse(MagnitudeBelow(d, u, 0x1p-250), u);
+    z[k] = hn::Mul(u, u);
+  }
+  if constexpr (N > 4) {
+    for (size_t k = 0; k < K; ++k) z2[k] = hn::Mul(z[k], z[k]);
+    EvenOdd(d, z, z2, c, p);
+  } else {
+    Horner(d, z, c, p);
+  }
+  for (size_t k = 0; k < K; ++k) r[k] = hn::Mul(q[k], hn::Mul(z[k], p[k]));
+}
+
+// The angle, with the sign of y.
+template <bool kTiny, class D, class V, size_t K, size_t N>
+HWY_INLINE void AtanOctantSum(D d, const AtanOctant<V> (&x)[K], const V (&y)[K],
+                              const double (&c)[N], V (&r)[K]) {
+  V q[K], tail[K];
+  for (size_t k = 0; k < K; ++k) q[k] = x[k].q;
+  AtanOctantTail<kTiny>(d, q, c, tail);
+  for (size_t k = 0; k < K; ++k) {
+    const V turned = hn::Xor(hn::Add(q[k], tail[k]), x[k].turn);
+    r[k] = hn::CopySignToAbs(hn::Add(x[k].base, turned), y[k]);
+  }
+}
+
+// The quotient and the base in two parts.
+template <class V>
+struct FullAtanOctant {
+  Pair<V> q, base;
+  V turn;
+};
+
+template <class D, class V>
+HWY_INLINE FullAtanOctant<V> FullAtanOctantOf(D d, V y, V x) {
+  const auto u = AtanOctantPartsOf(d, y, x);
+  const Pair<V> ch = TwoProduct(d, u.c, u.high), cl = TwoProduct(d, u.c, u.low);
+  const V n = hn::Sub(u.low, ch.hi);  // exact
+  const Pair<V> m = FastTwoSum(u.high, cl.hi);
+  const V inverse = hn::Div(hn::Set(d, 1.0), m.hi);
+  const V q = hn::Mul(n, inverse);
+  const V low = hn::Add(ch.lo, hn::Mul(q, hn::Add(m.lo, cl.lo)));
+  const V rest = hn::Sub(Remainder(d, n, q, m.hi), low);
+  const V pi = hn::IfNegativeThenElse(x, hn::Set(d, 0x1.1a62633145c07p-53), hn::Zero(d));
+  const V base_rest = hn::IfThenElse(u.steep, hn::Set(d, 0x1.1a62633145c07p-54), pi);
+  return {{q, hn::Mul(rest, inverse)}, {u.base, base_rest}, u.turn};
+}
+
+// Without a sign, within 2^-56 of itself, worst next to 1/4, where the
+// tail is a fiftieth of the quotient.
+template <bool kTiny, class D, class V, size_t K>
+HWY_INLINE void FullAtanOctantSum(D d, const FullAtanOctant<V> (&x)[K], Pair<V> (&r)[K]) {
+  V q[K], tail[K];
+  for (size_t k = 0; k < K; ++k) q[k] = x[k].q.hi;
+  AtanOctantTail<kTiny>(d, q, kAtanOctantHA, tail);
+  for (size_t k = 0; k < K; ++k) {
+    const Pair<V> s = FastTwoSum(x[k].base.hi, hn::Xor(q[k], x[k].turn));
+    const V low = hn::Xor(hn::Add(x[k].q.lo, tail[k]), x[k].turn);
+    r[k] = {s.hi, hn::Add(s.lo, hn::Add(x[k].base.lo, low))};
+  }
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__HEAP_REAL_ATAN_OCTANT_INL_H_
