@@ -12,6 +12,8 @@
 //   IsRare(d, a) or IsRare(d, a, b)     their mask, found without raising a flag;
 //   MayBeRare, alike                    optional: a cheaper mask that covers IsRare and decides
 //                          for a group; its masks are tested together and not used by lane;
+//   AnyMayBeRare(d, a)     or instead, of one argument: whether a whole group, an array of vectors,
+//                          may have a rare lane;
 //   Rare(a) or Rare(a, b)  a scalar routine for one rare element: from Complex<T> or T to that.
 // A kernel may have a second one, K::Wide, for all lanes but rare ones, as in elementwise-inl.h;
 // its common lanes are then those that neither IsRare nor MayBeRare names. Lanes come in an order
@@ -233,6 +235,11 @@ inline constexpr bool HasComplexGroup = requires(typename C::OperandA (&a)[1],
   K::MainGroup(typename C::D(), a, r);
 };
 
+template <class K, class C, size_t N>
+inline constexpr bool HasAnyMayBeRare = requires(typename C::OperandA (&a)[N]) {
+  K::AnyMayBeRare(typename C::D(), a);
+};
+
 template <class K, class C>
 HWY_INLINE MaskOf<typename C::D> ComplexRareLanes(const typename C::OperandA& a,
                                                   const typename C::OperandB& b) {
@@ -338,7 +345,10 @@ HWY_INLINE bool CommonNumbers(const C& call, size_t i, size_t count) {
     a[0] = call.a.LoadTail(d, i, count, K::kHarmless);
     b[0] = call.b.LoadTail(d, i, count, K::kHarmless);
   }
-  if constexpr (HasComplexRare<K, C>) {
+  if constexpr (HasAnyMayBeRare<K, C, N>) {
+    if (K::AnyMayBeRare(d, a)) [[unlikely]]
+      return false;
+  } else if constexpr (HasComplexRare<K, C>) {
     auto rare = ComplexMayBeRare<K, C>(a[0], b[0]);
     for (size_t k = 1; k < N; ++k) rare = hn::Or(rare, ComplexMayBeRare<K, C>(a[k], b[k]));
     if (!hn::AllFalse(d, rare)) [[unlikely]]
