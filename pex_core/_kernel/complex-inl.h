@@ -12,6 +12,8 @@
 //   IsRare(d, a) or IsRare(d, a, b)     their mask, found without raising a flag;
 //   MayBeRare, alike                    optional: a cheaper mask that covers IsRare and decides
 //                          for a group; its masks are tested together and not used by lane;
+//   AnyMayBeRare(d, a)     or instead, of one argument: whether a whole group, an array of vectors,
+//                          may have a rare lane;
 //   Rare(a) or Rare(a, b)  a scalar routine for one rare element: from Complex<T> or T to that.
 // A kernel may have a second one, K::Wide, for all lanes but rare ones, as in elementwise-inl.h;
 // its common lanes are then those that neither IsRare nor MayBeRare names. Lanes come in an order
@@ -233,6 +235,11 @@ inline constexpr bool HasComplexGroup = requires(typename C::OperandA (&a)[1],
   K::MainGroup(typename C::D(), a, r);
 };
 
+template <class K, class C, size_t N>
+inline constexpr bool HasAnyMayBeRare = requires(typename C::OperandA (&a)[N]) {
+  K::AnyMayBeRare(typename C::D(), a);
+};
+
 template <class K, class C>
 HWY_INLINE MaskOf<typename C::D> ComplexRareLanes(const typename C::OperandA& a,
                                                   const typename C::OperandB& b) {
@@ -338,7 +345,10 @@ HWY_INLINE bool CommonNumbers(const C& call, size_t i, size_t count) {
     a[0] = call.a.LoadTail(d, i, count, K::kHarmless);
     b[0] = call.b.LoadTail(d, i, count, K::kHarmless);
   }
-  if constexpr (HasComplexRare<K, C>) {
+  if constexpr (HasAnyMayBeRare<K, C, N>) {
+    if (K::AnyMayBeRare(d, a)) [[unlikely]]
+      return false;
+  } else if constexpr (HasComplexRare<K, C>) {
     auto rare = ComplexMayBeRare<K, C>(a[0], b[0]);
     for (size_t k = 1; k < N; ++k) rare = hn::Or(rare, ComplexMayBeRare<K, C>(a[k], b[k]));
     if (!hn::AllFalse(d, rare)) [[unlikely]]
@@ -363,41 +373,46 @@ HWY_NOINLINE void UncommonNumbers(const ComplexCall<K, A, B>& call, size_t i, si
   }
 }
 
-// All elements from the first to the last, or from the last to the first where a result is wider
-// than its argument: what is overwritten has then been read.
+// Functions of an argument narrower than their result go from the last element to the first, so
+// that what is overwritten has been read.
+template <class K>
+inline constexpr bool kBackward = K::kRealArgument && !K::kRealResult;
+
+// The vector at element i, of `count` elements.
+template <class K, class C>
+HWY_INLINE void RunVector(const C& call, size_t i, size_t count) {
+  if (CommonNumbers<K, 1>(call, i, count)) [[likely]]
+    return;
+  if constexpr (HasComplexRare<K, C>) UncommonNumbers(call, i, count);
+}
+
+// The group of whole vectors at element i.
+template <class K, class C>
+HWY_INLINE void RunGroup(const C& call, size_t i) {
+  const size_t lanes = hn::Lanes(typename K::Tag());
+  if (CommonNumbers<K, K::kUnroll>(call, i, K::kUnroll * lanes)) [[likely]]
+    return;
+  if constexpr (HasComplexRare<K, C>) {
+    for (size_t k = 0; k < K::kUnroll; ++k) {
+      UncommonNumbers(call, i + (kBackward<K> ? K::kUnroll - 1 - k : k) * lanes, lanes);
+    }
+  }
+}
+
 template <class K, class C>
 HWY_INLINE int RunComplex(int32_t n, const C& call) {
-  constexpr bool kBackward = K::kRealArgument && !K::kRealResult;
-  const typename K::Tag d;
-  const size_t lanes = hn::Lanes(d);
+  const size_t lanes = hn::Lanes(typename K::Tag());
   const size_t group = K::kUnroll * lanes;
   const size_t end = n > 0 ? static_cast<size_t>(n) : 0;
   const size_t groups = end / group * group;  // elements in whole groups
-
-  const auto vector = [&](size_t i) HWY_ATTR {
-    const size_t count = HWY_MIN(lanes, end - i);
-    if (CommonNumbers<K, 1>(call, i, count)) [[likely]]
-      return;
-    if constexpr (HasComplexRare<K, C>) UncommonNumbers(call, i, count);
-  };
-  const auto whole_group = [&](size_t i) HWY_ATTR {
-    if (CommonNumbers<K, K::kUnroll>(call, i, group)) [[likely]]
-      return;
-    if constexpr (HasComplexRare<K, C>) {
-      for (size_t k = 0; k < K::kUnroll; ++k) {
-        UncommonNumbers(call, i + (kBackward ? K::kUnroll - 1 - k : k) * lanes, lanes);
-      }
-    }
-  };
-
-  if constexpr (kBackward) {
+  if constexpr (kBackward<K>) {
     for (size_t i = groups + (end - groups + lanes - 1) / lanes * lanes; i > groups; i -= lanes) {
-      vector(i - lanes);
+      RunVector<K>(call, i - lanes, HWY_MIN(lanes, end - (i - lanes)));
     }
-    for (size_t i = groups; i > 0; i -= group) whole_group(i - group);
+    for (size_t i = groups; i > 0; i -= group) RunGroup<K>(call, i - group);
   } else {
-    for (size_t i = 0; i < groups; i += group) whole_group(i);
-    for (size_t i = groups; i < end; i += lanes) vector(i);
+    for (size_t i = 0; i < groups; i += group) RunGroup<K>(call, i);
+    for (size_t i = groups; i < end; i += lanes) RunVector<K>(call, i, HWY_MIN(lanes, end - i));
   }
   return 0;
 }

@@ -38,6 +38,8 @@ HWY_INLINE Complex<Floats8> UnzipFloats(Floats8 a, Floats8 b) {
 #if HWY_TARGET == HWY_AVX3
 using Floats16 = hn::Vec512<float>;
 HWY_INLINE Complex<Floats16> UnzipFloats(Floats16 a, Floats16 b) {
+  // As memory operands of the shuffles they would be loaded twice.
+  __asm__("" : "+v"(a.raw), "+v"(b.raw));
   return {{_mm512_shuffle_ps(a.raw, b.raw, 0x88)}, {_mm512_shuffle_ps(a.raw, b.raw, 0xDD)}};
 }
 #endif

@@ -39,14 +39,18 @@ HWY_INLINE Pair<V> TwoSum(V a, V b) {
 }
 
 // x = hi + lo with both halves of at most 26 bits (of a float: 12), so that products of halves are
-// exact (Veltkamp). |x| must stay below the largest number times 2^-28 (2^-13).
+// exact (Veltkamp). A double must stay below the largest number times 2^-28. The 24 bits of a float
+// are cut in the middle.
 template <class D, class V>
 HWY_INLINE Pair<V> SplitHalves(D d, V x) {
-  using T = hn::TFromD<D>;
-  constexpr T kSplitter = sizeof(T) == 8 ? T(134217729) : T(4097);  // 2^27 + 1, 2^12 + 1
-  const V c = hn::Mul(x, hn::Set(d, kSplitter));
-  const V hi = hn::Sub(c, hn::Sub(c, x));
-  return {hi, hn::Sub(x, hi)};
+  if constexpr (sizeof(hn::TFromD<D>) == 4) {
+    const V hi = hn::And(x, hn::BitCast(d, hn::Set(hn::RebindToUnsigned<D>(), 0xFFFFF000u)));
+    return {hi, hn::Sub(x, hi)};
+  } else {
+    const V c = hn::Mul(x, hn::Set(d, 134217729.0));  // 2^27 + 1
+    const V hi = hn::Sub(c, hn::Sub(c, x));
+    return {hi, hn::Sub(x, hi)};
+  }
 }
 
 // a * b = hi + lo exactly (Dekker 1971). An error of zero is +0, as the fused form gives it.

@@ -27,7 +27,13 @@ struct PlainKernel {
   using T = Element;
   static constexpr int kArguments = kArgs;
   static constexpr int kResults = kRes;
+  static constexpr size_t kVectorBytes = HWY_MAX_BYTES;  // per vector, at most
 };
+
+// Enough where memory is the limit. Zen 4 stores 32 bytes a cycle, in one piece or two, and loads
+// of 64 bytes wait for stores to other addresses that are alike in their lower bits, which costs up
+// to the double time where arrays lie so.
+inline constexpr size_t kMemoryBoundBytes = HWY_MIN(HWY_MAX_BYTES, 32);
 
 template <class K, class D>
 inline constexpr bool HasPairGroup = requires(D d, VecOf<D> (&v)[1]) {
@@ -117,8 +123,9 @@ HWY_INLINE void PlainTail(const PlainArrays<K>& p, size_t i, size_t end) {
 template <class K>
 HWY_INLINE int RunPlain(int64_t n, const PlainArrays<K>& p) {
   using T = typename K::T;
-  const hn::ScalableTag<T> d;
-  constexpr size_t kLanes = hn::MaxLanes(hn::ScalableTag<T>());
+  using D = hn::CappedTag<T, K::kVectorBytes / sizeof(T)>;
+  const D d;
+  constexpr size_t kLanes = hn::MaxLanes(D());
   constexpr size_t kGroup = kPlainUnroll * kLanes;
   constexpr size_t kPeel = 8 * kGroup;  // from here on it pays to align the stores
   if (n <= 0) return 0;

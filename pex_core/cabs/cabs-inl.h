@@ -16,17 +16,39 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-template <class D, class V, size_t K>
-HWY_INLINE void Modulus(D d, const Complex<V> (&a)[K], V (&r)[K]) {
+// The magnitudes of the parts of floats, ordered by their bits, where a NaN raises no flag.
+template <class V>
+struct Magnitudes {
+  V larger, smaller;
+};
+template <class D, class V>
+HWY_INLINE Magnitudes<V> MagnitudesOf(D d, Complex<V> a) {
+  const auto re = Bits(d, hn::Abs(a.re)), im = Bits(d, hn::Abs(a.im));
+  return {FromBits(d, hn::Max(re, im)), FromBits(d, hn::Min(re, im))};
+}
+
+// The same as SumOfSquares for floats; the relative error is below 2^-46.
+template <class D, class V>
+HWY_INLINE Pair<V> SumOfSquares(D d, Magnitudes<V> a) {
+  const V p = hn::Mul(a.larger, a.larger), q = hn::Mul(a.smaller, a.smaller);
+  const V s = hn::Add(p, q);
+  const V less = hn::Sub(p, s);  // less + q is exact
+#if HWY_TARGET == HWY_SSE4
+  const V rest = hn::Add(hn::Add(less, q), TwoProduct(d, a.smaller, a.smaller).lo);
+#else
+  const V rest = hn::MulAdd(a.smaller, a.smaller, less);  // the same, rounded once too
+#endif
+  return {s, hn::Add(rest, TwoProduct(d, a.larger, a.larger).lo)};
+}
+
+template <class D, class V>
+HWY_INLINE V ModulusOf(D d, Pair<V> square) {
   using C = RootConstants<hn::TFromD<D>>;
-  for (size_t k = 0; k < K; ++k) {
-    const Pair<V> square = SumOfSquares(d, a[k]);
-    const V s = hn::Sqrt(square.hi);
-    const V z = FromBits(d, hn::Sub(SetBits(d, C::kInverse), Bits(d, s)));
-    const V half_inverse = hn::Mul(z, hn::Sub(hn::Set(d, C::kInverseSum), hn::Mul(s, z)));
-    const V remainder = hn::Add(Remainder(d, square.hi, s, s), square.lo);
-    r[k] = hn::Add(s, hn::Mul(remainder, half_inverse));
-  }
+  const V s = hn::Sqrt(square.hi);
+  const V z = FromBits(d, hn::Sub(SetBits(d, C::kInverse), Bits(d, s)));
+  const V half_inverse = hn::Mul(z, hn::Sub(hn::Set(d, C::kInverseSum), hn::Mul(s, z)));
+  const V remainder = hn::Add(Remainder(d, square.hi, s, s), square.lo);
+  return hn::Add(s, hn::Mul(remainder, half_inverse));
 }
 
 }  // namespace pex::HWY_NAMESPACE

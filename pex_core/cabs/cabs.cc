@@ -14,19 +14,29 @@ namespace pex::HWY_NAMESPACE {
 // one of them zero.
 struct cAbsKernel : ComplexKernel<float> {
   static constexpr bool kRealResult = true;
-  static constexpr int kUnroll = 4;
-  using Outside = Atan2Outside<float, 0x26800000, 0x5D7FFFFF>;
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> a) {
-    return Outside::MayBeRare(d, a.im, a.re);
+  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 3 : 2;
+  static constexpr int32_t kLow = 0x26800000, kHigh = 0x5D7FFFFF;
+  using Outside = Atan2Outside<float, kLow, kHigh>;
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&a)[K]) {
+    const Magnitudes<V> first = MagnitudesOf(d, a[0]);
+    auto largest = Bits(d, first.larger), least = Bits(d, first.smaller);
+    for (size_t k = 1; k < K; ++k) {
+      const Magnitudes<V> parts = MagnitudesOf(d, a[k]);
+      largest = hn::Max(largest, Bits(d, parts.larger));
+      least = hn::Min(least, Bits(d, parts.smaller));
+    }
+    const auto outside =
+        hn::Or(hn::Gt(largest, SetBits(d, kHigh)), hn::Lt(least, SetBits(d, kLow)));
+    return !hn::AllFalse(hn::RebindToSigned<D>(), outside);
   }
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a) {
     return Outside::IsRare(d, a.im, a.re);
   }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const Complex<V> (&a)[K], V (&r)[K]) {
-    Modulus(d, a, r);
+  template <class D, class V>
+  static HWY_INLINE void Main(D d, Complex<V> a, V& r) {
+    r = ModulusOf(d, SumOfSquares(d, MagnitudesOf(d, a)));
   }
   static float Rare(Complex<float> a) { return cAbsScalar(a); }
 };

@@ -13,7 +13,7 @@ namespace pex::HWY_NAMESPACE {
 // or one of them zero.
 struct zAbsKernel : ComplexKernel<double> {
   static constexpr bool kRealResult = true;
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 3 : 2;
   using Outside = PartsOutside<0x26F00000, 0x5F2FFFFF>;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> a) {
@@ -23,9 +23,9 @@ struct zAbsKernel : ComplexKernel<double> {
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a) {
     return hn::Or(IsZero(d, a), Outside::Any(d, a.re, a.im));
   }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const Complex<V> (&a)[K], V (&r)[K]) {
-    Modulus(d, a, r);
+  template <class D, class V>
+  static HWY_INLINE void Main(D d, Complex<V> a, V& r) {
+    r = ModulusOf(d, SumOfSquares(d, a));
   }
   static double Rare(Complex<double> a) { return zAbsScalar(a); }
 };

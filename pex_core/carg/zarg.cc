@@ -11,7 +11,7 @@ HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
 struct dArgLA {
-  static constexpr int kUnroll = 8;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
     PlainAtan2(d, y, x, kAtan2LA, r);
@@ -19,7 +19,7 @@ struct dArgLA {
 };
 
 struct dArgHA {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 3 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
     FullAtan2(d, y, x, r);

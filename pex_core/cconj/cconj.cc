@@ -10,6 +10,7 @@ namespace pex::HWY_NAMESPACE {
 
 // A single-precision number as 64 bits: the imaginary part is on top.
 struct SingleConj : PlainKernel<double> {
+  static constexpr size_t kVectorBytes = kMemoryBoundBytes;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     return hn::Xor(x, hn::SignBit(d));
@@ -17,6 +18,7 @@ struct SingleConj : PlainKernel<double> {
 };
 
 struct DoubleConj : ComplexKernel<double> {
+  using Tag = hn::CappedTag<double, kMemoryBoundBytes / sizeof(double)>;
   template <class D, class V>
   static HWY_INLINE void Main(D d, Complex<V> a, Complex<V>& r) {
     r = {a.re, hn::Xor(a.im, hn::SignBit(d))};

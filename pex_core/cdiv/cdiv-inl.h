@@ -25,6 +25,7 @@ HWY_INLINE Complex<V> PlainQuotient(D d, Complex<V> a, Complex<V> b) {
 
 template <typename Element>
 struct PlainDiv : ComplexKernel<Element> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 && sizeof(Element) == 4 ? 3 : 2;
   template <class D, class V>
   static HWY_INLINE void Main(D d, Complex<V> a, Complex<V> b, Complex<V>& r) {
     r = PlainQuotient(d, a, b);

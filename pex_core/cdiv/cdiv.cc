@@ -11,6 +11,7 @@ HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
 struct DivInDouble : ComplexKernel<float, double> {
+  static constexpr int kUnroll = 4;
   template <class D, class V>
   static HWY_INLINE void Main(D d, Complex<V> a, Complex<V> b, Complex<V>& r) {
     const hn::Rebind<double, D> wide;

@@ -11,6 +11,7 @@ namespace pex::HWY_NAMESPACE {
 
 template <bool kConjugate>
 struct MulInDouble : ComplexKernel<float, double> {
+  static constexpr int kUnroll = 4;
   template <class D, class V>
   static HWY_INLINE void Main(D d, Complex<V> a, Complex<V> b, Complex<V>& r) {
     r = Narrow(d, PlainProduct<kConjugate>(Widen(d, a), Widen(d, b)));
