@@ -35,11 +35,16 @@ const Operands<T>& OperandsOf(pex::Range first, pex::Range second) {
   const auto [place, is_new] = known.try_emplace({first.lo, first.hi, second.lo, second.hi});
   Operands<T>& o = place->second;
   if (!is_new) return o;
-  // Arrays do not begin at the same place of a page: stores would hold up loads.
-  T* const p = hwy::AllocateAligned<T>(9 * kLongest + 1024).release();
-  const auto at = [&](size_t numbers, size_t k) { return p + numbers * kLongest + 80 * k; };
+  // Results begin half a page from arguments: a load waits for a store to another address that is
+  // alike in its lower bits, and loads run ahead of stores.
+  constexpr size_t kPage = 4096 / sizeof(T);
+  constexpr size_t kPages = kLongest / kPage + 2;  // of as many numbers, and room to spare
+  T* const p = hwy::AllocateAligned<T>(9 * kPages * kPage).release();
+  const auto at = [&](size_t first_page, size_t part) {  // so many eighths of a page further
+    return p + first_page * kPages * kPage + part * kPage / 8;
+  };
   o = {reinterpret_cast<C*>(at(0, 0)), reinterpret_cast<C*>(at(2, 1)),
-       reinterpret_cast<C*>(at(6, 2)), at(4, 3), at(5, 4)};
+       reinterpret_cast<C*>(at(6, 5)), at(4, 0), at(5, 5)};
   std::mt19937_64 engine(1);
   const auto uniform = [](pex::Range range) {
     return std::uniform_real_distribution<T>(static_cast<T>(range.lo), static_cast<T>(range.hi));
