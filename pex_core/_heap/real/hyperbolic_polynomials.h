@@ -65,6 +65,23 @@ inline constexpr float sTanhEPPolynomial[] = {
 inline constexpr float sTanhLAPolynomial[] = {
     -0x1.55554ep-2f, 0x1.1105a2p-3f, -0x1.afe178p-5f};
 
+// atanh x = x + p(x^2) x^3, |x| <= 0.203999996185302734375; relative error 2^-28.15625.
+inline constexpr double dAtanhEPPolynomial[] = {
+    0x1.5555bf4e1e101p-2, 0x1.9921dd918ef48p-3, 0x1.37a7035afa8a9p-3};
+
+// atanh x = x + p(x^2) x^3, |x| <= 0.2669999897480010986328125; relative error 2^-54.9375.
+inline constexpr double dAtanhLAPolynomial[] = {
+    0x1.555555555527fp-2, 0x1.9999999a39ffp-3, 0x1.249248c3d884p-3, 0x1.c71caa157b344p-4,
+    0x1.74540d9bfd058p-4, 0x1.3beae56e67a9p-4, 0x1.05959ccb93f25p-4, 0x1.42ea05dad5749p-4};
+
+// atanh x = x + p(x^2) x^3, |x| <= 0.203999996185302734375; relative error 2^-13.984375.
+inline constexpr float sAtanhEPPolynomial[] = {
+    0x1.5c954p-2f};
+
+// atanh x = x + p(x^2) x^3, |x| <= 0.2669999897480010986328125; relative error 2^-31.
+inline constexpr float sAtanhLAPolynomial[] = {
+    0x1.555548p-2f, 0x1.99a774p-3f, 0x1.2255b4p-3f, 0x1.077f14p-3f};
+
 }  // namespace pex
 
 #endif  // PEX_CORE__HEAP_REAL_HYPERBOLIC_POLYNOMIALS_H_

@@ -4,7 +4,10 @@
 #include <type_traits>
 
 #include "hwy/highway.h"
+#include "pex_core/_heap/real/hyperbolic_polynomials.h"
 #include "pex_core/_heap/real/log_of_sum-inl.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/polynomial-inl.h"
 
 #if defined(PEX_CORE__HEAP_REAL_INVERSE_HYPERBOLIC_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef PEX_CORE__HEAP_REAL_INVERSE_HYPERBOLIC_INL_H_
@@ -117,11 +120,6 @@ struct AtanhSum {
   static constexpr double kFactor = 0.5;
   static constexpr bool kHasLarge = false;
   static constexpr bool kExactSum = false;
-  template <class D, class V>
-  static HWY_INLINE LogArgument<V> Plain(D d, V a) {
-    const V one = hn::Set(d, static_cast<hn::TFromD<D>>(1));
-    return {hn::Div(hn::Add(one, a), hn::Sub(one, a)), hn::Zero(d), hn::Zero(d)};
-  }
   template <bool kFull, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
     using T = hn::TFromD<D>;
@@ -222,6 +220,76 @@ HWY_INLINE V InverseSingleLA(D d, V a) {
   }
   const V r = sLogLASum<sNaturalLog>(d, u.scaled, t.hi, t.lo, point.row);
   return F::kFactor == 1 ? r : hn::Mul(r, hn::Set(d, static_cast<float>(F::kFactor)));
+}
+
+// floor(log2) of positive normal numbers, given by their bits.
+template <class D>
+HWY_INLINE VecOf<D> ExponentOf(D d, BitsOf<D> bits) {
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(hn::TFromD<D>) == 8) {
+    return VecOf<D>{_mm512_getexp_pd(FromBits(d, bits).raw)};
+  } else {
+    return VecOf<D>{_mm512_getexp_ps(FromBits(d, bits).raw)};
+  }
+#else
+  const hn::RebindToUnsigned<D> du;
+  constexpr bool kDouble = sizeof(hn::TFromD<D>) == 8;
+  constexpr int kFraction = kDouble ? 52 : 23;
+  const auto field = hn::ShiftRight<kFraction>(hn::BitCast(du, bits));
+  // The field at the end of a number's significand.
+  const auto number =
+      hn::Or(field, hn::BitCast(du, SetBits(d, kDouble ? 0x4330000000000000 : 0x4B000000)));
+  return hn::Sub(hn::BitCast(d, number), hn::Set(d, kDouble ? 0x1p52 + 1023 : 0x1p23f + 127));
+#endif
+}
+
+// atanh(a) = e ln(2)/2 + atanh(s), 0 <= a < 1: 2^e stands next to (1 + a)/(1 - a), and with
+// q = (2^e - 1) (1 - a)/2
+//   s = (a - q)/(1 + q).
+// For e = 0 that is s = a exactly, so small arguments are no case of their own. e = 1 begins at
+// `first`: the later, the less the roundings of s weigh in the sum, and the larger s becomes.
+template <class D>
+struct AtanhReduced {
+  VecOf<D> s, e;
+};
+
+template <class D, class V>
+HWY_INLINE AtanhReduced<D> AtanhReduce(D d, V a, hn::TFromD<D> first) {
+  using T = hn::TFromD<D>;
+  constexpr auto kUnit = BitsOfNumber(T(2)) - BitsOfNumber(T(1));
+  const auto mask = SetBits(d, static_cast<uint64_t>(-kUnit));
+  const V one = hn::Set(d, T(1));
+  const V u = hn::Add(one, a), v = hn::Sub(one, a);
+  // The difference of the bits is the logarithm of the quotient in units of kUnit, roughly.
+  const auto start = BitsOfNumber(T(2)) - (BitsOfNumber(1 + first) - BitsOfNumber(1 - first));
+  const auto above = hn::Add(hn::Sub(Bits(d, u), Bits(d, v)), SetBits(d, start));
+  const auto power = hn::And(above, mask);  // the bits of 2^e
+  const V half_power = FromBits(d, hn::Sub(power, SetBits(d, kUnit)));
+  const V q = hn::Mul(hn::Sub(half_power, hn::Set(d, T(0.5))), v);
+  return {hn::Div(hn::Sub(a, q), hn::Add(one, q)), ExponentOf(d, above)};
+}
+
+// The sum, atanh(s) = s + s^3 c(s^2). The square of tiny numbers, which would underflow, counts as
+// 0.
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void AtanhOfMagnitude(D d, const V (&a)[K], hn::TFromD<D> first,
+                                 const hn::TFromD<D> (&c)[N], V (&r)[K]) {
+  using T = hn::TFromD<D>;
+  AtanhReduced<D> u[K];
+  V s2[K], p[K];
+  for (size_t k = 0; k < K; ++k) u[k] = AtanhReduce(d, a[k], first);
+  for (size_t k = 0; k < K; ++k) {
+    const auto tiny = BitsOfNumber(sizeof(T) == 8 ? T(0x1p-28) : T(0x1p-13));
+    const auto counts = hn::RebindMask(d, hn::Gt(Bits(d, a[k]), SetBits(d, tiny)));
+    const V w = hn::IfThenElseZero(counts, u[k].s);
+    s2[k] = hn::Mul(w, w);
+  }
+  Horner(d, s2, c, p);
+  for (size_t k = 0; k < K; ++k) {
+    const V rest = hn::Mul(u[k].s, hn::Mul(s2[k], p[k]));
+    const V head = hn::Mul(u[k].e, hn::Set(d, T(0x1.62e42fefa39efp-2)));
+    r[k] = hn::Add(head, hn::Add(u[k].s, rest));
+  }
 }
 
 }  // namespace pex::HWY_NAMESPACE
