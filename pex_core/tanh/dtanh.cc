@@ -47,7 +47,7 @@ struct dTanhLA : dTanhCommon {
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K], y[K];
     for (size_t k = 0; k < K; ++k) m[k] = TanhMagnitude(d, x[k]);
-    TanhOfMagnitude(d, m, y);
+    TanhOfMagnitudeLA(d, m, y);
     for (size_t k = 0; k < K; ++k) out[k] = TanhResult(y[k], x[k]);
   }
 };

@@ -57,13 +57,13 @@ inline constexpr float sCoshLatePolynomial[] = {
 inline constexpr float sSinhLatePolynomial[] = {
     0x1.556274p-3f};
 
-// tanh x = x + p(x^2) x^3, |x| <= 0.17339999973773956298828125; relative error 2^-15.5625.
+// tanh x = x + p(x^2) x^3, |x| <= 0.19009999930858612060546875; relative error 2^-15.046875.
 inline constexpr float sTanhEPPolynomial[] = {
-    -0x1.51f78ep-2f};
+    -0x1.514bbp-2f};
 
-// tanh x = x + p(x^2) x^3, |x| <= 0.17339999973773956298828125; relative error 2^-32.4375.
+// tanh x = x + p(x^2) x^3, |x| <= 0.28009998798370361328125; relative error 2^-27.03125.
 inline constexpr float sTanhLAPolynomial[] = {
-    -0x1.55554ep-2f, 0x1.1105a2p-3f, -0x1.afe178p-5f};
+    -0x1.5554dcp-2f, 0x1.10c704p-3f, -0x1.a04316p-5f};
 
 // atanh x = x + p(x^2) x^3, |x| <= 0.203999996185302734375; relative error 2^-28.15625.
 inline constexpr double dAtanhEPPolynomial[] = {

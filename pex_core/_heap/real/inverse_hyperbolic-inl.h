@@ -4,7 +4,7 @@
 #include <type_traits>
 
 #include "hwy/highway.h"
-#include "pex_core/_heap/real/hyperbolic_polynomials.h"
+#include "pex_core/_heap/real/hyperbolic-inl.h"
 #include "pex_core/_heap/real/log_of_sum-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
@@ -141,17 +141,6 @@ struct AtanhSum {
     return {u, hn::Add(hn::Sub(quotient, hn::Sub(u, one)), residual), hn::Zero(d)};
   }
 };
-
-// |x|, 0 for tiny x, and the result of F for those other arguments with the sign of x put back; a
-// tiny x is its own result.
-template <class D, class V>
-HWY_INLINE V MagnitudeUnlessTiny(D d, V x, hn::TFromD<D> tiny) {
-  return hn::IfThenZeroElse(MagnitudeBelow(d, x, tiny), hn::Abs(x));
-}
-template <class D, class V>
-HWY_INLINE V SignedUnlessTiny(D d, V x, V magnitude, hn::TFromD<D> tiny) {
-  return hn::IfThenElse(MagnitudeBelow(d, x, tiny), x, hn::CopySignToAbs(magnitude, x));
-}
 
 // The tiers in double precision. EP's sums of positive numbers need no rest.
 template <class F, class D, class V, size_t K>
