@@ -25,11 +25,17 @@ struct sAcoshEP : sAcoshCommon<> {
   }
 };
 
-struct sAcoshLA : sAcoshCommon<> {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return InverseSingleLA<AcoshSum>(d, x);
+template <bool kWide>
+struct sAcoshAnyLA : sAcoshCommon<> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    InverseSingleLA<SingleAcosh, kWide>(d, x, r);
   }
+};
+
+struct sAcoshLA : sAcoshAnyLA<false> {
+  using Rarity = RareOutside<float, 0x3F800000, BitsOfNumber(0x1p60f)>;
+  using Wide = sAcoshAnyLA<true>;
 };
 
 // In double precision. Correctly rounded for all floats.

@@ -29,12 +29,20 @@ struct sAsinhEP : sAsinhCommon<> {
   }
 };
 
-struct sAsinhLA : sAsinhCommon<> {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    const V y = InverseSingleLA<AsinhSum>(d, MagnitudeUnlessTiny(d, x, kTiny));
-    return SignedUnlessTiny(d, x, y, kTiny);
+template <bool kWide>
+struct sAsinhAnyLA : sAsinhCommon<> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    V a[K], y[K];
+    for (size_t k = 0; k < K; ++k) a[k] = MagnitudeUnlessTiny(d, x[k], kTiny);
+    InverseSingleLA<SingleAsinh, kWide>(d, a, y);
+    for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kTiny);
   }
+};
+
+struct sAsinhLA : sAsinhAnyLA<false> {
+  using Rarity = RareAbove<float, BitsOfNumber(0x1p60f)>;
+  using Wide = sAsinhAnyLA<true>;
 };
 
 // In double precision. Correctly rounded for all floats.

@@ -82,6 +82,11 @@ inline constexpr float sAtanhEPPolynomial[] = {
 inline constexpr float sAtanhLAPolynomial[] = {
     0x1.555548p-2f, 0x1.99a774p-3f, 0x1.2255b4p-3f, 0x1.077f14p-3f};
 
+// asinh x = x + p(x^2) x^3, |x| <= 0.521200001239776611328125; relative error 2^-28.90625.
+inline constexpr float sAsinhPolynomial[] = {
+    -0x1.555528p-3f, 0x1.33203cp-4f, -0x1.6b199p-5f, 0x1.c8699cp-6f,
+    -0x1.9fe50ap-7f};
+
 }  // namespace pex
 
 #endif  // PEX_CORE__HEAP_REAL_HYPERBOLIC_POLYNOMIALS_H_

@@ -99,17 +99,11 @@ struct AcoshSum {
     const V root = hn::Sqrt(w.hi);
     const Pair<V> u = FastTwoSum(y, root);
     V rest = u.lo;
-    if constexpr (kFull || sizeof(T) == 4) {
+    if constexpr (kFull) {
       const V residual = hn::Add(Remainder(d, w.hi, root, root), w.lo);
-      if constexpr (kFull) {
-        // The root of 0 has no residual; the small number keeps the quotient from being 0/0.
-        rest =
-            hn::Add(rest, hn::Div(residual, hn::Add(hn::Add(root, root), hn::Set(d, T(0x1p-100)))));
-      } else {
-        // 1/(2 root) to within an eighth, by the bits.
-        const V half_inverse = FromBits(d, hn::Sub(SetBits(d, 0x7E7311C3), Bits(d, root)));
-        rest = hn::Add(rest, hn::Mul(residual, half_inverse));
-      }
+      // The root of 0 has no residual; the small number keeps the quotient from being 0/0.
+      rest =
+          hn::Add(rest, hn::Div(residual, hn::Add(hn::Add(root, root), hn::Set(d, T(0x1p-100)))));
     }
     return OrLarge(d, large, a, u.hi, rest);
   }
@@ -197,18 +191,76 @@ HWY_INLINE V InverseSingleEP(D d, V a) {
   return F::kFactor == 1 ? r : hn::Mul(r, hn::Set(d, static_cast<float>(F::kFactor)));
 }
 
-template <class F, class D, class V>
-HWY_INLINE V InverseSingleLA(D d, V a) {
-  const LogArgument<V> x = F::template Argument<false>(d, a);
-  auto u = sLogReduce(d, x.u);
-  const auto point = sLogNextPoint(d, u.m);
-  const V scale = FromBits(d, hn::Sub(Bits(d, hn::Set(d, 1.0f)), u.exponent_bits));  // 2^-e
-  const Pair<V> t = FastTwoSum(hn::Sub(u.m, point.a), hn::Mul(scale, x.rest));
-  if constexpr (F::kHasLarge) {
-    u.scaled = hn::Add(u.scaled, hn::Mul(x.shift, hn::Set(d, 0x1p23f)));
+// asinh a and acosh a as asinh(y), close to their zeros for y = a or the root, and from 1/2 on as
+//   ln u = e ln(2) + asinh(y), u = 2^e m, y = (m - 1/m)/2.
+// What the sum u loses comes back in y, to within a third of it. asinh(y) = y + y^3 c(y^2). kWide
+// takes arguments beyond 2^60 too, where u = 2a: as a/2, and two more in e.
+struct SingleAsinh {
+  static constexpr float kFirst = 0x1.0acd00p-1f;  // sinh(1/2)
+  template <class D, class V>
+  static HWY_INLINE V Root(D d, V a) {
+    return hn::Sqrt(hn::Add(hn::Mul(a, a), hn::Set(d, 1.0f)));
   }
-  const V r = sLogLASum<sNaturalLog>(d, u.scaled, t.hi, t.lo, point.row);
-  return F::kFactor == 1 ? r : hn::Mul(r, hn::Set(d, static_cast<float>(F::kFactor)));
+  template <class V>
+  static HWY_INLINE Pair<V> Sum(V a, V root) {
+    return FastTwoSum(root, a);
+  }
+  template <class V>
+  static HWY_INLINE V NearZero(V a, V) {
+    return a;
+  }
+};
+
+struct SingleAcosh {
+  static constexpr float kFirst = 0x1.20ac18p+0f;  // cosh(1/2)
+  template <class D, class V>
+  static HWY_INLINE V Root(D d, V a) {
+    const V less = hn::Sub(a, hn::Set(d, 1.0f));
+    return hn::Sqrt(hn::Add(hn::Mul(less, less), hn::Add(less, less)));
+  }
+  template <class V>
+  static HWY_INLINE Pair<V> Sum(V a, V root) {
+    return FastTwoSum(a, root);
+  }
+  template <class V>
+  static HWY_INLINE V NearZero(V, V root) {
+    return root;
+  }
+};
+
+template <class F, bool kWide, class D, class V, size_t K>
+HWY_INLINE void InverseSingleLA(D d, const V (&a)[K], V (&r)[K]) {
+  V y[K], y2[K], p[K], scaled[K];
+  for (size_t k = 0; k < K; ++k) {
+    const V one = hn::Set(d, 1.0f);
+    const auto far = hn::RebindMask(d, hn::Gt(Bits(d, a[k]), SetBits(d, BitsOfNumber(F::kFirst))));
+    V x = a[k];
+    MaskOf<D> large;
+    if constexpr (kWide) {
+      large = hn::RebindMask(d, hn::Gt(Bits(d, x), SetBits(d, BitsOfNumber(0x1p60f))));
+      x = hn::IfThenElse(large, one, x);
+    }
+    const V root = F::Root(d, x);
+    const Pair<V> sum = F::Sum(x, root);
+    V u = hn::IfThenElse(far, sum.hi, one);
+    if constexpr (kWide) u = hn::IfThenElse(large, hn::Mul(a[k], hn::Set(d, 0.5f)), u);
+    const auto reduced = sLogReduce(d, u);
+    const V scale = FromBits(d, hn::Sub(Bits(d, one), reduced.exponent_bits));  // 2^-e
+    const V twice = hn::Sub(reduced.m, hn::Div(one, reduced.m));
+    const V sinh = hn::Add(hn::Mul(twice, hn::Set(d, 0.5f)), hn::Mul(scale, sum.lo));
+    y[k] = hn::IfThenElse(far, sinh, F::NearZero(x, root));
+    scaled[k] = reduced.scaled;
+    if constexpr (kWide) {
+      scaled[k] = hn::Add(scaled[k], hn::IfThenElseZero(large, hn::Set(d, 0x1p24f)));
+    }
+  }
+  for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(y[k], y[k]);
+  Horner(d, y2, sAsinhPolynomial, p);
+  for (size_t k = 0; k < K; ++k) {
+    const V rest = hn::Mul(y[k], hn::Mul(y2[k], p[k]));
+    const V head = hn::Mul(scaled[k], hn::Set(d, 0x1.62e430p-24f));
+    r[k] = hn::Add(head, hn::Add(y[k], rest));
+  }
 }
 
 // floor(log2) of positive normal numbers, given by their bits.
