@@ -18,10 +18,11 @@ struct sAcoshCommon : Kernel<float, Compute> {
   static HWY_INLINE int Rare(float x, float* r) { return AcoshRare(x, r); }
 };
 
-struct sAcoshEP : sAcoshCommon<> {
+template <bool kWide>
+struct sAcoshAnyEP : sAcoshCommon<> {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    return InverseSingleEP<AcoshSum>(d, x);
+    return InverseSingleEP<AcoshSum, kWide>(d, x);
   }
 };
 
@@ -33,8 +34,15 @@ struct sAcoshAnyLA : sAcoshCommon<> {
   }
 };
 
+using RareOrLarge = RareOutside<float, 0x3F800000, BitsOfNumber(kLargeArgument<float>)>;
+
+struct sAcoshEP : sAcoshAnyEP<false> {
+  using Rarity = RareOrLarge;
+  using Wide = sAcoshAnyEP<true>;
+};
+
 struct sAcoshLA : sAcoshAnyLA<false> {
-  using Rarity = RareOutside<float, 0x3F800000, BitsOfNumber(0x1p60f)>;
+  using Rarity = RareOrLarge;
   using Wide = sAcoshAnyLA<true>;
 };
 

@@ -21,10 +21,11 @@ struct sAsinhCommon : Kernel<float, Compute> {
 // A tiny x is its own result to the tier's accuracy.
 inline constexpr float kTiny = 0x1p-13f, kTinyEP = 0x1p-6f;
 
-struct sAsinhEP : sAsinhCommon<> {
+template <bool kWide>
+struct sAsinhAnyEP : sAsinhCommon<> {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const V y = InverseSingleEP<AsinhSum>(d, MagnitudeUnlessTiny(d, x, kTinyEP));
+    const V y = InverseSingleEP<AsinhSum, kWide>(d, MagnitudeUnlessTiny(d, x, kTinyEP));
     return SignedUnlessTiny(d, x, y, kTinyEP);
   }
 };
@@ -40,8 +41,15 @@ struct sAsinhAnyLA : sAsinhCommon<> {
   }
 };
 
+using RareOrLarge = RareAbove<float, BitsOfNumber(kLargeArgument<float>)>;
+
+struct sAsinhEP : sAsinhAnyEP<false> {
+  using Rarity = RareOrLarge;
+  using Wide = sAsinhAnyEP<true>;
+};
+
 struct sAsinhLA : sAsinhAnyLA<false> {
-  using Rarity = RareAbove<float, BitsOfNumber(0x1p60f)>;
+  using Rarity = RareOrLarge;
   using Wide = sAsinhAnyLA<true>;
 };
 

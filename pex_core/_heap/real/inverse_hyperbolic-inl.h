@@ -20,9 +20,10 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// From here on asinh(a) and acosh(a) are ln(2a) to 2^-62 of themselves.
+// From here on asinh(a) and acosh(a) are ln(2a) to 2^-62 of themselves, and squares may overflow.
+// In single precision only kernels of the wide kind have such arguments.
 template <typename T>
-inline constexpr T kLargeArgument = sizeof(T) == 8 ? T(0x1p28) : T(0x1p13);
+inline constexpr T kLargeArgument = sizeof(T) == 8 ? T(0x1p28) : T(0x1p60);
 
 // ln(2a) where a is large, as ln(a/4) + 3 ln(2): a/4 leaves room for the reduction's exponents. The
 // rest must be 0 there.
@@ -40,13 +41,16 @@ struct AsinhSum {
   static constexpr bool kHasLarge = true;
   static constexpr bool kExactSum = false;
   template <class D, class V>
+  static HWY_INLINE LogArgument<V> NotLarge(D d, V a) {
+    const V one = hn::Set(d, static_cast<hn::TFromD<D>>(1));
+    const V root = hn::Sqrt(hn::Add(hn::Mul(a, a), one));
+    return {hn::Add(a, root), hn::Zero(d), hn::Zero(d)};
+  }
+  template <class D, class V>
   static HWY_INLINE LogArgument<V> Plain(D d, V a) {
-    using T = hn::TFromD<D>;
-    const V one = hn::Set(d, T(1));
-    const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<T>));
-    const V y = hn::IfThenZeroElse(large, a);
-    const V root = hn::Sqrt(hn::Add(hn::Mul(y, y), one));
-    return OrLarge(d, large, a, hn::Add(y, root), hn::Zero(d));
+    const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<hn::TFromD<D>>));
+    const LogArgument<V> r = NotLarge(d, hn::IfThenZeroElse(large, a));
+    return OrLarge(d, large, a, r.u, r.rest);
   }
   template <bool kFull, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
@@ -78,14 +82,18 @@ struct AcoshSum {
   static constexpr bool kHasLarge = true;
   static constexpr bool kExactSum = true;
   template <class D, class V>
+  static HWY_INLINE LogArgument<V> NotLarge(D d, V a) {
+    const V one = hn::Set(d, static_cast<hn::TFromD<D>>(1));
+    const V less = hn::Sub(a, one);
+    const V root = hn::Sqrt(hn::Mul(less, hn::Add(a, one)));
+    return {hn::Add(a, root), hn::Add(less, root), hn::Zero(d)};
+  }
+  template <class D, class V>
   static HWY_INLINE LogArgument<V> Plain(D d, V a) {
     using T = hn::TFromD<D>;
-    const V one = hn::Set(d, T(1));
     const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<T>));
-    const V y = hn::IfThenElse(large, one, a);
-    const V less = hn::Sub(y, one);
-    const V root = hn::Sqrt(hn::Mul(less, hn::Add(y, one)));
-    return OrLarge(d, large, a, hn::Add(y, root), hn::Add(less, root));
+    const LogArgument<V> r = NotLarge(d, hn::IfThenElse(large, hn::Set(d, T(1)), a));
+    return OrLarge(d, large, a, r.u, r.rest);
   }
   template <bool kFull, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
@@ -176,26 +184,26 @@ HWY_INLINE void InverseHA(D d, const V (&a)[K], V (&r)[K]) {
   }
 }
 
-// The same in single precision.
-template <class F, class D, class V>
+// The same in single precision. kWide takes large arguments too.
+template <class F, bool kWide, class D, class V>
 HWY_INLINE V InverseSingleEP(D d, V a) {
-  const LogArgument<V> x = F::Plain(d, a);
+  const LogArgument<V> x = kWide ? F::Plain(d, a) : F::NotLarge(d, a);
   const auto u = sLogReduce(d, x.u);
   V t = hn::Sub(u.m, hn::Set(d, 1.0f));
   if constexpr (std::is_same_v<F, AcoshSum>) {
     t = hn::IfThenElse(hn::RebindMask(d, hn::Eq(u.exponent_bits, SetBits(d, 0))), x.rest, t);
   }
   V scaled = u.scaled;
-  if constexpr (F::kHasLarge) scaled = hn::Add(scaled, hn::Mul(x.shift, hn::Set(d, 0x1p23f)));
-  const V r = sLogEPSum<sNaturalLog>(d, scaled, t);
-  return F::kFactor == 1 ? r : hn::Mul(r, hn::Set(d, static_cast<float>(F::kFactor)));
+  if constexpr (kWide) scaled = hn::Add(scaled, hn::Mul(x.shift, hn::Set(d, 0x1p23f)));
+  return sLogEPSum<sNaturalLog>(d, scaled, t);
 }
 
 // asinh a and acosh a as asinh(y), close to their zeros for y = a or the root, and from 1/2 on as
 //   ln u = e ln(2) + asinh(y), u = 2^e m, y = (m - 1/m)/2.
 // What the sum u loses comes back in y, to within a third of it. asinh(y) = y + y^3 c(y^2). kWide
-// takes arguments beyond 2^60 too, where u = 2a: as a/2, and two more in e.
+// takes large arguments too, where u = 2a: as a/2, and two more in e.
 struct SingleAsinh {
+  static constexpr float kZero = 0;
   static constexpr float kFirst = 0x1.0acd00p-1f;  // sinh(1/2)
   template <class D, class V>
   static HWY_INLINE V Root(D d, V a) {
@@ -212,6 +220,7 @@ struct SingleAsinh {
 };
 
 struct SingleAcosh {
+  static constexpr float kZero = 1;
   static constexpr float kFirst = 0x1.20ac18p+0f;  // cosh(1/2)
   template <class D, class V>
   static HWY_INLINE V Root(D d, V a) {
@@ -237,8 +246,9 @@ HWY_INLINE void InverseSingleLA(D d, const V (&a)[K], V (&r)[K]) {
     V x = a[k];
     MaskOf<D> large;
     if constexpr (kWide) {
-      large = hn::RebindMask(d, hn::Gt(Bits(d, x), SetBits(d, BitsOfNumber(0x1p60f))));
-      x = hn::IfThenElse(large, one, x);
+      large =
+          hn::RebindMask(d, hn::Gt(Bits(d, x), SetBits(d, BitsOfNumber(kLargeArgument<float>))));
+      x = hn::IfThenElse(large, hn::Set(d, F::kZero), x);
     }
     const V root = F::Root(d, x);
     const Pair<V> sum = F::Sum(x, root);
