@@ -12,13 +12,14 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdAtanh";
 
-struct dAtanhCommon : Kernel<double> {
+template <class Groups = LargeGroups<double>>
+struct dAtanhCommon : Groups {
   using Rarity = RareAbove<double, 0x3FEFFFFF>;  // 1 and beyond, NaN
   static constexpr double kHarmless = 0;
   static HWY_INLINE int Rare(double x, double* r) { return AtanhRare(x, r); }
 };
 
-struct dAtanhEP : dAtanhCommon {
+struct dAtanhEP : dAtanhCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], y[K];
@@ -28,7 +29,7 @@ struct dAtanhEP : dAtanhCommon {
   }
 };
 
-struct dAtanhLA : dAtanhCommon {
+struct dAtanhLA : dAtanhCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], y[K];
@@ -41,7 +42,8 @@ struct dAtanhLA : dAtanhCommon {
 // A tiny x is its own result.
 inline constexpr double kTiny = 0x1p-28;
 
-struct dAtanhHA : dAtanhCommon {
+struct dAtanhHA : dAtanhCommon<Kernel<double>> {
+  static constexpr int kUnroll = 4;  // more vectors do not fit the registers
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], y[K];

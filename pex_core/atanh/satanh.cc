@@ -12,8 +12,8 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsAtanh";
 
-template <typename Compute = float>
-struct sAtanhCommon : Kernel<float, Compute> {
+template <class Groups = LargeGroups<float>>
+struct sAtanhCommon : Groups {
   using Rarity = RareAbove<float, 0x3F7FFFFF>;  // 1 and beyond, NaN
   static constexpr float kHarmless = 0;
   static HWY_INLINE int Rare(float x, float* r) { return AtanhRare(x, r); }
@@ -43,7 +43,7 @@ struct sAtanhLA : sAtanhCommon<> {
 inline constexpr float kTiny = 0x1p-13f;
 
 // In double precision. Correctly rounded for all floats.
-struct sAtanhHA : sAtanhCommon<double> {
+struct sAtanhHA : sAtanhCommon<Kernel<float, double>> {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const hn::Rebind<double, D> wide;

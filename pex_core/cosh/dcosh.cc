@@ -13,7 +13,8 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdCosh";
 
-struct dCoshCommon : Kernel<double> {
+template <class Groups = LargeGroups<double>>
+struct dCoshCommon : Groups {
   using Rarity = RareAbove<double, 0x4085FFFF>;  // |x| >= 704
   static HWY_INLINE int Rare(double x, double* r) { return dCoshScalar(x, r); }
 };
@@ -24,7 +25,7 @@ HWY_INLINE void Magnitudes(D d, const V (&x)[K], V (&m)[K]) {
   for (size_t k = 0; k < K; ++k) m[k] = AboveUnderflow(d, hn::Abs(x[k]));
 }
 
-struct dCoshEP : dCoshCommon {
+struct dCoshEP : dCoshCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K];
@@ -33,7 +34,7 @@ struct dCoshEP : dCoshCommon {
   }
 };
 
-struct dCoshLA : dCoshCommon {
+struct dCoshLA : dCoshCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K];
@@ -42,7 +43,8 @@ struct dCoshLA : dCoshCommon {
   }
 };
 
-struct dCoshHA : dCoshCommon {
+struct dCoshHA : dCoshCommon<Kernel<double>> {
+  static constexpr int kUnroll = 4;              // more vectors do not fit the registers
   using Rarity = RareAbove<double, 0x40857FFF>;  // |x| >= 688: halves of e^x would overflow
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {

@@ -13,7 +13,8 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdSinh";
 
-struct dSinhCommon : Kernel<double> {
+template <class Groups = LargeGroups<double>>
+struct dSinhCommon : Groups {
   using Rarity = RareAbove<double, 0x4085FFFF>;  // |x| >= 704
   static HWY_INLINE int Rare(double x, double* r) { return dSinhScalar(x, r); }
 };
@@ -23,7 +24,7 @@ HWY_INLINE void Magnitudes(const V (&x)[K], V (&m)[K]) {
   for (size_t k = 0; k < K; ++k) m[k] = hn::Abs(x[k]);
 }
 
-struct dSinhEP : dSinhCommon {
+struct dSinhEP : dSinhCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K], y[K];
@@ -33,7 +34,7 @@ struct dSinhEP : dSinhCommon {
   }
 };
 
-struct dSinhLA : dSinhCommon {
+struct dSinhLA : dSinhCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K], y[K];
@@ -44,7 +45,8 @@ struct dSinhLA : dSinhCommon {
 };
 
 // Tiny arguments are their own results; products with them would underflow.
-struct dSinhHA : dSinhCommon {
+struct dSinhHA : dSinhCommon<Kernel<double>> {
+  static constexpr int kUnroll = 4;              // more vectors do not fit the registers
   using Rarity = RareAbove<double, 0x40857FFF>;  // |x| >= 688: halves of e^x would overflow
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {

@@ -15,8 +15,8 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsTanh";
 
-template <typename Compute = float>
-struct sTanhCommon : Kernel<float, Compute> {
+template <class Groups = LargeGroups<float>>
+struct sTanhCommon : Groups {
   using Rarity = RareAbove<float, 0x7F7FFFFF>;  // infinities and NaN
   static HWY_INLINE int Rare(float x, float* r) { return TanhRare(x, r); }
 };
@@ -84,7 +84,7 @@ struct sTanhLA : sTanhCommon<> {
 };
 
 // In double precision, where nothing underflows. Correctly rounded for all floats.
-struct sTanhHA : sTanhCommon<double> {
+struct sTanhHA : sTanhCommon<Kernel<float, double>> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     const hn::Rebind<double, D> dd;
