@@ -141,7 +141,7 @@ struct EighthSteps<float> {
   using Lookup = SingleEighthLookup<D>;
   static constexpr float kPerUnit = 0x1.715476p+3f;
   static constexpr float kHi = 0x1.62ep-4f, kLo = 0x1.0bfbe8p-18f;
-  static constexpr float kDelay = 0x1.0a2bp-6f;
+  static constexpr float kDelay = 0x1.3ap-6f;  // the first step ends next to 1/16
   static constexpr int kToExponent = 20;
   static constexpr auto& kOffset = sHyperbolicOffset;
   static constexpr auto& kGrow = sHyperbolicGrow;

@@ -49,13 +49,9 @@ inline constexpr float sCoshPolynomial[] = {
 inline constexpr float sSinhPolynomial[] = {
     0x1.555c5p-3f};
 
-// cosh x = 1 + p(x^2) x^2, |x| <= 6.0199998319149017333984375e-2; relative error 2^-37.
-inline constexpr float sCoshLatePolynomial[] = {
-    0x1p-1f, 0x1.555ed8p-5f};
-
-// sinh x = x + p(x^2) x^3, |x| <= 6.0199998319149017333984375e-2; relative error 2^-25.65625.
+// sinh x = x + p(x^2) x^3, |x| <= 6.2799997627735137939453125e-2; relative error 2^-25.40625.
 inline constexpr float sSinhLatePolynomial[] = {
-    0x1.556274p-3f};
+    0x1.55639cp-3f};
 
 // tanh x = x + p(x^2) x^3, |x| <= 0.19009999930858612060546875; relative error 2^-15.046875.
 inline constexpr float sTanhEPPolynomial[] = {
