@@ -29,8 +29,14 @@ struct dCoshEP : dCoshCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K];
+    HyperbolicSplit<V> u[K];
     Magnitudes(d, x, m);
-    CoshOfMagnitude<Points::kRough>(d, m, out, dCoshEPPolynomial, dSinhEPPolynomial);
+    for (size_t k = 0; k < K; ++k) u[k] = Split<Points::kRough>(d, m[k]);
+    for (size_t k = 0; k < K; ++k) {
+      const auto& [grow, decay, r, rest] = u[k];
+      const V a = hn::Add(grow, decay), b = hn::Sub(grow, decay);
+      out[k] = HyperbolicShortSum(d, a, b, r, r, dSinhEPPolynomial[0]);
+    }
   }
 };
 

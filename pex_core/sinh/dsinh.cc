@@ -27,10 +27,14 @@ HWY_INLINE void Magnitudes(const V (&x)[K], V (&m)[K]) {
 struct dSinhEP : dSinhCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    V m[K], y[K];
-    Magnitudes(x, m);
-    SinhOfMagnitude<Points::kRoughFromZero>(d, m, y, dCoshEPPolynomial, dSinhEPPolynomial);
-    for (size_t k = 0; k < K; ++k) out[k] = hn::CopySignToAbs(y[k], x[k]);
+    HyperbolicSplit<V> u[K];
+    for (size_t k = 0; k < K; ++k) u[k] = Split<Points::kRoughFromZero>(d, hn::Abs(x[k]));
+    for (size_t k = 0; k < K; ++k) {
+      const auto& [grow, decay, r, rest] = u[k];
+      const V a = hn::Sub(grow, decay), b = hn::Add(grow, decay);
+      const V y = HyperbolicShortSum(d, a, b, r, AboveUnderflow(d, r), dSinhEPPolynomial[0]);
+      out[k] = hn::CopySignToAbs(y, x[k]);
+    }
   }
 };
 

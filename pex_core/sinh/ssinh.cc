@@ -33,7 +33,6 @@ struct sSinhEP : sSinhCommon<> {
   }
 };
 
-// S cosh r + C sinh r with sinh r = r t and, as near, cosh r = 1 + r^2 (1 + t)/4.
 struct sSinhLA : sSinhCommon<> {
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
@@ -43,11 +42,8 @@ struct sSinhLA : sSinhCommon<> {
     for (size_t k = 0; k < K; ++k) {
       const auto& [grow, decay, r, rest] = u[k];
       const V a = hn::Sub(grow, decay), b = hn::Add(grow, decay);
-      const V w = AboveUnderflow(d, r), w2 = hn::Mul(w, w);
-      const V t = hn::Add(hn::Mul(w2, hn::Set(d, sSinhLatePolynomial[0])), hn::Set(d, 1.0f));
-      const V q = hn::Mul(a, hn::Mul(w, hn::Set(d, 0.25f)));
-      const V slope = hn::Add(hn::Mul(hn::Add(b, q), t), q);
-      out[k] = hn::CopySignToAbs(hn::Add(a, hn::Mul(r, slope)), x[k]);
+      const V y = HyperbolicShortSum(d, a, b, r, AboveUnderflow(d, r), sSinhLatePolynomial[0]);
+      out[k] = hn::CopySignToAbs(y, x[k]);
     }
   }
 };

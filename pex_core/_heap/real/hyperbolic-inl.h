@@ -203,6 +203,16 @@ HWY_INLINE V HyperbolicSum(D d, V a, V b, V r, V r2, const hn::TFromD<D> (&even)
   return hn::Add(a, hn::Add(hn::Mul(a, c), hn::Mul(b, s)));
 }
 
+// The same with sinh r = r t, t = 1 + c r^2, and, as near, cosh r = 1 + r^2 (1 + t)/4. w is r as
+// far as it matters beside 1, without an underflow.
+template <class D, class V>
+HWY_INLINE V HyperbolicShortSum(D d, V a, V b, V r, V w, hn::TFromD<D> c) {
+  using T = hn::TFromD<D>;
+  const V t = hn::Add(hn::Mul(hn::Mul(w, w), hn::Set(d, c)), hn::Set(d, T(1)));
+  const V q = hn::Mul(a, hn::Mul(w, hn::Set(d, T(0.25))));
+  return hn::Add(a, hn::Mul(r, hn::Add(hn::Mul(hn::Add(b, q), t), q)));
+}
+
 // cosh x for x >= 2^-300 (single: 2^-36), which has the square of r without an underflow.
 template <Points kPoints, class D, class V, size_t K, size_t N, size_t M>
 HWY_INLINE void CoshOfMagnitude(D d, const V (&x)[K], V (&out)[K], const hn::TFromD<D> (&even)[N],

@@ -5,10 +5,6 @@
 
 namespace pex {
 
-// cosh x = 1 + p(x^2) x^2, |x| <= 4.3324999511241912841796875e-2; relative error 2^-41.3125.
-inline constexpr double dCoshEPPolynomial[] = {
-    0x1.ffffffdbca072p-2, 0x1.555cf1fd02145p-5};
-
 // cosh x = 1 + p(x^2) x^2, |x| <= 4.3324999511241912841796875e-2; relative error 2^-58.25.
 inline constexpr double dCoshLAPolynomial[] = {
     0x1.000000000010fp-1, 0x1.55555547f658ep-5, 0x1.6c1cc1a641986p-10};
