@@ -1,5 +1,6 @@
-// The inverse hyperbolic functions as logarithms: u + rest with asinh(a) = ln(u + rest), a >= 0,
-// and so on; in double precision for one tier each and for single precision.
+// The inverse hyperbolic functions. As logarithms: u + rest with asinh(a) = ln(u + rest), a >= 0,
+// and so on, in double precision for one tier each; atanh in EP and LA and the single asinh and
+// acosh in LA by a quotient and an odd polynomial instead.
 
 #include <type_traits>
 
@@ -160,7 +161,6 @@ HWY_INLINE void InverseEP(D d, const V (&a)[K], V (&r)[K]) {
     if constexpr (F::kHasLarge) v[k].e = hn::Add(v[k].e, shift[k]);
   }
   LogPlain<NaturalLog>(d, v, p, kLnEP, r);
-  for (size_t k = 0; k < K && F::kFactor != 1; ++k) r[k] = hn::Mul(r[k], hn::Set(d, F::kFactor));
 }
 
 template <class F, class D, class V, size_t K>
@@ -168,9 +168,6 @@ HWY_INLINE void InverseLA(D d, const V (&a)[K], V (&r)[K]) {
   LogArgument<V> argument[K];
   for (size_t k = 0; k < K; ++k) argument[k] = F::template Argument<false>(d, a[k]);
   LogOfSumLA<F::kHasLarge, F::kExactSum>(d, argument, r);
-  for (size_t k = 0; k < K && F::kFactor != 1; ++k) {
-    r[k] = hn::Mul(r[k], hn::Set(d, F::kFactor));
-  }
 }
 
 template <class F, class D, class V, size_t K>
