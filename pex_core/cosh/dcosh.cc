@@ -41,6 +41,7 @@ struct dCoshEP : dCoshCommon<> {
 };
 
 struct dCoshLA : dCoshCommon<> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 4 : 8;  // SSE4 would spill more
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K];
