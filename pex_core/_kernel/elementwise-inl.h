@@ -53,6 +53,14 @@ struct Kernel {
   static constexpr T kHarmless = T(1);  // stands in for rare lanes and for lanes beyond the end
 };
 
+// For long chains of operations with a division at their end: groups large enough to hide the ends,
+// and smaller ones (kRestUnroll, optional in a kernel) for what is left and for short calls.
+template <typename Element, typename Compute = Element>
+struct LargeGroups : Kernel<Element, Compute> {
+  static constexpr int kUnroll = 8;
+  static constexpr int kRestUnroll = HWY_TARGET == HWY_AVX3 ? 2 : 4;
+};
+
 // The first `count` elements, 0 < count < Lanes(d), and `fill` in the other lanes. Reads no
 // further.
 template <class D, typename T = hn::TFromD<D>>
@@ -156,6 +164,11 @@ inline constexpr bool HasWide = requires {
 template <class K, class D>
 inline constexpr bool HasOwnJoin = requires(D d, VecOf<D> x) {
   K::Rarity::Any(d, K::Rarity::Joined(d, K::Rarity::Key(d, x), x));
+};
+
+template <class K>
+inline constexpr bool HasRestUnroll = requires {
+  K::kRestUnroll;
 };
 
 // Whether a group of vectors has a rare lane.
@@ -347,14 +360,14 @@ HWY_NOINLINE void UncommonVector(const C& call, size_t i, size_t count) {
 }
 
 // A group that CommonGroup has not taken.
-template <class K, class C>
+template <class K, size_t kGroup, class C>
 HWY_NOINLINE void UncommonGroup(const C& call, size_t i) {
   const size_t lanes = hn::Lanes(typename K::Tag());
   size_t k = 0;
   if constexpr (HasWide<K>) {
-    constexpr int kVectors = K::Wide::kUnroll;
-    static_assert(K::kUnroll % kVectors == 0);
-    for (; k < K::kUnroll; k += kVectors) {
+    constexpr size_t kVectors = HWY_MIN(kGroup, K::Wide::kUnroll);
+    static_assert(kGroup % kVectors == 0);
+    for (; k < kGroup; k += kVectors) {
       if (CommonGroup<typename K::Wide, kVectors>(call, i + k * lanes)) [[likely]]
         continue;
       for (size_t m = k; m < k + kVectors; ++m) {
@@ -362,22 +375,29 @@ HWY_NOINLINE void UncommonGroup(const C& call, size_t i) {
       }
     }
   } else {
-    for (; k < K::kUnroll; ++k) CarefulVector<K>(call, i + k * lanes, lanes);
+    for (; k < kGroup; ++k) CarefulVector<K>(call, i + k * lanes, lanes);
   }
+}
+
+// All whole groups from the element i on; where they end.
+template <class K, int kGroup, class C>
+HWY_INLINE size_t RunGroups(const C& call, size_t i, size_t end) {
+  const size_t group = kGroup * hn::Lanes(typename K::Tag());
+  for (; i + group <= end; i += group) {
+    if (CommonGroup<K, kGroup>(call, i)) [[likely]]
+      continue;
+    UncommonGroup<K, kGroup>(call, i);
+  }
+  return i;
 }
 
 template <class K, class C>
 HWY_INLINE int RunCall(int32_t n, const C& call) {
   const typename K::Tag d;
   const size_t lanes = hn::Lanes(d);
-  const size_t group = K::kUnroll * lanes;
   const size_t end = n > 0 ? static_cast<size_t>(n) : 0;
-  size_t i = 0;
-  for (; i + group <= end; i += group) {
-    if (CommonGroup<K, K::kUnroll>(call, i)) [[likely]]
-      continue;
-    UncommonGroup<K>(call, i);
-  }
+  size_t i = RunGroups<K, K::kUnroll>(call, 0, end);
+  if constexpr (HasRestUnroll<K>) i = RunGroups<K, K::kRestUnroll>(call, i, end);
   for (; i < end; i += lanes) {
     const size_t count = HWY_MIN(lanes, end - i);
     if (!CommonVector<K>(call, i, count)) [[unlikely]]

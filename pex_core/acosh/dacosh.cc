@@ -32,6 +32,7 @@ struct dAcoshLA : dAcoshCommon {
 };
 
 struct dAcoshHA : dAcoshCommon {
+  static constexpr int kUnroll = 4;  // more vectors do not fit the registers
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     InverseHA<AcoshSum>(d, x, r);

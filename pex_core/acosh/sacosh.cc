@@ -18,18 +18,32 @@ struct sAcoshCommon : Kernel<float, Compute> {
   static HWY_INLINE int Rare(float x, float* r) { return AcoshRare(x, r); }
 };
 
-struct sAcoshEP : sAcoshCommon<> {
+template <bool kWide>
+struct sAcoshAnyEP : sAcoshCommon<> {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    return InverseSingleEP<AcoshSum>(d, x);
+    return InverseSingleEP<AcoshSum, kWide>(d, x);
   }
 };
 
-struct sAcoshLA : sAcoshCommon<> {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return InverseSingleLA<AcoshSum>(d, x);
+template <bool kWide>
+struct sAcoshAnyLA : sAcoshCommon<> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    InverseSingleLA<SingleAcosh, kWide>(d, x, r);
   }
+};
+
+using RareOrLarge = RareOutside<float, 0x3F800000, BitsOfNumber(kLargeArgument<float>)>;
+
+struct sAcoshEP : sAcoshAnyEP<false> {
+  using Rarity = RareOrLarge;
+  using Wide = sAcoshAnyEP<true>;
+};
+
+struct sAcoshLA : sAcoshAnyLA<false> {
+  using Rarity = RareOrLarge;
+  using Wide = sAcoshAnyLA<true>;
 };
 
 // In double precision. Correctly rounded for all floats.

@@ -41,6 +41,7 @@ struct dAsinhLA : dAsinhCommon {
 };
 
 struct dAsinhHA : dAsinhCommon {
+  static constexpr int kUnroll = 4;  // more vectors do not fit the registers
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], y[K];

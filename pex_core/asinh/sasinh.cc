@@ -21,20 +21,36 @@ struct sAsinhCommon : Kernel<float, Compute> {
 // A tiny x is its own result to the tier's accuracy.
 inline constexpr float kTiny = 0x1p-13f, kTinyEP = 0x1p-6f;
 
-struct sAsinhEP : sAsinhCommon<> {
+template <bool kWide>
+struct sAsinhAnyEP : sAsinhCommon<> {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const V y = InverseSingleEP<AsinhSum>(d, MagnitudeUnlessTiny(d, x, kTinyEP));
+    const V y = InverseSingleEP<AsinhSum, kWide>(d, MagnitudeUnlessTiny(d, x, kTinyEP));
     return SignedUnlessTiny(d, x, y, kTinyEP);
   }
 };
 
-struct sAsinhLA : sAsinhCommon<> {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    const V y = InverseSingleLA<AsinhSum>(d, MagnitudeUnlessTiny(d, x, kTiny));
-    return SignedUnlessTiny(d, x, y, kTiny);
+template <bool kWide>
+struct sAsinhAnyLA : sAsinhCommon<> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    V a[K], y[K];
+    for (size_t k = 0; k < K; ++k) a[k] = MagnitudeUnlessTiny(d, x[k], kTiny);
+    InverseSingleLA<SingleAsinh, kWide>(d, a, y);
+    for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kTiny);
   }
+};
+
+using RareOrLarge = RareAbove<float, BitsOfNumber(kLargeArgument<float>)>;
+
+struct sAsinhEP : sAsinhAnyEP<false> {
+  using Rarity = RareOrLarge;
+  using Wide = sAsinhAnyEP<true>;
+};
+
+struct sAsinhLA : sAsinhAnyLA<false> {
+  using Rarity = RareOrLarge;
+  using Wide = sAsinhAnyLA<true>;
 };
 
 // In double precision. Correctly rounded for all floats.

@@ -12,36 +12,38 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdAtanh";
 
-struct dAtanhCommon : Kernel<double> {
+template <class Groups = LargeGroups<double>>
+struct dAtanhCommon : Groups {
   using Rarity = RareAbove<double, 0x3FEFFFFF>;  // 1 and beyond, NaN
   static constexpr double kHarmless = 0;
   static HWY_INLINE int Rare(double x, double* r) { return AtanhRare(x, r); }
 };
 
-// A tiny x is its own result to the tier's accuracy.
-inline constexpr double kTiny = 0x1p-28, kTinyEP = 0x1p-16;
-
-struct dAtanhEP : dAtanhCommon {
+struct dAtanhEP : dAtanhCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], y[K];
-    for (size_t k = 0; k < K; ++k) a[k] = MagnitudeUnlessTiny(d, x[k], kTinyEP);
-    InverseEP<AtanhSum>(d, a, y);
-    for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kTinyEP);
+    for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
+    AtanhOfMagnitude(d, a, 0.1716, dAtanhEPPolynomial, y);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(y[k], x[k]);
   }
 };
 
-struct dAtanhLA : dAtanhCommon {
+struct dAtanhLA : dAtanhCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], y[K];
-    for (size_t k = 0; k < K; ++k) a[k] = MagnitudeUnlessTiny(d, x[k], kTiny);
-    InverseLA<AtanhSum>(d, a, y);
-    for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kTiny);
+    for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
+    AtanhOfMagnitude(d, a, 0.245, dAtanhLAPolynomial, y);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(y[k], x[k]);
   }
 };
 
-struct dAtanhHA : dAtanhCommon {
+// A tiny x is its own result.
+inline constexpr double kTiny = 0x1p-28;
+
+struct dAtanhHA : dAtanhCommon<Kernel<double>> {
+  static constexpr int kUnroll = 4;  // more vectors do not fit the registers
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], y[K];

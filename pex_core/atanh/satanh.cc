@@ -12,34 +12,38 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsAtanh";
 
-template <typename Compute = float>
-struct sAtanhCommon : Kernel<float, Compute> {
+template <class Groups = LargeGroups<float>>
+struct sAtanhCommon : Groups {
   using Rarity = RareAbove<float, 0x3F7FFFFF>;  // 1 and beyond, NaN
   static constexpr float kHarmless = 0;
   static HWY_INLINE int Rare(float x, float* r) { return AtanhRare(x, r); }
 };
 
-// A tiny x is its own result to the tier's accuracy.
-inline constexpr float kTiny = 0x1p-13f, kTinyEP = 0x1p-6f;
-
 struct sAtanhEP : sAtanhCommon<> {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    const V y = InverseSingleEP<AtanhSum>(d, MagnitudeUnlessTiny(d, x, kTinyEP));
-    return SignedUnlessTiny(d, x, y, kTinyEP);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    V a[K], y[K];
+    for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
+    AtanhOfMagnitude(d, a, 0.1716f, sAtanhEPPolynomial, y);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(y[k], x[k]);
   }
 };
 
 struct sAtanhLA : sAtanhCommon<> {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    const V y = InverseSingleLA<AtanhSum>(d, MagnitudeUnlessTiny(d, x, kTiny));
-    return SignedUnlessTiny(d, x, y, kTiny);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    V a[K], y[K];
+    for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
+    AtanhOfMagnitude(d, a, 0.245f, sAtanhLAPolynomial, y);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(y[k], x[k]);
   }
 };
 
+// A tiny x is its own result.
+inline constexpr float kTiny = 0x1p-13f;
+
 // In double precision. Correctly rounded for all floats.
-struct sAtanhHA : sAtanhCommon<double> {
+struct sAtanhHA : sAtanhCommon<Kernel<float, double>> {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const hn::Rebind<double, D> wide;

@@ -13,7 +13,8 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdCosh";
 
-struct dCoshCommon : Kernel<double> {
+template <class Groups = LargeGroups<double>>
+struct dCoshCommon : Groups {
   using Rarity = RareAbove<double, 0x4085FFFF>;  // |x| >= 704
   static HWY_INLINE int Rare(double x, double* r) { return dCoshScalar(x, r); }
 };
@@ -24,16 +25,23 @@ HWY_INLINE void Magnitudes(D d, const V (&x)[K], V (&m)[K]) {
   for (size_t k = 0; k < K; ++k) m[k] = AboveUnderflow(d, hn::Abs(x[k]));
 }
 
-struct dCoshEP : dCoshCommon {
+struct dCoshEP : dCoshCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K];
+    HyperbolicSplit<V> u[K];
     Magnitudes(d, x, m);
-    CoshOfMagnitude<Points::kRough>(d, m, out, dCoshEPPolynomial, dSinhEPPolynomial);
+    for (size_t k = 0; k < K; ++k) u[k] = Split<Points::kRough>(d, m[k]);
+    for (size_t k = 0; k < K; ++k) {
+      const auto& [grow, decay, r, rest] = u[k];
+      const V a = hn::Add(grow, decay), b = hn::Sub(grow, decay);
+      out[k] = HyperbolicShortSum(d, a, b, r, r, dSinhEPPolynomial[0]);
+    }
   }
 };
 
-struct dCoshLA : dCoshCommon {
+struct dCoshLA : dCoshCommon<> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 4 : 8;  // SSE4 would spill more
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K];
@@ -42,7 +50,8 @@ struct dCoshLA : dCoshCommon {
   }
 };
 
-struct dCoshHA : dCoshCommon {
+struct dCoshHA : dCoshCommon<Kernel<double>> {
+  static constexpr int kUnroll = 4;              // more vectors do not fit the registers
   using Rarity = RareAbove<double, 0x40857FFF>;  // |x| >= 688: halves of e^x would overflow
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {

@@ -13,7 +13,8 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdSinh";
 
-struct dSinhCommon : Kernel<double> {
+template <class Groups = LargeGroups<double>>
+struct dSinhCommon : Groups {
   using Rarity = RareAbove<double, 0x4085FFFF>;  // |x| >= 704
   static HWY_INLINE int Rare(double x, double* r) { return dSinhScalar(x, r); }
 };
@@ -23,17 +24,22 @@ HWY_INLINE void Magnitudes(const V (&x)[K], V (&m)[K]) {
   for (size_t k = 0; k < K; ++k) m[k] = hn::Abs(x[k]);
 }
 
-struct dSinhEP : dSinhCommon {
+struct dSinhEP : dSinhCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    V m[K], y[K];
-    Magnitudes(x, m);
-    SinhOfMagnitude<Points::kRoughFromZero>(d, m, y, dCoshEPPolynomial, dSinhEPPolynomial);
-    for (size_t k = 0; k < K; ++k) out[k] = hn::CopySignToAbs(y[k], x[k]);
+    HyperbolicSplit<V> u[K];
+    for (size_t k = 0; k < K; ++k) u[k] = Split<Points::kRoughFromZero>(d, hn::Abs(x[k]));
+    for (size_t k = 0; k < K; ++k) {
+      const auto& [grow, decay, r, rest] = u[k];
+      const V a = hn::Sub(grow, decay), b = hn::Add(grow, decay);
+      const V y = HyperbolicShortSum(d, a, b, r, AboveUnderflow(d, r), dSinhEPPolynomial[0]);
+      out[k] = hn::CopySignToAbs(y, x[k]);
+    }
   }
 };
 
-struct dSinhLA : dSinhCommon {
+struct dSinhLA : dSinhCommon<> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 4 : 8;  // SSE4 would spill more
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K], y[K];
@@ -44,7 +50,8 @@ struct dSinhLA : dSinhCommon {
 };
 
 // Tiny arguments are their own results; products with them would underflow.
-struct dSinhHA : dSinhCommon {
+struct dSinhHA : dSinhCommon<Kernel<double>> {
+  static constexpr int kUnroll = 4;              // more vectors do not fit the registers
   using Rarity = RareAbove<double, 0x40857FFF>;  // |x| >= 688: halves of e^x would overflow
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {

@@ -37,10 +37,14 @@ struct sSinhLA : sSinhCommon<> {
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    V m[K], y[K];
-    for (size_t k = 0; k < K; ++k) m[k] = hn::Abs(x[k]);
-    SinhOfMagnitude<Points::kLate>(d, m, y, sCoshLatePolynomial, sSinhLatePolynomial);
-    for (size_t k = 0; k < K; ++k) out[k] = hn::CopySignToAbs(y[k], x[k]);
+    HyperbolicSplit<V> u[K];
+    for (size_t k = 0; k < K; ++k) u[k] = Split<Points::kLate>(d, hn::Abs(x[k]));
+    for (size_t k = 0; k < K; ++k) {
+      const auto& [grow, decay, r, rest] = u[k];
+      const V a = hn::Sub(grow, decay), b = hn::Add(grow, decay);
+      const V y = HyperbolicShortSum(d, a, b, r, AboveUnderflow(d, r), sSinhLatePolynomial[0]);
+      out[k] = hn::CopySignToAbs(y, x[k]);
+    }
   }
 };
 

@@ -15,13 +15,14 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdTanh";
 
-struct dTanhCommon : Kernel<double> {
+template <class Groups = LargeGroups<double>>
+struct dTanhCommon : Groups {
   using Rarity = RareAbove<double, 0x7FEFFFFF>;  // infinities and NaN
   static HWY_INLINE int Rare(double x, double* r) { return TanhRare(x, r); }
 };
 
 // Points and h in one part: the offsets of the points are below 2^-34.
-struct dTanhEP : dTanhCommon {
+struct dTanhEP : dTanhCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V half_power[K], h[K];
@@ -42,18 +43,18 @@ struct dTanhEP : dTanhCommon {
   }
 };
 
-struct dTanhLA : dTanhCommon {
+struct dTanhLA : dTanhCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K], y[K];
     for (size_t k = 0; k < K; ++k) m[k] = TanhMagnitude(d, x[k]);
-    TanhOfMagnitude(d, m, y);
+    TanhOfMagnitudeLA(d, m, y);
     for (size_t k = 0; k < K; ++k) out[k] = TanhResult(y[k], x[k]);
   }
 };
 
 // Both sides of the quotient as pairs.
-struct dTanhHA : dTanhCommon {
+struct dTanhHA : dTanhCommon<Kernel<double>> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     TanhSplit<V> u[K];

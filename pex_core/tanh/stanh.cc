@@ -15,25 +15,30 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsTanh";
 
-template <typename Compute = float>
-struct sTanhCommon : Kernel<float, Compute> {
+template <class Groups = LargeGroups<float>>
+struct sTanhCommon : Groups {
   using Rarity = RareAbove<float, 0x7F7FFFFF>;  // infinities and NaN
   static HWY_INLINE int Rare(float x, float* r) { return TanhRare(x, r); }
 };
 
-// x = n ln2/2 + h, |h| <= ln2/4. ln2/2 is a float of 21 bits to 2^-29 of itself, so h is exact as
-// long as its error could tell. Beyond 10 the result is that of 10, which is 1.
+// Where n = 1 begins: beyond the middle of the steps, so that the number of the step is found
+// without an underflow; for LA later still, for the first results have the largest errors.
+inline constexpr float kFirstEP = 0.19f, kFirst = 0.28f;
+
+// |x| = n ln2/2 + h with n = 0 up to `first`. ln2/2 is a float of 21 bits to 2^-29 of itself, so h
+// is exact as long as its error could tell. Arguments from 10 on give 1, as 10 does.
 template <class V>
 struct Halves {
-  V power;  // 2^n
+  V half_power;  // 2^n/2
   V h;
 };
 
 template <class D, class V>
-HWY_INLINE Halves<V> ToHalves(D d, V x) {
-  const V m = hn::Min(hn::Max(x, hn::Set(d, -10.0f)), hn::Set(d, 10.0f));
-  const auto [n, nd] = ToNearestStep(d, AboveUnderflow(d, m), 0x1.715476p+1f);
-  return {FromBits(d, hn::Add(hn::ShiftLeft<23>(n), SetBits(d, 0x3F800000))),
+HWY_INLINE Halves<V> ToHalves(D d, V x, float first) {
+  const V m = hn::Min(hn::Abs(x), hn::Set(d, 10.0f));
+  const V turn = hn::Sub(m, hn::Set(d, first - 0x1.62e43p-3f));
+  const auto [n, nd] = ToNearestStep(d, turn, 0x1.715476p+1f);
+  return {FromBits(d, hn::Add(hn::ShiftLeft<23>(n), SetBits(d, 0x3F000000))),
           hn::Sub(m, hn::Mul(nd, hn::Set(d, 0x1.62e43p-2f)))};
 }
 
@@ -44,50 +49,42 @@ HWY_INLINE V TanhOfHalf(D d, V h, const float (&odd)[N]) {
   return hn::Mul(h, hn::Add(hn::Mul(h2, Horner(d, h2, odd)), hn::Set(d, 1.0f)));
 }
 
-// With P = 2^n and t = tanh h: ((P + 1) t - (1 - P))/((P + 1) - (1 - P) t), whose terms keep the
-// sign of zero. Odd in every bit, as P and 1/P differ by scale.
+// With P = 2^n and t = tanh h the result is (g + t)/(g + 1), g = (P - 1)/2 (1 + t).
 struct sTanhEP : sTanhCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     Halves<V> u[K];
-    const V one = hn::Set(d, 1.0f);
-    for (size_t k = 0; k < K; ++k) u[k] = ToHalves(d, x[k]);
+    for (size_t k = 0; k < K; ++k) u[k] = ToHalves(d, x[k], kFirstEP);
     for (size_t k = 0; k < K; ++k) {
       const V t = TanhOfHalf(d, u[k].h, sTanhEPPolynomial);
-      const V a = hn::Sub(one, u[k].power), b = hn::Add(one, u[k].power);
-      out[k] = hn::Div(hn::Sub(hn::Mul(b, t), a), hn::Sub(b, hn::Mul(a, t)));
+      const V a = hn::Sub(u[k].half_power, hn::Set(d, 0.5f));
+      const V g = hn::Add(a, hn::Mul(a, t));
+      const V y = hn::Div(hn::Add(g, t), hn::Add(g, hn::Set(d, 1.0f)));
+      out[k] = hn::CopySignToAbs(y, x[k]);
     }
   }
 };
 
-// What is rounded away from both sides of the quotient comes back at the end, divided by roughly
-// the divisor.
+// g is the rounded divisor less 1, so that the rounding of the divisor, in both sides of the
+// quotient, weighs little where the result is close to 1.
 struct sTanhLA : sTanhCommon<> {
-  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     Halves<V> u[K];
-    const V one = hn::Set(d, 1.0f);
-    for (size_t k = 0; k < K; ++k) u[k] = ToHalves(d, x[k]);
+    for (size_t k = 0; k < K; ++k) u[k] = ToHalves(d, x[k], kFirst);
     for (size_t k = 0; k < K; ++k) {
+      const V half = hn::Set(d, 0.5f);
       const V t = TanhOfHalf(d, u[k].h, sTanhLAPolynomial);
-      const V a = hn::Sub(one, u[k].power), b = hn::Add(one, u[k].power);
-      const Pair<V> bt = TwoProduct(d, b, t);
-      const V at = hn::Mul(a, t);
-      const V above = hn::Sub(bt.hi, a), below = hn::Sub(b, at);
-      const V above_rest = hn::Add(hn::Sub(bt.hi, hn::Add(above, a)), bt.lo);
-      const V below_rest = hn::Sub(hn::Sub(b, below), at);
-      const V q = hn::Div(above, below);
-      // 1/below to an eighth of itself.
-      const V inverse = FromBits(d, hn::Sub(SetBits(d, 0x7EF00000), Bits(d, below)));
-      const V rest = hn::Sub(above_rest, hn::Mul(q, below_rest));
-      out[k] = hn::Sub(q, hn::Mul(hn::Sub(hn::Zero(d), rest), inverse));
+      const V a = hn::Sub(u[k].half_power, half), b = hn::Add(u[k].half_power, half);
+      const V below = hn::Add(b, hn::Mul(a, t));
+      const V above = hn::Add(hn::Sub(below, hn::Set(d, 1.0f)), t);
+      out[k] = hn::CopySignToAbs(hn::Div(above, below), x[k]);
     }
   }
 };
 
 // In double precision, where nothing underflows. Correctly rounded for all floats.
-struct sTanhHA : sTanhCommon<double> {
+struct sTanhHA : sTanhCommon<Kernel<float, double>> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     const hn::Rebind<double, D> dd;

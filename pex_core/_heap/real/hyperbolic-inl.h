@@ -89,6 +89,17 @@ HWY_INLINE V SquareNearZero(D d, V r) {
   return hn::Mul(w, w);
 }
 
+// |x|, 0 for tiny x, and the result of F for those other arguments with the sign of x put back; a
+// tiny x is its own result.
+template <class D, class V>
+HWY_INLINE V MagnitudeUnlessTiny(D d, V x, hn::TFromD<D> tiny) {
+  return hn::IfThenZeroElse(MagnitudeBelow(d, x, tiny), hn::Abs(x));
+}
+template <class D, class V>
+HWY_INLINE V SignedUnlessTiny(D d, V x, V magnitude, hn::TFromD<D> tiny) {
+  return hn::IfThenElse(MagnitudeBelow(d, x, tiny), x, hn::CopySignToAbs(magnitude, x));
+}
+
 // k = round(x steps), in the low bits of a lane and as a number.
 template <class D>
 struct NearestStep {
@@ -130,7 +141,7 @@ struct EighthSteps<float> {
   using Lookup = SingleEighthLookup<D>;
   static constexpr float kPerUnit = 0x1.715476p+3f;
   static constexpr float kHi = 0x1.62ep-4f, kLo = 0x1.0bfbe8p-18f;
-  static constexpr float kDelay = 0x1.0a2bp-6f;
+  static constexpr float kDelay = 0x1.3ap-6f;  // the first step ends next to 1/16
   static constexpr int kToExponent = 20;
   static constexpr auto& kOffset = sHyperbolicOffset;
   static constexpr auto& kGrow = sHyperbolicGrow;
@@ -190,6 +201,16 @@ HWY_INLINE V HyperbolicSum(D d, V a, V b, V r, V r2, const hn::TFromD<D> (&even)
   const V c = hn::Mul(r2, Horner(d, r2, even));
   const V s = hn::Mul(r, hn::Add(hn::Mul(r2, Horner(d, r2, odd)), one));
   return hn::Add(a, hn::Add(hn::Mul(a, c), hn::Mul(b, s)));
+}
+
+// The same with sinh r = r t, t = 1 + c r^2, and, as near, cosh r = 1 + r^2 (1 + t)/4. w is r as
+// far as it matters beside 1, without an underflow.
+template <class D, class V>
+HWY_INLINE V HyperbolicShortSum(D d, V a, V b, V r, V w, hn::TFromD<D> c) {
+  using T = hn::TFromD<D>;
+  const V t = hn::Add(hn::Mul(hn::Mul(w, w), hn::Set(d, c)), hn::Set(d, T(1)));
+  const V q = hn::Mul(a, hn::Mul(w, hn::Set(d, T(0.25))));
+  return hn::Add(a, hn::Mul(r, hn::Add(hn::Mul(hn::Add(b, q), t), q)));
 }
 
 // cosh x for x >= 2^-300 (single: 2^-36), which has the square of r without an underflow.
@@ -296,8 +317,29 @@ HWY_INLINE TanhSplit<V> SplitForTanh(D d, V m) {
   return u;
 }
 
-// tanh m for m of TanhMagnitude. What is rounded away from both sides of the quotient comes back
-// at the end, divided by roughly the divisor.
+// tanh m for m of TanhMagnitude, within 2 ulp. The divisor is a + 1 + a t with a = (P - 1)/2 as it
+// is rounded; what the divisor's roundings lose goes into the other side in due proportion, which
+// is about m up to 1, and 1 beyond.
+template <class D, class V, size_t K>
+HWY_INLINE void TanhOfMagnitudeLA(D d, const V (&m)[K], V (&out)[K]) {
+  TanhSplit<V> u[K];
+  for (size_t k = 0; k < K; ++k) u[k] = SplitForTanh(d, m[k]);
+  for (size_t k = 0; k < K; ++k) {
+    const auto& [half_power, h, h_rest] = u[k];
+    const V one = hn::Set(d, 1.0);
+    const V h2 = hn::Mul(h, h);
+    const V cubic = hn::Mul(h, hn::Mul(h2, Horner(d, h2, dTanhPolynomial)));
+    const V a = hn::Sub(half_power, hn::Set(d, 0.5));
+    const V at = hn::Mul(a, hn::Add(h, cubic));
+    const V below = hn::Add(hn::Add(a, one), at);
+    const V rest = hn::Add(hn::Sub(a, hn::Sub(below, one)), at);
+    const V low = hn::Add(cubic, hn::Sub(at, hn::Mul(rest, hn::Min(m[k], one))));
+    out[k] = hn::Div(hn::Add(a, hn::Add(h, low)), below);
+  }
+}
+
+// The same closer. What is rounded away from both sides of the quotient comes back at the end,
+// divided by roughly the divisor.
 template <class D, class V, size_t K>
 HWY_INLINE void TanhOfMagnitude(D d, const V (&m)[K], V (&out)[K]) {
   TanhSplit<V> u[K];

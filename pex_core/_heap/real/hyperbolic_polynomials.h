@@ -5,10 +5,6 @@
 
 namespace pex {
 
-// cosh x = 1 + p(x^2) x^2, |x| <= 4.3324999511241912841796875e-2; relative error 2^-41.3125.
-inline constexpr double dCoshEPPolynomial[] = {
-    0x1.ffffffdbca072p-2, 0x1.555cf1fd02145p-5};
-
 // cosh x = 1 + p(x^2) x^2, |x| <= 4.3324999511241912841796875e-2; relative error 2^-58.25.
 inline constexpr double dCoshLAPolynomial[] = {
     0x1.000000000010fp-1, 0x1.55555547f658ep-5, 0x1.6c1cc1a641986p-10};
@@ -49,21 +45,39 @@ inline constexpr float sCoshPolynomial[] = {
 inline constexpr float sSinhPolynomial[] = {
     0x1.555c5p-3f};
 
-// cosh x = 1 + p(x^2) x^2, |x| <= 6.0199998319149017333984375e-2; relative error 2^-37.
-inline constexpr float sCoshLatePolynomial[] = {
-    0x1p-1f, 0x1.555ed8p-5f};
-
-// sinh x = x + p(x^2) x^3, |x| <= 6.0199998319149017333984375e-2; relative error 2^-25.65625.
+// sinh x = x + p(x^2) x^3, |x| <= 6.2799997627735137939453125e-2; relative error 2^-25.40625.
 inline constexpr float sSinhLatePolynomial[] = {
-    0x1.556274p-3f};
+    0x1.55639cp-3f};
 
-// tanh x = x + p(x^2) x^3, |x| <= 0.17339999973773956298828125; relative error 2^-15.5625.
+// tanh x = x + p(x^2) x^3, |x| <= 0.19009999930858612060546875; relative error 2^-15.046875.
 inline constexpr float sTanhEPPolynomial[] = {
-    -0x1.51f78ep-2f};
+    -0x1.514bbp-2f};
 
-// tanh x = x + p(x^2) x^3, |x| <= 0.17339999973773956298828125; relative error 2^-32.4375.
+// tanh x = x + p(x^2) x^3, |x| <= 0.28009998798370361328125; relative error 2^-27.03125.
 inline constexpr float sTanhLAPolynomial[] = {
-    -0x1.55554ep-2f, 0x1.1105a2p-3f, -0x1.afe178p-5f};
+    -0x1.5554dcp-2f, 0x1.10c704p-3f, -0x1.a04316p-5f};
+
+// atanh x = x + p(x^2) x^3, |x| <= 0.203999996185302734375; relative error 2^-28.15625.
+inline constexpr double dAtanhEPPolynomial[] = {
+    0x1.5555bf4e1e101p-2, 0x1.9921dd918ef48p-3, 0x1.37a7035afa8a9p-3};
+
+// atanh x = x + p(x^2) x^3, |x| <= 0.2669999897480010986328125; relative error 2^-54.9375.
+inline constexpr double dAtanhLAPolynomial[] = {
+    0x1.555555555527fp-2, 0x1.9999999a39ffp-3, 0x1.249248c3d884p-3, 0x1.c71caa157b344p-4,
+    0x1.74540d9bfd058p-4, 0x1.3beae56e67a9p-4, 0x1.05959ccb93f25p-4, 0x1.42ea05dad5749p-4};
+
+// atanh x = x + p(x^2) x^3, |x| <= 0.203999996185302734375; relative error 2^-13.984375.
+inline constexpr float sAtanhEPPolynomial[] = {
+    0x1.5c954p-2f};
+
+// atanh x = x + p(x^2) x^3, |x| <= 0.2669999897480010986328125; relative error 2^-31.
+inline constexpr float sAtanhLAPolynomial[] = {
+    0x1.555548p-2f, 0x1.99a774p-3f, 0x1.2255b4p-3f, 0x1.077f14p-3f};
+
+// asinh x = x + p(x^2) x^3, |x| <= 0.521200001239776611328125; relative error 2^-28.90625.
+inline constexpr float sAsinhPolynomial[] = {
+    -0x1.555528p-3f, 0x1.33203cp-4f, -0x1.6b199p-5f, 0x1.c8699cp-6f,
+    -0x1.9fe50ap-7f};
 
 }  // namespace pex
 

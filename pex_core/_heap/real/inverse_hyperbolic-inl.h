@@ -1,10 +1,14 @@
-// The inverse hyperbolic functions as logarithms: u + rest with asinh(a) = ln(u + rest), a >= 0,
-// and so on; in double precision for one tier each and for single precision.
+// The inverse hyperbolic functions. As logarithms: u + rest with asinh(a) = ln(u + rest), a >= 0,
+// and so on, in double precision for one tier each; atanh in EP and LA and the single asinh and
+// acosh in LA by a quotient and an odd polynomial instead.
 
 #include <type_traits>
 
 #include "hwy/highway.h"
+#include "pex_core/_heap/real/hyperbolic-inl.h"
 #include "pex_core/_heap/real/log_of_sum-inl.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/polynomial-inl.h"
 
 #if defined(PEX_CORE__HEAP_REAL_INVERSE_HYPERBOLIC_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef PEX_CORE__HEAP_REAL_INVERSE_HYPERBOLIC_INL_H_
@@ -17,9 +21,10 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// From here on asinh(a) and acosh(a) are ln(2a) to 2^-62 of themselves.
+// From here on asinh(a) and acosh(a) are ln(2a) to 2^-62 of themselves, and squares may overflow.
+// In single precision only kernels of the wide kind have such arguments.
 template <typename T>
-inline constexpr T kLargeArgument = sizeof(T) == 8 ? T(0x1p28) : T(0x1p13);
+inline constexpr T kLargeArgument = sizeof(T) == 8 ? T(0x1p28) : T(0x1p60);
 
 // ln(2a) where a is large, as ln(a/4) + 3 ln(2): a/4 leaves room for the reduction's exponents. The
 // rest must be 0 there.
@@ -37,13 +42,16 @@ struct AsinhSum {
   static constexpr bool kHasLarge = true;
   static constexpr bool kExactSum = false;
   template <class D, class V>
+  static HWY_INLINE LogArgument<V> NotLarge(D d, V a) {
+    const V one = hn::Set(d, static_cast<hn::TFromD<D>>(1));
+    const V root = hn::Sqrt(hn::Add(hn::Mul(a, a), one));
+    return {hn::Add(a, root), hn::Zero(d), hn::Zero(d)};
+  }
+  template <class D, class V>
   static HWY_INLINE LogArgument<V> Plain(D d, V a) {
-    using T = hn::TFromD<D>;
-    const V one = hn::Set(d, T(1));
-    const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<T>));
-    const V y = hn::IfThenZeroElse(large, a);
-    const V root = hn::Sqrt(hn::Add(hn::Mul(y, y), one));
-    return OrLarge(d, large, a, hn::Add(y, root), hn::Zero(d));
+    const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<hn::TFromD<D>>));
+    const LogArgument<V> r = NotLarge(d, hn::IfThenZeroElse(large, a));
+    return OrLarge(d, large, a, r.u, r.rest);
   }
   template <bool kFull, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
@@ -75,14 +83,18 @@ struct AcoshSum {
   static constexpr bool kHasLarge = true;
   static constexpr bool kExactSum = true;
   template <class D, class V>
+  static HWY_INLINE LogArgument<V> NotLarge(D d, V a) {
+    const V one = hn::Set(d, static_cast<hn::TFromD<D>>(1));
+    const V less = hn::Sub(a, one);
+    const V root = hn::Sqrt(hn::Mul(less, hn::Add(a, one)));
+    return {hn::Add(a, root), hn::Add(less, root), hn::Zero(d)};
+  }
+  template <class D, class V>
   static HWY_INLINE LogArgument<V> Plain(D d, V a) {
     using T = hn::TFromD<D>;
-    const V one = hn::Set(d, T(1));
     const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<T>));
-    const V y = hn::IfThenElse(large, one, a);
-    const V less = hn::Sub(y, one);
-    const V root = hn::Sqrt(hn::Mul(less, hn::Add(y, one)));
-    return OrLarge(d, large, a, hn::Add(y, root), hn::Add(less, root));
+    const LogArgument<V> r = NotLarge(d, hn::IfThenElse(large, hn::Set(d, T(1)), a));
+    return OrLarge(d, large, a, r.u, r.rest);
   }
   template <bool kFull, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
@@ -96,17 +108,11 @@ struct AcoshSum {
     const V root = hn::Sqrt(w.hi);
     const Pair<V> u = FastTwoSum(y, root);
     V rest = u.lo;
-    if constexpr (kFull || sizeof(T) == 4) {
+    if constexpr (kFull) {
       const V residual = hn::Add(Remainder(d, w.hi, root, root), w.lo);
-      if constexpr (kFull) {
-        // The root of 0 has no residual; the small number keeps the quotient from being 0/0.
-        rest =
-            hn::Add(rest, hn::Div(residual, hn::Add(hn::Add(root, root), hn::Set(d, T(0x1p-100)))));
-      } else {
-        // 1/(2 root) to within an eighth, by the bits.
-        const V half_inverse = FromBits(d, hn::Sub(SetBits(d, 0x7E7311C3), Bits(d, root)));
-        rest = hn::Add(rest, hn::Mul(residual, half_inverse));
-      }
+      // The root of 0 has no residual; the small number keeps the quotient from being 0/0.
+      rest =
+          hn::Add(rest, hn::Div(residual, hn::Add(hn::Add(root, root), hn::Set(d, T(0x1p-100)))));
     }
     return OrLarge(d, large, a, u.hi, rest);
   }
@@ -117,11 +123,6 @@ struct AtanhSum {
   static constexpr double kFactor = 0.5;
   static constexpr bool kHasLarge = false;
   static constexpr bool kExactSum = false;
-  template <class D, class V>
-  static HWY_INLINE LogArgument<V> Plain(D d, V a) {
-    const V one = hn::Set(d, static_cast<hn::TFromD<D>>(1));
-    return {hn::Div(hn::Add(one, a), hn::Sub(one, a)), hn::Zero(d), hn::Zero(d)};
-  }
   template <bool kFull, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
     using T = hn::TFromD<D>;
@@ -144,17 +145,6 @@ struct AtanhSum {
   }
 };
 
-// |x|, 0 for tiny x, and the result of F for those other arguments with the sign of x put back; a
-// tiny x is its own result.
-template <class D, class V>
-HWY_INLINE V MagnitudeUnlessTiny(D d, V x, hn::TFromD<D> tiny) {
-  return hn::IfThenZeroElse(MagnitudeBelow(d, x, tiny), hn::Abs(x));
-}
-template <class D, class V>
-HWY_INLINE V SignedUnlessTiny(D d, V x, V magnitude, hn::TFromD<D> tiny) {
-  return hn::IfThenElse(MagnitudeBelow(d, x, tiny), x, hn::CopySignToAbs(magnitude, x));
-}
-
 // The tiers in double precision. EP's sums of positive numbers need no rest.
 template <class F, class D, class V, size_t K>
 HWY_INLINE void InverseEP(D d, const V (&a)[K], V (&r)[K]) {
@@ -171,7 +161,6 @@ HWY_INLINE void InverseEP(D d, const V (&a)[K], V (&r)[K]) {
     if constexpr (F::kHasLarge) v[k].e = hn::Add(v[k].e, shift[k]);
   }
   LogPlain<NaturalLog>(d, v, p, kLnEP, r);
-  for (size_t k = 0; k < K && F::kFactor != 1; ++k) r[k] = hn::Mul(r[k], hn::Set(d, F::kFactor));
 }
 
 template <class F, class D, class V, size_t K>
@@ -179,9 +168,6 @@ HWY_INLINE void InverseLA(D d, const V (&a)[K], V (&r)[K]) {
   LogArgument<V> argument[K];
   for (size_t k = 0; k < K; ++k) argument[k] = F::template Argument<false>(d, a[k]);
   LogOfSumLA<F::kHasLarge, F::kExactSum>(d, argument, r);
-  for (size_t k = 0; k < K && F::kFactor != 1; ++k) {
-    r[k] = hn::Mul(r[k], hn::Set(d, F::kFactor));
-  }
 }
 
 template <class F, class D, class V, size_t K>
@@ -195,33 +181,163 @@ HWY_INLINE void InverseHA(D d, const V (&a)[K], V (&r)[K]) {
   }
 }
 
-// The same in single precision.
-template <class F, class D, class V>
+// The same in single precision. kWide takes large arguments too.
+template <class F, bool kWide, class D, class V>
 HWY_INLINE V InverseSingleEP(D d, V a) {
-  const LogArgument<V> x = F::Plain(d, a);
+  const LogArgument<V> x = kWide ? F::Plain(d, a) : F::NotLarge(d, a);
   const auto u = sLogReduce(d, x.u);
   V t = hn::Sub(u.m, hn::Set(d, 1.0f));
   if constexpr (std::is_same_v<F, AcoshSum>) {
     t = hn::IfThenElse(hn::RebindMask(d, hn::Eq(u.exponent_bits, SetBits(d, 0))), x.rest, t);
   }
   V scaled = u.scaled;
-  if constexpr (F::kHasLarge) scaled = hn::Add(scaled, hn::Mul(x.shift, hn::Set(d, 0x1p23f)));
-  const V r = sLogEPSum<sNaturalLog>(d, scaled, t);
-  return F::kFactor == 1 ? r : hn::Mul(r, hn::Set(d, static_cast<float>(F::kFactor)));
+  if constexpr (kWide) scaled = hn::Add(scaled, hn::Mul(x.shift, hn::Set(d, 0x1p23f)));
+  return sLogEPSum<sNaturalLog>(d, scaled, t);
 }
 
-template <class F, class D, class V>
-HWY_INLINE V InverseSingleLA(D d, V a) {
-  const LogArgument<V> x = F::template Argument<false>(d, a);
-  auto u = sLogReduce(d, x.u);
-  const auto point = sLogNextPoint(d, u.m);
-  const V scale = FromBits(d, hn::Sub(Bits(d, hn::Set(d, 1.0f)), u.exponent_bits));  // 2^-e
-  const Pair<V> t = FastTwoSum(hn::Sub(u.m, point.a), hn::Mul(scale, x.rest));
-  if constexpr (F::kHasLarge) {
-    u.scaled = hn::Add(u.scaled, hn::Mul(x.shift, hn::Set(d, 0x1p23f)));
+// asinh a and acosh a as asinh(y), close to their zeros for y = a or the root, and from 1/2 on as
+//   ln u = e ln(2) + asinh(y), u = 2^e m, y = (m - 1/m)/2.
+// What the sum u loses comes back in y, to within a third of it. asinh(y) = y + y^3 c(y^2). kWide
+// takes large arguments too, where u = 2a: as a/2, and two more in e.
+struct SingleAsinh {
+  static constexpr float kZero = 0;
+  static constexpr float kFirst = 0x1.0acd00p-1f;  // sinh(1/2)
+  template <class D, class V>
+  static HWY_INLINE V Root(D d, V a) {
+    return hn::Sqrt(hn::Add(hn::Mul(a, a), hn::Set(d, 1.0f)));
   }
-  const V r = sLogLASum<sNaturalLog>(d, u.scaled, t.hi, t.lo, point.row);
-  return F::kFactor == 1 ? r : hn::Mul(r, hn::Set(d, static_cast<float>(F::kFactor)));
+  template <class V>
+  static HWY_INLINE Pair<V> Sum(V a, V root) {
+    return FastTwoSum(root, a);
+  }
+  template <class V>
+  static HWY_INLINE V NearZero(V a, V) {
+    return a;
+  }
+};
+
+struct SingleAcosh {
+  static constexpr float kZero = 1;
+  static constexpr float kFirst = 0x1.20ac18p+0f;  // cosh(1/2)
+  template <class D, class V>
+  static HWY_INLINE V Root(D d, V a) {
+    const V less = hn::Sub(a, hn::Set(d, 1.0f));
+    return hn::Sqrt(hn::Add(hn::Mul(less, less), hn::Add(less, less)));
+  }
+  template <class V>
+  static HWY_INLINE Pair<V> Sum(V a, V root) {
+    return FastTwoSum(a, root);
+  }
+  template <class V>
+  static HWY_INLINE V NearZero(V, V root) {
+    return root;
+  }
+};
+
+template <class F, bool kWide, class D, class V, size_t K>
+HWY_INLINE void InverseSingleLA(D d, const V (&a)[K], V (&r)[K]) {
+  V y[K], y2[K], p[K], scaled[K];
+  for (size_t k = 0; k < K; ++k) {
+    const V one = hn::Set(d, 1.0f);
+    const auto far = hn::RebindMask(d, hn::Gt(Bits(d, a[k]), SetBits(d, BitsOfNumber(F::kFirst))));
+    V x = a[k];
+    MaskOf<D> large;
+    if constexpr (kWide) {
+      large =
+          hn::RebindMask(d, hn::Gt(Bits(d, x), SetBits(d, BitsOfNumber(kLargeArgument<float>))));
+      x = hn::IfThenElse(large, hn::Set(d, F::kZero), x);
+    }
+    const V root = F::Root(d, x);
+    const Pair<V> sum = F::Sum(x, root);
+    V u = hn::IfThenElse(far, sum.hi, one);
+    if constexpr (kWide) u = hn::IfThenElse(large, hn::Mul(a[k], hn::Set(d, 0.5f)), u);
+    const auto reduced = sLogReduce(d, u);
+    const V scale = FromBits(d, hn::Sub(Bits(d, one), reduced.exponent_bits));  // 2^-e
+    const V twice = hn::Sub(reduced.m, hn::Div(one, reduced.m));
+    const V sinh = hn::Add(hn::Mul(twice, hn::Set(d, 0.5f)), hn::Mul(scale, sum.lo));
+    y[k] = hn::IfThenElse(far, sinh, F::NearZero(x, root));
+    scaled[k] = reduced.scaled;
+    if constexpr (kWide) {
+      scaled[k] = hn::Add(scaled[k], hn::IfThenElseZero(large, hn::Set(d, 0x1p24f)));
+    }
+  }
+  for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(y[k], y[k]);
+  Horner(d, y2, sAsinhPolynomial, p);
+  for (size_t k = 0; k < K; ++k) {
+    const V rest = hn::Mul(y[k], hn::Mul(y2[k], p[k]));
+    const V head = hn::Mul(scaled[k], hn::Set(d, 0x1.62e430p-24f));
+    r[k] = hn::Add(head, hn::Add(y[k], rest));
+  }
+}
+
+// floor(log2) of positive normal numbers, given by their bits.
+template <class D>
+HWY_INLINE VecOf<D> ExponentOf(D d, BitsOf<D> bits) {
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(hn::TFromD<D>) == 8) {
+    return VecOf<D>{_mm512_getexp_pd(FromBits(d, bits).raw)};
+  } else {
+    return VecOf<D>{_mm512_getexp_ps(FromBits(d, bits).raw)};
+  }
+#else
+  const hn::RebindToUnsigned<D> du;
+  constexpr bool kDouble = sizeof(hn::TFromD<D>) == 8;
+  constexpr int kFraction = kDouble ? 52 : 23;
+  const auto field = hn::ShiftRight<kFraction>(hn::BitCast(du, bits));
+  // The field at the end of a number's significand.
+  const auto number =
+      hn::Or(field, hn::BitCast(du, SetBits(d, kDouble ? 0x4330000000000000 : 0x4B000000)));
+  return hn::Sub(hn::BitCast(d, number), hn::Set(d, kDouble ? 0x1p52 + 1023 : 0x1p23f + 127));
+#endif
+}
+
+// atanh(a) = e ln(2)/2 + atanh(s), 0 <= a < 1: 2^e stands next to (1 + a)/(1 - a), and with
+// q = (2^e - 1) (1 - a)/2
+//   s = (a - q)/(1 + q).
+// For e = 0 that is s = a exactly, so small arguments are no case of their own. e = 1 begins at
+// `first`: the later, the less the roundings of s weigh in the sum, and the larger s becomes.
+template <class D>
+struct AtanhReduced {
+  VecOf<D> s, e;
+};
+
+template <class D, class V>
+HWY_INLINE AtanhReduced<D> AtanhReduce(D d, V a, hn::TFromD<D> first) {
+  using T = hn::TFromD<D>;
+  constexpr auto kUnit = BitsOfNumber(T(2)) - BitsOfNumber(T(1));
+  const auto mask = SetBits(d, static_cast<uint64_t>(-kUnit));
+  const V one = hn::Set(d, T(1));
+  const V u = hn::Add(one, a), v = hn::Sub(one, a);
+  // The difference of the bits is the logarithm of the quotient in units of kUnit, roughly.
+  const auto start = BitsOfNumber(T(2)) - (BitsOfNumber(1 + first) - BitsOfNumber(1 - first));
+  const auto above = hn::Add(hn::Sub(Bits(d, u), Bits(d, v)), SetBits(d, start));
+  const auto power = hn::And(above, mask);  // the bits of 2^e
+  const V half_power = FromBits(d, hn::Sub(power, SetBits(d, kUnit)));
+  const V q = hn::Mul(hn::Sub(half_power, hn::Set(d, T(0.5))), v);
+  return {hn::Div(hn::Sub(a, q), hn::Add(one, q)), ExponentOf(d, above)};
+}
+
+// The sum, atanh(s) = s + s^3 c(s^2). The square of tiny numbers, which would underflow, counts as
+// 0.
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void AtanhOfMagnitude(D d, const V (&a)[K], hn::TFromD<D> first,
+                                 const hn::TFromD<D> (&c)[N], V (&r)[K]) {
+  using T = hn::TFromD<D>;
+  AtanhReduced<D> u[K];
+  V s2[K], p[K];
+  for (size_t k = 0; k < K; ++k) u[k] = AtanhReduce(d, a[k], first);
+  for (size_t k = 0; k < K; ++k) {
+    const auto tiny = BitsOfNumber(sizeof(T) == 8 ? T(0x1p-28) : T(0x1p-13));
+    const auto counts = hn::RebindMask(d, hn::Gt(Bits(d, a[k]), SetBits(d, tiny)));
+    const V w = hn::IfThenElseZero(counts, u[k].s);
+    s2[k] = hn::Mul(w, w);
+  }
+  Horner(d, s2, c, p);
+  for (size_t k = 0; k < K; ++k) {
+    const V rest = hn::Mul(u[k].s, hn::Mul(s2[k], p[k]));
+    const V head = hn::Mul(u[k].e, hn::Set(d, T(0x1.62e42fefa39efp-2)));
+    r[k] = hn::Add(head, hn::Add(u[k].s, rest));
+  }
 }
 
 }  // namespace pex::HWY_NAMESPACE
