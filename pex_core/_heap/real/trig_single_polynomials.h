@@ -30,6 +30,10 @@ inline constexpr float sQuarterSinLAPolynomial[] = {
 inline constexpr float sQuarterCosLAPolynomial[] = {
     -0x1.ffffb2p-2f, 0x1.553e5ep-5f, -0x1.6447d2p-10f};
 
+// cos x - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-32.9375.
+inline constexpr float sQuarterCosProductPolynomial[] = {
+    -0x1p-1f, 0x1.55554ap-5f, -0x1.6c0c28p-10f, 0x1.99e80ep-16f};
+
 // (sin x)/x - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-19.
 inline constexpr float sQuarterSinEPPolynomial[] = {
     -0x1.554412p-3f, 0x1.0b7b02p-7f};
