@@ -1,20 +1,149 @@
-// The natural logarithm of complex numbers, in single and double precision.
+// The natural logarithm of complex numbers, in single and double precision. In single precision LA
+// and EP compute in floats.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/cln/cln.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
-#include "pex_core/_heap/complex/complex_vector-inl.h"
+#include "pex_core/_heap/complex/complex_single-inl.h"
+#include "pex_core/_heap/real/slog-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
+// The magnitudes of the parts by size.
+template <class V>
+struct BySize {
+  V more, less;
+};
+template <class D, class V>
+HWY_INLINE BySize<V> SortedBySize(D d, Complex<V> z) {
+  const auto x = Bits(d, hn::Abs(z.re)), y = Bits(d, hn::Abs(z.im));  // integers: quiet
+  return {FromBits(d, hn::Max(x, y)), FromBits(d, hn::Min(x, y))};
+}
+
+// Magnitudes from 2^-51 below 2^51, of which one may be 0: no square leaves the normal numbers, nor
+// does the rest of one the subnormal ones.
+struct SingleLnRange {
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> z) {
+    return KeyAbove(d, Key(d, SortedBySize(d, z)), kHigh);
+  }
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> z) {
+    BySize<V> part = SortedBySize(d, z);
+    const auto zero = hn::RebindMask(d, hn::Eq(Bits(d, part.less), SetBits(d, 0)));
+    part.less = hn::IfThenElse(zero, part.more, part.less);
+    return LanesAbove(d, Key(d, part), kHigh);
+  }
+
+ private:
+  static constexpr int32_t kLow = BitsOfNumber(0x1p-51f), kHigh = BitsOfNumber(0x1p51f) - 1;
+  template <class D, class V>
+  static HWY_INLINE BitsOf<D> Key(D d, BySize<V> part) {
+    return hn::Max(Bits(d, part.more), hn::Sub(SetBits(d, kLow + kHigh), Bits(d, part.less)));
+  }
+};
+
+// The angle of z from that of less/more.
+template <class D, class V>
+HWY_INLINE V TurnedAngle(D d, Complex<V> z, V angle) {
+  const auto steep = hn::Gt(hn::Abs(z.im), hn::Abs(z.re));
+  const V zero = hn::Zero(d), sign = hn::SignBit(d);
+  const V left = hn::IfNegativeThenElse(z.re, hn::Set(d, 0x1.921fb6p+1f), zero);
+  const V from = hn::IfThenElse(steep, hn::Set(d, 0x1.921fb6p+0f), left);
+  const V turn = hn::And(hn::Xor(z.re, hn::IfThenElseZero(steep, sign)), sign);
+  return hn::CopySignToAbs(hn::Add(from, hn::Xor(angle, turn)), z.im);
+}
+
+// The real part from x^2 + y^2 with what its roundings leave, exact to 2^-48 of 1; where too little
+// of it would be correct, and nowhere else, both parts are computed like HA's. Largest errors seen
+// RE_ULP and IM_ULP.
+struct SingleLnLA : SingleLnRange {
+  static constexpr int kUnroll = 4;
+  template <class D, class V>
+  static HWY_INLINE void Main(D d, Complex<V> z, Complex<V>& r) {
+    const Complex<V> zs[1] = {z};
+    Complex<V> rs[1];
+    MainGroup(d, zs, rs);
+    r = rs[0];
+  }
+
+  // A step at a time for all vectors.
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
+    V size[K], angle[K];
+    LogSquare(d, z, size);
+    Angle(d, z, angle);
+    auto delicate = MagnitudeBelow(d, size[0], kDelicate);
+    for (size_t i = 1; i < K; ++i) {
+      delicate = hn::Or(delicate, MagnitudeBelow(d, size[i], kDelicate));
+    }
+    for (size_t i = 0; i < K; ++i) {
+      r[i] = {hn::Mul(size[i], hn::Set(d, 0.5f)), TurnedAngle(d, z[i], angle[i])};
+    }
+    if (!hn::AllFalse(d, delicate)) [[unlikely]] {
+      for (size_t i = 0; i < K; ++i) {
+        r[i] = InDoubleWhere<ComplexLn>(d, MagnitudeBelow(d, size[i], kDelicate), z[i], r[i]);
+      }
+    }
+  }
+
+ private:
+  static constexpr float kDelicate = 0x1p-25f;
+
+  template <class D, class V, size_t K>
+  static HWY_INLINE void LogSquare(D d, const Complex<V> (&z)[K], V (&size)[K]) {
+    V s[K], rest[K];
+    for (size_t i = 0; i < K; ++i) {
+      const BySize<V> part = SortedBySize(d, z[i]);
+      const Pair<V> more = TwoProduct(d, part.more, part.more);
+      const Pair<V> less = TwoProduct(d, part.less, part.less);
+      const Pair<V> sum = FastTwoSum(more.hi, less.hi);
+      s[i] = sum.hi;
+      rest[i] = hn::Add(sum.lo, hn::Add(more.lo, less.lo));
+    }
+    for (size_t i = 0; i < K; ++i) {
+      const auto u = sLogReduce(d, s[i]);
+      const auto point = sLogNextPoint(d, u.m);
+      const V scale = FromBits(d, hn::Sub(SetBits(d, BitsOfNumber(1.0f)), u.exponent_bits));
+      const V t = hn::Add(hn::Sub(u.m, point.a), hn::Mul(rest[i], scale));
+      size[i] = sLogLASum<sNaturalLog>(d, u.scaled, t, point.row);
+    }
+  }
+
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Angle(D d, const Complex<V> (&z)[K], V (&angle)[K]) {
+    V t[K], square[K], p[K];
+    for (size_t i = 0; i < K; ++i) {
+      const BySize<V> part = SortedBySize(d, z[i]);
+      t[i] = hn::Div(part.less, part.more);
+      const V tame = hn::Max(t[i], hn::Set(d, 0x1p-30f));
+      square[i] = hn::Mul(tame, tame);
+    }
+    Horner(d, square, kAtanUnitSingleLA, p);
+    for (size_t i = 0; i < K; ++i) p[i] = hn::Add(hn::Mul(p[i], square[i]), hn::Set(d, 1.0f));
+    for (size_t i = 0; i < K; ++i) angle[i] = hn::Mul(t[i], p[i]);
+  }
+};
+
 PEX_COMPLEX_BODIES(Ln)
+int cLn_21(int32_t n, const PexComplex8* a, PexComplex8* r) {
+  return MapComplex<SingleKernel<ComplexLn, SingleLnLA>>(n, a, r);
+}
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace pex {
-PEX_EXPORT_COMPLEX_ELEMENTARY(Ln)
+HWY_EXPORT(cLn);
+HWY_EXPORT(cLn_21);
+HWY_EXPORT(zLn);
+PEX_EXPORT_COMPLEX_UNARY(PexComplex8, PexComplex8, ControlGuard, cLn_21, cLn_11)
+PEX_EXPORT_COMPLEX_UNARY(PexComplex8, PexComplex8, ControlGuard, cLn_21, cLn_21)
+PEX_EXPORT_COMPLEX_UNARY(PexComplex8, PexComplex8, ControlGuard, cLn, cLn_HA)
+PEX_EXPORT_COMPLEX_UNARY(PexComplex16, PexComplex16, ControlGuard, zLn, zLn_26)
+PEX_EXPORT_COMPLEX_UNARY(PexComplex16, PexComplex16, ControlGuard, zLn, zLn_50)
+PEX_EXPORT_COMPLEX_UNARY(PexComplex16, PexComplex16, ControlGuard, zLn, zLn_HA)
 }  // namespace pex
 #endif

@@ -40,6 +40,25 @@ inline constexpr float kAtanSingleLA[] = {
 inline constexpr float kAtanSingleEP[] = {
     -0x1.525d34p-2f, 0x1.46854ap-3f};
 
+// The same for |t| <= 1.
+
+// Error 2^-34 of the whole.
+inline constexpr double kAtanUnitHA[] = {
+    -0x1.55555498b1d77p-2, 0x1.99993e98bb94cp-3, -0x1.248a9cf7ef716p-3, 0x1.c675a13546683p-4,
+    -0x1.702e509319279p-4, 0x1.29c103a1a73fdp-4, -0x1.c0239c0e8ef86p-5, 0x1.1c4cedcdd47a3p-5,
+    -0x1.0dde48b583f77p-6, 0x1.47a29b801a773p-8, -0x1.74edb758dfa85p-11};
+
+// Error 2^-25.96875 of the whole.
+inline constexpr float kAtanUnitSingleLA[] = {
+    -0x1.5554e6p-2f, 0x1.997ae8p-3f, -0x1.231bbp-3f, 0x1.b56ac2p-4f,
+    -0x1.3683aep-4f, 0x1.64d1a2p-5f, -0x1.0fb23ep-6f, 0x1.85f014p-9f};
+
+// atan(t) = t (c[0] + c[1] z ...) for |t| <= 1.
+
+// Error 2^-12.1875 of the whole.
+inline constexpr float kAtanUnitSingleEP[] = {
+    0x1.ffe432p-1f, -0x1.4da0c4p-2f, 0x1.3ea034p-3f, -0x1.6b1fecp-5f};
+
 }  // namespace pex
 
 #endif  // PEX_CORE__HEAP_REAL_ATAN_POLYNOMIALS_H_
