@@ -126,7 +126,48 @@ struct SingleLnLA : SingleLnRange {
   }
 };
 
+// Better than 2^-11 of the modulus. ln z is small near 1 alone, where the real part of z alone is
+// near 1: there x^2 - 1 is formed of factors, and the error is that of (x - 1, y) in floats.
+struct SingleLnEP : SingleLnRange {
+  static constexpr int kUnroll = 4;
+  template <class D, class V>
+  static HWY_INLINE void Main(D d, Complex<V> z, Complex<V>& r) {
+    const Complex<V> zs[1] = {z};
+    Complex<V> rs[1];
+    MainGroup(d, zs, rs);
+    r = rs[0];
+  }
+
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
+    const V one = hn::Set(d, 1.0f);
+    V size[K], t[K], square[K], p[K];
+    for (size_t i = 0; i < K; ++i) {
+      const BySize<V> part = SortedBySize(d, z[i]);
+      const V less2 = hn::Mul(part.less, part.less);
+      const auto u = sLogReduce(d, hn::Add(hn::Mul(part.more, part.more), less2));
+      const V factors = hn::Mul(hn::Sub(part.more, one), hn::Add(part.more, one));
+      const auto near = hn::RebindMask(d, hn::Eq(u.exponent_bits, SetBits(d, 0)));
+      const V above_one = hn::IfThenElse(near, hn::Add(factors, less2), hn::Sub(u.m, one));
+      size[i] = sLogEPSum<sNaturalLog>(d, u.scaled, above_one);
+    }
+    for (size_t i = 0; i < K; ++i) {
+      const BySize<V> part = SortedBySize(d, z[i]);
+      t[i] = hn::Div(part.less, part.more);
+      const V tame = hn::Max(t[i], hn::Set(d, 0x1p-30f));
+      square[i] = hn::Mul(tame, tame);
+    }
+    Horner(d, square, kAtanUnitSingleEP, p);
+    for (size_t i = 0; i < K; ++i) {
+      r[i] = {hn::Mul(size[i], hn::Set(d, 0.5f)), TurnedAngle(d, z[i], hn::Mul(t[i], p[i]))};
+    }
+  }
+};
+
 PEX_COMPLEX_BODIES(Ln)
+int cLn_11(int32_t n, const PexComplex8* a, PexComplex8* r) {
+  return MapComplex<SingleKernel<ComplexLn, SingleLnEP>>(n, a, r);
+}
 int cLn_21(int32_t n, const PexComplex8* a, PexComplex8* r) {
   return MapComplex<SingleKernel<ComplexLn, SingleLnLA>>(n, a, r);
 }
@@ -137,9 +178,10 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace pex {
 HWY_EXPORT(cLn);
+HWY_EXPORT(cLn_11);
 HWY_EXPORT(cLn_21);
 HWY_EXPORT(zLn);
-PEX_EXPORT_COMPLEX_UNARY(PexComplex8, PexComplex8, ControlGuard, cLn_21, cLn_11)
+PEX_EXPORT_COMPLEX_UNARY(PexComplex8, PexComplex8, ControlGuard, cLn_11, cLn_11)
 PEX_EXPORT_COMPLEX_UNARY(PexComplex8, PexComplex8, ControlGuard, cLn_21, cLn_21)
 PEX_EXPORT_COMPLEX_UNARY(PexComplex8, PexComplex8, ControlGuard, cLn, cLn_HA)
 PEX_EXPORT_COMPLEX_UNARY(PexComplex16, PexComplex16, ControlGuard, zLn, zLn_26)
