@@ -73,9 +73,10 @@ struct SingleExp {
     for (size_t i = 0; i < K; ++i) {
       const auto k = Bits(d, kf[i]);
       p[i] = hn::Add(hn::Add(p[i], LookupEighth(d, sExpEighthsRest, k)), r[i]);
-      const V s = FromBits(
-          d, hn::Add(Bits(d, LookupEighth(d, kShiftedEighths(), k)), hn::ShiftLeft<20>(k)));
-      e[i] = hn::Add(hn::Mul(s, p[i]), s);
+      const V t = LookupEighth(d, sExpEighths, k);
+      const auto n = hn::And(hn::ShiftLeft<20>(k), SetBits(d, 0xFF800000));
+      // Multiplied by 2^n before the sum, the product could underflow.
+      e[i] = FromBits(d, hn::Add(Bits(d, hn::Add(hn::Mul(t, p[i]), t)), n));
     }
   }
 
@@ -124,9 +125,6 @@ struct SingleExp {
   static HWY_INLINE BitsOf<D> Key(D d, Complex<V> z) {
     const auto above = SetBits(d, BitsOfNumber(kLargestAngle) - kLimit);
     return hn::Max(Bits(d, hn::Abs(z.re)), hn::Sub(Bits(d, hn::Abs(z.im)), above));
-  }
-  static HWY_INLINE const float* kShiftedEighths() {
-    return reinterpret_cast<const float*>(sExpShiftedEighths);
   }
 };
 
