@@ -130,7 +130,7 @@ struct SingleExp {
 
 PEX_COMPLEX_BODIES(Exp)
 int cExp_21(int32_t n, const PexComplex8* a, PexComplex8* r) {
-  return MapComplex<SingleKernel<ComplexExp, SingleExp>>(n, a, r);
+  return MapComplex<SingleKernel<ElementaryKernel<ComplexExp, float>, SingleExp>>(n, a, r);
 }
 
 }  // namespace pex::HWY_NAMESPACE

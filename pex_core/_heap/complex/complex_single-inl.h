@@ -1,6 +1,6 @@
-// Complex elementary functions in float arithmetic, beside the kernels of complex_vector-inl.h in
-// double. Lanes outside the range of the float formula, and those that it finds delicate, are
-// computed in double like HA's; what HA leaves to the scalar routine goes there too.
+// Complex elementary functions in float arithmetic, beside kernels in double, HA's. Lanes outside
+// the range of the float formula, and those that it finds delicate, are computed like HA's; what HA
+// leaves to the scalar routine goes there too.
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/complex/complex_vector-inl.h"
@@ -19,42 +19,41 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 // z, and F of the lanes of the mask, which are common ones of HA's, in its place: half a vector at
 // a time.
-template <class F, class D, class V>
+template <class HA, class D, class V>
 HWY_NOINLINE Complex<V> InDoubleWhere(D d, MaskOf<D> mask, Complex<V> z, Complex<V> otherwise) {
-  using Kernel = ElementaryKernel<F, float>;
   const hn::Half<D> half;
-  const Complex<V> safe = {hn::IfThenElse(mask, z.re, hn::Set(d, Kernel::kHarmless)),
-                           hn::IfThenElse(mask, z.im, hn::Set(d, Kernel::kHarmless))};
+  const Complex<V> safe = {hn::IfThenElse(mask, z.re, hn::Set(d, HA::kHarmless)),
+                           hn::IfThenElse(mask, z.im, hn::Set(d, HA::kHarmless))};
   const Complex<VecOf<decltype(half)>> lower = {hn::LowerHalf(half, safe.re),
                                                 hn::LowerHalf(half, safe.im)},
                                        upper = {hn::UpperHalf(half, safe.re),
                                                 hn::UpperHalf(half, safe.im)};
   Complex<VecOf<decltype(half)>> low, high;
-  Kernel::Main(half, lower, low);
-  Kernel::Main(half, upper, high);
+  HA::Main(half, lower, low);
+  HA::Main(half, upper, high);
   return {hn::IfThenElse(mask, hn::Combine(d, high.re, low.re), otherwise.re),
           hn::IfThenElse(mask, hn::Combine(d, high.im, low.im), otherwise.im)};
 }
 
 // Formula has IsRare, a mask of what it does not cover, perhaps MayBeRare (complex-inl.h), kUnroll
 // and Main.
-template <class F, class Formula>
+template <class HA, class Formula>
 struct SingleKernel : ComplexKernel<float>, Formula {
   static constexpr int kUnroll = Formula::kUnroll;
-  static Complex<float> Rare(Complex<float> z) { return ElementaryKernel<F, float>::Rare(z); }
+  static Complex<float> Rare(Complex<float> z) { return HA::Rare(z); }
 
   struct Wide : ComplexKernel<float> {
     static constexpr int kUnroll = 1;
     template <class D, class V>
     static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> z) {
-      return hn::And(Formula::IsRare(d, z), ElementaryKernel<F, float>::IsRare(d, z));
+      return hn::And(Formula::IsRare(d, z), HA::IsRare(d, z));
     }
     template <class D, class V>
     static HWY_INLINE void Main(D d, Complex<V> z, Complex<V>& r) {
       const auto rare = Formula::IsRare(d, z);
       Complex<V> common;
       Formula::Main(d, Replace(d, rare, z, ComplexKernel<float>::kHarmless), common);
-      r = hn::AllFalse(d, rare) ? common : InDoubleWhere<F>(d, rare, z, common);
+      r = hn::AllFalse(d, rare) ? common : InDoubleWhere<HA>(d, rare, z, common);
     }
     static Complex<float> Rare(Complex<float> z) { return SingleKernel::Rare(z); }
   };
