@@ -37,7 +37,7 @@ HWY_INLINE AngleTurn<V> TurnOf(D d, Complex<V> z) {
 // In double, for all finite floats but 0: less than 0.501 ulp of each part. Where x^2 + y^2 is next
 // to 1, what it is more than 1 is formed of the exact squares.
 struct SingleLnHA : ElementaryKernel<ComplexLn, float> {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = 5;
   template <class D, class V>
   static HWY_INLINE void Main(D d, Complex<V> z, Complex<V>& r) {
     const Complex<V> zs[1] = {z};
@@ -75,7 +75,7 @@ struct SingleLnHA : ElementaryKernel<ComplexLn, float> {
     for (size_t i = 0; i < K; ++i) {
       s[i] = hn::Add(hn::Mul(more[i], more[i]), hn::Mul(less[i], less[i]));
     }
-    PlainLog<NaturalLog>(d, s, kLnSingleComplexHA, size);
+    Log(d, s, size);
     auto any = hn::Lt(hn::Abs(size[0]), near_one);
     for (size_t i = 1; i < K; ++i) any = hn::Or(any, hn::Lt(hn::Abs(size[i]), near_one));
     if (!hn::AllFalse(d, any)) [[unlikely]] {
@@ -85,6 +85,22 @@ struct SingleLnHA : ElementaryKernel<ComplexLn, float> {
         const W near = hn::Sub(t, hn::Mul(hn::Mul(t, t), hn::Set(d, 0.5)));
         size[i] = hn::IfThenElse(hn::Lt(hn::Abs(size[i]), near_one), near, size[i]);
       }
+    }
+  }
+
+  // ln s, to 2^-34.
+  template <class W, size_t K, class D>
+  static HWY_INLINE void Log(D d, const W (&s)[K], W (&log)[K]) {
+    LogShort<D> u[K];
+    W t[K], square[K], p[K];
+    LogShortReduce(d, s, u);
+    for (size_t i = 0; i < K; ++i) t[i] = ProductLessOne(d, u[i].m, u[i].c);
+    for (size_t i = 0; i < K; ++i) square[i] = hn::Mul(t[i], t[i]);
+    EvenOdd(d, t, square, kLnSingleComplexHA, p);
+    for (size_t i = 0; i < K; ++i) p[i] = hn::Add(hn::Mul(p[i], square[i]), t[i]);
+    for (size_t i = 0; i < K; ++i) {
+      const W head = hn::Add(hn::Mul(u[i].e, hn::Set(d, 0x1.62e42fefa39efp-1)), u[i].log);
+      log[i] = hn::Add(head, p[i]);
     }
   }
 

@@ -42,11 +42,11 @@ inline constexpr float kAtanSingleEP[] = {
 
 // The same for |t| <= 1.
 
-// Error 2^-34 of the whole.
+// Error 2^-31.375 of the whole.
 inline constexpr double kAtanUnitHA[] = {
-    -0x1.55555498b1d77p-2, 0x1.99993e98bb94cp-3, -0x1.248a9cf7ef716p-3, 0x1.c675a13546683p-4,
-    -0x1.702e509319279p-4, 0x1.29c103a1a73fdp-4, -0x1.c0239c0e8ef86p-5, 0x1.1c4cedcdd47a3p-5,
-    -0x1.0dde48b583f77p-6, 0x1.47a29b801a773p-8, -0x1.74edb758dfa85p-11};
+    -0x1.5555515fcfcf2p-2, 0x1.9997fd0e2b995p-3, -0x1.247503643e063p-3, 0x1.c50716ad076e4p-4,
+    -0x1.693865fd2daabp-4, 0x1.14df6a9a7279dp-4, -0x1.703400102ffaep-5, 0x1.74e89976f2698p-6,
+    -0x1.e674bc6887a97p-8, 0x1.2981a32dd8489p-10};
 
 // Error 2^-25.96875 of the whole.
 inline constexpr float kAtanUnitSingleLA[] = {
