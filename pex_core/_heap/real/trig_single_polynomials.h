@@ -52,6 +52,14 @@ inline constexpr double sQuarterCosHAPolynomial[] = {
     -0x1.ffffffffe98aep-2, 0x1.55555545c50b3p-5, -0x1.6c16b348b595ep-10, 0x1.a00eb9abbc9e4p-16,
     -0x1.23c97dbf1a907p-22};
 
+// (sin x)/x - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-37.4375.
+inline constexpr double sQuarterSinComplexHAPolynomial[] = {
+    -0x1.5555554c5a67ep-3, 0x1.1111085958d77p-7, -0x1.a00f7168e7f64p-13, 0x1.6ccea8dc42218p-19};
+
+// cos x - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-33.8125.
+inline constexpr double sQuarterCosComplexHAPolynomial[] = {
+    -0x1.ffffffcaf5d7bp-2, 0x1.55553c46d0403p-5, -0x1.6c07ddc083327p-10, 0x1.9911ffe3e7e94p-16};
+
 // x/(tan x) - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-25.84375.
 inline constexpr float sTanLAPolynomial[] = {
     -0x1.555542p-2f, -0x1.6c28eap-6f, -0x1.12b4d6p-9f, -0x1.04f238p-12f};
