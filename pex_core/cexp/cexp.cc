@@ -32,11 +32,19 @@ struct ExpRange {
   }
 };
 
+// (cos, sin) of k pi/2 + y, times what both are multiplied by, from those of y.
+template <class D, class V>
+HWY_INLINE Complex<V> TurnBack(D d, BitsOf<D> k, V sine, V cosine) {
+  const auto odd = OddQuarter(d, k);
+  const auto next = hn::Add(k, SetBits(d, 1));
+  return {FlipSign(d, hn::IfThenElse(odd, sine, cosine), hn::ShiftLeft<30>(next)),
+          FlipSign(d, hn::IfThenElse(odd, cosine, sine), hn::ShiftLeft<30>(k))};
+}
+
 // In double, |x| <= 512 and |y| < 4096: less than 0.505 ulp of each part. Quarter turns are counted
 // in floats, N low enough for its product with the first part of pi/2 to be exact.
-struct SingleExpHA : ComplexKernel<float, double>,
-                     ExpRange<BitsOfNumber(512.0f), BitsOfNumber(4096.0f)> {
-  static constexpr int kUnroll = 4;
+struct SingleExpHA : ComplexKernel<float>, ExpRange<BitsOfNumber(512.0f), BitsOfNumber(4096.0f)> {
+  static constexpr int kUnroll = 3;
   static Complex<float> Rare(Complex<float> z) {
     return ElementaryKernel<ComplexExp, float>::Rare(z);
   }
@@ -50,33 +58,32 @@ struct SingleExpHA : ComplexKernel<float, double>,
 
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
-    const hn::Rebind<double, D> wide;
+    const hn::Rebind<double, hn::Half<D>> wide;
     using W = VecOf<decltype(wide)>;
     const V rounder = hn::Set(d, 0x1.8p23f);
     V turns[K];
-    W x[K], y[K], e[K], sine[K], cosine[K];
+    W x[2 * K], n[2 * K], y[2 * K], e[2 * K], sine[2 * K], cosine[2 * K];
     for (size_t i = 0; i < K; ++i) {
-      x[i] = hn::PromoteTo(wide, z[i].re);
       // The product of a tiny number would underflow.
       const V quiet = hn::Add(z[i].im, hn::Set(d, 0x1p-40f));
       turns[i] = hn::Add(hn::Mul(quiet, hn::Set(d, 0x1.45f306p-1f)), rounder);
-      const W n = hn::PromoteTo(wide, hn::Sub(turns[i], rounder));
-      const W high = hn::NegMulAdd(n, hn::Set(wide, 0x1.921fb5444p+0),
-                                   hn::PromoteTo(wide, z[i].im));  // exact product
-      y[i] = hn::Sub(high, hn::Mul(n, hn::Set(wide, 0x1.68c234c4c6629p-39)));
+      WidenHalves(d, hn::Sub(turns[i], rounder), n[2 * i], n[2 * i + 1]);
+      WidenHalves(d, z[i].re, x[2 * i], x[2 * i + 1]);
+      WidenHalves(d, z[i].im, y[2 * i], y[2 * i + 1]);
+    }
+    for (size_t i = 0; i < 2 * K; ++i) {
+      const W high = hn::NegMulAdd(n[i], hn::Set(wide, 0x1.921fb5444p+0), y[i]);  // exact product
+      y[i] = hn::Sub(high, hn::Mul(n[i], hn::Set(wide, 0x1.68c234c4c6629p-39)));
     }
     Exp(wide, x, e);
     SineCosine(wide, y, sine, cosine);
+    for (size_t i = 0; i < 2 * K; ++i) {
+      sine[i] = hn::Mul(e[i], sine[i]);
+      cosine[i] = hn::Mul(e[i], cosine[i]);
+    }
     for (size_t i = 0; i < K; ++i) {
-      const V s = hn::DemoteTo(d, hn::Mul(e[i], sine[i]));
-      const V c = hn::DemoteTo(d, hn::Mul(e[i], cosine[i]));
-      const auto quarter = Bits(d, turns[i]), next = hn::Add(quarter, SetBits(d, 1));
-      const auto odd = hn::MaskFromVec(FromBits(d, hn::ShiftLeft<31>(quarter)));
-      const auto flipped = [d](V v, BitsOf<D> turn) HWY_ATTR {
-        return hn::Xor(v, hn::And(FromBits(d, hn::ShiftLeft<30>(turn)), hn::SignBit(d)));
-      };
-      r[i] = {flipped(hn::IfThenElse(odd, s, c), next),
-              flipped(hn::IfThenElse(odd, c, s), quarter)};
+      r[i] = TurnBack(d, Bits(d, turns[i]), NarrowHalves(d, sine[2 * i], sine[2 * i + 1]),
+                      NarrowHalves(d, cosine[2 * i], cosine[2 * i + 1]));
     }
   }
 
@@ -134,12 +141,7 @@ struct SingleExpLA : ExpRange<BitsOfNumber(87.0f), BitsOfNumber(1608.0f)> {
     Exp(d, z, e);
     SineCosine(d, z, k, sine, cosine);
     for (size_t i = 0; i < K; ++i) {
-      const auto odd = OddQuarter(d, k[i]);
-      const auto next = hn::Add(k[i], SetBits(d, 1));
-      const V re = hn::IfThenElse(odd, sine[i], cosine[i]);
-      const V im = hn::IfThenElse(odd, cosine[i], sine[i]);
-      r[i] = {hn::Mul(e[i], FlipSign(d, re, hn::ShiftLeft<30>(next))),
-              hn::Mul(e[i], FlipSign(d, im, hn::ShiftLeft<30>(k[i])))};
+      r[i] = TurnBack(d, k[i], hn::Mul(e[i], sine[i]), hn::Mul(e[i], cosine[i]));
     }
   }
 

@@ -37,7 +37,8 @@ HWY_INLINE AngleTurn<V> TurnOf(D d, Complex<V> z) {
 // In double, for all finite floats but 0: less than 0.501 ulp of each part. Where x^2 + y^2 is next
 // to 1, what it is more than 1 is formed of the exact squares.
 struct SingleLnHA : ElementaryKernel<ComplexLn, float> {
-  static constexpr int kUnroll = 5;
+  using Tag = ComplexKernel<float>::Tag;
+  static constexpr int kUnroll = 3;
   template <class D, class V>
   static HWY_INLINE void Main(D d, Complex<V> z, Complex<V>& r) {
     const Complex<V> zs[1] = {z};
@@ -48,22 +49,25 @@ struct SingleLnHA : ElementaryKernel<ComplexLn, float> {
 
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
-    const hn::Rebind<double, D> wide;
+    const hn::Rebind<double, hn::Half<D>> wide;
     using W = VecOf<decltype(wide)>;
-    W more[K], less[K], quarters[K], size[K], angle[K];
+    W more[2 * K], less[2 * K], quarters[2 * K], size[2 * K], angle[2 * K];
     for (size_t i = 0; i < K; ++i) {
       const BySize<V> part = SortedBySize(d, z[i]);
       const AngleTurn<V> turn = TurnOf(d, z[i]);
-      more[i] = hn::PromoteTo(wide, part.more);
-      less[i] = hn::PromoteTo(wide, hn::Xor(part.less, turn.sign));
-      quarters[i] = hn::PromoteTo(wide, turn.quarters);
+      WidenHalves(d, part.more, more[2 * i], more[2 * i + 1]);
+      WidenHalves(d, hn::Xor(part.less, turn.sign), less[2 * i], less[2 * i + 1]);
+      WidenHalves(d, turn.quarters, quarters[2 * i], quarters[2 * i + 1]);
     }
     LogSquare(wide, more, less, size);
     Angle(wide, more, less, angle);
+    for (size_t i = 0; i < 2 * K; ++i) {
+      size[i] = hn::Mul(size[i], hn::Set(wide, 0.5));
+      angle[i] = hn::Add(hn::Mul(quarters[i], hn::Set(wide, 0x1.921fb54442d18p+0)), angle[i]);
+    }
     for (size_t i = 0; i < K; ++i) {
-      const W turned = hn::Add(hn::Mul(quarters[i], hn::Set(wide, 0x1.921fb54442d18p+0)), angle[i]);
-      r[i] = {hn::DemoteTo(d, hn::Mul(size[i], hn::Set(wide, 0.5))),
-              hn::CopySignToAbs(hn::DemoteTo(d, turned), z[i].im)};
+      r[i] = {NarrowHalves(d, size[2 * i], size[2 * i + 1]),
+              hn::CopySignToAbs(NarrowHalves(d, angle[2 * i], angle[2 * i + 1]), z[i].im)};
     }
   }
 

@@ -17,22 +17,25 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// z, and F of the lanes of the mask, which are common ones of HA's, in its place: half a vector at
-// a time.
+// The doubles of both halves of vectors of floats, and back.
+template <class D, class V, class Wide = hn::Rebind<double, hn::Half<D>>>
+HWY_INLINE void WidenHalves(D, V x, VecOf<Wide>& lower, VecOf<Wide>& upper) {
+  const hn::Half<D> half;
+  lower = hn::PromoteTo(Wide(), hn::LowerHalf(half, x));
+  upper = hn::PromoteTo(Wide(), hn::UpperHalf(half, x));
+}
+template <class D, class W>
+HWY_INLINE VecOf<D> NarrowHalves(D d, W lower, W upper) {
+  const hn::Half<D> half;
+  return hn::Combine(d, hn::DemoteTo(half, upper), hn::DemoteTo(half, lower));
+}
+
+// HA's results for the lanes of the mask, which are common ones of HA's.
 template <class HA, class D, class V>
 HWY_NOINLINE Complex<V> InDoubleWhere(D d, MaskOf<D> mask, Complex<V> z, Complex<V> otherwise) {
-  const hn::Half<D> half;
-  const Complex<V> safe = {hn::IfThenElse(mask, z.re, hn::Set(d, HA::kHarmless)),
-                           hn::IfThenElse(mask, z.im, hn::Set(d, HA::kHarmless))};
-  const Complex<VecOf<decltype(half)>> lower = {hn::LowerHalf(half, safe.re),
-                                                hn::LowerHalf(half, safe.im)},
-                                       upper = {hn::UpperHalf(half, safe.re),
-                                                hn::UpperHalf(half, safe.im)};
-  Complex<VecOf<decltype(half)>> low, high;
-  HA::Main(half, lower, low);
-  HA::Main(half, upper, high);
-  return {hn::IfThenElse(mask, hn::Combine(d, high.re, low.re), otherwise.re),
-          hn::IfThenElse(mask, hn::Combine(d, high.im, low.im), otherwise.im)};
+  Complex<V> r;
+  HA::Main(d, Replace(d, hn::Not(mask), z, HA::kHarmless), r);
+  return {hn::IfThenElse(mask, r.re, otherwise.re), hn::IfThenElse(mask, r.im, otherwise.im)};
 }
 
 // Formula has IsRare, a mask of what it does not cover, perhaps MayBeRare (complex-inl.h), kUnroll
