@@ -34,7 +34,7 @@ HWY_INLINE AngleTurn<V> TurnOf(D d, Complex<V> z) {
           hn::And(hn::Xor(z.re, hn::IfThenElseZero(steep, hn::SignBit(d))), hn::SignBit(d))};
 }
 
-// In double, for all finite floats but 0: less than 0.501 ulp of each part. Where x^2 + y^2 is next
+// In double, for all finite floats but 0: less than 0.507 ulp of each part. Where x^2 + y^2 is next
 // to 1, what it is more than 1 is formed of the exact squares.
 struct SingleLnHA : ElementaryKernel<ComplexLn, float> {
   using Tag = ComplexKernel<float>::Tag;
@@ -152,7 +152,7 @@ struct SingleLnRange {
 
 // The real part from x^2 + y^2 with what its roundings leave, good to 2^-48 where it is near 1;
 // where too little of the logarithm would be correct, both parts are computed like HA's. Largest
-// error seen 2.31 ulp.
+// error seen 2.35 ulp.
 struct SingleLnLA : SingleLnRange {
   static constexpr int kUnroll = 4;
   template <class D, class V>
