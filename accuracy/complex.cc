@@ -179,6 +179,18 @@ class Points {
         return {Round((1 + d) * std::cos(angle)), Round((1 + d) * std::sin(angle))};
     }
   }
+  // One part, or both, close to a mark of either sign.
+  Number NearMark() {
+    const auto& marks = entry_.precision().marks;
+    const auto one = [&] {
+      const double mark = marks[random_() % marks.size()];
+      const int closeness = -static_cast<int>(random_() % (entry_.is_double() ? 54 : 25));
+      const double x = Round(mark * (1 + std::ldexp(Unit(random_) - 0.5, closeness)));
+      return random_() % 2 ? x : -x;
+    };
+    const double x = one(), y = x == 0 || random_() % 2 ? Magnitude(-12, 12) : one();
+    return random_() % 2 ? Number(x, y) : Number(y, x);
+  }
   Number AnyPattern() {
     for (;;) {
       const Number x = {Pattern(), Pattern()};
@@ -326,7 +338,7 @@ std::vector<ComplexRegimeResult> MeasureComplex(const Entry& entry, uint64_t cou
   };
   alike("typical", [&] { return points.Typical(typical); });
   alike("moderate", [&] { return points.Magnitudes(-12, 12); });
-  if (entry.measure() == Measure::Modulus) return results;
+  if (entry.measure() == Measure::Modulus && (binary || !is_elementary)) return results;
   alike("all magnitudes", [&] { return points.Magnitudes(least, most); });
   alike("near an axis", [&] { return points.NearAxis(); });
   alike("near a diagonal", [&] { return points.NearDiagonal(); });
@@ -335,7 +347,10 @@ std::vector<ComplexRegimeResult> MeasureComplex(const Entry& entry, uint64_t cou
         "cancelling", [&] { return points.Magnitudes(-12, 12); },
         [&](Number a) { return points.Cancelling(a); });
   }
-  if (!binary && is_elementary) alike("near a unit", [&] { return points.NearUnit(); });
+  if (!binary && is_elementary) {
+    alike("near a unit", [&] { return points.NearUnit(); });
+    alike("near a mark", [&] { return points.NearMark(); });
+  }
   alike("subnormal", [&] { return points.Magnitudes(least - (is_double ? 52 : 23), least + 2); });
   alike("any", [&] { return points.AnyPattern(); });
   return results;

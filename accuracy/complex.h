@@ -41,9 +41,9 @@ struct ComplexRegimeResult {
 
 // `count` points of each regime: the typical range; moderate and all magnitudes; one part zero or
 // much smaller than the other; parts nearly equal; sums of products that cancel; of
-// elementary functions 1, -1, i, -i and the unit circle closely; subnormal numbers;
-// any finite bit patterns. Entries measured by the modulus take the first two alone: beyond them
-// their steps overflow and underflow as they are specified to. Where an exact part is 0 the
+// elementary functions 1, -1, i, -i, the unit circle and the catalogue's marks closely; subnormal
+// numbers; any finite bit patterns. Products, quotients and powers measured by the modulus take the
+// first two alone: beyond them their steps overflow and underflow as they are specified to. Where an exact part is 0 the
 // result's part is to be 0 of either sign.
 std::vector<ComplexRegimeResult> MeasureComplex(const Entry& entry, uint64_t count, uint64_t seed);
 

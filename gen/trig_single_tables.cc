@@ -78,7 +78,7 @@ int main() {
     std::printf("%s\n    {%a, %a, %a}", i > 0 ? "," : "", high[i], middle[i], low[i]);
   }
   std::printf(
-      "};\n\n// 384 bits of 2/pi, highest first.\ninline constexpr uint64_t kTwoOverPi[%d] = {",
+      "};\n\n// 384 bits of 2/pi, highest first.\ninline constexpr uint64_t sTwoOverPi[%d] = {",
       kWords);
   mpfr_mul_2ui(window, inverse, 1, MPFR_RNDN);
   for (int i = 0; i < kWords; ++i) {

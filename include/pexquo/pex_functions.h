@@ -516,11 +516,11 @@ PEXQUO_API int _pexcCIS_11(int32_t n, const float* a, PexComplex8* r);
 PEXQUO_API int _pexcCIS_21(int32_t n, const float* a, PexComplex8* r);
 PEXQUO_API int _pexcCIS_HA(int32_t n, const float* a, PexComplex8* r);
 
-/* Exp: r[i] = e^a. One computation for all tiers. No overflow or underflow on the way: e^x may
-   exceed all numbers where its product with the sine does not. No cuts. Real part -infinity gives
-   zeros, +infinity infinite parts, with the signs of cos and sin of the imaginary part. Bounds in
-   double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits; in single: HA 0.51 ulp, _21 0.51 ulp,
-   _11 at least 23 bits. */
+/* Exp: r[i] = e^a. One computation in double precision; in single, _11 is _21, which computes in
+   floats. No overflow or underflow on the way: e^x may exceed all numbers where its product with
+   the sine does not. No cuts. Real part -infinity gives zeros, +infinity infinite parts, with the
+   signs of cos and sin of the imaginary part. Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at
+   least 52 bits; in single: HA 0.51 ulp, _21 3.6 ulp, _11 at least 21 bits. */
 PEXQUO_API int _pexzExp_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzExp_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzExp_HA(int32_t n, const PexComplex16* a, PexComplex16* r);
@@ -528,11 +528,12 @@ PEXQUO_API int _pexcExp_11(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcExp_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcExp_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
-/* Ln: r[i] = ln a. One computation for all tiers of single precision. Imaginary part in [-pi, pi],
-   cut along the negative real axis. The real part keeps its relative accuracy next to the unit
-   circle. -infinity for 0, raising divide-by-zero; +infinity with the angle of the argument where a
-   part is infinite. Bounds in double: HA 0.65 ulp, _50 2 ulp, _26 at least 29 bits; in single: HA
-   0.51 ulp, _21 0.51 ulp, _11 at least 23 bits. */
+/* Ln: r[i] = ln a. One computation in double precision; in single, _21 and _11 compute in floats.
+   Imaginary part in [-pi, pi], cut along the negative real axis. The real part keeps its relative
+   accuracy next to the unit circle, but in _11, whose bits are those of the modulus. -infinity for
+   0, raising divide-by-zero; +infinity with the angle of the argument where a part is infinite.
+   Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits of the larger part; in single:
+   HA 0.51 ulp, _21 2.6 ulp, _11 at least 11 bits of the larger part. */
 PEXQUO_API int _pexzLn_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzLn_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzLn_HA(int32_t n, const PexComplex16* a, PexComplex16* r);

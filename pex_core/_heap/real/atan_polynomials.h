@@ -57,6 +57,25 @@ inline constexpr double kAtanOctantLA[] = {
 inline constexpr double kAtanOctantEP[] = {
     -0x1.555546c0b4725p-2, 0x1.998b914968ac2p-3, -0x1.2275a7b79242bp-3, 0x1.85db4f6b5f259p-4};
 
+// The same for |t| <= 1.
+
+// Error 2^-31.375 of the whole.
+inline constexpr double kAtanUnitHA[] = {
+    -0x1.5555515fcfcf2p-2, 0x1.9997fd0e2b995p-3, -0x1.247503643e063p-3, 0x1.c50716ad076e4p-4,
+    -0x1.693865fd2daabp-4, 0x1.14df6a9a7279dp-4, -0x1.703400102ffaep-5, 0x1.74e89976f2698p-6,
+    -0x1.e674bc6887a97p-8, 0x1.2981a32dd8489p-10};
+
+// Error 2^-25.96875 of the whole.
+inline constexpr float kAtanUnitSingleLA[] = {
+    -0x1.5554e6p-2f, 0x1.997ae8p-3f, -0x1.231bbp-3f, 0x1.b56ac2p-4f,
+    -0x1.3683aep-4f, 0x1.64d1a2p-5f, -0x1.0fb23ep-6f, 0x1.85f014p-9f};
+
+// atan(t) = t (c[0] + c[1] z ...) for |t| <= 1.
+
+// Error 2^-12.1875 of the whole.
+inline constexpr float kAtanUnitSingleEP[] = {
+    0x1.ffe432p-1f, -0x1.4da0c4p-2f, 0x1.3ea034p-3f, -0x1.6b1fecp-5f};
+
 }  // namespace pex
 
 #endif  // PEX_CORE__HEAP_REAL_ATAN_POLYNOMIALS_H_

@@ -18,6 +18,11 @@ inline constexpr double kLnSingleHA[] = {
     -0x1.00000000000bep-1, 0x1.55555555c4351p-2, -0x1.fffffff804fcp-3, 0x1.9999867be7cadp-3,
     -0x1.5555999663695p-3, 0x1.250a53beee593p-3, -0x1.ff1e4bbf4c782p-4};
 
+// ln(1 + x) = x (1 + c[0] x + ...), -9.375e-2 <= x <= 9.375e-2; error 2^-32.8125 x.
+inline constexpr double kLnSingleComplexHA[] = {
+    -0x1.0000004e25fd2p-1, 0x1.555556f0cded9p-2, -0x1.fffb9314b6d32p-3, 0x1.9992b6610b836p-3,
+    -0x1.5949dc9efb374p-3, 0x1.290317a702bb1p-3};
+
 // log10(1 + x/log10(e)) = x (1 + c[0] x + ...), -1.4011383056640625e-2 <= x <= 1.4476776123046875e-2; error 2^-49.375 x.
 inline constexpr double kLog10SingleHA[] = {
     -0x1.26bb1bbb555fp0, 0x1.c46dbb45a67edp0, -0x1.86a885a6be4a9p1, 0x1.67cf2ff4fbb5fp2,

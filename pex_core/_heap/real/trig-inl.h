@@ -63,7 +63,7 @@ struct UsualExponents {
 //   Group(d, x, r...)          results of usual lanes for arrays of vectors;
 //   Wide(d, x, r...)           results of any finite lanes.
 template <class F>
-struct TrigWide : Kernel<double> {
+struct dTrigWide : Kernel<double> {
   using Rarity = RareAbove<double, 0x7FEFFFFF>;  // infinities and NaN
   static constexpr int kResults = F::kResults;
   template <class... R>
@@ -90,7 +90,7 @@ struct TrigWide : Kernel<double> {
 // Elements i to end: some vectors at a time, rare lanes and the last elements vector by vector.
 template <class F, class C>
 HWY_NOINLINE void RunWide(const C& call, size_t i, size_t end) {
-  using K = TrigWide<F>;
+  using K = dTrigWide<F>;
   const hn::ScalableTag<double> d;
   using V = VecOf<decltype(d)>;
   constexpr size_t kVectors = HWY_TARGET == HWY_AVX3 ? 4 : 2;
@@ -122,7 +122,7 @@ HWY_NOINLINE void RunWide(const C& call, size_t i, size_t end) {
 // arguments.
 template <class F, class C>
 HWY_INLINE void RunLast(const C& call, size_t i, size_t end) {
-  using K = TrigWide<F>;
+  using K = dTrigWide<F>;
   const hn::ScalableTag<double> d;
   using V = VecOf<decltype(d)>;
   const size_t lanes = hn::Lanes(d);
@@ -156,7 +156,7 @@ HWY_INLINE int RunTrig(int32_t n, const double* a, double* r1, double* r2, const
   const hn::ScalableTag<double> d;
   using V = VecOf<decltype(d)>;
   const ArraySource<double> in{a};
-  const Call<TrigWide<F>, ArraySource<double>, ArraySource<double>> call{in, in, a, r1, r2, name};
+  const Call<dTrigWide<F>, ArraySource<double>, ArraySource<double>> call{in, in, a, r1, r2, name};
   const size_t lanes = hn::Lanes(d);
   const size_t group = F::kUnroll * lanes;
   const size_t end = n > 0 ? static_cast<size_t>(n) : 0;

@@ -63,7 +63,7 @@ Pair ReduceQuarter(float x, unsigned* k) {
   uint64_t product[kWords + 1];  // lowest first
   unsigned __int128 sum = 0;
   for (int i = 0; i < kWords; ++i) {
-    sum += static_cast<unsigned __int128>(m) * kTwoOverPi[kWords - 1 - i];
+    sum += static_cast<unsigned __int128>(m) * sTwoOverPi[kWords - 1 - i];
     product[i] = static_cast<uint64_t>(sum);
     sum >>= 64;
   }

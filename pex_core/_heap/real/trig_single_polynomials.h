@@ -30,6 +30,10 @@ inline constexpr float sQuarterSinLAPolynomial[] = {
 inline constexpr float sQuarterCosLAPolynomial[] = {
     -0x1.ffffb2p-2f, 0x1.553e5ep-5f, -0x1.6447d2p-10f};
 
+// cos x - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-32.9375.
+inline constexpr float sQuarterCosProductPolynomial[] = {
+    -0x1p-1f, 0x1.55554ap-5f, -0x1.6c0c28p-10f, 0x1.99e80ep-16f};
+
 // (sin x)/x - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-19.
 inline constexpr float sQuarterSinEPPolynomial[] = {
     -0x1.554412p-3f, 0x1.0b7b02p-7f};
@@ -47,6 +51,14 @@ inline constexpr double sQuarterSinHAPolynomial[] = {
 inline constexpr double sQuarterCosHAPolynomial[] = {
     -0x1.ffffffffe98aep-2, 0x1.55555545c50b3p-5, -0x1.6c16b348b595ep-10, 0x1.a00eb9abbc9e4p-16,
     -0x1.23c97dbf1a907p-22};
+
+// (sin x)/x - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-37.4375.
+inline constexpr double sQuarterSinComplexHAPolynomial[] = {
+    -0x1.5555554c5a67ep-3, 0x1.1111085958d77p-7, -0x1.a00f7168e7f64p-13, 0x1.6ccea8dc42218p-19};
+
+// cos x - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-33.8125.
+inline constexpr double sQuarterCosComplexHAPolynomial[] = {
+    -0x1.ffffffcaf5d7bp-2, 0x1.55553c46d0403p-5, -0x1.6c07ddc083327p-10, 0x1.9911ffe3e7e94p-16};
 
 // x/(tan x) - 1 from s on, |x| <= 0.7863981723785400390625; relative error 2^-25.84375.
 inline constexpr float sTanLAPolynomial[] = {

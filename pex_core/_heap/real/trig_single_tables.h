@@ -51,7 +51,7 @@ alignas(64) inline constexpr double kInversePiRows[16][4] = {
     {0x1.f534ddcp+23, 0x1.b6c52bp-10, 0x1.93c439041fe51p-37}};
 
 // 384 bits of 2/pi, highest first.
-inline constexpr uint64_t kTwoOverPi[6] = {
+inline constexpr uint64_t sTwoOverPi[6] = {
     0xA2F9836E4E441529, 0xFC2757D1F534DDC0, 0xDB6295993C439041,
     0xFE5163ABDEBBC561, 0xB7246E3A424DD2E0, 0x06492EEA09D1921C};
 
