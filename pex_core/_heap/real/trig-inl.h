@@ -193,35 +193,10 @@ HWY_INLINE int RunTrig(int32_t n, const double* a, double* r1, double* r2, const
     return RunTrig<F>(n, a, r1, r2, _PEX_THISFUNC_NAME);         \
   }
 
-// Ends a step of several vectors' computation: they are computed here. Left alone, GCC puts the
-// steps of one vector behind one another again, and each waits for the one before it.
-template <class V, size_t K>
-HWY_INLINE void EndStep([[maybe_unused]] V (&v)[K]) {
-#if HWY_TARGET == HWY_AVX3
-  for (size_t k = 0; k < K; ++k) asm volatile("" : "+v"(v[k].raw));
-#elif HWY_TARGET == HWY_AVX2
-  for (size_t k = 0; k < K; ++k) asm volatile("" : "+x"(v[k].raw));
-#endif
-}
-
 // x - n p where n p is exact, so that the fused form is the same.
 template <class V, size_t K>
 HWY_INLINE void SubExactProducts(const V (&x)[K], const V (&n)[K], V p, V (&r)[K]) {
   for (size_t k = 0; k < K; ++k) r[k] = hn::NegMulAdd(n[k], p, x[k]);
-}
-
-// Horner's scheme in steps.
-template <class D, class V, size_t K, size_t N>
-HWY_INLINE void HornerInSteps(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&p)[K]) {
-  for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(hn::Set(d, c[N - 1]), x[k]);
-  EndStep(p);
-  for (size_t i = N - 2;; --i) {
-    for (size_t k = 0; k < K; ++k) p[k] = hn::Add(p[k], hn::Set(d, c[i]));
-    EndStep(p);
-    if (i == 0) break;
-    for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(p[k], x[k]);
-    EndStep(p);
-  }
 }
 
 // The lanes of some vectors by magnitude, and the arguments of those in between, 0 in the others.
