@@ -38,10 +38,8 @@ HWY_INLINE void Horner(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&p)
 // steps of one vector behind one another again, and each waits for the one before it.
 template <class V, size_t K>
 HWY_INLINE void EndStep([[maybe_unused]] V (&v)[K]) {
-#if HWY_TARGET == HWY_AVX3
-  for (size_t k = 0; k < K; ++k) asm volatile("" : "+v"(v[k].raw));
-#elif HWY_TARGET == HWY_AVX2
-  for (size_t k = 0; k < K; ++k) asm volatile("" : "+x"(v[k].raw));
+#if HWY_TARGET != HWY_SSE4
+  for (size_t k = 0; K > 1 && k < K; ++k) asm volatile("" : "+v"(v[k].raw));
 #endif
 }
 

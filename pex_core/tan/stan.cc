@@ -49,8 +49,11 @@ HWY_INLINE V OddElseEven(D d, BitsOf<D> k, V odd, V even) {
 }
 
 // y cot y = 1 + q, and in even quarter turns the quotient is y - y q/(1 + q), so that its rounding
-// errors are those of a small correction. With r the tangent, y's excess e takes e (1 + r^2) more.
+// errors are those of a small correction. y's excess e takes e tan' y more; for the slope tan' y a
+// rough value does: 1.5 in even quarter turns (of 1 to 2), in odd ones 1/sin^2 y within 15 % by the
+// bits of 1/y^2.
 struct sTanLA {
+  static constexpr uint32_t kSlope = 0x7F02C000;
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 8, kResults = 1;
   static constexpr Turn kTurn = Turn::kQuarter;
   static constexpr Care kCare = Care::kFull;
@@ -70,16 +73,16 @@ struct sTanLA {
       q[k] = hn::Div(OddElseEven(d, u[k].k, c[k], q[k]), OddElseEven(d, u[k].k, u[k].y, c[k]));
     }
     EndStep(q);
-    for (size_t k = 0; k < K; ++k)
-      q[k] = hn::Sub(OddElseEven(d, u[k].k, hn::Zero(d), u[k].y), q[k]);
+    for (size_t k = 0; k < K; ++k) {
+      const V odd = FromBits(d, hn::Sub(SetBits(d, kSlope), Bits(d, s[k])));
+      c[k] = hn::Mul(u[k].excess, OddElseEven(d, u[k].k, odd, hn::Set(d, 1.5f)));
+    }
+    EndStep(c);
+    for (size_t k = 0; k < K; ++k) q[k] = hn::Add(q[k], c[k]);
     EndStep(q);
-    for (size_t k = 0; k < K; ++k) c[k] = hn::Mul(q[k], q[k]);
-    EndStep(c);
-    for (size_t k = 0; k < K; ++k) c[k] = hn::Mul(c[k], u[k].excess);
-    EndStep(c);
-    for (size_t k = 0; k < K; ++k) c[k] = hn::Add(c[k], u[k].excess);
-    EndStep(c);
-    for (size_t k = 0; k < K; ++k) r[k] = hn::Sub(q[k], c[k]);
+    for (size_t k = 0; k < K; ++k) {
+      r[k] = hn::Sub(OddElseEven(d, u[k].k, hn::Zero(d), u[k].y), q[k]);
+    }
   }
 };
 

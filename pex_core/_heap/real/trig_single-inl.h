@@ -463,8 +463,7 @@ struct TrigWide : Kernel<float, double> {
 // Lanes with an odd k.
 template <class D>
 HWY_INLINE MaskOf<D> OddQuarter(D d, BitsOf<D> k) {
-  const auto one = SetBits(d, 1);
-  return hn::RebindMask(d, hn::Eq(hn::And(k, one), one));
+  return hn::RebindMask(d, hn::TestBit(k, SetBits(d, 1)));
 }
 
 // (-1)^k sin y: the sine and the cosine. The cosine's polynomials give 1 at pi/2.
