@@ -34,6 +34,29 @@ HWY_INLINE void Horner(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&p)
   }
 }
 
+// Ends a step of several vectors' computation: they are computed here. Left alone, GCC puts the
+// steps of one vector behind one another again, and each waits for the one before it.
+template <class V, size_t K>
+HWY_INLINE void EndStep([[maybe_unused]] V (&v)[K]) {
+#if HWY_TARGET != HWY_SSE4
+  for (size_t k = 0; K > 1 && k < K; ++k) asm volatile("" : "+v"(v[k].raw));
+#endif
+}
+
+// Horner's scheme in steps.
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void HornerInSteps(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&p)[K]) {
+  for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(hn::Set(d, c[N - 1]), x[k]);
+  EndStep(p);
+  for (size_t i = N - 2;; --i) {
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Add(p[k], hn::Set(d, c[i]));
+    EndStep(p);
+    if (i == 0) break;
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(p[k], x[k]);
+    EndStep(p);
+  }
+}
+
 // Pairs (c[0] + c[1] x) + x^2 ((c[2] + c[3] x) + x^2 ...): half the latency.
 template <class D, class V, size_t N>
 HWY_INLINE V EvenOdd(D d, V x, V x2, const hn::TFromD<D> (&c)[N]) {

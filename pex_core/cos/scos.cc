@@ -19,7 +19,7 @@ struct sCosEP {
 
 struct sCosLA {
   static constexpr Turn kTurn = Turn::kCosine;
-  static constexpr Care kCare = Care::kSecondRounding;
+  static constexpr Care kCare = Care::kRounded;
   static constexpr auto& kPolynomial = sSinLAPolynomial;
 };
 

@@ -19,7 +19,7 @@ struct sSinEP {
 
 struct sSinLA {
   static constexpr Turn kTurn = Turn::kSine;
-  static constexpr Care kCare = Care::kSecondRounding;
+  static constexpr Care kCare = Care::kRounded;
   static constexpr auto& kPolynomial = sSinLAPolynomial;
 };
 

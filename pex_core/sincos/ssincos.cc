@@ -28,14 +28,11 @@ struct sSinCosNarrow {
   static constexpr Care kCare = Tier::kCare;
   template <class D, class V>
   static HWY_INLINE void Of(D d, Reduced<D> u, V& sine, V& cosine) {
-    const auto y = Tame<kTurn>(d, u.y);
-    const auto s = QuietMul(d, y, y);
-    auto p = QuietMul(d, QuietMul(d, y, s), QuietHorner(d, s, Tier::kSine));
+    const auto s = hn::Mul(u.y, u.y);
+    auto p = hn::Mul(hn::Mul(u.y, s), Horner(d, s, Tier::kSine));
     if (kCare != Care::kRough) p = hn::Sub(p, u.excess);
-    const auto q = QuietMul(d, s, QuietHorner(d, s, Tier::kCosine));
-    const auto sum = hn::Add(u.y, p);
-    TurnBack(d, u.k, HWY_TARGET == HWY_AVX3 ? KeepSign(d, sum, u.y) : sum,
-             hn::Add(q, hn::Set(d, 1.0f)), sine, cosine);
+    const auto q = hn::Mul(s, Horner(d, s, Tier::kCosine));
+    TurnBack(d, u.k, hn::Add(u.y, p), hn::Add(q, hn::Set(d, 1.0f)), sine, cosine);
   }
 };
 
@@ -48,7 +45,7 @@ struct sSinCosEP {
 
 struct sSinCosLA {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 4;
-  static constexpr Care kCare = Care::kSecondRounding;
+  static constexpr Care kCare = Care::kRounded;
   static constexpr auto& kSine = sQuarterSinLAPolynomial;
   static constexpr auto& kCosine = sQuarterCosLAPolynomial;
 };

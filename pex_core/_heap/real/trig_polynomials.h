@@ -36,13 +36,13 @@ inline constexpr double kSinQuarterEP[] = {
 inline constexpr double kCosQuarterEP[] = {
     -0x1.fffffffab502fp-2, 0x1.55554cbe24438p-5, -0x1.6c0e0a0c970fep-10, 0x1.9a6f96dd95ef9p-16};
 
-// N for tan(y)/y = (1 + x N(x))/(1 + x D(x)) in x = y^2, |y| <= pi/4; error 2^-61.875.
+// N for tan(y)/y = 1 - x N(x)/(1 - x D(x)) in x = y^2, |y| <= pi/4; error 2^-55.1875.
 inline constexpr double kTanLANumerator[] = {
-    -0x1.0c474db829ca3p-3, 0x1.98bfb539e21f6p-9, -0x1.76672bb66bd53p-17, -0x1.337e66153db25p-26};
+    -0x1.5555555555537p-2, 0x1.507fef9efdc15p-6, -0x1.a5650e432d266p-13};
 
 // D.
 inline constexpr double kTanLADenominator[] = {
-    -0x1.db78fc316a3a7p-2, 0x1.926a047b94f5fp-6, -0x1.0c7df54c1a0f9p-12};
+    0x1.d8b1968769e32p-2, -0x1.7e77f0f59fad4p-6, 0x1.b515b97a275cep-13};
 
 // N for tan(y)/y = (1 + x N(x))/(1 + x D(x)) in x = y^2, |y| <= pi/4; error 2^-34.75.
 inline constexpr double kTanEPNumerator[] = {

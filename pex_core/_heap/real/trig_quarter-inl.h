@@ -27,11 +27,12 @@ template <class D, class V, size_t K>
 HWY_INLINE void NearestQuadrant(D d, const V (&x)[K], Quarters<D, K>& u, V (&n)[K]) {
   const V shifter = hn::Set(d, kShifter);
   for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(x[k], hn::Set(d, 0x1.45f306dc9c883p-1));
+  EndStep(n);
   for (size_t k = 0; k < K; ++k) n[k] = hn::Add(n[k], shifter);
-  for (size_t k = 0; k < K; ++k) {
-    u.quadrant[k] = Bits(d, n[k]);
-    n[k] = hn::Sub(n[k], shifter);
-  }
+  EndStep(n);
+  for (size_t k = 0; k < K; ++k) u.quadrant[k] = Bits(d, n[k]);
+  for (size_t k = 0; k < K; ++k) n[k] = hn::Sub(n[k], shifter);
+  EndStep(n);
 }
 
 // pi/2 in two parts, of which n times the first is exact, for |x| < 2^12: good to 2^-28 of y.
@@ -59,9 +60,12 @@ struct QuarterLA {
     SubExactProducts(x, n, hn::Set(d, 0x1.921fb54442p+0), high);
     SubExactProducts(high, n, part2, u.y);
     for (size_t k = 0; k < K; ++k) high[k] = hn::Sub(high[k], u.y[k]);
+    EndStep(high);
     SubExactProducts(high, n, part2, high);
     for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], hn::Set(d, 0x1.8a2e03707344ap-81));
+    EndStep(n);
     for (size_t k = 0; k < K; ++k) u.rest[k] = hn::Sub(high[k], n[k]);
+    EndStep(u.rest);
   }
 };
 
@@ -89,6 +93,16 @@ HWY_INLINE MaskOf<D> OddLanes(D d, BitsOf<D> quadrant) {
 #else
   return hn::MaskFromVec(
       FromBits(d, hn::ShiftLeft<63>(quadrant)));  // blends look at the sign alone
+#endif
+}
+
+// The first of two vectors in lanes whose quadrant is odd, the second in the others.
+template <class D, class V>
+HWY_INLINE V OddElseEven(D d, BitsOf<D> quadrant, V odd, V even) {
+#if HWY_TARGET == HWY_AVX3
+  return hn::IfThenElse(OddLanes(d, quadrant), odd, even);
+#else
+  return hn::IfNegativeThenElse(FromBits(d, hn::ShiftLeft<63>(quadrant)), odd, even);
 #endif
 }
 

@@ -26,12 +26,17 @@ HWY_INLINE void NearestHalfTurn(D d, const V (&x)[K], BitsOf<D> (&sign)[K], V (&
   for (size_t k = 0; k < K; ++k) {
     n[k] = kWave == Wave::kSine ? x[k] : hn::Add(x[k], hn::Set(d, kPiOver2));
   }
+  EndStep(n);
   for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], hn::Set(d, 0x1.45f306dc9c883p-2));
+  EndStep(n);
   for (size_t k = 0; k < K; ++k) n[k] = hn::Add(n[k], shifter);
-  for (size_t k = 0; k < K; ++k) {
-    sign[k] = Bits(d, n[k]);
-    n[k] = hn::Sub(n[k], shifter);
-    if constexpr (kWave == Wave::kCosine) n[k] = hn::Sub(n[k], hn::Set(d, 0.5));
+  EndStep(n);
+  for (size_t k = 0; k < K; ++k) sign[k] = Bits(d, n[k]);
+  for (size_t k = 0; k < K; ++k) n[k] = hn::Sub(n[k], shifter);
+  EndStep(n);
+  if constexpr (kWave == Wave::kCosine) {
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Sub(n[k], hn::Set(d, 0.5));
+    EndStep(n);
   }
 }
 
@@ -82,7 +87,7 @@ struct HalfTurnWave {
 struct SineLA {
   static constexpr int kLimitExponent = 23;
   static constexpr bool kBrief = false;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 6;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_SSE4 ? 6 : 8;
   static constexpr double kCoefficients[] = {-0.16666666666666186,    0.008333333333285542,
                                              -0.00019841269825056256, 2.7557316600552628e-06,
                                              -2.505188027386288e-08,  1.6048095404959637e-10,
@@ -93,20 +98,28 @@ struct SineLA {
     V n[K];
     NearestHalfTurn<kWave>(d, x, sign, n);
     SubExactProducts(x, n, hn::Set(d, 3.141592502593994), y);
+    EndStep(y);
     SubExactProducts(y, n, hn::Set(d, 1.5099578831723193e-7), y);
+    EndStep(y);
     SubExactProducts(y, n, hn::Set(d, 1.078060505991553e-14), y);
+    EndStep(y);
     for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], hn::Set(d, 6.564007085747001e-22));
+    EndStep(n);
     for (size_t k = 0; k < K; ++k) y[k] = hn::Sub(y[k], n[k]);
+    EndStep(y);
   }
 
   template <class D, class V, size_t K>
   static HWY_INLINE void Polynomial(D d, const V (&y)[K], V (&p)[K]) {
     V s[K];
     for (size_t k = 0; k < K; ++k) s[k] = hn::Mul(y[k], y[k]);
-    Horner(d, s, kCoefficients, p);
+    HornerInSteps(d, s, kCoefficients, p);
     for (size_t k = 0; k < K; ++k) s[k] = hn::Mul(y[k], s[k]);
+    EndStep(s);
     for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(s[k], p[k]);
+    EndStep(p);
     for (size_t k = 0; k < K; ++k) p[k] = hn::Add(y[k], p[k]);
+    EndStep(p);
   }
 };
 
@@ -114,22 +127,25 @@ struct SineLA {
 struct SineEP {
   static constexpr int kLimitExponent = 12;
   static constexpr bool kBrief = true;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 6;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_SSE4 ? 6 : 8;
 
   template <Wave kWave, class D, class V, size_t K>
   static HWY_INLINE void Reduce(D d, const V (&x)[K], BitsOf<D> (&sign)[K], V (&y)[K]) {
     V n[K];
     NearestHalfTurn<kWave>(d, x, sign, n);
     SubExactProducts(x, n, hn::Set(d, 0x1.921fb54442p+1), y);
+    EndStep(y);
     for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], hn::Set(d, 0x1.a308d313198a3p-40));
+    EndStep(n);
     for (size_t k = 0; k < K; ++k) y[k] = hn::Sub(y[k], n[k]);
+    EndStep(y);
   }
 
   template <class D, class V, size_t K>
   static HWY_INLINE void Polynomial(D d, const V (&y)[K], V (&p)[K]) {
     V s[K];
     for (size_t k = 0; k < K; ++k) s[k] = hn::Mul(y[k], y[k]);
-    Horner(d, s, kSinEP, p);
+    HornerInSteps(d, s, kSinEP, p);
     for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(y[k], p[k]);
   }
 };

@@ -2,9 +2,9 @@
 //
 // x = N u + y. For the sine u = pi and N = k is an integer, for the cosine u = pi and N = k - 1/2,
 // so that both are (-1)^k sin y with |y| <= pi/2; for the tangent and the pair of sine and cosine
-// u = pi/2 and N = k, with |y| <= pi/4. Arguments that float arithmetic can reduce (|x| < 1600)
-// stay in it; the others go through double precision, multiplied by a part of 1/pi (Payne and Hanek
-// 1983) that depends on their exponent.
+// u = pi/2 and N = k, with |y| <= pi/4. Arguments that float arithmetic can reduce (2^-21 <=
+// |x| < 2^11) stay in it; the others go through double precision, multiplied by a part of 1/pi
+// (Payne and Hanek 1983) that depends on their exponent.
 
 #include <cstdint>
 
@@ -31,11 +31,11 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 enum class Turn { kSine, kCosine, kQuarter };
 
-// How good the reduction is in float arithmetic: about 14 bits next to the zeros; rounded twice,
-// with the error of the second rounding; rounded once, with the error of that.
-enum class Care { kRough, kSecondRounding, kOneRounding };
+// How good the reduction is in float arithmetic: about 14 bits next to the zeros; but for one
+// rounding of y; in full.
+enum class Care { kRough, kRounded, kFull };
 
-// The reduced argument: of half turns (-1)^k y, of quarters y, and k in the lowest two bits.
+// The reduced argument y and k in the lowest two bits.
 template <class D>
 struct Reduced {
   VecOf<D> y;
@@ -53,25 +53,6 @@ HWY_INLINE V ExactDifference(D d, V x, V a, V b) {
   (void)d;
   return hn::NegMulAdd(a, b, x);
 #endif
-}
-
-// The product without a flag where that costs nothing.
-template <class D, class V>
-HWY_INLINE V QuietMul(D d, V a, V b) {
-#if HWY_TARGET == HWY_AVX3
-  (void)d;
-  return V{_mm512_mul_round_ps(a.raw, b.raw, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
-#else
-  (void)d;
-  return hn::Mul(a, b);
-#endif
-}
-
-template <class D, class V, size_t N>
-HWY_INLINE V QuietHorner(D d, V x, const float (&c)[N]) {
-  V p = hn::Set(d, c[N - 1]);
-  for (size_t i = N - 1; i-- > 0;) p = hn::Add(QuietMul(d, p, x), hn::Set(d, c[i]));
-  return p;
 }
 
 // x with its sign changed where the highest of `bits` is set.
@@ -149,106 +130,93 @@ template <Turn kTurn>
 struct Reduction {
   static constexpr bool kQuarter = kTurn == Turn::kQuarter;
   static constexpr float kUnit = kQuarter ? 0.5f : 1.0f;  // u/pi
-  // |k| is at most 2^(kBits - 1), so that x - N times the high part of u is a multiple of the high
-  // part's last place, and a number.
-  static constexpr int kBits = kQuarter ? 11 : 10;
-  static constexpr float kShifter = 0x1.8p23f + (1 << (kBits - 1));
+  static constexpr float kShifter = 0x1.8p23f;            // leaves k in the lowest bits
 
-  // k in the lowest bits. Adding 2^-40 to the argument changes no k; it keeps the product of a
-  // tiny number from underflow.
-  template <class D, class V>
-  static HWY_INLINE V Quotient(D d, V x) {
-    if (kTurn == Turn::kCosine) {
-      x = hn::Add(x, hn::Set(d, 0x1.921fb6p+0f));
-    } else if (HWY_TARGET != HWY_AVX3) {
-      x = hn::Add(x, hn::Set(d, 0x1p-40f));
-    }
-    return hn::Add(QuietMul(d, x, hn::Set(d, 0x1.45f306p-2f / kUnit)), hn::Set(d, kShifter));
-  }
-  template <class D, class V>
-  static HWY_INLINE V Multiple(D d, V quotient) {
-    const V k = hn::Sub(quotient, hn::Set(d, kShifter));
-    return kTurn == Turn::kCosine ? hn::Sub(k, hn::Set(d, 0.5f)) : k;
-  }
-
-  // The quotient is out of bounds: any of the bits above the lowest kBits differs from those of
-  // 1.5 2^23.
-  static constexpr uint32_t kPattern = 0x4B400000;
-  static constexpr uint32_t kHighBits = ~((1u << kBits) - 1);
+  // Arguments for float arithmetic: their exponents less the first have only the lowest bits,
+  // whatever the sign. N times the middle part of u is exact, x - N times the high part is a
+  // multiple of the high part's last place and a number, and no power of y underflows.
+  static constexpr float kLeast = 0x1p-21f, kLimit = 0x1p11f;
+  static constexpr uint32_t kOffset = BitsOfNumber(kLeast);
+  static constexpr uint32_t kHighBits = 0x70000000;
   template <class D, class V>
   static HWY_INLINE BitsOf<D> Key(D d, V x) {
-    return hn::Xor(Bits(d, Quotient(d, x)), SetBits(d, kPattern));
+    return hn::Sub(Bits(d, x), SetBits(d, kOffset));
   }
   template <class D, class V>
   static HWY_INLINE BitsOf<D> Joined(D d, BitsOf<D> key, V x) {
-#if HWY_TARGET == HWY_AVX3
-    const auto pattern = SetBits(d, kPattern);
-    return BitsOf<D>{_mm512_ternarylogic_epi32(key.raw, Bits(d, Quotient(d, x)).raw, pattern.raw,
-                                               0xF6)};  // key | quotient ^ pattern
-#else
     return hn::Or(key, Key(d, x));
-#endif
   }
   template <class D>
   static HWY_INLINE bool Any(D d, BitsOf<D> key) {
-    return !hn::AllTrue(hn::RebindToSigned<D>(),
-                        hn::Eq(hn::And(key, SetBits(d, kHighBits)), SetBits(d, 0)));
-  }
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> Beyond(D d, V x) {
-    return hn::RebindMask(d, hn::Ne(hn::And(Key(d, x), SetBits(d, kHighBits)), SetBits(d, 0)));
-  }
-
-  // Half turns take their sign at once: what is left is sin y.
-  template <class D>
-  static HWY_INLINE Reduced<D> Signed(D d, Reduced<D> u) {
-    if (kQuarter) return u;
-    const auto sign = FromBits(d, hn::ShiftLeft<sizeof(hn::TFromD<D>) * 8 - 1>(u.k));
-    return {hn::Xor(u.y, sign), u.k, hn::Xor(u.excess, sign)};
+#if HWY_TARGET == HWY_AVX3
+    return _mm512_test_epi32_mask(key.raw, SetBits(d, kHighBits).raw) != 0;
+#elif HWY_TARGET == HWY_AVX2
+    return _mm256_testz_si256(key.raw, SetBits(d, kHighBits).raw) == 0;
+#else
+    return _mm_testz_si128(key.raw, SetBits(d, kHighBits).raw) == 0;
+#endif
   }
 
-  // For arguments that are not Beyond.
+  // For arguments from kLeast up to kLimit, some vectors in steps.
+  template <Care kCare, class D, class V, size_t K>
+  static HWY_INLINE void NearGroup(D d, const V (&x)[K], Reduced<D> (&u)[K]) {
+    V n[K], y[K], sum[K];
+    for (size_t k = 0; k < K; ++k) {
+      n[k] = kTurn == Turn::kCosine ? hn::Add(x[k], hn::Set(d, 0x1.921fb6p+0f)) : x[k];
+    }
+    EndStep(n);
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], hn::Set(d, 0x1.45f306p-2f / kUnit));
+    EndStep(n);
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Add(n[k], hn::Set(d, kShifter));
+    EndStep(n);
+    for (size_t k = 0; k < K; ++k) u[k].k = Bits(d, n[k]);
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Sub(n[k], hn::Set(d, kShifter));
+    EndStep(n);
+    if (kTurn == Turn::kCosine) {
+      for (size_t k = 0; k < K; ++k) n[k] = hn::Sub(n[k], hn::Set(d, 0.5f));
+      EndStep(n);
+    }
+    for (size_t k = 0; k < K; ++k)
+      y[k] = ExactDifference(d, x[k], n[k], hn::Set(d, kPiHigh * kUnit));
+    EndStep(y);
+    if constexpr (kCare == Care::kRough) {
+      for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], hn::Set(d, kPiRest * kUnit));
+      for (size_t k = 0; k < K; ++k) y[k] = hn::Sub(y[k], n[k]);
+      EndStep(y);
+      for (size_t k = 0; k < K; ++k) u[k].y = y[k];
+      return;
+    }
+    const V middle = hn::Set(d, kPiMiddle * kUnit), least = hn::Set(d, kPiLow * kUnit);
+    for (size_t k = 0; k < K; ++k) sum[k] = ExactDifference(d, y[k], n[k], middle);
+    EndStep(sum);
+    if constexpr (kCare == Care::kRounded) {
+      for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], least);
+      EndStep(n);
+      for (size_t k = 0; k < K; ++k) u[k].y = sum[k];
+      for (size_t k = 0; k < K; ++k) u[k].excess = n[k];
+      return;
+    }
+    for (size_t k = 0; k < K; ++k) y[k] = hn::Sub(y[k], sum[k]);
+    EndStep(y);
+    for (size_t k = 0; k < K; ++k) y[k] = ExactDifference(d, y[k], n[k], middle);
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], least);
+    EndStep(y);
+    EndStep(n);
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Sub(n[k], y[k]);  // what the sum has too much
+    EndStep(n);
+    for (size_t k = 0; k < K; ++k) y[k] = hn::Sub(sum[k], n[k]);
+    EndStep(y);
+    for (size_t k = 0; k < K; ++k) sum[k] = hn::Sub(sum[k], y[k]);
+    for (size_t k = 0; k < K; ++k) sum[k] = hn::Sub(n[k], sum[k]);
+    EndStep(sum);
+    for (size_t k = 0; k < K; ++k) u[k].y = y[k];
+    for (size_t k = 0; k < K; ++k) u[k].excess = sum[k];
+  }
   template <Care kCare, class D, class V>
   static HWY_INLINE Reduced<D> Near(D d, V x) {
-    if constexpr (kCare == Care::kOneRounding) {
-      Reduced<D> u[1];
-      NearGroup(d, {x}, u);
-      return u[0];
-    }
-    const V quotient = Quotient(d, x);
-    const V n = Multiple(d, quotient);
-    V y = ExactDifference(d, x, n, hn::Set(d, kPiHigh * kUnit));
-    if constexpr (kCare == Care::kRough) {
-      y = hn::Sub(y, hn::Mul(n, hn::Set(d, kPiRest * kUnit)));
-    } else {
-      const V middle = hn::Set(d, kPiMiddle * kUnit);
-      const V low = hn::Mul(n, hn::Set(d, kPiLow * kUnit));
-      const V sum = ExactDifference(d, y, n, middle);
-      y = hn::Sub(sum, low);
-      const V excess = hn::Add(hn::Sub(y, sum), low);
-      return Signed(d, {y, Bits(d, quotient), excess});
-    }
-    return Signed(d, {y, Bits(d, quotient)});
-  }
-
-  // The same for several vectors of quarter turns, rounded once.
-  template <class D, class V, size_t K>
-  requires(kQuarter) static HWY_INLINE void NearGroup(D d, const V (&x)[K], Reduced<D> (&u)[K]) {
-    const V high = hn::Set(d, kPiHigh * kUnit), middle = hn::Set(d, kPiMiddle * kUnit);
-    V n[K], y[K], sum[K], rest[K];
-    for (size_t k = 0; k < K; ++k) {
-      const V quotient = Quotient(d, x[k]);
-      u[k].k = Bits(d, quotient);
-      n[k] = Multiple(d, quotient);
-    }
-    for (size_t k = 0; k < K; ++k) y[k] = ExactDifference(d, x[k], n[k], high);
-    for (size_t k = 0; k < K; ++k) sum[k] = ExactDifference(d, y[k], n[k], middle);
-    for (size_t k = 0; k < K; ++k) {
-      const V low = hn::Mul(n[k], hn::Set(d, kPiLow * kUnit));
-      rest[k] = hn::Sub(low, ExactDifference(d, hn::Sub(y[k], sum[k]), n[k], middle));
-    }
-    for (size_t k = 0; k < K; ++k) u[k].y = hn::Sub(sum[k], rest[k]);
-    for (size_t k = 0; k < K; ++k) u[k].excess = hn::Sub(rest[k], hn::Sub(sum[k], u[k].y));
+    Reduced<D> u[1];
+    NearGroup<kCare>(d, {x}, u);
+    return u[0];
   }
 
   // In double precision, for floats below kWideLimit in magnitude. Multiples of u's high part have
@@ -262,8 +230,7 @@ struct Reduction {
     V n = hn::Sub(quotient, shifter);
     if (kTurn == Turn::kCosine) n = hn::Sub(n, hn::Set(d, 0.5));
     const V y = ExactDifference(d, x, n, hn::Set(d, 0x1.921fb54442d18p+1 * kUnit));
-    return Signed(
-        d, {hn::Sub(y, hn::Mul(n, hn::Set(d, 0x1.1a62633145c07p-53 * kUnit))), Bits(d, quotient)});
+    return {hn::Sub(y, hn::Mul(n, hn::Set(d, 0x1.1a62633145c07p-53 * kUnit))), Bits(d, quotient)};
   }
 
   // In double precision, for floats of at least 1: x is the argument divided by 2^(8 row), in
@@ -283,8 +250,8 @@ struct Reduction {
     if (kTurn == Turn::kCosine) rest = hn::Add(rest, hn::Set(d, 0.5));
     const V k2 = hn::Add(hn::Add(rest, middle), shifter);
     const V turns = hn::Add(hn::Add(hn::Sub(rest, hn::Sub(k2, shifter)), middle), low);
-    return Signed(d, {hn::Mul(turns, hn::Set(d, 0x1.921fb54442d18p+1 * kUnit)),
-                      hn::Add(Bits(d, k1), Bits(d, k2))});
+    return {hn::Mul(turns, hn::Set(d, 0x1.921fb54442d18p+1 * kUnit)),
+            hn::Add(Bits(d, k1), Bits(d, k2))};
   }
 
   // The same for vectors of floats of at least 1 in magnitude, finite.
@@ -305,25 +272,24 @@ struct Reduction {
     const auto far = FarWide(d, hn::IfThenElse(near_mask, hn::Set(d, 1.0f), x));
     const auto select = MagnitudeBelow(wide, hn::PromoteTo(wide, x), double{kWideLimit});
     const auto y = hn::IfThenElse(select, near.y, far.y);
-    if (!kQuarter) return {y, near.k};
     return {y, Bits(wide, hn::IfThenElse(select, FromBits(wide, near.k), FromBits(wide, far.k)))};
   }
 
-  // In single precision, for all finite arguments.
+  // In single precision, for all finite arguments of at least kLeast.
   template <Care kCare, class D, class V>
   static HWY_INLINE Reduced<D> Whole(D d, V x) {
-    const auto beyond = Beyond(d, x);
-    const Reduced<D> near = Near<kCare>(d, hn::IfThenZeroElse(beyond, x));
-    const V far_x = hn::IfThenElse(beyond, x, hn::Set(d, 1.0f));
+    const V one = hn::Set(d, 1.0f);
+    const auto near_mask = MagnitudeBelow(d, x, kLimit);
+    const Reduced<D> near = Near<kCare>(d, hn::IfThenElse(near_mask, x, one));
+    if (hn::AllTrue(d, near_mask)) return near;
+    const V far_x = hn::IfThenElse(near_mask, one, x);
     const hn::Half<D> half;
     const auto lower = FarNarrow(half, hn::LowerHalf(half, far_x));
     const auto upper = FarNarrow(half, hn::UpperHalf(half, far_x));
-    const V y = hn::IfThenElse(beyond, hn::Combine(d, upper.y, lower.y), near.y);
-    if (!kQuarter) return {y, near.k, hn::IfThenZeroElse(beyond, near.excess)};
     const V k = hn::Combine(d, upper.k, lower.k);
-    const V excess = hn::Combine(d, upper.excess, lower.excess);
-    return {y, Bits(d, hn::IfThenElse(beyond, k, FromBits(d, near.k))),
-            hn::IfThenElse(beyond, excess, near.excess)};
+    return {hn::IfThenElse(near_mask, near.y, hn::Combine(d, upper.y, lower.y)),
+            Bits(d, hn::IfThenElse(near_mask, FromBits(d, near.k), k)),
+            hn::IfThenElse(near_mask, near.excess, hn::Combine(d, upper.excess, lower.excess))};
   }
 
   // Far, rounded to single precision; k in the lowest bits of a float.
@@ -336,11 +302,12 @@ struct Reduction {
     const hn::Rebind<double, D> wide;
     const auto far = FarWide(d, x);
     const V y = hn::DemoteTo(d, far.y);
-    if (!kQuarter) return {y, y, y};
     const auto offset = hn::Set(wide, 0x1p52);  // its lowest bits are those of k mod 4
     const auto k = hn::Or(hn::And(far.k, SetBits(wide, 3)), Bits(wide, offset));
     const V k_narrow = hn::DemoteTo(d, hn::Sub(FromBits(wide, k), offset));
-    const V excess = hn::DemoteTo(d, hn::Sub(hn::PromoteTo(wide, y), far.y));
+    // The sines of half turns take an excess only where it is far below a last place.
+    const V excess =
+        kQuarter ? hn::DemoteTo(d, hn::Sub(hn::PromoteTo(wide, y), far.y)) : hn::Zero(d);
     return {y, hn::Add(k_narrow, hn::Set(d, 0x1p23f)), excess};
   }
 };
@@ -353,28 +320,43 @@ struct TrigNarrow : Kernel<float> {
   static constexpr int kResults = Formula::kResults;
   using Reduce = Reduction<Formula::kTurn>;
   using Rarity = Reduce;
-  template <class D, class V, class... R>
-  static HWY_INLINE auto Main(D d, V x, R&... r) {
-    return Formula::Of(d, Reduce::template Near<Formula::kCare>(d, x), r...);
-  }
-  // For formulas that take several vectors at once, step by step.
   template <class D, class V, size_t K>
-  requires(Formula::kGrouped) static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+  requires(kResults == 1) static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     Reduced<D> u[K];
-    Reduce::NearGroup(d, x, u);
+    Reduce::template NearGroup<Formula::kCare>(d, x, u);
     Formula::Group(d, u, r);
+  }
+  template <class D, class V>
+  static HWY_INLINE void Main(D d, V x, V& sine, V& cosine) {
+    Formula::Of(d, Reduce::template Near<Formula::kCare>(d, x), sine, cosine);
   }
   template <class... R>
   static HWY_INLINE int Rare(float x, R*... r) {
     return sTrigScalar(x, r...);
   }
+  // Tiny arguments have their limit as result.
   struct Wide : Kernel<float> {
     static constexpr int kUnroll = 2;
     static constexpr int kResults = Formula::kResults;
     using Rarity = RareAbove<float, 0x7F7FFFFF>;
-    template <class D, class V, class... R>
-    static HWY_INLINE auto Main(D d, V x, R&... r) {
-      return Formula::Of(d, Reduce::template Whole<Formula::kCare>(d, x), r...);
+    template <class D, class V>
+    static HWY_INLINE V Main(D d, V x) {
+      const V one = hn::Set(d, 1.0f);
+      const auto tiny = MagnitudeBelow(d, x, Reduce::kLeast);
+      const Reduced<D> u[1] = {
+          Reduce::template Whole<Formula::kCare>(d, hn::IfThenElse(tiny, one, x))};
+      V r[1];
+      Formula::Group(d, u, r);
+      return hn::IfThenElse(tiny, Formula::kTurn == Turn::kCosine ? one : x, r[0]);
+    }
+    template <class D, class V>
+    static HWY_INLINE void Main(D d, V x, V& sine, V& cosine) {
+      const V one = hn::Set(d, 1.0f);
+      const auto tiny = MagnitudeBelow(d, x, Reduce::kLeast);
+      Formula::Of(d, Reduce::template Whole<Formula::kCare>(d, hn::IfThenElse(tiny, one, x)), sine,
+                  cosine);
+      sine = hn::IfThenElse(tiny, x, sine);
+      cosine = hn::IfThenElse(tiny, one, cosine);
     }
     template <class... R>
     static HWY_INLINE int Rare(float x, R*... r) {
@@ -478,36 +460,37 @@ struct TrigWide : Kernel<float, double> {
   };
 };
 
-// A reduced argument whose powers raise no underflow. AVX-512 multiplies without flags (QuietMul);
-// the other levels put 0 in place of tiny numbers, and the terms that are added to them vanish as
-// they would anyway: they are -0, where the first coefficient is negative.
-template <Turn kTurn, class D, class V>
-HWY_INLINE V Tame(D d, V y, float limit = 0x1p-40f) {
-  if (HWY_TARGET == HWY_AVX3 || kTurn == Turn::kCosine) return y;  // the cosine's are not tiny
-  return hn::IfThenZeroElse(MagnitudeBelow(d, y, limit), y);
-}
-
 // Lanes with an odd k.
 template <class D>
 HWY_INLINE MaskOf<D> OddQuarter(D d, BitsOf<D> k) {
-  const auto one = SetBits(d, 1);
-  return hn::RebindMask(d, hn::Eq(hn::And(k, one), one));
+  return hn::RebindMask(d, hn::TestBit(k, SetBits(d, 1)));
 }
 
-// sin y: the sine and the cosine. The cosine's polynomials give 1 at pi/2.
+// (-1)^k sin y: the sine and the cosine. The cosine's polynomials give 1 at pi/2.
 template <class Half>
 struct sSineNarrow {
-  static constexpr int kUnroll = 8, kResults = 1;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 8, kResults = 1;
   static constexpr Turn kTurn = Half::kTurn;
   static constexpr Care kCare = Half::kCare;
-  template <class D>
-  static HWY_INLINE VecOf<D> Of(D d, Reduced<D> u) {
-    const auto tame = Tame<kTurn>(d, u.y);
-    const auto s = QuietMul(d, tame, tame);
-    auto p = QuietMul(d, QuietMul(d, tame, s), QuietHorner(d, s, Half::kPolynomial));
-    if (Half::kCare != Care::kRough) p = hn::Sub(p, u.excess);
-    const auto sum = hn::Add(u.y, p);
-    return HWY_TARGET == HWY_AVX3 && kTurn == Turn::kSine ? KeepSign(d, sum, u.y) : sum;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Group(D d, const Reduced<D> (&u)[K], V (&r)[K]) {
+    V s[K], p[K];
+    for (size_t k = 0; k < K; ++k) s[k] = hn::Mul(u[k].y, u[k].y);
+    EndStep(s);
+    HornerInSteps(d, s, Half::kPolynomial, p);
+    for (size_t k = 0; k < K; ++k) s[k] = hn::Mul(u[k].y, s[k]);
+    EndStep(s);
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(s[k], p[k]);
+    EndStep(p);
+    if (Half::kCare != Care::kRough) {
+      for (size_t k = 0; k < K; ++k) p[k] = hn::Sub(p[k], u[k].excess);
+      EndStep(p);
+    }
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Add(u[k].y, p[k]);
+    EndStep(p);
+    for (size_t k = 0; k < K; ++k) {
+      r[k] = hn::Xor(p[k], FromBits(d, hn::ShiftLeft<31>(u[k].k)));
+    }
   }
 };
 
@@ -521,7 +504,8 @@ struct sSineHA {
     const auto s = hn::Mul(u.y, u.y);
     const auto p = EvenOdd(d, s, hn::Mul(s, s), sSinHAPolynomial);
     const auto sum = hn::Add(hn::Mul(hn::Mul(u.y, s), p), u.y);
-    return kTurn == Turn::kSine ? KeepSign(d, sum, u.y) : sum;
+    return hn::Xor(kTurn == Turn::kSine ? KeepSign(d, sum, u.y) : sum,
+                   FromBits(d, hn::ShiftLeft<63>(u.k)));
   }
 };
 
