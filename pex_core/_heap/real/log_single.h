@@ -7,19 +7,41 @@
 
 namespace pex {
 
+// The factors by rows, for the level that loads rows.
+struct LogSingleRows {
+  struct alignas(16) Row {
+    double factor;
+    float log;
+  } row[16];
+};
+
+constexpr LogSingleRows ByRows(const LogSingleTable& t) {
+  LogSingleRows r{};
+  for (int j = 0; j < 16; ++j) r.row[j] = {t.factor[j], t.log[j]};
+  return r;
+}
+
+inline constexpr LogSingleRows kLnSingleRows = ByRows(kLnSingleFactors);
+inline constexpr LogSingleRows kLog10SingleRows = ByRows(kLog10SingleFactors);
+
 struct sNaturalLog {
+  static constexpr float kLogE = 1;
   static constexpr float kLog2 = 0x1.62e430p-24f;  // 2^-23 ln 2
-  static constexpr float kLog2Multiple = 1, kLog2Part = kLog2;
+  static constexpr float kLog2Hi = kLog2, kLog2Lo = 0;
   static constexpr auto& kTable = kLnSingleTable;
+  static constexpr auto& kFactors = kLnSingleFactors;
+  static constexpr auto& kRows = kLnSingleRows;
   static constexpr auto& kLA = kLnSingleLA;
   static constexpr auto& kEP = kLnSingleEP;
   static constexpr auto& kHA = kLnSingleHA;
 };
 
 struct sDecimalLog {
-  static constexpr float kLog2Multiple = 641, kLog2Part = 0x1.ec7028p-35f;
-  static constexpr float kLog2 = 0x1.344136p-25f;  // 2^-23 log10 2
-  static constexpr auto& kTable = kLog10SingleTable;
+  static constexpr float kLogE = 0x1.bcb7b2p-2f;
+  static constexpr float kLog2 = 0x1.344136p-25f;                          // 2^-23 log10 2
+  static constexpr float kLog2Hi = 0x1.344p-25f, kLog2Lo = 0x1.350ap-41f;  // 16 bits each
+  static constexpr auto& kFactors = kLog10SingleFactors;
+  static constexpr auto& kRows = kLog10SingleRows;
   static constexpr auto& kLA = kLog10SingleLA;
   static constexpr auto& kEP = kLog10SingleEP;
   static constexpr auto& kHA = kLog10SingleHA;

@@ -5,11 +5,12 @@
 
 namespace pex {
 
-// Rows i & 15 for a = i/16, i = 12 .. 24: 1/a or log10(e)/a, and log(a).
+// Rows i & 15 for a = i/16, i = 12 .. 24.
 struct LogSingleTable {
   alignas(64) float factor[16], log[16];
 };
 
+// Points: 1/a and ln(a).
 inline constexpr LogSingleTable kLnSingleTable = {
     {0x1p+0f, 0x1.e1e1e2p-1f, 0x1.c71c72p-1f, 0x1.af286cp-1f, 0x1.99999ap-1f,
      0x1.86185ep-1f, 0x1.745d18p-1f, 0x1.642c86p-1f, 0x1.55553cp-1f, 0x0p+0f,
@@ -21,15 +22,28 @@ inline constexpr LogSingleTable kLnSingleTable = {
      -0x1.08598cp-4f},
 };
 
-inline constexpr LogSingleTable kLog10SingleTable = {
-    {0x1.bcb7b2p-2f, 0x1.a28ec4p-2f, 0x1.8b4df4p-2f, 0x1.767fbep-2f, 0x1.63c628p-2f,
-     0x1.52d51ap-2f, 0x1.436e52p-2f, 0x1.355e66p-2f, 0x1.287a78p-2f, 0x0p+0f,
-     0x0p+0f, 0x0p+0f, 0x1.287a76p-1f, 0x1.11ac2p-1f, 0x1.fc3fa8p-2f,
-     0x1.da5d8ap-2f},
-    {0x0p+0f, 0x1.af5f92p-6f, 0x1.a30a9ep-5f, 0x1.31b306p-4f, 0x1.8cf184p-4f,
-     0x1.e3bc1cp-4f, 0x1.1b3e72p-3f, 0x1.42c7e8p-3f, 0x1.68a28ap-3f, 0x0p+0f,
-     0x0p+0f, 0x0p+0f, -0x1.ffbfc4p-4f, -0x1.715d0ep-4f, -0x1.db11eep-5f,
-     -0x1.cb38fcp-6f},
+// Factors: c near log(e)/a and -log(c/log(e)) to within 2^-9 of an ulp, log(e) itself as a float.
+inline constexpr LogSingleTable kLnSingleFactors = {
+    {0x1p+0f, 0x1.e2c7a4p-1f, 0x1.c7270cp-1f, 0x1.af318ap-1f, 0x1.99a964p-1f,
+     0x1.861a9ep-1f, 0x1.746706p-1f, 0x1.6430e4p-1f, 0x1.5565dcp-1f, 0x0p+0f,
+     0x0p+0f, 0x0p+0f, 0x1.5564f4p+0f, 0x1.3b1c66p+0f, 0x1.249598p+0f,
+     0x1.108762p+0f},
+    {0x0p+0f, 0x1.e164cap-5f, 0x1.e2110cp-4f, 0x1.5fc7b8p-3f, 0x1.c8b08ap-3f,
+     0x1.166fecp-2f, 0x1.45fd6cp-2f, 0x1.7390fp-2f, 0x1.9f00acp-2f, 0x0p+0f,
+     0x0p+0f, 0x0p+0f, -0x1.26c4fcp-2f, -0x1.a9776ap-3f, -0x1.11901p-3f,
+     -0x1.00464p-4f},
+};
+
+
+inline constexpr LogSingleTable kLog10SingleFactors = {
+    {0x1.bcb7b2p-2f, 0x1.a355c8p-2f, 0x1.8b5554p-2f, 0x1.768462p-2f, 0x1.63ce48p-2f,
+     0x1.52db64p-2f, 0x1.43727p-2f, 0x1.355f4p-2f, 0x1.288a68p-2f, 0x0p+0f,
+     0x0p+0f, 0x0p+0f, 0x1.2882f6p-1f, 0x1.11b4cp-1f, 0x1.fc4e36p-2f,
+     0x1.d9619ep-2f},
+    {0x0p+0f, 0x1.a22b8ep-6f, 0x1.a2c83ap-5f, 0x1.319cfcp-4f, 0x1.8cc8e4p-4f,
+     0x1.e39b16p-4f, 0x1.1b3322p-3f, 0x1.42c574p-3f, 0x1.6872b6p-3f, 0x0p+0f,
+     0x0p+0f, 0x0p+0f, -0x1.fff2bep-4f, -0x1.719524p-4f, -0x1.db77d6p-5f,
+     -0x1.bc7232p-6f},
 };
 
 }  // namespace pex

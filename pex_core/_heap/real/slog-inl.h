@@ -79,13 +79,6 @@ struct sLogIndex {
   BitsOf<D> i_;
 };
 
-// e log(2); for log10(2), which lies far from a float, by two factors, the first product exact.
-template <class Base, class D, class V>
-HWY_INLINE V sLog2Times(D d, V scaled) {
-  if constexpr (Base::kLog2Multiple != 1) scaled = hn::Mul(scaled, hn::Set(d, Base::kLog2Multiple));
-  return hn::Mul(scaled, hn::Set(d, Base::kLog2Part));
-}
-
 // The sixteenth a next to m, and its row.
 template <class D>
 struct sLogPoint {
@@ -106,7 +99,8 @@ HWY_INLINE V sLogLASum(D d, V scaled, V t, sLogIndex<D> row) {
   const V p = hn::Mul(t, row.LookUp(Base::kTable.factor));
   const V p2 = hn::Mul(p, p);
   const V s = hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, Base::kLA)));
-  return hn::Add(sLog2Times<Base>(d, scaled), hn::Add(row.LookUp(Base::kTable.log), s));
+  return hn::Add(hn::Mul(scaled, hn::Set(d, Base::kLog2)),
+                 hn::Add(row.LookUp(Base::kTable.log), s));
 }
 
 // The same for t + t_low, t_low of weight next to a = 1 alone.
@@ -115,14 +109,54 @@ HWY_INLINE V sLogLASum(D d, V scaled, V t, V t_low, sLogIndex<D> row) {
   const V p = hn::Mul(t, row.LookUp(Base::kTable.factor));
   const V p2 = hn::Mul(p, p);
   const V s = hn::Add(p, hn::Add(hn::Mul(p2, EvenOdd(d, p, p2, Base::kLA)), t_low));
-  return hn::Add(sLog2Times<Base>(d, scaled), hn::Add(row.LookUp(Base::kTable.log), s));
+  return hn::Add(hn::Mul(scaled, hn::Set(d, Base::kLog2)),
+                 hn::Add(row.LookUp(Base::kTable.log), s));
 }
 
+// factor m - log_e rounded once, and log(a), in the row of the sixteenth a next to m: the argument
+// of the polynomial of Ln and Log10, whose factors are free of a's point.
+template <class Base, class D, class V>
+HWY_INLINE void sLogFactorAt(D d, V m, V& p, V& log) {
+  const auto i = Bits(d, hn::Add(m, hn::Set(d, 0x1.8p19f)));  // ends in the number of sixteenths
+#if HWY_TARGET == HWY_SSE4
+  // Whole rows by lane, and the products in double, where they are exact.
+  const auto offset = hn::ShiftLeft<4>(hn::And(i, SetBits(d, 15))).raw;
+  const auto row = [](int64_t bytes) HWY_ATTR {
+    return _mm_load_pd(reinterpret_cast<const double*>(
+        reinterpret_cast<const char*>(Base::kRows.row) + static_cast<uint32_t>(bytes)));
+  };
+  const int64_t lower = _mm_cvtsi128_si64(offset), upper = _mm_extract_epi64(offset, 1);
+  const __m128d r0 = row(lower), r1 = row(lower >> 32), r2 = row(upper), r3 = row(upper >> 32);
+  const __m128d log_e = _mm_set1_pd(double{Base::kLogE});
+  const __m128d low = _mm_cvtps_pd(m.raw), high = _mm_cvtps_pd(_mm_movehl_ps(m.raw, m.raw));
+  const __m128d p0 = _mm_sub_pd(_mm_mul_pd(low, _mm_unpacklo_pd(r0, r1)), log_e);
+  const __m128d p1 = _mm_sub_pd(_mm_mul_pd(high, _mm_unpacklo_pd(r2, r3)), log_e);
+  p = V{_mm_movelh_ps(_mm_cvtpd_ps(p0), _mm_cvtpd_ps(p1))};
+  const __m128 log0 = _mm_castpd_ps(_mm_unpackhi_pd(r0, r1));
+  const __m128 log1 = _mm_castpd_ps(_mm_unpackhi_pd(r2, r3));
+  log = V{_mm_shuffle_ps(log0, log1, 0x88)};
+#else
+  const sLogIndex<D> row(d, i);
+  p = hn::MulSub(m, row.LookUp(Base::kFactors.factor), hn::Set(d, Base::kLogE));
+  log = row.LookUp(Base::kFactors.log);
+#endif
+}
+
+// e log(2) + log(m). The products of e and the parts of log10(2), which lies far from a float, are
+// exact, so that they may be fused.
 template <class Base, class D, class V>
 HWY_INLINE V sLogLA(D d, V x) {
   const auto u = sLogReduce(d, x);
-  const auto point = sLogNextPoint(d, u.m);
-  return sLogLASum<Base>(d, u.scaled, hn::Sub(u.m, point.a), point.row);
+  V p, log;
+  sLogFactorAt<Base>(d, u.m, p, log);
+  const V p2 = hn::Mul(p, p);
+  const V s = hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, Base::kLA)));
+  if constexpr (Base::kLog2Lo == 0) {
+    return hn::Add(hn::Add(hn::Mul(u.scaled, hn::Set(d, Base::kLog2)), log), s);
+  } else {
+    return hn::Add(hn::MulAdd(u.scaled, hn::Set(d, Base::kLog2Hi), log),
+                   hn::MulAdd(u.scaled, hn::Set(d, Base::kLog2Lo), s));
+  }
 }
 
 // e log(2) + log(1 + t), -1/4 <= t <= 1/2.
