@@ -20,7 +20,7 @@ struct dLnCommon : Kernel<double> {
 struct dLnEP : dLnCommon {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainLog<NaturalLog>(d, x, kLnEP, r);
+    LogEP<NaturalLog>(d, x, r);
   }
 };
 

@@ -20,7 +20,7 @@ struct dLog10Common : Kernel<double> {
 struct dLog10EP : dLog10Common {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainLog<DecimalLog>(d, x, kLog10EP, r);
+    LogEP<DecimalLog>(d, x, r);
   }
 };
 

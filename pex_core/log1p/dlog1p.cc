@@ -35,33 +35,30 @@ struct dLog1pEP : dLog1pCommon {
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V u[K], log[K];
     for (size_t k = 0; k < K; ++k) u[k] = hn::Add(x[k], hn::Set(d, 1.0));
-    PlainLog<NaturalLog>(d, u, kLnEP, log);
+    LogEP<NaturalLog>(d, u, log);
     for (size_t k = 0; k < K; ++k) {
       r[k] = hn::IfThenElse(MagnitudeBelow(d, x[k], 0x1p-26), x[k], log[k]);
     }
   }
 };
 
-// t = 2^-e (1 + x) - a as (2^-e - a) + 2^-e x, without the rounding of 1 + x, where it has one:
-// below -1/2 it is exact, and 2^-e too large.
+// m c - 1 and, times 2^-e c, the rounding error of 1 + x. x is its own result where 1 + x is 1.
 struct dLog1pLA : dLog1pCommon {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     const V one = hn::Set(d, 1.0);
-    LogReduced<D> v[K];
+    LogShort<D> v[K];
     V u[K], t[K], log[K];
     for (size_t k = 0; k < K; ++k) u[k] = hn::Add(x[k], one);
-    LogReduce<NaturalLog>(d, u, v);
+    LogShortReduce<LnShortFactors>(d, u, v);
     for (size_t k = 0; k < K; ++k) {
-      const V scale = InversePower(d, v[k]);
-      const V sum = hn::Add(hn::Sub(scale, v[k].row.a), hn::Mul(x[k], scale));
-      const V y = hn::IfThenElse(hn::Lt(x[k], hn::Set(d, -0.5)), hn::Sub(v[k].m, v[k].row.a), sum);
-      t[k] = hn::IfThenZeroElse(MagnitudeBelow(d, x[k], kTiny), y);
+      const V rest = hn::Sub(x[k], hn::Sub(u[k], one));
+      const V factor = FromBits(d, hn::Sub(Bits(d, v[k].c), v[k].exponent_bits));
+      const V sum = hn::Add(ShortProductLessOne(d, v[k].m, v[k].c), hn::Mul(rest, factor));
+      t[k] = hn::IfThenZeroElse(hn::Eq(u[k], one), sum);
     }
-    LogByDivision<NaturalLog>(d, v, t, log);
-    for (size_t k = 0; k < K; ++k) {
-      r[k] = hn::IfThenElse(MagnitudeBelow(d, x[k], kTiny), x[k], log[k]);
-    }
+    LogLASum<NaturalLog>(d, v, t, log);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::IfThenElse(hn::Eq(u[k], one), x[k], log[k]);
   }
 };
 

@@ -39,8 +39,26 @@ constexpr LogFactorColumns ByColumns(const LogFactors& f) {
 }
 
 inline constexpr LogFactorColumns kLnColumns = ByColumns(kLnFactors);
+inline constexpr LogFactorColumns kLnShortColumns = ByColumns(kLnShortFactors);
+inline constexpr LogFactorColumns kLog10ShortColumns = ByColumns(kLog10ShortFactors);
 inline constexpr LogRows kLnRows = ByRows(kLnTable);
 inline constexpr LogRows kLog10Rows = ByRows(kLog10Table);
+
+// Tables of factors, by rows and by columns.
+struct LnExactFactors {
+  static constexpr auto& kRows = kLnFactors;
+  static constexpr auto& kColumns = kLnColumns;
+};
+
+struct LnShortFactors {
+  static constexpr auto& kRows = kLnShortFactors;
+  static constexpr auto& kColumns = kLnShortColumns;
+};
+
+struct Log10ShortFactors {
+  static constexpr auto& kRows = kLog10ShortFactors;
+  static constexpr auto& kColumns = kLog10ShortColumns;
+};
 
 // log2_hi is a multiple of 2^-42, so that its product with an exponent, and the sum with log(a),
 // are exact; log2_lo the rest of log(2).
@@ -51,7 +69,10 @@ struct NaturalLog {
   static constexpr double kLog2Hi = 0x1.62e42fefa38p-1;  // ln 2
   static constexpr double kLog2Lo = 0x1.ef35793c7673p-45;
   static constexpr auto& kPolynomial = kLn;
+  using Factors = LnShortFactors;
+  static constexpr double kLogE = 1;
   static constexpr auto& kLA = kLnLA;
+  static constexpr auto& kEP = kLnEP;
 };
 
 struct DecimalLog {
@@ -61,7 +82,10 @@ struct DecimalLog {
   static constexpr double kLog2Hi = 0x1.34413509f8p-2;  // log10 2
   static constexpr double kLog2Lo = -0x1.80433b83b532ap-44;
   static constexpr auto& kPolynomial = kLog10;
+  using Factors = Log10ShortFactors;
+  static constexpr double kLogE = 0x1.bcb7b1526e50ep-2;
   static constexpr auto& kLA = kLog10LA;
+  static constexpr auto& kEP = kLog10EP;
 };
 
 }  // namespace pex
