@@ -18,6 +18,7 @@ struct dLnCommon : Kernel<double> {
 };
 
 struct dLnEP : dLnCommon {
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     LogEP<NaturalLog>(d, x, r);

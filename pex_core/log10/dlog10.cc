@@ -18,6 +18,7 @@ struct dLog10Common : Kernel<double> {
 };
 
 struct dLog10EP : dLog10Common {
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     LogEP<DecimalLog>(d, x, r);
@@ -25,6 +26,7 @@ struct dLog10EP : dLog10Common {
 };
 
 struct dLog10LA : dLog10Common {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     LogLA<DecimalLog>(d, x, r);

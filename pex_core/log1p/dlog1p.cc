@@ -31,6 +31,7 @@ inline constexpr double kTiny = 0x1p-54;
 
 // Without the rounding error of u: below 2^-26 x itself is as good.
 struct dLog1pEP : dLog1pCommon {
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V u[K], log[K];
@@ -42,8 +43,9 @@ struct dLog1pEP : dLog1pCommon {
   }
 };
 
-// m c - 1 and, times 2^-e c, the rounding error of 1 + x. x is its own result where 1 + x is 1.
+// t = 2^-e c x + (2^-e c - 1), free of the rounding of 1 + x. x is its own result where 1 + x is 1.
 struct dLog1pLA : dLog1pCommon {
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     const V one = hn::Set(d, 1.0);
@@ -52,9 +54,8 @@ struct dLog1pLA : dLog1pCommon {
     for (size_t k = 0; k < K; ++k) u[k] = hn::Add(x[k], one);
     LogShortReduce<LnShortFactors>(d, u, v);
     for (size_t k = 0; k < K; ++k) {
-      const V rest = hn::Sub(x[k], hn::Sub(u[k], one));
       const V factor = FromBits(d, hn::Sub(Bits(d, v[k].c), v[k].exponent_bits));
-      const V sum = hn::Add(ShortProductLessOne(d, v[k].m, v[k].c), hn::Mul(rest, factor));
+      const V sum = ShortMulAdd(d, x[k], factor, hn::Sub(factor, one));
       t[k] = hn::IfThenZeroElse(hn::Eq(u[k], one), sum);
     }
     LogLASum<NaturalLog>(d, v, t, log);

@@ -285,17 +285,23 @@ HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D> (&r)[K]) {
   }
 }
 
-// m c - 1 rounded once, for c of at most 26 bits.
+// m c + d rounded once, for c of at most 26 bits and a sum of the products' grid, below 2^53 of its
+// units: m c - 1 beside 1.
 template <class D, class V>
-HWY_INLINE V ShortProductLessOne(D d, V m, V c) {
-  const V one = hn::Set(d, 1.0);
+HWY_INLINE V ShortMulAdd(D d, V m, V c, V addend) {
 #if HWY_TARGET == HWY_SSE4
   const V upper = FromBits(d, hn::And(Bits(d, m), SetBits(d, 0xFFFFFFFFFC000000)));
   const V lower = hn::Sub(m, upper);
-  return hn::Add(hn::Sub(hn::Mul(upper, c), one), hn::Mul(lower, c));  // exact but for the sum
+  return hn::Add(hn::Add(hn::Mul(upper, c), addend), hn::Mul(lower, c));  // exact but for the last
 #else
-  return hn::MulSub(m, c, one);
+  (void)d;
+  return hn::MulAdd(m, c, addend);
 #endif
+}
+
+template <class D, class V>
+HWY_INLINE V ShortProductLessOne(D d, V m, V c) {
+  return ShortMulAdd(d, m, c, hn::Set(d, -1.0));
 }
 
 // The argument of the sums, log(e) t, and e log(2) - log(c).
