@@ -55,17 +55,33 @@ Row PointSearch(float a) {
   return best;
 }
 
-// The first float c from log_e/a on whose logarithm is a float to within 2^-9 of an ulp. Beside 1,
-// where the logarithm is smallest and an error weighs most, c is better for that side of a.
-Row FactorSearch(long double log_e, float a) {
+// Where the factor of the sixteenth a is best: in the middle of its m, of which there are none below
+// 12/16 and above 24/16; beside 1, where the logarithm is smallest and an error weighs most, nearer
+// to 1.
+float Center(float a) {
+  if (a == 0.75f) return a + 1.0f / 64;
+  if (a == 1.5f) return a - 1.0f / 64;
+  return std::fabs(a - 1) == 1.0f / 16 ? a + (1 - a) / 32 : a;
+}
+
+// A number c of so many bits next to log_e/a on whose logarithm is almost a float: the best of some,
+// the distance counting too.
+Row FactorSearch(long double log_e, int bits, float a) {
   const float scale = static_cast<float>(log_e);
   if (a == 1) return {scale, 0};
-  const float beside = std::fabs(a - 1) == 1.0f / 16 ? (1 - a) / 32 : 0;
-  for (float c = scale / (a + beside);; c = std::nextafter(c, 1.0f + c)) {
+  const float center = scale / Center(a);
+  const float ulp = std::ldexp(1.0f, std::ilogb(center) - bits + 1);
+  Row best = {};
+  long double least = 1;
+  for (int k = -16; k <= 16; ++k) {
+    const float c = (std::nearbyint(center / ulp) + static_cast<float>(k)) * ulp;
     const long double log = -log_e * std::log(c / static_cast<long double>(scale));
     const float rounded = static_cast<float>(log);
-    if (std::fabs(rounded - log) < std::ldexp(1.0L, std::ilogb(rounded) - 32)) return {c, rounded};
+    const long double error = std::fabs(std::ldexp(rounded - log, 23 - std::ilogb(rounded))) +
+                              20 * std::fabs(c / static_cast<long double>(center) - 1);
+    if (error < least) least = error, best = {c, rounded};
   }
+  return best;
 }
 
 template <class Search>
@@ -98,10 +114,9 @@ int main() {
       "// Points: 1/a and ln(a).");
   Table("kLnSingleTable", PointSearch);
   std::printf(
-      "\n// Factors: c near log(e)/a and -log(c/log(e)) to within 2^-9 of an ulp, log(e) "
-      "itself as a float.");
-  Table("kLnSingleFactors", [](float a) { return FactorSearch(1, a); });
+      "\n// Factors: c near log(e)/a and -log(c/log(e)), log(e) itself as a float; of 12 bits for ln.");
+  Table("kLnSingleFactors", [](float a) { return FactorSearch(1, 12, a); });
   std::printf("\n");
-  Table("kLog10SingleFactors", [](float a) { return FactorSearch(kLog10E, a); });
+  Table("kLog10SingleFactors", [](float a) { return FactorSearch(kLog10E, 24, a); });
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_LOG_SINGLE_TABLES_H_\n");
 }
