@@ -133,7 +133,7 @@ HWY_INLINE void LogPair(D d, const LogReduced<D> (&x)[K], const Pair<V> (&p)[K],
   }
   EvenOdd(d, arg, square, Base::kPolynomial, q);
   for (size_t k = 0; k < K; ++k) {
-    const V head = hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi)), x[k].row.log);  // exact
+    const V head = hn::MulAdd(x[k].e, hn::Set(d, Base::kLog2Hi), x[k].row.log);  // exact
     const Pair<V> s = FastTwoSum(head, arg[k]);
     const V tail = hn::Add(hn::Mul(square[k], q[k]), hn::Mul(x[k].e, hn::Set(d, Base::kLog2Lo)));
     r[k] = {s.hi, hn::Add(s.lo, hn::Add(p[k].lo, tail))};
@@ -362,8 +362,8 @@ HWY_INLINE void LogShortSum(D d, const LogShort<D> (&x)[K], const V (&t)[K], V (
   }
   for (size_t k = 0; k < K; ++k) rest[k] = hn::Sub(t[k], hn::Mul(s2[k], rest[k]));
   for (size_t k = 0; k < K; ++k) {
-    const V head = hn::Add(hn::Mul(x[k].e, hn::Set(d, NaturalLog::kLog2Hi * kExponentUnit)),
-                           x[k].log);  // exact
+    const V head =
+        hn::MulAdd(x[k].e, hn::Set(d, NaturalLog::kLog2Hi * kExponentUnit), x[k].log);  // exact
     const V low = hn::Mul(x[k].e, hn::Set(d, NaturalLog::kLog2Lo * kExponentUnit));
     const V log = hn::Sub(t[k], hn::Mul(s[k], rest[k]));
     r[k] = hn::Add(head, hn::Add(log, low));
