@@ -274,9 +274,9 @@ HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D> (&r)[K]) {
     const auto biased =
         hn::Or(hn::ShiftRight<52>(hn::BitCast(du, above)), hn::Set(du, 0x4330000000000000));
     r[k].e = hn::Sub(hn::BitCast(d, biased), hn::Set(d, 0x1p52 + 1024));
-    r[k].exponent_bits = hn::Sub(hn::And(above, SetBits(d, 0xFFF0000000000000)),
-                                 SetBits(d, static_cast<uint64_t>(kBias)));
-    r[k].m = FromBits(d, hn::Sub(bits, r[k].exponent_bits));
+    r[k].m = FromBits(
+        d, hn::Add(hn::And(above, SetBits(d, 0x000FFFFFFFFFFFFF)), SetBits(d, BitsOfNumber(0.75))));
+    r[k].exponent_bits = hn::Sub(bits, Bits(d, r[k].m));
 #endif
   }
   for (size_t k = 0; k < K; ++k) {
@@ -345,28 +345,20 @@ HWY_INLINE void LogEP(D d, const V (&x)[K], V (&r)[K]) {
 
 // The natural logarithm below 1 ulp, without a full sum.
 // By a division instead of a long polynomial: log(1 + t) = t - s (t - s^2 R(s^2))
-// for s = t/(2 + t), t standing for m c - 1. e log(2) - log(c) is exact but for a small part.
+// for s = t/(2 + t), t standing for m c - 1. e log(2) - log(c) is exact but for a small part, of
+// which the product is exact, too.
+inline constexpr double kLn2Rest = 0x1.ef35793c76p-45;  // 41 bits of NaturalLog::kLog2Lo
+
 template <class D, class V, size_t K>
 HWY_INLINE void LogShortSum(D d, const LogShort<D> (&x)[K], const V (&t)[K], V (&r)[K]) {
-  V s[K], s2[K], rest[K];
+  V s[K];
   for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(t[k], hn::Set(d, 2.0)));
-  for (size_t k = 0; k < K; ++k) s2[k] = hn::Mul(s[k], s[k]);
   for (size_t k = 0; k < K; ++k) {
-    rest[k] = hn::Add(hn::Mul(s2[k], hn::Set(d, kLnShort[3])), hn::Set(d, kLnShort[2]));
-  }
-  for (size_t k = 0; k < K; ++k) {
-    rest[k] = hn::Add(hn::Mul(s2[k], rest[k]), hn::Set(d, kLnShort[1]));
-  }
-  for (size_t k = 0; k < K; ++k) {
-    rest[k] = hn::Add(hn::Mul(s2[k], rest[k]), hn::Set(d, kLnShort[0]));
-  }
-  for (size_t k = 0; k < K; ++k) rest[k] = hn::Sub(t[k], hn::Mul(s2[k], rest[k]));
-  for (size_t k = 0; k < K; ++k) {
-    const V head =
-        hn::MulAdd(x[k].e, hn::Set(d, NaturalLog::kLog2Hi * kExponentUnit), x[k].log);  // exact
-    const V low = hn::Mul(x[k].e, hn::Set(d, NaturalLog::kLog2Lo * kExponentUnit));
-    const V log = hn::Sub(t[k], hn::Mul(s[k], rest[k]));
-    r[k] = hn::Add(head, hn::Add(log, low));
+    const V s2 = hn::Mul(s[k], s[k]);
+    const V rest = hn::Sub(t[k], hn::Mul(s2, Horner(d, s2, kLnShort)));
+    const V head = hn::MulAdd(x[k].e, hn::Set(d, NaturalLog::kLog2Hi * kExponentUnit), x[k].log);
+    const V log = hn::Sub(t[k], hn::Mul(s[k], rest));
+    r[k] = hn::Add(head, hn::MulAdd(x[k].e, hn::Set(d, kLn2Rest * kExponentUnit), log));
   }
 }
 
