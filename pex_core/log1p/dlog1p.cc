@@ -1,5 +1,5 @@
-// ln(1 + x) in double precision: the logarithm of u = 1 + x rounded, with the rounding error of u
-// added to its significand.
+// ln(1 + x) in double precision: the logarithm's reduction of u = 1 + x rounded; what the rounding
+// of u loses is made good in the argument of the polynomial.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/log1p/dlog1p.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
@@ -45,7 +45,7 @@ struct dLog1pEP : dLog1pCommon {
 
 // t = 2^-e c x + (2^-e c - 1), free of the rounding of 1 + x. x is its own result where 1 + x is 1.
 struct dLog1pLA : dLog1pCommon {
-  static constexpr int kUnroll = 8;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     const V one = hn::Set(d, 1.0);
