@@ -65,6 +65,7 @@ struct sLog1pLA : sLog1pKernel {
 
 // 1 + x is exact in double, up to 2^53.
 struct sLog1pHA : Kernel<float, double> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 6 : Kernel::kUnroll;
   using Rarity = sLog1pRarity;
   static HWY_INLINE int Rare(float x, float* r) { return sLog1pRare(x, r); }
   template <class D, class V>
