@@ -26,7 +26,7 @@ struct dLog10EP : dLog10Common {
 };
 
 struct dLog10LA : dLog10Common {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : HWY_TARGET == HWY_AVX2 ? 8 : 12;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     LogLA<DecimalLog>(d, x, r);
