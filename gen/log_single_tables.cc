@@ -1,43 +1,36 @@
-// Writes pex_core/_heap/real/log_single_tables.h: for each sixteenth a from 12/16 to 24/16 floats near
-// log(a) and near 1/a (times log10(e) for the decimal table). Neither need be the nearest: the pair is
-// taken with which e log(2) + log(a) + (m - a)/a comes out best in ulps of the result over all m and e,
-// for an error of the logarithm can be made good where it shows most, on the side of a next to 1.
+// Writes pex_core/_heap/real/log_single_tables.h, rows for each sixteenth a from 12/16 to 24/16.
+//
+// Where the logarithm is that of a given point, floats near log(a) and near 1/a. Neither need be the
+// nearest: the pair is taken with which e log(2) + log(a) + (m - a)/a comes out best in ulps of the
+// result over all m and e, for an error of the logarithm can be made good where it shows most, on the
+// side of a next to 1.
+//
+// Where it is that of the factor, a float c near log(e)/a at which -log(c/log(e)) is almost a float.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 
 namespace {
 
-struct Base {
-  const char* name;
-  long double log_e;       // log(e)
-  float multiple, part;    // their product is log(2)
-  long double log2;
-};
-
-constexpr Base kNatural = {"kLnSingleTable", 1, 1, 0x1.62e430p-1f,
-                           0.693147180559945309417232121458176568L};
-constexpr Base kDecimal = {"kLog10SingleTable", 0.434294481903251827651128918916605082L, 641,
-                           0x1.ec7028p-12f, 0.301029995663981195213738894724493027L};
+constexpr long double kLog2 = 0.693147180559945309417232121458176568L;
+constexpr long double kLog10E = 0.434294481903251827651128918916605082L;
 
 struct Row {
   float factor, log;
 };
 
 // The largest error in ulps for m within 1/32 of a.
-double Worst(const Base& base, float a, Row row) {
-  // The polynomial is one of the argument times the float next to log(e).
-  const long double scale = base.log_e / static_cast<float>(base.log_e);
+double Worst(float a, Row row) {
   double worst = 0;
   for (int e = -16; e <= 16; ++e) {
-    const float whole = base.part * (static_cast<float>(e) * base.multiple);
+    const float whole = static_cast<float>(kLog2) * static_cast<float>(e);
     for (int k = -16; k <= 16; ++k) {
       const float t = static_cast<float>(k) / 512;
       if (a + t < 0.75f || a + t > 1.5f) continue;
-      const long double exact = e * base.log2 + base.log_e * std::log(static_cast<long double>(a + t));
-      const long double error = (whole - e * base.log2) +
-                                (row.log - base.log_e * std::log(static_cast<long double>(a))) +
-                                t * (row.factor * scale - base.log_e / a);
+      const long double exact = e * kLog2 + std::log(static_cast<long double>(a + t));
+      const long double error = (whole - e * kLog2) +
+                                (row.log - std::log(static_cast<long double>(a))) +
+                                t * (row.factor - 1.0L / a);
       const int exponent = std::ilogb(exact);
       worst = std::max(worst, static_cast<double>(std::fabs(std::ldexp(error, 23 - exponent))));
     }
@@ -45,30 +38,57 @@ double Worst(const Base& base, float a, Row row) {
   return worst;
 }
 
-Row Search(const Base& base, float a) {
-  if (a == 1) return {static_cast<float>(base.log_e), 0};
-  const Row nearest = {static_cast<float>(base.log_e) / a,
-                       static_cast<float>(base.log_e * std::log(static_cast<long double>(a)))};
+Row PointSearch(float a) {
+  if (a == 1) return {1, 0};
+  const Row nearest = {1 / a, static_cast<float>(std::log(static_cast<long double>(a)))};
   Row best = nearest;
-  double least = Worst(base, a, nearest);
+  double least = Worst(a, nearest);
   for (int i = -2; i <= 2; ++i) {
     for (int k = -32; k <= 32; ++k) {
       const Row row = {
           nearest.factor + static_cast<float>(k) * std::ldexp(1.0f, std::ilogb(nearest.factor) - 23),
           nearest.log + static_cast<float>(i) * std::ldexp(1.0f, std::ilogb(nearest.log) - 23)};
-      const double worst = Worst(base, a, row);
+      const double worst = Worst(a, row);
       if (worst < least) least = worst, best = row;
     }
   }
-  std::fprintf(stderr, "%s %g: %.3f ulp, nearest %.3f\n", base.name, a, least,
-               Worst(base, a, nearest));
   return best;
 }
 
-void Table(const Base& base) {
+// Where the factor of the sixteenth a is best: in the middle of its m, of which there are none below
+// 12/16 and above 24/16; beside 1, where the logarithm is smallest and an error weighs most, nearer
+// to 1.
+float Center(float a) {
+  if (a == 0.75f) return a + 1.0f / 64;
+  if (a == 1.5f) return a - 1.0f / 64;
+  return std::fabs(a - 1) == 1.0f / 16 ? a + (1 - a) / 32 : a;
+}
+
+// A number c of so many bits next to log_e/a on whose logarithm is almost a float: the best of some,
+// the distance counting too.
+Row FactorSearch(long double log_e, int bits, float a) {
+  const float scale = static_cast<float>(log_e);
+  if (a == 1) return {scale, 0};
+  const float center = scale / Center(a);
+  const float ulp = std::ldexp(1.0f, std::ilogb(center) - bits + 1);
+  Row best = {};
+  long double least = 1;
+  for (int k = -16; k <= 16; ++k) {
+    const float c = (std::nearbyint(center / ulp) + static_cast<float>(k)) * ulp;
+    const long double log = -log_e * std::log(c / static_cast<long double>(scale));
+    const float rounded = static_cast<float>(log);
+    const long double error = std::fabs(std::ldexp(rounded - log, 23 - std::ilogb(rounded))) +
+                              20 * std::fabs(c / static_cast<long double>(center) - 1);
+    if (error < least) least = error, best = {c, rounded};
+  }
+  return best;
+}
+
+template <class Search>
+void Table(const char* name, Search search) {
   Row rows[16] = {};
-  for (int i = 12; i <= 24; ++i) rows[i & 15] = Search(base, static_cast<float>(i) / 16);
-  std::printf("\ninline constexpr LogSingleTable %s = {\n", base.name);
+  for (int i = 12; i <= 24; ++i) rows[i & 15] = search(static_cast<float>(i) / 16);
+  std::printf("\ninline constexpr LogSingleTable %s = {\n", name);
   const auto column = [&](float Row::*field) {
     std::printf("    {");
     for (int j = 0; j < 16; ++j) {
@@ -89,9 +109,14 @@ int main() {
       "//   gen_log_single_tables > pex_core/_heap/real/log_single_tables.h\n"
       "#ifndef PEX_CORE__HEAP_REAL_LOG_SINGLE_TABLES_H_\n"
       "#define PEX_CORE__HEAP_REAL_LOG_SINGLE_TABLES_H_\n\nnamespace pex {\n\n"
-      "// Rows i & 15 for a = i/16, i = 12 .. 24: 1/a or log10(e)/a, and log(a).\n"
-      "struct LogSingleTable {\n  alignas(64) float factor[16], log[16];\n};\n");
-  Table(kNatural);
-  Table(kDecimal);
+      "// Rows i & 15 for a = i/16, i = 12 .. 24.\n"
+      "struct LogSingleTable {\n  alignas(64) float factor[16], log[16];\n};\n\n"
+      "// Points: 1/a and ln(a).");
+  Table("kLnSingleTable", PointSearch);
+  std::printf(
+      "\n// Factors: c near log(e)/a and -log(c/log(e)), log(e) itself as a float; of 12 bits for ln.");
+  Table("kLnSingleFactors", [](float a) { return FactorSearch(1, 12, a); });
+  std::printf("\n");
+  Table("kLog10SingleFactors", [](float a) { return FactorSearch(kLog10E, 24, a); });
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_LOG_SINGLE_TABLES_H_\n");
 }

@@ -117,7 +117,7 @@ void Table(const char* name, bool decimal) {
 }
 
 // A factor c close to 16/i at which -log(c) is within 2^-61 of the grid.
-Row ShortSearch(int i) {
+Row ExactSearch(int i) {
   mpfr_t log, whole;
   mpfr_inits2(200, log, whole, nullptr);
   // Smaller for 14/16, so that |m c - 1| stays below 1/32 beside 1, where roundings weigh most.
@@ -136,13 +136,36 @@ Row ShortSearch(int i) {
   }
 }
 
-void ShortTable(const char* name) {
+// A factor c of 26 bits close to 16/i at which -log(c) is a double to within 2^-9 of its ulp. Beside
+// 1, where the logarithm is smallest and an error weighs most, c is better for that side of i.
+Row FactorSearch(int i, bool decimal) {
+  mpfr_t log;
+  mpfr_init2(log, 200);
+  const double center = 16 / (i + (i == 15 ? 1.0 : i == 17 ? -1.0 : 0) / 32);
+  const double ulp = std::ldexp(1.0, std::ilogb(center) - 25);
+  for (double n = std::nearbyint(center / ulp);; ++n) {
+    Row row = {};
+    row.c = n * ulp;
+    Log(log, row.c, decimal);
+    mpfr_neg(log, log, MPFR_RNDN);
+    row.log = mpfr_get_d(log, MPFR_RNDN);
+    mpfr_sub_d(log, log, row.log, MPFR_RNDN);
+    const double rest = mpfr_get_d(log, MPFR_RNDN);
+    if (std::fabs(rest) > std::ldexp(1.0, std::ilogb(row.log) - 61)) continue;
+    mpfr_clear(log);
+    return row;
+  }
+}
+
+// Factors by rows; 1, with the logarithm 0, for `first` to `last`.
+template <class Search>
+void FactorTable(const char* name, int first, int last, Search search) {
   std::printf("\ninline constexpr LogFactors %s = {{\n", name);
   for (int j = 0; j < 16; ++j) {
     const int i = j < 12 ? j + 16 : j;
     Row row = {};
     row.c = 1;
-    if (i <= 24 && (i < 15 || i > 17)) row = ShortSearch(i);
+    if (i <= 24 && (i < first || i > last)) row = search(i);
     std::printf("%s{%a, %a},\n", "    ", row.c, row.log);
   }
   std::printf("}};\n");
@@ -168,6 +191,9 @@ int main() {
       "-log(c),\n"
       "// which is a multiple of 2^-42 to within 2^-61.\n"
       "struct LogFactors {\n  alignas(64) double row[16][2];\n};\n");
-  ShortTable("kLnFactors");
+  FactorTable("kLnFactors", 15, 17, ExactSearch);
+  std::printf("\n// c of at most 26 bits, 1 for i = 16 alone, with the double next to -log(c).");
+  FactorTable("kLnShortFactors", 16, 16, [](int i) { return FactorSearch(i, false); });
+  FactorTable("kLog10ShortFactors", 16, 16, [](int i) { return FactorSearch(i, true); });
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_LOG_TABLES_H_\n");
 }

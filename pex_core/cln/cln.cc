@@ -102,7 +102,8 @@ struct SingleLnHA : ElementaryKernel<ComplexLn, float> {
     EvenOdd(d, t, square, kLnSingleComplexHA, p);
     for (size_t i = 0; i < K; ++i) p[i] = hn::Add(hn::Mul(p[i], square[i]), t[i]);
     for (size_t i = 0; i < K; ++i) {
-      const W head = hn::Add(hn::Mul(u[i].e, hn::Set(d, 0x1.62e42fefa39efp-1)), u[i].log);
+      const W log2 = hn::Set(d, 0x1.62e42fefa39efp-1 * kExponentUnit);
+      const W head = hn::Add(hn::Mul(u[i].e, log2), u[i].log);
       log[i] = hn::Add(head, p[i]);
     }
   }

@@ -82,7 +82,7 @@ struct dComplexLnEP : dComplexLn<kWide> {
     AtanOctant<V> octant[K];
     Base::Octants(d, z, octant);
     Base::Squares(d, z, s);
-    LogShortReduce<PointFactors>(d, s, u);
+    LogShortReduce<LnPointFactors>(d, s, u);
     for (size_t k = 0; k < K; ++k) {
       t[k] = hn::Sub(hn::Mul(u[k].m, u[k].c), hn::Set(d, 1.0));
     }
@@ -96,7 +96,7 @@ struct dComplexLnEP : dComplexLn<kWide> {
     for (size_t k = 0; k < K; ++k) t2[k] = hn::Mul(t[k], t[k]);
     EvenOdd(d, t, t2, kLnEP, q);
     for (size_t k = 0; k < K; ++k) {
-      constexpr double kLog2 = NaturalLog::kLog2Hi + NaturalLog::kLog2Lo;
+      constexpr double kLog2 = (NaturalLog::kLog2Hi + NaturalLog::kLog2Lo) * kExponentUnit;
       const V head = hn::Add(hn::Mul(u[k].e, hn::Set(d, kLog2)), u[k].log);
       size[k] = hn::Add(head, hn::Add(t[k], hn::Mul(t2[k], q[k])));
     }

@@ -40,6 +40,22 @@ HWY_INLINE V ScaleByPower(D d, V y, BitsOf<D> k) {
   return FromBits(d, hn::Add(Bits(d, y), n));
 }
 
+// table[i] by lane. Four loads are faster than AVX2's gather.
+template <class D>
+HWY_INLINE VecOf<D> LoadEach(D d, const double* table, BitsOf<D> i) {
+#if HWY_TARGET == HWY_AVX2
+  (void)d;
+  const auto pair = [table](__m128i j) HWY_ATTR {
+    return _mm_loadh_pd(_mm_load_sd(table + _mm_cvtsi128_si64(j)), table + _mm_extract_epi64(j, 1));
+  };
+  const __m128d low = pair(_mm256_castsi256_si128(i.raw));
+  const __m128d high = pair(_mm256_extracti128_si256(i.raw, 1));
+  return VecOf<D>{_mm256_insertf128_pd(_mm256_castpd128_pd256(low), high, 1)};
+#else
+  return hn::GatherIndex(d, table, i);
+#endif
+}
+
 // ln2/1024 = L1 + L2, k L1 exact.
 constexpr double kL1 = 0x1.62e42fecp-11, kL2 = 0x1.d1cf79abc9e3bp-42;
 
@@ -47,12 +63,12 @@ constexpr double kL1 = 0x1.62e42fecp-11, kL2 = 0x1.d1cf79abc9e3bp-42;
 // numbers belong to the rare routine, whose product with the power rounds there.
 struct dExpLA : Kernel<double> {
   using Rarity = RareAbove<double, 0x4085DFFF>;  // |x| >= 700
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : HWY_TARGET == HWY_AVX2 ? 6 : 4;
   static HWY_INLINE int Rare(double x, double* r) { return dExpLAScalar(x, r); }
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const auto [k, kd, x1] = ExpReduce(d, x, 0x1.71547652b82fep+10);
-    const V t = hn::GatherIndex(d, dExp_HA_Table, hn::And(k, SetBits(d, 1023)));
+    const V t = LoadEach(d, dExp_HA_Table, hn::And(k, SetBits(d, 1023)));
     const V r = hn::Sub(hn::Sub(x1, hn::Mul(kd, hn::Set(d, kL1))), hn::Mul(kd, hn::Set(d, kL2)));
     const V c =
         hn::Add(hn::Mul(hn::Set(d, 0x1.5555555555556p-3), r), hn::Set(d, 0x1.0000001ebfbep-1));
@@ -77,14 +93,14 @@ HWY_INLINE VecOf<D> HalfPower(D d, BitsOf<D> k) {
   const auto ulps = hn::And(BitsOf<D>{_mm512_srlv_epi64(shortfall, position.raw)}, SetBits(d, 15));
   return FromBits(d, hn::Add(Bits(d, VecOf<D>{_mm512_mul_pd(coarse, fine)}), ulps));
 #else
-  return hn::GatherIndex(d, dExp_EP_Table, hn::And(k, SetBits(d, 127)));
+  return LoadEach(d, dExp_EP_Table, hn::And(k, SetBits(d, 127)));
 #endif
 }
 
 // 2^(k/128) from a table, times 1 + r + r^2/2 = ((1 + r)^2 + 1)/2, |r| <= ln2/256.
 struct dExpEP : Kernel<double> {
   using Rarity = RareAbove<double, 0x4086232A>;  // |x| >= 708.39599609375
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 2;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : HWY_TARGET == HWY_AVX2 ? 6 : 4;
   static HWY_INLINE int Rare(double x, double* r) { return dExpScalar(x, r); }
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {

@@ -48,7 +48,7 @@ struct sExpLA : sExpCommon<> {
     const V kd = hn::Sub(kf, shifter);
     const auto k = Bits(d, kf);
     // ln2/8 = 0x1.62ep-4 + 0x1.0bfbe8p-18, the product of k and the first part exact.
-    const V r = hn::Sub(hn::Sub(y, hn::Mul(kd, hn::Set(d, 0x1.62ep-4f))),
+    const V r = hn::Sub(hn::NegMulAdd(kd, hn::Set(d, 0x1.62ep-4f), y),
                         hn::Mul(kd, hn::Set(d, 0x1.0bfbe8p-18f)));
     const V t = LookupEighth(d, sExpEighths, k);
     const V c =

@@ -18,13 +18,15 @@ struct dLog10Common : Kernel<double> {
 };
 
 struct dLog10EP : dLog10Common {
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainLog<DecimalLog>(d, x, kLog10EP, r);
+    LogEP<DecimalLog>(d, x, r);
   }
 };
 
 struct dLog10LA : dLog10Common {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     LogLA<DecimalLog>(d, x, r);

@@ -1,5 +1,5 @@
-// ln(1 + x) in double precision: the logarithm of u = 1 + x rounded, with the rounding error of u
-// added to its significand.
+// ln(1 + x) in double precision: the logarithm's reduction of u = 1 + x rounded; what the rounding
+// of u loses is made good in the argument of the polynomial.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/log1p/dlog1p.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
@@ -31,37 +31,35 @@ inline constexpr double kTiny = 0x1p-54;
 
 // Without the rounding error of u: below 2^-26 x itself is as good.
 struct dLog1pEP : dLog1pCommon {
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V u[K], log[K];
     for (size_t k = 0; k < K; ++k) u[k] = hn::Add(x[k], hn::Set(d, 1.0));
-    PlainLog<NaturalLog>(d, u, kLnEP, log);
+    LogEP<NaturalLog>(d, u, log);
     for (size_t k = 0; k < K; ++k) {
       r[k] = hn::IfThenElse(MagnitudeBelow(d, x[k], 0x1p-26), x[k], log[k]);
     }
   }
 };
 
-// t = 2^-e (1 + x) - a as (2^-e - a) + 2^-e x, without the rounding of 1 + x, where it has one:
-// below -1/2 it is exact, and 2^-e too large.
+// t = 2^-e c x + (2^-e c - 1), free of the rounding of 1 + x. x is its own result where 1 + x is 1.
 struct dLog1pLA : dLog1pCommon {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     const V one = hn::Set(d, 1.0);
-    LogReduced<D> v[K];
+    LogShort<D> v[K];
     V u[K], t[K], log[K];
     for (size_t k = 0; k < K; ++k) u[k] = hn::Add(x[k], one);
-    LogReduce<NaturalLog>(d, u, v);
+    LogShortReduce<LnShortFactors>(d, u, v);
     for (size_t k = 0; k < K; ++k) {
-      const V scale = InversePower(d, v[k]);
-      const V sum = hn::Add(hn::Sub(scale, v[k].row.a), hn::Mul(x[k], scale));
-      const V y = hn::IfThenElse(hn::Lt(x[k], hn::Set(d, -0.5)), hn::Sub(v[k].m, v[k].row.a), sum);
-      t[k] = hn::IfThenZeroElse(MagnitudeBelow(d, x[k], kTiny), y);
+      const V factor = FromBits(d, hn::Sub(Bits(d, v[k].c), v[k].exponent_bits));
+      const V sum = ShortMulAdd(d, x[k], factor, hn::Sub(factor, one));
+      t[k] = hn::IfThenZeroElse(hn::Eq(u[k], one), sum);
     }
-    LogByDivision<NaturalLog>(d, v, t, log);
-    for (size_t k = 0; k < K; ++k) {
-      r[k] = hn::IfThenElse(MagnitudeBelow(d, x[k], kTiny), x[k], log[k]);
-    }
+    LogLASum<NaturalLog>(d, v, t, log);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::IfThenElse(hn::Eq(u[k], one), x[k], log[k]);
   }
 };
 

@@ -23,7 +23,7 @@ struct sLog1pRarity : RareOutside<float, 0x35800000, 0x7E7FFFFF> {
 inline int sLog1pRare(float x, float* r) { return sLnScalar(x + 1.0f, r); }
 
 struct sLog1pKernel : Kernel<float> {
-  static constexpr int kUnroll = 8;
+  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 6 : 8;
   using Rarity = sLog1pRarity;
   static HWY_INLINE int Rare(float x, float* r) { return sLog1pRare(x, r); }
 };
@@ -46,23 +46,26 @@ struct sLog1pEP : sLog1pKernel {
   }
 };
 
-// 2^-e (1 + x) - a without the rounding error of 1 + x.
+// p = 2^-e c x + (2^-e c - 1), free of the rounding of 1 + x. x is its own result where 1 + x is 1.
 struct sLog1pLA : sLog1pKernel {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const V one = hn::Set(d, 1.0f);
-    const auto tiny = MagnitudeBelow(d, x, kTiny);
-    const auto u = sLogReduce(d, hn::Add(x, one));
-    const auto point = sLogNextPoint(d, u.m);
-    const V scale = FromBits(d, hn::Sub(Bits(d, one), u.exponent_bits));  // 2^-e
-    const V t = hn::Add(hn::Sub(scale, point.a), hn::Mul(x, scale));
-    const V sum = sLogLASum<sNaturalLog>(d, u.scaled, hn::IfThenZeroElse(tiny, t), point.row);
-    return hn::IfThenElse(tiny, x, sum);
+    const V sum = hn::Add(x, one);
+    const auto itself = hn::Eq(sum, one);
+    const auto u = sLogReduce(d, sum);
+    V c, log;
+    sLnFactorAt(d, u.m, c, log);
+    const V factor = FromBits(d, hn::Sub(Bits(d, c), u.exponent_bits));
+    const V p = sShortMulAdd(d, x, factor, hn::Sub(factor, one));
+    const V r = sLogFactorSum<sNaturalLog>(d, u.scaled, log, hn::IfThenZeroElse(itself, p));
+    return hn::IfThenElse(itself, x, r);
   }
 };
 
 // 1 + x is exact in double, up to 2^53.
 struct sLog1pHA : Kernel<float, double> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 6 : Kernel::kUnroll;
   using Rarity = sLog1pRarity;
   static HWY_INLINE int Rare(float x, float* r) { return sLog1pRare(x, r); }
   template <class D, class V>

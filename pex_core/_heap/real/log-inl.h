@@ -133,7 +133,7 @@ HWY_INLINE void LogPair(D d, const LogReduced<D> (&x)[K], const Pair<V> (&p)[K],
   }
   EvenOdd(d, arg, square, Base::kPolynomial, q);
   for (size_t k = 0; k < K; ++k) {
-    const V head = hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi)), x[k].row.log);  // exact
+    const V head = hn::MulAdd(x[k].e, hn::Set(d, Base::kLog2Hi), x[k].row.log);  // exact
     const Pair<V> s = FastTwoSum(head, arg[k]);
     const V tail = hn::Add(hn::Mul(square[k], q[k]), hn::Mul(x[k].e, hn::Set(d, Base::kLog2Lo)));
     r[k] = {s.hi, hn::Add(s.lo, hn::Add(p[k].lo, tail))};
@@ -148,56 +148,56 @@ HWY_INLINE void LogSum(D d, const LogReduced<D> (&x)[K], const Pair<V> (&p)[K], 
   for (size_t k = 0; k < K; ++k) r[k] = hn::Add(sum[k].hi, sum[k].lo);
 }
 
-// The plain sum: a few roundings more, log(2) in one part.
-template <class Base, class D, class V, size_t K, size_t N>
-HWY_INLINE void LogPlain(D d, const LogReduced<D> (&x)[K], const V (&p)[K], const double (&c)[N],
-                         V (&r)[K]) {
+// head + p + p^2 q(p).
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void LogPlainSum(D d, const V (&head)[K], const V (&p)[K], const double (&c)[N],
+                            V (&r)[K]) {
   V square[K], q[K];
   for (size_t k = 0; k < K; ++k) square[k] = hn::Mul(p[k], p[k]);
   EvenOdd(d, p, square, c, q);
   for (size_t k = 0; k < K; ++k) {
-    const V head =
-        hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x[k].row.log);
-    r[k] = hn::Add(head, hn::Add(p[k], hn::Mul(square[k], q[k])));
+    r[k] = hn::Add(head[k], hn::Add(p[k], hn::Mul(square[k], q[k])));
   }
 }
 
-// The sum of LA, on a division instead of a long polynomial: log(1 + p) = p - s (p - s^2 R(s^2))
-// for s = p/(2 + p) = t/(m + a). `low` is what t lacks, of weight next to a = 1 alone.
+// The plain sum: a few roundings more, log(2) in one part.
+template <class Base, class D, class V, size_t K, size_t N>
+HWY_INLINE void LogPlain(D d, const LogReduced<D> (&x)[K], const V (&p)[K], const double (&c)[N],
+                         V (&r)[K]) {
+  V head[K];
+  for (size_t k = 0; k < K; ++k) {
+    head[k] = hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x[k].row.log);
+  }
+  LogPlainSum(d, head, p, c, r);
+}
+
+// head + log(1 + p) on a division instead of a long polynomial: log(1 + p) = p - s (p - s^2 R(s^2))
+// for s = p/(2 + p). `low` is what p lacks.
 template <class Base, class D, class V, size_t K>
-HWY_INLINE void LogByDivision(D d, const LogReduced<D> (&x)[K], const V (&t)[K], V (&r)[K],
-                              const V* low = nullptr) {
-  V s[K], s2[K], p[K];
-  for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(x[k].m, x[k].row.a));
-  for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(t[k], x[k].row.factor);
+HWY_INLINE void LogDivisionSum(D d, const V (&head)[K], const V (&p)[K], const V (&s)[K], V (&r)[K],
+                               const V* low = nullptr) {
+  V s2[K];
   for (size_t k = 0; k < K; ++k) s2[k] = hn::Mul(s[k], s[k]);
   for (size_t k = 0; k < K; ++k) {
     const V rest = hn::Mul(s2[k], Horner(d, s2[k], Base::kLA));
-    const V head =
-        hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x[k].row.log);
     V tail = hn::Mul(s[k], hn::Sub(p[k], rest));
     if (low != nullptr) tail = hn::Sub(tail, low[k]);
-    r[k] = hn::Add(head, hn::Sub(p[k], tail));
+    r[k] = hn::Add(head[k], hn::Sub(p[k], tail));
   }
 }
 
+// The same for the row of a point a: s = t/(m + a). `low` is what t lacks, of weight next to a = 1
+// alone.
 template <class Base, class D, class V, size_t K>
-HWY_INLINE void LogLA(D d, const V (&x)[K], V (&r)[K]) {
-  LogReduced<D> u[K];
-  V t[K];
-  LogReduce<Base>(d, x, u);
-  for (size_t k = 0; k < K; ++k) t[k] = hn::Sub(u[k].m, u[k].row.a);
-  LogByDivision<Base>(d, u, t, r);
-}
-
-// The whole logarithm by the plain sum.
-template <class Base, class D, class V, size_t K, size_t N>
-HWY_INLINE void PlainLog(D d, const V (&x)[K], const double (&c)[N], V (&r)[K]) {
-  LogReduced<D> u[K];
-  V p[K];
-  LogReduce<Base>(d, x, u);
-  for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(hn::Sub(u[k].m, u[k].row.a), u[k].row.factor);
-  LogPlain<Base>(d, u, p, c, r);
+HWY_INLINE void LogByDivision(D d, const LogReduced<D> (&x)[K], const V (&t)[K], V (&r)[K],
+                              const V* low = nullptr) {
+  V s[K], p[K], head[K];
+  for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(x[k].m, x[k].row.a));
+  for (size_t k = 0; k < K; ++k) {
+    p[k] = hn::Mul(t[k], x[k].row.factor);
+    head[k] = hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x[k].row.log);
+  }
+  LogDivisionSum<Base>(d, head, p, s, r, low);
 }
 
 // The whole logarithm in full. The natural table lacks no rest.
@@ -214,14 +214,17 @@ HWY_INLINE void FullLog(D d, const V (&x)[K], V (&r)[K]) {
   LogSum<Base>(d, u, p, r);
 }
 
-// The natural logarithm below 1 ulp, without a full sum. Reduction: x = 2^e m, 3/4 <= m < 3/2, for
-// positive normal x, a factor c of the table next to 1/m, and -log(c).
+// Reduction by a factor: x = 2^e m, 3/4 <= m < 3/2, for positive normal x, a factor c of the table
+// next to 1/m, and -log(c).
 template <class D>
 struct LogShort {
-  VecOf<D> e, m, c, log;
+  VecOf<D> e, m, c, log;    // e in units of kExponentUnit
+  BitsOf<D> exponent_bits;  // e << 52
 };
 
-template <class Factors, class D, class V>
+inline constexpr double kExponentUnit = HWY_TARGET == HWY_AVX3 ? 0x1p-52 : 1;
+
+template <class Table, class D, class V>
 HWY_INLINE void LogFactorAt(D d, V sixteenths, V& c, V& log) {
 #if HWY_TARGET == HWY_AVX3
   (void)d;
@@ -229,14 +232,13 @@ HWY_INLINE void LogFactorAt(D d, V sixteenths, V& c, V& log) {
   const auto column = [i](const double* t) HWY_ATTR {
     return V{_mm512_permutex2var_pd(_mm512_load_pd(t), i, _mm512_load_pd(t + 8))};
   };
-  c = column(Factors::kColumns.factor);
-  log = column(Factors::kColumns.log);
+  c = column(Table::kColumns.factor);
+  log = column(Table::kColumns.log);
 #else
   // Byte offsets of rows, and rows by lane.
   const auto i = hn::And(hn::ShiftLeft<4>(Bits(d, sixteenths)), SetBits(d, 15 * 16)).raw;
   const auto row = [](int64_t bytes) HWY_ATTR {
-    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(Factors::kRows.row) +
-                                           bytes);
+    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(Table::kRows.row) + bytes);
   };
 #if HWY_TARGET == HWY_AVX2
   const __m128i low = _mm256_castsi256_si128(i), high = _mm256_extracti128_si256(i, 1);
@@ -257,69 +259,124 @@ HWY_INLINE void LogFactorAt(D d, V sixteenths, V& c, V& log) {
 #endif
 }
 
-template <class Factors = ShortFactors, class D, class V, size_t K>
+template <class Table = LnExactFactors, class D, class V, size_t K>
 HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D> (&r)[K]) {
-  constexpr int64_t kLeast = BitsOfNumber(0.75);
   for (size_t k = 0; k < K; ++k) {
     const auto bits = Bits(d, x[k]);
 #if HWY_TARGET == HWY_AVX3
-    const auto above = hn::Add(bits, SetBits(d, static_cast<uint64_t>(BitsOfNumber(1.0) - kLeast)));
-    r[k].e = V{_mm512_getexp_round_pd(_mm512_castsi512_pd(above.raw), _MM_FROUND_NO_EXC)};
     r[k].m = V{_mm512_getmant_round_pd(x[k].raw, _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_src,
                                        _MM_FROUND_NO_EXC)};
+    r[k].exponent_bits = hn::Sub(bits, Bits(d, r[k].m));
+    r[k].e = hn::ConvertTo(d, r[k].exponent_bits);
 #else
     const hn::RebindToUnsigned<D> du;
-    const auto above = hn::Add(bits, SetBits(d, static_cast<uint64_t>(kBias - kLeast)));
+    const auto above = hn::Add(bits, SetBits(d, static_cast<uint64_t>(kBias - BitsOfNumber(0.75))));
     const auto biased =
         hn::Or(hn::ShiftRight<52>(hn::BitCast(du, above)), hn::Set(du, 0x4330000000000000));
     r[k].e = hn::Sub(hn::BitCast(d, biased), hn::Set(d, 0x1p52 + 1024));
-    const auto exponent = hn::And(above, SetBits(d, 0xFFF0000000000000));  // e + 1024
-    r[k].m =
-        FromBits(d, hn::Add(hn::Sub(bits, exponent), SetBits(d, static_cast<uint64_t>(kBias))));
+    r[k].m = FromBits(
+        d, hn::Add(hn::And(above, SetBits(d, 0x000FFFFFFFFFFFFF)), SetBits(d, BitsOfNumber(0.75))));
+    r[k].exponent_bits = hn::Sub(bits, Bits(d, r[k].m));
 #endif
   }
   for (size_t k = 0; k < K; ++k) {
     // The sum ends in the number of sixteenths.
-    LogFactorAt<Factors>(d, hn::Add(r[k].m, hn::Set(d, 0x1.8p48)), r[k].c, r[k].log);
+    LogFactorAt<Table>(d, hn::Add(r[k].m, hn::Set(d, 0x1.8p48)), r[k].c, r[k].log);
   }
 }
 
-// log(1 + t) = t - tail by a division instead of a long polynomial: the tail is s (t - s^2 R(s^2))
-// for s = t/(2 + t).
-template <class D, class V, size_t K, size_t N>
-HWY_INLINE void LogShortTail(D d, const V (&t)[K], const double (&c)[N], V (&r)[K]) {
-  V s[K], s2[K], rest[K];
-  for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(t[k], hn::Set(d, 2.0)));
-  for (size_t k = 0; k < K; ++k) s2[k] = hn::Mul(s[k], s[k]);
-  Horner(d, s2, c, rest);
-  for (size_t k = 0; k < K; ++k) rest[k] = hn::Sub(t[k], hn::Mul(s2[k], rest[k]));
-  for (size_t k = 0; k < K; ++k) r[k] = hn::Mul(s[k], rest[k]);
+// m c + d rounded once, for c of at most 26 bits and a sum of the products' grid, below 2^53 of its
+// units: m c - 1 beside 1.
+template <class D, class V>
+HWY_INLINE V ShortMulAdd(D d, V m, V c, V addend) {
+#if HWY_TARGET == HWY_SSE4
+  const V upper = FromBits(d, hn::And(Bits(d, m), SetBits(d, 0xFFFFFFFFFC000000)));
+  const V lower = hn::Sub(m, upper);
+  return hn::Add(hn::Add(hn::Mul(upper, c), addend), hn::Mul(lower, c));  // exact but for the last
+#else
+  (void)d;
+  return hn::MulAdd(m, c, addend);
+#endif
 }
 
-// t stands for m c - 1. e log(2) - log(c) is exact but for a small part.
+template <class D, class V>
+HWY_INLINE V ShortProductLessOne(D d, V m, V c) {
+  return ShortMulAdd(d, m, c, hn::Set(d, -1.0));
+}
+
+// The argument of the sums, log(e) t, and e log(2) - log(c).
+template <class Base, class D, class V, size_t K>
+HWY_INLINE void LogTerms(D d, const LogShort<D> (&u)[K], const V (&t)[K], V (&p)[K], V (&head)[K]) {
+  for (size_t k = 0; k < K; ++k) {
+    p[k] = t[k];
+    if constexpr (Base::kLogE != 1) p[k] = hn::Mul(t[k], hn::Set(d, Base::kLogE));
+    constexpr double kLog2 = (Base::kLog2Hi + Base::kLog2Lo) * kExponentUnit;
+    head[k] = hn::Add(hn::Mul(u[k].e, hn::Set(d, kLog2)), u[k].log);
+  }
+}
+
+// log(2^e (1 + t)/c) for LA: at most 1.99 ulp, of which the exponent's share and -log(c) make 1.44.
+template <class Base, class D, class V, size_t K>
+HWY_INLINE void LogLASum(D d, const LogShort<D> (&u)[K], const V (&t)[K], V (&r)[K]) {
+  V s[K], p[K], head[K];
+  for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(t[k], hn::Set(d, 2.0)));
+  LogTerms<Base>(d, u, t, p, head);
+  LogDivisionSum<Base>(d, head, p, s, r);
+}
+
+template <class Base, class D, class V, size_t K>
+HWY_INLINE void LogLA(D d, const V (&x)[K], V (&r)[K]) {
+  LogShort<D> u[K];
+  V t[K];
+  LogShortReduce<typename Base::Factors>(d, x, u);
+  for (size_t k = 0; k < K; ++k) t[k] = ShortProductLessOne(d, u[k].m, u[k].c);
+  LogLASum<Base>(d, u, t, r);
+}
+
+template <class Base, class D, class V, size_t K>
+HWY_INLINE void LogEP(D d, const V (&x)[K], V (&r)[K]) {
+  LogShort<D> u[K];
+  V t[K], p[K], head[K];
+  LogShortReduce<typename Base::Factors>(d, x, u);
+  for (size_t k = 0; k < K; ++k) t[k] = ShortProductLessOne(d, u[k].m, u[k].c);
+  LogTerms<Base>(d, u, t, p, head);
+  LogPlainSum(d, head, p, Base::kEP, r);
+}
+
+// The natural logarithm below 1 ulp, without a full sum.
+// By a division instead of a long polynomial: log(1 + t) = t - s (t - s^2 R(s^2))
+// for s = t/(2 + t), t standing for m c - 1. e log(2) - log(c) is exact but for a small part, of
+// which the product is exact, too.
+inline constexpr double kLn2Rest = 0x1.ef35793c76p-45;  // 41 bits of NaturalLog::kLog2Lo
+
 template <class D, class V, size_t K>
 HWY_INLINE void LogShortSum(D d, const LogShort<D> (&x)[K], const V (&t)[K], V (&r)[K]) {
-  V tail[K];
-  LogShortTail(d, t, kLnShort, tail);
+  V s[K];
+  for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(t[k], hn::Set(d, 2.0)));
   for (size_t k = 0; k < K; ++k) {
-    const V head = hn::Add(hn::Mul(x[k].e, hn::Set(d, NaturalLog::kLog2Hi)), x[k].log);  // exact
-    const V low = hn::Mul(x[k].e, hn::Set(d, NaturalLog::kLog2Lo));
-    r[k] = hn::Add(head, hn::Add(hn::Sub(t[k], tail[k]), low));
+    const V s2 = hn::Mul(s[k], s[k]);
+    const V rest = hn::Sub(t[k], hn::Mul(s2, Horner(d, s2, kLnShort)));
+    const V head = hn::MulAdd(x[k].e, hn::Set(d, NaturalLog::kLog2Hi * kExponentUnit), x[k].log);
+    const V log = hn::Sub(t[k], hn::Mul(s[k], rest));
+    r[k] = hn::Add(head, hn::MulAdd(x[k].e, hn::Set(d, kLn2Rest * kExponentUnit), log));
   }
 }
 
-// The same in two parts: within 2^-59.5, or 2^-57 of itself.
+// The same in two parts, t likewise: within 2^-59.5, or 2^-57 of itself.
 template <class D, class V, size_t K>
 HWY_INLINE void LogShortPair(D d, const LogShort<D> (&x)[K], const Pair<V> (&t)[K],
                              Pair<V> (&r)[K]) {
-  V lead[K], tail[K];
-  for (size_t k = 0; k < K; ++k) lead[k] = t[k].hi;
-  LogShortTail(d, lead, kLnShortHA, tail);
+  V s[K], s2[K], rest[K];
+  for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k].hi, hn::Add(t[k].hi, hn::Set(d, 2.0)));
+  for (size_t k = 0; k < K; ++k) s2[k] = hn::Mul(s[k], s[k]);
+  Horner(d, s2, kLnShortHA, rest);
+  for (size_t k = 0; k < K; ++k) rest[k] = hn::Sub(t[k].hi, hn::Mul(s2[k], rest[k]));
   for (size_t k = 0; k < K; ++k) {
-    const V head = hn::Add(hn::Mul(x[k].e, hn::Set(d, NaturalLog::kLog2Hi)), x[k].log);  // exact
-    const V low = hn::Mul(x[k].e, hn::Set(d, NaturalLog::kLog2Lo));
-    const Pair<V> s = FastTwoSum(head, lead[k]);
-    r[k] = {s.hi, hn::Add(s.lo, hn::Add(hn::Sub(t[k].lo, tail[k]), low))};
+    const V tail = hn::Mul(s[k], rest[k]);
+    const V head = hn::MulAdd(x[k].e, hn::Set(d, NaturalLog::kLog2Hi * kExponentUnit), x[k].log);
+    const V low = hn::Mul(x[k].e, hn::Set(d, NaturalLog::kLog2Lo * kExponentUnit));
+    const Pair<V> sum = FastTwoSum(head, t[k].hi);
+    r[k] = {sum.hi, hn::Add(sum.lo, hn::Add(hn::Sub(t[k].lo, tail), low))};
   }
 }
 
@@ -327,7 +384,7 @@ template <class D, class V, size_t K>
 HWY_INLINE void LogBelowOne(D d, const V (&x)[K], V (&r)[K]) {
   LogShort<D> u[K];
   V t[K];
-  LogShortReduce(d, x, u);
+  LogShortReduce<LnExactFactors>(d, x, u);
   for (size_t k = 0; k < K; ++k) t[k] = ProductLessOne(d, u[k].m, u[k].c);
   LogShortSum(d, u, t, r);
 }

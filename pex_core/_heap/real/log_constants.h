@@ -50,18 +50,31 @@ constexpr LogFactors FactorsOf(const LogTable& t) {
 inline constexpr LogFactors kLnPoints = FactorsOf(kLnTable);
 inline constexpr LogFactorColumns kLnColumns = ByColumns(kLnFactors);
 inline constexpr LogFactorColumns kLnPointColumns = ByColumns(kLnPoints);
+inline constexpr LogFactorColumns kLnShortColumns = ByColumns(kLnShortFactors);
+inline constexpr LogFactorColumns kLog10ShortColumns = ByColumns(kLog10ShortFactors);
 inline constexpr LogRows kLnRows = ByRows(kLnTable);
 inline constexpr LogRows kLog10Rows = ByRows(kLog10Table);
 
-// Factors c and -log(c) for LogShortReduce: few and exact enough for m c - 1 rounded once; or the
-// points' own, next to which m c - 1 is smaller.
-struct ShortFactors {
-  static constexpr const LogFactors& kRows = kLnFactors;
-  static constexpr const LogFactorColumns& kColumns = kLnColumns;
+// Tables of factors, by rows and by columns.
+struct LnExactFactors {
+  static constexpr auto& kRows = kLnFactors;
+  static constexpr auto& kColumns = kLnColumns;
 };
-struct PointFactors {
-  static constexpr const LogFactors& kRows = kLnPoints;
-  static constexpr const LogFactorColumns& kColumns = kLnPointColumns;
+
+// The points' own, next to which m c - 1 is smaller.
+struct LnPointFactors {
+  static constexpr auto& kRows = kLnPoints;
+  static constexpr auto& kColumns = kLnPointColumns;
+};
+
+struct LnShortFactors {
+  static constexpr auto& kRows = kLnShortFactors;
+  static constexpr auto& kColumns = kLnShortColumns;
+};
+
+struct Log10ShortFactors {
+  static constexpr auto& kRows = kLog10ShortFactors;
+  static constexpr auto& kColumns = kLog10ShortColumns;
 };
 
 // log2_hi is a multiple of 2^-42, so that its product with an exponent, and the sum with log(a),
@@ -73,7 +86,10 @@ struct NaturalLog {
   static constexpr double kLog2Hi = 0x1.62e42fefa38p-1;  // ln 2
   static constexpr double kLog2Lo = 0x1.ef35793c7673p-45;
   static constexpr auto& kPolynomial = kLn;
+  using Factors = LnShortFactors;
+  static constexpr double kLogE = 1;
   static constexpr auto& kLA = kLnLA;
+  static constexpr auto& kEP = kLnEP;
 };
 
 struct DecimalLog {
@@ -83,7 +99,10 @@ struct DecimalLog {
   static constexpr double kLog2Hi = 0x1.34413509f8p-2;  // log10 2
   static constexpr double kLog2Lo = -0x1.80433b83b532ap-44;
   static constexpr auto& kPolynomial = kLog10;
+  using Factors = Log10ShortFactors;
+  static constexpr double kLogE = 0x1.bcb7b1526e50ep-2;
   static constexpr auto& kLA = kLog10LA;
+  static constexpr auto& kEP = kLog10EP;
 };
 
 }  // namespace pex

@@ -7,9 +7,29 @@
 
 namespace pex {
 
+// The factors by rows, for the level that loads rows.
+template <typename Factor>
+struct LogSingleRows {
+  struct alignas(2 * sizeof(Factor)) Row {
+    Factor factor;
+    float log;
+  } row[16];
+};
+
+template <typename Factor>
+constexpr LogSingleRows<Factor> ByRows(const LogSingleTable& t) {
+  LogSingleRows<Factor> r{};
+  for (int j = 0; j < 16; ++j) r.row[j] = {t.factor[j], t.log[j]};
+  return r;
+}
+
+inline constexpr auto kLnSingleRows = ByRows<float>(kLnSingleFactors);
+inline constexpr auto kLog10SingleRows = ByRows<double>(kLog10SingleFactors);
+
 struct sNaturalLog {
+  static constexpr float kLogE = 1;
   static constexpr float kLog2 = 0x1.62e430p-24f;  // 2^-23 ln 2
-  static constexpr float kLog2Multiple = 1, kLog2Part = kLog2;
+  static constexpr float kLog2Hi = kLog2, kLog2Lo = 0;
   static constexpr auto& kTable = kLnSingleTable;
   static constexpr auto& kLA = kLnSingleLA;
   static constexpr auto& kEP = kLnSingleEP;
@@ -17,9 +37,9 @@ struct sNaturalLog {
 };
 
 struct sDecimalLog {
-  static constexpr float kLog2Multiple = 641, kLog2Part = 0x1.ec7028p-35f;
-  static constexpr float kLog2 = 0x1.344136p-25f;  // 2^-23 log10 2
-  static constexpr auto& kTable = kLog10SingleTable;
+  static constexpr float kLogE = 0x1.bcb7b2p-2f;
+  static constexpr float kLog2 = 0x1.344136p-25f;                          // 2^-23 log10 2
+  static constexpr float kLog2Hi = 0x1.344p-25f, kLog2Lo = 0x1.350ap-41f;  // 16 bits each
   static constexpr auto& kLA = kLog10SingleLA;
   static constexpr auto& kEP = kLog10SingleEP;
   static constexpr auto& kHA = kLog10SingleHA;

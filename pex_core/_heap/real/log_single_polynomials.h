@@ -9,9 +9,9 @@ namespace pex {
 inline constexpr float kLnSingleLA[] = {
     -0x1.000004p-1f, 0x1.5583fep-2f, -0x1.ff9efep-3f};
 
-// log10(1 + x/nearest(log10(e))) = x (1 + c[0] x + ...), -1.4011383056640625e-2 <= x <= 1.4476776123046875e-2; error 2^-25.34375 x.
+// log10(1 + x/nearest(log10(e))) = x (1 + c[0] x + ...), |x| <= 1.3614654541015625e-2; error 2^-24.125 x.
 inline constexpr float kLog10SingleLA[] = {
-    -0x1.26bb1ap0f, 0x1.c43488p0f, -0x1.86d8d2p1f, 0x1.36f3aep3f};
+    -0x1.26bb46p0f, 0x1.c49696p0f, -0x1.852278p1f};
 
 // ln(1 + x) = x (1 + c[0] x + ...), -3.2257080078125e-2 <= x <= 3.33404541015625e-2; error 2^-49.375 x.
 inline constexpr double kLnSingleHA[] = {

@@ -5,11 +5,12 @@
 
 namespace pex {
 
-// Rows i & 15 for a = i/16, i = 12 .. 24: 1/a or log10(e)/a, and log(a).
+// Rows i & 15 for a = i/16, i = 12 .. 24.
 struct LogSingleTable {
   alignas(64) float factor[16], log[16];
 };
 
+// Points: 1/a and ln(a).
 inline constexpr LogSingleTable kLnSingleTable = {
     {0x1p+0f, 0x1.e1e1e2p-1f, 0x1.c71c72p-1f, 0x1.af286cp-1f, 0x1.99999ap-1f,
      0x1.86185ep-1f, 0x1.745d18p-1f, 0x1.642c86p-1f, 0x1.55553cp-1f, 0x0p+0f,
@@ -21,15 +22,28 @@ inline constexpr LogSingleTable kLnSingleTable = {
      -0x1.08598cp-4f},
 };
 
-inline constexpr LogSingleTable kLog10SingleTable = {
-    {0x1.bcb7b2p-2f, 0x1.a28ec4p-2f, 0x1.8b4df4p-2f, 0x1.767fbep-2f, 0x1.63c628p-2f,
-     0x1.52d51ap-2f, 0x1.436e52p-2f, 0x1.355e66p-2f, 0x1.287a78p-2f, 0x0p+0f,
-     0x0p+0f, 0x0p+0f, 0x1.287a76p-1f, 0x1.11ac2p-1f, 0x1.fc3fa8p-2f,
-     0x1.da5d8ap-2f},
-    {0x0p+0f, 0x1.af5f92p-6f, 0x1.a30a9ep-5f, 0x1.31b306p-4f, 0x1.8cf184p-4f,
-     0x1.e3bc1cp-4f, 0x1.1b3e72p-3f, 0x1.42c7e8p-3f, 0x1.68a28ap-3f, 0x0p+0f,
-     0x0p+0f, 0x0p+0f, -0x1.ffbfc4p-4f, -0x1.715d0ep-4f, -0x1.db11eep-5f,
-     -0x1.cb38fcp-6f},
+// Factors: c near log(e)/a and -log(c/log(e)), log(e) itself as a float; of 12 bits for ln.
+inline constexpr LogSingleTable kLnSingleFactors = {
+    {0x1p+0f, 0x1.e32p-1f, 0x1.c76p-1f, 0x1.afp-1f, 0x1.9a8p-1f,
+     0x1.864p-1f, 0x1.73ep-1f, 0x1.642p-1f, 0x1.5a6p-1f, 0x0p+0f,
+     0x0p+0f, 0x0p+0f, 0x1.4e4p+0f, 0x1.3bcp+0f, 0x1.24ep+0f,
+     0x1.1p+0f},
+    {0x0p+0f, 0x1.db8a02p-5f, 0x1.e010a4p-4f, 0x1.60b31p-3f, 0x1.c480cp-3f,
+     0x1.160ddp-2f, 0x1.4770f6p-2f, 0x1.73c18p-2f, 0x1.902e9p-2f, 0x0p+0f,
+     0x0p+0f, 0x0p+0f, -0x1.111ce4p-2f, -0x1.ad9da2p-3f, -0x1.1398ap-3f,
+     -0x1.f0a30cp-5f},
+};
+
+
+inline constexpr LogSingleTable kLog10SingleFactors = {
+    {0x1.bcb7b2p-2f, 0x1.a3540ap-2f, 0x1.8b4e14p-2f, 0x1.767fdap-2f, 0x1.63c648p-2f,
+     0x1.52d51ap-2f, 0x1.436e7p-2f, 0x1.355e8p-2f, 0x1.2b9972p-2f, 0x0p+0f,
+     0x0p+0f, 0x0p+0f, 0x1.226d84p-1f, 0x1.11ac1ep-1f, 0x1.fc3fa6p-2f,
+     0x1.d9611ep-2f},
+    {0x0p+0f, 0x1.a2491ep-6f, 0x1.a3097ap-5f, 0x1.31b282p-4f, 0x1.8cf0e4p-4f,
+     0x1.e3bc1ap-4f, 0x1.1b3e22p-3f, 0x1.42c79cp-3f, 0x1.5f521ep-3f, 0x0p+0f,
+     0x0p+0f, 0x0p+0f, -0x1.db11eep-4f, -0x1.715d08p-4f, -0x1.db11e8p-5f,
+     -0x1.bc6aaep-6f},
 };
 
 }  // namespace pex

@@ -90,6 +90,45 @@ inline constexpr LogFactors kLnFactors = {{
     {0x1p+0, 0x0p+0},
 }};
 
+// c of at most 26 bits, 1 for i = 16 alone, with the double next to -log(c).
+inline constexpr LogFactors kLnShortFactors = {{
+    {0x1p+0, 0x0p+0},
+    {0x1.e2c5168p-1, 0x1.e1901af676746p-5},
+    {0x1.c71c948p-1, 0x1.e26f3e62bb1a2p-4},
+    {0x1.af2a018p-1, 0x1.5feb7fee03ec3p-3},
+    {0x1.999a958p-1, 0x1.c8fa90fb2cebcp-3},
+    {0x1.861893p-1, 0x1.167548dac29d5p-2},
+    {0x1.745d3a8p-1, 0x1.46185b41ca814p-2},
+    {0x1.642d77p-1, 0x1.739ac94ca8423p-2},
+    {0x1.5555b38p-1, 0x1.9f31244c207c8p-2},
+    {0x1p+0, 0x0p+0},
+    {0x1p+0, 0x0p+0},
+    {0x1p+0, 0x0p+0},
+    {0x1.55557b8p+0, -0x1.2696939347526p-2},
+    {0x1.3b13fe8p+0, -0x1.a940ca0870085p-3},
+    {0x1.2493458p+0, -0x1.117fce9f8470dp-3},
+    {0x1.107fbe8p+0, -0x1.ffa6e002b8cecp-5},
+}};
+
+inline constexpr LogFactors kLog10ShortFactors = {{
+    {0x1p+0, 0x0p+0},
+    {0x1.e2c521p-1, 0x1.a247226925d7bp-6},
+    {0x1.c71dcdp-1, 0x1.a300030d7ea34p-5},
+    {0x1.af2942p-1, 0x1.31af919314f82p-4},
+    {0x1.9999a28p-1, 0x1.8cf15ce16dc2ep-4},
+    {0x1.861a38p-1, 0x1.e3b3b94bc2e99p-4},
+    {0x1.745defp-1, 0x1.1b3c6ea2d2655p-3},
+    {0x1.642d1a8p-1, 0x1.42c674134e0eep-3},
+    {0x1.555564p-1, 0x1.68a2627e4314ep-3},
+    {0x1p+0, 0x0p+0},
+    {0x1p+0, 0x0p+0},
+    {0x1p+0, 0x0p+0},
+    {0x1.5555aep+0, -0x1.ffc190d269bb7p-4},
+    {0x1.3b14028p+0, -0x1.715ed7b832565p-4},
+    {0x1.2492aap+0, -0x1.db168744276a3p-5},
+    {0x1.107fcd8p+0, -0x1.bc6bcf48d80bep-6},
+}};
+
 }  // namespace pex
 
 #endif  // PEX_CORE__HEAP_REAL_LOG_TABLES_H_

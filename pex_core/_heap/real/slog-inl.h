@@ -79,13 +79,6 @@ struct sLogIndex {
   BitsOf<D> i_;
 };
 
-// e log(2); for log10(2), which lies far from a float, by two factors, the first product exact.
-template <class Base, class D, class V>
-HWY_INLINE V sLog2Times(D d, V scaled) {
-  if constexpr (Base::kLog2Multiple != 1) scaled = hn::Mul(scaled, hn::Set(d, Base::kLog2Multiple));
-  return hn::Mul(scaled, hn::Set(d, Base::kLog2Part));
-}
-
 // The sixteenth a next to m, and its row.
 template <class D>
 struct sLogPoint {
@@ -100,29 +93,123 @@ HWY_INLINE sLogPoint<D> sLogNextPoint(D d, V m) {
   return {hn::Sub(shifted, shifter), sLogIndex<D>(d, Bits(d, shifted))};
 }
 
-// e log(2) + log(a) + log(1 + t/a).
-template <class Base, class D, class V>
-HWY_INLINE V sLogLASum(D d, V scaled, V t, sLogIndex<D> row) {
-  const V p = hn::Mul(t, row.LookUp(Base::kTable.factor));
-  const V p2 = hn::Mul(p, p);
-  const V s = hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, Base::kLA)));
-  return hn::Add(sLog2Times<Base>(d, scaled), hn::Add(row.LookUp(Base::kTable.log), s));
-}
-
-// The same for t + t_low, t_low of weight next to a = 1 alone.
+// e log(2) + log(a) + log(1 + (t + t_low)/a), t_low of weight next to a = 1 alone.
 template <class Base, class D, class V>
 HWY_INLINE V sLogLASum(D d, V scaled, V t, V t_low, sLogIndex<D> row) {
   const V p = hn::Mul(t, row.LookUp(Base::kTable.factor));
   const V p2 = hn::Mul(p, p);
   const V s = hn::Add(p, hn::Add(hn::Mul(p2, EvenOdd(d, p, p2, Base::kLA)), t_low));
-  return hn::Add(sLog2Times<Base>(d, scaled), hn::Add(row.LookUp(Base::kTable.log), s));
+  return hn::Add(hn::Mul(scaled, hn::Set(d, Base::kLog2)),
+                 hn::Add(row.LookUp(Base::kTable.log), s));
+}
+
+// The number of sixteenths next to m, in the low bits.
+template <class D, class V>
+HWY_INLINE BitsOf<D> sLogSixteenths(D d, V m) {
+  return Bits(d, hn::Add(m, hn::Set(d, 0x1.8p19f)));
+}
+
+#if HWY_TARGET == HWY_SSE4
+// Where the rows `i & 15` of a table are.
+template <class Rows, class D>
+HWY_INLINE void sLogRows(D d, const Rows& rows, BitsOf<D> i, const char* (&at)[4]) {
+  constexpr int kShift = sizeof(rows.row[0]) == 16 ? 4 : 3;
+  const auto offset = hn::ShiftLeft<kShift>(hn::And(i, SetBits(d, 15))).raw;
+  const auto lower = static_cast<uint64_t>(_mm_cvtsi128_si64(offset));
+  const auto upper = static_cast<uint64_t>(_mm_extract_epi64(offset, 1));
+  const char* const table = reinterpret_cast<const char*>(rows.row);
+  at[0] = table + static_cast<uint32_t>(lower);
+  at[1] = table + (lower >> 32);
+  at[2] = table + static_cast<uint32_t>(upper);
+  at[3] = table + (upper >> 32);
+}
+#endif
+
+// A factor c of 12 bits next to 1/m, and -ln(c).
+template <class D, class V>
+HWY_INLINE void sLnFactorAt(D d, V m, V& c, V& log) {
+  const auto i = sLogSixteenths(d, m);
+#if HWY_TARGET == HWY_SSE4
+  const char* at[4];
+  sLogRows(d, kLnSingleRows, i, at);
+  const auto row = [&at](int k) HWY_ATTR { return reinterpret_cast<const __m64*>(at[k]); };
+  const __m128 none = _mm_setzero_ps();
+  const __m128 r0 = _mm_loadh_pi(_mm_loadl_pi(none, row(0)), row(1));
+  const __m128 r1 = _mm_loadh_pi(_mm_loadl_pi(none, row(2)), row(3));
+  c = V{_mm_shuffle_ps(r0, r1, 0x88)};
+  log = V{_mm_shuffle_ps(r0, r1, 0xDD)};
+#else
+  const sLogIndex<D> row(d, i);
+  c = row.LookUp(kLnSingleFactors.factor);
+  log = row.LookUp(kLnSingleFactors.log);
+#endif
+}
+
+// x c + addend rounded once, for c of at most 12 bits and an addend of which the sum leaves 12
+// bits.
+template <class D, class V>
+HWY_INLINE V sShortMulAdd(D d, V x, V c, V addend) {
+#if HWY_TARGET == HWY_SSE4
+  const V upper = FromBits(d, hn::And(Bits(d, x), SetBits(d, 0xFFFFF000)));
+  const V lower = hn::Sub(x, upper);
+  return hn::Add(hn::Add(hn::Mul(upper, c), addend), hn::Mul(lower, c));  // exact but for the last
+#else
+  (void)d;
+  return hn::MulAdd(x, c, addend);
+#endif
+}
+
+// The argument of the polynomial, c m - log(e) rounded once, and -log(c/log(e)).
+template <class Base, class D, class V>
+HWY_INLINE void sLogArgument(D d, V m, V& p, V& log) {
+  if constexpr (Base::kLogE == 1) {
+    V c;
+    sLnFactorAt(d, m, c, log);
+    p = sShortMulAdd(d, m, c, hn::Set(d, -1.0f));
+  } else {
+    const auto i = sLogSixteenths(d, m);
+#if HWY_TARGET == HWY_SSE4  // in double the products are exact
+    const char* at[4];
+    sLogRows(d, kLog10SingleRows, i, at);
+    const auto row = [&at](int k)
+                         HWY_ATTR { return _mm_load_pd(reinterpret_cast<const double*>(at[k])); };
+    const __m128d r0 = row(0), r1 = row(1), r2 = row(2), r3 = row(3);
+    const __m128d log_e = _mm_set1_pd(double{Base::kLogE});
+    const __m128d low = _mm_cvtps_pd(m.raw), high = _mm_cvtps_pd(_mm_movehl_ps(m.raw, m.raw));
+    const __m128d p0 = _mm_sub_pd(_mm_mul_pd(low, _mm_unpacklo_pd(r0, r1)), log_e);
+    const __m128d p1 = _mm_sub_pd(_mm_mul_pd(high, _mm_unpacklo_pd(r2, r3)), log_e);
+    p = V{_mm_movelh_ps(_mm_cvtpd_ps(p0), _mm_cvtpd_ps(p1))};
+    const __m128 log0 = _mm_castpd_ps(_mm_unpackhi_pd(r0, r1));
+    const __m128 log1 = _mm_castpd_ps(_mm_unpackhi_pd(r2, r3));
+    log = V{_mm_shuffle_ps(log0, log1, 0x88)};
+#else
+    const sLogIndex<D> row(d, i);
+    p = hn::MulSub(m, row.LookUp(kLog10SingleFactors.factor), hn::Set(d, Base::kLogE));
+    log = row.LookUp(kLog10SingleFactors.log);
+#endif
+  }
+}
+
+// e log(2) + log + log(1 + p/log(e)), log(e) as a float. The products of e and the parts of
+// log10(2), which lies far from a float, are exact, so that they may be fused.
+template <class Base, class D, class V>
+HWY_INLINE V sLogFactorSum(D d, V scaled, V log, V p) {
+  const V p2 = hn::Mul(p, p);
+  const V s = hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, Base::kLA)));
+  if constexpr (Base::kLog2Lo == 0) {
+    return hn::Add(hn::Add(hn::Mul(scaled, hn::Set(d, Base::kLog2)), log), s);
+  } else {
+    return hn::Add(hn::MulAdd(scaled, hn::Set(d, Base::kLog2Hi), log),
+                   hn::MulAdd(scaled, hn::Set(d, Base::kLog2Lo), s));
+  }
 }
 
 template <class Base, class D, class V>
 HWY_INLINE V sLogLA(D d, V x) {
   const auto u = sLogReduce(d, x);
-  const auto point = sLogNextPoint(d, u.m);
-  return sLogLASum<Base>(d, u.scaled, hn::Sub(u.m, point.a), point.row);
+  V p, log;
+  sLogArgument<Base>(d, u.m, p, log);
+  return sLogFactorSum<Base>(d, u.scaled, log, p);
 }
 
 // e log(2) + log(1 + t), -1/4 <= t <= 1/2.
