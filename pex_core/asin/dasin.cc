@@ -18,7 +18,7 @@ struct dAsinCommon : Kernel<double> {
 };
 
 struct dAsinEP : dAsinCommon {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
+  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 3 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     PlainAsin<kAsinEP>(d, x, r);
@@ -26,7 +26,7 @@ struct dAsinEP : dAsinCommon {
 };
 
 struct dAsinLA : dAsinCommon {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
+  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 3 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     PlainAsin<kAsinLA>(d, x, r);
