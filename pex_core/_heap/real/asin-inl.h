@@ -52,20 +52,6 @@ struct AsinParts {
   MaskOf<D> large;
 };
 
-// x^2 for the lanes of the mask; the others are 0 and raise no flag.
-template <class D>
-HWY_INLINE VecOf<D> SquareWhere(D, MaskOf<D> mask, VecOf<D> x) {
-#if HWY_TARGET == HWY_AVX3
-  if constexpr (sizeof(x) == 64 && sizeof(hn::TFromD<D>) == 4) {
-    return VecOf<D>{_mm512_maskz_mul_ps(mask.raw, x.raw, x.raw)};
-  } else if constexpr (sizeof(x) == 64) {
-    return VecOf<D>{_mm512_maskz_mul_pd(mask.raw, x.raw, x.raw)};
-  }
-#endif
-  const VecOf<D> y = hn::IfThenElseZero(mask, x);
-  return hn::Mul(y, y);
-}
-
 template <class D, class V>
 HWY_INLINE AsinParts<D> AsinReduce(D d, V x) {
   using T = hn::TFromD<D>;

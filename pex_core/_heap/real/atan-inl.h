@@ -106,8 +106,12 @@ HWY_INLINE void AtanTail(D d, const V (&t)[K], const T (&c)[N], V (&r)[K]) {
   constexpr T kTiny = sizeof(T) == 8 ? T(0x1p-30) : T(0x1p-14);
   V z[K], z2[K], p[K];
   for (size_t k = 0; k < K; ++k) {
+#if HWY_TARGET == HWY_AVX3
+    z[k] = SquareWhere(d, hn::Ge(hn::Abs(t[k]), hn::Set(d, kTiny)), t[k]);
+#else
     const V u = hn::IfThenZeroElse(MagnitudeBelow(d, t[k], kTiny), t[k]);
     z[k] = hn::Mul(u, u);
+#endif
   }
   for (size_t k = 0; k < K; ++k) z2[k] = hn::Mul(z[k], z[k]);
   EvenOdd(d, z, z2, c, p);
