@@ -49,6 +49,20 @@ HWY_INLINE hn::Mask<D> MagnitudeBelow(D d, hn::Vec<D> x, T limit) {
   return hn::RebindMask(d, hn::Lt(Bits(d, hn::Abs(x)), SetBits(d, BitsOfNumber(limit))));
 }
 
+// x^2 for the lanes of the mask; the others are 0 and raise no flag.
+template <class D>
+HWY_INLINE VecOf<D> SquareWhere(D, MaskOf<D> mask, VecOf<D> x) {
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(x) == 64 && sizeof(hn::TFromD<D>) == 4) {
+    return VecOf<D>{_mm512_maskz_mul_ps(mask.raw, x.raw, x.raw)};
+  } else if constexpr (sizeof(x) == 64) {
+    return VecOf<D>{_mm512_maskz_mul_pd(mask.raw, x.raw, x.raw)};
+  }
+#endif
+  const VecOf<D> y = hn::IfThenElseZero(mask, x);
+  return hn::Mul(y, y);
+}
+
 // Rare lanes by one signed integer comparison, key(x) > kLimit. Keys of several vectors are joined
 // by their maxima, so that a group costs one comparison. Limits of doubles end in 32 ones: the
 // levels without a 64-bit maximum compare high words alone.

@@ -18,18 +18,18 @@ struct dAcosCommon : Kernel<double> {
 };
 
 struct dAcosEP : dAcosCommon {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAcos(d, x, kAsinEP, r);
+    PlainAcos<kAsinEP>(d, x, r);
   }
 };
 
 struct dAcosLA : dAcosCommon {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAcos(d, x, kAsinLA, r);
+    PlainAcos<kAsinLA>(d, x, r);
   }
 };
 

@@ -13,7 +13,7 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vsAcos";
 
 struct sAcosCommon : Kernel<float> {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 3 : 4;
   using Rarity = AboveOne<float>;
   static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
 };
@@ -21,14 +21,14 @@ struct sAcosCommon : Kernel<float> {
 struct sAcosEP : sAcosCommon {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAcos(d, x, kAsinSingleEP, r);
+    PlainAcos<kAsinSingleEP>(d, x, r);
   }
 };
 
 struct sAcosLA : sAcosCommon {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAcos(d, x, kAsinSingleLA, r);
+    PlainAcos<kAsinSingleLA>(d, x, r);
   }
 };
 
@@ -45,7 +45,7 @@ struct sAcosHA : Kernel<float, double> {
     const hn::Rebind<double, D> wide;
     VecOf<decltype(wide)> v[K], w[K];
     for (size_t k = 0; k < K; ++k) v[k] = hn::PromoteTo(wide, x[k]);
-    PlainAcos(wide, v, kAsinHA, w, kHalfPi);
+    PlainAcos<kAsinHA>(wide, v, w, kHalfPi);
     for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, w[k]);
   }
 };

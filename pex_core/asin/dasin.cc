@@ -18,18 +18,18 @@ struct dAsinCommon : Kernel<double> {
 };
 
 struct dAsinEP : dAsinCommon {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 3 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAsin(d, x, kAsinEP, r);
+    PlainAsin<kAsinEP>(d, x, r);
   }
 };
 
 struct dAsinLA : dAsinCommon {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 3 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAsin(d, x, kAsinLA, r);
+    PlainAsin<kAsinLA>(d, x, r);
   }
 };
 

@@ -13,7 +13,7 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vsAsin";
 
 struct sAsinCommon : Kernel<float> {
-  static constexpr int kUnroll = 8;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 3 : 4;
   using Rarity = AboveOne<float>;
   static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
 };
@@ -21,14 +21,14 @@ struct sAsinCommon : Kernel<float> {
 struct sAsinEP : sAsinCommon {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAsin(d, x, kAsinSingleEP, r);
+    PlainAsin<kAsinSingleEP>(d, x, r);
   }
 };
 
 struct sAsinLA : sAsinCommon {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAsin(d, x, kAsinSingleLA, r);
+    PlainAsin<kAsinSingleLA>(d, x, r);
   }
 };
 
@@ -42,7 +42,7 @@ struct sAsinHA : Kernel<float, double> {
     const hn::Rebind<double, D> wide;
     VecOf<decltype(wide)> v[K], w[K];
     for (size_t k = 0; k < K; ++k) v[k] = hn::PromoteTo(wide, x[k]);
-    PlainAsin(wide, v, kAsinHA, w);
+    PlainAsin<kAsinHA>(wide, v, w);
     for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, w[k]);
   }
 };

@@ -24,7 +24,7 @@ HWY_INLINE void SignesAtan(D d, const V (&x)[K], const float (&c)[N], V (&r)[K])
   for (size_t k = 0; k < K; ++k) {
     third[k] = AtanThirdOf(d, hn::Abs(x[k]));
   }
-  PlainAtan(d, third, c, v);
+  PlainAtan<true>(d, third, c, v);
   for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(v[k], x[k]);
 }
 

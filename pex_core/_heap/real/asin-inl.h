@@ -1,5 +1,5 @@
-// Inverse sine and cosine: asin(x) = x (1 + u P(u)) with u = 2 x^2 for |x| <= 1/2, and for larger
-// ones acos(|x|) = s (1 + u P(u)) with u = 1 - |x|, s = sqrt(2 u).
+// Inverse sine and cosine: asin(x) = x (1 + u P(u)) with u = 4 x^2 for |x| up to about 1/2, and for
+// larger ones acos(|x|) = s (1 + u P(u)) with u = 2 (1 - |x|), s = sqrt(u).
 
 #include <cstddef>
 #include <cstdint>
@@ -24,26 +24,28 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Rare: |x| > 1 or NaN. The levels that compare high words alone have 1 moved below its octave.
+// Rare: |x| > 1 or NaN. The levels that compare high words of doubles have 1 moved below its
+// octave.
 template <typename T>
-struct AboveOne : RareAbove<T, (sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F7FFFFF)> {
-#if HWY_TARGET == HWY_AVX3
-  static constexpr int64_t kLimit = BitsOfNumber(T(1));
-#endif
+struct AboveOne : RareAbove<T, (sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F800000)> {
+  static constexpr bool kWhole = sizeof(T) == 4 || HWY_TARGET == HWY_AVX3;
+  static constexpr int64_t kLimit = kWhole ? BitsOfNumber(T(1)) : RareAbove<T, 0x3FEFFFFF>::kLimit;
   template <class D>
   static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-#if HWY_TARGET == HWY_AVX3
-    return Bits(d, hn::Abs(x));
-#else
-    return hn::Sub(Bits(d, hn::Abs(x)), SetBits(d, 1));
-#endif
+    const auto bits = Bits(d, hn::Abs(x));
+    if constexpr (kWhole) return bits;
+    return hn::Sub(bits, SetBits(d, 1));
   }
 };
 
+// |x| beyond which it counts as large. Single precision has it where the arc cosine is just below
+// 1, so that the sums are rounded to the finer half, and pi/2 needs no second part.
+template <typename T>
+inline constexpr T kAsinSplit = sizeof(T) == 8 ? T(0.5) : T(0x1.14p-1);
 inline constexpr double kPi = 0x1.921fb54442d18p+1, kPiRest = 0x1.1a62633145c07p-53;
 
-// What both functions are made of: |x|, the root s, u, and whether |x| > 1/2. Where |x| is tiny u
-// is 0, so that no product underflows.
+// What both functions are made of: |x|, the root s, u, and whether |x| is large. Where |x| is tiny
+// u is 0, so that no product underflows.
 template <class D>
 struct AsinParts {
   VecOf<D> magnitude, root, u;
@@ -54,54 +56,93 @@ template <class D, class V>
 HWY_INLINE AsinParts<D> AsinReduce(D d, V x) {
   using T = hn::TFromD<D>;
   constexpr T kTiny = sizeof(T) == 8 ? T(0x1p-30) : T(0x1p-14);
-  const V a = hn::Abs(x);
-  const V rest = hn::Sub(hn::Set(d, T(1)), a);  // exact where it is used
-  const V b = hn::IfThenZeroElse(hn::Lt(a, hn::Set(d, kTiny)), a);
-  return {a, hn::Sqrt(hn::Add(rest, rest)),
-          hn::Min(rest, hn::Mul(b, hn::Add(b, b))),  // equal for a = 1/2
-          hn::Gt(a, hn::Set(d, T(0.5)))};
+  const V a = hn::Abs(x), twice = hn::Add(a, a);
+  const V rest = hn::Sub(hn::Set(d, T(2)), twice);  // exact where it is used
+  const auto large = hn::Gt(a, hn::Set(d, kAsinSplit<T>));
+  const V square = SquareWhere(d, hn::Ge(a, hn::Set(d, kTiny)), twice);
+  // In double precision both are equal at the split, and either serves near it.
+  const V u = sizeof(T) == 8 ? hn::Min(rest, square) : hn::IfThenElse(large, rest, square);
+  return {a, hn::Sqrt(rest), u, large};
+}
+
+// Coefficients as whole registers in memory: on AVX-512 a broadcast takes a place of the
+// arithmetic, a load takes none.
+template <typename T, size_t N>
+struct Spread {
+  alignas(64) T c[N][64 / sizeof(T)];
+};
+template <typename T, size_t N>
+constexpr Spread<T, N> SpreadOf(const T (&c)[N]) {
+  Spread<T, N> s = {};
+  for (size_t i = 0; i < N; ++i)
+    for (T& x : s.c[i]) x = c[i];
+  return s;
+}
+
+// EvenOdd with them. The compiler must not see what it loads, or it makes broadcasts of it again.
+template <auto& kC, class D, class V, size_t K>
+HWY_INLINE void SpreadEvenOdd(D d, const V (&x)[K], const V (&x2)[K], V (&p)[K]) {
+  static constexpr auto kSpread = SpreadOf(kC);
+  constexpr size_t N = std::size(kC);
+  constexpr size_t kTop = (N - 1) / 2 * 2;
+  auto* s = kSpread.c;
+  asm("" : "+r"(s));
+  const auto pair = [&](size_t i, size_t k) HWY_ATTR {
+    const V low = hn::Load(d, s[i]);
+    return i + 1 < N ? hn::Add(hn::Mul(hn::Load(d, s[i + 1]), x[k]), low) : low;
+  };
+  for (size_t k = 0; k < K; ++k) p[k] = pair(kTop, k);
+  for (size_t i = kTop; i >= 2; i -= 2) {
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Add(hn::Mul(p[k], x2[k]), pair(i - 2, k));
+  }
 }
 
 // The parts and u P(u) for all of a group.
-template <class D, class V, size_t K, size_t N>
-HWY_INLINE void AsinReduce(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], AsinParts<D> (&r)[K],
-                           V (&up)[K]) {
-  V u[K], u2[K];
+template <auto& c, class D, class V, size_t K>
+HWY_INLINE void AsinReduce(D d, const V (&x)[K], AsinParts<D> (&r)[K], V (&up)[K]) {
+  V u[K];
   for (size_t k = 0; k < K; ++k) {
     r[k] = AsinReduce(d, x[k]);
     u[k] = r[k].u;
   }
+  V u2[K];
   for (size_t k = 0; k < K; ++k) u2[k] = hn::Mul(u[k], u[k]);
+#if HWY_TARGET == HWY_AVX3
+  SpreadEvenOdd<c>(d, u, u2, up);
+#else
   EvenOdd(d, u, u2, c, up);
+#endif
   for (size_t k = 0; k < K; ++k) up[k] = hn::Mul(u[k], up[k]);
 }
 
-// By plain sums: below 2 ulp with the coefficients of LA (1.74 seen).
-template <class D, class V, size_t K, size_t N>
-HWY_INLINE void PlainAsin(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&r)[K]) {
+// By plain sums: below 2 ulp with the coefficients of LA (1.74 seen, single 1.90).
+template <auto& c, class D, class V, size_t K>
+HWY_INLINE void PlainAsin(D d, const V (&x)[K], V (&r)[K]) {
   using T = hn::TFromD<D>;
-  constexpr T kHalfPi = T(kPi / 2), kRest = sizeof(T) == 8 ? T(kPiRest / 2) : T(kPi / 2 - kHalfPi);
+  constexpr T kHalfPi = T(kPi / 2);
   AsinParts<D> v[K];
   V up[K];
-  AsinReduce(d, x, c, v, up);
+  AsinReduce<c>(d, x, v, up);
   for (size_t k = 0; k < K; ++k) {
     const auto large = v[k].large;
     const V lead = hn::IfThenElse(large, v[k].root, v[k].magnitude);
-    const V tail = hn::Mul(lead, up[k]);
-    const V rest = hn::Sub(tail, hn::Set(d, kRest));
-    const V sum = hn::Add(lead, hn::IfThenElse(large, rest, tail));
+    V tail = hn::Mul(lead, up[k]);
+    if constexpr (sizeof(T) == 8) {
+      tail = hn::IfThenElse(large, hn::Sub(tail, hn::Set(d, kPiRest / 2)), tail);
+    }
+    const V sum = hn::Add(lead, tail);
     const V turned = hn::Sub(hn::Set(d, kHalfPi), sum);
     r[k] = hn::CopySignToAbs(hn::IfThenElse(large, turned, sum), x[k]);
   }
 }
 
-template <class D, class V, size_t K, size_t N>
-HWY_INLINE void PlainAcos(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&r)[K],
+template <auto& c, class D, class V, size_t K>
+HWY_INLINE void PlainAcos(D d, const V (&x)[K], V (&r)[K],
                           hn::TFromD<D> half_pi = hn::TFromD<D>(kPi / 2)) {
   using T = hn::TFromD<D>;
   AsinParts<D> v[K];
   V up[K];
-  AsinReduce(d, x, c, v, up);
+  AsinReduce<c>(d, x, v, up);
   for (size_t k = 0; k < K; ++k) {
     const V lead = hn::IfThenElse(v[k].large, v[k].root, v[k].magnitude);
     const V sum = hn::Add(lead, hn::Mul(lead, up[k]));

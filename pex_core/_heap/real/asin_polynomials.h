@@ -5,34 +5,34 @@
 
 namespace pex {
 
-// asin(x) = x (1 + c[0] u + c[1] u^2 ...) for u = 2 x^2, 0 <= u <= 1/2.
+// asin(x) = x (1 + c[0] u + c[1] u^2 ...) for u = 4 x^2, u up to 1, single 1.17.
 
 // Error 2^-59.8125 of the whole.
 inline constexpr double kAsinHA[] = {
-    0x1.5555555555578p-4, 0x1.333333332df3bp-6, 0x1.6db6db72289dap-8, 0x1.f1c71a8cef866p-10,
-    0x1.6e8bdfbb0af7fp-11, 0x1.1c49e16d4636ep-12, 0x1.ca20eab934aa8p-14, 0x1.757aa0d824c2p-15,
-    0x1.6178650f6895fp-16, 0x1.e27f6641a8208p-19, 0x1.64a4dd069ba7bp-17, -0x1.596cfbf2af2c3p-18,
-    0x1.0bb7b2f0e7644p-18};
+    0x1.5555555555578p-5, 0x1.333333332df3bp-8, 0x1.6db6db72289dap-11, 0x1.f1c71a8cef866p-14,
+    0x1.6e8bdfbb0af7fp-16, 0x1.1c49e16d4636ep-18, 0x1.ca20eab934aa8p-21, 0x1.757aa0d824c2p-23,
+    0x1.6178650f6895fp-25, 0x1.e27f6641a8208p-29, 0x1.64a4dd069ba7bp-28, -0x1.596cfbf2af2c3p-30,
+    0x1.0bb7b2f0e7644p-31};
 
 // Error 2^-55.8125 of the whole.
 inline constexpr double kAsinLA[] = {
-    0x1.5555555555387p-4, 0x1.333333336f87cp-6, 0x1.6db6db41d459ap-8, 0x1.f1c72c6d2536p-10,
-    0x1.6e89ef7dd8c59p-11, 0x1.1c6c278083131p-12, 0x1.c6f8829f6097bp-14, 0x1.8ee485e5f3277p-15,
-    0x1.aab4c9efb1596p-17, 0x1.40b11cbfed6cp-16, -0x1.0af3a02f9225dp-17, 0x1.05cdf04fb6092p-17};
+    0x1.5555555555387p-5, 0x1.333333336f87cp-8, 0x1.6db6db41d459ap-11, 0x1.f1c72c6d2536p-14,
+    0x1.6e89ef7dd8c59p-16, 0x1.1c6c278083131p-18, 0x1.c6f8829f6097bp-21, 0x1.8ee485e5f3277p-23,
+    0x1.aab4c9efb1596p-26, 0x1.40b11cbfed6cp-26, -0x1.0af3a02f9225dp-28, 0x1.05cdf04fb6092p-29};
 
 // Error 2^-27.5625 of the whole.
 inline constexpr double kAsinEP[] = {
-    0x1.5555ca7415a2dp-4, 0x1.33014e6c24c95p-6, 0x1.748c639b1b28cp-8, 0x1.8ba26052d4a24p-10,
-    0x1.59dac141c0f7ap-10};
+    0x1.5555ca7415a2dp-5, 0x1.33014e6c24c95p-8, 0x1.748c639b1b28dp-11, 0x1.8ba26052d4a13p-14,
+    0x1.59dac141c0f8cp-15};
 
-// Error 2^-27.5625 of the whole.
+// Error 2^-26.28125 of the whole, but for the bias.
 inline constexpr float kAsinSingleLA[] = {
-    0x1.5555cap-4f, 0x1.33016cp-6f, 0x1.7489e6p-8f, 0x1.8bb842p-10f,
-    0x1.59c9d8p-10f};
+    0x1.5557e8p-5f, 0x1.329b84p-8f, 0x1.7c7608p-11f, 0x1.47164ep-14f,
+    0x1.8f1f06p-15f};
 
-// Error 2^-14.65625 of the whole.
+// Error 2^-13.90625 of the whole.
 inline constexpr float kAsinSingleEP[] = {
-    0x1.52014cp-4f, 0x1.829128p-6f};
+    0x1.509402p-5f, 0x1.93565p-8f};
 
 }  // namespace pex
 

@@ -106,8 +106,12 @@ HWY_INLINE void AtanTail(D d, const V (&t)[K], const T (&c)[N], V (&r)[K]) {
   constexpr T kTiny = sizeof(T) == 8 ? T(0x1p-30) : T(0x1p-14);
   V z[K], z2[K], p[K];
   for (size_t k = 0; k < K; ++k) {
+#if HWY_TARGET == HWY_AVX3
+    z[k] = SquareWhere(d, hn::Ge(hn::Abs(t[k]), hn::Set(d, kTiny)), t[k]);
+#else
     const V u = hn::IfThenZeroElse(MagnitudeBelow(d, t[k], kTiny), t[k]);
     z[k] = hn::Mul(u, u);
+#endif
   }
   for (size_t k = 0; k < K; ++k) z2[k] = hn::Mul(z[k], z[k]);
   EvenOdd(d, z, z2, c, p);
@@ -157,13 +161,33 @@ HWY_INLINE AtanThird<V> AtanThirdOf(D d, V y) {
                          hn::IfThenZeroElse(low, hn::Set(d, kAngle)))};
 }
 
-// atan(y/x) for the third of the ratio, by plain sums: below 2 ulp (1.64 and 1.88 seen in LA).
+// atan(t)/t of floats. Where t is tiny that is 1 and its product with t exact, so that none
+// underflows.
 template <class D, class V, size_t K, size_t N>
+HWY_INLINE void AtanFactor(D d, const V (&t)[K], const float (&c)[N], V (&r)[K]) {
+  V z[K], z2[K], p[K];
+  for (size_t k = 0; k < K; ++k) {
+    const V u = hn::Max(hn::Abs(t[k]), hn::Set(d, 0x1p-30f));
+    z[k] = hn::Mul(u, u);
+  }
+  for (size_t k = 0; k < K; ++k) z2[k] = hn::Mul(z[k], z[k]);
+  EvenOdd(d, z, z2, c, p);
+  for (size_t k = 0; k < K; ++k) r[k] = hn::Add(hn::Set(d, 1.0f), hn::Mul(z[k], p[k]));
+}
+
+// atan(y/x) for the third of the ratio, by plain sums: below 2 ulp (1.64 and 1.93 seen in LA).
+// kFactored, of floats: by AtanFactor, whose rounding costs another half ulp.
+template <bool kFactored, class D, class V, size_t K, size_t N>
 HWY_INLINE void PlainAtan(D d, const AtanThird<V> (&q)[K], const hn::TFromD<D> (&c)[N], V (&r)[K]) {
   V t[K], tail[K];
   for (size_t k = 0; k < K; ++k) t[k] = hn::Div(q[k].numerator, q[k].denominator);
-  AtanTail(d, t, c, tail);
-  for (size_t k = 0; k < K; ++k) r[k] = hn::Add(q[k].angle, hn::Add(t[k], tail[k]));
+  if constexpr (kFactored) {
+    AtanFactor(d, t, c, tail);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::Add(q[k].angle, hn::Mul(t[k], tail[k]));
+  } else {
+    AtanTail(d, t, c, tail);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::Add(q[k].angle, hn::Add(t[k], tail[k]));
+  }
 }
 
 // t = hi + lo = (n.hi + n.lo)/(m.hi + m.lo) to about 2^-100.
@@ -211,7 +235,8 @@ HWY_INLINE void PlainAtan2(D d, const V (&y)[K], const V (&x)[K], const hn::TFro
     const V ax = hn::Abs(x[k]);
     third[k] = AtanThirdOf(d, hn::Abs(y[k]), ax, hn::Mul(ax, hn::Set(d, T(0.5))), hn::Add(ax, ax));
   }
-  PlainAtan(d, third, c, angle);
+  // The factor is for EP: in LA its rounding adds to the quotient's.
+  PlainAtan<(sizeof(T) == 4 && N < 5)>(d, third, c, angle);
   for (size_t k = 0; k < K; ++k) {
     const V pi = hn::IfNegativeThenElse(x[k], hn::Set(d, T(0x1.921fb54442d18p+1)), hn::Zero(d));
     const V turned = hn::Xor(angle[k], hn::And(x[k], hn::SignBit(d)));
