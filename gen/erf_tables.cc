@@ -120,6 +120,36 @@ void Erfc(bool rests) {
   std::printf("\n};\n");
 }
 
+// value = the normal distribution's tail beyond c, slope = half its density.
+void TailAt(double c) {
+  mpfr_set_d(work, c, MPFR_RNDN);
+  mpfr_sqr(slope, work, MPFR_RNDN);
+  mpfr_mul_d(slope, slope, -0.5, MPFR_RNDN);
+  mpfr_exp(slope, slope, MPFR_RNDN);
+  mpfr_const_pi(value, MPFR_RNDN);
+  mpfr_mul_2ui(value, value, 1, MPFR_RNDN);
+  mpfr_rec_sqrt(value, value, MPFR_RNDN);
+  mpfr_mul(slope, slope, value, MPFR_RNDN);
+  mpfr_div_2ui(slope, slope, 1, MPFR_RNDN);
+  mpfr_set_d(value, 0.5, MPFR_RNDN);
+  mpfr_sqrt(value, value, MPFR_RNDN);
+  mpfr_mul(value, value, work, MPFR_RNDN);
+  mpfr_erfc(value, value, MPFR_RNDN);
+  mpfr_mul_d(value, value, 0.5, MPFR_RNDN);
+}
+
+void Single(const char* name, const char* count_name, int count, bool normal) {
+  std::printf("\nalignas(64) const ErfcSingleRow %s[%s] = {", name, count_name);
+  for (int j = 0; j < count; ++j) {
+    normal ? TailAt(j / 128.0) : At(j / 128.0, true);
+    mpfr_mul_2ui(value, value, pex::kErfcSingleScale, MPFR_RNDN);
+    mpfr_mul_2ui(slope, slope, pex::kErfcSingleScale, MPFR_RNDN);
+    std::printf("%s{%af, %af},", j % 3 ? " " : "\n    ", mpfr_get_flt(value, MPFR_RNDN),
+                mpfr_get_flt(slope, MPFR_RNDN));
+  }
+  std::printf("\n};\n");
+}
+
 }  // namespace
 
 int main() {
@@ -131,5 +161,7 @@ int main() {
   Erf();
   Erfc(false);
   Erfc(true);
+  Single("kErfcSingleRows", "kErfcSingleRowCount", pex::kErfcSingleRowCount, false);
+  Single("kCdfNormSingleRows", "kCdfNormSingleRowCount", pex::kCdfNormSingleRowCount, true);
   std::printf("\n}  // namespace pex\n");
 }

@@ -27,9 +27,9 @@ struct sCdfNormCommon : Kernel<float, Compute> {
   static HWY_INLINE int Rare(float x, float* r) { return sCdfNormRare(x, r); }
 };
 
-template <const auto& kTable, bool kLA>
+template <bool kLA>
 struct sCdfNormShort : sCdfNormCommon<float> {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = kErfcSingleUnroll<kLA>;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V z[K], s[K];
@@ -38,7 +38,7 @@ struct sCdfNormShort : sCdfNormCommon<float> {
       const V ax = hn::Abs(hn::Min(x[k], hn::Set(d, 7.0f)));
       z[k] = hn::Add(ax, hn::Set(d, 0x1p-30f));
     }
-    sErfcTail<kTable, kLA, true>(d, z, s);
+    sErfcFromTable<sCdfNormTail, kLA>(d, z, s);
     for (size_t k = 0; k < K; ++k) {
       const V rest = hn::Sub(hn::Set(d, 1.0f), s[k]);
       out[k] = hn::IfNegativeThenElse(x[k], s[k], rest);
@@ -78,11 +78,8 @@ struct sCdfNormHA : sCdfNormCommon<double> {
   }
 };
 
-using sCdfNormEP = sCdfNormShort<kCdfNormSingleEP, false>;
-using sCdfNormLA = sCdfNormShort<kCdfNormSingleLA, true>;
-
-PEX_UNARY(float, sCdfNorm_11, sCdfNormEP)
-PEX_UNARY(float, sCdfNorm_21, sCdfNormLA)
+PEX_UNARY(float, sCdfNorm_11, sCdfNormShort<false>)
+PEX_UNARY(float, sCdfNorm_21, sCdfNormShort<true>)
 PEX_UNARY(float, sCdfNorm_HA, sCdfNormHA)
 
 }  // namespace pex::HWY_NAMESPACE

@@ -58,7 +58,7 @@ struct sErfPolynomial : sErfCommon<> {
       V y = hn::Mul(dx[k], q[k]);
       if constexpr (kRest) {
         // The coefficient of degree 1 in two parts, for the sake of small numbers.
-        const V rest = hn::Add(hn::Mul(q[k], safe[k]), LookupEighth(d, kErfSingleRest, at[k]));
+        const V rest = hn::Add(hn::Mul(q[k], safe[k]), hn::Set(d, kErfSingleRest));
         y = hn::Mul(dx[k], hn::Add(LookupEighth(d, kTable[2], at[k]), rest));
       }
       y = hn::Add(LookupEighth(d, kTable[1], at[k]), y);

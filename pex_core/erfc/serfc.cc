@@ -27,9 +27,9 @@ struct sErfcCommon : Kernel<float, Compute> {
   static HWY_INLINE int Rare(float x, float* r) { return sErfcRare(x, r); }
 };
 
-template <const auto& kTable, bool kLA>
+template <bool kLA>
 struct sErfcShort : sErfcCommon<float> {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = kErfcSingleUnroll<kLA>;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V z[K], s[K];
@@ -38,7 +38,7 @@ struct sErfcShort : sErfcCommon<float> {
       const V ax = hn::Abs(hn::Max(x[k], hn::Set(d, -5.0f)));
       z[k] = hn::Add(ax, hn::Set(d, 0x1p-30f));
     }
-    sErfcTail<kTable, kLA, false>(d, z, s);
+    sErfcFromTable<sErfcTail, kLA>(d, z, s);
     for (size_t k = 0; k < K; ++k) {
       const V rest = hn::Sub(hn::Set(d, 2.0f), s[k]);
       out[k] = hn::IfNegativeThenElse(x[k], rest, s[k]);
@@ -74,11 +74,8 @@ struct sErfcHA : sErfcCommon<double> {
   }
 };
 
-using sErfcEP = sErfcShort<kErfcSingleEP, false>;
-using sErfcLA = sErfcShort<kErfcSingleLA, true>;
-
-PEX_UNARY(float, sErfc_11, sErfcEP)
-PEX_UNARY(float, sErfc_21, sErfcLA)
+PEX_UNARY(float, sErfc_11, sErfcShort<false>)
+PEX_UNARY(float, sErfc_21, sErfcShort<true>)
 PEX_UNARY(float, sErfc_HA, sErfcHA)
 
 }  // namespace pex::HWY_NAMESPACE

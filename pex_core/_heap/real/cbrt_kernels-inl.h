@@ -22,29 +22,56 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Rare: |x| is not a normal number.
-template <typename T>
-struct RareUnlessNormal {
-  using Outside = std::conditional_t<sizeof(T) == 8, RareOutside<T, 0x00100000, 0x7FEFFFFF>,
-                                     RareOutside<T, 0x00800000, 0x7F7FFFFF>>;
-  static constexpr int64_t kLimit = Outside::kLimit;
+// Rare by |x|.
+template <class Outside>
+struct RareByMagnitude : Outside {
   template <class D>
-  static HWY_INLINE BitsOf<D> Key(D d, hn::Vec<D> x) {
+  static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
     return Outside::Key(d, hn::Abs(x));
   }
 };
 
-// The root of a normal number by the kernel of one lane.
+// Rare: |x| is not a normal number.
+template <typename T>
+using RareUnlessNormal =
+    RareByMagnitude<std::conditional_t<sizeof(T) == 8, RareOutside<T, 0x00100000, 0x7FEFFFFF>,
+                                       RareOutside<T, 0x00800000, 0x7F7FFFFF>>>;
+
+inline constexpr int kRootUnroll = 8;
+
+// f of a group's vectors, G together: their chains of dependent operations overlap, and the
+// registers hold them.
+template <size_t G, class V, size_t K, class F>
+HWY_INLINE void Together(const V (&x)[K], V (&r)[K], const F& f) {
+  if constexpr (K <= G) {
+    f(x, r);
+  } else {
+    static_assert(K % G == 0);
+#pragma GCC unroll 8
+    for (size_t j = 0; j < K; j += G) {
+      V in[G], out[G];
+      for (size_t k = 0; k < G; ++k) in[k] = x[j + k];
+      f(in, out);
+      for (size_t k = 0; k < G; ++k) r[j + k] = out[k];
+    }
+  }
+}
+
+// The root of a normal number by the kernel.
 template <class Form>
 HWY_INLINE double NormalRoot(double x) {
   const hn::CappedTag<double, 1> d;
-  return hn::GetLane(RootHA<Form>(d, hn::Set(d, x)));
+  VecOf<decltype(d)> v[1] = {hn::Set(d, x)};
+  RootHA<Form, true>(d, v, v);
+  return hn::GetLane(v[0]);
 }
 
 template <class Form>
 HWY_INLINE float NormalRoot(float x) {
-  const hn::CappedTag<float, 1> d;
-  return hn::GetLane(sRootHA<Form>(d, hn::Set(d, x)));
+  const hn::ScalableTag<float> d;
+  VecOf<decltype(d)> v[1] = {hn::Set(d, x)};
+  sRootHA<Form>(d, v, v);
+  return hn::GetLane(v[0]);
 }
 
 // The root of a rare element; its status code. Subnormal numbers are raised by a cube of 2^18 or
@@ -70,61 +97,71 @@ HWY_NOINLINE int RareRoot(T x, T* r) {
   return PEX_STATUS_OK;
 }
 
-template <class Form, typename T, typename Compute = T>
-struct RootKernel : Kernel<T, Compute> {
+template <class Form, typename T>
+struct RootKernel : Kernel<T> {
+  static constexpr int kUnroll = kRootUnroll;
   using Rarity = RareUnlessNormal<T>;
   static HWY_INLINE int Rare(T x, T* r) { return RareRoot<Form>(x, r); }
 };
 
 template <class Form>
 struct dRootEP : RootKernel<Form, double> {
-  static constexpr int kUnroll = 8;
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return RootEP<Form>(d, x);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    Together<4>(x, r, [&](const auto& in, auto& out) HWY_ATTR { RootEP<Form>(d, in, out); });
   }
 };
 
 template <class Form>
 struct dRootLA : RootKernel<Form, double> {
-  static constexpr int kUnroll = 8;
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return RootLA<Form>(d, x);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    Together<4>(x, r, [&](const auto& in, auto& out) HWY_ATTR { RootLA<Form>(d, in, out); });
   }
 };
 
 template <class Form>
+struct dRootWideHA : RootKernel<Form, double> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    Together<4>(x, r, [&](const auto& in, auto& out) HWY_ATTR { RootHA<Form, true>(d, in, out); });
+  }
+};
+
+// Common from 2^-900 to 2^900.
+template <class Form>
 struct dRootHA : RootKernel<Form, double> {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return RootHA<Form>(d, x);
+  using Wide = dRootWideHA<Form>;
+  using Rarity = RareByMagnitude<RareOutside<double, 0x07B00000, 0x782FFFFF>>;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    Together<4>(x, r, [&](const auto& in, auto& out) HWY_ATTR { RootHA<Form, false>(d, in, out); });
   }
 };
 
 template <class Form>
 struct sRootKernelEP : RootKernel<Form, float> {
-  static constexpr int kUnroll = 8;
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return sRootEP<Form>(d, x);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    Together<4>(x, r, [&](const auto& in, auto& out) HWY_ATTR { sRootEP<Form>(d, in, out); });
   }
 };
 
 template <class Form>
 struct sRootKernelLA : RootKernel<Form, float> {
-  static constexpr int kUnroll = 8;
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return sRootLA<Form>(d, x);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    Together<HWY_TARGET == HWY_SSE4 ? 1 : 4>(
+        x, r, [&](const auto& in, auto& out) HWY_ATTR { sRootLA<Form>(d, in, out); });
   }
 };
 
 template <class Form>
-struct sRootKernelHA : RootKernel<Form, float, double> {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return sRootHA<Form>(d, x);
+struct sRootKernelHA : RootKernel<Form, float> {
+  static constexpr int kUnroll = 4;  // twice as many vectors of doubles
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    Together<4>(x, r, [&](const auto& in, auto& out) HWY_ATTR { sRootHA<Form>(d, in, out); });
   }
 };
 

@@ -17,14 +17,22 @@ inline constexpr double kCbrtLA[] = {
 inline constexpr double kInvCbrtLA[] = {
     -0x1.5555555555555p-2, 0x1.c71c7216c16c3p-3, -0x1.61f9ae4f9f959p-3};
 
-// w^(-2/3), 0.9998931884765625 <= w <= 1.0001220703125; error 2^-27.78125.
-inline constexpr double kCbrtEP[] = {
-    0x1.aaa9d5893b101p0, -0x1.5553aaee18443p-1};
+// ((1 + e)^(-2/3) - 1)/e, -1.77003443241119384765625e-4 <= e <= 1.77003443241119384765625e-4; error 2^-66.375.
+inline constexpr double kCbrtHA[] = {
+    -0x1.5555555555555p-1, 0x1.1c71c71c71c7p-1, -0x1.f9add4995a065p-2, 0x1.cf8a035ed1669p-2};
 
-// w^(-1/3), 0.894500732421875 <= w <= 1.096893310546875; error 2^-27.90625.
+// ((1 + e)^(-1/3) - 1)/e, -1.77003443241119384765625e-4 <= e <= 1.77003443241119384765625e-4; error 2^-68.
+inline constexpr double kInvCbrtHA[] = {
+    -0x1.5555555555555p-2, 0x1.c71c71c71c71bp-3, -0x1.61f9ae5eca53bp-3, 0x1.26fabc25f41cdp-3};
+
+// (1 + 0.65 2^-27) w^(-2/3), 0.9998626708984375 <= w <= 1.000152587890625; error 2^-27.40625.
+inline constexpr double kCbrtEP[] = {
+    0x1.aaa9d5baf7d9p0, -0x1.5553ab1d1e442p-1};
+
+// (1 + 0.57 2^-27) w^(-1/3), 0.894500732421875 <= w <= 1.096893310546875; error 2^-27.90625.
 inline constexpr double kInvCbrtEP[] = {
-    0x1.0081736620523p1, -0x1.43a45ff3069c7p1, 0x1.74f5e7443a71cp1, -0x1.06f9b984725c2p1,
-    0x1.971a9e125fe21p-1, -0x1.09fe8af98214ep-3};
+    0x1.0081737866cb5p1, -0x1.43a4600a14a86p1, 0x1.74f5e75eca667p1, -0x1.06f9b9972bb5ap1,
+    0x1.971a9e2f59dacp-1, -0x1.09fe8b0c6ef87p-3};
 
 // ((1 + e)^(-2/3) - 1)/e, -4.119968414306640625e-2 <= e <= 4.0599822998046875e-2; error 2^-27.15625.
 inline constexpr float kCbrtSingleLA[] = {

@@ -72,6 +72,46 @@ HWY_INLINE Row2<VecOf<D>> LoadRows2(D, const double* rows, const RowOffsets<16, 
 #endif
 }
 
+// Numbers of rows of two floats, in the low 16 bits of each lane; by memory too.
+template <class D>
+class SingleRows {
+ public:
+  HWY_INLINE void Set(D d, BitsOf<D> j) {
+    hn::Store(hn::And(j, SetBits(d, 0xFFFF)), hn::RebindToSigned<D>(), at_);
+    asm("" : "+m"(at_));
+  }
+  HWY_INLINE Row2<VecOf<D>> Load(const float* rows) const {
+    using V = VecOf<D>;
+    const auto pair = [&](size_t lane) HWY_ATTR {
+      const auto row = [&](size_t k) HWY_ATTR {
+        return reinterpret_cast<const double*>(rows + 2 * size_t{static_cast<uint32_t>(at_[k])});
+      };
+      return _mm_castpd_ps(_mm_loadh_pd(_mm_load_sd(row(lane)), row(lane + 1)));
+    };
+#if HWY_TARGET == HWY_SSE4
+    const __m128 even = pair(0), odd = pair(2);
+    return {V{_mm_shuffle_ps(even, odd, 0x88)}, V{_mm_shuffle_ps(even, odd, 0xDD)}};
+#else
+    const auto two = [&](size_t lane) HWY_ATTR {
+      return _mm256_insertf128_ps(_mm256_castps128_ps256(pair(lane)), pair(lane + 4), 1);
+    };
+#if HWY_TARGET == HWY_AVX2
+    const __m256 even = two(0), odd = two(2);
+    return {V{_mm256_shuffle_ps(even, odd, 0x88)}, V{_mm256_shuffle_ps(even, odd, 0xDD)}};
+#else
+    const auto four = [&](size_t lane) HWY_ATTR {
+      return _mm512_insertf32x8(_mm512_castps256_ps512(two(lane)), two(lane + 8), 1);
+    };
+    const __m512 even = four(0), odd = four(2);
+    return {V{_mm512_shuffle_ps(even, odd, 0x88)}, V{_mm512_shuffle_ps(even, odd, 0xDD)}};
+#endif
+#endif
+  }
+
+ private:
+  HWY_ALIGN int32_t at_[hn::MaxLanes(D())];
+};
+
 // Rows of four numbers.
 template <class V>
 struct Row4 {

@@ -29,6 +29,18 @@ extern const ErfcRow kErfcRows[kErfcRowCount];
 // the lower: the upper words of doubles.
 extern const uint64_t kErfcRests[kErfcRowCount];
 
+// The same in single precision, times 2^kErfcSingleScale.
+struct ErfcSingleRow {
+  float value, slope;
+};
+inline constexpr int kErfcSingleScale = 40;
+inline constexpr int kErfcSingleRowCount = 1178;
+extern const ErfcSingleRow kErfcSingleRows[kErfcSingleRowCount];
+
+// Likewise the tail of the normal distribution beyond c and half its density at c.
+inline constexpr int kCdfNormSingleRowCount = 1658;
+extern const ErfcSingleRow kCdfNormSingleRows[kCdfNormSingleRowCount];
+
 }  // namespace pex
 
 #endif  // PEX_CORE__HEAP_REAL_ERF_TABLES_H_
