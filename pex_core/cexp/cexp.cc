@@ -31,6 +31,15 @@ struct ExpRange {
   }
 };
 
+// The number of quarter turns next to y, in the low bits of a float. The product of a tiny number
+// would underflow.
+inline constexpr float kTurnRounder = 0x1.8p23f;
+template <class D, class V>
+HWY_INLINE V Turns(D d, V y) {
+  const V quiet = hn::Add(y, hn::Set(d, 0x1p-40f));
+  return hn::Add(hn::Mul(quiet, hn::Set(d, 0x1.45f306p-1f)), hn::Set(d, kTurnRounder));
+}
+
 // (cos, sin) of k pi/2 + y, times what both are multiplied by, from those of y.
 template <class D, class V>
 HWY_INLINE Complex<V> TurnBack(D d, BitsOf<D> k, V sine, V cosine) {
@@ -59,14 +68,11 @@ struct SingleExpHA : ComplexKernel<float>, ExpRange<BitsOfNumber(512.0f), BitsOf
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
     const hn::Rebind<double, hn::Half<D>> wide;
     using W = VecOf<decltype(wide)>;
-    const V rounder = hn::Set(d, 0x1.8p23f);
     V turns[K];
     W x[2 * K], n[2 * K], y[2 * K], e[2 * K], sine[2 * K], cosine[2 * K];
     for (size_t i = 0; i < K; ++i) {
-      // The product of a tiny number would underflow.
-      const V quiet = hn::Add(z[i].im, hn::Set(d, 0x1p-40f));
-      turns[i] = hn::Add(hn::Mul(quiet, hn::Set(d, 0x1.45f306p-1f)), rounder);
-      WidenHalves(d, hn::Sub(turns[i], rounder), n[2 * i], n[2 * i + 1]);
+      turns[i] = Turns(d, z[i].im);
+      WidenHalves(d, hn::Sub(turns[i], hn::Set(d, kTurnRounder)), n[2 * i], n[2 * i + 1]);
       WidenHalves(d, z[i].re, x[2 * i], x[2 * i + 1]);
       WidenHalves(d, z[i].im, y[2 * i], y[2 * i + 1]);
     }
@@ -115,6 +121,24 @@ struct SingleExpHA : ComplexKernel<float>, ExpRange<BitsOfNumber(512.0f), BitsOf
     for (size_t i = 0; i < K; ++i) cosine[i] = hn::Add(hn::Mul(cosine[i], s[i]), one);
   }
 };
+
+// The product without a flag where that costs nothing: on AVX-512.
+template <class D, class V>
+HWY_INLINE V QuietMul(D, V a, V b) {
+#if HWY_TARGET == HWY_AVX3
+  return V{_mm512_mul_round_ps(a.raw, b.raw, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
+#else
+  return hn::Mul(a, b);
+#endif
+}
+
+// A reduced argument whose powers raise no underflow. The other levels put 0 in place of tiny
+// numbers, and the terms that are added to them vanish as they would anyway: they are -0, where the
+// first coefficient is negative.
+template <class D, class V>
+HWY_INLINE V Tame(D d, V y) {
+  return HWY_TARGET == HWY_AVX3 ? y : hn::IfThenZeroElse(MagnitudeBelow(d, y, 0x1p-40f), y);
+}
 
 // e^x by the table and the cubic of the real function's LA, with what the table's floats are off;
 // sine and cosine by one reduction, of which the third part of pi/2, N low < 2^-28, counts for the
@@ -175,9 +199,9 @@ struct SingleExpLA : ExpRange<BitsOfNumber(87.0f), BitsOfNumber(1608.0f)> {
                                     V (&cosine)[K]) {
     V y[K], low[K], s[K], cube[K], p[K];
     for (size_t i = 0; i < K; ++i) {
-      const V quotient = Reduce::Quotient(d, z[i].im);
-      k[i] = Bits(d, quotient);
-      low[i] = Reduce::Multiple(d, quotient);
+      const V turns = Turns(d, z[i].im);
+      k[i] = Bits(d, turns);
+      low[i] = hn::Sub(turns, hn::Set(d, kTurnRounder));
     }
     for (size_t i = 0; i < K; ++i)
       y[i] = ExactDifference(d, z[i].im, low[i], hn::Set(d, kPiHigh * Reduce::kUnit));
@@ -186,7 +210,7 @@ struct SingleExpLA : ExpRange<BitsOfNumber(87.0f), BitsOfNumber(1608.0f)> {
       low[i] = hn::Mul(low[i], hn::Set(d, kPiLow * Reduce::kUnit));
     }
     for (size_t i = 0; i < K; ++i) {
-      const V tame = Tame<Turn::kQuarter>(d, y[i]);
+      const V tame = Tame(d, y[i]);
       s[i] = QuietMul(d, tame, tame);
       cube[i] = QuietMul(d, tame, s[i]);
     }

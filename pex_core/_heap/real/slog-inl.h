@@ -93,12 +93,12 @@ HWY_INLINE sLogPoint<D> sLogNextPoint(D d, V m) {
   return {hn::Sub(shifted, shifter), sLogIndex<D>(d, Bits(d, shifted))};
 }
 
-// e log(2) + log(a) + log(1 + (t + t_low)/a), t_low of weight next to a = 1 alone.
+// e log(2) + log(a) + log(1 + t/a).
 template <class Base, class D, class V>
-HWY_INLINE V sLogLASum(D d, V scaled, V t, V t_low, sLogIndex<D> row) {
+HWY_INLINE V sLogLASum(D d, V scaled, V t, sLogIndex<D> row) {
   const V p = hn::Mul(t, row.LookUp(Base::kTable.factor));
   const V p2 = hn::Mul(p, p);
-  const V s = hn::Add(p, hn::Add(hn::Mul(p2, EvenOdd(d, p, p2, Base::kLA)), t_low));
+  const V s = hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, Base::kLA)));
   return hn::Add(hn::Mul(scaled, hn::Set(d, Base::kLog2)),
                  hn::Add(row.LookUp(Base::kTable.log), s));
 }
