@@ -43,8 +43,8 @@ struct ComplexRegimeResult {
 // much smaller than the other; parts nearly equal; sums of products that cancel; of
 // elementary functions 1, -1, i, -i, the unit circle and the catalogue's marks closely; subnormal
 // numbers; any finite bit patterns. Products, quotients and powers measured by the modulus take the
-// first two alone: beyond them their steps overflow and underflow as they are specified to. Where an exact part is 0 the
-// result's part is to be 0 of either sign.
+// first two alone: beyond them their steps overflow and underflow as they are specified to. Where
+// an exact part is 0 the result's part is to be 0 of either sign.
 std::vector<ComplexRegimeResult> MeasureComplex(const Entry& entry, uint64_t count, uint64_t seed);
 
 // "name: error at a, b: got, wanted".

@@ -309,7 +309,7 @@ PEXQUO_API int _pexsAcosh_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsAcosh_HA(int32_t n, const float* a, float* r);
 
 /* Asinh: r[i] = the inverse hyperbolic sine of a. Keeps the sign of zero. Reports nothing. Bounds
-   in double: HA 0.57 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2
+   in double: HA 0.58 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2
    ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdAsinh_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdAsinh_50(int32_t n, const double* a, double* r);
@@ -528,12 +528,12 @@ PEXQUO_API int _pexcExp_11(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcExp_21(int32_t n, const PexComplex8* a, PexComplex8* r);
 PEXQUO_API int _pexcExp_HA(int32_t n, const PexComplex8* a, PexComplex8* r);
 
-/* Ln: r[i] = ln a. One computation in double precision; in single, _21 and _11 compute in floats.
-   Imaginary part in [-pi, pi], cut along the negative real axis. The real part keeps its relative
-   accuracy next to the unit circle, but in _11, whose bits are those of the modulus. -infinity for
-   0, raising divide-by-zero; +infinity with the angle of the argument where a part is infinite.
-   Bounds in double: HA 0.55 ulp, _50 0.55 ulp, _26 at least 52 bits of the larger part; in single:
-   HA 0.51 ulp, _21 2.6 ulp, _11 at least 11 bits of the larger part. */
+/* Ln: r[i] = ln a. In single precision _21 and _11 compute in floats. Imaginary part in [-pi, pi],
+   cut along the negative real axis. The real part keeps its relative accuracy next to the unit
+   circle, but in _11, whose bits are those of the modulus. -infinity for 0, raising divide-by-zero;
+   +infinity with the angle of the argument where a part is infinite. Bounds in double: HA 0.65 ulp,
+   _50 2 ulp, _26 at least 29 bits of the larger part; in single: HA 0.51 ulp, _21 2.6 ulp, _11 at
+   least 11 bits of the larger part. */
 PEXQUO_API int _pexzLn_26(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzLn_50(int32_t n, const PexComplex16* a, PexComplex16* r);
 PEXQUO_API int _pexzLn_HA(int32_t n, const PexComplex16* a, PexComplex16* r);

@@ -200,16 +200,6 @@ HWY_INLINE void LogByDivision(D d, const LogReduced<D> (&x)[K], const V (&t)[K],
   LogDivisionSum<Base>(d, head, p, s, r, low);
 }
 
-// The whole logarithm by the plain sum.
-template <class Base, class D, class V, size_t K, size_t N>
-HWY_INLINE void PlainLog(D d, const V (&x)[K], const double (&c)[N], V (&r)[K]) {
-  LogReduced<D> u[K];
-  V p[K];
-  LogReduce<Base>(d, x, u);
-  for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(hn::Sub(u[k].m, u[k].row.a), u[k].row.factor);
-  LogPlain<Base>(d, u, p, c, r);
-}
-
 // The whole logarithm in full. The natural table lacks no rest.
 template <class Base, class D, class V, size_t K>
 HWY_INLINE void FullLog(D d, const V (&x)[K], V (&r)[K]) {

@@ -134,8 +134,8 @@ struct Candidates<BetaMethod::kCheng> {
       odds[k] = hn::Div(first, hn::Sub(one, first));
       z[k] = hn::Mul(hn::Mul(first, first), second);
     }
-    level::PlainLog<pex::NaturalLog>(d, odds, pex::kLnEP, v);
-    level::PlainLog<pex::NaturalLog>(d, z, pex::kLnEP, log_z);
+    level::LogEP<pex::NaturalLog>(d, odds, v);
+    level::LogEP<pex::NaturalLog>(d, z, log_z);
     for (size_t k = 0; k < K; ++k) v[k] = hn::Mul(v[k], hn::Set(d, shape.lambda));
     ModerateExp(d, v, w);
     for (size_t k = 0; k < K; ++k) {
@@ -143,7 +143,7 @@ struct Candidates<BetaMethod::kCheng> {
       inverse[k] = hn::Div(one, hn::Add(w[k], hn::Set(d, shape.ordered[1])));
       ratio[k] = hn::Mul(sum, inverse[k]);
     }
-    level::PlainLog<pex::NaturalLog>(d, ratio, pex::kLnEP, log_ratio);
+    level::LogEP<pex::NaturalLog>(d, ratio, log_ratio);
     for (size_t k = 0; k < K; ++k) {
       const V r = hn::Sub(hn::Mul(v[k], hn::Set(d, shape.slope)), hn::Set(d, kLog4));
       accepted[k] = hn::Ge(hn::Add(r, hn::Mul(sum, log_ratio[k])), log_z[k]);

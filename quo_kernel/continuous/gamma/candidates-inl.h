@@ -169,7 +169,7 @@ template <class D, class V, size_t K>
 HWY_INLINE void LogPowers(D d, double power, const V (&u)[K], V (&t)[K]) {
   V positive[K], log[K];
   for (size_t k = 0; k < K; ++k) positive[k] = hn::Max(u[k], hn::Set(d, 0x1p-1022));
-  level::PlainLog<pex::NaturalLog>(d, positive, pex::kLnEP, log);
+  level::LogEP<pex::NaturalLog>(d, positive, log);
   for (size_t k = 0; k < K; ++k) {
     t[k] = hn::Min(hn::Mul(log[k], hn::Set(d, power)), hn::Zero(d));
   }

@@ -101,7 +101,7 @@ HWY_INLINE void StoreExponentials(size_t n, double* HWY_RESTRICT u, T* r, double
       const auto rest = hn::Sub(hn::Set(d, 1.0), hn::Load(d, u + i + k * kLanes));
       x[k] = hn::Max(rest, hn::Set(d, 0x1p-53));
     }
-    level::PlainLog<pex::NaturalLog>(d, x, pex::kLnEP, log);
+    level::LogEP<pex::NaturalLog>(d, x, log);
     for (size_t k = 0; k < kVectors; ++k) hn::Store(hn::Neg(log[k]), d, u + i + k * kLanes);
   }
   StoreDisplaced(n, u, r, a, beta);

@@ -110,7 +110,7 @@ struct LnBelowOne<double> : level::Kernel<double> {
   using Rarity = level::RareOutside<double, 0x00100000, 0x3FEFFFFF>;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    level::PlainLog<pex::NaturalLog>(d, x, pex::kLnEP, r);
+    level::LogEP<pex::NaturalLog>(d, x, r);
   }
 };
 template <>
