@@ -87,10 +87,11 @@ class Helpers {
   }
 
   // Returns with the mutex held and the condition, which is of atomic numbers, true. Looks out for
-  // it some ten microseconds before it sleeps, as waking up takes as long.
+  // it some hundred microseconds before it sleeps, as waking up may take as long: threads of calls
+  // that follow each other do not sleep.
   template <typename Condition>
   std::unique_lock<std::mutex> Await(std::condition_variable& change, Condition condition) {
-    for (int i = 0; i < 2000 && !condition(); ++i) __builtin_ia32_pause();
+    for (int i = 0; i < 10000 && !condition(); ++i) __builtin_ia32_pause();
     std::unique_lock lock(mutex_);
     change.wait(lock, condition);
     return lock;
