@@ -19,7 +19,7 @@ namespace {
 
 // All functions are passed through several times: a slow spell of the machine lasts longer than the
 // rounds of one.
-constexpr int kCalls = 1000, kRounds = 25, kPasses = 12;
+constexpr int kCalls = 1000, kRounds = 25, kPasses = 32;
 
 alignas(64) double a[4096], b[4096], results1[4096], results2[4096];
 // Where results go: a load waits for a store to another address that is alike in its lower bits, so

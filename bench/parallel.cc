@@ -103,7 +103,7 @@ void CompareFill(const std::string& what, const D& d, pexquo::generator g, std::
 
 int main(int argc, char** argv) {
   const std::size_t n = argc > 1 ? std::strtoull(argv[1], nullptr, 10) : 1'000'000;
-  const int rounds = argc > 2 ? std::atoi(argv[2]) : 60;
+  const int rounds = argc > 2 ? std::atoi(argv[2]) : 200;
   std::printf("%zu elements, %u threads, least of %d rounds.\n\n", n, pexquo::parallel().threads(),
               rounds);
   std::printf(
