@@ -69,7 +69,18 @@ HWY_INLINE Pair<V> TwoProduct(D d, V a, V b) {
 #endif
 }
 
-// c - a * b where that is representable: what a quotient or a square root leaves.
+// a * b + c and c - a * b where a * b is representable: fused or not, the result is the same.
+template <class V>
+HWY_INLINE V AddExactProduct(V a, V b, V c) {
+  return hn::MulAdd(a, b, c);
+}
+template <class V>
+HWY_INLINE V SubExactProduct(V a, V b, V c) {
+  return hn::NegMulAdd(a, b, c);
+}
+
+// c - a * b where that or a * b is representable: what a quotient, a square root or a reduction
+// leaves.
 template <class D, class V>
 HWY_INLINE V Remainder(D d, V c, V a, V b) {
 #if HWY_TARGET == HWY_SSE4
@@ -81,15 +92,38 @@ HWY_INLINE V Remainder(D d, V c, V a, V b) {
 #endif
 }
 
-// a * b - 1 rounded once, for products from 1/2 to 2.
+// a * b - c rounded once, for c that the rounded product differs from by a number (from its half to
+// its double, say); +0 for 0.
 template <class D, class V>
-HWY_INLINE V ProductLessOne(D d, V a, V b) {
-  const V one = hn::Set(d, static_cast<hn::TFromD<D>>(1));
+HWY_INLINE V ProductLess(D d, V a, V b, V c) {
 #if HWY_TARGET == HWY_SSE4
   const Pair<V> product = TwoProduct(d, a, b);
-  return hn::Add(hn::Sub(product.hi, one), product.lo);  // the difference is exact (Sterbenz)
+  return hn::Add(hn::Sub(product.hi, c), product.lo);  // the difference is exact
 #else
-  return hn::MulSub(a, b, one);
+  (void)d;
+  return hn::MulSub(a, b, c);
+#endif
+}
+template <class D, class V>
+HWY_INLINE V ProductLessOne(D d, V a, V b) {
+  return ProductLess(d, a, b, hn::Set(d, static_cast<hn::TFromD<D>>(1)));
+}
+
+// x * c + addend rounded once, for a c so short (26 bits, of a float 12) that its products with the
+// halves of x are exact, and an addend next to the product that leaves the upper one's sum exact.
+template <class D, class V>
+HWY_INLINE V ShortMulAdd(D d, V x, V c, V addend) {
+#if HWY_TARGET == HWY_SSE4
+  using TU = hwy::MakeUnsigned<hn::TFromD<D>>;
+  constexpr int kLowerBits = sizeof(TU) == 8 ? 26 : 12;
+  const hn::RebindToUnsigned<D> du;
+  const V upper =
+      hn::And(x, hn::BitCast(d, hn::Set(du, static_cast<TU>(TU(~TU{0}) << kLowerBits))));
+  const V lower = hn::Sub(x, upper);
+  return hn::Add(hn::Add(hn::Mul(upper, c), addend), hn::Mul(lower, c));  // exact but for the last
+#else
+  (void)d;
+  return hn::MulAdd(x, c, addend);
 #endif
 }
 

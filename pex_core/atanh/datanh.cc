@@ -22,20 +22,14 @@ struct dAtanhCommon : Groups {
 struct dAtanhEP : dAtanhCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    V a[K], y[K];
-    for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
-    AtanhOfMagnitude(d, a, 0.1716, dAtanhEPPolynomial, y);
-    for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(y[k], x[k]);
+    AtanhByHalves(d, x, 0.1716, dAtanhEPPolynomial, r);
   }
 };
 
 struct dAtanhLA : dAtanhCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    V a[K], y[K];
-    for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
-    AtanhOfMagnitude(d, a, 0.245, dAtanhLAPolynomial, y);
-    for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(y[k], x[k]);
+    AtanhByHalves(d, x, 0.245, dAtanhLAPolynomial, r);
   }
 };
 

@@ -32,12 +32,7 @@ template <class D, class V>
 HWY_INLINE Pair<V> SumOfSquares(D d, Magnitudes<V> a) {
   const V p = hn::Mul(a.larger, a.larger), q = hn::Mul(a.smaller, a.smaller);
   const V s = hn::Add(p, q);
-  const V less = hn::Sub(p, s);  // less + q is exact
-#if HWY_TARGET == HWY_SSE4
-  const V rest = hn::Add(hn::Add(less, q), TwoProduct(d, a.smaller, a.smaller).lo);
-#else
-  const V rest = hn::MulAdd(a.smaller, a.smaller, less);  // the same, rounded once too
-#endif
+  const V rest = ProductLess(d, a.smaller, a.smaller, hn::Sub(s, p));
   return {s, hn::Add(rest, TwoProduct(d, a.larger, a.larger).lo)};
 }
 

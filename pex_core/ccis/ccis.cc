@@ -28,7 +28,7 @@ HWY_INLINE void CISInDouble(D d, const V (&x)[K], Complex<V> (&r)[K]) {
     turns[k] = hn::Add(hn::Mul(x[k], hn::Set(d, 0.63661975f)), rounder);
     const W n = hn::PromoteTo(wide, hn::Sub(turns[k], rounder));
     const W high =
-        hn::NegMulAdd(n, hn::Set(wide, 0x1.921FB5444p+0), hn::PromoteTo(wide, x[k]));  // exact
+        SubExactProduct(n, hn::Set(wide, 0x1.921FB5444p+0), hn::PromoteTo(wide, x[k]));  // exact
     y[k] = hn::Sub(high, hn::Mul(n, hn::Set(wide, 0x1.68C234C4C6629p-39)));
   }
   for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(y[k], y[k]);

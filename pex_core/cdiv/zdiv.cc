@@ -12,18 +12,6 @@
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
-// a b - c rounded once, for a quotient a of c and b that is off by a few ulp; +0 for 0.
-template <class D, class V>
-HWY_INLINE V Excess(D d, V a, V b, V c) {
-#if HWY_TARGET == HWY_SSE4
-  const Pair<V> p = TwoProduct(d, a, b);
-  return hn::Add(hn::Sub(p.hi, c), p.lo);  // the difference is exact
-#else
-  (void)d;
-  return hn::MulSub(a, b, c);
-#endif
-}
-
 // The same with |less| at most half an ulp of hi.
 template <class D, class V>
 HWY_INLINE Reduced<V> Normalized(D d, Reduced<V> x) {
@@ -36,7 +24,7 @@ HWY_INLINE Reduced<V> Normalized(D d, Reduced<V> x) {
 template <class D, class V>
 HWY_INLINE V Quotient(D d, Reduced<V> n, Pair<V> m, V inverse) {
   const V q = hn::Mul(n.hi, inverse);
-  const V excess = hn::Add(hn::Add(Excess(d, q, m.hi, n.hi), n.less), hn::Mul(q, m.lo));
+  const V excess = hn::Add(hn::Add(ProductLess(d, q, m.hi, n.hi), n.less), hn::Mul(q, m.lo));
   return hn::Sub(q, hn::Mul(excess, inverse));
 }
 

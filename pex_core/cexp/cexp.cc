@@ -56,14 +56,6 @@ struct SingleExpHA : ComplexKernel<float>, ExpRange<BitsOfNumber(512.0f), BitsOf
   static Complex<float> Rare(Complex<float> z) {
     return ElementaryKernel<ComplexExp, float>::Rare(z);
   }
-  template <class D, class V>
-  static HWY_INLINE void Main(D d, Complex<V> z, Complex<V>& r) {
-    const Complex<V> zs[1] = {z};
-    Complex<V> rs[1];
-    MainGroup(d, zs, rs);
-    r = rs[0];
-  }
-
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
     const hn::Rebind<double, hn::Half<D>> wide;
@@ -77,7 +69,7 @@ struct SingleExpHA : ComplexKernel<float>, ExpRange<BitsOfNumber(512.0f), BitsOf
       WidenHalves(d, z[i].im, y[2 * i], y[2 * i + 1]);
     }
     for (size_t i = 0; i < 2 * K; ++i) {
-      const W high = hn::NegMulAdd(n[i], hn::Set(wide, 0x1.921fb5444p+0), y[i]);  // exact product
+      const W high = SubExactProduct(n[i], hn::Set(wide, 0x1.921fb5444p+0), y[i]);
       y[i] = hn::Sub(high, hn::Mul(n[i], hn::Set(wide, 0x1.68c234c4c6629p-39)));
     }
     Exp(wide, x, e);
@@ -148,14 +140,6 @@ struct SingleExpLA : ExpRange<BitsOfNumber(87.0f), BitsOfNumber(1608.0f)> {
   static constexpr int kUnroll = 4;
   using Reduce = Reduction<Turn::kQuarter>;
 
-  template <class D, class V>
-  static HWY_INLINE void Main(D d, Complex<V> z, Complex<V>& r) {
-    const Complex<V> zs[1] = {z};
-    Complex<V> rs[1];
-    MainGroup(d, zs, rs);
-    r = rs[0];
-  }
-
   // A step at a time for all vectors.
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
@@ -178,7 +162,7 @@ struct SingleExpLA : ExpRange<BitsOfNumber(87.0f), BitsOfNumber(1608.0f)> {
     // ln2/8 = 0x1.62ep-4 + 0x1.0bfbe8p-18, the product of k and the first part exact.
     for (size_t i = 0; i < K; ++i) {
       const V kd = hn::Sub(kf[i], shifter);
-      r[i] = hn::Sub(hn::NegMulAdd(kd, hn::Set(d, 0x1.62ep-4f), y[i]),
+      r[i] = hn::Sub(SubExactProduct(kd, hn::Set(d, 0x1.62ep-4f), y[i]),
                      hn::Mul(kd, hn::Set(d, 0x1.0bfbe8p-18f)));
     }
     Horner(d, r, sExpLAPolynomial, p);
@@ -204,9 +188,9 @@ struct SingleExpLA : ExpRange<BitsOfNumber(87.0f), BitsOfNumber(1608.0f)> {
       low[i] = hn::Sub(turns, hn::Set(d, kTurnRounder));
     }
     for (size_t i = 0; i < K; ++i)
-      y[i] = ExactDifference(d, z[i].im, low[i], hn::Set(d, kPiHigh * Reduce::kUnit));
+      y[i] = Remainder(d, z[i].im, low[i], hn::Set(d, kPiHigh * Reduce::kUnit));
     for (size_t i = 0; i < K; ++i) {
-      y[i] = hn::NegMulAdd(low[i], hn::Set(d, kPiMiddle * Reduce::kUnit), y[i]);  // exact product
+      y[i] = SubExactProduct(low[i], hn::Set(d, kPiMiddle * Reduce::kUnit), y[i]);
       low[i] = hn::Mul(low[i], hn::Set(d, kPiLow * Reduce::kUnit));
     }
     for (size_t i = 0; i < K; ++i) {

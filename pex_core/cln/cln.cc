@@ -38,14 +38,6 @@ HWY_INLINE AngleTurn<V> TurnOf(D d, Complex<V> z) {
 struct SingleLnHA : ElementaryKernel<ComplexLn, float> {
   using Tag = ComplexKernel<float>::Tag;
   static constexpr int kUnroll = 3;
-  template <class D, class V>
-  static HWY_INLINE void Main(D d, Complex<V> z, Complex<V>& r) {
-    const Complex<V> zs[1] = {z};
-    Complex<V> rs[1];
-    MainGroup(d, zs, rs);
-    r = rs[0];
-  }
-
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
     const hn::Rebind<double, hn::Half<D>> wide;
@@ -119,6 +111,15 @@ struct SingleLnHA : ElementaryKernel<ComplexLn, float> {
   }
 };
 
+// less/more, and its square without underflow.
+template <class D, class V>
+HWY_INLINE void TangentOf(D d, Complex<V> z, V& t, V& square) {
+  const BySize<V> part = SortedBySize(d, z);
+  t = hn::Div(part.less, part.more);
+  const V tame = hn::Max(t, hn::Set(d, 0x1p-30f));
+  square = hn::Mul(tame, tame);
+}
+
 // arg z from the angle of less/more.
 template <class D, class V>
 HWY_INLINE V TurnedAngle(D d, Complex<V> z, V angle) {
@@ -155,14 +156,6 @@ struct SingleLnRange {
 // error seen 2.35 ulp.
 struct SingleLnLA : SingleLnRange {
   static constexpr int kUnroll = 4;
-  template <class D, class V>
-  static HWY_INLINE void Main(D d, Complex<V> z, Complex<V>& r) {
-    const Complex<V> zs[1] = {z};
-    Complex<V> rs[1];
-    MainGroup(d, zs, rs);
-    r = rs[0];
-  }
-
   // A step at a time for all vectors.
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
@@ -218,10 +211,7 @@ struct SingleLnLA : SingleLnRange {
   static HWY_INLINE void Angle(D d, const Complex<V> (&z)[K], V (&angle)[K]) {
     V t[K], square[K], p[K];
     for (size_t i = 0; i < K; ++i) {
-      const BySize<V> part = SortedBySize(d, z[i]);
-      t[i] = hn::Div(part.less, part.more);
-      const V tame = hn::Max(t[i], hn::Set(d, 0x1p-30f));
-      square[i] = hn::Mul(tame, tame);
+      TangentOf(d, z[i], t[i], square[i]);
     }
     Horner(d, square, kAtanUnitSingleLA, p);
     for (size_t i = 0; i < K; ++i) p[i] = hn::Add(hn::Mul(p[i], square[i]), hn::Set(d, 1.0f));
@@ -233,14 +223,6 @@ struct SingleLnLA : SingleLnRange {
 // near 1: there x^2 - 1 is formed of factors, and the error is that of (x - 1, y) in floats.
 struct SingleLnEP : SingleLnRange {
   static constexpr int kUnroll = 4;
-  template <class D, class V>
-  static HWY_INLINE void Main(D d, Complex<V> z, Complex<V>& r) {
-    const Complex<V> zs[1] = {z};
-    Complex<V> rs[1];
-    MainGroup(d, zs, rs);
-    r = rs[0];
-  }
-
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
     const V one = hn::Set(d, 1.0f);
@@ -258,10 +240,7 @@ struct SingleLnEP : SingleLnRange {
       size[i] = sLogEPSum<sNaturalLog>(d, u.scaled, above_one);
     }
     for (size_t i = 0; i < K; ++i) {
-      const BySize<V> part = SortedBySize(d, z[i]);
-      t[i] = hn::Div(part.less, part.more);
-      const V tame = hn::Max(t[i], hn::Set(d, 0x1p-30f));
-      square[i] = hn::Mul(tame, tame);
+      TangentOf(d, z[i], t[i], square[i]);
     }
     Horner(d, square, kAtanUnitSingleEP, p);
     for (size_t i = 0; i < K; ++i) {

@@ -24,14 +24,8 @@ struct Reduced {
 // a b as hi - less exactly; less is +0 where hi is exact.
 template <class D, class V>
 HWY_INLINE Reduced<V> LessProduct(D d, V a, V b) {
-#if HWY_TARGET == HWY_SSE4
-  const Pair<V> p = TwoProduct(d, a, b);
-  return {p.hi, hn::Sub(hn::Zero(d), p.lo)};
-#else
-  (void)d;
   const V hi = hn::Mul(a, b);
-  return {hi, hn::NegMulAdd(a, b, hi)};
-#endif
+  return {hi, Remainder(d, hi, a, b)};
 }
 
 // a + b and a - b as fused operations where there are such: the product with 1 is exact, so that

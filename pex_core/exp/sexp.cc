@@ -6,6 +6,7 @@
 #include "pex_core/_heap/real/exp_single-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
 #include "pex_core/exp/exp_rare.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -48,7 +49,7 @@ struct sExpLA : sExpCommon<> {
     const V kd = hn::Sub(kf, shifter);
     const auto k = Bits(d, kf);
     // ln2/8 = 0x1.62ep-4 + 0x1.0bfbe8p-18, the product of k and the first part exact.
-    const V r = hn::Sub(hn::NegMulAdd(kd, hn::Set(d, 0x1.62ep-4f), y),
+    const V r = hn::Sub(SubExactProduct(kd, hn::Set(d, 0x1.62ep-4f), y),
                         hn::Mul(kd, hn::Set(d, 0x1.0bfbe8p-18f)));
     const V t = LookupEighth(d, sExpEighths, k);
     const V c =

@@ -57,7 +57,7 @@ struct dExpm1EP : dExpm1Common {
     for (size_t k = 0; k < K; ++k) {
       const V e = hn::Add(r[k], hn::Mul(r2[k], q[k]));
       const V less_one = hn::Sub(u[k].power, hn::Set(d, 1.0));
-      out[k] = hn::IfThenElse(u[k].tiny, x[k], hn::MulAdd(u[k].power, e, less_one));
+      out[k] = hn::IfThenElse(u[k].tiny, x[k], AddExactProduct(u[k].power, e, less_one));
     }
   }
 };
@@ -69,7 +69,7 @@ struct dExpm1LA : dExpm1Common {
     V r[K], r0[K], r1[K], r2[K], q[K];
     for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce(d, x[k]);
     for (size_t k = 0; k < K; ++k) {
-      r0[k] = hn::NegMulAdd(u[k].n, hn::Set(d, kLn2Hi), u[k].x);  // exact
+      r0[k] = SubExactProduct(u[k].n, hn::Set(d, kLn2Hi), u[k].x);  // exact
       r1[k] = hn::Mul(u[k].n, hn::Set(d, kLn2Lo));
       r[k] = hn::Sub(r0[k], r1[k]);
       r2[k] = hn::Mul(r[k], r[k]);
@@ -79,8 +79,8 @@ struct dExpm1LA : dExpm1Common {
       // The rounding of r would tell in 2^n (e^r - 1), so r0 goes its own way. Products with
       // powers of two are exact.
       const V rest = hn::Sub(hn::Mul(r2[k], q[k]), r1[k]);
-      const V head = hn::MulAdd(u[k].power, r0[k], hn::Sub(u[k].power, hn::Set(d, 1.0)));
-      out[k] = hn::IfThenElse(u[k].tiny, x[k], hn::MulAdd(u[k].power, rest, head));
+      const V head = AddExactProduct(u[k].power, r0[k], hn::Sub(u[k].power, hn::Set(d, 1.0)));
+      out[k] = hn::IfThenElse(u[k].tiny, x[k], AddExactProduct(u[k].power, rest, head));
     }
   }
 };
@@ -95,7 +95,7 @@ struct dExpm1HA : dExpm1Common {
     Pair<V> r2[K];
     for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce(d, x[k]);
     for (size_t k = 0; k < K; ++k) {
-      const V r0 = hn::NegMulAdd(u[k].n, hn::Set(d, kLn2Hi), u[k].x);  // exact
+      const V r0 = SubExactProduct(u[k].n, hn::Set(d, kLn2Hi), u[k].x);  // exact
       const V r1 = hn::Mul(u[k].n, hn::Set(d, kLn2Lo));
       r[k] = hn::Sub(r0, r1);
       r_rest[k] = hn::Sub(hn::Sub(r0, r[k]), r1);

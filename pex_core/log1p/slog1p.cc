@@ -57,7 +57,7 @@ struct sLog1pLA : sLog1pKernel {
     V c, log;
     sLnFactorAt(d, u.m, c, log);
     const V factor = FromBits(d, hn::Sub(Bits(d, c), u.exponent_bits));
-    const V p = sShortMulAdd(d, x, factor, hn::Sub(factor, one));
+    const V p = ShortMulAdd(d, x, factor, hn::Sub(factor, one));
     const V r = sLogFactorSum<sNaturalLog>(d, u.scaled, log, hn::IfThenZeroElse(itself, p));
     return hn::IfThenElse(itself, x, r);
   }

@@ -8,7 +8,6 @@
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/atan-inl.h"
-#include "pex_core/_heap/real/exp_single-inl.h"
 #include "pex_core/_heap/real/hyperbolic-inl.h"
 #include "pex_core/_heap/real/log-inl.h"
 #include "pex_core/_heap/real/pow-inl.h"
@@ -243,17 +242,6 @@ HWY_INLINE VecOf<D> ExpOf(D d, VecOf<D> x) {
   VecOf<D> r[1];
   PowExp<PowLA>(d, p, r);
   return r[0];
-}
-
-// e^x of an x that was double, or of one that was single where N is plain.
-template <class N, class D>
-HWY_INLINE N ExpOfArgument(D d, VecOf<D> x) {
-  if constexpr (kIsPair<N, D>) {
-    return ExpOf(d, PairOf<D>{x, hn::Zero(d)});
-  } else {
-    const auto [s, p] = ExpReduceWide(d, x);
-    return hn::Add(hn::Mul(s, p), s);
-  }
 }
 
 // sinh x and cosh x.

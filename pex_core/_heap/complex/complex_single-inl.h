@@ -30,16 +30,24 @@ HWY_INLINE VecOf<D> NarrowHalves(D d, W lower, W upper) {
   return hn::Combine(d, hn::DemoteTo(half, upper), hn::DemoteTo(half, lower));
 }
 
+// One vector's results of a kernel of groups.
+template <class K, class D, class V>
+HWY_INLINE Complex<V> ResultOf(D d, Complex<V> z) {
+  const Complex<V> zs[1] = {z};
+  Complex<V> rs[1];
+  K::MainGroup(d, zs, rs);
+  return rs[0];
+}
+
 // HA's results for the lanes of the mask, which are common ones of HA's.
 template <class HA, class D, class V>
 HWY_NOINLINE Complex<V> InDoubleWhere(D d, MaskOf<D> mask, Complex<V> z, Complex<V> otherwise) {
-  Complex<V> r;
-  HA::Main(d, Replace(d, hn::Not(mask), z, HA::kHarmless), r);
+  const auto r = ResultOf<HA>(d, Replace(d, hn::Not(mask), z, HA::kHarmless));
   return {hn::IfThenElse(mask, r.re, otherwise.re), hn::IfThenElse(mask, r.im, otherwise.im)};
 }
 
 // Formula has IsRare, a mask of what it does not cover, perhaps MayBeRare (complex-inl.h), kUnroll
-// and Main.
+// and MainGroup.
 template <class HA, class Formula>
 struct SingleKernel : ComplexKernel<float>, Formula {
   static constexpr int kUnroll = Formula::kUnroll;
@@ -54,8 +62,8 @@ struct SingleKernel : ComplexKernel<float>, Formula {
     template <class D, class V>
     static HWY_INLINE void Main(D d, Complex<V> z, Complex<V>& r) {
       const auto rare = Formula::IsRare(d, z);
-      Complex<V> common;
-      Formula::Main(d, Replace(d, rare, z, ComplexKernel<float>::kHarmless), common);
+      const auto common =
+          ResultOf<Formula>(d, Replace(d, rare, z, ComplexKernel<float>::kHarmless));
       r = hn::AllFalse(d, rare) ? common : InDoubleWhere<HA>(d, rare, z, common);
     }
     static Complex<float> Rare(Complex<float> z) { return SingleKernel::Rare(z); }

@@ -119,16 +119,11 @@ struct ElementaryKernel : ComplexKernel<Element, double> {
 using ExponentRange = PartRange<-100, 9>;
 using AngleRange = PartRange<-100, 12>;
 
+// The ranges and routines of e^z, as of ln z below; their kernels compute by sums of their own.
 struct ComplexExp {
   using Re = ExponentRange;
   using Im = AngleRange;
   static constexpr auto Scalar = _pexcexpl_scalar;
-  template <class N, class D, class V = VecOf<D>>
-  static HWY_INLINE Complex<V> Compute(D d, Complex<V> z) {
-    const N e = ExpOfArgument<N>(d, z.re);
-    const auto v = SinCosOf(d, From<N>(d, z.im));
-    return {Product(d, e, v.cos), Product(d, e, v.sin)};
-  }
 };
 
 struct ComplexCosh {
@@ -208,28 +203,15 @@ struct ComplexLn {
     return IsPoint(d, z, 0);
   }
   static constexpr auto Scalar = _pexclog_scalar;
-  template <class N, class D, class V = VecOf<D>>
-  static HWY_INLINE Complex<V> Compute(D d, Complex<V> z) {
-    const N size = LogModulusOf<N>(d, z.re, z.im);
-    const N angle = AngleOf(d, From<N>(d, hn::Abs(z.im)), From<N>(d, hn::Abs(z.re)), z.re);
-    return {Value(d, size), hn::CopySignToAbs(Value(d, angle), z.im)};
-  }
 };
 
-struct ComplexLog10 {
-  using Re = ModulusRange;
-  using Im = ModulusRange;
-  template <class D, class V = VecOf<D>>
-  static HWY_INLINE MaskOf<D> IsSingular(D d, Complex<V> z) {
-    return IsPoint(d, z, 0);
-  }
+struct ComplexLog10 : ComplexLn {
   static constexpr auto Scalar = _pexclog10_scalar;
   template <class N, class D, class V = VecOf<D>>
   static HWY_INLINE Complex<V> Compute(D d, Complex<V> z) {
     const N size = LogModulusOf<N>(d, z.re, z.im);
     const N angle = AngleOf(d, From<N>(d, hn::Abs(z.im)), From<N>(d, hn::Abs(z.re)), z.re);
-    N factor = From<N>(d, hn::Set(d, 0x1.bcb7b1526e50ep-2));  // 1/ln 10
-    if constexpr (kIsPair<N, D>) factor.lo = hn::Set(d, 0x1.95355baaafad3p-57);
+    const N factor = From<N>(d, hn::Set(d, 0x1.bcb7b1526e50ep-2));  // 1/ln 10
     return {Value(d, Times(d, size, factor)),
             hn::CopySignToAbs(Value(d, Times(d, angle, factor)), z.im)};
   }

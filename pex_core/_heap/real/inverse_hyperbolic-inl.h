@@ -320,11 +320,12 @@ HWY_INLINE AtanhReduced<D> AtanhReduce(D d, V a, hn::TFromD<D> first) {
 // The sum, atanh(s) = s + s^3 c(s^2). The square of tiny numbers, which would underflow, counts as
 // 0.
 template <class D, class V, size_t K, size_t N>
-HWY_INLINE void AtanhOfMagnitude(D d, const V (&a)[K], hn::TFromD<D> first,
-                                 const hn::TFromD<D> (&c)[N], V (&r)[K]) {
+HWY_INLINE void AtanhByHalves(D d, const V (&x)[K], hn::TFromD<D> first,
+                              const hn::TFromD<D> (&c)[N], V (&r)[K]) {
   using T = hn::TFromD<D>;
   AtanhReduced<D> u[K];
-  V s2[K], p[K];
+  V a[K], s2[K], p[K];
+  for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
   for (size_t k = 0; k < K; ++k) u[k] = AtanhReduce(d, a[k], first);
   for (size_t k = 0; k < K; ++k) {
     const auto tiny = BitsOfNumber(sizeof(T) == 8 ? T(0x1p-28) : T(0x1p-13));
@@ -336,7 +337,7 @@ HWY_INLINE void AtanhOfMagnitude(D d, const V (&a)[K], hn::TFromD<D> first,
   for (size_t k = 0; k < K; ++k) {
     const V rest = hn::Mul(u[k].s, hn::Mul(s2[k], p[k]));
     const V head = hn::Mul(u[k].e, hn::Set(d, T(0x1.62e42fefa39efp-2)));
-    r[k] = hn::Add(head, hn::Add(u[k].s, rest));
+    r[k] = hn::CopySignToAbs(hn::Add(head, hn::Add(u[k].s, rest)), x[k]);
   }
 }
 

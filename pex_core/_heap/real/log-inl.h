@@ -133,7 +133,7 @@ HWY_INLINE void LogPair(D d, const LogReduced<D> (&x)[K], const Pair<V> (&p)[K],
   }
   EvenOdd(d, arg, square, Base::kPolynomial, q);
   for (size_t k = 0; k < K; ++k) {
-    const V head = hn::MulAdd(x[k].e, hn::Set(d, Base::kLog2Hi), x[k].row.log);  // exact
+    const V head = AddExactProduct(x[k].e, hn::Set(d, Base::kLog2Hi), x[k].row.log);  // exact
     const Pair<V> s = FastTwoSum(head, arg[k]);
     const V tail = hn::Add(hn::Mul(square[k], q[k]), hn::Mul(x[k].e, hn::Set(d, Base::kLog2Lo)));
     r[k] = {s.hi, hn::Add(s.lo, hn::Add(p[k].lo, tail))};
@@ -285,20 +285,7 @@ HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D> (&r)[K]) {
   }
 }
 
-// m c + d rounded once, for c of at most 26 bits and a sum of the products' grid, below 2^53 of its
-// units: m c - 1 beside 1.
-template <class D, class V>
-HWY_INLINE V ShortMulAdd(D d, V m, V c, V addend) {
-#if HWY_TARGET == HWY_SSE4
-  const V upper = FromBits(d, hn::And(Bits(d, m), SetBits(d, 0xFFFFFFFFFC000000)));
-  const V lower = hn::Sub(m, upper);
-  return hn::Add(hn::Add(hn::Mul(upper, c), addend), hn::Mul(lower, c));  // exact but for the last
-#else
-  (void)d;
-  return hn::MulAdd(m, c, addend);
-#endif
-}
-
+// m c - 1 rounded once, for c of 26 bits next to 1/m.
 template <class D, class V>
 HWY_INLINE V ShortProductLessOne(D d, V m, V c) {
   return ShortMulAdd(d, m, c, hn::Set(d, -1.0));
@@ -356,9 +343,10 @@ HWY_INLINE void LogShortSum(D d, const LogShort<D> (&x)[K], const V (&t)[K], V (
   for (size_t k = 0; k < K; ++k) {
     const V s2 = hn::Mul(s[k], s[k]);
     const V rest = hn::Sub(t[k], hn::Mul(s2, Horner(d, s2, kLnShort)));
-    const V head = hn::MulAdd(x[k].e, hn::Set(d, NaturalLog::kLog2Hi * kExponentUnit), x[k].log);
+    const V head =
+        AddExactProduct(x[k].e, hn::Set(d, NaturalLog::kLog2Hi * kExponentUnit), x[k].log);
     const V log = hn::Sub(t[k], hn::Mul(s[k], rest));
-    r[k] = hn::Add(head, hn::MulAdd(x[k].e, hn::Set(d, kLn2Rest * kExponentUnit), log));
+    r[k] = hn::Add(head, AddExactProduct(x[k].e, hn::Set(d, kLn2Rest * kExponentUnit), log));
   }
 }
 
@@ -373,7 +361,8 @@ HWY_INLINE void LogShortPair(D d, const LogShort<D> (&x)[K], const Pair<V> (&t)[
   for (size_t k = 0; k < K; ++k) rest[k] = hn::Sub(t[k].hi, hn::Mul(s2[k], rest[k]));
   for (size_t k = 0; k < K; ++k) {
     const V tail = hn::Mul(s[k], rest[k]);
-    const V head = hn::MulAdd(x[k].e, hn::Set(d, NaturalLog::kLog2Hi * kExponentUnit), x[k].log);
+    const V head =
+        AddExactProduct(x[k].e, hn::Set(d, NaturalLog::kLog2Hi * kExponentUnit), x[k].log);
     const V low = hn::Mul(x[k].e, hn::Set(d, NaturalLog::kLog2Lo * kExponentUnit));
     const Pair<V> sum = FastTwoSum(head, t[k].hi);
     r[k] = {sum.hi, hn::Add(sum.lo, hn::Add(hn::Sub(t[k].lo, tail), low))};

@@ -145,27 +145,13 @@ HWY_INLINE void sLnFactorAt(D d, V m, V& c, V& log) {
 #endif
 }
 
-// x c + addend rounded once, for c of at most 12 bits and an addend of which the sum leaves 12
-// bits.
-template <class D, class V>
-HWY_INLINE V sShortMulAdd(D d, V x, V c, V addend) {
-#if HWY_TARGET == HWY_SSE4
-  const V upper = FromBits(d, hn::And(Bits(d, x), SetBits(d, 0xFFFFF000)));
-  const V lower = hn::Sub(x, upper);
-  return hn::Add(hn::Add(hn::Mul(upper, c), addend), hn::Mul(lower, c));  // exact but for the last
-#else
-  (void)d;
-  return hn::MulAdd(x, c, addend);
-#endif
-}
-
 // The argument of the polynomial, c m - log(e) rounded once, and -log(c/log(e)).
 template <class Base, class D, class V>
 HWY_INLINE void sLogArgument(D d, V m, V& p, V& log) {
   if constexpr (Base::kLogE == 1) {
     V c;
     sLnFactorAt(d, m, c, log);
-    p = sShortMulAdd(d, m, c, hn::Set(d, -1.0f));
+    p = ShortMulAdd(d, m, c, hn::Set(d, -1.0f));
   } else {
     const auto i = sLogSixteenths(d, m);
 #if HWY_TARGET == HWY_SSE4  // in double the products are exact
@@ -199,8 +185,8 @@ HWY_INLINE V sLogFactorSum(D d, V scaled, V log, V p) {
   if constexpr (Base::kLog2Lo == 0) {
     return hn::Add(hn::Add(hn::Mul(scaled, hn::Set(d, Base::kLog2)), log), s);
   } else {
-    return hn::Add(hn::MulAdd(scaled, hn::Set(d, Base::kLog2Hi), log),
-                   hn::MulAdd(scaled, hn::Set(d, Base::kLog2Lo), s));
+    return hn::Add(AddExactProduct(scaled, hn::Set(d, Base::kLog2Hi), log),
+                   AddExactProduct(scaled, hn::Set(d, Base::kLog2Lo), s));
   }
 }
 

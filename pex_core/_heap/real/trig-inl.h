@@ -193,10 +193,10 @@ HWY_INLINE int RunTrig(int32_t n, const double* a, double* r1, double* r2, const
     return RunTrig<F>(n, a, r1, r2, _PEX_THISFUNC_NAME);         \
   }
 
-// x - n p where n p is exact, so that the fused form is the same.
+// x - n p where n p is exact.
 template <class V, size_t K>
 HWY_INLINE void SubExactProducts(const V (&x)[K], const V (&n)[K], V p, V (&r)[K]) {
-  for (size_t k = 0; k < K; ++k) r[k] = hn::NegMulAdd(n[k], p, x[k]);
+  for (size_t k = 0; k < K; ++k) r[k] = SubExactProduct(n[k], p, x[k]);
 }
 
 // The lanes of some vectors by magnitude, and the arguments of those in between, 0 in the others.

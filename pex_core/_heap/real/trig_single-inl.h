@@ -43,18 +43,6 @@ struct Reduced {
   VecOf<D> excess = {};  // y less its exact value, as far as Care says
 };
 
-// x - a b, where either that or a b is a number: fused or not, the result is the same.
-template <class D, class V>
-HWY_INLINE V ExactDifference(D d, V x, V a, V b) {
-#if HWY_TARGET == HWY_SSE4
-  const Pair<V> p = TwoProduct(d, a, b);
-  return hn::Sub(hn::Sub(x, p.hi), p.lo);
-#else
-  (void)d;
-  return hn::NegMulAdd(a, b, x);
-#endif
-}
-
 // x with its sign changed where the highest of `bits` is set.
 template <class D, class V>
 HWY_INLINE V FlipSign(D d, V x, BitsOf<D> bits) {
@@ -176,8 +164,7 @@ struct Reduction {
       for (size_t k = 0; k < K; ++k) n[k] = hn::Sub(n[k], hn::Set(d, 0.5f));
       EndStep(n);
     }
-    for (size_t k = 0; k < K; ++k)
-      y[k] = ExactDifference(d, x[k], n[k], hn::Set(d, kPiHigh * kUnit));
+    for (size_t k = 0; k < K; ++k) y[k] = Remainder(d, x[k], n[k], hn::Set(d, kPiHigh * kUnit));
     EndStep(y);
     if constexpr (kCare == Care::kRough) {
       for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], hn::Set(d, kPiRest * kUnit));
@@ -187,7 +174,7 @@ struct Reduction {
       return;
     }
     const V middle = hn::Set(d, kPiMiddle * kUnit), least = hn::Set(d, kPiLow * kUnit);
-    for (size_t k = 0; k < K; ++k) sum[k] = ExactDifference(d, y[k], n[k], middle);
+    for (size_t k = 0; k < K; ++k) sum[k] = Remainder(d, y[k], n[k], middle);
     EndStep(sum);
     if constexpr (kCare == Care::kRounded) {
       for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], least);
@@ -198,7 +185,7 @@ struct Reduction {
     }
     for (size_t k = 0; k < K; ++k) y[k] = hn::Sub(y[k], sum[k]);
     EndStep(y);
-    for (size_t k = 0; k < K; ++k) y[k] = ExactDifference(d, y[k], n[k], middle);
+    for (size_t k = 0; k < K; ++k) y[k] = Remainder(d, y[k], n[k], middle);
     for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], least);
     EndStep(y);
     EndStep(n);
@@ -229,7 +216,7 @@ struct Reduction {
     const V quotient = hn::Add(turns, shifter);
     V n = hn::Sub(quotient, shifter);
     if (kTurn == Turn::kCosine) n = hn::Sub(n, hn::Set(d, 0.5));
-    const V y = ExactDifference(d, x, n, hn::Set(d, 0x1.921fb54442d18p+1 * kUnit));
+    const V y = Remainder(d, x, n, hn::Set(d, 0x1.921fb54442d18p+1 * kUnit));
     return {hn::Sub(y, hn::Mul(n, hn::Set(d, 0x1.1a62633145c07p-53 * kUnit))), Bits(d, quotient)};
   }
 

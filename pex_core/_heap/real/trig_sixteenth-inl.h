@@ -83,7 +83,7 @@ HWY_INLINE void SubtractSixteenths(D d, const V (&x)[K], const V (&n)[K], Sixtee
   SubExactProducts(x, n, hn::Set(d, 0x1.921fb54440000p-3), high);
   for (size_t k = 0; k < K; ++k) TrigRowsAt(d, u[k].index, offset[k], u[k].sin, u[k].cos);
   for (size_t k = 0; k < K; ++k) high[k] = hn::Sub(high[k], offset[k]);
-  for (size_t k = 0; k < K; ++k) u[k].y = hn::NegMulAdd(n[k], part2, high[k]);
+  for (size_t k = 0; k < K; ++k) u[k].y = SubExactProduct(n[k], part2, high[k]);
   for (size_t k = 0; k < K; ++k) high[k] = hn::Sub(high[k], u[k].y);
   SubExactProducts(high, n, part2, high);
   for (size_t k = 0; k < K; ++k) {
