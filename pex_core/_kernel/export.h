@@ -6,32 +6,43 @@
 #ifndef PEX_CORE__KERNEL_EXPORT_H_
 #define PEX_CORE__KERNEL_EXPORT_H_
 
+#include "hwy/targets.h"
 #include "pex_core/_kernel/control.h"
 #include "pexquo/pex.h"
 
+namespace pex {
+
+// Where the vector level in use is kept, so that short calls need not call for it.
+inline const hwy::ChosenTarget* const kChosenTarget = &hwy::GetChosenTarget();
+
+}  // namespace pex
+
+// HWY_DYNAMIC_DISPATCH by it.
+#define PEX_DISPATCH(body) (*HWY_DISPATCH_TABLE(body)[::pex::kChosenTarget->GetIndex()])
+
 // pex::unguarded::dExp_50 and so on are the same for callers within the library that have put the
 // control aside themselves: reading the control word takes as long as several elements.
-#define PEX_EXPORT_BODY(body, parameters, arguments)                   \
-  HWY_EXPORT(body);                                                    \
-  namespace unguarded {                                                \
-  int body parameters { return HWY_DYNAMIC_DISPATCH(body) arguments; } \
-  }                                                                    \
-  extern "C" PEXQUO_API int _pex##body parameters {                    \
-    const ControlGuard guard;                                          \
-    return HWY_DYNAMIC_DISPATCH(body) arguments;                       \
+#define PEX_EXPORT_BODY(body, parameters, arguments)           \
+  HWY_EXPORT(body);                                            \
+  namespace unguarded {                                        \
+  int body parameters { return PEX_DISPATCH(body) arguments; } \
+  }                                                            \
+  extern "C" PEXQUO_API int _pex##body parameters {            \
+    const ControlGuard guard;                                  \
+    return PEX_DISPATCH(body) arguments;                       \
   }
 
 // The same with the caller's control word in force: entries that are the hardware's operations.
 #define PEX_EXPORT_HARDWARE_BODY(body, parameters, arguments) \
   HWY_EXPORT(body);                                           \
-  extern "C" PEXQUO_API int _pex##body parameters { return HWY_DYNAMIC_DISPATCH(body) arguments; }
+  extern "C" PEXQUO_API int _pex##body parameters { return PEX_DISPATCH(body) arguments; }
 
 // The same with the rounding mode to nearest and without flushing, exceptions masked as they are.
 #define PEX_EXPORT_ROUNDING_BODY(body, parameters, arguments) \
   HWY_EXPORT(body);                                           \
   extern "C" PEXQUO_API int _pex##body parameters {           \
     const RoundingGuard guard;                                \
-    return HWY_DYNAMIC_DISPATCH(body) arguments;              \
+    return PEX_DISPATCH(body) arguments;                      \
   }
 
 // One of the names of a body of complex numbers, under a guard of control.h or under NoGuard. The
@@ -39,17 +50,17 @@
 #define PEX_EXPORT_COMPLEX_UNARY(A, R, Guard, body, name)             \
   extern "C" PEXQUO_API int _pex##name(int32_t n, const A* a, R* r) { \
     [[maybe_unused]] const Guard guard;                               \
-    return HWY_DYNAMIC_DISPATCH(body)(n, a, r);                       \
+    return PEX_DISPATCH(body)(n, a, r);                               \
   }
 #define PEX_EXPORT_COMPLEX_BINARY(C, Guard, body, name)                           \
   extern "C" PEXQUO_API int _pex##name(int32_t n, const C* a, const C* b, C* r) { \
     [[maybe_unused]] const Guard guard;                                           \
-    return HWY_DYNAMIC_DISPATCH(body)(n, a, b, r);                                \
+    return PEX_DISPATCH(body)(n, a, b, r);                                        \
   }
 #define PEX_EXPORT_COMPLEX_SCALAR(C, Guard, body, name)                    \
   extern "C" PEXQUO_API int _pex##name(int32_t n, const C* a, C b, C* r) { \
     [[maybe_unused]] const Guard guard;                                    \
-    return HWY_DYNAMIC_DISPATCH(body)(n, a, b, r);                         \
+    return PEX_DISPATCH(body)(n, a, b, r);                                 \
   }
 
 #define PEX_EXPORT_UNARY(T, body) PEX_EXPORT_BODY(body, (int32_t n, const T* a, T* r), (n, a, r))

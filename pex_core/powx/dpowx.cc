@@ -181,7 +181,7 @@ static constexpr uint64_t Pattern(double x) { return __builtin_bit_cast(uint64_t
         return _pexdInv_HA(n, a, r);                                                           \
     }                                                                                          \
     const ControlGuard guard;                                                                  \
-    return HWY_DYNAMIC_DISPATCH(dPowx##tier)(n, a, b, r);                                      \
+    return PEX_DISPATCH(dPowx##tier)(n, a, b, r);                                              \
   }
 
 PEX_EXPORT_POWX(_26)
