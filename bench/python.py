@@ -36,6 +36,8 @@ FUNCTIONS = {
     "arctan2": (-10, 10),
     "tanh": (-5, 5),
 }
+# Those of one argument that are timed with several threads.
+THREADED = ("exp", "log", "sin", "tan", "cbrt", "arctan")
 # Of streams and of numpy.random.Generator alike.
 DISTRIBUTIONS = {
     "random": {},
@@ -94,6 +96,23 @@ def distribution_rows(numpy, pexquo):
                    f"{ours / min(peers):.2f}"]
 
 
+def thread_rows(numpy, pexquo, threads):
+    generator = numpy.random.default_rng(1)
+    for name in THREADED:
+        low, high = FUNCTIONS[name]
+        ours, theirs = getattr(pexquo, name), getattr(numpy, name)
+        x = generator.uniform(low, high, LENGTHS[-1])
+
+        def call(n):
+            pexquo.set_threads(n)
+            ours(x)
+
+        one, all_, peer = least([lambda: call(1), lambda: call(threads), lambda: theirs(x)])
+        pexquo.set_threads(1)
+        yield [f"{name} {x.dtype}", *(report.number(t / x.size) for t in (peer, one, all_)),
+               f"{one / all_:.2f}", f"{all_ / peer:.2f}"]
+
+
 def processor():
     for line in pathlib.Path("/proc/cpuinfo").read_text(encoding="ascii").splitlines():
         if line.startswith("model name"):
@@ -116,6 +135,9 @@ def main():
     except ImportError as error:
         raise report.Failure(f"{error}; build the target pexquo_python") from None
     functions = report.table(["function", "n", "NumPy", *TIERS], list(function_rows(numpy, pexquo)))
+    threads = len(os.sched_getaffinity(0))
+    shared = report.table(["function", "NumPy", "one thread", "all", "gain", "all / NumPy"],
+                          list(thread_rows(numpy, pexquo, threads)))
     random = report.table(["method", "n", "pexquo", *(f"NumPy {b}" for b in BIT_GENERATORS), "ratio"],
                           list(distribution_rows(numpy, pexquo)))
     text = (
@@ -126,6 +148,8 @@ def main():
         "itself included; in parentheses the ratio of ours to NumPy's, below 1 where we are faster.\n"
         "NumPy's vector functions (errors up to 4 ulp) belong beside tier `la`.\n\n"
         f"## Functions\n\n{functions}\n\n"
+        f"## Many cores\n\nArrays of {LENGTHS[-1]}, tier `ha`, after `set_threads({threads})`.\n\n"
+        f"{shared}\n\n"
         "## Random numbers\n\nStreams of MT19937; the ratio is to the fastest of NumPy's three.\n\n"
         f"{random}\n"
     )

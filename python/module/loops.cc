@@ -1,7 +1,11 @@
 #include "python/module/loops.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
+#include <new>
+
+#include "pexquo/parallel_detail.hpp"
 
 namespace pexquo::python {
 namespace {
@@ -9,6 +13,11 @@ namespace {
 // Elements of a buffered block: four operands of 16 bytes each stay within a first-level cache.
 constexpr npy_intp kBlock = 512;
 constexpr npy_intp kMostPerCall = npy_intp{1} << 30;
+// Elements that a thread takes of a long call at a time; what is shorter than two of these is done
+// by the calling thread.
+constexpr npy_intp kShare = 16384;
+
+std::atomic<unsigned> thread_count{1};
 
 template <size_t kSize>
 void CopyStrided(const char* from, npy_intp from_step, char* to, npy_intp to_step, npy_intp n) {
@@ -187,14 +196,57 @@ bool IsSerial(const Loop& loop, char* const* args, const npy_intp* steps) {
   return steps[0] == 0 ? args[0] == args[2] : args[2] == args[0] + steps[0];
 }
 
-void RunSerially(const Loop& loop, npy_intp n, char* const* args, const npy_intp* steps,
-                 ErrorScope& scope) {
+void RunSerially(const Loop& loop, npy_intp n, char* const* args, const npy_intp* steps) {
+  ErrorScope scope;
   for (npy_intp i = 0; i < n; ++i) {
     scope.SetBase(i);
     const std::array<char*, kMaxOperands> at = {args[0] + i * steps[0], args[1] + i * steps[1],
                                                 args[2] + i * steps[2], nullptr};
     CallKernel(loop, 1, at.data(), scope);
   }
+}
+
+// Elements that do not depend on each other.
+void RunElements(const Loop& loop, npy_intp n, char* const* args, const npy_intp* steps) {
+  const int operands = loop.arguments + loop.results;
+  std::array<char*, kMaxOperands> at{};
+  bool contiguous = true, all_but_scalar = true;
+  for (int k = 0; k < operands; ++k) {
+    at[k] = args[k];
+    const bool dense = steps[k] == loop.sizes[k] || n <= 1;
+    const bool direct = dense && !(k < loop.arguments && OverwritesInspected(loop, args, k));
+    contiguous &= direct;
+    all_but_scalar &= k == 1 ? steps[k] == 0 : direct;
+  }
+  ErrorScope scope;
+  if (contiguous) {
+    CallContiguous(loop, n, at, scope, 0);
+  } else if (loop.scalar_second && all_but_scalar) {
+    CallWithScalar(loop, n, at, scope);
+  } else {
+    RunBuffered(loop, n, args, steps, scope);
+  }
+}
+
+// The same by several threads.
+void RunShared(const Loop& loop, npy_intp n, char* const* args, const npy_intp* steps,
+               unsigned threads) {
+  const auto shares = static_cast<size_t>((n - 1) / kShare + 1);
+  const size_t workers = std::min<size_t>(threads, shares);
+  detail::Blocks blocks(shares, workers);
+  detail::FloatingPoint environment;
+  auto work = [&] {
+    environment.Run([&] {
+      blocks.Work([&](size_t i) {
+        const npy_intp first = static_cast<npy_intp>(i) * kShare;
+        std::array<char*, kMaxOperands> at{};
+        for (int k = 0; k < loop.arguments + loop.results; ++k) at[k] = args[k] + first * steps[k];
+        RunElements(loop, std::min(kShare, n - first), at.data(), steps);
+      });
+    });
+  };
+  detail::Helpers::Shared().Run(workers - 1, work);
+  environment.SetFlags();
 }
 
 // Complex functions with poles: of one argument all their infinities, of two those at a zero.
@@ -233,27 +285,23 @@ Loop MakeIdentity(int type) {
 void RunLoop(char** args, const npy_intp* dimensions, const npy_intp* steps, void* data) {
   const Loop& loop = *static_cast<const Loop*>(data);
   const npy_intp n = dimensions[0];
-  const int operands = loop.arguments + loop.results;
-  std::array<char*, kMaxOperands> at{};
-  bool contiguous = true, all_but_scalar = true;
-  for (int k = 0; k < operands; ++k) {
-    at[k] = args[k];
-    const bool dense = steps[k] == loop.sizes[k] || n <= 1;
-    const bool direct = dense && !(k < loop.arguments && OverwritesInspected(loop, args, k));
-    contiguous &= direct;
-    all_but_scalar &= k == 1 ? steps[k] == 0 : direct;
-  }
-  ErrorScope scope;
+  const unsigned threads = Threads();
   if (n > 1 && IsSerial(loop, args, steps)) {
-    RunSerially(loop, n, args, steps, scope);
-  } else if (contiguous) {
-    CallContiguous(loop, n, at, scope, 0);
-  } else if (loop.scalar_second && all_but_scalar) {
-    CallWithScalar(loop, n, at, scope);
+    RunSerially(loop, n, args, steps);
+  } else if (threads > 1 && n >= 2 * kShare) {
+    try {
+      RunShared(loop, n, args, steps, threads);
+    } catch (const std::bad_alloc&) {  // before anything is done
+      RunElements(loop, n, args, steps);
+    }
   } else {
-    RunBuffered(loop, n, args, steps, scope);
+    RunElements(loop, n, args, steps);
   }
 }
+
+unsigned Threads() { return thread_count.load(std::memory_order_relaxed); }
+
+void SetThreads(unsigned count) { thread_count.store(count, std::memory_order_relaxed); }
 
 std::vector<ElementError> RunCollecting(const Loop& loop, npy_intp n, char* const* args) {
   std::vector<ElementError> errors;

@@ -32,13 +32,17 @@ Loop MakeLoop(const pex::Entry& entry, bool swapped);
 Loop MakeIdentity(int type);
 
 // The loop by NumPy's convention, `data` a Loop. Strided operands pass through buffers of a block;
-// the element errors become exception flags.
+// the element errors become exception flags. Long calls are shared by the threads.
 void RunLoop(char** args, const npy_intp* dimensions, const npy_intp* steps, void* data);
 
 // The same for `n` contiguous elements, results apart from arguments; returns the element errors in
 // the order of the elements. Of entries without status codes they are told from the flags that each
 // element raises. The thread's flags are cleared.
 std::vector<ElementError> RunCollecting(const Loop& loop, npy_intp n, char* const* args);
+
+// How many threads share a long call of RunLoop, the calling one included; at first 1.
+unsigned Threads();
+void SetThreads(unsigned count);
 
 }  // namespace pexquo::python
 

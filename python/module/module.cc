@@ -9,6 +9,7 @@
 #define PEXQUO_IMPORTS_NUMPY
 #include "python/module/distributions.h"
 #include "python/module/functions.h"
+#include "python/module/loops.h"
 #include "python/module/names.h"
 #include "python/module/stream.h"
 // After numpy.h, which includes Python.h as it has to be.
@@ -217,6 +218,8 @@ PYBIND11_MODULE(_pexquo, m) {
   if (functions == nullptr) throw pybind11::error_already_set();
   m.add_object("functions", functions);
   m.def("rows", Rows);
+  m.def("threads", Threads);
+  m.def("set_threads", SetThreads);
   m.def("generators", GeneratorTexts);
   m.def("distributions", DistributionNames);
   BindStreams(m);

@@ -26,6 +26,7 @@ from ._bit_generator import BitGenerator, bit_generator
 from ._errors import ElementError, errors
 from ._functions import FUNCTIONS as _FUNCTIONS
 from ._stream import Stream, generators
+from ._threads import get_threads, set_threads
 from ._version import __version__
 
 globals().update(_FUNCTIONS)
@@ -37,5 +38,7 @@ __all__ = [
     "bit_generator",
     "errors",
     "generators",
+    "get_threads",
+    "set_threads",
     *_FUNCTIONS,
 ]
