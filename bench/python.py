@@ -98,19 +98,26 @@ def distribution_rows(numpy, pexquo):
 
 def thread_rows(numpy, pexquo, threads):
     generator = numpy.random.default_rng(1)
-    for name in THREADED:
-        low, high = FUNCTIONS[name]
-        ours, theirs = getattr(pexquo, name), getattr(numpy, name)
-        x = generator.uniform(low, high, LENGTHS[-1])
+    n = LENGTHS[-1]
 
-        def call(n):
-            pexquo.set_threads(n)
-            ours(x)
+    def row(title, ours, theirs):
+        def call(count):
+            pexquo.set_threads(count)
+            ours()
 
-        one, all_, peer = least([lambda: call(1), lambda: call(threads), lambda: theirs(x)])
+        one, shared, peer = least([lambda: call(1), lambda: call(threads), theirs])
         pexquo.set_threads(1)
-        yield [f"{name} {x.dtype}", *(report.number(t / x.size) for t in (peer, one, all_)),
-               f"{one / all_:.2f}", f"{all_ / peer:.2f}"]
+        return [title, *(report.number(t / n) for t in (peer, one, shared)), f"{one / shared:.2f}",
+                f"{shared / peer:.2f}"]
+
+    for name in THREADED:
+        ours, theirs = getattr(pexquo, name), getattr(numpy, name)
+        x = generator.uniform(*FUNCTIONS[name], n)
+        yield row(f"{name} {x.dtype}", lambda: ours(x), lambda: theirs(x))
+    theirs = numpy.random.Generator(numpy.random.MT19937(1))
+    for name in ("mt19937", "mrg32k3a"):
+        ours = pexquo.Stream(name, seed=1)
+        yield row(f"normal, {name}", lambda: ours.normal(size=n), lambda: theirs.normal(size=n))
 
 
 def processor():
@@ -148,7 +155,8 @@ def main():
         "itself included; in parentheses the ratio of ours to NumPy's, below 1 where we are faster.\n"
         "NumPy's vector functions (errors up to 4 ulp) belong beside tier `la`.\n\n"
         f"## Functions\n\n{functions}\n\n"
-        f"## Many cores\n\nArrays of {LENGTHS[-1]}, tier `ha`, after `set_threads({threads})`.\n\n"
+        f"## Many cores\n\nArrays of {LENGTHS[-1]}, tier `ha`, and draws, after `set_threads({threads})`;\n"
+        "NumPy's draws are of its MT19937.\n\n"
         f"{shared}\n\n"
         "## Random numbers\n\nStreams of MT19937; the ratio is to the fastest of NumPy's three.\n\n"
         f"{random}\n"

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <limits>
 
+#include "python/module/shared_fill.h"
+
 // Null in a library without it.
 extern "C" int32_t _quoiRngPoissonV(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
                                     const double* lambda) __attribute__((weak));
@@ -221,7 +223,8 @@ void Distribution::Fill(StreamState* stream, uint32_t method, int type, npy_intp
   const npy_intp size = type == NPY_DOUBLE || type == NPY_INT64 ? 8 : 4;
   char* const drawn = type == NPY_INT64 ? r + 4 * n : r;
   const npy_intp drawn_size = type == NPY_INT64 ? 4 : size;
-  for (npy_intp done = 0; done < n; done += kMostPerCall) {
+  const bool shared = FillShared(entry, method, stream, n, drawn, parameters);
+  for (npy_intp done = 0; done < n && !shared; done += kMostPerCall) {
     const auto count = static_cast<int32_t>(std::min(n - done, kMostPerCall));
     Check(entry.draw(method, stream, count, drawn + done * drawn_size, parameters), name_);
   }

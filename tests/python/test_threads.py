@@ -1,4 +1,4 @@
-"""Calls on large arrays that several threads share."""
+"""Calls on large arrays, and fills of them, that several threads share."""
 
 import os
 import threading
@@ -139,3 +139,49 @@ def test_numbers_of_threads():
         with pytest.raises(error):
             pexquo.set_threads(wrong)
     assert pexquo.get_threads() == len(os.sched_getaffinity(0))
+
+
+# ---- Streams. ----
+
+DRAWS = {
+    "random": lambda s, n, t: s.random(n, dtype=t),
+    "uniform": lambda s, n, t: s.uniform(-2, 3, n, dtype=t),
+    "icdf": lambda s, n, t: s.normal(4, 2, n, dtype=t),
+    "boxmuller": lambda s, n, t: s.normal(4, 2, n, dtype=t, method="boxmuller"),
+    "boxmuller2": lambda s, n, t: s.normal(4, 2, n, dtype=t, method="boxmuller2"),
+    "exponential": lambda s, n, t: s.exponential(3, n, dtype=t),
+    "laplace": lambda s, n, t: s.laplace(1, 2, n, dtype=t),
+    "weibull": lambda s, n, t: s.weibull(1.8, n, dtype=t),
+    "cauchy": lambda s, n, t: s.cauchy(1, 2, n, dtype=t),
+    "rayleigh": lambda s, n, t: s.rayleigh(2, n, dtype=t),
+    "lognormal": lambda s, n, t: s.lognormal(0.5, 0.25, n, dtype=t),
+    "gumbel": lambda s, n, t: s.gumbel(1, 2, n, dtype=t),
+    "integers": lambda s, n, t: s.integers(0, 100, n, dtype=t.replace("f", "i")),
+    "bernoulli": lambda s, n, t: s.bernoulli(0.3, n, dtype=t.replace("f", "i")),
+    "geometric": lambda s, n, t: s.geometric(0.3, n),
+    "gamma": lambda s, n, t: s.gamma(2.5, 2, n, dtype=t),
+    "poisson": lambda s, n, t: s.poisson(20, n),
+}
+
+
+QUASI_RANDOM = ("sobol", "niederr")
+
+
+@pytest.mark.parametrize("generator", pexquo.generators())
+def test_streams_give_the_bits_of_one_thread_and_go_on_so(generator):
+    for name, draw in DRAWS.items():
+        for dtype in ("f8", "f4"):
+            kept = []
+
+            def fill():
+                how = {"dimension": 7} if generator in QUASI_RANDOM else {"seed": 17}
+                stream = pexquo.Stream(generator, **how)
+                stream.random(5)
+                numbers = [draw(stream, n, dtype) for n in (N, 3, N + 1)]
+                kept.append(stream.__reduce__()[1])
+                return tuple(numbers)
+
+            alone, shared = alone_and_shared(fill)
+            assert same(alone, shared), (name, dtype)
+            assert kept[0] == kept[1], (name, dtype)
+
