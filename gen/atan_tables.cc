@@ -136,6 +136,9 @@ struct AtanBins {
   // Off 3/4 itself, where the steps of the arctangent are 16/25 and fall on few fractions.
   Middle<double>("double", "kAtanMiddle", 0.7502);
   Middle<float>("float", "kAtanSingleMiddle", 0.7502);
+  std::printf("// The same near tan(pi/5) and tan(2 pi/5).\n");
+  Middle<double>("double", "kAtanFlat", 0.7266);
+  Middle<double>("double", "kAtanSteep", 3.0778);
   std::printf("// The same near 0.56; the angle is a multiple of pi's last place.\n");
   Middle<double>("double", "kAtanOctantMiddle", 0.56, 0x1p-51);
   ScalarTable();

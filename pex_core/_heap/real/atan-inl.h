@@ -146,21 +146,6 @@ HWY_INLINE AtanThird<V> AtanThirdOf(D d, V y, V x, V half_x, V twice_x) {
                          hn::IfThenZeroElse(low, hn::Set(d, kAngle)))};
 }
 
-// The same for y/1: c needs no product.
-template <class D, class V>
-HWY_INLINE AtanThird<V> AtanThirdOf(D d, V y) {
-  using T = hn::TFromD<D>;
-  constexpr T kMiddle = sizeof(T) == 8 ? T(kAtanMiddle) : T(kAtanSingleMiddle);
-  constexpr T kAngle = sizeof(T) == 8 ? T(kAtanMiddleAngle) : T(kAtanSingleMiddleAngle);
-  const auto low = hn::Lt(y, hn::Set(d, T(0.5))), high = hn::Gt(y, hn::Set(d, T(2)));
-  const V one = hn::Set(d, T(1));
-  const V c = hn::IfThenZeroElse(low, hn::Set(d, kMiddle));
-  return {hn::IfThenElse(high, hn::Set(d, T(-1)), hn::Sub(y, c)),
-          hn::IfThenElse(high, y, hn::Add(one, hn::Mul(c, y))),
-          hn::IfThenElse(high, hn::Set(d, T(0x1.921fb54442d18p+0)),
-                         hn::IfThenZeroElse(low, hn::Set(d, kAngle)))};
-}
-
 // atan(t)/t of floats. Where t is tiny that is 1 and its product with t exact, so that none
 // underflows.
 template <class D, class V, size_t K, size_t N>

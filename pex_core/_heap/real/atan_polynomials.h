@@ -14,12 +14,6 @@ inline constexpr double kAtanHA[] = {
 
 // The same for |t| <= 1/2.
 
-// Error 2^-53.5 of the whole.
-inline constexpr double kAtanLA[] = {
-    -0x1.555555555515bp-2, 0x1.999999992433ap-3, -0x1.249248fee2326p-3, 0x1.c71c65aebfa3bp-4,
-    -0x1.745bf584a9c6bp-4, 0x1.3b028aea88572p-4, -0x1.106540918c579p-4, 0x1.d8ccf461f2141p-5,
-    -0x1.8588267351aedp-5, 0x1.0681886df3023p-5, -0x1.94ecaab132dd6p-7};
-
 // Error 2^-57.8125 of the whole.
 inline constexpr double kAtan2LA[] = {
     -0x1.5555555555518p-2, 0x1.99999999914d8p-3, -0x1.249249216fdc5p-3, 0x1.c71c7096893c3p-4,
@@ -39,6 +33,29 @@ inline constexpr float kAtanSingleLA[] = {
 // Error 2^-14 of the whole.
 inline constexpr float kAtanSingleEP[] = {
     -0x1.525d34p-2f, 0x1.46854ap-3f};
+
+// The same for |t| < 0.3251.
+
+// Error 2^-56.4375 of the whole.
+inline constexpr double kAtanPlainLA[] = {
+    -0x1.5555555555478p-2, 0x1.999999997032bp-3, -0x1.2492490f372f3p-3, 0x1.c71c66f53a3b3p-4,
+    -0x1.745b8930aeb16p-4, 0x1.3af0f790579a6p-4, -0x1.0f2f02c01185ep-4, 0x1.c1cb6fab6f868p-5,
+    -0x1.1107b7e224ab5p-5};
+
+// Error 2^-28.84375 of the whole.
+inline constexpr double kAtanPlainEP[] = {
+    -0x1.55552b5e1899bp-2, 0x1.997ae187b2cd9p-3, -0x1.210c5a19f049ap-3, 0x1.73b165a60e26cp-4};
+
+// The same for |t| <= 0.62.
+
+// Error 2^-24.28125 of the whole.
+inline constexpr float kAtanPlainSingleLA[] = {
+    -0x1.5553bcp-2f, 0x1.991d2p-3f, -0x1.1e537ep-3f, 0x1.7e64c4p-4f,
+    -0x1.41a06ap-5f};
+
+// Error 2^-12.359375 of the whole.
+inline constexpr float kAtanPlainSingleEP[] = {
+    -0x1.4f3022p-2f, 0x1.256872p-3f};
 
 // The same for |t| < 0.2829.
 
