@@ -12,7 +12,7 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdAtan";
 
-using dAtanEP = AtanPlain<double, kAtanPlainEP>;
+using dAtanEP = AtanPlain<double, kAtanPlainEP, true>;
 using dAtanLA = AtanPlain<double, kAtanPlainLA>;
 
 struct dAtanHA : Kernel<double> {
