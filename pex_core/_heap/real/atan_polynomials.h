@@ -20,20 +20,6 @@ inline constexpr double kAtan2LA[] = {
     -0x1.745cf54e5af31p-4, 0x1.3b1145443ae11p-4, -0x1.10f3674ceeb97p-4, 0x1.dfed12a00d925p-5,
     -0x1.a3a7959c4dc2dp-5, 0x1.571e493183435p-5, -0x1.c1fbdcda57a38p-6, 0x1.4c2a164f56697p-7};
 
-// Error 2^-27.53125 of the whole.
-inline constexpr double kAtanEP[] = {
-    -0x1.5555147d1ec8ap-2, 0x1.997bd20390dd4p-3, -0x1.2253ca3679fffp-3, 0x1.a05fc36fa8882p-4,
-    -0x1.a52f232249bbbp-5};
-
-// Error 2^-27.5 of the whole.
-inline constexpr float kAtanSingleLA[] = {
-    -0x1.555514p-2f, 0x1.997bb2p-3f, -0x1.22527p-3f, 0x1.a053dap-4f,
-    -0x1.a50a3ep-5f};
-
-// Error 2^-14 of the whole.
-inline constexpr float kAtanSingleEP[] = {
-    -0x1.525d34p-2f, 0x1.46854ap-3f};
-
 // The same for |t| < 0.3251.
 
 // Error 2^-56.4375 of the whole.
@@ -87,11 +73,23 @@ inline constexpr float kAtanUnitSingleLA[] = {
     -0x1.5554e6p-2f, 0x1.997ae8p-3f, -0x1.231bbp-3f, 0x1.b56ac2p-4f,
     -0x1.3683aep-4f, 0x1.64d1a2p-5f, -0x1.0fb23ep-6f, 0x1.85f014p-9f};
 
+// Error 2^-25.96875 of the whole.
+inline constexpr float kAtan2SingleLA[] = {
+    -0x1.5554e4p-2f, 0x1.997ac2p-3f, -0x1.231aa4p-3f, 0x1.b56368p-4f,
+    -0x1.367574p-4f, 0x1.64b2cp-5f, -0x1.0f8efcp-6f, 0x1.85ae24p-9f};
+
 // atan(t) = t (c[0] + c[1] z ...) for |t| <= 1.
 
 // Error 2^-12.1875 of the whole.
 inline constexpr float kAtanUnitSingleEP[] = {
     0x1.ffe432p-1f, -0x1.4da0c4p-2f, 0x1.3ea034p-3f, -0x1.6b1fecp-5f};
+
+// The same for |t| < 0.2829.
+
+// Error 2^-30.9375 of the whole.
+inline constexpr double kAtan2EP[] = {
+    0x1.fffffffbd5e3p-1, -0x1.555540d519519p-2, 0x1.998966515b649p-3, -0x1.2250a497c662p-3,
+    0x1.8439668652c59p-4};
 
 }  // namespace pex
 
