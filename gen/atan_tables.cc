@@ -132,10 +132,12 @@ struct AtanBins {
 };
 )");
   BinTable();
-  std::printf("\n// Near 3/4, with its arctangent to within 2^-64 (single: 2^-32) of itself.\n");
+  std::printf("\n// Near 3/4, with its arctangent to within 2^-64 of itself.\n");
   // Off 3/4 itself, where the steps of the arctangent are 16/25 and fall on few fractions.
   Middle<double>("double", "kAtanMiddle", 0.7502);
-  Middle<float>("float", "kAtanSingleMiddle", 0.7502);
+  std::printf("// The same near tan(pi/5) and tan(2 pi/5).\n");
+  Middle<double>("double", "kAtanFlat", 0.7266);
+  Middle<double>("double", "kAtanSteep", 3.0778);
   std::printf("// The same near 0.56; the angle is a multiple of pi's last place.\n");
   Middle<double>("double", "kAtanOctantMiddle", 0.56, 0x1p-51);
   ScalarTable();

@@ -63,6 +63,19 @@ HWY_INLINE VecOf<D> SquareWhere(D, MaskOf<D> mask, VecOf<D> x) {
   return hn::Mul(y, y);
 }
 
+// x + y for the lanes of the mask; the others are x + 0.
+template <class D>
+HWY_INLINE VecOf<D> AddWhere(D, MaskOf<D> mask, VecOf<D> x, VecOf<D> y) {
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(x) == 64 && sizeof(hn::TFromD<D>) == 4) {
+    return VecOf<D>{_mm512_mask_add_ps(x.raw, mask.raw, x.raw, y.raw)};
+  } else if constexpr (sizeof(x) == 64) {
+    return VecOf<D>{_mm512_mask_add_pd(x.raw, mask.raw, x.raw, y.raw)};
+  }
+#endif
+  return hn::Add(x, hn::IfThenElseZero(mask, y));
+}
+
 // Rare lanes by one signed integer comparison, key(x) > kLimit. Keys of several vectors are joined
 // by their maxima, so that a group costs one comparison. Limits of doubles end in 32 ones: the
 // levels without a 64-bit maximum compare high words alone.

@@ -4,7 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/atan-inl.h"
-#include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/atan/atan_plain-inl.h"
 #include "pex_core/atan/atan_rare.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -12,37 +12,8 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsAtan";
 
-struct sAtanCommon : Kernel<float> {
-  using Rarity = RareAbove<float, 0x717FFFFF>;  // |x| >= 2^100, where 1/x nears underflow
-  static HWY_INLINE int Rare(float x, float* r) { return sAtanRare(x, r); }
-};
-
-template <class D, class V, size_t K, size_t N>
-HWY_INLINE void SignesAtan(D d, const V (&x)[K], const float (&c)[N], V (&r)[K]) {
-  AtanThird<V> third[K];
-  V v[K];
-  for (size_t k = 0; k < K; ++k) {
-    third[k] = AtanThirdOf(d, hn::Abs(x[k]));
-  }
-  PlainAtan<true>(d, third, c, v);
-  for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(v[k], x[k]);
-}
-
-struct sAtanEP : sAtanCommon {
-  static constexpr int kUnroll = 8;
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    SignesAtan(d, x, kAtanSingleEP, r);
-  }
-};
-
-struct sAtanLA : sAtanCommon {
-  static constexpr int kUnroll = 8;
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    SignesAtan(d, x, kAtanSingleLA, r);
-  }
-};
+using sAtanEP = AtanPlain<float, kAtanPlainSingleEP>;
+using sAtanLA = AtanPlain<float, kAtanPlainSingleLA>;
 
 // kAtanHA, the first coefficient raised. The arctangent of 0x1.1ad646p-4 lies 0.13 ulp of double
 // above the middle of two floats, and its nearest double is that middle: this adds 0.43 ulp there,

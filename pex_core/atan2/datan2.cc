@@ -4,6 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/atan2_domain-inl.h"
+#include "pex_core/_heap/real/atan2_plain-inl.h"
 #include "pex_core/_heap/real/atan_scalar.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 
@@ -17,11 +18,21 @@ struct dAtan2Common : Kernel<double>, Atan2Domain {
   static HWY_INLINE int Rare(double y, double x, double* r) { return dAtan2Scalar(y, x, r); }
 };
 
-struct dAtan2EP : dAtan2Common {
-  static constexpr int kUnroll = 8;
+struct dAtan2WideEP : dAtan2Common {
+  static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    PlainAtan2(d, y, x, kAtanEP, r);
+    OctantAtan2EP<true>(d, y, x, r);
+  }
+};
+
+struct dAtan2EP : Kernel<double>, Atan2NarrowDomain {
+  static constexpr int kArguments = 2;
+  static constexpr int kUnroll = 8;
+  using Wide = dAtan2WideEP;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
+    OctantAtan2EP<false>(d, y, x, r);
   }
 };
 
@@ -29,7 +40,7 @@ struct dAtan2LA : dAtan2Common {
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    PlainAtan2(d, y, x, kAtan2LA, r);
+    OctantAtan2LA(d, y, x, r);
   }
 };
 

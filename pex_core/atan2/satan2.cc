@@ -4,6 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/atan2_domain-inl.h"
+#include "pex_core/_heap/real/atan2_plain-inl.h"
 #include "pex_core/_heap/real/atan_scalar.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 
@@ -27,7 +28,7 @@ struct sAtan2EP : sAtan2Common {
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    PlainAtan2(d, y, x, kAtanSingleEP, r);
+    UnitAtan2<true>(d, y, x, kAtanUnitSingleEP, r);
   }
 };
 
@@ -35,7 +36,7 @@ struct sAtan2LA : sAtan2Common {
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    PlainAtan2(d, y, x, kAtanSingleLA, r);
+    UnitAtan2<false>(d, y, x, kAtan2SingleLA, r);
   }
 };
 

@@ -4,6 +4,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/carg/zarg.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
+#include "pex_core/_heap/real/atan2_plain-inl.h"
 #include "pex_core/_heap/real/atan_scalar.h"
 #include "pex_core/carg/carg-inl.h"
 
@@ -14,7 +15,7 @@ struct dArgLA {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    PlainAtan2(d, y, x, kAtan2LA, r);
+    OctantAtan2LA(d, y, x, r);
   }
 };
 

@@ -119,8 +119,8 @@ HWY_INLINE void AtanTail(D d, const V (&t)[K], const T (&c)[N], V (&r)[K]) {
 }
 
 // For the ratio y/x >= 0 with c = 0 (below 1/2), 3/4 or infinity (above 2): the numerator and the
-// denominator of t = (y - c x)/(x + c y), |t| <= 1/2, and atan(c). In double y - c x is exact but
-// for the product; single precision has no room for the product's error.
+// denominator of t = (y - c x)/(x + c y), |t| <= 1/2, and atan(c); y - c x is exact but
+// for the product.
 template <class V>
 struct AtanThird {
   V numerator, denominator, angle;
@@ -128,66 +128,22 @@ struct AtanThird {
 
 template <class D, class V>
 HWY_INLINE AtanThird<V> AtanThirdOf(D d, V y, V x, V half_x, V twice_x) {
-  using T = hn::TFromD<D>;
-  constexpr T kMiddle = sizeof(T) == 8 ? T(kAtanMiddle) : T(kAtanSingleMiddle);
-  constexpr T kAngle = sizeof(T) == 8 ? T(kAtanMiddleAngle) : T(kAtanSingleMiddleAngle);
   const auto low = hn::Lt(y, half_x), high = hn::Gt(y, twice_x);
-  const V c = hn::IfThenElse(high, hn::Set(d, T(1)), hn::IfThenZeroElse(low, hn::Set(d, kMiddle)));
-  const V unless_high = hn::IfThenZeroElse(high, y);
-  V numerator;
-  if constexpr (sizeof(T) == 4) {
-    const Pair<V> product = TwoProduct(d, c, x);
-    numerator = hn::Sub(hn::Sub(unless_high, product.hi), product.lo);
-  } else {
-    numerator = hn::Sub(unless_high, hn::Mul(c, x));
-  }
-  return {numerator, hn::Add(hn::IfThenZeroElse(high, x), hn::Mul(c, y)),
-          hn::IfThenElse(high, hn::Set(d, T(0x1.921fb54442d18p+0)),
-                         hn::IfThenZeroElse(low, hn::Set(d, kAngle)))};
+  const V c =
+      hn::IfThenElse(high, hn::Set(d, 1.0), hn::IfThenZeroElse(low, hn::Set(d, kAtanMiddle)));
+  return {hn::Sub(hn::IfThenZeroElse(high, y), hn::Mul(c, x)),
+          hn::Add(hn::IfThenZeroElse(high, x), hn::Mul(c, y)),
+          hn::IfThenElse(high, hn::Set(d, 0x1.921fb54442d18p+0),
+                         hn::IfThenZeroElse(low, hn::Set(d, kAtanMiddleAngle)))};
 }
 
-// The same for y/1: c needs no product.
-template <class D, class V>
-HWY_INLINE AtanThird<V> AtanThirdOf(D d, V y) {
-  using T = hn::TFromD<D>;
-  constexpr T kMiddle = sizeof(T) == 8 ? T(kAtanMiddle) : T(kAtanSingleMiddle);
-  constexpr T kAngle = sizeof(T) == 8 ? T(kAtanMiddleAngle) : T(kAtanSingleMiddleAngle);
-  const auto low = hn::Lt(y, hn::Set(d, T(0.5))), high = hn::Gt(y, hn::Set(d, T(2)));
-  const V one = hn::Set(d, T(1));
-  const V c = hn::IfThenZeroElse(low, hn::Set(d, kMiddle));
-  return {hn::IfThenElse(high, hn::Set(d, T(-1)), hn::Sub(y, c)),
-          hn::IfThenElse(high, y, hn::Add(one, hn::Mul(c, y))),
-          hn::IfThenElse(high, hn::Set(d, T(0x1.921fb54442d18p+0)),
-                         hn::IfThenZeroElse(low, hn::Set(d, kAngle)))};
-}
-
-// atan(t)/t of floats. Where t is tiny that is 1 and its product with t exact, so that none
-// underflows.
+// atan(y/x) for the third of the ratio, by plain sums: below 2 ulp.
 template <class D, class V, size_t K, size_t N>
-HWY_INLINE void AtanFactor(D d, const V (&t)[K], const float (&c)[N], V (&r)[K]) {
-  V z[K], z2[K], p[K];
-  for (size_t k = 0; k < K; ++k) {
-    const V u = hn::Max(hn::Abs(t[k]), hn::Set(d, 0x1p-30f));
-    z[k] = hn::Mul(u, u);
-  }
-  for (size_t k = 0; k < K; ++k) z2[k] = hn::Mul(z[k], z[k]);
-  EvenOdd(d, z, z2, c, p);
-  for (size_t k = 0; k < K; ++k) r[k] = hn::Add(hn::Set(d, 1.0f), hn::Mul(z[k], p[k]));
-}
-
-// atan(y/x) for the third of the ratio, by plain sums: below 2 ulp (1.64 and 1.93 seen in LA).
-// kFactored, of floats: by AtanFactor, whose rounding costs another half ulp.
-template <bool kFactored, class D, class V, size_t K, size_t N>
-HWY_INLINE void PlainAtan(D d, const AtanThird<V> (&q)[K], const hn::TFromD<D> (&c)[N], V (&r)[K]) {
+HWY_INLINE void PlainAtan(D d, const AtanThird<V> (&q)[K], const double (&c)[N], V (&r)[K]) {
   V t[K], tail[K];
   for (size_t k = 0; k < K; ++k) t[k] = hn::Div(q[k].numerator, q[k].denominator);
-  if constexpr (kFactored) {
-    AtanFactor(d, t, c, tail);
-    for (size_t k = 0; k < K; ++k) r[k] = hn::Add(q[k].angle, hn::Mul(t[k], tail[k]));
-  } else {
-    AtanTail(d, t, c, tail);
-    for (size_t k = 0; k < K; ++k) r[k] = hn::Add(q[k].angle, hn::Add(t[k], tail[k]));
-  }
+  AtanTail(d, t, c, tail);
+  for (size_t k = 0; k < K; ++k) r[k] = hn::Add(q[k].angle, hn::Add(t[k], tail[k]));
 }
 
 // t = hi + lo = (n.hi + n.lo)/(m.hi + m.lo) to about 2^-100.
@@ -223,22 +179,19 @@ HWY_INLINE void FullAtan(D d, const V (&a)[K], const double (&coefficients)[N], 
   }
 }
 
-// atan2(y, x) for |x| and |y| in [2^-450, 2^450] (single: [2^-60, 2^60]); one of them may be 0.
+// atan2(y, x) for |x| and |y| in [2^-450, 2^450]; one of them may be 0.
 // Where x < 0 the angle is taken from pi.
 template <class D, class V, size_t K, size_t N>
-HWY_INLINE void PlainAtan2(D d, const V (&y)[K], const V (&x)[K], const hn::TFromD<D> (&c)[N],
-                           V (&r)[K]) {
-  using T = hn::TFromD<D>;
+HWY_INLINE void PlainAtan2(D d, const V (&y)[K], const V (&x)[K], const double (&c)[N], V (&r)[K]) {
   AtanThird<V> third[K];
   V angle[K];
   for (size_t k = 0; k < K; ++k) {
     const V ax = hn::Abs(x[k]);
-    third[k] = AtanThirdOf(d, hn::Abs(y[k]), ax, hn::Mul(ax, hn::Set(d, T(0.5))), hn::Add(ax, ax));
+    third[k] = AtanThirdOf(d, hn::Abs(y[k]), ax, hn::Mul(ax, hn::Set(d, 0.5)), hn::Add(ax, ax));
   }
-  // The factor is for EP: in LA its rounding adds to the quotient's.
-  PlainAtan<(sizeof(T) == 4 && N < 5)>(d, third, c, angle);
+  PlainAtan(d, third, c, angle);
   for (size_t k = 0; k < K; ++k) {
-    const V pi = hn::IfNegativeThenElse(x[k], hn::Set(d, T(0x1.921fb54442d18p+1)), hn::Zero(d));
+    const V pi = hn::IfNegativeThenElse(x[k], hn::Set(d, 0x1.921fb54442d18p+1), hn::Zero(d));
     const V turned = hn::Xor(angle[k], hn::And(x[k], hn::SignBit(d)));
     r[k] = hn::CopySignToAbs(hn::Add(pi, turned), y[k]);
   }

@@ -42,6 +42,7 @@ struct Atan2Outside {
 // Common lanes have |x| and |y| from 2^-450 to 2^450, single from 2^-60 to 2^60, so that no product
 // and no quotient overflows or underflows; one of them may be 0.
 using Atan2Domain = Atan2Outside<double, 0x23D00000, 0x5C0FFFFF>;
+using Atan2NarrowDomain = Atan2Outside<double, 0x30500000, 0x4F8FFFFF>;  // 2^-250 to 2^250
 using sAtan2Domain = Atan2Outside<float, 0x21800000, 0x5D7FFFFF>;
 using sAtan2WideDomain = Atan2Outside<float, 0x00000001, 0x7F7FFFFF>;  // all finite numbers
 

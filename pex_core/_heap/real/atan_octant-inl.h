@@ -27,7 +27,7 @@ struct AtanOctant {
 template <class D, class V = VecOf<D>>
 struct AtanOctantParts {
   V high, low, c, base, turn;
-  MaskOf<D> steep;
+  MaskOf<D> steep, flat;
 };
 template <class D, class V>
 HWY_INLINE AtanOctantParts<D> AtanOctantPartsOf(D d, V y, V x) {
@@ -36,11 +36,11 @@ HWY_INLINE AtanOctantParts<D> AtanOctantPartsOf(D d, V y, V x) {
   r.high = hn::Max(ax, ay);
   r.low = hn::Min(ax, ay);
   r.steep = hn::Gt(ay, ax);
-  const auto flat = hn::Lt(r.low, hn::Mul(r.high, hn::Set(d, 0.2828)));
-  r.c = hn::IfThenZeroElse(flat, hn::Set(d, kAtanOctantMiddle));
+  r.flat = hn::Lt(r.low, hn::Mul(r.high, hn::Set(d, 0.2828)));
+  r.c = hn::IfThenZeroElse(r.flat, hn::Set(d, kAtanOctantMiddle));
   const V pi = hn::IfNegativeThenElse(x, hn::Set(d, 0x1.921fb54442d18p+1), hn::Zero(d));
   const V corner = hn::IfThenElse(r.steep, hn::Set(d, 0x1.921fb54442d18p+0), pi);
-  const V middle = hn::IfThenZeroElse(flat, hn::Set(d, kAtanOctantMiddleAngle));
+  const V middle = hn::IfThenZeroElse(r.flat, hn::Set(d, kAtanOctantMiddleAngle));
   r.turn = hn::And(hn::Xor(x, hn::VecFromMask(d, r.steep)), hn::SignBit(d));
   r.base = hn::Add(corner, hn::Xor(middle, r.turn));  // exact
   return r;
@@ -51,7 +51,12 @@ template <class D, class V>
 HWY_INLINE AtanOctant<V> AtanOctantOf(D d, V y, V x) {
   const auto u = AtanOctantPartsOf(d, y, x);
   // The difference is rounded once: c high is 0 or, rounded, within a factor of 2 of low.
+#if HWY_TARGET == HWY_SSE4  // the halves of a constant cost nothing
+  const V middle = hn::Set(d, kAtanOctantMiddle);
+  const V n = hn::IfThenElse(u.flat, u.low, Remainder(d, u.low, middle, u.high));
+#else
   const V n = Remainder(d, u.low, u.c, u.high);
+#endif
   return {hn::Div(n, hn::Add(u.high, hn::Mul(u.c, u.low))), u.base, u.turn};
 }
 

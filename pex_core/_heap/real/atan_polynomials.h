@@ -14,31 +14,34 @@ inline constexpr double kAtanHA[] = {
 
 // The same for |t| <= 1/2.
 
-// Error 2^-53.5 of the whole.
-inline constexpr double kAtanLA[] = {
-    -0x1.555555555515bp-2, 0x1.999999992433ap-3, -0x1.249248fee2326p-3, 0x1.c71c65aebfa3bp-4,
-    -0x1.745bf584a9c6bp-4, 0x1.3b028aea88572p-4, -0x1.106540918c579p-4, 0x1.d8ccf461f2141p-5,
-    -0x1.8588267351aedp-5, 0x1.0681886df3023p-5, -0x1.94ecaab132dd6p-7};
-
 // Error 2^-57.8125 of the whole.
 inline constexpr double kAtan2LA[] = {
     -0x1.5555555555518p-2, 0x1.99999999914d8p-3, -0x1.249249216fdc5p-3, 0x1.c71c7096893c3p-4,
     -0x1.745cf54e5af31p-4, 0x1.3b1145443ae11p-4, -0x1.10f3674ceeb97p-4, 0x1.dfed12a00d925p-5,
     -0x1.a3a7959c4dc2dp-5, 0x1.571e493183435p-5, -0x1.c1fbdcda57a38p-6, 0x1.4c2a164f56697p-7};
 
-// Error 2^-27.53125 of the whole.
-inline constexpr double kAtanEP[] = {
-    -0x1.5555147d1ec8ap-2, 0x1.997bd20390dd4p-3, -0x1.2253ca3679fffp-3, 0x1.a05fc36fa8882p-4,
-    -0x1.a52f232249bbbp-5};
+// The same for |t| < 0.3251.
 
-// Error 2^-27.5 of the whole.
-inline constexpr float kAtanSingleLA[] = {
-    -0x1.555514p-2f, 0x1.997bb2p-3f, -0x1.22527p-3f, 0x1.a053dap-4f,
-    -0x1.a50a3ep-5f};
+// Error 2^-56.4375 of the whole.
+inline constexpr double kAtanPlainLA[] = {
+    -0x1.5555555555478p-2, 0x1.999999997032bp-3, -0x1.2492490f372f3p-3, 0x1.c71c66f53a3b3p-4,
+    -0x1.745b8930aeb16p-4, 0x1.3af0f790579a6p-4, -0x1.0f2f02c01185ep-4, 0x1.c1cb6fab6f868p-5,
+    -0x1.1107b7e224ab5p-5};
 
-// Error 2^-14 of the whole.
-inline constexpr float kAtanSingleEP[] = {
-    -0x1.525d34p-2f, 0x1.46854ap-3f};
+// Error 2^-28.84375 of the whole.
+inline constexpr double kAtanPlainEP[] = {
+    -0x1.55552b5e1899bp-2, 0x1.997ae187b2cd9p-3, -0x1.210c5a19f049ap-3, 0x1.73b165a60e26cp-4};
+
+// The same for |t| <= 0.62.
+
+// Error 2^-24.28125 of the whole.
+inline constexpr float kAtanPlainSingleLA[] = {
+    -0x1.5553bcp-2f, 0x1.991d2p-3f, -0x1.1e537ep-3f, 0x1.7e64c4p-4f,
+    -0x1.41a06ap-5f};
+
+// Error 2^-12.359375 of the whole.
+inline constexpr float kAtanPlainSingleEP[] = {
+    -0x1.4f3022p-2f, 0x1.256872p-3f};
 
 // The same for |t| < 0.2829.
 
@@ -70,11 +73,23 @@ inline constexpr float kAtanUnitSingleLA[] = {
     -0x1.5554e6p-2f, 0x1.997ae8p-3f, -0x1.231bbp-3f, 0x1.b56ac2p-4f,
     -0x1.3683aep-4f, 0x1.64d1a2p-5f, -0x1.0fb23ep-6f, 0x1.85f014p-9f};
 
+// Error 2^-25.96875 of the whole.
+inline constexpr float kAtan2SingleLA[] = {
+    -0x1.5554e4p-2f, 0x1.997ac2p-3f, -0x1.231aa4p-3f, 0x1.b56368p-4f,
+    -0x1.367574p-4f, 0x1.64b2cp-5f, -0x1.0f8efcp-6f, 0x1.85ae24p-9f};
+
 // atan(t) = t (c[0] + c[1] z ...) for |t| <= 1.
 
 // Error 2^-12.1875 of the whole.
 inline constexpr float kAtanUnitSingleEP[] = {
     0x1.ffe432p-1f, -0x1.4da0c4p-2f, 0x1.3ea034p-3f, -0x1.6b1fecp-5f};
+
+// The same for |t| < 0.2829.
+
+// Error 2^-30.9375 of the whole.
+inline constexpr double kAtan2EP[] = {
+    0x1.fffffffbd5e3p-1, -0x1.555540d519519p-2, 0x1.998966515b649p-3, -0x1.2250a497c662p-3,
+    0x1.8439668652c59p-4};
 
 }  // namespace pex
 

@@ -31,9 +31,11 @@ inline constexpr AtanBins kAtanBins = {
      0x0p+0, 0x0p+0, 0x0p+0, 0x0p+0},
 };
 
-// Near 3/4, with its arctangent to within 2^-64 (single: 2^-32) of itself.
+// Near 3/4, with its arctangent to within 2^-64 of itself.
 inline constexpr double kAtanMiddle = 0x1.801a36e2eb9b2p-1, kAtanMiddleAngle = 0x1.4989c0c07e6acp-1;
-inline constexpr float kAtanSingleMiddle = 0x1.801b04p-1f, kAtanSingleMiddleAngle = 0x1.498a44p-1f;
+// The same near tan(pi/5) and tan(2 pi/5).
+inline constexpr double kAtanFlat = 0x1.7404ea4a8c651p-1, kAtanFlatAngle = 0x1.41b7e58f2cf31p-1;
+inline constexpr double kAtanSteep = 0x1.89f559b3d0cd5p+1, kAtanSteepAngle = 0x1.41b3b1fd687aep+0;
 // The same near 0.56; the angle is a multiple of pi's last place.
 inline constexpr double kAtanOctantMiddle = 0x1.1eb851ecc7a7dp-1, kAtanOctantMiddleAngle = 0x1.055eb9b0343dcp-1;
 
