@@ -92,7 +92,7 @@ struct SinglePow : PowKernel<float> {
 // In pairs, the product b ln a formed of normalised ones. For |b| = 32 the exponent is off by less
 // than 2^-53.
 struct DoublePow : PowKernel<double> {
-  static constexpr int kUnroll = 2;
+  static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&a)[K], const Complex<V> (&b)[K],
                                    Complex<V> (&r)[K]) {
