@@ -16,20 +16,20 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Powers of 2^(1/32) without the exponents' own share of the steps, and what they lack, over
+// Powers of 2^(1/16) without the exponents' own share of the steps, and what they lack, over
 // themselves.
 struct ExpColumns {
-  alignas(64) double power[32], rest[32];
+  alignas(64) double power[16], rest[16];
 };
 constexpr ExpColumns kExpColumns = [] {
   ExpColumns c{};
-  for (int64_t i = 0; i < 32; ++i) {
-    c.power[i] = __builtin_bit_cast(double, BitsOfNumber(kPowPowers32.hi[i]) - (i << 47));
-    c.rest[i] = kPowPowers32.lo[i] / kPowPowers32.hi[i];
+  for (int64_t i = 0; i < 16; ++i) {
+    c.power[i] = __builtin_bit_cast(double, BitsOfNumber(kPowPowers16.hi[i]) - (i << 48));
+    c.rest[i] = kPowPowers16.lo[i] / kPowPowers16.hi[i];
   }
   return c;
 }();
-constexpr PowPairs<32> kExpPairs = SideBySide(kExpColumns.power, kExpColumns.rest);
+constexpr PowPairs<16> kExpPairs = SideBySide(kExpColumns.power, kExpColumns.rest);
 
 // e^x = t (1 + p).
 template <class D>
@@ -40,7 +40,7 @@ struct ExpFactors {
 // x may be numbers or pairs.
 template <class D, class X, size_t K, class V = VecOf<D>>
 HWY_INLINE void ExpFactorsOf(D d, const X (&x)[K], ExpFactors<D> (&r)[K]) {
-  using Tier = PowHA;
+  using Tier = PowLA;
   V kf[K], y[K], square[K], q[K];
   const V shifter = hn::Set(d, 0x1.8p52);  // leaves the rounded integer in the low bits
   for (size_t k = 0; k < K; ++k) {
@@ -49,24 +49,24 @@ HWY_INLINE void ExpFactorsOf(D d, const X (&x)[K], ExpFactors<D> (&r)[K]) {
     const V kd = hn::Sub(kf[k], shifter);
     V rest = hn::Mul(kd, hn::Set(d, Tier::kStepLo));
     if constexpr (kIsPair<X, D>) rest = hn::Sub(rest, x[k].lo);
-    y[k] = hn::Sub(hn::Sub(head, hn::Mul(kd, hn::Set(d, Tier::kStepHi))), rest);
+    y[k] = hn::Sub(SubExactProduct(kd, hn::Set(d, Tier::kStepHi), head), rest);
     square[k] = hn::Mul(y[k], y[k]);
   }
   EvenOdd(d, y, square, Tier::kExpPolynomial, q);
   for (size_t k = 0; k < K; ++k) {
     const auto steps = Bits(d, kf[k]);
-    const PairOf<D> row = PowLookUp<32>(d, kExpColumns.power, kExpColumns.rest, kExpPairs, steps);
-    r[k].t = FromBits(d, hn::Add(Bits(d, row.hi), hn::ShiftLeft<47>(steps)));
+    const PairOf<D> row = PowLookUp<16>(d, kExpColumns.power, kExpColumns.rest, kExpPairs, steps);
+    r[k].t = FromBits(d, hn::Add(Bits(d, row.hi), hn::ShiftLeft<48>(steps)));
     r[k].p = hn::Add(row.lo, hn::Add(y[k], hn::Mul(square[k], q[k])));
   }
 }
 
-// Of two pairs; the low part of the first is `low` and may be large.
+// t (1 + p) b.
 template <class D, class V>
-HWY_INLINE V ProductOfSums(D d, V high, V low, Pair<V> b) {
-  const Pair<V> p = TwoProduct(d, high, b.hi);
-  const V rest = hn::Add(hn::Add(p.lo, hn::Mul(high, b.lo)), hn::Mul(low, hn::Add(b.hi, b.lo)));
-  return hn::Add(p.hi, rest);
+HWY_INLINE V ProductOfSums(D d, V t, V p, Pair<V> b) {
+  const Pair<V> head = TwoProduct(d, t, b.hi);
+  const V rest = hn::Mul(t, hn::Add(b.lo, hn::Mul(p, hn::Add(b.hi, b.lo))));
+  return hn::Add(head.hi, hn::Add(head.lo, rest));
 }
 
 // e^x (cos y + i sin y) but for a zero y, |y| < 2^12; y may be numbers or pairs, as x.
@@ -91,8 +91,8 @@ HWY_INLINE void PolarExp(D d, const X (&x)[K], const X (&y)[K], Complex<V> (&r)[
     const Pair<V> sin = SumOfAngles<Wave::kSine>(d, u[k], s[k], c[k]);
     const Pair<V> cos = SumOfAngles<Wave::kCosine>(d, u[k], s[k], c[k]);
     const auto sign = hn::And(hn::ShiftLeft<59>(u[k].index), SetBits(d, uint64_t{1} << 63));
-    const V t = FromBits(d, hn::Xor(Bits(d, e[k].t), sign)), low = hn::Mul(t, e[k].p);
-    r[k] = {ProductOfSums(d, t, low, cos), ProductOfSums(d, t, low, sin)};
+    const V t = FromBits(d, hn::Xor(Bits(d, e[k].t), sign));
+    r[k] = {ProductOfSums(d, t, e[k].p, cos), ProductOfSums(d, t, e[k].p, sin)};
   }
 }
 
