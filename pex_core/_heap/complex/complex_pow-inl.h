@@ -37,8 +37,9 @@ struct PowKernel : ComplexKernel<Element, double> {
   using BaseRange = PartRange<-120, 120>;
   using ExponentPartRange = PartRange<-60, 60>;
   static constexpr T kLimit = sizeof(T) == 8 ? T(500) : T(300);
-  // Of |b|. ln a is within 2^-59 in double precision, and within 2^-50 of itself in single.
-  static constexpr T kMostExponent = sizeof(T) == 8 ? T(32) : T(300);
+  // The most of |Re b| + |Im b|: ln a is off by up to 2^-58 in double precision, by 2^-50 of itself
+  // in single.
+  static constexpr T kMostExponent = sizeof(T) == 8 ? T(20) : T(300);
 
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a, Complex<V> b) {
@@ -89,8 +90,8 @@ struct SinglePow : PowKernel<float> {
   }
 };
 
-// In pairs, the product b ln a formed of normalised ones. For |b| = 32 the exponent is off by less
-// than 2^-53.
+// In pairs, the product b ln a formed of normalised ones. Largest error seen 0.95 ulp of the
+// modulus, for the largest b; 0.69 for |b| below 6.
 struct DoublePow : PowKernel<double> {
   static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
@@ -98,7 +99,7 @@ struct DoublePow : PowKernel<double> {
                                    Complex<V> (&r)[K]) {
     Pair<V> size[K], angle[K], re[K], im[K];
     V zero[K];
-    ComplexLogPairs<true>(d, a, size, angle);
+    ComplexLogPairs<true, true>(d, a, size, angle);
     for (size_t k = 0; k < K; ++k) {
       // `size` is twice the logarithm of the modulus.
       const V half_re = hn::Mul(b[k].re, hn::Set(d, 0.5));
