@@ -85,7 +85,7 @@ struct SinglePow : PowKernel<float> {
     const auto real = hn::Eq(b.im, hn::Zero(d));
     const V across = Select(d, real, hn::Set(d, -0.0), Times(d, size, b.im));
     const V e = ExpOf(d, re);
-    const auto v = SinCosOf<true>(d, Plus(d, Times(d, angle, b.re), across));
+    const auto v = SinCosOf(d, Plus(d, Times(d, angle, b.re), across));
     return {Product(d, e, v.cos), Product(d, e, v.sin)};
   }
 };
