@@ -3,12 +3,17 @@
 #define HWY_TARGET_INCLUDE "pex_core/catanh/catanh.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
-#include "pex_core/_heap/complex/complex_vector-inl.h"
+#include "pex_core/_heap/complex/complex_atanh-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
-PEX_COMPLEX_BODIES(Atanh)
+int cAtanh(int32_t n, const PexComplex8* a, PexComplex8* r) {
+  return MapComplex<ElementaryKernel<ComplexAtanh, float>>(n, a, r);
+}
+int zAtanh(int32_t n, const PexComplex16* a, PexComplex16* r) {
+  return MapComplex<dArctangent<ComplexAtanh, false>>(n, a, r);
+}
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

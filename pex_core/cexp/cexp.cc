@@ -52,7 +52,7 @@ HWY_INLINE Complex<V> TurnBack(D d, BitsOf<D> k, V sine, V cosine) {
 // In double, |x| <= 512 and |y| < 4096: less than 0.505 ulp of each part. Quarter turns are counted
 // in floats, N low enough for its product with the first part of pi/2 to be exact.
 struct SingleExpHA : ComplexKernel<float>, ExpRange<BitsOfNumber(512.0f), BitsOfNumber(4096.0f)> {
-  static constexpr int kUnroll = 3;
+  static constexpr int kUnroll = 4;
   static Complex<float> Rare(Complex<float> z) {
     return ElementaryKernel<ComplexExp, float>::Rare(z);
   }

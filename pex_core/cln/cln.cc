@@ -37,7 +37,7 @@ HWY_INLINE AngleTurn<V> TurnOf(D d, Complex<V> z) {
 // to 1, what it is more than 1 is formed of the exact squares.
 struct SingleLnHA : ElementaryKernel<ComplexLn, float> {
   using Tag = ComplexKernel<float>::Tag;
-  static constexpr int kUnroll = 3;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
     const hn::Rebind<double, hn::Half<D>> wide;
@@ -71,9 +71,9 @@ struct SingleLnHA : ElementaryKernel<ComplexLn, float> {
       s[i] = hn::Add(hn::Mul(more[i], more[i]), hn::Mul(less[i], less[i]));
     }
     Log(d, s, size);
-    auto any = hn::Lt(hn::Abs(size[0]), near_one);
-    for (size_t i = 1; i < K; ++i) any = hn::Or(any, hn::Lt(hn::Abs(size[i]), near_one));
-    if (!hn::AllFalse(d, any)) [[unlikely]] {
+    W least = hn::Abs(size[0]);
+    for (size_t i = 1; i < K; ++i) least = hn::Min(least, hn::Abs(size[i]));
+    if (!hn::AllFalse(d, hn::Lt(least, near_one))) [[unlikely]] {
       for (size_t i = 0; i < K; ++i) {
         const W t =
             hn::Add(hn::Sub(hn::Mul(more[i], more[i]), hn::Set(d, 1.0)), hn::Mul(less[i], less[i]));

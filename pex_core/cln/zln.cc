@@ -106,7 +106,7 @@ struct dComplexLnEP : dComplexLn<kWide> {
 
 template <bool kWide>
 struct dComplexLnHA : dComplexLn<kWide> {
-  static constexpr int kUnroll = 3;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
     Pair<V> size[K], angle[K];

@@ -10,7 +10,7 @@ namespace pex::HWY_NAMESPACE {
 
 template <bool kWide>
 struct dComplexLog10 : ComplexLogKernel<ComplexLog10, kWide> {
-  static constexpr int kUnroll = 3;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
     Pair<V> size[K], angle[K];

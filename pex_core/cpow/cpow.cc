@@ -9,16 +9,16 @@ HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
 int cPow(int32_t n, const PexComplex8* a, const PexComplex8* b, PexComplex8* r) {
-  return MapComplex<PowKernelOf<float>>(n, a, b, r);
+  return MapComplex<SinglePow>(n, a, b, r);
 }
 int zPow(int32_t n, const PexComplex16* a, const PexComplex16* b, PexComplex16* r) {
-  return MapComplex<PowKernelOf<double>>(n, a, b, r);
+  return MapComplex<DoublePow>(n, a, b, r);
 }
 int cPowx(int32_t n, const PexComplex8* a, PexComplex8 b, PexComplex8* r) {
-  return MapComplex<PowKernelOf<float>>(n, a, b, r);
+  return MapComplex<SinglePow>(n, a, b, r);
 }
 int zPowx(int32_t n, const PexComplex16* a, PexComplex16 b, PexComplex16* r) {
-  return MapComplex<PowKernelOf<double>>(n, a, b, r);
+  return MapComplex<DoublePow>(n, a, b, r);
 }
 
 }  // namespace pex::HWY_NAMESPACE

@@ -421,8 +421,10 @@ TEST(ComplexElementary, NeighboursDoNotMatter) {
     const char* function;
     double re, im;
   };
-  for (const Neighbour& c : {Neighbour{"Ln", 0x1p300, 1}, Neighbour{"Ln", 1, 0},
-                             Neighbour{"Exp", 1, 600}, Neighbour{"Exp", 0, 1}}) {
+  for (const Neighbour& c :
+       {Neighbour{"Ln", 0x1p300, 1}, Neighbour{"Ln", 1, 0}, Neighbour{"Exp", 1, 600},
+        Neighbour{"Exp", 0, 1}, Neighbour{"Atanh", 0x1p150, 1}, Neighbour{"Atanh", 1, 0},
+        Neighbour{"Atan", 0x1p-300, 1}, Neighbour{"Atan", 0, 3}}) {
     std::vector<double> mixed;
     for (int i = 0; i < kCount; ++i) {
       mixed.insert(mixed.end(), {a[2 * i], a[2 * i + 1], c.re, c.im});

@@ -57,8 +57,9 @@ HWY_INLINE MaskOf<D> LanesBeyond(D d, V s) {
   return LanesAbove(d, Range::Key(d, s), Range::kLimit);
 }
 
-// ln(x^2 + y^2) and the angle of (x, |y|), within 2^-56 of themselves.
-template <bool kWide, class D, class V, size_t K>
+// ln(x^2 + y^2) and the angle of (x, |y|), within 2^-56 of themselves. kExact: the angle within
+// 2^-59, for parts within 2^120 and 2^-120.
+template <bool kWide, bool kExact = false, class D, class V, size_t K>
 HWY_INLINE void ComplexLogPairs(D d, const Complex<V> (&z)[K], Pair<V> (&size)[K],
                                 Pair<V> (&angle)[K]) {
   V s[K];
@@ -67,6 +68,11 @@ HWY_INLINE void ComplexLogPairs(D d, const Complex<V> (&z)[K], Pair<V> (&size)[K
   FullAtanOctant<V> octant[K];
   for (size_t k = 0; k < K; ++k) {
     octant[k] = FullAtanOctantOf(d, z[k].im, z[k].re);
+    if constexpr (kExact) {
+      // The quotient's rest counts 1/(1 + q^2) times.
+      const Pair<V> q = octant[k].q;
+      octant[k].q.lo = hn::Sub(q.lo, hn::Mul(q.lo, hn::Mul(q.hi, q.hi)));
+    }
   }
   for (size_t k = 0; k < K; ++k) {
     const V ax = hn::Abs(z[k].re), ay = hn::Abs(z[k].im);

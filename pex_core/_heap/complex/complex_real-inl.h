@@ -219,24 +219,6 @@ HWY_INLINE PairOf<D> Root(D d, PairOf<D> a) {
 
 // e^x
 template <class D>
-HWY_INLINE PairOf<D> ExpOf(D d, PairOf<D> p) {
-  using Tier = PowHA;
-  using V = VecOf<D>;
-  const V shifter = hn::Set(d, 0x1.8p52);  // leaves the rounded integer in the low bits
-  const V kf = hn::Add(hn::Mul(p.hi, hn::Set(d, Tier::kSteps * 0x1.71547652b82fep+0)), shifter);
-  const V kd = hn::Sub(kf, shifter);
-  const V x = hn::Add(hn::Sub(p.hi, hn::Mul(kd, hn::Set(d, Tier::kStepHi))),
-                      hn::Sub(p.lo, hn::Mul(kd, hn::Set(d, Tier::kStepLo))));
-  const V square = hn::Mul(x, x);
-  const V above_one = hn::Add(x, hn::Mul(square, EvenOdd(d, x, square, Tier::kExpPolynomial)));
-  const auto k = Bits(d, kf);
-  const PairOf<D> t =
-      PowLookUp<Tier::kSteps>(d, Tier::kPower, Tier::kPowerRest, Tier::kPowerPairs, k);
-  const PairOf<D> r = FastTwoSum(t.hi, hn::Add(t.lo, hn::Mul(t.hi, above_one)));
-  const V scale = PowScale<Tier::kSteps>(d, hn::Set(d, 1.0), k);
-  return {hn::Mul(r.hi, scale), hn::Mul(r.lo, scale)};
-}
-template <class D>
 HWY_INLINE VecOf<D> ExpOf(D d, VecOf<D> x) {
   const PairOf<D> p[1] = {{x, hn::Zero(d)}};
   VecOf<D> r[1];
@@ -288,20 +270,14 @@ struct SineCosine {
   N sin, cos;
 };
 
-// kHasLow: y.lo is not 0.
-template <bool kHasLow = false, class D>
+// y.lo is taken for 0.
+template <class D>
 HWY_INLINE SineCosine<PairOf<D>> SinCosOf(D d, PairOf<D> y) {
   using V = VecOf<D>;
   const V in[1] = {y.hi};
   Sixteenth<D> u[1];
   V s[1], c[1];
   ReduceToSixteenth(d, in, u);
-  if constexpr (kHasLow) {
-    // An ulp of y may weigh much against what remains of it.
-    const PairOf<D> sum = TwoSum(u[0].y, hn::Add(u[0].rest, y.lo));
-    u[0].y = sum.hi;
-    u[0].rest = sum.lo;
-  }
   SmallSineCosine(d, u, s, c);
   const auto sign = FromBits(d, hn::ShiftLeft<59>(u[0].index));
   SineCosine<PairOf<D>> r;
@@ -310,7 +286,7 @@ HWY_INLINE SineCosine<PairOf<D>> SinCosOf(D d, PairOf<D> y) {
   r.sin.hi = hn::IfThenElse(hn::Eq(y.hi, hn::Zero(d)), y.hi, r.sin.hi);
   return r;
 }
-template <bool kHasLow = false, class D>
+template <class D>
 HWY_INLINE SineCosine<VecOf<D>> SinCosOf(D d, VecOf<D> y) {
   using V = VecOf<D>;
   const V in[1] = {y};

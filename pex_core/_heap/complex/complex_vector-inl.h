@@ -1,8 +1,8 @@
 // The vector kernels of the complex elementary functions. Single-precision functions compute in
 // double, double-precision ones in unevaluated sums of two doubles; elements with a part that is
 // very large, very small, infinite or NaN go to the routines of complex_scalar.h. Those are off by
-// less than 0.51 ulp of each part, and so is Compute. Exp, Ln and Log10 of double precision have
-// kernels of their own for common parts and take their ranges from here.
+// less than 0.51 ulp of each part, and so is Compute. Exp, Ln, Log10, Atan and Atanh of double
+// precision have kernels of their own for common parts and take their ranges from here.
 //
 // A function F has Re and Im, the ranges of common parts; Scalar, the routine for one element;
 // Compute<N>(d, z), the result of common lanes in numbers N; and, where there is one, IsSingular, a
