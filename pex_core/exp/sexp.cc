@@ -134,7 +134,7 @@ struct sExpSteps {
 // result is the float next to e^x, operations may be fused here though their bits are not those of
 // two.
 struct sExpHA : sExpCommon<> {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
   template <class D, class V>
   static HWY_INLINE V Short(D d, V x, BitsOf<D>& doubt) {
     using S = sExpSteps;
