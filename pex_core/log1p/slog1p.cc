@@ -53,13 +53,12 @@ HWY_INLINE sLog1pReduced<D> sLog1pReduce(D d, V u) {
 // ln(1 + p) less `head`, which is +0 where the sign of zero matters. Given is 2^27 p, and the
 // powers of 2^27 go with the polynomial p (1 + c[0] p + ...) to its end: no product of a tiny
 // number underflows, its result is the number itself, without a flag.
-inline constexpr float kScale = 0x1p27f;
 
 template <class D, class V>
 HWY_INLINE V sLog1pSum(D d, V p, const float (&c)[3], V head) {
-  V h = hn::Add(hn::Mul(p, hn::Set(d, c[2])), hn::Set(d, c[1] * kScale));
-  h = hn::Add(hn::Mul(h, p), hn::Set(d, c[0] * (kScale * kScale)));
-  h = hn::Add(hn::Mul(h, p), hn::Set(d, kScale * kScale * kScale));
+  V h = hn::Add(hn::Mul(p, hn::Set(d, c[2])), hn::Set(d, c[1] * kLog1pScale));
+  h = hn::Add(hn::Mul(h, p), hn::Set(d, c[0] * (kLog1pScale * kLog1pScale)));
+  h = hn::Add(hn::Mul(h, p), hn::Set(d, kLog1pScale * kLog1pScale * kLog1pScale));
   return ExactProductLess(hn::Mul(h, p), hn::Set(d, 0x1p-108f), head);
 }
 
@@ -68,7 +67,7 @@ struct sLog1pEP : sLog1pKernel {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const auto u = sLog1pReduce(d, hn::Add(x, hn::Set(d, 1.0f)));
-    const V scale = hn::Set(d, kScale);
+    const V scale = hn::Set(d, kLog1pScale);
     const V factor = FromBits(d, hn::Add(Bits(d, scale), u.exponent_bits));
     const V p = ExactProductLess(x, factor, hn::Sub(scale, factor));
     const V head = hn::Mul(u.scaled, hn::Set(d, sNaturalLog::kLog2));
@@ -82,10 +81,9 @@ struct sLog1pLA : sLog1pKernel {
   static HWY_INLINE V Main(D d, V x) {
     const auto u = sLog1pReduce(d, hn::Add(x, hn::Set(d, 1.0f)));
     V c, log;
-    sLnFactorAt(d, u.m, c, log);
-    const auto scale = SetBits(d, 27 << 23);
-    const V factor = FromBits(d, hn::Add(hn::Add(Bits(d, c), scale), u.exponent_bits));
-    const V p = ShortMulSub(d, x, factor, hn::Sub(hn::Set(d, kScale), factor));
+    sLnFactorAt<sLog1pFactors>(d, u.m, c, log);
+    const V factor = FromBits(d, hn::Add(Bits(d, c), u.exponent_bits));
+    const V p = ShortMulSub(d, x, factor, hn::Sub(hn::Set(d, kLog1pScale), factor));
     const V head = hn::Sub(hn::Mul(u.scaled, hn::Set(d, sNaturalLog::kLog2)), log);
     return sLog1pSum(d, p, kLog1pSingleLA, head);
   }
