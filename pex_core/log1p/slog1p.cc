@@ -53,7 +53,6 @@ HWY_INLINE sLog1pReduced<D> sLog1pReduce(D d, V u) {
 // ln(1 + p) less `head`, which is +0 where the sign of zero matters. Given is 2^27 p, and the
 // powers of 2^27 go with the polynomial p (1 + c[0] p + ...) to its end: no product of a tiny
 // number underflows, its result is the number itself, without a flag.
-
 template <class D, class V>
 HWY_INLINE V sLog1pSum(D d, V p, const float (&c)[3], V head) {
   V h = hn::Add(hn::Mul(p, hn::Set(d, c[2])), hn::Set(d, c[1] * kLog1pScale));
