@@ -81,34 +81,30 @@ struct sExpHA : sExpCommon<double> {
 template <class D, class V>
 HWY_NOINLINE V sExpInFull(D d, V x) {
   const hn::Half<D> half;
-  return hn::Combine(d, sExpWide(half, hn::UpperHalf(half, x)),
-                     sExpWide(half, hn::LowerHalf(half, x)));
+  const auto lower = sExpWide(half, hn::LowerHalf(half, x));
+  return hn::Combine(d, sExpWide(half, hn::UpperHalf(half, x)), lower);
 }
 
-// 2^(j/kSteps) as a float, what it lacks in relation to it, and a polynomial for half a step.
+// 2^(j/2^kLog) as a float, what it lacks in relation to it, and a polynomial for half a step.
 #if HWY_TARGET == HWY_AVX3
 struct sExpSteps {
   static constexpr int kLog = 5;
   static constexpr float kError = 0x1.4p-36f;
+  static constexpr auto& kPower = sExpThirtySeconds;
+  static constexpr auto& kRest = sExpThirtySecondsRest;
   static constexpr auto& kPolynomial = sExpThirtySecondPolynomial;
   template <class D>
   static HWY_INLINE VecOf<D> LookUp(D, const float* table, BitsOf<D> k) {
     return VecOf<D>{
         _mm512_permutex2var_ps(_mm512_load_ps(table), k.raw, _mm512_load_ps(table + 16))};
   }
-  template <class D>
-  static HWY_INLINE VecOf<D> Power(D d, BitsOf<D> k) {
-    return LookUp(d, sExpThirtySeconds, k);
-  }
-  template <class D>
-  static HWY_INLINE VecOf<D> Rest(D d, BitsOf<D> k) {
-    return LookUp(d, sExpThirtySecondsRest, k);
-  }
 };
 #else
 struct sExpSteps {
   static constexpr int kLog = 4;
   static constexpr float kError = 0x1.4p-34f;
+  static constexpr auto& kPower = sExpSixteenths;
+  static constexpr auto& kRest = sExpSixteenthsRest;
   static constexpr auto& kPolynomial = sExpSixteenthPolynomial;
   template <class D>
   static HWY_INLINE VecOf<D> LookUp(D, const float* table, BitsOf<D> k) {
@@ -116,14 +112,6 @@ struct sExpSteps {
     const __m256 upper = _mm256_permutevar8x32_ps(_mm256_load_ps(table + 8), k.raw);
     const __m256 bit = _mm256_castsi256_ps(_mm256_slli_epi32(k.raw, 28));
     return VecOf<D>{_mm256_blendv_ps(lower, upper, bit)};
-  }
-  template <class D>
-  static HWY_INLINE VecOf<D> Power(D d, BitsOf<D> k) {
-    return LookUp(d, sExpSixteenths, k);
-  }
-  template <class D>
-  static HWY_INLINE VecOf<D> Rest(D d, BitsOf<D> k) {
-    return LookUp(d, sExpSixteenthsRest, k);
   }
 };
 #endif
@@ -144,13 +132,13 @@ struct sExpHA : sExpCommon<> {
     const V kd = hn::Sub(kf, shifter);
     const auto k = Bits(d, kf);
     const V r0 = hn::NegMulAdd(kd, hn::Set(d, 0x1.62e43p-1f), x);  // ln2; exact
-    const V rest = hn::NegMulAdd(kd, hn::Set(d, -0x1.05c61p-29f), S::Rest(d, k));
+    const V rest = hn::NegMulAdd(kd, hn::Set(d, -0x1.05c61p-29f), S::LookUp(d, S::kRest, k));
     const V r = hn::Add(r0, rest);
     // The lower bound of the sum; no tiny square.
     const V r2 = hn::MulAdd(r, r, hn::Set(d, -2 * S::kError));
     const auto c = [&](int i) HWY_ATTR { return hn::Set(d, S::kPolynomial[i]); };
     const V q = hn::MulAdd(r2, hn::MulAdd(hn::MulAdd(c(2), r, c(1)), r, c(0)), rest);
-    const V t = S::Power(d, k);
+    const V t = S::LookUp(d, S::kPower, k);
     // t r0 cut at 2^-23, so that its sum with t is exact.
     const V cut = hn::Set(d, 1.5f);
     const V upper = hn::Sub(hn::MulAdd(t, r0, cut), cut);
