@@ -27,8 +27,8 @@ T Power(int j, int steps, double* rest = nullptr) {
   return power;
 }
 
-void Head(const char* what, const char* type, const char* name) {
-  std::printf("\n// %s\nalignas(64) inline constexpr %s %s[16] = {", what, type, name);
+void Head(const char* what, const char* type, const char* name, int size = 16) {
+  std::printf("\n// %s\nalignas(64) inline constexpr %s %s[%d] = {", what, type, name, size);
 }
 
 void Separate(int j, int per_line) { std::printf(j % per_line ? " " : "\n    "); }
@@ -62,6 +62,23 @@ void Eighths() {
   std::printf("\n};\n");
 }
 
+void InTwoParts(const char* what, const char* name, const char* rest_name, int steps) {
+  Head(what, "float", name, steps);
+  for (int j = 0; j < steps; ++j) {
+    Separate(j, 4);
+    std::printf("%af,", Power<float>(j, steps));
+  }
+  std::printf("\n};\n");
+  Head("What the floats lack, in relation to the powers.", "float", rest_name, steps);
+  for (int j = 0; j < steps; ++j) {
+    double rest;
+    Power<float>(j, steps, &rest);
+    Separate(j, 4);
+    std::printf("%af,", static_cast<float>(rest));
+  }
+  std::printf("\n};\n");
+}
+
 void Sixteenths() {
   Head("Bits of 2^(j/16) in double precision less j << 48: adding k << 48 gives those of 2^(k/16).",
        "int64_t", "sExpShiftedSixteenthsHA");
@@ -87,6 +104,8 @@ int main() {
           "sExpShiftedEighths", 8, 20);
   Shifted("Bits of 2^(j/16) less j << 19: adding k << 19 gives those of 2^(k/16).",
           "sExpShiftedSixteenths", 16, 19);
+  InTwoParts("2^(j/16).", "sExpSixteenths", "sExpSixteenthsRest", 16);
+  InTwoParts("2^(j/32).", "sExpThirtySeconds", "sExpThirtySecondsRest", 32);
   Sixteenths();
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_EXP_SINGLE_TABLES_H_\n");
 }

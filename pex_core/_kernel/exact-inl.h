@@ -69,10 +69,15 @@ HWY_INLINE Pair<V> TwoProduct(D d, V a, V b) {
 #endif
 }
 
-// a * b + c and c - a * b where a * b is representable: fused or not, the result is the same.
+// a * b + c, a * b - c and c - a * b where a * b is representable: fused or not, the result is the
+// same.
 template <class V>
 HWY_INLINE V AddExactProduct(V a, V b, V c) {
   return hn::MulAdd(a, b, c);
+}
+template <class V>
+HWY_INLINE V ExactProductLess(V a, V b, V c) {
+  return hn::MulSub(a, b, c);
 }
 template <class V>
 HWY_INLINE V SubExactProduct(V a, V b, V c) {
@@ -109,21 +114,35 @@ HWY_INLINE V ProductLessOne(D d, V a, V b) {
   return ProductLess(d, a, b, hn::Set(d, static_cast<hn::TFromD<D>>(1)));
 }
 
+// The bits of a number's upper half: all but 26, of a float all but 12.
+template <typename TU>
+inline constexpr TU kUpperBits = static_cast<TU>(TU(~TU{0}) << (sizeof(TU) == 8 ? 26 : 12));
+
 // x * c + addend rounded once, for a c so short (26 bits, of a float 12) that its products with the
 // halves of x are exact, and an addend next to the product that leaves the upper one's sum exact.
 template <class D, class V>
 HWY_INLINE V ShortMulAdd(D d, V x, V c, V addend) {
 #if HWY_TARGET == HWY_SSE4
   using TU = hwy::MakeUnsigned<hn::TFromD<D>>;
-  constexpr int kLowerBits = sizeof(TU) == 8 ? 26 : 12;
-  const hn::RebindToUnsigned<D> du;
-  const V upper =
-      hn::And(x, hn::BitCast(d, hn::Set(du, static_cast<TU>(TU(~TU{0}) << kLowerBits))));
+  const V upper = hn::And(x, hn::BitCast(d, hn::Set(hn::RebindToUnsigned<D>(), kUpperBits<TU>)));
   const V lower = hn::Sub(x, upper);
   return hn::Add(hn::Add(hn::Mul(upper, c), addend), hn::Mul(lower, c));  // exact but for the last
 #else
   (void)d;
   return hn::MulAdd(x, c, addend);
+#endif
+}
+
+// x * c - subtrahend likewise; -0 for x = -0 and a subtrahend of 0.
+template <class D, class V>
+HWY_INLINE V ShortMulSub(D d, V x, V c, V subtrahend) {
+#if HWY_TARGET == HWY_SSE4
+  using TU = hwy::MakeUnsigned<hn::TFromD<D>>;
+  const V upper = hn::And(x, hn::BitCast(d, hn::Set(hn::RebindToUnsigned<D>(), kUpperBits<TU>)));
+  return hn::Sub(hn::Sub(hn::Mul(upper, c), subtrahend), hn::Mul(hn::Sub(upper, x), c));
+#else
+  (void)d;
+  return hn::MulSub(x, c, subtrahend);
 #endif
 }
 

@@ -61,16 +61,112 @@ struct sExpLA : sExpCommon<> {
   }
 };
 
-// In double precision. Correctly rounded for all floats.
+// In double precision, correctly rounded for all floats.
+template <class D, class V>
+HWY_INLINE V sExpWide(D d, V x) {
+  const hn::Rebind<double, D> wide;
+  const auto [s, p] = ExpReduceWide(wide, hn::PromoteTo(wide, x));
+  return hn::DemoteTo(d, hn::Add(hn::Mul(s, p), s));
+}
+
+#if HWY_TARGET == HWY_SSE4
 struct sExpHA : sExpCommon<double> {
   static constexpr int kUnroll = 8;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const hn::Rebind<double, D> dd;
-    const auto [s, p] = ExpReduceWide(dd, hn::PromoteTo(dd, x));
-    return hn::DemoteTo(d, hn::Add(hn::Mul(s, p), s));
+    return sExpWide(d, x);
   }
 };
+#else
+template <class D, class V>
+HWY_NOINLINE V sExpInFull(D d, V x) {
+  const hn::Half<D> half;
+  const auto lower = sExpWide(half, hn::LowerHalf(half, x));
+  return hn::Combine(d, sExpWide(half, hn::UpperHalf(half, x)), lower);
+}
+
+// 2^(j/2^kLog) as a float, what it lacks in relation to it, and a polynomial for half a step.
+#if HWY_TARGET == HWY_AVX3
+struct sExpSteps {
+  static constexpr int kLog = 5;
+  static constexpr float kError = 0x1.4p-36f;
+  static constexpr auto& kPower = sExpThirtySeconds;
+  static constexpr auto& kRest = sExpThirtySecondsRest;
+  static constexpr auto& kPolynomial = sExpThirtySecondPolynomial;
+  template <class D>
+  static HWY_INLINE VecOf<D> LookUp(D, const float* table, BitsOf<D> k) {
+    return VecOf<D>{
+        _mm512_permutex2var_ps(_mm512_load_ps(table), k.raw, _mm512_load_ps(table + 16))};
+  }
+};
+#else
+struct sExpSteps {
+  static constexpr int kLog = 4;
+  static constexpr float kError = 0x1.4p-34f;
+  static constexpr auto& kPower = sExpSixteenths;
+  static constexpr auto& kRest = sExpSixteenthsRest;
+  static constexpr auto& kPolynomial = sExpSixteenthPolynomial;
+  template <class D>
+  static HWY_INLINE VecOf<D> LookUp(D, const float* table, BitsOf<D> k) {
+    const __m256 lower = _mm256_permutevar8x32_ps(_mm256_load_ps(table), k.raw);
+    const __m256 upper = _mm256_permutevar8x32_ps(_mm256_load_ps(table + 8), k.raw);
+    const __m256 bit = _mm256_castsi256_ps(_mm256_slli_epi32(k.raw, 28));
+    return VecOf<D>{_mm256_blendv_ps(lower, upper, bit)};
+  }
+};
+#endif
+
+// Correctly rounded for all floats. The power of the table t (1 + rest) times 1 + r + q, q standing
+// for e^r - 1 - r and the rests, as a sum of two floats that errs by less than t kError; what
+// stands between its bounds and half way of two floats is decided in double precision. As the
+// result is the float next to e^x, operations may be fused here though their bits are not those of
+// two.
+struct sExpHA : sExpCommon<> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
+  template <class D, class V>
+  static HWY_INLINE V Short(D d, V x, BitsOf<D>& doubt) {
+    using S = sExpSteps;
+    constexpr float kStep = 1.0f / (1 << S::kLog);
+    const V shifter = hn::Set(d, 0x1.8p23f * kStep);
+    const V kf = hn::MulAdd(x, hn::Set(d, 0x1.715476p+0f), shifter);  // 1/ln2
+    const V kd = hn::Sub(kf, shifter);
+    const auto k = Bits(d, kf);
+    const V r0 = hn::NegMulAdd(kd, hn::Set(d, 0x1.62e43p-1f), x);  // ln2; exact
+    const V rest = hn::NegMulAdd(kd, hn::Set(d, -0x1.05c61p-29f), S::LookUp(d, S::kRest, k));
+    const V r = hn::Add(r0, rest);
+    // The lower bound of the sum; no tiny square.
+    const V r2 = hn::MulAdd(r, r, hn::Set(d, -2 * S::kError));
+    const auto c = [&](int i) HWY_ATTR { return hn::Set(d, S::kPolynomial[i]); };
+    const V q = hn::MulAdd(r2, hn::MulAdd(hn::MulAdd(c(2), r, c(1)), r, c(0)), rest);
+    const V t = S::LookUp(d, S::kPower, k);
+    // t r0 cut at 2^-23, so that its sum with t is exact.
+    const V cut = hn::Set(d, 1.5f);
+    const V upper = hn::Sub(hn::MulAdd(t, r0, cut), cut);
+    const V low = hn::MulAdd(t, q, hn::MulSub(t, r0, upper));
+    const V high = hn::Add(t, upper);
+    const auto least = Bits(d, hn::Add(high, low));
+    const auto most = Bits(d, hn::Add(high, hn::MulAdd(t, hn::Set(d, 2 * S::kError), low)));
+    doubt = hn::Xor(least, most);
+    const auto n = hn::And(hn::ShiftLeft<23 - S::kLog>(k), SetBits(d, 0xFF800000));
+    return FromBits(d, hn::Add(least, n));
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    const hn::RebindToSigned<D> di;
+    V y[K];
+    BitsOf<D> doubt[K];
+    for (size_t k = 0; k < K; ++k) y[k] = Short(d, x[k], doubt[k]);
+    auto any = doubt[0];
+    for (size_t k = 1; k < K; ++k) any = hn::Or(any, doubt[k]);
+    if (!hn::AllTrue(di, hn::Eq(any, hn::Zero(di)))) [[unlikely]] {
+      for (size_t k = 0; k < K; ++k) {
+        if (!hn::AllTrue(di, hn::Eq(doubt[k], hn::Zero(di)))) y[k] = sExpInFull(d, x[k]);
+      }
+    }
+    for (size_t k = 0; k < K; ++k) r[k] = y[k];
+  }
+};
+#endif
 
 PEX_UNARY(float, sExp_11, sExpEP)
 PEX_UNARY(float, sExp_21, sExpLA)

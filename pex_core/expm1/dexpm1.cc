@@ -16,9 +16,10 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdExpm1";
 
-constexpr double kLn2Hi = 0x1.62e42fefa38p-1;    // ln2, 42 bits: its product with n is exact
-constexpr double kLn2Lo = 0x1.ef35793c7673p-45;  // the rest
-constexpr double kLeast = -60;                   // below it the result is -1 to nearest
+constexpr double kLn2Hi = 0x1.62e42fefa38p-1;           // ln2, 42 bits: its product with n is exact
+constexpr double kLn2Lo = 0x1.ef35793c7673p-45;         // the rest
+constexpr double kLeast = -60;                          // below it the result is -1 to nearest
+inline constexpr bool kFused = HWY_TARGET != HWY_SSE4;  // exact products with their sums
 
 template <class D>
 struct Expm1Reduced {
@@ -26,11 +27,13 @@ struct Expm1Reduced {
   VecOf<D> x, n, power;
 };
 
-template <class D, class V>
+// kProducts: products with small powers are formed on their own, and would underflow below kLeast.
+template <bool kProducts, class D, class V>
 HWY_INLINE Expm1Reduced<D> Expm1Reduce(D d, V x) {
   Expm1Reduced<D> u;
   u.tiny = MagnitudeBelow(d, x, 0x1p-54);
-  u.x = hn::Max(hn::IfThenZeroElse(u.tiny, x), hn::Set(d, kLeast));
+  u.x = hn::IfThenZeroElse(u.tiny, x);
+  if constexpr (kProducts) u.x = hn::Max(u.x, hn::Set(d, kLeast));
   const V shifter = hn::Set(d, 0x1.8p52);
   const V kf = hn::Add(hn::Mul(u.x, hn::Set(d, 0x1.71547652b82fep+0)), shifter);  // 1/ln2
   u.n = hn::Sub(kf, shifter);
@@ -38,17 +41,18 @@ HWY_INLINE Expm1Reduced<D> Expm1Reduce(D d, V x) {
   return u;
 }
 
-struct dExpm1Common : Kernel<double> {
+template <class Groups>
+struct dExpm1Common : Groups {
   using Rarity = RareAbove<double, 0x4086232A>;  // |x| >= 708.39599609375
   static HWY_INLINE int Rare(double x, double* r) { return Expm1Rare(x, r, dExpScalar); }
 };
 
-struct dExpm1EP : dExpm1Common {
+struct dExpm1EP : dExpm1Common<LargeGroups<double>> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     Expm1Reduced<D> u[K];
     V r[K], r2[K], q[K];
-    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce(d, x[k]);
+    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce<!kFused>(d, x[k]);
     for (size_t k = 0; k < K; ++k) {
       r[k] = hn::Sub(u[k].x, hn::Mul(u[k].n, hn::Set(d, kLn2Hi + kLn2Lo)));
       r2[k] = hn::Mul(r[k], r[k]);
@@ -62,12 +66,12 @@ struct dExpm1EP : dExpm1Common {
   }
 };
 
-struct dExpm1LA : dExpm1Common {
+struct dExpm1LA : dExpm1Common<LargeGroups<double>> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     Expm1Reduced<D> u[K];
     V r[K], r0[K], r1[K], r2[K], q[K];
-    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce(d, x[k]);
+    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce<!kFused>(d, x[k]);
     for (size_t k = 0; k < K; ++k) {
       r0[k] = SubExactProduct(u[k].n, hn::Set(d, kLn2Hi), u[k].x);  // exact
       r1[k] = hn::Mul(u[k].n, hn::Set(d, kLn2Lo));
@@ -86,14 +90,14 @@ struct dExpm1LA : dExpm1Common {
 };
 
 // r, r^2/2 and 2^n - 1 with their rounding errors.
-struct dExpm1HA : dExpm1Common {
+struct dExpm1HA : dExpm1Common<Kernel<double>> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     const V half = hn::Set(d, 0.5);
     Expm1Reduced<D> u[K];
     V r[K], r_rest[K], square[K], q[K];
     Pair<V> r2[K];
-    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce(d, x[k]);
+    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce<true>(d, x[k]);
     for (size_t k = 0; k < K; ++k) {
       const V r0 = SubExactProduct(u[k].n, hn::Set(d, kLn2Hi), u[k].x);  // exact
       const V r1 = hn::Mul(u[k].n, hn::Set(d, kLn2Lo));

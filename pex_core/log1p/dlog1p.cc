@@ -43,14 +43,15 @@ struct dLog1pEP : dLog1pCommon {
   }
 };
 
-// t = 2^-e c x + (2^-e c - 1), free of the rounding of 1 + x. x is its own result where 1 + x is 1.
+// t = 2^-e c x + (2^-e c - 1), free of the rounding of 1 + x, which 2 + t = m c + 1 may well bear:
+// so the divisor need not wait for t. x is its own result where 1 + x is 1.
 struct dLog1pLA : dLog1pCommon {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     const V one = hn::Set(d, 1.0);
     LogShort<D> v[K];
-    V u[K], t[K], log[K];
+    V u[K], t[K], s[K], log[K];
     for (size_t k = 0; k < K; ++k) u[k] = hn::Add(x[k], one);
     LogShortReduce<LnShortFactors>(d, u, v);
     for (size_t k = 0; k < K; ++k) {
@@ -58,7 +59,10 @@ struct dLog1pLA : dLog1pCommon {
       const V sum = ShortMulAdd(d, x[k], factor, hn::Sub(factor, one));
       t[k] = hn::IfThenZeroElse(hn::Eq(u[k], one), sum);
     }
-    LogLASum<NaturalLog>(d, v, t, log);
+    for (size_t k = 0; k < K; ++k) {
+      s[k] = hn::Div(t[k], hn::Add(hn::Mul(v[k].m, v[k].c), one));
+    }
+    LogLASum<NaturalLog, false>(d, v, t, s, log);
     for (size_t k = 0; k < K; ++k) r[k] = hn::IfThenElse(hn::Eq(u[k], one), x[k], log[k]);
   }
 };

@@ -28,40 +28,69 @@ struct sLog1pKernel : Kernel<float> {
   static HWY_INLINE int Rare(float x, float* r) { return sLog1pRare(x, r); }
 };
 
-// A tiny x is its own result: to nearest down to 2^-25 below it, signed zeros and subnormals
-// without a flag.
-inline constexpr float kTiny = 0x1p-25f;
+// 1 + x = 2^e m, 3/4 <= m < 3/2: -e << 23, and its value, which is +0 for 0.
+template <class D>
+struct sLog1pReduced {
+  VecOf<D> m, scaled;
+  BitsOf<D> exponent_bits;
+};
 
-// Where 1 + x keeps the exponent 0, x itself is the argument of the polynomial; elsewhere the
-// rounding error of 1 + x does not matter to EP.
+template <class D, class V>
+HWY_INLINE sLog1pReduced<D> sLog1pReduce(D d, V u) {
+  sLog1pReduced<D> r;
+#if HWY_TARGET == HWY_AVX3
+  r.m = V{_mm512_getmant_ps(u.raw, _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_zero)};
+  r.exponent_bits = hn::Sub(Bits(d, r.m), Bits(d, u));
+#else
+  const auto below = hn::Sub(SetBits(d, BitsOfNumber(0.75f) + 0x007FFFFF), Bits(d, u));
+  r.exponent_bits = hn::And(below, SetBits(d, 0xFF800000));
+  r.m = FromBits(d, hn::Add(Bits(d, u), r.exponent_bits));
+#endif
+  r.scaled = hn::ConvertTo(d, r.exponent_bits);
+  return r;
+}
+
+// ln(1 + p) less `head`, which is +0 where the sign of zero matters. Given is 2^27 p, and the
+// powers of 2^27 go with the polynomial p (1 + c[0] p + ...) to its end: no product of a tiny
+// number underflows, its result is the number itself, without a flag.
+template <class D, class V>
+HWY_INLINE V sLog1pSum(D d, V p, const float (&c)[3], V head) {
+  V h = hn::Add(hn::Mul(p, hn::Set(d, c[2])), hn::Set(d, c[1] * kLog1pScale));
+  h = hn::Add(hn::Mul(h, p), hn::Set(d, c[0] * (kLog1pScale * kLog1pScale)));
+  h = hn::Add(hn::Mul(h, p), hn::Set(d, kLog1pScale * kLog1pScale * kLog1pScale));
+  return ExactProductLess(hn::Mul(h, p), hn::Set(d, 0x1p-108f), head);
+}
+
+// p = 2^-e x - (1 - 2^-e).
 struct sLog1pEP : sLog1pKernel {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const V one = hn::Set(d, 1.0f);
-    const auto tiny = MagnitudeBelow(d, x, kTiny);
-    const auto u = sLogReduce(d, hn::Add(x, one));
-    const auto near = hn::RebindMask(d, hn::Eq(u.exponent_bits, SetBits(d, 0)));
-    const V t = hn::IfThenZeroElse(tiny, hn::IfThenElse(near, x, hn::Sub(u.m, one)));
-    return hn::IfThenElse(tiny, x, sLogEPSum<sNaturalLog>(d, u.scaled, t));
+    const auto u = sLog1pReduce(d, hn::Add(x, hn::Set(d, 1.0f)));
+    const V scale = hn::Set(d, kLog1pScale);
+    const V factor = FromBits(d, hn::Add(Bits(d, scale), u.exponent_bits));
+    const V p = ExactProductLess(x, factor, hn::Sub(scale, factor));
+    const V head = hn::Mul(u.scaled, hn::Set(d, sNaturalLog::kLog2));
+    return sLog1pSum(d, p, kLog1pSingleEP, head);
   }
 };
 
-// p = 2^-e c x + (2^-e c - 1), free of the rounding of 1 + x. x is its own result where 1 + x is 1.
+// p = 2^-e c x - (1 - 2^-e c), free of the rounding of 1 + x.
 struct sLog1pLA : sLog1pKernel {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const V one = hn::Set(d, 1.0f);
-    const V sum = hn::Add(x, one);
-    const auto itself = hn::Eq(sum, one);
-    const auto u = sLogReduce(d, sum);
+    const auto u = sLog1pReduce(d, hn::Add(x, hn::Set(d, 1.0f)));
     V c, log;
-    sLnFactorAt(d, u.m, c, log);
-    const V factor = FromBits(d, hn::Sub(Bits(d, c), u.exponent_bits));
-    const V p = ShortMulAdd(d, x, factor, hn::Sub(factor, one));
-    const V r = sLogFactorSum<sNaturalLog>(d, u.scaled, log, hn::IfThenZeroElse(itself, p));
-    return hn::IfThenElse(itself, x, r);
+    sLnFactorAt<sLog1pFactors>(d, u.m, c, log);
+    const V factor = FromBits(d, hn::Add(Bits(d, c), u.exponent_bits));
+    const V p = ShortMulSub(d, x, factor, hn::Sub(hn::Set(d, kLog1pScale), factor));
+    const V head = hn::Sub(hn::Mul(u.scaled, hn::Set(d, sNaturalLog::kLog2)), log);
+    return sLog1pSum(d, p, kLog1pSingleLA, head);
   }
 };
+
+// A tiny x is its own result: to nearest down to 2^-25 below it, signed zeros and subnormals
+// without a flag.
+inline constexpr float kTiny = 0x1p-25f;
 
 // 1 + x is exact in double, up to 2^53.
 struct sLog1pHA : Kernel<float, double> {

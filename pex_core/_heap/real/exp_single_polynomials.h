@@ -13,6 +13,14 @@ inline constexpr float sExpLAPolynomial[] = {
 inline constexpr float sExpm1LAPolynomial[] = {
     0x1p-1f, 0x1.555c22p-3f, 0x1.555a56p-5f};
 
+// (e^x - 1 - x)/x^2, |x| <= 2.167000062763690948486328125e-2; absolute error 2^-25.46875.
+inline constexpr float sExpSixteenthPolynomial[] = {
+    0x1p-1f, 0x1.5556ep-3f, 0x1.555696p-5f};
+
+// (e^x - 1 - x)/x^2, |x| <= 1.0839999653398990631103515625e-2; absolute error 2^-28.46875.
+inline constexpr float sExpThirtySecondPolynomial[] = {
+    0x1p-1f, 0x1.5555b8p-3f, 0x1.5555a6p-5f};
+
 // (2^(x/16) - 1 - x ln2/16)/x^2, |x| <= 0.500001013278961181640625; absolute error 2^-50.125.
 inline constexpr double sExpHAPolynomial[] = {
     0x1.ebfbdff82b341p-11, 0x1.c6b08d6f791b8p-17, 0x1.3b2ab6fb1ba8p-23, 0x1.5d893e590b30ep-30,

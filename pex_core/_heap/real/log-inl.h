@@ -172,18 +172,33 @@ HWY_INLINE void LogPlain(D d, const LogReduced<D> (&x)[K], const V (&p)[K], cons
 }
 
 // head + log(1 + p) on a division instead of a long polynomial: log(1 + p) = p - s (p - s^2 R(s^2))
-// for s = p/(2 + p). `low` is what p lacks.
-template <class Base, class D, class V, size_t K>
+// for s = p/(2 + p). `low` is what p lacks. In steps of all vectors or in the compiler's order.
+template <class Base, bool kInSteps = false, class D, class V, size_t K>
 HWY_INLINE void LogDivisionSum(D d, const V (&head)[K], const V (&p)[K], const V (&s)[K], V (&r)[K],
                                const V* low = nullptr) {
-  V s2[K];
+  const auto end_step = [](V(&v)[K]) HWY_ATTR {
+    if constexpr (kInSteps) EndStep(v);
+  };
+  V s2[K], rest[K], tail[K];
   for (size_t k = 0; k < K; ++k) s2[k] = hn::Mul(s[k], s[k]);
-  for (size_t k = 0; k < K; ++k) {
-    const V rest = hn::Mul(s2[k], Horner(d, s2[k], Base::kLA));
-    V tail = hn::Mul(s[k], hn::Sub(p[k], rest));
-    if (low != nullptr) tail = hn::Sub(tail, low[k]);
-    r[k] = hn::Add(head[k], hn::Sub(p[k], tail));
+  end_step(s2);
+  if constexpr (kInSteps) {
+    HornerInSteps(d, s2, Base::kLA, rest);
+  } else {
+    for (size_t k = 0; k < K; ++k) rest[k] = Horner(d, s2[k], Base::kLA);
   }
+  for (size_t k = 0; k < K; ++k) rest[k] = hn::Mul(s2[k], rest[k]);
+  end_step(rest);
+  for (size_t k = 0; k < K; ++k) rest[k] = hn::Sub(p[k], rest[k]);
+  end_step(rest);
+  for (size_t k = 0; k < K; ++k) {
+    tail[k] = hn::Mul(s[k], rest[k]);
+    if (low != nullptr) tail[k] = hn::Sub(tail[k], low[k]);
+  }
+  end_step(tail);
+  for (size_t k = 0; k < K; ++k) tail[k] = hn::Sub(p[k], tail[k]);
+  end_step(tail);
+  for (size_t k = 0; k < K; ++k) r[k] = hn::Add(head[k], tail[k]);
 }
 
 // The same for the row of a point a: s = t/(m + a). `low` is what t lacks, of weight next to a = 1
@@ -302,22 +317,24 @@ HWY_INLINE void LogTerms(D d, const LogShort<D> (&u)[K], const V (&t)[K], V (&p)
   }
 }
 
-// log(2^e (1 + t)/c) for LA: at most 1.99 ulp, of which the exponent's share and -log(c) make 1.44.
-template <class Base, class D, class V, size_t K>
-HWY_INLINE void LogLASum(D d, const LogShort<D> (&u)[K], const V (&t)[K], V (&r)[K]) {
-  V s[K], p[K], head[K];
-  for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(t[k], hn::Set(d, 2.0)));
+// log(2^e (1 + t)/c) for LA, s = t/(2 + t): at most 1.99 ulp, of which the exponent's share and
+// -log(c) make 1.44.
+template <class Base, bool kInSteps, class D, class V, size_t K>
+HWY_INLINE void LogLASum(D d, const LogShort<D> (&u)[K], const V (&t)[K], const V (&s)[K],
+                         V (&r)[K]) {
+  V p[K], head[K];
   LogTerms<Base>(d, u, t, p, head);
-  LogDivisionSum<Base>(d, head, p, s, r);
+  LogDivisionSum<Base, kInSteps>(d, head, p, s, r);
 }
 
 template <class Base, class D, class V, size_t K>
 HWY_INLINE void LogLA(D d, const V (&x)[K], V (&r)[K]) {
   LogShort<D> u[K];
-  V t[K];
+  V t[K], s[K];
   LogShortReduce<typename Base::Factors>(d, x, u);
   for (size_t k = 0; k < K; ++k) t[k] = ShortProductLessOne(d, u[k].m, u[k].c);
-  LogLASum<Base>(d, u, t, r);
+  for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(t[k], hn::Set(d, 2.0)));
+  LogLASum<Base, true>(d, u, t, s, r);
 }
 
 template <class Base, class D, class V, size_t K>

@@ -36,6 +36,14 @@ inline constexpr float kLnSingleEP[] = {
 inline constexpr float kLog10SingleEP[] = {
     0x1.bcac1ep-2f, -0x1.c0489cp-3f, 0x1.31f6bcp-3f, -0x1.49dd4ap-4f};
 
+// ln(1 + x) = x (1 + c[0] x + ...), -1/31 <= x <= 1/30; error 2^-23.96875 x.
+inline constexpr float kLog1pSingleLA[] = {
+    -0x1.ffff7cp-2f, 0x1.558282p-2f, -0x1.02212p-2f};
+
+// ln(1 + x) = x (1 + c[0] x + c[1] x^2 + ...), -1/4 <= x <= 1/2.
+inline constexpr float kLog1pSingleEP[] = {
+    -0x1.01f07ep-1f, 0x1.5eee22p-2f, -0x1.7a549cp-3f};
+
 }  // namespace pex
 
 #endif  // PEX_CORE__HEAP_REAL_LOG_SINGLE_POLYNOMIALS_H_
