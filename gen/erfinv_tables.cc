@@ -43,11 +43,11 @@ void Full(const char* name, const Real& factor) {
   std::printf("};\n");
 }
 
-void Short() {
-  std::printf("\nalignas(64) const double kErfInvShort[kErfInvShortCount][4] = {");
-  for (int j = 0; j < pex::kErfInvShortCount; ++j) {
+void Cubic(const char* name, const char* count_name, int count, int bits) {
+  std::printf("\nalignas(64) const double %s[%s][4] = {", name, count_name);
+  for (int j = 0; j < count; ++j) {
     double center;
-    const std::vector<Real> c = Row(j, pex::kErfInvShortBits, 3, &center);
+    const std::vector<Real> c = Row(j, bits, 3, &center);
     std::printf("\n    {%a, %a, %a, %a},", c[0].Double(), c[1].Double(), c[2].Double(),
                 c[3].Double());
   }
@@ -84,7 +84,8 @@ int main() {
       "#include \"pex_core/_heap/real/erfinv_tables.h\"\n\nnamespace pex {\n");
   Full("kErfcInvRows", 1);
   Full("kNormInvRows", Real::Of<mpfr_sqrt>(2));
-  Short();
+  Cubic("kErfInvShort", "kErfInvShortCount", pex::kErfInvShortCount, pex::kErfInvShortBits);
+  Cubic("kErfInvFine", "kErfInvFineCount", pex::kErfInvFineCount, pex::kErfInvFineBits);
   Tail();
   std::printf("\n}  // namespace pex\n");
 }

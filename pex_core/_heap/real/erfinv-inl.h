@@ -108,15 +108,16 @@ HWY_INLINE V ErfInvMultiplier(D d, const ErfInvArgument<V>& u, MaskOf<D> central
   return hn::IfThenElse(central, factor == 1 ? u.x : hn::Mul(u.x, hn::Set(d, factor)), one);
 }
 
-// In EP.
-template <class Function, class D, class V, size_t K>
-HWY_INLINE void ErfInvShort(D d, const ErfInvArgument<V> (&u)[K], V (&y)[K]) {
-  using Offsets = RowOffsets<sizeof(kErfInvShort[0]), D>;
+// By cubics, `table` with 2^kBits rows to an octave: in EP and the first step of single HA.
+template <class Function, int kBits, class D, class V, size_t K>
+HWY_INLINE void ErfInvCubic(D d, const double (*table)[4], const ErfInvArgument<V> (&u)[K],
+                            V (&y)[K]) {
+  using Offsets = RowOffsets<sizeof(table[0]), D>;
   Offsets at[K];
-  for (size_t k = 0; k < K; ++k) at[k].Set(d, ErfInvRowNumber<kErfInvShortBits>(d, u[k].q));
+  for (size_t k = 0; k < K; ++k) at[k].Set(d, ErfInvRowNumber<kBits>(d, u[k].q));
   for (size_t k = 0; k < K; ++k) {
-    const auto row = LoadRows4(d, &kErfInvShort[0][0], at[k]);
-    constexpr int kRest = 52 - kErfInvShortBits;
+    const auto row = LoadRows4(d, &table[0][0], at[k]);
+    constexpr int kRest = 52 - kBits;
     const auto lower = hn::And(Bits(d, u[k].q), SetBits(d, -(uint64_t{1} << kRest)));
     const auto middle = hn::Or(lower, SetBits(d, uint64_t{1} << (kRest - 1)));
     const V t = hn::Sub(u[k].q, FromBits(d, middle));

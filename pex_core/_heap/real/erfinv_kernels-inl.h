@@ -30,7 +30,7 @@ HWY_INLINE void ErfInvAll(D d, const ErfInvArgument<V> (&u)[K], Pair<V> (&y)[K])
     ErfInvFull<Function, kTier>(d, served, y);
   } else {
     V r[K];
-    ErfInvShort<Function>(d, served, r);
+    ErfInvCubic<Function, kErfInvShortBits>(d, kErfInvShort, served, r);
     for (size_t k = 0; k < K; ++k) y[k].hi = r[k];
   }
   if (AnyTail(d, u)) [[unlikely]] {
@@ -59,6 +59,21 @@ struct dErfInvKernel : Kernel<double> {
   }
 };
 
+// Whether a float next to y is in doubt when y errs by 2^kError - 1 units in its last place.
+template <int kError, class D, class V>
+HWY_INLINE MaskOf<D> RoundingInDoubt(D d, V y) {
+  constexpr uint64_t kHalf = uint64_t{1} << 28, kError1 = uint64_t{1} << kError;
+  const auto shifted = hn::Add(Bits(d, y), SetBits(d, kHalf + kError1));
+  const auto near = SetBits(d, 2 * kHalf - 2 * kError1);
+#if HWY_TARGET == HWY_AVX3
+  (void)d;
+  return MaskOf<D>{_mm512_testn_epi64_mask(shifted.raw, near.raw)};
+#else
+  return hn::RebindMask(d, hn::Eq(hn::And(shifted, near), SetBits(d, 0)));
+#endif
+}
+
+// By cubics within 2^-38.8; where that leaves the rounding open, and below the table, in full.
 template <class Function, int (*kRare)(const float*, float*)>
 struct sErfInvHAKernel : Kernel<float, double> {
   static constexpr int kUnroll = 4;
@@ -70,13 +85,35 @@ struct sErfInvHAKernel : Kernel<float, double> {
     const hn::Rebind<double, D> wide;
     using W = VecOf<hn::Rebind<double, D>>;
     ErfInvArgument<W> u[K];
-    Pair<W> y[K];
-    for (size_t k = 0; k < K; ++k) u[k] = Function::Split(wide, hn::PromoteTo(wide, x[k]));
-    ErfInvAll<Function, ErfInvTier::kHA>(wide, u, y);
+    W y[K];
+    V a[K];
+    W least;
     for (size_t k = 0; k < K; ++k) {
-      const Pair<W> sum = FastTwoSum(y[k].hi, y[k].lo);
-      out[k] = RoundPair(d, wide, sum.hi, sum.lo);
+      a[k] = x[k];
+      u[k] = Function::Split(wide, hn::PromoteTo(wide, x[k]));
+      least = k == 0 ? u[k].q : hn::Min(least, u[k].q);
+      u[k].q = hn::Max(u[k].q, hn::Set(wide, kErfInvLeast));
     }
+    ErfInvCubic<Function, kErfInvFineBits>(wide, kErfInvFine, u, y);
+    auto open = hn::Lt(least, hn::Set(wide, kErfInvLeast));
+    for (size_t k = 0; k < K; ++k) {
+      open = hn::Or(open, RoundingInDoubt<15>(wide, y[k]));
+      out[k] = hn::DemoteTo(d, y[k]);
+    }
+    if (!hn::AllFalse(wide, open)) [[unlikely]] {
+      for (size_t k = 0; k < K; ++k) out[k] = InFull(d, a[k]);
+    }
+  }
+
+  template <class D, class V>
+  static HWY_NOINLINE V InFull(D d, V x) {
+    const hn::Rebind<double, D> wide;
+    using W = VecOf<hn::Rebind<double, D>>;
+    const ErfInvArgument<W> u[1] = {Function::Split(wide, hn::PromoteTo(wide, x))};
+    Pair<W> y[1];
+    ErfInvAll<Function, ErfInvTier::kHA>(wide, u, y);
+    const Pair<W> sum = FastTwoSum(y[0].hi, y[0].lo);
+    return RoundPair(d, wide, sum.hi, sum.lo);
   }
 };
 

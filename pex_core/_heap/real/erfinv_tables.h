@@ -23,6 +23,11 @@ inline constexpr int kErfInvShortBits = 5;
 inline constexpr int kErfInvShortCount = (kErfInvOctaves << kErfInvShortBits) + 1;
 extern const double kErfInvShort[kErfInvShortCount][4];
 
+// The same within 2^-37.
+inline constexpr int kErfInvFineBits = 7;
+inline constexpr int kErfInvFineCount = (kErfInvOctaves << kErfInvFineBits) + 1;
+extern const double kErfInvFine[kErfInvFineCount][4];
+
 // Row j: the constant in two parts and coefficients 1 to 12, in s - (j + kErfInvTailFirst +
 // 1/2)/128, up to 1/256 in magnitude, of
 //   1 - s erfcinv(e^(-1/s^2)),
