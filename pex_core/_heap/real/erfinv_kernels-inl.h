@@ -30,7 +30,7 @@ HWY_INLINE void ErfInvAll(D d, const ErfInvArgument<V> (&u)[K], Pair<V> (&y)[K])
     ErfInvFull<Function, kTier>(d, served, y);
   } else {
     V r[K];
-    ErfInvCubic<Function, kErfInvShortBits>(d, kErfInvShort, served, r);
+    ErfInvCubic<Function, kErfInvOctaves, kErfInvShortBits>(d, kErfInvShort, served, r);
     for (size_t k = 0; k < K; ++k) y[k].hi = r[k];
   }
   if (AnyTail(d, u)) [[unlikely]] {
@@ -73,9 +73,8 @@ HWY_INLINE MaskOf<D> RoundingInDoubt(D d, V y) {
 #endif
 }
 
-// By cubics within 2^-38.8; where that leaves the rounding open, and below the table, in full.
 template <class Function, int (*kRare)(const float*, float*)>
-struct sErfInvHAKernel : Kernel<float, double> {
+struct sErfInvInFull : Kernel<float, double> {
   static constexpr int kUnroll = 4;
   static constexpr float kHarmless = 0.5f;
   using Rarity = Function::template Rarity<float>;
@@ -85,21 +84,38 @@ struct sErfInvHAKernel : Kernel<float, double> {
     const hn::Rebind<double, D> wide;
     using W = VecOf<hn::Rebind<double, D>>;
     ErfInvArgument<W> u[K];
+    Pair<W> y[K];
+    for (size_t k = 0; k < K; ++k) u[k] = Function::Split(wide, hn::PromoteTo(wide, x[k]));
+    ErfInvAll<Function, ErfInvTier::kHA>(wide, u, y);
+    for (size_t k = 0; k < K; ++k) {
+      const Pair<W> sum = FastTwoSum(y[k].hi, y[k].lo);
+      out[k] = RoundPair(d, wide, sum.hi, sum.lo);
+    }
+  }
+};
+
+// By cubics within 2^-38, in full where that leaves the rounding open.
+template <class Function, int (*kRare)(const float*, float*)>
+struct sErfInvHAKernel : Kernel<float, double> {
+  using Wide = sErfInvInFull<Function, kRare>;
+  static constexpr int kUnroll = 4;
+  static constexpr float kHarmless = 0.5f;
+  using Rarity = Function::FineRarity;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    const hn::Rebind<double, D> wide;
+    using W = VecOf<hn::Rebind<double, D>>;
+    ErfInvArgument<W> u[K];
     W y[K];
     V a[K];
-    W least;
     for (size_t k = 0; k < K; ++k) {
       a[k] = x[k];
       u[k] = Function::Split(wide, hn::PromoteTo(wide, x[k]));
-      least = k == 0 ? u[k].q : hn::Min(least, u[k].q);
-      u[k].q = hn::Max(u[k].q, hn::Set(wide, kErfInvLeast));
     }
-    ErfInvCubic<Function, kErfInvFineBits>(wide, kErfInvFine, u, y);
-    auto open = hn::Lt(least, hn::Set(wide, kErfInvLeast));
-    for (size_t k = 0; k < K; ++k) {
-      open = hn::Or(open, RoundingInDoubt<15>(wide, y[k]));
-      out[k] = hn::DemoteTo(d, y[k]);
-    }
+    ErfInvCubic<Function, kErfInvFineOctaves, kErfInvFineBits>(wide, kErfInvFine, u, y);
+    auto open = RoundingInDoubt<15>(wide, y[0]);
+    for (size_t k = 1; k < K; ++k) open = hn::Or(open, RoundingInDoubt<15>(wide, y[k]));
+    for (size_t k = 0; k < K; ++k) out[k] = hn::DemoteTo(d, y[k]);
     if (!hn::AllFalse(wide, open)) [[unlikely]] {
       for (size_t k = 0; k < K; ++k) out[k] = InFull(d, a[k]);
     }
@@ -107,13 +123,10 @@ struct sErfInvHAKernel : Kernel<float, double> {
 
   template <class D, class V>
   static HWY_NOINLINE V InFull(D d, V x) {
-    const hn::Rebind<double, D> wide;
-    using W = VecOf<hn::Rebind<double, D>>;
-    const ErfInvArgument<W> u[1] = {Function::Split(wide, hn::PromoteTo(wide, x))};
-    Pair<W> y[1];
-    ErfInvAll<Function, ErfInvTier::kHA>(wide, u, y);
-    const Pair<W> sum = FastTwoSum(y[0].hi, y[0].lo);
-    return RoundPair(d, wide, sum.hi, sum.lo);
+    const V in[1] = {x};
+    V out[1];
+    Wide::MainGroup(d, in, out);
+    return out[0];
   }
 };
 
