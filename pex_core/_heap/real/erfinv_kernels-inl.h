@@ -75,7 +75,7 @@ HWY_INLINE MaskOf<D> RoundingInDoubt(D d, V y) {
 
 template <class Function, int (*kRare)(const float*, float*)>
 struct sErfInvInFull : Kernel<float, double> {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 5 : 3;
   static constexpr float kHarmless = 0.5f;
   using Rarity = Function::template Rarity<float>;
   static HWY_INLINE int Rare(float x, float* r) { return kRare(&x, r); }
@@ -98,7 +98,7 @@ struct sErfInvInFull : Kernel<float, double> {
 template <class Function, int (*kRare)(const float*, float*)>
 struct sErfInvHAKernel : Kernel<float, double> {
   using Wide = sErfInvInFull<Function, kRare>;
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 5 : 6;
   static constexpr float kHarmless = 0.5f;
   using Rarity = Function::FineRarity;
   template <class D, class V, size_t K>
