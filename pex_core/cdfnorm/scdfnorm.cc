@@ -46,35 +46,64 @@ struct sCdfNormShort : sCdfNormCommon<float> {
   }
 };
 
+// Correctly rounded for all floats.
 struct sCdfNormHA : sCdfNormCommon<double> {
   static constexpr int kUnroll = 6;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    const hn::Rebind<double, D> dd;
+    V a[K];
+    VecOf<hn::Rebind<double, D>> y[K];
+    for (size_t k = 0; k < K; ++k) a[k] = x[k];
+    Scaled<ErfcTier::kShort>(d, x, y);
+    auto open = RoundingInDoubt<13>(dd, y[0]);
+    for (size_t k = 1; k < K; ++k) open = hn::Or(open, RoundingInDoubt<13>(dd, y[k]));
+    for (size_t k = 0; k < K; ++k) {
+      out[k] = hn::DemoteTo(d, hn::Mul(y[k], hn::Set(dd, 0x1p-301)));
+    }
+    if (!hn::AllFalse(dd, open)) [[unlikely]] {
+      for (size_t k = 0; k < K; ++k) out[k] = InFull(d, a[k]);
+    }
+  }
+
+  // The result times 2^301.
+  template <ErfcTier kTier, class D, class V, class W, size_t K>
+  static HWY_INLINE void Scaled(D, const V (&x)[K], W (&y)[K]) {
     using Wide = hn::Rebind<double, D>;
+    constexpr bool kSum = kTier != ErfcTier::kShort;
     const Wide dd;
-    using W = VecOf<Wide>;
     ErfcReduced<Wide> u[K];
-    W z[K], rest[K];
+    W wide[K], z[K], rest[K];
     Pair<W> e[K];
     for (size_t k = 0; k < K; ++k) {
       // From 7 on the result is 1.
-      const W ax = hn::Abs(hn::Min(hn::PromoteTo(dd, x[k]), hn::Set(dd, 7.0)));
+      wide[k] = hn::PromoteTo(dd, x[k]);
+      const W ax = hn::Abs(hn::Min(wide[k], hn::Set(dd, 7.0)));
       const W safe = hn::Add(ax, hn::Set(dd, 0x1p-200));
       z[k] = hn::Mul(safe, hn::Set(dd, 0x1.6a09e667f3bcdp-1));  // 1/sqrt(2)
-      rest[k] = hn::Sub(TwoProduct(dd, safe, hn::Set(dd, 0x1.6a09e667f3bcdp-1)).lo,
-                        hn::Mul(safe, hn::Set(dd, 0x1.bdd3413b26456p-55)));
+      if constexpr (kSum) {
+        rest[k] = hn::Sub(TwoProduct(dd, safe, hn::Set(dd, 0x1.6a09e667f3bcdp-1)).lo,
+                          hn::Mul(safe, hn::Set(dd, 0x1.bdd3413b26456p-55)));
+      } else {
+        rest[k] = z[k];
+      }
     }
-    ErfcReduce<ErfcTier::kLA, true>(dd, z, rest, u);
-    ErfcScaled<ErfcTier::kLA, true>(dd, u, e);
-    for (size_t k = 0; k < K; ++k) {
-      const W y = ErfcOrRest<ErfcTier::kLA, false>(dd, hn::PromoteTo(dd, x[k]), e[k], 2.0);
-      // An ulp away from 1/2, for next to 0 the result lies that close to the middle of two
-      // floats.
-      const W wide = hn::PromoteTo(dd, x[k]);
-      const W scale = hn::IfNegativeThenElse(wide, hn::Set(dd, 0x1.fffffffffffffp-302),
-                                             hn::Set(dd, 0x1.0000000000001p-301));
-      out[k] = hn::DemoteTo(d, hn::Mul(y, scale));
-    }
+    ErfcReduce<kTier, kSum>(dd, z, rest, u);
+    ErfcScaled<kTier, kSum>(dd, u, e);
+    for (size_t k = 0; k < K; ++k) y[k] = ErfcOrRest<kTier, false>(dd, wide[k], e[k], 2.0);
+  }
+
+  template <class D, class V>
+  static HWY_NOINLINE V InFull(D d, V x) {
+    const hn::Rebind<double, D> dd;
+    using W = VecOf<hn::Rebind<double, D>>;
+    const V in[1] = {x};
+    W y[1];
+    Scaled<ErfcTier::kLA>(d, in, y);
+    // An ulp away from 1/2, for next to 0 the result lies that close to the middle of two floats.
+    const W scale = hn::IfNegativeThenElse(hn::PromoteTo(dd, x), hn::Set(dd, 0x1.fffffffffffffp-302),
+                                           hn::Set(dd, 0x1.0000000000001p-301));
+    return hn::DemoteTo(d, hn::Mul(y[0], scale));
   }
 };
 

@@ -25,6 +25,12 @@ inline constexpr double kErfcMeanEP[] = {
     -0x1.0000000155c3ap-1, 0x1.5555435e8645p-3, -0x1.55553dfab8d01p-5, 0x1.1171c044bd44dp-7,
     -0x1.6c9e1d770d906p-10};
 
+// (F(x) - 1)/x for F(x) = (1 - e^-x)/x,
+// -7.2599999606609344482421875e-2 <= x <= 7.2599999606609344482421875e-2; absolute error 2^-35.1875.
+inline constexpr double kErfcMeanShort[] = {
+    -0x1.00000000007fdp-1, 0x1.5555551a244bcp-3, -0x1.55555508614ecp-5, 0x1.111c088a73948p-7,
+    -0x1.6c261bf7513f6p-10};
+
 // (y coth(y/2) - 2)/y^2 for x = y^2,
 // 9.5367431640625e-7 <= x <= 4.65000011026859283447265625e-2; absolute error 2^-37.4375.
 inline constexpr double kErfcRatio[] = {

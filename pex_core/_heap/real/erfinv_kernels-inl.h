@@ -59,20 +59,6 @@ struct dErfInvKernel : Kernel<double> {
   }
 };
 
-// Whether a float next to y is in doubt when y errs by 2^kError - 1 units in its last place.
-template <int kError, class D, class V>
-HWY_INLINE MaskOf<D> RoundingInDoubt(D d, V y) {
-  constexpr uint64_t kHalf = uint64_t{1} << 28, kError1 = uint64_t{1} << kError;
-  const auto shifted = hn::Add(Bits(d, y), SetBits(d, kHalf + kError1));
-  const auto near = SetBits(d, 2 * kHalf - 2 * kError1);
-#if HWY_TARGET == HWY_AVX3
-  (void)d;
-  return MaskOf<D>{_mm512_testn_epi64_mask(shifted.raw, near.raw)};
-#else
-  return hn::RebindMask(d, hn::Eq(hn::And(shifted, near), SetBits(d, 0)));
-#endif
-}
-
 template <class Function, int (*kRare)(const float*, float*)>
 struct sErfInvInFull : Kernel<float, double> {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 5 : 3;
