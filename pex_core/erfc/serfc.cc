@@ -48,7 +48,7 @@ struct sErfcShort : sErfcCommon<float> {
 
 // Correctly rounded for all floats.
 struct sErfcHA : sErfcCommon<double> {
-  static constexpr int kUnroll = 6;
+  static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     const hn::Rebind<double, D> dd;
