@@ -3,6 +3,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/cdfnorm/scdfnorm.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
+#include "pex_core/_heap/real/cdfnorm-inl.h"
 #include "pex_core/_heap/real/erfc-inl.h"
 #include "pex_core/_heap/real/erfc_single-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
@@ -52,58 +53,43 @@ struct sCdfNormHA : sCdfNormCommon<double> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     const hn::Rebind<double, D> dd;
+    VecOf<hn::Rebind<double, D>> wide[K], y[K];
     V a[K];
-    VecOf<hn::Rebind<double, D>> y[K];
-    for (size_t k = 0; k < K; ++k) a[k] = x[k];
-    Scaled<ErfcTier::kShort>(d, x, y);
-    auto open = RoundingInDoubt<13>(dd, y[0]);
-    for (size_t k = 1; k < K; ++k) open = hn::Or(open, RoundingInDoubt<13>(dd, y[k]));
     for (size_t k = 0; k < K; ++k) {
-      out[k] = hn::DemoteTo(d, hn::Mul(y[k], hn::Set(dd, 0x1p-301)));
+      a[k] = x[k];
+      wide[k] = hn::PromoteTo(dd, x[k]);
+    }
+    CdfNormScaled<ErfcTier::kShort>(dd, wide, y);
+    auto open = RoundingInDoubt<17>(dd, y[0]);
+    for (size_t k = 1; k < K; ++k) open = hn::Or(open, RoundingInDoubt<17>(dd, y[k]));
+    for (size_t k = 0; k < K; ++k) {
+      out[k] = hn::DemoteTo(d, hn::Mul(y[k], hn::Set(dd, 0x1p-300)));
     }
     if (!hn::AllFalse(dd, open)) [[unlikely]] {
       for (size_t k = 0; k < K; ++k) out[k] = InFull(d, a[k]);
     }
   }
 
-  // The result times 2^301.
-  template <ErfcTier kTier, class D, class V, class W, size_t K>
-  static HWY_INLINE void Scaled(D, const V (&x)[K], W (&y)[K]) {
-    using Wide = hn::Rebind<double, D>;
-    constexpr bool kSum = kTier != ErfcTier::kShort;
-    const Wide dd;
-    ErfcReduced<Wide> u[K];
-    W wide[K], z[K], rest[K];
-    Pair<W> e[K];
-    for (size_t k = 0; k < K; ++k) {
-      // From 7 on the result is 1.
-      wide[k] = hn::PromoteTo(dd, x[k]);
-      const W ax = hn::Abs(hn::Min(wide[k], hn::Set(dd, 7.0)));
-      const W safe = hn::Add(ax, hn::Set(dd, 0x1p-200));
-      z[k] = hn::Mul(safe, hn::Set(dd, 0x1.6a09e667f3bcdp-1));  // 1/sqrt(2)
-      if constexpr (kSum) {
-        rest[k] = hn::Sub(TwoProduct(dd, safe, hn::Set(dd, 0x1.6a09e667f3bcdp-1)).lo,
-                          hn::Mul(safe, hn::Set(dd, 0x1.bdd3413b26456p-55)));
-      } else {
-        rest[k] = z[k];
-      }
-    }
-    ErfcReduce<kTier, kSum>(dd, z, rest, u);
-    ErfcScaled<kTier, kSum>(dd, u, e);
-    for (size_t k = 0; k < K; ++k) y[k] = ErfcOrRest<kTier, false>(dd, wide[k], e[k], 2.0);
-  }
-
   template <class D, class V>
   static HWY_NOINLINE V InFull(D d, V x) {
-    const hn::Rebind<double, D> dd;
-    using W = VecOf<hn::Rebind<double, D>>;
-    const V in[1] = {x};
-    W y[1];
-    Scaled<ErfcTier::kLA>(d, in, y);
+    using Wide = hn::Rebind<double, D>;
+    const Wide dd;
+    using W = VecOf<Wide>;
+    ErfcReduced<Wide> u[1];
+    Pair<W> e[1];
+    // From 7 on the result is 1.
+    const W wide = hn::PromoteTo(dd, x), ax = hn::Abs(hn::Min(wide, hn::Set(dd, 7.0)));
+    const W safe = hn::Add(ax, hn::Set(dd, 0x1p-200));
+    const Pair<W> p = TwoProduct(dd, safe, hn::Set(dd, 0x1.6a09e667f3bcdp-1));  // 1/sqrt(2)
+    const W z[1] = {p.hi};
+    const W rest[1] = {hn::Sub(p.lo, hn::Mul(safe, hn::Set(dd, 0x1.bdd3413b26456p-55)))};
+    ErfcReduce<ErfcTier::kLA, true>(dd, z, rest, u);
+    ErfcScaled<ErfcTier::kLA, true>(dd, u, e);
+    const W y = ErfcOrRest<ErfcTier::kLA, false>(dd, wide, e[0], 2.0);
     // An ulp away from 1/2, for next to 0 the result lies that close to the middle of two floats.
-    const W scale = hn::IfNegativeThenElse(hn::PromoteTo(dd, x), hn::Set(dd, 0x1.fffffffffffffp-302),
+    const W scale = hn::IfNegativeThenElse(wide, hn::Set(dd, 0x1.fffffffffffffp-302),
                                            hn::Set(dd, 0x1.0000000000001p-301));
-    return hn::DemoteTo(d, hn::Mul(y[0], scale));
+    return hn::DemoteTo(d, hn::Mul(y, scale));
   }
 };
 
