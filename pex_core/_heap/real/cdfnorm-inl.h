@@ -60,10 +60,12 @@ HWY_INLINE void CdfNormScaled(D d, const V (&x)[K], V (&y)[K]) {
     const V one = hn::Set(d, 1.0);
     V ratio = hn::Set(d, 1.0 / 12);
     if constexpr (kTier == ErfcTier::kLA) {
-      ratio = hn::Add(Horner(d, w2[k], kCdfNormRatio), hn::Mul(v[k], hn::Set(d, 1.0 / 240)));
+      // (1/60 - w^2/2520)/4 for a mean w.
+      ratio = hn::Add(Horner(d, w2[k], kCdfNormRatio), hn::Mul(v[k], hn::Set(d, 0.00416557)));
     }
-    const V slope = hn::Mul(row[k].b, hn::Add(one, hn::Mul(v[k], ratio)));
-    y[k] = hn::Add(row[k].a, hn::Mul(slope, hn::Add(one, hn::Mul(w[k], t[k]))));
+    const V mean = hn::Add(one, hn::Mul(w[k], t[k]));
+    t[k] = hn::Add(mean, hn::Mul(mean, hn::Mul(v[k], ratio)));
+    y[k] = hn::Add(row[k].a, hn::Mul(row[k].b, t[k]));
   }
 }
 
