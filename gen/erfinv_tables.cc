@@ -48,7 +48,9 @@ void Cubic(const char* name, const char* count_name, int octaves, int bits) {
   std::printf("\nalignas(64) const double %s[%s][4] = {", name, count_name);
   for (int j = 0; j <= octaves << bits; ++j) {
     const auto [width, center] = Interval(j, octaves, bits);
-    const std::vector<Real> c = Interpolate(ratio, center, width / 2, 3, width / 2);
+    // The last row serves its beginning alone.
+    const double begin = center - width / 2, radius = begin < 1 ? width / 2 : 0x1p-30;
+    const std::vector<Real> c = Interpolate(ratio, begin + radius, radius, 3, radius);
     std::printf("\n    {%a, %a, %a, %a},", c[0].Double(), c[1].Double(), c[2].Double(),
                 c[3].Double());
   }

@@ -2575,7 +2575,7 @@ alignas(64) const double kErfInvShort[kErfInvShortCount][4] = {
     {0x1.c6026fb405c77p-1, -0x1.653be0c9dccfp-6, 0x1.de8a2e0df8bb4p-3, -0x1.48429dc0fd4cfp-6},
     {0x1.c5dd3fd020941p-1, -0x1.dbabb39cc3463p-7, 0x1.dc9defca96db2p-3, -0x1.889baecb2d567p-7},
     {0x1.c5c6f6040ac8ap-1, -0x1.db4899cec54fbp-8, 0x1.db778dc370b7fp-3, -0x1.054e2dbc730c4p-8},
-    {0x1.c5bf891321457p-1, 0x1.05b36148dcdcap-20, 0x1.dad837b940268p-3, 0x1.05843e6cf66f2p-7},
+    {0x1.c5bf891b4ef6bp-1, 0x1.053c2c0ab91c6p-92, 0x1.db29fb2fee5e4p-3, 0x1.053c2c0ab91c5p-31},
 };
 
 alignas(64) const double kErfInvFine[kErfInvFineCount][4] = {
@@ -4499,7 +4499,7 @@ alignas(64) const double kErfInvFine[kErfInvFineCount][4] = {
     {0x1.c5c3b64e6e207p-1, -0x1.646d3b6263355p-8, 0x1.db5fd24494106p-3, -0x1.46a697c1a7556p-8},
     {0x1.c5c164495e9fbp-1, -0x1.db3214dd18116p-9, 0x1.db4132cbc2322p-3, -0x1.87e65540ab207p-9},
     {0x1.c5bfffe60e8f4p-1, -0x1.db2be502528dbp-10, 0x1.db2ed41275c5dp-3, -0x1.053d4c1755754p-10},
-    {0x1.c5bf891b46cc9p-1, 0x1.05439daf8bcf6p-26, 0x1.db24e0e2705d7p-3, 0x1.0540ac48c3141p-9},
+    {0x1.c5bf891b4ef6bp-1, 0x1.053c2c0ab91c6p-92, 0x1.db29fb2fee5e4p-3, 0x1.053c2c0ab91c5p-31},
 };
 
 alignas(64) const double kErfInvTail[4][kErfInvTailCount][4] = {{
