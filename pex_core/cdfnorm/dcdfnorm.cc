@@ -29,7 +29,7 @@ struct dCdfNormCommon : Kernel<double> {
 
 template <ErfcTier kTier>
 struct dCdfNormShort : dCdfNormCommon {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V y[K];
