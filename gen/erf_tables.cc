@@ -138,6 +138,19 @@ void TailAt(double c) {
   mpfr_mul_d(value, value, 0.5, MPFR_RNDN);
 }
 
+// The normal distribution function at c and its density, from value and slope of TailAt(-c).
+void CdfNorm() {
+  std::printf("\nalignas(64) const ErfcRow kCdfNormRows[kCdfNormRowCount] = {");
+  for (int j = 0; j < pex::kCdfNormRowCount; ++j) {
+    TailAt((pex::kCdfNormFirst - j) / 128.0);
+    mpfr_mul_2ui(value, value, pex::kErfcScale, MPFR_RNDN);
+    mpfr_mul_2ui(slope, slope, pex::kErfcScale + 1, MPFR_RNDN);
+    std::printf("%s{%a, %a},", j % 2 ? " " : "\n    ", mpfr_get_d(value, MPFR_RNDN),
+                mpfr_get_d(slope, MPFR_RNDN));
+  }
+  std::printf("\n};\n");
+}
+
 void Single(const char* name, const char* count_name, int count, bool normal) {
   std::printf("\nalignas(64) const ErfcSingleRow %s[%s] = {", name, count_name);
   for (int j = 0; j < count; ++j) {
@@ -161,6 +174,7 @@ int main() {
   Erf();
   Erfc(false);
   Erfc(true);
+  CdfNorm();
   Single("kErfcSingleRows", "kErfcSingleRowCount", pex::kErfcSingleRowCount, false);
   Single("kCdfNormSingleRows", "kCdfNormSingleRowCount", pex::kCdfNormSingleRowCount, true);
   std::printf("\n}  // namespace pex\n");

@@ -81,14 +81,14 @@ inline std::vector<Real> Through(const std::vector<Real>& x, std::vector<Real> c
   return c;
 }
 
-// The coefficients, lowest first, in x - center of the polynomial that takes the function's values
-// at the Chebyshev points of center +- radius.
+// The coefficients, lowest first, in x - center + shift of the polynomial that takes the function's
+// values at the Chebyshev points of center +- radius.
 inline std::vector<Real> Interpolate(const std::function<Real(Real)>& function, double center,
-                                     double radius, int degree) {
+                                     double radius, int degree, double shift = 0) {
   std::vector<Real> x, c;
   for (int i = 0; i <= degree; ++i) {
-    x.push_back(radius * std::cos(std::numbers::pi * (i + 0.5) / (degree + 1)));
-    c.push_back(function(x[i] + center));
+    x.push_back(shift + radius * std::cos(std::numbers::pi * (i + 0.5) / (degree + 1)));
+    c.push_back(function(x[i] + (center - shift)));
   }
   return Through(x, c);
 }

@@ -15,21 +15,21 @@ using gen::Interpolate;
 using gen::Near;
 using gen::Real;
 
-// Coefficients of row j of a table with 2^bits rows to an octave.
-std::vector<Real> Row(int j, int bits, int degree, double* center) {
-  const int per_octave = 1 << bits;
-  const double width = std::ldexp(1.0, j / per_octave - pex::kErfInvOctaves - bits);
-  *center = (per_octave + j % per_octave + 0.5) * width;
-  return Interpolate(Near, *center, width / 2, degree);
-}
+// The interval of row j of a table with 2^bits rows to each of so many octaves below 1.
+struct Interval {
+  Interval(int j, int octaves, int bits)
+      : width(std::ldexp(1.0, (j >> bits) - octaves - bits)),
+        center(((1 << bits) + j % (1 << bits) + 0.5) * width) {}
+  double width, center;
+};
 
 void Full(const char* name, const Real& factor) {
   std::printf("\nalignas(64) const double %s[3][kErfInvRowCount][4] = {", name);
   for (int part = 0; part < 3; ++part) {
     std::printf("{");
     for (int j = 0; j < pex::kErfInvRowCount; ++j) {
-      double center;
-      const std::vector<Real> c = Row(j, pex::kErfInvBits, 9, &center);
+      const auto [width, center] = Interval(j, pex::kErfInvOctaves, pex::kErfInvBits);
+      const std::vector<Real> c = Interpolate(Near, center, width / 2, 9);
       double row[12] = {};
       for (int i = 1; i < 10; ++i) row[i + 2] = (c[i] * factor).Double();
       row[0] = center < 0.5 ? center : center - 1;
@@ -43,11 +43,14 @@ void Full(const char* name, const Real& factor) {
   std::printf("};\n");
 }
 
-void Short() {
-  std::printf("\nalignas(64) const double kErfInvShort[kErfInvShortCount][4] = {");
-  for (int j = 0; j < pex::kErfInvShortCount; ++j) {
-    double center;
-    const std::vector<Real> c = Row(j, pex::kErfInvShortBits, 3, &center);
+void Cubic(const char* name, const char* count_name, int octaves, int bits) {
+  const auto ratio = [](const Real& q) { return ErfcInverse(q) / (1 - q); };
+  std::printf("\nalignas(64) const double %s[%s][4] = {", name, count_name);
+  for (int j = 0; j <= octaves << bits; ++j) {
+    const auto [width, center] = Interval(j, octaves, bits);
+    // The last row serves its beginning alone.
+    const double begin = center - width / 2, radius = begin < 1 ? width / 2 : 0x1p-30;
+    const std::vector<Real> c = Interpolate(ratio, begin + radius, radius, 3, radius);
     std::printf("\n    {%a, %a, %a, %a},", c[0].Double(), c[1].Double(), c[2].Double(),
                 c[3].Double());
   }
@@ -84,7 +87,8 @@ int main() {
       "#include \"pex_core/_heap/real/erfinv_tables.h\"\n\nnamespace pex {\n");
   Full("kErfcInvRows", 1);
   Full("kNormInvRows", Real::Of<mpfr_sqrt>(2));
-  Short();
+  Cubic("kErfInvShort", "kErfInvShortCount", pex::kErfInvOctaves, pex::kErfInvShortBits);
+  Cubic("kErfInvFine", "kErfInvFineCount", pex::kErfInvFineOctaves, pex::kErfInvFineBits);
   Tail();
   std::printf("\n}  // namespace pex\n");
 }

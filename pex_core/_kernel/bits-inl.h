@@ -143,6 +143,21 @@ HWY_INLINE hn::Mask<D> LanesAbove(D d, BitsOf<D> key, int64_t limit) {
   return hn::RebindMask(d, hn::Lt(Bits(d, above), SetBits(d, 0)));
 }
 
+// Whether another float than that next to y may be next to a number that y is known to be within
+// 2^kError - 1 units in its last place of.
+template <int kError, class D, class V>
+HWY_INLINE MaskOf<D> RoundingInDoubt(D d, V y) {
+  constexpr uint64_t kHalf = uint64_t{1} << 28, kError1 = uint64_t{1} << kError;
+  const auto shifted = hn::Add(Bits(d, y), SetBits(d, kHalf + kError1));
+  const auto near = SetBits(d, 2 * kHalf - 2 * kError1);
+#if HWY_TARGET == HWY_AVX3
+  (void)d;
+  return MaskOf<D>{_mm512_testn_epi64_mask(shifted.raw, near.raw)};
+#else
+  return hn::RebindMask(d, hn::Eq(hn::And(shifted, near), SetBits(d, 0)));
+#endif
+}
+
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

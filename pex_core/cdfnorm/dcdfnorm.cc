@@ -1,9 +1,10 @@
-// The standard normal distribution function in double precision: erfc(-x/sqrt(2))/2 for negative x,
-// 1 - erfc(x/sqrt(2))/2 for others, the quotient in two parts.
+// The standard normal distribution function in double precision: from a table of its own; in HA
+// erfc(-x/sqrt(2))/2 for negative x, 1 - erfc(x/sqrt(2))/2 for others, the quotient in two parts.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/cdfnorm/dcdfnorm.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
+#include "pex_core/_heap/real/cdfnorm-inl.h"
 #include "pex_core/_heap/real/erfc-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
@@ -15,9 +16,7 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdCdfNorm";
 
-template <ErfcTier kTier>
-struct dCdfNormKernel : Kernel<double> {
-  static constexpr int kUnroll = 5;
+struct dCdfNormCommon : Kernel<double> {
   // Common from -37.509 to 8153; below, the result comes close to the subnormal numbers.
   struct Rarity : RareAbove<double, 0x40AFFF04> {  // |x - 4058| > 4095.51
     template <class D>
@@ -26,6 +25,21 @@ struct dCdfNormKernel : Kernel<double> {
     }
   };
   static HWY_INLINE int Rare(double x, double* r) { return dCdfNormRare(x, r); }
+};
+
+template <ErfcTier kTier>
+struct dCdfNormShort : dCdfNormCommon {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 3;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    V y[K];
+    CdfNormScaled<kTier>(d, x, y);
+    for (size_t k = 0; k < K; ++k) out[k] = hn::Mul(y[k], hn::Set(d, 0x1p-300));
+  }
+};
+
+struct dCdfNormHA : dCdfNormCommon {
+  static constexpr int kUnroll = 5;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     ErfcReduced<D> u[K];
@@ -37,22 +51,19 @@ struct dCdfNormKernel : Kernel<double> {
       const V safe = hn::Add(ax, hn::Set(d, 0x1p-200));
       const Pair<V> p = TwoProduct(d, safe, hn::Set(d, 0x1.6a09e667f3bcdp-1));  // 1/sqrt(2)
       z[k] = p.hi;
-      rest[k] = kTier == ErfcTier::kEP
-                    ? p.lo
-                    : hn::Sub(p.lo, hn::Mul(safe, hn::Set(d, 0x1.bdd3413b26456p-55)));
+      rest[k] = hn::Sub(p.lo, hn::Mul(safe, hn::Set(d, 0x1.bdd3413b26456p-55)));
     }
-    ErfcReduce<kTier, true>(d, z, rest, u);
-    ErfcScaled<kTier, true>(d, u, e);
+    ErfcReduce<ErfcTier::kHA, true>(d, z, rest, u);
+    ErfcScaled<ErfcTier::kHA, true>(d, u, e);
     for (size_t k = 0; k < K; ++k) {
-      const V y = ErfcOrRest<kTier, false>(d, x[k], e[k], 2.0);
+      const V y = ErfcOrRest<ErfcTier::kHA, false>(d, x[k], e[k], 2.0);
       out[k] = hn::Mul(y, hn::Set(d, 0x1p-301));
     }
   }
 };
 
-using dCdfNormEP = dCdfNormKernel<ErfcTier::kEP>;
-using dCdfNormLA = dCdfNormKernel<ErfcTier::kLA>;
-using dCdfNormHA = dCdfNormKernel<ErfcTier::kHA>;
+using dCdfNormEP = dCdfNormShort<ErfcTier::kEP>;
+using dCdfNormLA = dCdfNormShort<ErfcTier::kLA>;
 
 PEX_UNARY(double, dCdfNorm_26, dCdfNormEP)
 PEX_UNARY(double, dCdfNorm_50, dCdfNormLA)

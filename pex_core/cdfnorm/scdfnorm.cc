@@ -3,6 +3,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/cdfnorm/scdfnorm.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
+#include "pex_core/_heap/real/cdfnorm-inl.h"
 #include "pex_core/_heap/real/erfc-inl.h"
 #include "pex_core/_heap/real/erfc_single-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
@@ -46,35 +47,49 @@ struct sCdfNormShort : sCdfNormCommon<float> {
   }
 };
 
+// Correctly rounded for all floats.
 struct sCdfNormHA : sCdfNormCommon<double> {
-  static constexpr int kUnroll = 6;
+  static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    const hn::Rebind<double, D> dd;
+    VecOf<hn::Rebind<double, D>> wide[K], y[K];
+    V a[K];
+    for (size_t k = 0; k < K; ++k) {
+      a[k] = x[k];
+      wide[k] = hn::PromoteTo(dd, x[k]);
+    }
+    CdfNormScaled<ErfcTier::kShort>(dd, wide, y);
+    auto open = RoundingInDoubt<17>(dd, y[0]);
+    for (size_t k = 1; k < K; ++k) open = hn::Or(open, RoundingInDoubt<17>(dd, y[k]));
+    for (size_t k = 0; k < K; ++k) {
+      out[k] = hn::DemoteTo(d, hn::Mul(y[k], hn::Set(dd, 0x1p-300)));
+    }
+    if (!hn::AllFalse(dd, open)) [[unlikely]] {
+      for (size_t k = 0; k < K; ++k) out[k] = InFull(d, a[k]);
+    }
+  }
+
+  template <class D, class V>
+  static HWY_NOINLINE V InFull(D d, V x) {
     using Wide = hn::Rebind<double, D>;
     const Wide dd;
     using W = VecOf<Wide>;
-    ErfcReduced<Wide> u[K];
-    W z[K], rest[K];
-    Pair<W> e[K];
-    for (size_t k = 0; k < K; ++k) {
-      // From 7 on the result is 1.
-      const W ax = hn::Abs(hn::Min(hn::PromoteTo(dd, x[k]), hn::Set(dd, 7.0)));
-      const W safe = hn::Add(ax, hn::Set(dd, 0x1p-200));
-      z[k] = hn::Mul(safe, hn::Set(dd, 0x1.6a09e667f3bcdp-1));  // 1/sqrt(2)
-      rest[k] = hn::Sub(TwoProduct(dd, safe, hn::Set(dd, 0x1.6a09e667f3bcdp-1)).lo,
-                        hn::Mul(safe, hn::Set(dd, 0x1.bdd3413b26456p-55)));
-    }
+    ErfcReduced<Wide> u[1];
+    Pair<W> e[1];
+    // From 7 on the result is 1.
+    const W wide = hn::PromoteTo(dd, x), ax = hn::Abs(hn::Min(wide, hn::Set(dd, 7.0)));
+    const W safe = hn::Add(ax, hn::Set(dd, 0x1p-200));
+    const Pair<W> p = TwoProduct(dd, safe, hn::Set(dd, 0x1.6a09e667f3bcdp-1));  // 1/sqrt(2)
+    const W z[1] = {p.hi};
+    const W rest[1] = {hn::Sub(p.lo, hn::Mul(safe, hn::Set(dd, 0x1.bdd3413b26456p-55)))};
     ErfcReduce<ErfcTier::kLA, true>(dd, z, rest, u);
     ErfcScaled<ErfcTier::kLA, true>(dd, u, e);
-    for (size_t k = 0; k < K; ++k) {
-      const W y = ErfcOrRest<ErfcTier::kLA, false>(dd, hn::PromoteTo(dd, x[k]), e[k], 2.0);
-      // An ulp away from 1/2, for next to 0 the result lies that close to the middle of two
-      // floats.
-      const W wide = hn::PromoteTo(dd, x[k]);
-      const W scale = hn::IfNegativeThenElse(wide, hn::Set(dd, 0x1.fffffffffffffp-302),
-                                             hn::Set(dd, 0x1.0000000000001p-301));
-      out[k] = hn::DemoteTo(d, hn::Mul(y, scale));
-    }
+    const W y = ErfcOrRest<ErfcTier::kLA, false>(dd, wide, e[0], 2.0);
+    // An ulp away from 1/2, for next to 0 the result lies that close to the middle of two floats.
+    const W scale = hn::IfNegativeThenElse(wide, hn::Set(dd, 0x1.fffffffffffffp-302),
+                                           hn::Set(dd, 0x1.0000000000001p-301));
+    return hn::DemoteTo(d, hn::Mul(y, scale));
   }
 };
 

@@ -48,29 +48,52 @@ struct sErfcShort : sErfcCommon<float> {
 
 // Correctly rounded for all floats.
 struct sErfcHA : sErfcCommon<double> {
-  // 2^-300 less 2^-52 of it: -0x1.d93ec4p-17 has its result so close to the middle of two floats
-  // that it came out on the other side; this shift sends no other float there.
-  static constexpr double kScale = 0x1.ffffffffffffep-301;
-  static constexpr int kUnroll = 6;
+  static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    const hn::Rebind<double, D> dd;
+    V a[K];
+    VecOf<hn::Rebind<double, D>> y[K];
+    for (size_t k = 0; k < K; ++k) a[k] = x[k];
+    Scaled<ErfcTier::kShort>(d, x, y);
+    auto open = RoundingInDoubt<13>(dd, y[0]);
+    for (size_t k = 1; k < K; ++k) open = hn::Or(open, RoundingInDoubt<13>(dd, y[k]));
+    for (size_t k = 0; k < K; ++k) {
+      out[k] = hn::DemoteTo(d, hn::Mul(y[k], hn::Set(dd, 0x1p-300)));
+    }
+    if (!hn::AllFalse(dd, open)) [[unlikely]] {
+      for (size_t k = 0; k < K; ++k) out[k] = InFull(d, a[k]);
+    }
+  }
+
+  // The result times 2^300.
+  template <ErfcTier kTier, class D, class V, class W, size_t K>
+  static HWY_INLINE void Scaled(D, const V (&x)[K], W (&y)[K]) {
     using Wide = hn::Rebind<double, D>;
     const Wide dd;
-    using W = VecOf<Wide>;
     ErfcReduced<Wide> u[K];
-    W z[K];
+    W wide[K], z[K];
     Pair<W> e[K];
     for (size_t k = 0; k < K; ++k) {
       // From -5 down the result is 2.
-      const W ax = hn::Abs(hn::Max(hn::PromoteTo(dd, x[k]), hn::Set(dd, -5.0)));
+      wide[k] = hn::PromoteTo(dd, x[k]);
+      const W ax = hn::Abs(hn::Max(wide[k], hn::Set(dd, -5.0)));
       z[k] = hn::Add(ax, hn::Set(dd, 0x1p-200));
     }
-    ErfcReduce<ErfcTier::kLA, false>(dd, z, z, u);
-    ErfcScaled<ErfcTier::kLA, false>(dd, u, e);
-    for (size_t k = 0; k < K; ++k) {
-      const W y = ErfcOrRest<ErfcTier::kLA, true>(dd, hn::PromoteTo(dd, x[k]), e[k], 2.0);
-      out[k] = hn::DemoteTo(d, hn::Mul(y, hn::Set(dd, kScale)));
-    }
+    ErfcReduce<kTier, false>(dd, z, z, u);
+    ErfcScaled<kTier, false>(dd, u, e);
+    for (size_t k = 0; k < K; ++k) y[k] = ErfcOrRest<kTier, true>(dd, wide[k], e[k], 2.0);
+  }
+
+  // By 2^-300 less 2^-52 of it: -0x1.d93ec4p-17 has its result so close to the middle of two floats
+  // that it came out on the other side; this shift sends no other float there.
+  template <class D, class V>
+  static HWY_NOINLINE V InFull(D d, V x) {
+    const hn::Rebind<double, D> dd;
+    const V in[1] = {x};
+    VecOf<hn::Rebind<double, D>> y[1];
+    Scaled<ErfcTier::kLA>(d, in, y);
+    return hn::DemoteTo(d, hn::Mul(y[0], hn::Set(dd, 0x1.ffffffffffffep-301)));
   }
 };
 

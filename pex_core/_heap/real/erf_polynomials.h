@@ -25,6 +25,12 @@ inline constexpr double kErfcMeanEP[] = {
     -0x1.0000000155c3ap-1, 0x1.5555435e8645p-3, -0x1.55553dfab8d01p-5, 0x1.1171c044bd44dp-7,
     -0x1.6c9e1d770d906p-10};
 
+// (F(x) - 1)/x for F(x) = (1 - e^-x)/x,
+// -7.2599999606609344482421875e-2 <= x <= 7.2599999606609344482421875e-2; absolute error 2^-35.1875.
+inline constexpr double kErfcMeanShort[] = {
+    -0x1.00000000007fdp-1, 0x1.5555551a244bcp-3, -0x1.55555508614ecp-5, 0x1.111c088a73948p-7,
+    -0x1.6c261bf7513f6p-10};
+
 // (y coth(y/2) - 2)/y^2 for x = y^2,
 // 9.5367431640625e-7 <= x <= 4.65000011026859283447265625e-2; absolute error 2^-37.4375.
 inline constexpr double kErfcRatio[] = {
@@ -34,6 +40,27 @@ inline constexpr double kErfcRatio[] = {
 // 9.5367431640625e-7 <= x <= 4.65000011026859283447265625e-2; absolute error 2^-49.1875.
 inline constexpr double kErfcRatioHA[] = {
     0x1.555555555551fp-3, -0x1.6c16c169cab46p-9, 0x1.15668cd38dabap-14, -0x1.bacd28e244b07p-20};
+
+// (F(x/2) - 1)/x for F(x) = (1 - e^-x)/x,
+// -0.301999986171722412109375 <= x <= 0.301999986171722412109375; absolute error 2^-51.5625.
+inline constexpr double kCdfNormMean[] = {
+    -0x1.ffffffffffff6p-3, 0x1.5555555555546p-5, -0x1.5555555571be7p-8, 0x1.111111112de5ap-11,
+    -0x1.6c16be5bdf92bp-15, 0x1.a019fdd055a55p-19, -0x1.a04fe74c3dbadp-23, 0x1.720f58339b8dep-27};
+
+// (F(x/2) - 1)/x for F(x) = (1 - e^-x)/x,
+// -0.1019999980926513671875 <= x <= 0.1019999980926513671875; absolute error 2^-30.65625.
+inline constexpr double kCdfNormMeanShort[] = {
+    -0x1.ffffffebd2242p-3, 0x1.5555553e457a7p-5, -0x1.555ce8dcf7c3ap-8, 0x1.11178f859d336p-11};
+
+// (F(x/2) - 1)/x for F(x) = (1 - e^-x)/x,
+// -0.301999986171722412109375 <= x <= 0.301999986171722412109375; absolute error 2^-24.375.
+inline constexpr double kCdfNormMeanEP[] = {
+    -0x1.fffff9f09d2c5p-3, 0x1.55554e68471a6p-5, -0x1.5597c56bafb77p-8, 0x1.114a038379e28p-11};
+
+// (y coth(y/2) - 2)/(2 y^2) for x = 4 y^2,
+// 9.5367431640625e-7 <= x <= 9.1200001537799835205078125e-2; absolute error 2^-41.5625.
+inline constexpr double kCdfNormRatio[] = {
+    0x1.555555554ff3bp-4, -0x1.6c16bd45e272bp-12, 0x1.1529feb6069f5p-19};
 
 // (erf(y)/y - 2/sqrt(pi))/y^2 for x = y^2,
 // 9.5367431640625e-7 <= x <= 6.350000202655792236328125e-2; absolute error 2^-56.

@@ -20,9 +20,10 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Rows of kBytes begin at these bytes of a table, from row numbers in the low 16 bits of each lane.
-// They go by memory: the loads that fetch them leave the vector units to the arithmetic.
-template <size_t kBytes, class D>
+// Rows of kBytes begin at these bytes, less kFirst, of a table, from row numbers in the low 16 bits
+// of each lane. They go by memory: the loads that fetch them leave the vector units to the
+// arithmetic.
+template <size_t kBytes, class D, size_t kFirst = 0>
 class RowOffsets {
  public:
   RowOffsets() = default;
@@ -30,13 +31,15 @@ class RowOffsets {
   // For an array of offsets: GCC moves what it assigns through registers, number by number.
   HWY_INLINE void Set(D d, BitsOf<D> j) {
     constexpr int kShift = std::countr_zero(kBytes);
-    const auto offset = hn::And(hn::ShiftLeft<kShift>(j), SetBits(d, 0xFFFF * kBytes));
+    SetBytes(hn::And(hn::ShiftLeft<kShift>(j), SetBits(d, 0xFFFF * kBytes)));
+  }
+  HWY_INLINE void SetBytes(BitsOf<D> offset) {
     hn::Store(offset, hn::RebindToSigned<D>(), at_);
     asm("" : "+m"(at_));
   }
-  HWY_INLINE size_t Byte(size_t lane) const { return static_cast<size_t>(at_[lane]); }
+  HWY_INLINE size_t Byte(size_t lane) const { return static_cast<size_t>(at_[lane]) - kFirst; }
   HWY_INLINE const double* Of(const double* table, size_t lane) const {
-    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(table) + at_[lane]);
+    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(table) + Byte(lane));
   }
 
  private:
@@ -118,8 +121,8 @@ struct Row4 {
   V a, b, c, d;
 };
 
-template <class D>
-HWY_INLINE Row4<VecOf<D>> LoadRows4(D, const double* rows, const RowOffsets<32, D>& j) {
+template <class D, size_t kFirst>
+HWY_INLINE Row4<VecOf<D>> LoadRows4(D, const double* rows, const RowOffsets<32, D, kFirst>& j) {
   using V = VecOf<D>;
 #if HWY_TARGET == HWY_AVX3
   const auto row = [&](size_t lane) HWY_ATTR { return _mm256_load_pd(j.Of(rows, lane)); };

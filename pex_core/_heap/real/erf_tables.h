@@ -29,7 +29,13 @@ extern const ErfcRow kErfcRows[kErfcRowCount];
 // the lower: the upper words of doubles.
 extern const uint64_t kErfcRests[kErfcRowCount];
 
-// The same in single precision, times 2^kErfcSingleScale.
+// Row j: the normal distribution function and its density at (j - kCdfNormFirst)/128, times
+// 2^kErfcScale.
+inline constexpr int kCdfNormFirst = 4816;
+inline constexpr int kCdfNormRowCount = kCdfNormFirst + 1089;
+extern const ErfcRow kCdfNormRows[kCdfNormRowCount];
+
+// Erfc in single precision, times 2^kErfcSingleScale.
 struct ErfcSingleRow {
   float value, slope;
 };

@@ -26,8 +26,8 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// How far the computation goes.
-enum class ErfcTier { kEP, kLA, kHA };
+// How far the computation goes: kShort's result is within 2^-41 for z up to 9.2.
+enum class ErfcTier { kEP, kShort, kLA, kHA };
 
 template <class D>
 struct ErfcReduced {
@@ -90,6 +90,15 @@ HWY_INLINE void ErfcMean(D d, const ErfcReduced<D> (&u)[K], V (&t)[K]) {
     for (size_t k = 0; k < K; ++k) {
       const V mean = hn::Add(hn::Set(d, 1.0), hn::Mul(w[k], t[k]));
       t[k] = hn::Add(mean, hn::Mul(mean, hn::Mul(u[k].v, hn::Set(d, 1.0 / 6))));
+    }
+    return;
+  }
+  if constexpr (kTier == ErfcTier::kShort) {
+    EvenOdd(d, w, w2, kErfcMeanShort, t);
+    for (size_t k = 0; k < K; ++k) {
+      const V ratio = hn::Sub(hn::Set(d, 1.0 / 6), hn::Mul(w2[k], hn::Set(d, 1.0 / 360)));
+      const V mean = hn::Add(hn::Set(d, 1.0), hn::Mul(w[k], t[k]));
+      t[k] = hn::Add(mean, hn::Mul(mean, hn::Mul(u[k].v, ratio)));
     }
     return;
   }

@@ -6,6 +6,9 @@
 //   y = +-v (1 - D(1/v)),
 // the logarithm that of log-inl.h, D by a table of polynomials too.
 
+#include <bit>
+#include <cstdint>
+
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/erf_rows-inl.h"
 #include "pex_core/_heap/real/erfinv_single_tables.h"
@@ -37,7 +40,7 @@ struct ErfInvArgument {
 };
 
 // The functions: x and q from their arguments, the rare arguments (poles, beyond them, subnormal
-// results or double arguments), the factor of y in the result.
+// results or double arguments), those beyond kErfInvFine, the factor of y in the result.
 struct InverseOfErf {
   static constexpr const auto& kRows = kErfcInvRows;
   static constexpr auto& kSingleLA = kErfcInvSingleLA;
@@ -52,6 +55,12 @@ struct InverseOfErf {
     template <class D>
     static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
       return Outside::Key(d, hn::Abs(x));
+    }
+  };
+  struct FineRarity : RareOutside<float, 0x0D800000, 0x3F7FFE00> {  // |x| in [2^-100, 1 - 2^-15]
+    template <class D>
+    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+      return RareOutside<float, 0x0D800000, 0x3F7FFE00>::Key(d, hn::Abs(x));
     }
   };
   template <class D, class V>
@@ -70,6 +79,7 @@ struct InverseOfErfc {
   struct Rarity
       : RareOutside<T, sizeof(T) == 8 ? 0x00100000 : 1, sizeof(T) == 8 ? 0x3FFFFFFF : 0x3FFFFFFF> {
   };
+  using FineRarity = RareOutside<float, 0x38000000, 0x3FFFFF00>;  // x in [2^-15, 2 - 2^-15]
   template <class D, class V>
   static HWY_INLINE ErfInvArgument<V> Split(D d, V a) {
     return {hn::Sub(hn::Set(d, 1.0), a), hn::Min(a, hn::Sub(hn::Set(d, 2.0), a))};
@@ -87,6 +97,7 @@ struct InverseOfCdfNorm {
   struct Rarity
       : RareOutside<T, sizeof(T) == 8 ? 0x00100000 : 1, sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F7FFFFF> {
   };
+  using FineRarity = RareOutside<float, 0x37800000, 0x3F7FFF00>;  // x in [2^-16, 1 - 2^-16]
   template <class D, class V>
   static HWY_INLINE ErfInvArgument<V> Split(D d, V a) {
     const V x = hn::Sub(a, hn::Set(d, 0.5)), q = hn::Min(a, hn::Sub(hn::Set(d, 1.0), a));
@@ -94,37 +105,29 @@ struct InverseOfCdfNorm {
   }
 };
 
-// The number of q's row in a table with 2^kBits rows to an octave.
-template <int kBits, class D, class V>
-HWY_INLINE BitsOf<D> ErfInvRowNumber(D d, V q) {
-  constexpr uint64_t kFirst = static_cast<uint64_t>(1023 - kErfInvOctaves) << kBits;
-  return hn::Sub(hn::ShiftRight<52 - kBits>(Bits(d, q)), SetBits(d, kFirst));
-}
-
-// What G is to be multiplied with.
-template <class D, class V>
-HWY_INLINE V ErfInvMultiplier(D d, const ErfInvArgument<V>& u, MaskOf<D> central, double factor) {
-  const V one = hn::CopySignToAbs(hn::Set(d, factor), u.x);
-  return hn::IfThenElse(central, factor == 1 ? u.x : hn::Mul(u.x, hn::Set(d, factor)), one);
-}
-
-// In EP.
-template <class Function, class D, class V, size_t K>
-HWY_INLINE void ErfInvShort(D d, const ErfInvArgument<V> (&u)[K], V (&y)[K]) {
-  using Offsets = RowOffsets<sizeof(kErfInvShort[0]), D>;
+// By cubics in q - (the beginning of its interval): `table` has kOctaves octaves of 2^kBits rows
+// and one for q = 1. x = 1 - q may be rounded.
+template <class Function, int kOctaves, int kBits, class D, class V, size_t K>
+HWY_INLINE void ErfInvCubic(D d, const double (*table)[4], const ErfInvArgument<V> (&u)[K],
+                            V (&y)[K]) {
+  constexpr uint64_t kRowBytes = sizeof(table[0]);
+  constexpr uint64_t kOctave = kRowBytes << kBits;  // the lowest bit of the exponent
+  constexpr uint64_t kOffset = 32 * kOctave - kRowBytes;
+  using Offsets = RowOffsets<kRowBytes, D, (1023 - kOctaves) % 32 * kOctave>;
   Offsets at[K];
-  for (size_t k = 0; k < K; ++k) at[k].Set(d, ErfInvRowNumber<kErfInvShortBits>(d, u[k].q));
   for (size_t k = 0; k < K; ++k) {
-    const auto row = LoadRows4(d, &kErfInvShort[0][0], at[k]);
-    constexpr int kRest = 52 - kErfInvShortBits;
-    const auto lower = hn::And(Bits(d, u[k].q), SetBits(d, -(uint64_t{1} << kRest)));
-    const auto middle = hn::Or(lower, SetBits(d, uint64_t{1} << (kRest - 1)));
-    const V t = hn::Sub(u[k].q, FromBits(d, middle));
-    const V t2 = hn::Mul(t, t);
-    const V g =
-        hn::Add(hn::Add(row.a, hn::Mul(row.b, t)), hn::Mul(t2, hn::Add(row.c, hn::Mul(row.d, t))));
-    const auto central = hn::Ge(u[k].q, hn::Set(d, 0.5));
-    y[k] = hn::Mul(ErfInvMultiplier(d, u[k], central, Function::kFactor), g);
+    constexpr int kShift = 53 - std::bit_width(kOctave);
+    at[k].SetBytes(hn::And(hn::ShiftRight<kShift>(Bits(d, u[k].q)), SetBits(d, kOffset)));
+  }
+  for (size_t k = 0; k < K; ++k) {
+    const auto row = LoadRows4(d, &table[0][0], at[k]);
+    const auto begin = hn::And(Bits(d, u[k].q), SetBits(d, -(uint64_t{1} << (52 - kBits))));
+    const V t = hn::Sub(u[k].q, FromBits(d, begin));
+    V g = hn::Add(row.c, hn::Mul(t, row.d));
+    g = hn::Add(row.b, hn::Mul(t, g));
+    g = hn::Add(row.a, hn::Mul(t, g));
+    const V m = Function::kFactor == 1 ? u[k].x : hn::Mul(u[k].x, hn::Set(d, Function::kFactor));
+    y[k] = hn::Mul(m, g);
   }
 }
 
@@ -137,7 +140,10 @@ HWY_INLINE void ErfInvFull(D d, const ErfInvArgument<V> (&u)[K], Pair<V> (&y)[K]
   V t[K], t2[K], p[K];
   Row4<V> first[K];
   MaskOf<D> central[K];
-  for (size_t k = 0; k < K; ++k) at[k].Set(d, ErfInvRowNumber<kErfInvBits>(d, u[k].q));
+  for (size_t k = 0; k < K; ++k) {
+    constexpr uint64_t kFirst = static_cast<uint64_t>(1023 - kErfInvOctaves) << kErfInvBits;
+    at[k].Set(d, hn::Sub(hn::ShiftRight<52 - kErfInvBits>(Bits(d, u[k].q)), SetBits(d, kFirst)));
+  }
   for (size_t k = 0; k < K; ++k) {
     first[k] = LoadRows4(d, &kRows[0][0][0], at[k]);
     central[k] = hn::Ge(u[k].q, hn::Set(d, 0.5));
@@ -156,7 +162,8 @@ HWY_INLINE void ErfInvFull(D d, const ErfInvArgument<V> (&u)[K], Pair<V> (&y)[K]
     p[k] = hn::Add(hn::Add(row.a, hn::Mul(row.b, t[k])), hn::Mul(t2[k], upper));
   }
   for (size_t k = 0; k < K; ++k) {
-    const V m = ErfInvMultiplier(d, u[k], central[k], 1);
+    const V unit = hn::CopySignToAbs(hn::Set(d, 1.0), u[k].x);
+    const V m = hn::IfThenElse(central[k], u[k].x, unit);
     if constexpr (kTier == ErfInvTier::kHA) {
       const Pair<V> linear = TwoProduct(d, first[k].d, t[k]);
       const Pair<V> sum = FastTwoSum(first[k].b, linear.hi);

@@ -30,7 +30,7 @@ HWY_INLINE void ErfInvAll(D d, const ErfInvArgument<V> (&u)[K], Pair<V> (&y)[K])
     ErfInvFull<Function, kTier>(d, served, y);
   } else {
     V r[K];
-    ErfInvShort<Function>(d, served, r);
+    ErfInvCubic<Function, kErfInvOctaves, kErfInvShortBits>(d, kErfInvShort, served, r);
     for (size_t k = 0; k < K; ++k) y[k].hi = r[k];
   }
   if (AnyTail(d, u)) [[unlikely]] {
@@ -60,8 +60,8 @@ struct dErfInvKernel : Kernel<double> {
 };
 
 template <class Function, int (*kRare)(const float*, float*)>
-struct sErfInvHAKernel : Kernel<float, double> {
-  static constexpr int kUnroll = 4;
+struct sErfInvInFull : Kernel<float, double> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 5 : 3;
   static constexpr float kHarmless = 0.5f;
   using Rarity = Function::template Rarity<float>;
   static HWY_INLINE int Rare(float x, float* r) { return kRare(&x, r); }
@@ -77,6 +77,42 @@ struct sErfInvHAKernel : Kernel<float, double> {
       const Pair<W> sum = FastTwoSum(y[k].hi, y[k].lo);
       out[k] = RoundPair(d, wide, sum.hi, sum.lo);
     }
+  }
+};
+
+// By cubics within 2^-38, in full where that leaves the rounding open.
+template <class Function, int (*kRare)(const float*, float*)>
+struct sErfInvHAKernel : Kernel<float, double> {
+  using Wide = sErfInvInFull<Function, kRare>;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 5 : 6;
+  static constexpr float kHarmless = 0.5f;
+  using Rarity = Function::FineRarity;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    const hn::Rebind<double, D> wide;
+    using W = VecOf<hn::Rebind<double, D>>;
+    ErfInvArgument<W> u[K];
+    W y[K];
+    V a[K];
+    for (size_t k = 0; k < K; ++k) {
+      a[k] = x[k];
+      u[k] = Function::Split(wide, hn::PromoteTo(wide, x[k]));
+    }
+    ErfInvCubic<Function, kErfInvFineOctaves, kErfInvFineBits>(wide, kErfInvFine, u, y);
+    auto open = RoundingInDoubt<15>(wide, y[0]);
+    for (size_t k = 1; k < K; ++k) open = hn::Or(open, RoundingInDoubt<15>(wide, y[k]));
+    for (size_t k = 0; k < K; ++k) out[k] = hn::DemoteTo(d, y[k]);
+    if (!hn::AllFalse(wide, open)) [[unlikely]] {
+      for (size_t k = 0; k < K; ++k) out[k] = InFull(d, a[k]);
+    }
+  }
+
+  template <class D, class V>
+  static HWY_NOINLINE V InFull(D d, V x) {
+    const V in[1] = {x};
+    V out[1];
+    Wide::MainGroup(d, in, out);
+    return out[0];
   }
 };
 

@@ -18,10 +18,16 @@ inline constexpr int kErfInvRowCount = (kErfInvOctaves << kErfInvBits) + 1;
 extern const double kErfcInvRows[3][kErfInvRowCount][4];
 extern const double kNormInvRows[3][kErfInvRowCount][4];
 
-// Coefficients 0 to 3 of G, within 2^-29.
+// Coefficients 0 to 3 of erfcinv(q)/(1 - q), in q - (the beginning of the interval), within 2^-29.
 inline constexpr int kErfInvShortBits = 5;
 inline constexpr int kErfInvShortCount = (kErfInvOctaves << kErfInvShortBits) + 1;
 extern const double kErfInvShort[kErfInvShortCount][4];
+
+// The same from 2^-15 on, within 2^-38.
+inline constexpr int kErfInvFineOctaves = 15;
+inline constexpr int kErfInvFineBits = 7;
+inline constexpr int kErfInvFineCount = (kErfInvFineOctaves << kErfInvFineBits) + 1;
+extern const double kErfInvFine[kErfInvFineCount][4];
 
 // Row j: the constant in two parts and coefficients 1 to 12, in s - (j + kErfInvTailFirst +
 // 1/2)/128, up to 1/256 in magnitude, of
