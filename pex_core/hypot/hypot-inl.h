@@ -63,6 +63,27 @@ struct HypotEP {
   template <class D, class V, size_t K>
   static HWY_INLINE void Root(D d, const V (&a)[K], const V (&b)[K], V (&s)[K], V (&)[K]) {
     for (size_t k = 0; k < K; ++k) s[k] = hn::Add(hn::Mul(a[k], a[k]), hn::Mul(b[k], b[k]));
+    RootOfSum(d, s);
+  }
+
+  // The same for 2^-256 to 2^256, where the squares are not all floats.
+  static constexpr int kWide = 9;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void RootWide(D d, const V (&a)[K], const V (&b)[K], V (&s)[K]) {
+    BitsOf<D> exponent[K];
+    for (size_t k = 0; k < K; ++k) {
+      const auto t = RootReduce(d, hn::Add(hn::Mul(a[k], a[k]), hn::Mul(b[k], b[k])));
+      s[k] = t.m;
+      exponent[k] = t.exponent;
+    }
+    RootOfSum(d, s);
+    for (size_t k = 0; k < K; ++k) {
+      s[k] = FromBits(d, hn::Add(Bits(d, s[k]), hn::ShiftRight<1>(exponent[k])));
+    }
+  }
+
+  template <class D, class V, size_t K>
+  static HWY_INLINE void RootOfSum(D d, V (&s)[K]) {
     const hn::Rebind<float, D> df;
     for (size_t k = 0; k < K; ++k) {
       const V f = hn::PromoteTo(d, hn::Sqrt(hn::DemoteTo(df, s[k])));
@@ -99,32 +120,40 @@ struct HypotKernel : PlainKernel<Element, 2> {
   using T = Element;
   using C = HypotConstants<T>;
 
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&a)[K], const V (&b)[K], V (&r)[K]) {
-    const auto shift = SetBits(d, C::Shift(Tier::kModerate));
-    const auto top = SetBits(d, C::UpperBits(Tier::kModerate));
+  // Whether all numbers have one of the 2^kBits exponents in the middle.
+  template <int kBits, class D, class V, size_t K>
+  static HWY_INLINE bool AllModerate(D d, const V (&a)[K], const V (&b)[K]) {
+    const auto shift = SetBits(d, C::Shift(kBits)), top = SetBits(d, C::UpperBits(kBits));
     auto all = top;
     for (size_t k = 0; k < K; ++k) {
       all = hn::And(all, hn::And(hn::Add(Bits(d, a[k]), shift), hn::Add(Bits(d, b[k]), shift)));
     }
+    return hn::AllTrue(hn::RebindToSigned<D>(), hn::Eq(all, top));
+  }
+
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&a)[K], const V (&b)[K], V (&r)[K]) {
     V c[K];
-    if (hn::AllTrue(hn::RebindToSigned<D>(), hn::Eq(all, top))) [[likely]] {
+    if (AllModerate<Tier::kModerate>(d, a, b)) [[likely]] {
       Tier::Root(d, a, b, r, c);
       if constexpr (Tier::kCorrected) {
         for (size_t k = 0; k < K; ++k) r[k] = hn::Add(r[k], c[k]);
       }
-    } else {
-      Scaled<D> x[K];
-      V m[K], n[K], s[K];
-      auto special = hn::Zero(hn::RebindToSigned<D>());
-      for (size_t k = 0; k < K; ++k) x[k] = ScaleDown(d, a[k], b[k], m[k], n[k], special);
-      Tier::Root(d, m, n, s, c);
-      const bool any =
-          !hn::AllTrue(hn::RebindToSigned<D>(), hn::Eq(special, hn::Zero(hn::RebindToSigned<D>())));
-      for (size_t k = 0; k < K; ++k) {
-        const V up = ScaleUp(d, x[k], s[k], c[k]);
-        r[k] = any ? Special(d, a[k], b[k], up) : up;
-      }
+      return;
+    }
+    if constexpr (requires { Tier::kWide; }) {
+      if (AllModerate<Tier::kWide>(d, a, b)) return Tier::RootWide(d, a, b, r);
+    }
+    Scaled<D> x[K];
+    V m[K], n[K], s[K];
+    auto special = hn::Zero(hn::RebindToSigned<D>());
+    for (size_t k = 0; k < K; ++k) x[k] = ScaleDown(d, a[k], b[k], m[k], n[k], special);
+    Tier::Root(d, m, n, s, c);
+    const bool any =
+        !hn::AllTrue(hn::RebindToSigned<D>(), hn::Eq(special, hn::Zero(hn::RebindToSigned<D>())));
+    for (size_t k = 0; k < K; ++k) {
+      const V up = ScaleUp(d, x[k], s[k], c[k]);
+      r[k] = any ? Special(d, a[k], b[k], up) : up;
     }
   }
 
