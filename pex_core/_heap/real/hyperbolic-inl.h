@@ -191,7 +191,7 @@ struct EighthSteps<float> {
 
 enum class Points {
   kRoughFromZero,  // as kRough, for tiny x too, whose product with the steps would underflow
-  kRough,          // the eighths of ln2 in one part: r is good to 2^-40 (single: 2^-18)
+  kRough,          // the eighths of ln2 in one part: r is good to 2^-29 (single: 2^-18)
   kPlain,          // the eighths, A and B rounded: good enough for their sum
   kLate,           // the points beside them, A and B exact, each point a little after its turn
   kAccurate,       // the same each in its turn
@@ -225,7 +225,13 @@ HWY_INLINE HyperbolicSplit<V> Split(D d, V x) {
   u.grow = FromBits(d, hn::Add(lookup(grow), n));
   u.decay = FromBits(d, hn::Sub(lookup(decay), n));
   if constexpr (kPoints == Points::kRough || kPoints == Points::kRoughFromZero) {
-    u.r = u.r_rest = hn::Sub(x, hn::Mul(kd, hn::Set(d, Steps::kHi + Steps::kLo)));
+    // In double precision the first part alone is good to 2^-29 for any k.
+    if constexpr (sizeof(hn::TFromD<D>) == 8) {
+      u.r = SubExactProduct(kd, hn::Set(d, Steps::kHi), x);
+    } else {
+      u.r = hn::Sub(x, hn::Mul(kd, hn::Set(d, Steps::kHi + Steps::kLo)));
+    }
+    u.r_rest = u.r;
   } else {
     V r0 = SubExactProduct(kd, hn::Set(d, Steps::kHi), x);
     if constexpr (kAccurate) r0 = hn::Sub(r0, lookup(Steps::kOffset));  // exact
