@@ -139,11 +139,18 @@ struct HypotKernel : PlainKernel<Element, 2> {
       if constexpr (Tier::kCorrected) {
         for (size_t k = 0; k < K; ++k) r[k] = hn::Add(r[k], c[k]);
       }
-      return;
+    } else {
+      OtherGroup(d, a, b, r);
     }
+  }
+
+  // The same where some number is not moderate.
+  template <class D, class V, size_t K>
+  static HWY_INLINE void OtherGroup(D d, const V (&a)[K], const V (&b)[K], V (&r)[K]) {
     if constexpr (requires { Tier::kWide; }) {
       if (AllModerate<Tier::kWide>(d, a, b)) return Tier::RootWide(d, a, b, r);
     }
+    V c[K];
     Scaled<D> x[K];
     V m[K], n[K], s[K];
     auto special = hn::Zero(hn::RebindToSigned<D>());
