@@ -57,6 +57,34 @@ HWY_INLINE void HornerInSteps(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N],
   }
 }
 
+// The polynomial of degree 6 with y = (x + c[0]) x + c[1], v = (x + c[2]) y + c[3] and the value
+// ((v + y + c[4]) v + c[5]) c[6] (Knuth): four multiplications instead of six. In steps of
+// all vectors.
+template <class D, class V, size_t K>
+HWY_INLINE void AdaptedSextic(D d, const V (&x)[K], const hn::TFromD<D> (&c)[7], V (&p)[K]) {
+  const auto term = [&](size_t i) HWY_ATTR { return hn::Set(d, c[i]); };
+  V y[K];
+  for (size_t k = 0; k < K; ++k) y[k] = hn::Add(x[k], term(0));
+  EndStep(y);
+  for (size_t k = 0; k < K; ++k) y[k] = hn::Mul(y[k], x[k]);
+  for (size_t k = 0; k < K; ++k) p[k] = hn::Add(x[k], term(2));
+  EndStep(y);
+  for (size_t k = 0; k < K; ++k) y[k] = hn::Add(y[k], term(1));
+  EndStep(y);
+  for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(p[k], y[k]);
+  for (size_t k = 0; k < K; ++k) y[k] = hn::Add(y[k], term(4));
+  EndStep(p);
+  for (size_t k = 0; k < K; ++k) p[k] = hn::Add(p[k], term(3));
+  EndStep(p);
+  for (size_t k = 0; k < K; ++k) y[k] = hn::Add(y[k], p[k]);
+  EndStep(y);
+  for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(y[k], p[k]);
+  EndStep(p);
+  for (size_t k = 0; k < K; ++k) p[k] = hn::Add(p[k], term(5));
+  EndStep(p);
+  for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(p[k], term(6));
+}
+
 // Pairs (c[0] + c[1] x) + x^2 ((c[2] + c[3] x) + x^2 ...): half the latency.
 template <class D, class V, size_t N>
 HWY_INLINE V EvenOdd(D d, V x, V x2, const hn::TFromD<D> (&c)[N]) {

@@ -26,23 +26,27 @@ struct sSinhEP : sSinhCommon<> {
     for (size_t k = 0; k < K; ++k) {
       const auto [grow, decay, r, rest] = Split<Points::kRoughFromZero>(d, hn::Abs(x[k]));
       const V a = hn::Sub(grow, decay), b = hn::Add(grow, decay);
-      const V half = hn::Mul(AboveUnderflow(d, r), hn::Set(d, 0.5f));
-      const V slope = hn::Add(b, hn::Mul(a, half));
+      const V slope = hn::Add(b, hn::Mul(hn::Mul(a, r), hn::Set(d, 0.5f)));
       out[k] = hn::CopySignToAbs(hn::Add(a, hn::Mul(r, slope)), x[k]);
     }
   }
 };
 
+// The same with sinh r a cubic. a = 0 for small arguments, and r is not tiny for others, so that a
+// r does not underflow.
 struct sSinhLA : sSinhCommon<> {
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     HyperbolicSplit<V> u[K];
-    for (size_t k = 0; k < K; ++k) u[k] = Split<Points::kLate>(d, hn::Abs(x[k]));
+    for (size_t k = 0; k < K; ++k) u[k] = Split<Points::kAccurateFromZero>(d, hn::Abs(x[k]));
     for (size_t k = 0; k < K; ++k) {
       const auto& [grow, decay, r, rest] = u[k];
       const V a = hn::Sub(grow, decay), b = hn::Add(grow, decay);
-      const V y = HyperbolicShortSum(d, a, b, r, AboveUnderflow(d, r), sSinhLatePolynomial[0]);
+      const V square = SquareBesideOne(d, r, sSinhPolynomial[0]);
+      const V bend = hn::Mul(hn::Mul(a, r), hn::Set(d, sCoshPolynomial[0]));
+      const V slope = hn::Add(b, hn::Add(hn::Mul(b, square), bend));
+      const V y = hn::Add(a, hn::Mul(r, slope));
       out[k] = hn::CopySignToAbs(y, x[k]);
     }
   }

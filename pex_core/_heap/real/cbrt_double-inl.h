@@ -1,6 +1,9 @@
 // Cube roots in double precision without division and without table: an estimate of 1/cbrt(|x|) by
 // an integer division of the bit pattern by 3, refined once to 14 bits and cut short, so that its
-// square is exact; the rest by a short polynomial of how far x z^3 is from 1.
+// square is exact; the rest by a short polynomial of how far x z^3 is from 1. EP does it from the
+// first estimate.
+
+#include <type_traits>
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/cbrt_polynomials.h"
@@ -77,7 +80,6 @@ HWY_INLINE V Cut(D d, V z) {
 // function of x z^3.
 struct CbrtForm {
   static constexpr bool kOdd = true;
-  static constexpr bool kRefineEP = true;  // EP's polynomial then is linear, else of degree 5
   static constexpr auto& kHA = pex::kCbrtHA;
   static constexpr auto& kLA = pex::kCbrtLA;
   static constexpr auto& kEP = pex::kCbrtEP;
@@ -101,7 +103,6 @@ struct CbrtForm {
 };
 
 struct InvCbrtForm {
-  static constexpr bool kRefineEP = false;
   static constexpr bool kOdd = true;
   static constexpr auto& kHA = pex::kInvCbrtHA;
   static constexpr auto& kLA = pex::kInvCbrtLA;
@@ -123,7 +124,6 @@ struct InvCbrtForm {
 };
 
 struct Pow2o3Form {
-  static constexpr bool kRefineEP = false;
   static constexpr bool kOdd = false;
   static constexpr auto& kHA = pex::kInvCbrtHA;
   static constexpr auto& kLA = pex::kInvCbrtLA;
@@ -163,14 +163,17 @@ HWY_INLINE void RootLA(D d, const V (&x)[K], V (&r)[K]) {
 }
 
 // Rounded to 27 bits, for which the polynomials leave just a cut, so that most roots of so few bits
-// come out exact. Cbrt 26.07 correct bits, InvCbrt 26.09, Pow2o3 26.03.
+// come out exact. Cbrt 26.57 correct bits, InvCbrt 26.09, Pow2o3 26.03.
 template <class Form, class D, class V, size_t K>
 HWY_INLINE void RootEP(D d, const V (&x)[K], V (&r)[K]) {
   V m[K], z[K], a[K], w[K], q[K];
   EstimateInvCbrt<Form>(d, x, m, z);
-  if constexpr (Form::kRefineEP) RefineInvCbrt(d, m, z);
   for (size_t k = 0; k < K; ++k) Form::Power(m[k], z[k], a[k], w[k]);
-  Horner(d, w, Form::kEP, q);
+  if constexpr (std::is_same_v<Form, CbrtForm>) {
+    AdaptedSextic(d, w, Form::kEP, q);
+  } else {
+    Horner(d, w, Form::kEP, q);
+  }
   for (size_t k = 0; k < K; ++k) {
     r[k] = Cut<27>(d, hn::Mul(a[k], q[k]));
   }

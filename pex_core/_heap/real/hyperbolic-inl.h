@@ -9,6 +9,7 @@
 // doubles (2^-31 of floats).
 
 #include <cstdint>
+#include <type_traits>
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/exp_single-inl.h"
@@ -83,6 +84,39 @@ HWY_INLINE V AboveUnderflow(D d, V x) {
   return hn::Add(x, hn::Set(d, sizeof(hn::TFromD<D>) == 8 ? 0x1p-300 : 0x1p-36f));
 }
 
+// AVX-512 multiplies floats without raising a flag. The products here are the same as those of the
+// other levels wherever what they lack matters.
+#if HWY_TARGET == HWY_AVX3
+template <class V>
+HWY_INLINE V SilentMul(V x, V y) {
+  return V{_mm512_mul_round_ps(x.raw, y.raw, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
+}
+template <class V>
+inline constexpr bool kHasSilentMul = std::is_same_v<decltype(V::raw), __m512>;
+#else
+template <class V>
+inline constexpr bool kHasSilentMul = false;
+#endif
+
+// x c for a step's number, x >= 0.
+template <class D, class V>
+HWY_INLINE V StepsFromZero(D d, V x, hn::TFromD<D> c) {
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (kHasSilentMul<V>) return SilentMul(x, hn::Set(d, c));
+#endif
+  return hn::Mul(AboveUnderflow(d, x), hn::Set(d, c));
+}
+
+// c r^2 of floats beside 1, r below 2^-28 only if it stands for itself. 2^-60 changes no other r.
+template <class D, class V>
+HWY_INLINE V SquareBesideOne(D d, V r, float c) {
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (kHasSilentMul<V>) return SilentMul(SilentMul(r, r), hn::Set(d, c));
+#endif
+  const V w = hn::Add(r, hn::Set(d, 0x1p-60f));
+  return hn::Mul(hn::Mul(w, w), hn::Set(d, c));
+}
+
 template <class D, class V>
 HWY_INLINE V SquareNearZero(D d, V r) {
   const V w = AboveUnderflow(d, r);
@@ -108,10 +142,15 @@ struct NearestStep {
 };
 
 template <class D, class V>
-HWY_INLINE NearestStep<D> ToNearestStep(D d, V x, hn::TFromD<D> steps) {
+HWY_INLINE NearestStep<D> ToNearestStep(D d, V steps) {
   const V shifter = hn::Set(d, sizeof(hn::TFromD<D>) == 8 ? 0x1.8p52 : 0x1.8p23f);
-  const V kf = hn::Add(hn::Mul(x, hn::Set(d, steps)), shifter);
+  const V kf = hn::Add(steps, shifter);
   return {Bits(d, kf), hn::Sub(kf, shifter)};
+}
+
+template <class D, class V>
+HWY_INLINE NearestStep<D> ToNearestStep(D d, V x, hn::TFromD<D> steps) {
+  return ToNearestStep(d, hn::Mul(x, hn::Set(d, steps)));
 }
 
 // ---- Cosh and sinh, 0 <= x < 704 or, in single precision, x < 86.5 ----
@@ -152,10 +191,11 @@ struct EighthSteps<float> {
 
 enum class Points {
   kRoughFromZero,  // as kRough, for tiny x too, whose product with the steps would underflow
-  kRough,          // the eighths of ln2 in one part: r is good to 2^-40 (single: 2^-18)
+  kRough,          // the eighths of ln2 in one part: r is good to 2^-29 (single: 2^-18)
   kPlain,          // the eighths, A and B rounded: good enough for their sum
   kLate,           // the points beside them, A and B exact, each point a little after its turn
-  kAccurate        // the same each in its turn
+  kAccurate,       // the same each in its turn
+  kAccurateFromZero
 };
 
 template <class V>
@@ -168,12 +208,16 @@ struct HyperbolicSplit {
 template <Points kPoints, class D, class V>
 HWY_INLINE HyperbolicSplit<V> Split(D d, V x) {
   using Steps = EighthSteps<hn::TFromD<D>>;
-  constexpr bool kAccurate = kPoints == Points::kAccurate || kPoints == Points::kLate;
+  constexpr bool kFromZero =
+      kPoints == Points::kRoughFromZero || kPoints == Points::kAccurateFromZero;
+  constexpr bool kAccurate = kPoints == Points::kAccurate || kPoints == Points::kLate ||
+                             kPoints == Points::kAccurateFromZero;
   HyperbolicSplit<V> u;
   V turn = x;
   if constexpr (kPoints == Points::kLate) turn = hn::Sub(x, hn::Set(d, Steps::kDelay));
-  if constexpr (kPoints == Points::kRoughFromZero) turn = AboveUnderflow(d, x);
-  const auto [k, kd] = ToNearestStep(d, turn, Steps::kPerUnit);
+  const V steps =
+      kFromZero ? StepsFromZero(d, x, Steps::kPerUnit) : hn::Mul(turn, hn::Set(d, Steps::kPerUnit));
+  const auto [k, kd] = ToNearestStep(d, steps);
   const typename Steps::template Lookup<D> lookup(k);
   const auto n = hn::ShiftLeft<Steps::kToExponent>(k);
   const auto& grow = kAccurate ? Steps::kGrow : Steps::kPlainGrow;
@@ -181,9 +225,15 @@ HWY_INLINE HyperbolicSplit<V> Split(D d, V x) {
   u.grow = FromBits(d, hn::Add(lookup(grow), n));
   u.decay = FromBits(d, hn::Sub(lookup(decay), n));
   if constexpr (kPoints == Points::kRough || kPoints == Points::kRoughFromZero) {
-    u.r = u.r_rest = hn::Sub(x, hn::Mul(kd, hn::Set(d, Steps::kHi + Steps::kLo)));
+    // In double precision the first part alone is good to 2^-29 for any k.
+    if constexpr (sizeof(hn::TFromD<D>) == 8) {
+      u.r = SubExactProduct(kd, hn::Set(d, Steps::kHi), x);
+    } else {
+      u.r = hn::Sub(x, hn::Mul(kd, hn::Set(d, Steps::kHi + Steps::kLo)));
+    }
+    u.r_rest = u.r;
   } else {
-    V r0 = hn::Sub(x, hn::Mul(kd, hn::Set(d, Steps::kHi)));
+    V r0 = SubExactProduct(kd, hn::Set(d, Steps::kHi), x);
     if constexpr (kAccurate) r0 = hn::Sub(r0, lookup(Steps::kOffset));  // exact
     const V r1 = hn::Mul(kd, hn::Set(d, Steps::kLo));
     u.r = hn::Sub(r0, r1);
@@ -309,7 +359,7 @@ HWY_INLINE TanhSplit<V> SplitForTanh(D d, V m) {
   const EighthLookup<D> lookup(k);
   const auto power = lookup(dHyperbolicTangentGrow);
   u.half_power = FromBits(d, hn::Add(power, hn::ShiftLeft<49>(k)));
-  const V h0 = hn::Sub(hn::Sub(m, hn::Mul(kd, hn::Set(d, kHi))),
+  const V h0 = hn::Sub(SubExactProduct(kd, hn::Set(d, kHi), m),
                        lookup(dHyperbolicTangentHalfOffset));  // exact
   const V h1 = hn::Mul(kd, hn::Set(d, kLo));
   u.h = hn::Sub(h0, h1);

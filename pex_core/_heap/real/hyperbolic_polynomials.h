@@ -45,10 +45,6 @@ inline constexpr float sCoshPolynomial[] = {
 inline constexpr float sSinhPolynomial[] = {
     0x1.555c5p-3f};
 
-// sinh x = x + p(x^2) x^3, |x| <= 6.2799997627735137939453125e-2; relative error 2^-25.40625.
-inline constexpr float sSinhLatePolynomial[] = {
-    0x1.55639cp-3f};
-
 // tanh x = x + p(x^2) x^3, |x| <= 0.19009999930858612060546875; relative error 2^-15.046875.
 inline constexpr float sTanhEPPolynomial[] = {
     -0x1.514bbp-2f};

@@ -1,0 +1,73 @@
+// Correctly rounded square roots of several vectors. Zen 4's root of eight doubles takes 16 cycles
+// of a unit beside which almost everything else runs, and iterations from the processor's estimate
+// of 1/sqrt take less than that; so half of the vectors go each way. Correct rounding leaves no
+// trace of the way, nor of the estimate, in which processors differ.
+
+#include "hwy/highway.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
+
+#if defined(PEX_CORE__HEAP_REAL_ROOT_CORRECT_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__HEAP_REAL_ROOT_CORRECT_INL_H_
+#undef PEX_CORE__HEAP_REAL_ROOT_CORRECT_INL_H_
+#else
+#define PEX_CORE__HEAP_REAL_ROOT_CORRECT_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+#if HWY_TARGET == HWY_AVX3
+// t becomes its correctly rounded root, for 2^-900 < t < 2^900 and y within 2^-14 of 1/sqrt(t).
+//
+// Goldschmidt's steps bring g near sqrt(t), h near 1/(2 sqrt(t)); the first one goes so far beyond
+// that its one-sided error of 3/8 e^2, e = 1 - t y^2, lies on both sides. Then g, once corrected,
+// is within 0.54 ulp and h within 2.6 2^-53, and the last step rounds a number that differs from
+// sqrt(t) by at most 3.1 c, c = ulp^2 / (2 sqrt(t)). Beside a middle between two numbers sqrt(t)
+// keeps a distance of (j - 1/4) c with an even j: only those of j = -2, 0 and 2 are near enough to
+// be rounded to the wrong side. These few t are known, and a test takes them and their neighbours
+// from every kind of y.
+template <class D, class V, size_t N>
+HWY_INLINE void RootsByEstimates(D d, V* HWY_RESTRICT t, V (&y)[N]) {
+  constexpr double kBeyond = 0.5 + 0x1.8p-29;
+  const V half = hn::Set(d, 0.5);
+  V g[N], h[N], r[N];
+  for (size_t k = 0; k < N; ++k) g[k] = hn::Mul(t[k], y[k]);
+  for (size_t k = 0; k < N; ++k) {  // half of it without the pipes of the multiplications
+    h[k] = FromBits(d, hn::Sub(Bits(d, y[k]), SetBits(d, uint64_t{1} << 52)));
+  }
+  for (size_t k = 0; k < N; ++k) r[k] = hn::NegMulAdd(g[k], h[k], hn::Set(d, kBeyond));
+  for (size_t k = 0; k < N; ++k) g[k] = hn::MulAdd(g[k], r[k], g[k]);
+  for (size_t k = 0; k < N; ++k) h[k] = hn::MulAdd(h[k], r[k], h[k]);
+  for (size_t k = 0; k < N; ++k) r[k] = hn::NegMulAdd(g[k], h[k], half);
+  for (size_t k = 0; k < N; ++k) h[k] = hn::MulAdd(h[k], r[k], h[k]);
+  for (size_t k = 0; k < N; ++k) r[k] = Remainder(d, t[k], g[k], g[k]);
+  for (size_t k = 0; k < N; ++k) g[k] = hn::MulAdd(r[k], h[k], g[k]);
+  for (size_t k = 0; k < N; ++k) r[k] = Remainder(d, t[k], g[k], g[k]);
+  for (size_t k = 0; k < N; ++k) t[k] = hn::MulAdd(r[k], h[k], g[k]);
+}
+#endif
+
+// t becomes its root, correctly rounded; for doubles 2^-900 < t < 2^900.
+template <class D, class V, size_t K>
+HWY_INLINE void Roots(D d, V (&t)[K]) {
+  constexpr bool kLong = sizeof(hn::TFromD<D>) == 8 && sizeof(V) == 64;  // AVX-512's doubles
+  constexpr size_t kEstimated = kLong && K >= 4 ? K / 2 : 0;
+  for (size_t k = kEstimated; k < K; ++k) t[k] = hn::Sqrt(t[k]);
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (kEstimated > 0) {
+    V y[kEstimated];
+    for (size_t k = 0; k < kEstimated; ++k) y[k] = V{_mm512_rsqrt14_pd(t[k].raw)};
+    RootsByEstimates(d, t, y);
+  }
+#else
+  (void)d;
+#endif
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__HEAP_REAL_ROOT_CORRECT_INL_H_
