@@ -45,7 +45,8 @@ struct sAcosLA : sAcosForLA<AsinDomain::kCommon> {
   using Wide = sAcosForLA<AsinDomain::kWhole>;
 };
 
-// In double precision, to 2^-52 or better. Correctly rounded for all floats.
+// In double precision, to 2^-52 or better, where no float is tiny. Correctly rounded for all
+// floats.
 struct sAcosHA : Kernel<float, double> {
   static constexpr int kUnroll = 4;
   using Rarity = AboveOne<float>;
@@ -58,7 +59,7 @@ struct sAcosHA : Kernel<float, double> {
     const hn::Rebind<double, D> wide;
     VecOf<decltype(wide)> v[K], w[K];
     for (size_t k = 0; k < K; ++k) v[k] = hn::PromoteTo(wide, x[k]);
-    PlainAcos<kAsinHA, AsinDomain::kWhole>(wide, v, w, kHalfPi);
+    PlainAcos<kAsinHA, AsinDomain::kCommon>(wide, v, w, kHalfPi);
     for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, w[k]);
   }
 };

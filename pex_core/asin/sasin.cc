@@ -45,7 +45,8 @@ struct sAsinLA : sAsinForLA<AsinDomain::kCommon> {
   using Wide = sAsinForLA<AsinDomain::kWhole>;
 };
 
-// In double precision, to 2^-52 or better. Correctly rounded for all floats.
+// In double precision, to 2^-52 or better, where no float is tiny. Correctly rounded for all
+// floats.
 struct sAsinHA : Kernel<float, double> {
   static constexpr int kUnroll = 4;
   using Rarity = AboveOne<float>;
@@ -55,7 +56,7 @@ struct sAsinHA : Kernel<float, double> {
     const hn::Rebind<double, D> wide;
     VecOf<decltype(wide)> v[K], w[K];
     for (size_t k = 0; k < K; ++k) v[k] = hn::PromoteTo(wide, x[k]);
-    PlainAsin<kAsinHA, AsinDomain::kWhole>(wide, v, w);
+    PlainAsin<kAsinHA, AsinDomain::kCommon>(wide, v, w);
     for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, w[k]);
   }
 };

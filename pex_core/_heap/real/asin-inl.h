@@ -50,6 +50,7 @@ struct AboveOneOrTiny {
   using Range = RareOutside<T, (sizeof(T) == 8 ? 0x31000000 : 0x31800000),
                             (sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F800000)>;
   static constexpr int64_t kLimit = Range::kLimit;
+  static constexpr T kTiny = sizeof(T) == 8 ? T(0x1p-239) : T(0x1p-28);
   template <class D>
   static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
     // From the pattern of -|x| to that of |x|, or for doubles to the one below it, and on.
@@ -75,7 +76,7 @@ struct AsinParts {
 template <AsinDomain kDomain, class D, class V>
 HWY_INLINE AsinParts<D> AsinReduce(D d, V x) {
   using T = hn::TFromD<D>;
-  constexpr T kTiny = sizeof(T) == 8 ? T(0x1p-30) : T(0x1p-14);
+  constexpr T kTiny = AboveOneOrTiny<T>::kTiny;
   const V minus = NegAbs(d, x), twice = hn::Add(minus, minus);
   const V rest = hn::Add(hn::Set(d, T(2)), twice);  // exact where it is used
   const V square = kDomain == AsinDomain::kCommon
