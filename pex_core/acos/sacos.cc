@@ -25,6 +25,7 @@ struct sAcosCommon<AsinDomain::kCommon> : sAcosCommon<AsinDomain::kWhole> {
 
 template <AsinDomain kDomain>
 struct sAcosForEP : sAcosCommon<kDomain> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 2 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     PlainAcos<kAsinSingleEP, kDomain>(d, x, r);

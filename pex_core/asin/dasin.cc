@@ -24,7 +24,7 @@ struct dAsinCommon<AsinDomain::kCommon> : dAsinCommon<AsinDomain::kWhole> {
 
 template <AsinDomain kDomain>
 struct dAsinForEP : dAsinCommon<kDomain> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : HWY_TARGET == HWY_AVX2 ? 2 : 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     PlainAsin<kAsinEP, kDomain>(d, x, r);

@@ -25,6 +25,7 @@ struct sAsinCommon<AsinDomain::kCommon> : sAsinCommon<AsinDomain::kWhole> {
 
 template <AsinDomain kDomain>
 struct sAsinForEP : sAsinCommon<kDomain> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 2 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     PlainAsin<kAsinSingleEP, kDomain>(d, x, r);

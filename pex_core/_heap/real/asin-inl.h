@@ -137,10 +137,10 @@ HWY_INLINE void EvenOddInSteps(D d, const V (&x)[K], const V (&x2)[K], V (&p)[K]
     EndStep(p);
     for (size_t k = 0; k < K; ++k) p[k] = hn::Add(hn::Mul(p[k], x2[k]), pair(i - 2, k));
   }
-  EndStep(p);
+  if constexpr (N > 2) EndStep(p);
 }
 
-// The parts and P(u) for all of a group.
+// The parts and P(u) for all of a group. Two coefficients need no steps.
 template <auto& c, AsinDomain kDomain, class D, class V, size_t K>
 HWY_INLINE void AsinReduce(D d, const V (&x)[K], AsinParts<D> (&r)[K], V (&p)[K]) {
   V u[K], u2[K];
@@ -149,14 +149,14 @@ HWY_INLINE void AsinReduce(D d, const V (&x)[K], AsinParts<D> (&r)[K], V (&p)[K]
     u[k] = r[k].u;
   }
 #if HWY_TARGET != HWY_AVX3
-  EndStep(u);
+  if constexpr (std::size(c) > 2) EndStep(u);
   for (size_t k = 0; k < K; ++k) r[k].u = u[k];
 #endif
   for (size_t k = 0; k < K; ++k) u2[k] = hn::Mul(u[k], u[k]);
 #if HWY_TARGET == HWY_AVX3
   SpreadEvenOdd<c>(d, u, u2, p);
 #else
-  EndStep(u2);
+  if constexpr (std::size(c) > 2) EndStep(u2);
   EvenOddInSteps<c>(d, u, u2, p);
 #endif
 }
