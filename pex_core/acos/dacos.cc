@@ -12,32 +12,49 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdAcos";
 
+template <AsinDomain kDomain>
 struct dAcosCommon : Kernel<double> {
   using Rarity = AboveOne<double>;
   static HWY_INLINE int Rare(double x, double* r) { return AsinRare(x, r); }
 };
+template <>
+struct dAcosCommon<AsinDomain::kCommon> : dAcosCommon<AsinDomain::kWhole> {
+  using Rarity = AboveOneOrTiny<double>;
+};
 
-struct dAcosEP : dAcosCommon {
+template <AsinDomain kDomain>
+struct dAcosForEP : dAcosCommon<kDomain> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : HWY_TARGET == HWY_AVX2 ? 2 : 3;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    PlainAcos<kAsinEP, kDomain>(d, x, r);
+  }
+};
+struct dAcosEP : dAcosForEP<AsinDomain::kCommon> {
+  using Wide = dAcosForEP<AsinDomain::kWhole>;
+};
+
+template <AsinDomain kDomain>
+struct dAcosForLA : dAcosCommon<kDomain> {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAcos<kAsinEP>(d, x, r);
+    PlainAcos<kAcosLA, kDomain>(d, x, r);
   }
 };
-
-struct dAcosLA : dAcosCommon {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAcos<kAsinLA>(d, x, r);
-  }
+struct dAcosLA : dAcosForLA<AsinDomain::kCommon> {
+  using Wide = dAcosForLA<AsinDomain::kWhole>;
 };
 
-struct dAcosHA : dAcosCommon {
+template <AsinDomain kDomain>
+struct dAcosForHA : dAcosCommon<kDomain> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    FullAcos(d, x, r);
+    FullAcos<kDomain>(d, x, r);
   }
+};
+struct dAcosHA : dAcosForHA<AsinDomain::kCommon> {
+  using Wide = dAcosForHA<AsinDomain::kWhole>;
 };
 
 PEX_UNARY(double, dAcos_26, dAcosEP)

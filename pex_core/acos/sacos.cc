@@ -12,27 +12,42 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsAcos";
 
+template <AsinDomain kDomain>
 struct sAcosCommon : Kernel<float> {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 3 : 4;
   using Rarity = AboveOne<float>;
   static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
 };
-
-struct sAcosEP : sAcosCommon {
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAcos<kAsinSingleEP>(d, x, r);
-  }
+template <>
+struct sAcosCommon<AsinDomain::kCommon> : sAcosCommon<AsinDomain::kWhole> {
+  using Rarity = AboveOneOrTiny<float>;
 };
 
-struct sAcosLA : sAcosCommon {
+template <AsinDomain kDomain>
+struct sAcosForEP : sAcosCommon<kDomain> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 2 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAcos<kAsinSingleLA>(d, x, r);
+    PlainAcos<kAsinSingleEP, kDomain>(d, x, r);
   }
 };
+struct sAcosEP : sAcosForEP<AsinDomain::kCommon> {
+  using Wide = sAcosForEP<AsinDomain::kWhole>;
+};
 
-// In double precision, to 2^-52 or better. Correctly rounded for all floats.
+template <AsinDomain kDomain>
+struct sAcosForLA : sAcosCommon<kDomain> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    PlainAcos<kAsinSingleLA, kDomain>(d, x, r);
+  }
+};
+struct sAcosLA : sAcosForLA<AsinDomain::kCommon> {
+  using Wide = sAcosForLA<AsinDomain::kWhole>;
+};
+
+// In double precision, to 2^-52 or better, where no float is tiny. Correctly rounded for all
+// floats.
 struct sAcosHA : Kernel<float, double> {
   static constexpr int kUnroll = 4;
   using Rarity = AboveOne<float>;
@@ -45,7 +60,7 @@ struct sAcosHA : Kernel<float, double> {
     const hn::Rebind<double, D> wide;
     VecOf<decltype(wide)> v[K], w[K];
     for (size_t k = 0; k < K; ++k) v[k] = hn::PromoteTo(wide, x[k]);
-    PlainAcos<kAsinHA>(wide, v, w, kHalfPi);
+    PlainAcos<kAsinHA, AsinDomain::kCommon>(wide, v, w, kHalfPi);
     for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, w[k]);
   }
 };

@@ -12,32 +12,49 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdAsin";
 
+template <AsinDomain kDomain>
 struct dAsinCommon : Kernel<double> {
   using Rarity = AboveOne<double>;
   static HWY_INLINE int Rare(double x, double* r) { return AsinRare(x, r); }
 };
-
-struct dAsinEP : dAsinCommon {
-  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 3 : 4;
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAsin<kAsinEP>(d, x, r);
-  }
+template <>
+struct dAsinCommon<AsinDomain::kCommon> : dAsinCommon<AsinDomain::kWhole> {
+  using Rarity = AboveOneOrTiny<double>;
 };
 
-struct dAsinLA : dAsinCommon {
-  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 3 : 4;
+template <AsinDomain kDomain>
+struct dAsinForEP : dAsinCommon<kDomain> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : HWY_TARGET == HWY_AVX2 ? 2 : 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAsin<kAsinLA>(d, x, r);
+    PlainAsin<kAsinEP, kDomain>(d, x, r);
   }
 };
+struct dAsinEP : dAsinForEP<AsinDomain::kCommon> {
+  using Wide = dAsinForEP<AsinDomain::kWhole>;
+};
 
-struct dAsinHA : dAsinCommon {
+template <AsinDomain kDomain>
+struct dAsinForLA : dAsinCommon<kDomain> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    FullAsin(d, x, r);
+    PlainAsin<kAsinLA, kDomain>(d, x, r);
   }
+};
+struct dAsinLA : dAsinForLA<AsinDomain::kCommon> {
+  using Wide = dAsinForLA<AsinDomain::kWhole>;
+};
+
+template <AsinDomain kDomain>
+struct dAsinForHA : dAsinCommon<kDomain> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    FullAsin<kDomain>(d, x, r);
+  }
+};
+struct dAsinHA : dAsinForHA<AsinDomain::kCommon> {
+  using Wide = dAsinForHA<AsinDomain::kWhole>;
 };
 
 PEX_UNARY(double, dAsin_26, dAsinEP)

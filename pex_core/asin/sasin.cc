@@ -12,27 +12,42 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsAsin";
 
+template <AsinDomain kDomain>
 struct sAsinCommon : Kernel<float> {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 3 : 4;
   using Rarity = AboveOne<float>;
   static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
 };
-
-struct sAsinEP : sAsinCommon {
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAsin<kAsinSingleEP>(d, x, r);
-  }
+template <>
+struct sAsinCommon<AsinDomain::kCommon> : sAsinCommon<AsinDomain::kWhole> {
+  using Rarity = AboveOneOrTiny<float>;
 };
 
-struct sAsinLA : sAsinCommon {
+template <AsinDomain kDomain>
+struct sAsinForEP : sAsinCommon<kDomain> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 2 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAsin<kAsinSingleLA>(d, x, r);
+    PlainAsin<kAsinSingleEP, kDomain>(d, x, r);
   }
 };
+struct sAsinEP : sAsinForEP<AsinDomain::kCommon> {
+  using Wide = sAsinForEP<AsinDomain::kWhole>;
+};
 
-// In double precision, to 2^-52 or better. Correctly rounded for all floats.
+template <AsinDomain kDomain>
+struct sAsinForLA : sAsinCommon<kDomain> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    PlainAsin<kAsinSingleLA, kDomain>(d, x, r);
+  }
+};
+struct sAsinLA : sAsinForLA<AsinDomain::kCommon> {
+  using Wide = sAsinForLA<AsinDomain::kWhole>;
+};
+
+// In double precision, to 2^-52 or better, where no float is tiny. Correctly rounded for all
+// floats.
 struct sAsinHA : Kernel<float, double> {
   static constexpr int kUnroll = 4;
   using Rarity = AboveOne<float>;
@@ -42,7 +57,7 @@ struct sAsinHA : Kernel<float, double> {
     const hn::Rebind<double, D> wide;
     VecOf<decltype(wide)> v[K], w[K];
     for (size_t k = 0; k < K; ++k) v[k] = hn::PromoteTo(wide, x[k]);
-    PlainAsin<kAsinHA>(wide, v, w);
+    PlainAsin<kAsinHA, AsinDomain::kCommon>(wide, v, w);
     for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, w[k]);
   }
 };

@@ -38,31 +38,57 @@ struct AboveOne : RareAbove<T, (sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F800000)> {
   }
 };
 
-// |x| beyond which it counts as large. Single precision has it where the arc cosine is just below
-// 1, so that the sums are rounded to the finer half, and pi/2 needs no second part.
-template <typename T>
-inline constexpr T kAsinSplit = sizeof(T) == 8 ? T(0.5) : T(0x1.14p-1);
-inline constexpr double kPi = 0x1.921fb54442d18p+1, kPiRest = 0x1.1a62633145c07p-53;
+// -|x|, which serves where |x| would, and whose bits the computation shares with the test below.
+template <class D, class V>
+HWY_INLINE V NegAbs(D d, V x) {
+  return hn::Or(x, hn::SignBit(d));
+}
 
-// What both functions are made of: |x|, the root s, u, and whether |x| is large. Where |x| is tiny
-// u is 0, so that no product underflows.
-template <class D>
-struct AsinParts {
-  VecOf<D> magnitude, root, u;
-  MaskOf<D> large;
+// Also |x| so small (single: below 2^-28, double: below 2^-239) that a product would underflow.
+template <typename T>
+struct AboveOneOrTiny {
+  using Range = RareOutside<T, (sizeof(T) == 8 ? 0x31000000 : 0x31800000),
+                            (sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F800000)>;
+  static constexpr int64_t kLimit = Range::kLimit;
+  static constexpr T kTiny = sizeof(T) == 8 ? T(0x1p-239) : T(0x1p-28);
+  template <class D>
+  static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+    // From the pattern of -|x| to that of |x|, or for doubles to the one below it, and on.
+    constexpr uint64_t kSum = sizeof(T) == 8
+                                  ? (static_cast<uint64_t>(Range::kShift + 0x80000000u) << 32) - 1
+                                  : Range::kShift + 0x80000000u;
+    return hn::Add(Bits(d, NegAbs(d, x)), SetBits(d, kSum));
+  }
 };
 
-template <class D, class V>
+inline constexpr double kPi = 0x1.921fb54442d18p+1, kPiRest = 0x1.1a62633145c07p-53;
+
+// Which arguments a kernel is for: the common ones, or tiny ones too.
+enum class AsinDomain { kCommon, kWhole };
+
+// What both functions are made of: rest = 2 (1 - |x|), its root s, and u. Tiny arguments have a u
+// of 0, so that no product underflows.
+template <class D>
+struct AsinParts {
+  VecOf<D> rest, root, u;
+};
+
+template <AsinDomain kDomain, class D, class V>
 HWY_INLINE AsinParts<D> AsinReduce(D d, V x) {
   using T = hn::TFromD<D>;
-  constexpr T kTiny = sizeof(T) == 8 ? T(0x1p-30) : T(0x1p-14);
-  const V a = hn::Abs(x), twice = hn::Add(a, a);
-  const V rest = hn::Sub(hn::Set(d, T(2)), twice);  // exact where it is used
-  const auto large = hn::Gt(a, hn::Set(d, kAsinSplit<T>));
-  const V square = SquareWhere(d, hn::Ge(a, hn::Set(d, kTiny)), twice);
-  // In double precision both are equal at the split, and either serves near it.
-  const V u = sizeof(T) == 8 ? hn::Min(rest, square) : hn::IfThenElse(large, rest, square);
-  return {a, hn::Sqrt(rest), u, large};
+  constexpr T kTiny = AboveOneOrTiny<T>::kTiny;
+  const V minus = NegAbs(d, x), twice = hn::Add(minus, minus);
+  const V rest = hn::Add(hn::Set(d, T(2)), twice);  // exact where it is used
+  const V square = kDomain == AsinDomain::kCommon
+                       ? hn::Mul(twice, twice)
+                       : SquareWhere(d, hn::Le(minus, hn::Set(d, -kTiny)), twice);
+  // Both are equal at |x| = 1/2.
+  return {rest, hn::Sqrt(rest), hn::Min(rest, square)};
+}
+
+template <class D, class V>
+HWY_INLINE MaskOf<D> IsLarge(D d, V x) {
+  return hn::Lt(NegAbs(d, x), hn::Set(d, hn::TFromD<D>(-0.5)));
 }
 
 // Coefficients as whole registers in memory: on AVX-512 a broadcast takes a place of the
@@ -97,58 +123,79 @@ HWY_INLINE void SpreadEvenOdd(D d, const V (&x)[K], const V (&x2)[K], V (&p)[K])
   }
 }
 
-// The parts and u P(u) for all of a group.
-template <auto& c, class D, class V, size_t K>
-HWY_INLINE void AsinReduce(D d, const V (&x)[K], AsinParts<D> (&r)[K], V (&up)[K]) {
-  V u[K];
+// EvenOdd in steps.
+template <auto& kC, class D, class V, size_t K>
+HWY_INLINE void EvenOddInSteps(D d, const V (&x)[K], const V (&x2)[K], V (&p)[K]) {
+  constexpr size_t N = std::size(kC);
+  constexpr size_t kTop = (N - 1) / 2 * 2;
+  const auto pair = [&](size_t i, size_t k) HWY_ATTR {
+    const V low = hn::Set(d, kC[i]);
+    return i + 1 < N ? hn::Add(hn::Mul(hn::Set(d, kC[i + 1]), x[k]), low) : low;
+  };
+  for (size_t k = 0; k < K; ++k) p[k] = pair(kTop, k);
+  for (size_t i = kTop; i >= 2; i -= 2) {
+    EndStep(p);
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Add(hn::Mul(p[k], x2[k]), pair(i - 2, k));
+  }
+  if constexpr (N > 2) EndStep(p);
+}
+
+// The parts and P(u) for all of a group. Two coefficients need no steps.
+template <auto& c, AsinDomain kDomain, class D, class V, size_t K>
+HWY_INLINE void AsinReduce(D d, const V (&x)[K], AsinParts<D> (&r)[K], V (&p)[K]) {
+  V u[K], u2[K];
   for (size_t k = 0; k < K; ++k) {
-    r[k] = AsinReduce(d, x[k]);
+    r[k] = AsinReduce<kDomain>(d, x[k]);
     u[k] = r[k].u;
   }
-  V u2[K];
+#if HWY_TARGET != HWY_AVX3
+  if constexpr (std::size(c) > 2) EndStep(u);
+  for (size_t k = 0; k < K; ++k) r[k].u = u[k];
+#endif
   for (size_t k = 0; k < K; ++k) u2[k] = hn::Mul(u[k], u[k]);
 #if HWY_TARGET == HWY_AVX3
-  SpreadEvenOdd<c>(d, u, u2, up);
+  SpreadEvenOdd<c>(d, u, u2, p);
 #else
-  EvenOdd(d, u, u2, c, up);
+  if constexpr (std::size(c) > 2) EndStep(u2);
+  EvenOddInSteps<c>(d, u, u2, p);
 #endif
-  for (size_t k = 0; k < K; ++k) up[k] = hn::Mul(u[k], up[k]);
 }
 
-// By plain sums: below 2 ulp with the coefficients of LA (1.74 seen, single 1.90).
-template <auto& c, class D, class V, size_t K>
+// acos(|x|) for large x, -asin(|x|) for others.
+template <class D, class V>
+HWY_INLINE V AsinSum(D d, MaskOf<D> large, V x, const AsinParts<D>& v, V p) {
+  const V lead = hn::IfThenElse(large, v.root, NegAbs(d, x));
+  return hn::Add(lead, hn::Mul(hn::Mul(lead, v.u), p));
+}
+
+// By plain sums: below 2 ulp with the coefficients of LA (Asin 1.76 seen, single 1.75, Acos 1.18
+// and 1.86).
+template <auto& c, AsinDomain kDomain, class D, class V, size_t K>
 HWY_INLINE void PlainAsin(D d, const V (&x)[K], V (&r)[K]) {
   using T = hn::TFromD<D>;
-  constexpr T kHalfPi = T(kPi / 2);
   AsinParts<D> v[K];
-  V up[K];
-  AsinReduce<c>(d, x, v, up);
+  V p[K];
+  AsinReduce<c, kDomain>(d, x, v, p);
   for (size_t k = 0; k < K; ++k) {
-    const auto large = v[k].large;
-    const V lead = hn::IfThenElse(large, v[k].root, v[k].magnitude);
-    V tail = hn::Mul(lead, up[k]);
-    if constexpr (sizeof(T) == 8) {
-      tail = hn::IfThenElse(large, hn::Sub(tail, hn::Set(d, kPiRest / 2)), tail);
-    }
-    const V sum = hn::Add(lead, tail);
-    const V turned = hn::Sub(hn::Set(d, kHalfPi), sum);
-    r[k] = hn::CopySignToAbs(hn::IfThenElse(large, turned, sum), x[k]);
+    const auto large = IsLarge(d, x[k]);
+    const V base = hn::IfThenElseZero(large, hn::Set(d, T(kPi / 2)));
+    r[k] = hn::CopySignToAbs(hn::Sub(base, AsinSum(d, large, x[k], v[k], p[k])), x[k]);
   }
 }
 
-template <auto& c, class D, class V, size_t K>
+template <auto& c, AsinDomain kDomain, class D, class V, size_t K>
 HWY_INLINE void PlainAcos(D d, const V (&x)[K], V (&r)[K],
                           hn::TFromD<D> half_pi = hn::TFromD<D>(kPi / 2)) {
   using T = hn::TFromD<D>;
   AsinParts<D> v[K];
-  V up[K];
-  AsinReduce<c>(d, x, v, up);
+  V p[K];
+  AsinReduce<c, kDomain>(d, x, v, p);
   for (size_t k = 0; k < K; ++k) {
-    const V lead = hn::IfThenElse(v[k].large, v[k].root, v[k].magnitude);
-    const V sum = hn::Add(lead, hn::Mul(lead, up[k]));
-    const V turned = hn::Xor(sum, hn::And(x[k], hn::SignBit(d)));
+    const auto large = IsLarge(d, x[k]);
+    const V sum = AsinSum(d, large, x[k], v[k], p[k]);
     const V left = hn::IfNegativeThenElse(x[k], hn::Set(d, T(kPi)), hn::Zero(d));
-    r[k] = hn::IfThenElse(v[k].large, hn::Add(left, turned), hn::Sub(hn::Set(d, half_pi), turned));
+    const V base = hn::IfThenElse(large, left, hn::Set(d, half_pi));
+    r[k] = hn::Add(base, hn::Xor(sum, hn::And(x[k], hn::SignBit(d))));
   }
 }
 
@@ -160,21 +207,12 @@ HWY_INLINE V AcosBase(D d, MaskOf<D> large, V x, hn::TFromD<D> pi) {
   return hn::IfThenElse(large, left, hn::Set(d, pi * T(0.5)));
 }
 
-// The leading term `part`, large or not, with its sign.
-template <class D, class V>
-HWY_INLINE V AcosLead(D d, MaskOf<D> large, V part_large, V part_small, V x) {
-  const V part = hn::IfThenElse(large, part_large, hn::Neg(part_small));
-  return hn::Xor(part, hn::And(x, hn::SignBit(d)));
-}
-
-// What the root lacks of sqrt(2 (1 - a)): its exact remainder over twice the root, by a division of
+// What the root lacks of sqrt(rest): its exact remainder over twice the root, by a division of
 // floats, both scaled by 2^60 so that none underflows.
 template <class D, class V>
-HWY_INLINE V RootRest(D d, V a, V root) {
+HWY_INLINE V RootRest(D d, V rest, V root) {
   const hn::Rebind<float, D> df;
-  const V rest = hn::Sub(hn::Set(d, 1.0), a);
-  const Pair<V> square = TwoProduct(d, root, root);
-  const V remainder = hn::Sub(hn::Sub(hn::Add(rest, rest), square.hi), square.lo);
+  const V remainder = Remainder(d, rest, root, root);
   const auto n = hn::DemoteTo(df, hn::Mul(remainder, hn::Set(d, 0x1p60)));
   // The lower bound is for a root of 0, and for the lanes of the register beyond the vector.
   const auto m = hn::Max(hn::DemoteTo(df, hn::Mul(root, hn::Set(d, 0x1p61))), hn::Set(df, 1.0f));
@@ -193,11 +231,11 @@ inline constexpr AsinHARest kAsinHARest = [] {
 
 // The parts and u P(u) as a pair: the product with c[0] exact, for it is up to a tenth of the
 // result.
-template <class D, class V, size_t K>
+template <AsinDomain kDomain, class D, class V, size_t K>
 HWY_INLINE void FullAsinReduce(D d, const V (&x)[K], AsinParts<D> (&r)[K], Pair<V> (&up)[K]) {
   V u[K], u2[K], p[K];
   for (size_t k = 0; k < K; ++k) {
-    r[k] = AsinReduce(d, x[k]);
+    r[k] = AsinReduce<kDomain>(d, x[k]);
     u[k] = r[k].u;
   }
   for (size_t k = 0; k < K; ++k) u2[k] = hn::Mul(u[k], u[k]);
@@ -211,7 +249,7 @@ HWY_INLINE void FullAsinReduce(D d, const V (&x)[K], AsinParts<D> (&r)[K], Pair<
 
 // base + lead (1 + up) for |base.hi| >= |lead.hi| or base = 0.
 template <class D, class V = VecOf<D>>
-HWY_INLINE V AsinSum(D d, Pair<VecOf<D>> base, Pair<VecOf<D>> lead, Pair<VecOf<D>> up) {
+HWY_INLINE V FullAsinSum(D d, Pair<VecOf<D>> base, Pair<VecOf<D>> lead, Pair<VecOf<D>> up) {
   const Pair<V> s = FastTwoSum(base.hi, lead.hi);
   const Pair<V> p = TwoProduct(d, lead.hi, up.hi);
   const Pair<V> q = FastTwoSum(s.hi, p.hi);
@@ -220,34 +258,35 @@ HWY_INLINE V AsinSum(D d, Pair<VecOf<D>> base, Pair<VecOf<D>> lead, Pair<VecOf<D
   return hn::Add(q.hi, hn::Add(q.lo, hn::Add(s.lo, low)));
 }
 
-template <class D, class V, size_t K>
+template <AsinDomain kDomain, class D, class V, size_t K>
 HWY_INLINE void FullAsin(D d, const V (&x)[K], V (&r)[K]) {
   AsinParts<D> v[K];
   Pair<V> up[K];
-  FullAsinReduce(d, x, v, up);
+  FullAsinReduce<kDomain>(d, x, v, up);
   for (size_t k = 0; k < K; ++k) {
-    const auto& [magnitude, root, u, large] = v[k];
-    const V zero = hn::Zero(d), root_rest = RootRest(d, magnitude, root);
-    const Pair<V> lead = {hn::IfThenElse(large, hn::Sub(zero, root), magnitude),
+    const V zero = hn::Zero(d), root_rest = RootRest(d, v[k].rest, v[k].root);
+    const auto large = IsLarge(d, x[k]);
+    const Pair<V> lead = {hn::Neg(hn::IfThenElse(large, v[k].root, NegAbs(d, x[k]))),
                           hn::IfThenElseZero(large, hn::Sub(zero, root_rest))};
     const Pair<V> base = {hn::IfThenElseZero(large, hn::Set(d, kPi / 2)),
                           hn::IfThenElseZero(large, hn::Set(d, kPiRest / 2))};
-    r[k] = hn::CopySignToAbs(AsinSum(d, base, lead, up[k]), x[k]);
+    r[k] = hn::CopySignToAbs(FullAsinSum(d, base, lead, up[k]), x[k]);
   }
 }
 
-template <class D, class V, size_t K>
+template <AsinDomain kDomain, class D, class V, size_t K>
 HWY_INLINE void FullAcos(D d, const V (&x)[K], V (&r)[K]) {
   AsinParts<D> v[K];
   Pair<V> up[K];
-  FullAsinReduce(d, x, v, up);
+  FullAsinReduce<kDomain>(d, x, v, up);
   for (size_t k = 0; k < K; ++k) {
-    const auto& [magnitude, root, u, large] = v[k];
-    const V root_rest = RootRest(d, magnitude, root);
-    const Pair<V> lead = {AcosLead(d, large, root, magnitude, x[k]),
-                          AcosLead(d, large, root_rest, hn::Zero(d), x[k])};
+    const V root_rest = RootRest(d, v[k].rest, v[k].root);
+    const auto large = IsLarge(d, x[k]);
+    const V sign = hn::And(x[k], hn::SignBit(d));
+    const Pair<V> lead = {hn::Xor(hn::IfThenElse(large, v[k].root, NegAbs(d, x[k])), sign),
+                          hn::Xor(hn::IfThenElseZero(large, root_rest), sign)};
     const Pair<V> base = {AcosBase(d, large, x[k], kPi), AcosBase(d, large, x[k], kPiRest)};
-    r[k] = AsinSum(d, base, lead, up[k]);
+    r[k] = FullAsinSum(d, base, lead, up[k]);
   }
 }
 

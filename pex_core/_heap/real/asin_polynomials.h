@@ -5,7 +5,7 @@
 
 namespace pex {
 
-// asin(x) = x (1 + c[0] u + c[1] u^2 ...) for u = 4 x^2, u up to 1, single 1.17.
+// asin(x) = x (1 + c[0] u + c[1] u^2 ...) for u = 4 x^2, u up to 1.
 
 // Error 2^-59.8125 of the whole.
 inline constexpr double kAsinHA[] = {
@@ -14,8 +14,14 @@ inline constexpr double kAsinHA[] = {
     0x1.6178650f6895fp-25, 0x1.e27f6641a8208p-29, 0x1.64a4dd069ba7bp-28, -0x1.596cfbf2af2c3p-30,
     0x1.0bb7b2f0e7644p-31};
 
-// Error 2^-55.8125 of the whole.
+// Error 2^-55.8125 of the whole, but for the bias.
 inline constexpr double kAsinLA[] = {
+    0x1.55555555552d2p-5, 0x1.33333333725aep-8, 0x1.6db6db4151c29p-11, 0x1.f1c72c7fe331ep-14,
+    0x1.6e89ee747a688p-16, 0x1.1c6c32662c783p-18, 0x1.c6f7dce9b5288p-21, 0x1.8ee800ddef47fp-23,
+    0x1.aa9b1d48d928ap-26, 0x1.40c084d389125p-26, -0x1.0b09435520ce1p-28, 0x1.05d4ad384320fp-29};
+
+// Error 2^-55.8125 of the whole.
+inline constexpr double kAcosLA[] = {
     0x1.5555555555387p-5, 0x1.333333336f87cp-8, 0x1.6db6db41d459ap-11, 0x1.f1c72c6d2536p-14,
     0x1.6e89ef7dd8c59p-16, 0x1.1c6c278083131p-18, 0x1.c6f8829f6097bp-21, 0x1.8ee485e5f3277p-23,
     0x1.aab4c9efb1596p-26, 0x1.40b11cbfed6cp-26, -0x1.0af3a02f9225dp-28, 0x1.05cdf04fb6092p-29};
@@ -25,14 +31,14 @@ inline constexpr double kAsinEP[] = {
     0x1.5555ca7415a2dp-5, 0x1.33014e6c24c95p-8, 0x1.748c639b1b28dp-11, 0x1.8ba26052d4a13p-14,
     0x1.59dac141c0f8cp-15};
 
-// Error 2^-26.28125 of the whole, but for the bias.
+// Error 2^-28.0625 of the whole, but for the bias.
 inline constexpr float kAsinSingleLA[] = {
-    0x1.5557e8p-5f, 0x1.329b84p-8f, 0x1.7c7608p-11f, 0x1.47164ep-14f,
-    0x1.8f1f06p-15f};
+    0x1.555752p-5f, 0x1.32ca82p-8f, 0x1.77eb1ap-11f, 0x1.730fccp-14f,
+    0x1.6aac9ap-15f};
 
-// Error 2^-13.90625 of the whole.
+// Error 2^-14.65625 of the whole.
 inline constexpr float kAsinSingleEP[] = {
-    0x1.509402p-5f, 0x1.93565p-8f};
+    0x1.52014cp-5f, 0x1.829128p-8f};
 
 }  // namespace pex
 
