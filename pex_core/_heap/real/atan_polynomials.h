@@ -57,13 +57,6 @@ inline constexpr double kAtanOctantLA[] = {
 inline constexpr double kAtanOctantEP[] = {
     -0x1.555546c0b4725p-2, 0x1.998b914968ac2p-3, -0x1.2275a7b79242bp-3, 0x1.85db4f6b5f259p-4};
 
-// The same for |t| <= 0.2801.
-
-// Error 2^-36.875 of the whole.
-inline constexpr double kAtanQuarterHA[] = {
-    -0x1.555555071f74dp-2, 0x1.999929f514d2dp-3, -0x1.247852bf906ecp-3, 0x1.c1ccc03e924afp-4,
-    -0x1.33eaee93580e1p-4};
-
 // The same for |t| <= 1.
 
 // Error 2^-31.375 of the whole.
