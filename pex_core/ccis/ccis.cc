@@ -45,7 +45,8 @@ struct CISInDouble {
   V turns;
   W y[2], y2[2], sine[2], cosine[2];
 
-  HWY_INLINE void Reduce(D d, V x) {
+  HWY_INLINE void Reduce(V x) {
+    const D d;
     const Half half;
     const Wide wide;
     const V rounder = hn::Set(d, 12582912.0f);
@@ -69,7 +70,8 @@ struct CISInDouble {
       cosine[k] = MulAddForFloat(y2[k], cosine[k], hn::Set(Wide(), 1.0));
     }
   }
-  HWY_INLINE Complex<V> Result(D d) const {
+  HWY_INLINE Complex<V> Result(V) const {
+    const D d;
     const Half half;
     const V sin_y = hn::Combine(d, hn::DemoteTo(half, sine[1]), hn::DemoteTo(half, sine[0]));
     const V cos_y = hn::Combine(d, hn::DemoteTo(half, cosine[1]), hn::DemoteTo(half, cosine[0]));
@@ -87,19 +89,10 @@ struct CISInDouble {
   }
 };
 
-// The parts of three vectors in turn: while one waits for the results of its steps, others are
-// computed.
-template <size_t kStep, class D, class V, size_t K>
-HWY_INLINE void CISSteps(D d, const V (&x)[K], CISInDouble<D> (&parts)[K], Complex<V> (&r)[K]) {
-  if constexpr (kStep < K) parts[kStep].Reduce(d, x[kStep]);
-  if constexpr (kStep >= 1 && kStep <= K) parts[kStep - 1].Evaluate();
-  if constexpr (kStep >= 2) r[kStep - 2] = parts[kStep - 2].Result(d);
-  if constexpr (kStep <= K) CISSteps<kStep + 1>(d, x, parts, r);
-}
 template <class D, class V, size_t K>
-HWY_INLINE void CISGroup(D d, const V (&x)[K], Complex<V> (&r)[K]) {
+HWY_INLINE void CISGroup(D, const V (&x)[K], Complex<V> (&r)[K]) {
   CISInDouble<D> parts[K];
-  CISSteps<0>(d, x, parts, r);
+  InTurn(parts, r, x);
 }
 
 // The lanes that the kernel below leaves: tiny ones, zeros, and up to all finite numbers.

@@ -79,7 +79,8 @@ struct Atan2InDouble {
   MaskOf<Wide> above[2], steep[2], negative[2];
   W t[2], angle[2];
 
-  HWY_INLINE void Reduce(D d, V y, V x) {
+  HWY_INLINE void Reduce(V y, V x) {
+    const D d;
     const Half half;
     const Wide wide;
     const auto ax = Bits(d, hn::Abs(x)), ay = Bits(d, hn::Abs(y));
@@ -111,7 +112,8 @@ struct Atan2InDouble {
                          hn::IfThenElseZero(above[k], hn::Set(wide, 0x1.0657e94db30d0p-1)));
     }
   }
-  HWY_INLINE V Result(D d, V y) const {
+  HWY_INLINE V Result(V y, V) const {
+    const D d;
     const Half half;
     const Wide wide;
     W r[2];
@@ -125,21 +127,11 @@ struct Atan2InDouble {
   }
 };
 
-template <size_t kStep, class D, class V, size_t K>
-HWY_INLINE void Atan2Steps(D d, const V (&y)[K], const V (&x)[K], Atan2InDouble<D> (&parts)[K],
-                           V (&r)[K]) {
-  if constexpr (kStep < K) parts[kStep].Reduce(d, y[kStep], x[kStep]);
-  if constexpr (kStep >= 1 && kStep <= K) parts[kStep - 1].Evaluate();
-  if constexpr (kStep >= 2) r[kStep - 2] = parts[kStep - 2].Result(d, y[kStep - 2]);
-  if constexpr (kStep <= K) Atan2Steps<kStep + 1>(d, y, x, parts, r);
-}
-
-// atan2(y, x) of floats, for all from 2^-125 on; one may be 0: below 0.5094 ulp. The parts of three
-// vectors in turn: while one waits for the results of its steps, others are computed.
+// atan2(y, x) of floats, for all from 2^-125 on; one may be 0: below 0.5094 ulp.
 template <class D, class V, size_t K>
-HWY_INLINE void SingleAtan2HA(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
+HWY_INLINE void SingleAtan2HA(D, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
   Atan2InDouble<D> parts[K];
-  Atan2Steps<0>(d, y, x, parts, r);
+  InTurn(parts, r, y, x);
 }
 
 }  // namespace pex::HWY_NAMESPACE
