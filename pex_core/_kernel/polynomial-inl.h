@@ -85,6 +85,17 @@ HWY_INLINE void AdaptedSextic(D d, const V (&x)[K], const hn::TFromD<D> (&c)[7],
   for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(p[k], term(6));
 }
 
+// Long computations of several vectors in three parts, three vectors in turn: while one waits for
+// the results of its part, others are computed. Each has a P, with Reduce(x...), Evaluate() and
+// Result(x...); the results may overwrite the x.
+template <size_t kStep = 0, class P, class R, size_t K, class... V>
+HWY_INLINE void InTurn(P (&parts)[K], R (&r)[K], const V (&... x)[K]) {
+  if constexpr (kStep < K) parts[kStep].Reduce(x[kStep]...);
+  if constexpr (kStep >= 1 && kStep <= K) parts[kStep - 1].Evaluate();
+  if constexpr (kStep >= 2) r[kStep - 2] = parts[kStep - 2].Result(x[kStep - 2]...);
+  if constexpr (kStep <= K) InTurn<kStep + 1>(parts, r, x...);
+}
+
 // Pairs (c[0] + c[1] x) + x^2 ((c[2] + c[3] x) + x^2 ...): half the latency.
 template <class D, class V, size_t N>
 HWY_INLINE V EvenOdd(D d, V x, V x2, const hn::TFromD<D> (&c)[N]) {

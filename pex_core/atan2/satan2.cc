@@ -40,13 +40,14 @@ struct sAtan2LA : sAtan2Common {
   }
 };
 
-// In double precision, for all finite numbers: below 0.50001 ulp.
-struct sAtan2HA : Kernel<float, double>, sAtan2WideDomain, sAtan2Rare {
+// In double precision, for all numbers from 2^-125 on: below 0.5094 ulp.
+struct sAtan2HA : Kernel<float>, sAtan2WideDomain, sAtan2Rare {
   static constexpr int kArguments = 2;
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = 8;
+  static constexpr int kRestUnroll = 2;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    Atan2InDouble(d, y, x, r);
+    SingleAtan2HA(d, y, x, r);
   }
 };
 

@@ -14,7 +14,7 @@ namespace pex::HWY_NAMESPACE {
 // one of them zero.
 struct cAbsKernel : ComplexKernel<float> {
   static constexpr bool kRealResult = true;
-  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 3 : 2;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : HWY_TARGET == HWY_AVX2 ? 2 : 3;
   static constexpr int32_t kLow = 0x26800000, kHigh = 0x5D7FFFFF;
   using Outside = Atan2Outside<float, kLow, kHigh>;
   template <class D, class V, size_t K>

@@ -15,29 +15,67 @@ inline constexpr double kSine[] = {-0.16666654612881793, 0.008332160761521766,
 inline constexpr double kCosine[] = {-0.5, 0.04166664568297557, -0.0013887316254360454,
                                      2.443315705834904e-05};
 
-// (cos x, sin x) for |x| from 2^-125 to 10000; of N pi/2 then all bits but the last few of the
-// second part are exact.
-template <class D, class V, size_t K>
-HWY_INLINE void CISInDouble(D d, const V (&x)[K], Complex<V> (&r)[K]) {
-  const hn::Rebind<double, D> wide;
-  using W = VecOf<decltype(wide)>;
-  V turns[K];
-  W y[K], y2[K], sine[K], cosine[K];
-  const V rounder = hn::Set(d, 12582912.0f);
-  for (size_t k = 0; k < K; ++k) {
-    turns[k] = hn::Add(hn::Mul(x[k], hn::Set(d, 0.63661975f)), rounder);
-    const W n = hn::PromoteTo(wide, hn::Sub(turns[k], rounder));
-    const W high =
-        SubExactProduct(n, hn::Set(wide, 0x1.921FB5444p+0), hn::PromoteTo(wide, x[k]));  // exact
-    y[k] = hn::Sub(high, hn::Mul(n, hn::Set(wide, 0x1.68C234C4C6629p-39)));
+// a * b + c, fused where there is such an operation. The results of CIS are rounded to floats, and
+// of none of the floats that are its argument do they show how often a step was rounded: a test
+// goes through all of them.
+template <class V>
+HWY_INLINE V MulAddForFloat(V a, V b, V c) {
+#if HWY_TARGET == HWY_SSE4
+  return hn::Add(hn::Mul(a, b), c);
+#else
+  return hn::MulAdd(a, b, c);
+#endif
+}
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void HornerForFloat(D d, const V (&x)[K], const double (&c)[N], V (&p)[K]) {
+  for (size_t k = 0; k < K; ++k) p[k] = hn::Set(d, c[N - 1]);
+  for (size_t i = N - 1; i-- > 0;) {
+    for (size_t k = 0; k < K; ++k) p[k] = MulAddForFloat(p[k], x[k], hn::Set(d, c[i]));
   }
-  for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(y[k], y[k]);
-  Horner(wide, y2, kSine, sine);
-  Horner(wide, y2, kCosine, cosine);
-  for (size_t k = 0; k < K; ++k) {
-    const V sin_y = hn::DemoteTo(d, hn::Add(y[k], hn::Mul(hn::Mul(y[k], y2[k]), sine[k])));
-    const V cos_y = hn::DemoteTo(d, hn::Add(hn::Set(wide, 1.0), hn::Mul(y2[k], cosine[k])));
-    const auto quadrant = Bits(d, turns[k]), next = hn::Add(quadrant, SetBits(d, 1));
+}
+
+// (cos x, sin x) of one vector in three parts, for |x| from 2^-125 to 10000; of N pi/2 then all
+// bits but the last few of the second part are exact.
+template <class D>
+struct CISInDouble {
+  using V = VecOf<D>;
+  using Half = hn::Half<D>;
+  using Wide = hn::Rebind<double, Half>;
+  using W = VecOf<Wide>;
+  V turns;
+  W y[2], y2[2], sine[2], cosine[2];
+
+  HWY_INLINE void Reduce(V x) {
+    const D d;
+    const Half half;
+    const Wide wide;
+    const V rounder = hn::Set(d, 12582912.0f);
+    turns = hn::Add(hn::Mul(x, hn::Set(d, 0.63661975f)), rounder);
+    const V n = hn::Sub(turns, rounder);
+    const W ns[] = {hn::PromoteTo(wide, hn::LowerHalf(half, n)),
+                    hn::PromoteTo(wide, hn::UpperHalf(half, n))};
+    const W xs[] = {hn::PromoteTo(wide, hn::LowerHalf(half, x)),
+                    hn::PromoteTo(wide, hn::UpperHalf(half, x))};
+    for (size_t k = 0; k < 2; ++k) {
+      const W high = SubExactProduct(ns[k], hn::Set(wide, 0x1.921FB5444p+0), xs[k]);  // exact
+      y[k] = MulAddForFloat(ns[k], hn::Set(wide, -0x1.68C234C4C6629p-39), high);
+      y2[k] = hn::Mul(y[k], y[k]);
+    }
+  }
+  HWY_INLINE void Evaluate() {
+    HornerForFloat(Wide(), y2, kSine, sine);
+    HornerForFloat(Wide(), y2, kCosine, cosine);
+    for (size_t k = 0; k < 2; ++k) {
+      sine[k] = MulAddForFloat(hn::Mul(y[k], y2[k]), sine[k], y[k]);
+      cosine[k] = MulAddForFloat(y2[k], cosine[k], hn::Set(Wide(), 1.0));
+    }
+  }
+  HWY_INLINE Complex<V> Result(V) const {
+    const D d;
+    const Half half;
+    const V sin_y = hn::Combine(d, hn::DemoteTo(half, sine[1]), hn::DemoteTo(half, sine[0]));
+    const V cos_y = hn::Combine(d, hn::DemoteTo(half, cosine[1]), hn::DemoteTo(half, cosine[0]));
+    const auto quadrant = Bits(d, turns), next = hn::Add(quadrant, SetBits(d, 1));
 #if HWY_TARGET == HWY_AVX3
     const auto odd = hn::RebindMask(d, hn::TestBit(quadrant, SetBits(d, 1)));
 #else
@@ -46,13 +84,24 @@ HWY_INLINE void CISInDouble(D d, const V (&x)[K], Complex<V> (&r)[K]) {
     const auto flipped = [d](V v, BitsOf<D> turn) HWY_ATTR {
       return hn::Xor(v, hn::And(FromBits(d, hn::ShiftLeft<30>(turn)), hn::SignBit(d)));
     };
-    r[k] = {flipped(hn::IfThenElse(odd, sin_y, cos_y), next),
+    return {flipped(hn::IfThenElse(odd, sin_y, cos_y), next),
             flipped(hn::IfThenElse(odd, cos_y, sin_y), quadrant)};
   }
+};
+
+template <class D, class V, size_t K>
+HWY_INLINE void CISGroup(D, const V (&x)[K], Complex<V> (&r)[K]) {
+  CISInDouble<D> parts[K];
+  InTurn(parts, r, x);
 }
 
 // The lanes that the kernel below leaves: tiny ones, zeros, and up to all finite numbers.
-struct cCISWide : WideCIS<float> {
+struct cCISWide : ComplexKernel<float> {
+  static constexpr bool kRealArgument = true;
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
+    return WideCIS<float>::IsRare(d, x);
+  }
   template <class D, class V>
   static HWY_INLINE void Main(D d, V x, Complex<V>& r) {
     using Range = RareAbove<float, 0x461C4000>;
@@ -61,19 +110,25 @@ struct cCISWide : WideCIS<float> {
     const V harmless = hn::Set(d, kHarmless);
     const V in[1] = {hn::IfThenElse(hn::Or(large, tiny), harmless, x)};
     Complex<V> common[1];
-    CISInDouble(d, in, common);
+    CISGroup(d, in, common);
     r = {hn::IfThenElse(tiny, hn::Set(d, 1.0f), common[0].re),
          hn::IfThenElse(tiny, x, common[0].im)};
     if (hn::AllFalse(d, large)) return;
-    Complex<V> wide;
-    WideCIS<float>::Main(d, hn::IfThenElse(large, x, harmless), wide);
-    r = {hn::IfThenElse(large, wide.re, r.re), hn::IfThenElse(large, wide.im, r.im)};
+    const hn::Half<D> half;
+    using H = VecOf<decltype(half)>;
+    const V reduced = hn::IfThenElse(large, x, harmless);
+    Complex<H> low, high;
+    WideCIS<float>::Main(half, hn::LowerHalf(half, reduced), low);
+    WideCIS<float>::Main(half, hn::UpperHalf(half, reduced), high);
+    r = {hn::IfThenElse(large, hn::Combine(d, high.re, low.re), r.re),
+         hn::IfThenElse(large, hn::Combine(d, high.im, low.im), r.im)};
   }
+  static Complex<float> Rare(float x) { return WideCIS<float>::Rare(x); }
 };
 
 // Common lanes have the 128 exponents from 2^-115 below 2^13: less the first of them, they have
 // only the lower 7 bits.
-struct cCISKernel : ComplexKernel<float, double> {
+struct cCISKernel : ComplexKernel<float> {
   static constexpr bool kRealArgument = true;
   static constexpr int kUnroll = 8;
   using Wide = cCISWide;
@@ -95,7 +150,7 @@ struct cCISKernel : ComplexKernel<float, double> {
   }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], Complex<V> (&r)[K]) {
-    CISInDouble(d, x, r);
+    CISGroup(d, x, r);
   }
 };
 

@@ -152,6 +152,32 @@ TEST(Formulas, SingleCIS) {
   }
 }
 
+// The levels that have fused operations take them for the steps in double precision: for none of
+// the floats that go through these steps does it show in the results.
+TEST(Formulas, SingleCISOfAllFloatsOnEveryLevel) {
+  constexpr uint32_t kFirst = std::bit_cast<uint32_t>(0x1p-13f);
+  constexpr uint32_t kEnd = std::bit_cast<uint32_t>(10000.0f) + 1;
+  constexpr uint32_t kBlock = 1 << 18;
+  std::vector<float> x(kBlock);
+  std::vector<C8> expected(kBlock), r(kBlock);
+  for (uint32_t first = kFirst; first < kEnd; first += kBlock) {
+    const uint32_t n = std::min(kBlock, kEnd - first);
+    for (uint32_t i = 0; i < n; ++i) x[i] = std::bit_cast<float>(first + i);
+    for (const Level& level : kLevels) {
+      if (!ProcessorHas(level)) continue;
+      const UseLevel use(level);
+      auto& to = &level == kLevels ? expected : r;
+      _pexcCIS_HA(static_cast<int>(n), x.data(), to.data());
+      if (&level == kLevels || std::memcmp(r.data(), expected.data(), n * sizeof(C8)) == 0)
+        continue;
+      for (uint32_t i = 0; i < n; ++i) {
+        ASSERT_EQ(r[i].re, expected[i].re) << x[i] << " on " << level.name;
+        ASSERT_EQ(r[i].im, expected[i].im) << x[i] << " on " << level.name;
+      }
+    }
+  }
+}
+
 // Entries that are one computation under several names.
 TEST(OneComputation, UnderSeveralNames) {
   struct Names {

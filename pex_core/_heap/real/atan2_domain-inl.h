@@ -44,19 +44,95 @@ struct Atan2Outside {
 using Atan2Domain = Atan2Outside<double, 0x23D00000, 0x5C0FFFFF>;
 using Atan2NarrowDomain = Atan2Outside<double, 0x30500000, 0x4F8FFFFF>;  // 2^-250 to 2^250
 using sAtan2Domain = Atan2Outside<float, 0x21800000, 0x5D7FFFFF>;
-using sAtan2WideDomain = Atan2Outside<float, 0x00000001, 0x7F7FFFFF>;  // all finite numbers
+using sAtan2WideDomain = Atan2Outside<float, 0x01000000, 0x7F7FFFFF>;  // from 2^-125 on
 
-// atan2(y, x) of floats in double precision, for all finite numbers: below 0.50001 ulp.
-template <class D, class V, size_t K>
-HWY_INLINE void Atan2InDouble(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-  const hn::Rebind<double, D> wide;
-  VecOf<decltype(wide)> u[K], v[K], w[K];
-  for (size_t k = 0; k < K; ++k) {
-    u[k] = hn::PromoteTo(wide, y[k]);
-    v[k] = hn::PromoteTo(wide, x[k]);
+// A mask of floats for their lower or upper half as doubles.
+template <bool kUpper, class D, class Half = hn::Half<D>, class Wide = hn::Rebind<double, Half>>
+HWY_INLINE MaskOf<Wide> WideMask(D d, MaskOf<D> mask) {
+#if HWY_TARGET == HWY_AVX3
+  (void)d;
+  using Raw = decltype(MaskOf<Wide>::raw);
+  return {static_cast<Raw>(mask.raw >> (kUpper ? hn::MaxLanes(Half()) : 0))};
+#else
+  const auto lanes = Bits(d, hn::VecFromMask(d, mask));
+  const hn::RebindToSigned<Half> from;
+  const hn::RebindToSigned<Wide> to;
+  const auto half = [&] {
+    if constexpr (kUpper) {
+      return hn::UpperHalf(from, lanes);
+    } else {
+      return hn::LowerHalf(from, lanes);
+    }
+  }();
+  return hn::MaskFromVec(hn::BitCast(Wide(), hn::PromoteTo(to, half)));
+#endif
+}
+
+// atan2(y, x) of one vector of floats in double precision, in three parts. Of |x| and |y| the
+// larger one is l, the smaller one s; atan(s/l) = atan(c) + atan(t), t = (s - c l)/(l + c s),
+// |t| < 0.2801, with c = 9/16 above a quarter and 0 below.
+template <class D>
+struct Atan2InDouble {
+  using V = VecOf<D>;
+  using Half = hn::Half<D>;
+  using Wide = hn::Rebind<double, Half>;
+  using W = VecOf<Wide>;
+  MaskOf<Wide> above[2], steep[2], negative[2];
+  W t[2], angle[2];
+
+  HWY_INLINE void Reduce(V y, V x) {
+    const D d;
+    const Half half;
+    const Wide wide;
+    const auto ax = Bits(d, hn::Abs(x)), ay = Bits(d, hn::Abs(y));
+    const auto larger = hn::Max(ax, ay), smaller = hn::Min(ax, ay);
+    // By the patterns: the bound lies between 0.2577 and 0.2651.
+    const auto near = hn::RebindMask(d, hn::Lt(hn::Sub(larger, smaller), SetBits(d, 0xF851EC)));
+    const auto beyond = hn::RebindMask(d, hn::Gt(ay, ax));
+    const auto minus = hn::RebindMask(d, hn::Lt(Bits(d, x), SetBits(d, 0)));
+    above[0] = WideMask<false>(d, near), above[1] = WideMask<true>(d, near);
+    steep[0] = WideMask<false>(d, beyond), steep[1] = WideMask<true>(d, beyond);
+    negative[0] = WideMask<false>(d, minus), negative[1] = WideMask<true>(d, minus);
+    const V l = FromBits(d, larger), s = FromBits(d, smaller);
+    const W ls[] = {hn::PromoteTo(wide, hn::LowerHalf(half, l)),
+                    hn::PromoteTo(wide, hn::UpperHalf(half, l))};
+    const W ss[] = {hn::PromoteTo(wide, hn::LowerHalf(half, s)),
+                    hn::PromoteTo(wide, hn::UpperHalf(half, s))};
+    for (size_t k = 0; k < 2; ++k) {
+      const W c = hn::IfThenElseZero(above[k], hn::Set(wide, 0.5625));
+      t[k] = hn::Div(SubExactProduct(c, ls[k], ss[k]), AddExactProduct(c, ss[k], ls[k]));
+    }
   }
-  PlainAtan2(wide, u, v, kAtan2LA, w);
-  for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, w[k]);
+  HWY_INLINE void Evaluate() {
+    const Wide wide;
+    W z[2], p[2];
+    for (size_t k = 0; k < 2; ++k) z[k] = hn::Mul(t[k], t[k]);
+    Horner(wide, z, kAtanOctantEP, p);
+    for (size_t k = 0; k < 2; ++k) {
+      angle[k] = hn::Add(hn::Add(t[k], hn::Mul(hn::Mul(t[k], z[k]), p[k])),
+                         hn::IfThenElseZero(above[k], hn::Set(wide, 0x1.0657e94db30d0p-1)));
+    }
+  }
+  HWY_INLINE V Result(V y, V) const {
+    const D d;
+    const Half half;
+    const Wide wide;
+    W r[2];
+    for (size_t k = 0; k < 2; ++k) {
+      const W acute = hn::IfThenElse(
+          steep[k], hn::Sub(hn::Set(wide, 0x1.921fb54442d18p+0), angle[k]), angle[k]);
+      r[k] =
+          hn::IfThenElse(negative[k], hn::Sub(hn::Set(wide, 0x1.921fb54442d18p+1), acute), acute);
+    }
+    return hn::CopySignToAbs(hn::Combine(d, hn::DemoteTo(half, r[1]), hn::DemoteTo(half, r[0])), y);
+  }
+};
+
+// atan2(y, x) of floats, for all from 2^-125 on; one may be 0: below 0.5094 ulp.
+template <class D, class V, size_t K>
+HWY_INLINE void SingleAtan2HA(D, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
+  Atan2InDouble<D> parts[K];
+  InTurn(parts, r, y, x);
 }
 
 }  // namespace pex::HWY_NAMESPACE
