@@ -199,9 +199,10 @@ struct HypotKernel : PlainKernel<Element, 2> {
     x.power = hn::IfThenElse(hn::Eq(field, hn::Zero(di)), least, field);
     const V up = FromBits(d, hn::Sub(infinity, x.power));
     const auto negligible = hn::Gt(hn::Sub(x.m, SetBits(d, C::kNegligible)), x.n);
-    // The smallest number for zero: the root raises no flag, nor does its way back.
-    const V smallest = hn::Set(d, sizeof(T) == 8 ? T(0x1p-51) : T(0x1p-22));
-    scaled_m = hn::Max(hn::Mul(FromBits(d, x.m), up), smallest);
+    // Zero counts as 2: the root raises no flag, nor does its way back, and no subnormal number
+    // holds up the lanes beyond the end.
+    const auto is_zero = hn::RebindMask(d, hn::Eq(x.m, hn::Zero(di)));
+    scaled_m = hn::IfThenElse(is_zero, hn::Set(d, T(2)), hn::Mul(FromBits(d, x.m), up));
     scaled_n = hn::Mul(FromBits(d, hn::IfThenZeroElse(negligible, x.n)), up);
     return x;
   }
