@@ -496,9 +496,9 @@ Peers work at the same vector level. They have no array entries, so each is call
 over whole vectors, compiled for the level. The error in brackets is the largest that was seen.
 LA is held against the fastest peer of at most 4 ulp (Ln in double, itself within 1 ulp, against the
 fastest of at most 1 ulp), HA against SLEEF's function of 1.0 ulp, EP against the fastest peer of
-any kind and to 1.2 times the speed of LA (but where LA takes the hardware root's time, and Powx in
-single precision, whose EP is its LA). HA in single precision is correctly rounded and may take
-twice SLEEF's time. Roots, quotients and their like have 1.1 of the hardware's time in a plain loop.
+any kind and to 1.2 times the speed of LA (but where LA takes no longer than the hardware root, and
+Powx in single precision, whose EP is its LA). HA in single precision is correctly rounded and may
+take twice SLEEF's time. Roots, quotients and their like have 1.1 of the hardware's time in a plain loop.
 The arithmetic functions, beside a loop left to the compiler, have no target. Functions without a
 vector peer are held to a tenth of the time of the C library's or Boost.Math's scalar ones, as a
 program gets them; Boost without its promotion to wider types stands below the table.
