@@ -159,7 +159,7 @@ Regime Around(std::string name, const std::vector<double>& points, bool single, 
         x = Neighbour(c, k % 2 ? (k + 1) / 2 : -k / 2, single);
         continue;
       }
-      const int size = c == 0 ? 1 : std::ilogb(c) + 1;
+      const int size = c == 0 || std::isinf(c) ? 1 : std::ilogb(c) + 1;
       const int nearest =
           std::max(c == 0 ? -64 : std::min(size - format.precision, -64), format.lowest);
       x = ToType(c + LogUniform(random, nearest, std::max(size, nearest + 1)), single);

@@ -55,7 +55,7 @@ std::string Bytes(const std::vector<T>& x) {
 template <typename T>
 std::vector<T> Values(std::string_view bytes) {
   std::vector<T> x(bytes.size() / sizeof(T));
-  std::memcpy(x.data(), bytes.data(), x.size() * sizeof(T));
+  if (!x.empty()) std::memcpy(x.data(), bytes.data(), x.size() * sizeof(T));
   return x;
 }
 // The data of an .npy file of version 1.0, after a check of its header's dictionary.
