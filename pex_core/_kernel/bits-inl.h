@@ -158,6 +158,14 @@ HWY_INLINE MaskOf<D> RoundingInDoubt(D d, V y) {
 #endif
 }
 
+// The same of any lane of several vectors.
+template <int kError, class D, class V, size_t K>
+HWY_INLINE bool AnyRoundingInDoubt(D d, const V (&y)[K]) {
+  auto open = RoundingInDoubt<kError>(d, y[0]);
+  for (size_t k = 1; k < K; ++k) open = hn::Or(open, RoundingInDoubt<kError>(d, y[k]));
+  return !hn::AllFalse(d, open);
+}
+
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

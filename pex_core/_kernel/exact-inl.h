@@ -84,6 +84,22 @@ HWY_INLINE V SubExactProduct(V a, V b, V c) {
   return hn::NegMulAdd(a, b, c);
 }
 
+// a * b + c, a * b - c and c - a * b, fused where the level can: for steps whose rounding no result
+// shows, as it is the number next to the true value or as every argument has been tried. What says
+// so stands where they are used.
+template <class V>
+HWY_INLINE V HiddenMulAdd(V a, V b, V c) {
+  return hn::MulAdd(a, b, c);
+}
+template <class V>
+HWY_INLINE V HiddenMulSub(V a, V b, V c) {
+  return hn::MulSub(a, b, c);
+}
+template <class V>
+HWY_INLINE V HiddenNegMulAdd(V a, V b, V c) {
+  return hn::NegMulAdd(a, b, c);
+}
+
 // c - a * b where that or a * b is representable: what a quotient, a square root or a reduction
 // leaves.
 template <class D, class V>

@@ -109,8 +109,8 @@ HWY_INLINE V EvenOdd(D d, V x, V x2, const hn::TFromD<D> (&c)[N]) {
   return p;
 }
 
-// The same for several vectors, a step at a time for all of them.
-template <class D, class V, size_t K, size_t N>
+// The same for several vectors, a step at a time for all of them; kInSteps: with ends of steps.
+template <bool kInSteps = false, class D, class V, size_t K, size_t N>
 HWY_INLINE void EvenOdd(D d, const V (&x)[K], const V (&x2)[K], const hn::TFromD<D> (&c)[N],
                         V (&p)[K]) {
   constexpr size_t kTop = (N - 1) / 2 * 2;
@@ -120,8 +120,10 @@ HWY_INLINE void EvenOdd(D d, const V (&x)[K], const V (&x2)[K], const hn::TFromD
   };
   for (size_t k = 0; k < K; ++k) p[k] = pair(kTop, k);
   for (size_t i = kTop; i >= 2; i -= 2) {
+    if constexpr (kInSteps) EndStep(p);
     for (size_t k = 0; k < K; ++k) p[k] = hn::Add(hn::Mul(p[k], x2[k]), pair(i - 2, k));
   }
+  if constexpr (kInSteps && N > 2) EndStep(p);
 }
 
 // Pairs of pairs (Estrin): the least latency, at the price of x^4. For 5 to 12 coefficients.

@@ -14,12 +14,8 @@ static char _PEX_THISFUNC_NAME[] = "vdAcos";
 
 template <AsinDomain kDomain>
 struct dAcosCommon : Kernel<double> {
-  using Rarity = AboveOne<double>;
+  using Rarity = AsinRarity<double, kDomain>;
   static HWY_INLINE int Rare(double x, double* r) { return AsinRare(x, r); }
-};
-template <>
-struct dAcosCommon<AsinDomain::kCommon> : dAcosCommon<AsinDomain::kWhole> {
-  using Rarity = AboveOneOrTiny<double>;
 };
 
 template <AsinDomain kDomain>
@@ -30,9 +26,7 @@ struct dAcosForEP : dAcosCommon<kDomain> {
     PlainAcos<kAsinEP, kDomain>(d, x, r);
   }
 };
-struct dAcosEP : dAcosForEP<AsinDomain::kCommon> {
-  using Wide = dAcosForEP<AsinDomain::kWhole>;
-};
+using dAcosEP = AsinKernel<dAcosForEP>;
 
 template <AsinDomain kDomain>
 struct dAcosForLA : dAcosCommon<kDomain> {
@@ -42,9 +36,7 @@ struct dAcosForLA : dAcosCommon<kDomain> {
     PlainAcos<kAcosLA, kDomain>(d, x, r);
   }
 };
-struct dAcosLA : dAcosForLA<AsinDomain::kCommon> {
-  using Wide = dAcosForLA<AsinDomain::kWhole>;
-};
+using dAcosLA = AsinKernel<dAcosForLA>;
 
 template <AsinDomain kDomain>
 struct dAcosForHA : dAcosCommon<kDomain> {
@@ -53,9 +45,7 @@ struct dAcosForHA : dAcosCommon<kDomain> {
     FullAcos<kDomain>(d, x, r);
   }
 };
-struct dAcosHA : dAcosForHA<AsinDomain::kCommon> {
-  using Wide = dAcosForHA<AsinDomain::kWhole>;
-};
+using dAcosHA = AsinKernel<dAcosForHA>;
 
 PEX_UNARY(double, dAcos_26, dAcosEP)
 PEX_UNARY(double, dAcos_50, dAcosLA)

@@ -15,12 +15,8 @@ static char _PEX_THISFUNC_NAME[] = "vsAcos";
 template <AsinDomain kDomain>
 struct sAcosCommon : Kernel<float> {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 3 : 4;
-  using Rarity = AboveOne<float>;
+  using Rarity = AsinRarity<float, kDomain>;
   static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
-};
-template <>
-struct sAcosCommon<AsinDomain::kCommon> : sAcosCommon<AsinDomain::kWhole> {
-  using Rarity = AboveOneOrTiny<float>;
 };
 
 template <AsinDomain kDomain>
@@ -31,9 +27,7 @@ struct sAcosForEP : sAcosCommon<kDomain> {
     PlainAcos<kAsinSingleEP, kDomain>(d, x, r);
   }
 };
-struct sAcosEP : sAcosForEP<AsinDomain::kCommon> {
-  using Wide = sAcosForEP<AsinDomain::kWhole>;
-};
+using sAcosEP = AsinKernel<sAcosForEP>;
 
 template <AsinDomain kDomain>
 struct sAcosForLA : sAcosCommon<kDomain> {
@@ -42,9 +36,7 @@ struct sAcosForLA : sAcosCommon<kDomain> {
     PlainAcos<kAsinSingleLA, kDomain>(d, x, r);
   }
 };
-struct sAcosLA : sAcosForLA<AsinDomain::kCommon> {
-  using Wide = sAcosForLA<AsinDomain::kWhole>;
-};
+using sAcosLA = AsinKernel<sAcosForLA>;
 
 // In double precision, to 2^-52 or better, where no float is tiny. Correctly rounded for all
 // floats.

@@ -14,12 +14,8 @@ static char _PEX_THISFUNC_NAME[] = "vdAsin";
 
 template <AsinDomain kDomain>
 struct dAsinCommon : Kernel<double> {
-  using Rarity = AboveOne<double>;
+  using Rarity = AsinRarity<double, kDomain>;
   static HWY_INLINE int Rare(double x, double* r) { return AsinRare(x, r); }
-};
-template <>
-struct dAsinCommon<AsinDomain::kCommon> : dAsinCommon<AsinDomain::kWhole> {
-  using Rarity = AboveOneOrTiny<double>;
 };
 
 template <AsinDomain kDomain>
@@ -30,9 +26,7 @@ struct dAsinForEP : dAsinCommon<kDomain> {
     PlainAsin<kAsinEP, kDomain>(d, x, r);
   }
 };
-struct dAsinEP : dAsinForEP<AsinDomain::kCommon> {
-  using Wide = dAsinForEP<AsinDomain::kWhole>;
-};
+using dAsinEP = AsinKernel<dAsinForEP>;
 
 template <AsinDomain kDomain>
 struct dAsinForLA : dAsinCommon<kDomain> {
@@ -42,9 +36,7 @@ struct dAsinForLA : dAsinCommon<kDomain> {
     PlainAsin<kAsinLA, kDomain>(d, x, r);
   }
 };
-struct dAsinLA : dAsinForLA<AsinDomain::kCommon> {
-  using Wide = dAsinForLA<AsinDomain::kWhole>;
-};
+using dAsinLA = AsinKernel<dAsinForLA>;
 
 template <AsinDomain kDomain>
 struct dAsinForHA : dAsinCommon<kDomain> {
@@ -53,9 +45,7 @@ struct dAsinForHA : dAsinCommon<kDomain> {
     FullAsin<kDomain>(d, x, r);
   }
 };
-struct dAsinHA : dAsinForHA<AsinDomain::kCommon> {
-  using Wide = dAsinForHA<AsinDomain::kWhole>;
-};
+using dAsinHA = AsinKernel<dAsinForHA>;
 
 PEX_UNARY(double, dAsin_26, dAsinEP)
 PEX_UNARY(double, dAsin_50, dAsinLA)

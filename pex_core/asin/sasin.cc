@@ -15,12 +15,8 @@ static char _PEX_THISFUNC_NAME[] = "vsAsin";
 template <AsinDomain kDomain>
 struct sAsinCommon : Kernel<float> {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 3 : 4;
-  using Rarity = AboveOne<float>;
+  using Rarity = AsinRarity<float, kDomain>;
   static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
-};
-template <>
-struct sAsinCommon<AsinDomain::kCommon> : sAsinCommon<AsinDomain::kWhole> {
-  using Rarity = AboveOneOrTiny<float>;
 };
 
 template <AsinDomain kDomain>
@@ -31,9 +27,7 @@ struct sAsinForEP : sAsinCommon<kDomain> {
     PlainAsin<kAsinSingleEP, kDomain>(d, x, r);
   }
 };
-struct sAsinEP : sAsinForEP<AsinDomain::kCommon> {
-  using Wide = sAsinForEP<AsinDomain::kWhole>;
-};
+using sAsinEP = AsinKernel<sAsinForEP>;
 
 template <AsinDomain kDomain>
 struct sAsinForLA : sAsinCommon<kDomain> {
@@ -42,9 +36,7 @@ struct sAsinForLA : sAsinCommon<kDomain> {
     PlainAsin<kAsinSingleLA, kDomain>(d, x, r);
   }
 };
-struct sAsinLA : sAsinForLA<AsinDomain::kCommon> {
-  using Wide = sAsinForLA<AsinDomain::kWhole>;
-};
+using sAsinLA = AsinKernel<sAsinForLA>;
 
 // In double precision, to 2^-52 or better, where no float is tiny. Correctly rounded for all
 // floats.

@@ -4,6 +4,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/ccis/ccis.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
+#include "pex_core/_kernel/exact-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 #include "pex_core/ccis/cis-inl.h"
 
@@ -15,22 +16,14 @@ inline constexpr double kSine[] = {-0.16666654612881793, 0.008332160761521766,
 inline constexpr double kCosine[] = {-0.5, 0.04166664568297557, -0.0013887316254360454,
                                      2.443315705834904e-05};
 
-// a * b + c, fused where there is such an operation. The results of CIS are rounded to floats, and
-// of none of the floats that are its argument do they show how often a step was rounded: a test
-// goes through all of them.
-template <class V>
-HWY_INLINE V MulAddForFloat(V a, V b, V c) {
-#if HWY_TARGET == HWY_SSE4
-  return hn::Add(hn::Mul(a, b), c);
-#else
-  return hn::MulAdd(a, b, c);
-#endif
-}
+// Horner's scheme in steps that are fused where there is such an operation. The results of CIS are
+// rounded to floats, and of none of the floats that are its argument do they show how often a step
+// was rounded: a test goes through all of them.
 template <class D, class V, size_t K, size_t N>
 HWY_INLINE void HornerForFloat(D d, const V (&x)[K], const double (&c)[N], V (&p)[K]) {
   for (size_t k = 0; k < K; ++k) p[k] = hn::Set(d, c[N - 1]);
   for (size_t i = N - 1; i-- > 0;) {
-    for (size_t k = 0; k < K; ++k) p[k] = MulAddForFloat(p[k], x[k], hn::Set(d, c[i]));
+    for (size_t k = 0; k < K; ++k) p[k] = HiddenMulAdd(p[k], x[k], hn::Set(d, c[i]));
   }
 }
 
@@ -58,7 +51,7 @@ struct CISInDouble {
                     hn::PromoteTo(wide, hn::UpperHalf(half, x))};
     for (size_t k = 0; k < 2; ++k) {
       const W high = SubExactProduct(ns[k], hn::Set(wide, 0x1.921FB5444p+0), xs[k]);  // exact
-      y[k] = MulAddForFloat(ns[k], hn::Set(wide, -0x1.68C234C4C6629p-39), high);
+      y[k] = HiddenMulAdd(ns[k], hn::Set(wide, -0x1.68C234C4C6629p-39), high);
       y2[k] = hn::Mul(y[k], y[k]);
     }
   }
@@ -66,8 +59,8 @@ struct CISInDouble {
     HornerForFloat(Wide(), y2, kSine, sine);
     HornerForFloat(Wide(), y2, kCosine, cosine);
     for (size_t k = 0; k < 2; ++k) {
-      sine[k] = MulAddForFloat(hn::Mul(y[k], y2[k]), sine[k], y[k]);
-      cosine[k] = MulAddForFloat(y2[k], cosine[k], hn::Set(Wide(), 1.0));
+      sine[k] = HiddenMulAdd(hn::Mul(y[k], y2[k]), sine[k], y[k]);
+      cosine[k] = HiddenMulAdd(y2[k], cosine[k], hn::Set(Wide(), 1.0));
     }
   }
   HWY_INLINE Complex<V> Result(V) const {

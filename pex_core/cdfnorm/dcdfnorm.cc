@@ -48,10 +48,9 @@ struct dCdfNormHA : dCdfNormCommon {
     for (size_t k = 0; k < K; ++k) {
       // From 8.5 on the result is 1.
       const V ax = hn::Abs(hn::Min(x[k], hn::Set(d, 8.5)));
-      const V safe = hn::Add(ax, hn::Set(d, 0x1p-200));
-      const Pair<V> p = TwoProduct(d, safe, hn::Set(d, 0x1.6a09e667f3bcdp-1));  // 1/sqrt(2)
+      const Pair<V> p = OverRootTwo(d, ax);
       z[k] = p.hi;
-      rest[k] = hn::Sub(p.lo, hn::Mul(safe, hn::Set(d, 0x1.bdd3413b26456p-55)));
+      rest[k] = p.lo;
     }
     ErfcReduce<ErfcTier::kHA, true>(d, z, rest, u);
     ErfcScaled<ErfcTier::kHA, true>(d, u, e);

@@ -60,12 +60,11 @@ struct sCdfNormHA : sCdfNormCommon<double> {
       wide[k] = hn::PromoteTo(dd, x[k]);
     }
     CdfNormScaled<ErfcTier::kShort>(dd, wide, y);
-    auto open = RoundingInDoubt<17>(dd, y[0]);
-    for (size_t k = 1; k < K; ++k) open = hn::Or(open, RoundingInDoubt<17>(dd, y[k]));
+    const bool open = AnyRoundingInDoubt<17>(dd, y);
     for (size_t k = 0; k < K; ++k) {
       out[k] = hn::DemoteTo(d, hn::Mul(y[k], hn::Set(dd, 0x1p-300)));
     }
-    if (!hn::AllFalse(dd, open)) [[unlikely]] {
+    if (open) [[unlikely]] {
       for (size_t k = 0; k < K; ++k) out[k] = InFull(d, a[k]);
     }
   }
@@ -79,10 +78,8 @@ struct sCdfNormHA : sCdfNormCommon<double> {
     Pair<W> e[1];
     // From 7 on the result is 1.
     const W wide = hn::PromoteTo(dd, x), ax = hn::Abs(hn::Min(wide, hn::Set(dd, 7.0)));
-    const W safe = hn::Add(ax, hn::Set(dd, 0x1p-200));
-    const Pair<W> p = TwoProduct(dd, safe, hn::Set(dd, 0x1.6a09e667f3bcdp-1));  // 1/sqrt(2)
-    const W z[1] = {p.hi};
-    const W rest[1] = {hn::Sub(p.lo, hn::Mul(safe, hn::Set(dd, 0x1.bdd3413b26456p-55)))};
+    const Pair<W> p = OverRootTwo(dd, ax);
+    const W z[1] = {p.hi}, rest[1] = {p.lo};
     ErfcReduce<ErfcTier::kLA, true>(dd, z, rest, u);
     ErfcScaled<ErfcTier::kLA, true>(dd, u, e);
     const W y = ErfcOrRest<ErfcTier::kLA, false>(dd, wide, e[0], 2.0);

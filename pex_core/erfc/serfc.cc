@@ -56,12 +56,11 @@ struct sErfcHA : sErfcCommon<double> {
     VecOf<hn::Rebind<double, D>> y[K];
     for (size_t k = 0; k < K; ++k) a[k] = x[k];
     Scaled<ErfcTier::kShort>(d, x, y);
-    auto open = RoundingInDoubt<13>(dd, y[0]);
-    for (size_t k = 1; k < K; ++k) open = hn::Or(open, RoundingInDoubt<13>(dd, y[k]));
+    const bool open = AnyRoundingInDoubt<13>(dd, y);
     for (size_t k = 0; k < K; ++k) {
       out[k] = hn::DemoteTo(d, hn::Mul(y[k], hn::Set(dd, 0x1p-300)));
     }
-    if (!hn::AllFalse(dd, open)) [[unlikely]] {
+    if (open) [[unlikely]] {
       for (size_t k = 0; k < K; ++k) out[k] = InFull(d, a[k]);
     }
   }

@@ -128,24 +128,24 @@ struct sExpHA : sExpCommon<> {
     using S = sExpSteps;
     constexpr float kStep = 1.0f / (1 << S::kLog);
     const V shifter = hn::Set(d, 0x1.8p23f * kStep);
-    const V kf = hn::MulAdd(x, hn::Set(d, 0x1.715476p+0f), shifter);  // 1/ln2
+    const V kf = HiddenMulAdd(x, hn::Set(d, 0x1.715476p+0f), shifter);  // 1/ln2
     const V kd = hn::Sub(kf, shifter);
     const auto k = Bits(d, kf);
-    const V r0 = hn::NegMulAdd(kd, hn::Set(d, 0x1.62e43p-1f), x);  // ln2; exact
-    const V rest = hn::NegMulAdd(kd, hn::Set(d, -0x1.05c61p-29f), S::LookUp(d, S::kRest, k));
+    const V r0 = SubExactProduct(kd, hn::Set(d, 0x1.62e43p-1f), x);  // ln2
+    const V rest = HiddenNegMulAdd(kd, hn::Set(d, -0x1.05c61p-29f), S::LookUp(d, S::kRest, k));
     const V r = hn::Add(r0, rest);
     // The lower bound of the sum; no tiny square.
-    const V r2 = hn::MulAdd(r, r, hn::Set(d, -2 * S::kError));
+    const V r2 = HiddenMulAdd(r, r, hn::Set(d, -2 * S::kError));
     const auto c = [&](int i) HWY_ATTR { return hn::Set(d, S::kPolynomial[i]); };
-    const V q = hn::MulAdd(r2, hn::MulAdd(hn::MulAdd(c(2), r, c(1)), r, c(0)), rest);
+    const V q = HiddenMulAdd(r2, HiddenMulAdd(HiddenMulAdd(c(2), r, c(1)), r, c(0)), rest);
     const V t = S::LookUp(d, S::kPower, k);
     // t r0 cut at 2^-23, so that its sum with t is exact.
     const V cut = hn::Set(d, 1.5f);
-    const V upper = hn::Sub(hn::MulAdd(t, r0, cut), cut);
-    const V low = hn::MulAdd(t, q, hn::MulSub(t, r0, upper));
+    const V upper = hn::Sub(HiddenMulAdd(t, r0, cut), cut);
+    const V low = HiddenMulAdd(t, q, HiddenMulSub(t, r0, upper));
     const V high = hn::Add(t, upper);
     const auto least = Bits(d, hn::Add(high, low));
-    const auto most = Bits(d, hn::Add(high, hn::MulAdd(t, hn::Set(d, 2 * S::kError), low)));
+    const auto most = Bits(d, hn::Add(high, HiddenMulAdd(t, hn::Set(d, 2 * S::kError), low)));
     doubt = hn::Xor(least, most);
     const auto n = hn::And(hn::ShiftLeft<23 - S::kLog>(k), SetBits(d, 0xFF800000));
     return FromBits(d, hn::Add(least, n));

@@ -13,10 +13,6 @@ namespace {
 // Elements of a buffered block: four operands of 16 bytes each stay within a first-level cache.
 constexpr npy_intp kBlock = 512;
 constexpr npy_intp kMostPerCall = npy_intp{1} << 30;
-// Elements that a thread takes of a long call at a time; what is shorter than two of these is done
-// by the calling thread.
-constexpr npy_intp kShare = 16384;
-
 std::atomic<unsigned> thread_count{1};
 
 template <size_t kSize>

@@ -40,6 +40,10 @@ void RunLoop(char** args, const npy_intp* dimensions, const npy_intp* steps, voi
 // element raises. The thread's flags are cleared.
 std::vector<ElementError> RunCollecting(const Loop& loop, npy_intp n, char* const* args);
 
+// Elements that a thread takes of a long call at a time; what is shorter than two of these is done
+// by the calling thread.
+inline constexpr npy_intp kShare = 16384;
+
 // How many threads share a long call of RunLoop, the calling one included; at first 1.
 unsigned Threads();
 void SetThreads(unsigned count);

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <new>
-#include <optional>
 #include <span>
+#include <string_view>
 
 #include "pexquo/pexquo.hpp"
 #include "python/module/loops.h"
@@ -14,22 +14,32 @@ namespace {
 
 using detail::Takes;
 
-constexpr npy_intp kShare = 16384;
+// What pexquo::parallel knows of a distribution.
+struct Known {
+  std::string_view name;
+  Takes takes;
+  bool is_light;
+};
 
-// How many outputs of the generator a number takes.
-Takes TakesOf(std::string_view distribution, uint32_t method) {
-  if (distribution == "gaussian") return detail::TakesOf(static_cast<normal_method>(method));
-  constexpr std::pair<std::string_view, Takes> kTable[] = {
-      {"uniform", uniform::kTakes},     {"exponential", exponential::kTakes},
-      {"laplace", laplace::kTakes},     {"weibull", weibull::kTakes},
-      {"cauchy", cauchy::kTakes},       {"rayleigh", rayleigh::kTakes},
-      {"lognormal", lognormal::kTakes}, {"gumbel", gumbel::kTakes},
-      {"bernoulli", bernoulli::kTakes}, {"geometric", geometric::kTakes},
-  };
-  for (const auto& [name, takes] : kTable) {
-    if (name == distribution) return takes;
+template <class D>
+constexpr Known As(std::string_view name) {
+  return {name, D::kTakes, detail::kIsLight<D>};
+}
+
+Known KnownOf(std::string_view distribution, uint32_t method) {
+  if (distribution == "gaussian") {
+    return {distribution, detail::TakesOf(static_cast<normal_method>(method)), false};
   }
-  return Takes::varying;
+  constexpr Known kTable[] = {
+      As<uniform>("uniform"),     As<exponential>("exponential"), As<laplace>("laplace"),
+      As<weibull>("weibull"),     As<cauchy>("cauchy"),           As<rayleigh>("rayleigh"),
+      As<lognormal>("lognormal"), As<gumbel>("gumbel"),           As<bernoulli>("bernoulli"),
+      As<geometric>("geometric"),
+  };
+  for (const Known& known : kTable) {
+    if (known.name == distribution) return known;
+  }
+  return {distribution, Takes::varying, false};
 }
 
 // A distribution of the catalogue as pexquo::parallel knows them.
@@ -38,14 +48,13 @@ class Drawing : public detail::Distribution<Drawing, double> {
   static constexpr std::string_view kName = "pexquo";
 
   Drawing(const quo::Sampler& sampler, uint32_t method, const double* parameters)
-      : sampler_(sampler), method_(method), parameters_(parameters) {}
+      : sampler_(sampler),
+        method_(method),
+        parameters_(parameters),
+        known_(KnownOf(sampler.distribution->name, method)) {}
 
-  Takes takes() const { return TakesOf(sampler_.distribution->name, method_); }
-
-  // Whether drawing a number takes no longer than drawing the words that lead to the next block.
-  bool is_light() const {
-    return sampler_.distribution->name == "uniform" || sampler_.distribution->name == "bernoulli";
-  }
+  Takes takes() const { return known_.takes; }
+  bool is_light() const { return known_.is_light; }
 
   template <typename T>
   int32_t draw(QuoStream* stream, int64_t n, T* r) const {
@@ -62,6 +71,7 @@ class Drawing : public detail::Distribution<Drawing, double> {
   const quo::Sampler& sampler_;
   uint32_t method_;
   const double* parameters_;
+  Known known_;
 };
 
 template <typename T>

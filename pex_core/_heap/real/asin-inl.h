@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <type_traits>
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/asin_polynomials.h"
@@ -66,6 +67,16 @@ inline constexpr double kPi = 0x1.921fb54442d18p+1, kPiRest = 0x1.1a62633145c07p
 // Which arguments a kernel is for: the common ones, or tiny ones too.
 enum class AsinDomain { kCommon, kWhole };
 
+template <typename T, AsinDomain kDomain>
+using AsinRarity =
+    std::conditional_t<kDomain == AsinDomain::kCommon, AboveOneOrTiny<T>, AboveOne<T>>;
+
+// K for common arguments, and for the groups with others K for all.
+template <template <AsinDomain> class K>
+struct AsinKernel : K<AsinDomain::kCommon> {
+  using Wide = K<AsinDomain::kWhole>;
+};
+
 // What both functions are made of: rest = 2 (1 - |x|), its root s, and u. Tiny arguments have a u
 // of 0, so that no product underflows.
 template <class D>
@@ -123,23 +134,6 @@ HWY_INLINE void SpreadEvenOdd(D d, const V (&x)[K], const V (&x2)[K], V (&p)[K])
   }
 }
 
-// EvenOdd in steps.
-template <auto& kC, class D, class V, size_t K>
-HWY_INLINE void EvenOddInSteps(D d, const V (&x)[K], const V (&x2)[K], V (&p)[K]) {
-  constexpr size_t N = std::size(kC);
-  constexpr size_t kTop = (N - 1) / 2 * 2;
-  const auto pair = [&](size_t i, size_t k) HWY_ATTR {
-    const V low = hn::Set(d, kC[i]);
-    return i + 1 < N ? hn::Add(hn::Mul(hn::Set(d, kC[i + 1]), x[k]), low) : low;
-  };
-  for (size_t k = 0; k < K; ++k) p[k] = pair(kTop, k);
-  for (size_t i = kTop; i >= 2; i -= 2) {
-    EndStep(p);
-    for (size_t k = 0; k < K; ++k) p[k] = hn::Add(hn::Mul(p[k], x2[k]), pair(i - 2, k));
-  }
-  if constexpr (N > 2) EndStep(p);
-}
-
 // The parts and P(u) for all of a group. Two coefficients need no steps.
 template <auto& c, AsinDomain kDomain, class D, class V, size_t K>
 HWY_INLINE void AsinReduce(D d, const V (&x)[K], AsinParts<D> (&r)[K], V (&p)[K]) {
@@ -157,7 +151,7 @@ HWY_INLINE void AsinReduce(D d, const V (&x)[K], AsinParts<D> (&r)[K], V (&p)[K]
   SpreadEvenOdd<c>(d, u, u2, p);
 #else
   if constexpr (std::size(c) > 2) EndStep(u2);
-  EvenOddInSteps<c>(d, u, u2, p);
+  EvenOdd<true>(d, u, u2, c, p);
 #endif
 }
 

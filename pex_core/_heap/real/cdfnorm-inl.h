@@ -10,6 +10,7 @@
 #include "pex_core/_heap/real/erf_tables.h"
 #include "pex_core/_heap/real/erfc-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 
 #if defined(PEX_CORE__HEAP_REAL_CDFNORM_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -24,8 +25,16 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// CdfNorm(x) 2^300 for x from -37.6 on, in EP, LA and, from -13 on, kShort within 2^-37. To add
-// 2^-200 keeps the products of tiny numbers from underflow and changes nothing else.
+// x/sqrt(2) in two parts, x >= 0. To add 2^-200 keeps the products of tiny numbers from underflow
+// and changes nothing else, here and below.
+template <class D, class V>
+HWY_INLINE Pair<V> OverRootTwo(D d, V x) {
+  const V safe = hn::Add(x, hn::Set(d, 0x1p-200));
+  const Pair<V> p = TwoProduct(d, safe, hn::Set(d, 0x1.6a09e667f3bcdp-1));
+  return {p.hi, hn::Sub(p.lo, hn::Mul(safe, hn::Set(d, 0x1.bdd3413b26456p-55)))};
+}
+
+// CdfNorm(x) 2^300 for x from -37.6 on, in EP, LA and, from -13 on, kShort within 2^-37.
 template <ErfcTier kTier, class D, class V, size_t K>
 HWY_INLINE void CdfNormScaled(D d, const V (&x)[K], V (&y)[K]) {
   using Offsets = RowOffsets<sizeof(ErfcRow), D>;

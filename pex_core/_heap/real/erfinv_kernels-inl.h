@@ -99,10 +99,9 @@ struct sErfInvHAKernel : Kernel<float, double> {
       u[k] = Function::Split(wide, hn::PromoteTo(wide, x[k]));
     }
     ErfInvCubic<Function, kErfInvFineOctaves, kErfInvFineBits>(wide, kErfInvFine, u, y);
-    auto open = RoundingInDoubt<15>(wide, y[0]);
-    for (size_t k = 1; k < K; ++k) open = hn::Or(open, RoundingInDoubt<15>(wide, y[k]));
+    const bool open = AnyRoundingInDoubt<15>(wide, y);
     for (size_t k = 0; k < K; ++k) out[k] = hn::DemoteTo(d, y[k]);
-    if (!hn::AllFalse(wide, open)) [[unlikely]] {
+    if (open) [[unlikely]] {
       for (size_t k = 0; k < K; ++k) out[k] = InFull(d, a[k]);
     }
   }

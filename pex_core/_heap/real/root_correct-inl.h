@@ -38,15 +38,15 @@ HWY_INLINE void RootsByEstimates(D d, V* HWY_RESTRICT t, V (&y)[N]) {
   for (size_t k = 0; k < N; ++k) {  // half of it without the pipes of the multiplications
     h[k] = FromBits(d, hn::Sub(Bits(d, y[k]), SetBits(d, uint64_t{1} << 52)));
   }
-  for (size_t k = 0; k < N; ++k) r[k] = hn::NegMulAdd(g[k], h[k], hn::Set(d, kBeyond));
-  for (size_t k = 0; k < N; ++k) g[k] = hn::MulAdd(g[k], r[k], g[k]);
-  for (size_t k = 0; k < N; ++k) h[k] = hn::MulAdd(h[k], r[k], h[k]);
-  for (size_t k = 0; k < N; ++k) r[k] = hn::NegMulAdd(g[k], h[k], half);
-  for (size_t k = 0; k < N; ++k) h[k] = hn::MulAdd(h[k], r[k], h[k]);
+  for (size_t k = 0; k < N; ++k) r[k] = HiddenNegMulAdd(g[k], h[k], hn::Set(d, kBeyond));
+  for (size_t k = 0; k < N; ++k) g[k] = HiddenMulAdd(g[k], r[k], g[k]);
+  for (size_t k = 0; k < N; ++k) h[k] = HiddenMulAdd(h[k], r[k], h[k]);
+  for (size_t k = 0; k < N; ++k) r[k] = HiddenNegMulAdd(g[k], h[k], half);
+  for (size_t k = 0; k < N; ++k) h[k] = HiddenMulAdd(h[k], r[k], h[k]);
   for (size_t k = 0; k < N; ++k) r[k] = Remainder(d, t[k], g[k], g[k]);
-  for (size_t k = 0; k < N; ++k) g[k] = hn::MulAdd(r[k], h[k], g[k]);
+  for (size_t k = 0; k < N; ++k) g[k] = HiddenMulAdd(r[k], h[k], g[k]);
   for (size_t k = 0; k < N; ++k) r[k] = Remainder(d, t[k], g[k], g[k]);
-  for (size_t k = 0; k < N; ++k) t[k] = hn::MulAdd(r[k], h[k], g[k]);
+  for (size_t k = 0; k < N; ++k) t[k] = HiddenMulAdd(r[k], h[k], g[k]);
 }
 #endif
 

@@ -170,7 +170,7 @@ HWY_INLINE void sLogArgument(D d, V m, V& p, V& log) {
     log = V{_mm_shuffle_ps(log0, log1, 0x88)};
 #else
     const sLogIndex<D> row(d, i);
-    p = hn::MulSub(m, row.LookUp(kLog10SingleFactors.factor), hn::Set(d, Base::kLogE));
+    p = ShortMulSub(d, m, row.LookUp(kLog10SingleFactors.factor), hn::Set(d, Base::kLogE));
     log = row.LookUp(kLog10SingleFactors.log);
 #endif
   }
