@@ -89,7 +89,7 @@ class X87Guard {
     if ((saved_ & kControl) != kExtended) Load(kExtended);
   }
   ~X87Guard() {
-    if ((saved_ & kControl) != kExtended) Restore();
+    if ((saved_ & kControl) != kExtended) Restore(saved_);
   }
   X87Guard(const X87Guard&) = delete;
   X87Guard& operator=(const X87Guard&) = delete;
@@ -97,34 +97,54 @@ class X87Guard {
   // Whether the control word differs from what a guard sets.
   static bool Needed() { return (Current() & kControl) != kExtended; }
 
- private:
-  static constexpr uint16_t kFlags = 0x3F;      // exception masks, and flags of the status word
-  static constexpr uint16_t kControl = 0xF3F;   // precision, rounding and masks
-  static constexpr uint16_t kExtended = 0x33F;  // precision 64 bits, nearest, exceptions masked
-
   static uint16_t Current() {
     uint16_t word;
     __asm__ volatile("fnstcw %0" : "=m"(word));
     return word;
   }
-  static void Load(uint16_t word) { __asm__ volatile("fldcw %0" : : "m"(word)); }
 
   // A flag that stands when its exception is unmasked would trap at the next x87 instruction: such
   // flags are cleared, and only they.
-  void Restore() {
+  static void Restore(uint16_t word) {
     uint16_t status;
     __asm__ volatile("fnstsw %0" : "=m"(status));
-    if (status & ~saved_ & kFlags) {
+    if (status & ~word & kFlags) {
       uint32_t environment[7];
       __asm__ volatile("fnstenv %0" : "=m"(environment));
-      environment[0] = (environment[0] & 0xFFFF0000) | saved_;
-      environment[1] &= ~static_cast<uint32_t>(~saved_ & kFlags);
+      environment[0] = (environment[0] & 0xFFFF0000) | word;
+      environment[1] &= ~static_cast<uint32_t>(~word & kFlags);
       __asm__ volatile("fldenv %0" : : "m"(environment));
     } else {
-      Load(saved_);
+      Load(word);
     }
   }
+
+ private:
+  static constexpr uint16_t kFlags = 0x3F;      // exception masks, and flags of the status word
+  static constexpr uint16_t kControl = 0xF3F;   // precision, rounding and masks
+  static constexpr uint16_t kExtended = 0x33F;  // precision 64 bits, nearest, exceptions masked
+
+  static void Load(uint16_t word) { __asm__ volatile("fldcw %0" : : "m"(word)); }
   uint16_t saved_;
+};
+
+// What a callback does to the control bits of MXCSR and x87 ends with the callback, so that no
+// element is computed under them; the flags that it raises stay.
+class CallbackGuard {
+ public:
+  CallbackGuard() = default;
+  ~CallbackGuard() {
+    const uint32_t now = _mm_getcsr();
+    if ((now ^ mxcsr_) & ~kFlags) _mm_setcsr((mxcsr_ & ~kFlags) | (now & kFlags));
+    if (X87Guard::Current() != x87_) X87Guard::Restore(x87_);
+  }
+  CallbackGuard(const CallbackGuard&) = delete;
+  CallbackGuard& operator=(const CallbackGuard&) = delete;
+
+ private:
+  static constexpr uint32_t kFlags = 0x3F;
+  const uint32_t mxcsr_ = _mm_getcsr();
+  const uint16_t x87_ = X87Guard::Current();
 };
 
 }  // namespace pex

@@ -100,7 +100,6 @@ void Print(const PexErrorContext& record) {
 }
 
 void RaiseFlags(int32_t code) {
-  const pex::ControlGuard guard;  // with denormals-are-zero the operands would be zeros
   volatile double operand[6];
   for (int i = 0; i < 6; ++i) operand[i] = std::bit_cast<double>(_pexdSpecialTab[i]);
   volatile double sink;
@@ -142,6 +141,7 @@ int32_t CopyName(const char* name, char* to) {
 template <typename T>
 int ReportFromArrays(int32_t code, int32_t index, const T* a1, const T* a2, T* r1, T* r2,
                      const char* name) {
+  const pex::RoundingGuard guard;  // widening and narrowing must not flush
   pex::ErrorElement<T> element{};
   if (CarriesElement(code)) {
     element = {a1[index], a2[index], r1 + index, r2 + index};
@@ -178,6 +178,7 @@ int ReportError(int32_t code, int32_t index, const T* args, const ErrorElement<T
 
   if (mode & 0xF000) {
     if (const PexErrorCallBack callback = _pexGetErrorCallBack()) {
+      const CallbackGuard guard;
       if (const int dealt_with = callback(&record)) return dealt_with;
     }
   }
@@ -210,6 +211,8 @@ int _pexsError(int32_t code, int32_t index, const float* a1, const float* a2, fl
 }
 
 int _pexStdErrorHandler(PexErrorContext* record) {
+  // With denormals-are-zero, values would compare as zeros and the flags' operands would be zeros.
+  const pex::ControlGuard guard;
   const uint32_t mode = _pexGetMode();
   if (mode & PEX_ERRMODE_ERRNO) SetErrno(record->code);
   if (mode & PEX_ERRMODE_STDERR) Print(*record);

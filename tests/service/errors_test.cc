@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include <immintrin.h>
 #include <unistd.h>
 
 #include "pexquo/kro.h"
@@ -260,6 +261,93 @@ TEST_F(Errors, FloatResultsAreNarrowedOnTheWayBack) {
   });
   _pexsError(1, 0, a, a, r, r, "vsTest");
   EXPECT_EQ(r[0], 0.1f);
+}
+
+// Round upward, flush to zero, denormals are zero, while it lives.
+class OddControl {
+ public:
+  OddControl() { _mm_setcsr(saved_ | 0xC040); }
+  ~OddControl() { _mm_setcsr((saved_ & ~0x3Fu) | (_mm_getcsr() & 0x3F)); }
+
+ private:
+  const uint32_t saved_ = _mm_getcsr();
+};
+
+// Subnormal floats are not lost on their way to the record and back, and a replaced result is
+// rounded to nearest.
+TEST_F(Errors, TheCallersControlBitsDoNotReachTheValues) {
+  const float a[1] = {1e-40f};
+  float r[1] = {1e-41f};
+  _pexSetErrorCallBack(Look);
+  {
+    const OddControl odd;
+    _pexsError(4, 0, a, a, r, r, "vsTest");
+    EXPECT_EQ(_mm_getcsr() & 0xE040, 0xC040);
+  }
+  EXPECT_EQ(seen.record.arg1, 1e-40f);
+  EXPECT_EQ(seen.record.res1, 1e-41f);
+  EXPECT_EQ(r[0], 1e-41f);
+  _pexSetErrorCallBack([](PexErrorContext* record) {
+    record->res1 = 0.7;  // 0.7f is below 0.7
+    return 0;
+  });
+  {
+    const OddControl odd;
+    _pexsError(4, 0, a, a, r, r, "vsTest");
+  }
+  EXPECT_EQ(r[0], 0.7f);
+}
+
+// A second argument that is subnormal is not 0.
+TEST_F(Errors, TheCallersFlushBitsDoNotReachTheLines) {
+  PexErrorContext record = {};
+  record.code = 2;
+  record.arg1 = 0.3;
+  record.arg2 = std::numeric_limits<double>::denorm_min();
+  record.res1 = record.res2 = 3;
+  std::strcpy(record.func_name, "vdTest");
+  _pexSetMode(PEX_ERRMODE_STDERR);
+  testing::internal::CaptureStderr();
+  {
+    const OddControl odd;
+    _pexStdErrorHandler(&record);
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "pexquo: vdTest: singularity\n  first argument [0] = 0.29999999999999999\n"
+            "  second argument [0] = 4.9406564584124654e-324\n  result [0] = 3\n");
+}
+
+// The elements after one whose callback changes the rounding mode keep their bits, and the caller
+// keeps its mode.
+TEST_F(Errors, TheControlBitsThatACallbackChangesEndWithIt) {
+  std::vector<double> a(200), expected(a.size()), r(a.size());
+  for (size_t i = 0; i < a.size(); ++i) a[i] = 0.3 + 0.017 * static_cast<double>(i);
+  a[3] = 0;
+  a[70] = -1;
+  const auto n = static_cast<int32_t>(a.size());
+  _pexSetErrorCallBack(Look);
+  _pexdLn_HA(n, a.data(), expected.data());
+  const auto change = [](PexErrorContext*) {
+    std::fesetround(FE_UPWARD);
+    _mm_setcsr(_mm_getcsr() | 0x8040);
+    std::feraiseexcept(FE_UNDERFLOW);
+    return 0;
+  };
+  _pexSetErrorCallBack(change);
+  for (const int rounding : {FE_TONEAREST, FE_TOWARDZERO}) {
+    std::fesetround(rounding);
+    std::feclearexcept(FE_ALL_EXCEPT);
+    const uint32_t before = _mm_getcsr() & ~0x3Fu;
+    _pexdLn_HA(n, a.data(), r.data());
+    const uint32_t after = _mm_getcsr() & ~0x3Fu;
+    const int x87 = std::fegetround();
+    const bool raised = std::fetestexcept(FE_UNDERFLOW) != 0;
+    std::fesetround(FE_TONEAREST);
+    EXPECT_EQ(after, before);
+    EXPECT_EQ(x87, rounding);
+    EXPECT_TRUE(raised);
+    EXPECT_EQ(std::memcmp(r.data(), expected.data(), r.size() * sizeof(double)), 0);
+  }
 }
 
 TEST_F(Errors, HeadlinesNameTheReason) {
