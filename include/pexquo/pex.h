@@ -66,7 +66,8 @@ typedef struct PexErrorContext {
   int32_t func_name_len; /* characters in func_name, 0 to 64 */
 } PexErrorContext;
 
-/* Non-zero: the element is dealt with; no standard handling and no write-back follow. */
+/* Non-zero: the element is dealt with; no standard handling and no write-back follow. Rounding mode
+ * and other control bits that the callback changes are put back when it returns. */
 typedef int (*PexErrorCallBack)(PexErrorContext* record);
 
 /* ---- Mode, status and callback of the calling thread. ---- */
