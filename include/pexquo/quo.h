@@ -110,9 +110,11 @@ QUO_API extern int32_t NumOffsets[QUO_REGISTRY_ROWS];
 /* ---- Registry. ---- */
 
 /* The table, row and member of an identifier of either scheme. Never fails: an identifier of no
- * generator (a negative one too) gives a row or member that __quoIsBrngValid refuses. */
+ * generator gives a row or member that __quoIsBrngValid refuses, a negative one a negative row. */
 QUO_API BrngProperties* __quoGetBrngBaseOffset(int32_t id, int32_t* row, int32_t* member);
-/* 0, or -1000 when the table has no such row or the row no such member. */
+/* 0, or -1000 when the table has no such row or the row no such member. Of a legacy row, whose
+ * member does not count, and of a member only the upper bound is looked at; no operation below
+ * takes a negative row. */
 QUO_API int32_t __quoIsBrngValid(const BrngProperties* table, int32_t row, int32_t member);
 /* Copies the record of an identifier's row; -1000 when there is none. */
 QUO_API int32_t __quoGetBrngProperties(int32_t id, BrngProperties* record);

@@ -165,13 +165,14 @@ int32_t ReadStream(Reader* reader, StreamState** stream) {
   if (!reader->Read(&header, sizeof(header))) return QUO_READ_FAILED;
   if (std::memcmp(header.signature, kSignature, sizeof(kSignature)) != 0) return QUO_BAD_FILE;
   if (header.format != kFormat) return QUO_BAD_FILE_FORMAT;
-  int32_t row, member;
-  const BrngProperties* table = __quoGetBrngBaseOffset(header.id, &row, &member);
-  if (__quoIsBrngValid(table, row, member) != QUO_OK) return QUO_BAD_FILE;
-  if (header.state_size != quo::StateBytes(table[row])) return QUO_BAD_FILE;
+  const BrngProperties* brng = quo::FindBrng(header.id);
+  if (brng == nullptr) return QUO_BAD_FILE;
+  if (header.state_size != quo::StateBytes(*brng)) return QUO_BAD_FILE;
   if (header.header_size < sizeof(FileHeader)) return QUO_BAD_FILE;
 
   if (!reader->MayHold(header.state_size)) return QUO_READ_FAILED;
+  int32_t row, member;
+  const BrngProperties* table = __quoGetBrngBaseOffset(header.id, &row, &member);
   int32_t status = __quoAllocateStream(stream, table, header.id, row, member);
   if (status != QUO_OK) return status;
   if (!reader->Read(quo::StateOf(*stream), header.state_size)) return QUO_READ_FAILED;
