@@ -101,7 +101,7 @@ bool WriteStream(FILE* file, const FileHeader& header, const StreamState* stream
   for (const StreamChunk* chunk = stream->chunks; chunk != nullptr; chunk = chunk->next) {
     if (!WriteChunk(file, *chunk)) return false;
   }
-  return std::fflush(file) == 0;  // what is still buffered has not been written
+  return true;
 }
 
 // ---- Loading. ----
@@ -207,6 +207,7 @@ int32_t __quoSaveStreamF(const StreamState* stream, const char* name, int32_t le
   FILE* const file = file_name.Open("wb");
   if (file == nullptr) return QUO_OPEN_FAILED;
   const int32_t status = WriteStream(file, header, stream) ? QUO_OK : QUO_WRITE_FAILED;
+  // Closing writes what is still buffered, so a full disk may show here first.
   return std::fclose(file) == 0 ? status : QUO_CLOSE_FAILED;
 }
 
