@@ -13,7 +13,7 @@ constexpr int32_t kStreamHeader = 1;
 // A generator of the registry, and the member of its family.
 struct Generator {
   explicit Generator(int32_t id) : table(__quoGetBrngBaseOffset(id, &row, &member)) {}
-  bool exists() const { return __quoIsBrngValid(table, row, member) == QUO_OK; }
+  bool exists() const { return row >= 0 && __quoIsBrngValid(table, row, member) == QUO_OK; }
   // Identifiers of both schemes may name the same one.
   bool operator==(const Generator& other) const {
     return row == other.row && member == other.member &&

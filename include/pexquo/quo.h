@@ -110,9 +110,11 @@ QUO_API extern int32_t NumOffsets[QUO_REGISTRY_ROWS];
 /* ---- Registry. ---- */
 
 /* The table, row and member of an identifier of either scheme. Never fails: an identifier of no
- * generator (a negative one too) gives a row or member that __quoIsBrngValid refuses. */
+ * generator gives a row or member that __quoIsBrngValid refuses, a negative one a negative row. */
 QUO_API BrngProperties* __quoGetBrngBaseOffset(int32_t id, int32_t* row, int32_t* member);
-/* 0, or -1000 when the table has no such row or the row no such member. */
+/* 0, or -1000 when the table has no such row or the row no such member. Of a legacy row, whose
+ * member does not count, and of a member only the upper bound is looked at; no operation below
+ * takes a negative row. */
 QUO_API int32_t __quoIsBrngValid(const BrngProperties* table, int32_t row, int32_t member);
 /* Copies the record of an identifier's row; -1000 when there is none. */
 QUO_API int32_t __quoGetBrngProperties(int32_t id, BrngProperties* record);
@@ -348,9 +350,9 @@ QUO_API int32_t __quoSkipAheadStream(StreamState* stream, uint64_t nskip);
 
 /* Writes a stream to a new file, or over an old one. A chunk whose data is null is written as one
  * of no bytes. -4 for want of memory for the name; -1000 when the stream names no generator; -1101
- * when the file cannot be opened, -1102 when a write fails, what is buffered included, -1100 when
- * closing does; the file may then hold a part of the stream. -1102 before the file is touched when
- * S or C does not fit its 16 bits. */
+ * when the file cannot be opened, -1102 when a write fails, -1100 when closing does, which writes
+ * what is still buffered; the file may then hold a part of the stream. -1102 before the file is
+ * touched when S or C does not fit its 16 bits. */
 QUO_API int32_t __quoSaveStreamF(const StreamState* stream, const char* name, int32_t length);
 
 /* Makes a stream of a file: it goes on exactly where the saved one stood, with the chunks in

@@ -58,8 +58,7 @@ int32_t CopyChunks(StreamState* destination, const StreamState* source) {
 int32_t __quoAllocateStream(StreamState** stream, const BrngProperties* table, int32_t id,
                             int32_t row, int32_t member) {
   *stream = nullptr;
-  const int32_t status = __quoIsBrngValid(table, row, member);
-  if (status != QUO_OK) return status;
+  if (row < 0 || __quoIsBrngValid(table, row, member) != QUO_OK) return QUO_INVALID_BRNG;
   auto* block = Allocate<StreamState>(kHeaderBytes + StateBytes(table[row]));
   if (block == nullptr) return QUO_NO_MEMORY;
   block->id = id;

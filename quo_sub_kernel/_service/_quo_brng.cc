@@ -4,14 +4,14 @@
 // Legacy scheme: 4 to 276 are the members of WH, anything else is a row of the legacy table.
 #include "quo_sub_kernel/_service/_quo_brng.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr int32_t kFirstNewId = 0x100000;
 constexpr int32_t kMemberMask = 0xFFFFF;
 constexpr int32_t kLegacyRows = 279;
 constexpr int32_t kLegacyFirstWH = 4, kLegacyLastWH = 276, kLegacyWHRow = 4;
-
-constexpr bool InRange(int32_t i, int32_t count) { return i >= 0 && i < count; }
 
 // The bodies of the two entries below, so that a lookup of the library's own is one call.
 BrngProperties* Locate(int32_t id, int32_t* row, int32_t* member) {
@@ -30,11 +30,13 @@ BrngProperties* Locate(int32_t id, int32_t* row, int32_t* member) {
   return __RegBrngs;
 }
 
-// The counts are the caller's to write, so the size of the table bounds them too.
+// Upper bounds, signed: a negative identifier is its own legacy row and passes, and it is for those
+// who read the row to refuse it. Rows whose members are counted lie within the table of counts,
+// whatever the caller has written there.
 bool IsValid(const BrngProperties* table, int32_t row, int32_t member) {
-  if (table == __RegBrngs) return InRange(row, kLegacyRows);
-  return table == __RegBrngsNew && InRange(row, QUO_REGISTRY_ROWS) && row < NRegBrngsNew &&
-         InRange(member, NumOffsets[row]);
+  if (table == __RegBrngs) return row < kLegacyRows;
+  return table == __RegBrngsNew && row >= 0 && row < std::min(NRegBrngsNew, QUO_REGISTRY_ROWS) &&
+         member < NumOffsets[row];
 }
 
 }  // namespace
@@ -50,7 +52,7 @@ int32_t __quoIsBrngValid(const BrngProperties* table, int32_t row, int32_t membe
 const BrngProperties* quo::FindBrng(int32_t id) {
   int32_t row, member;
   const BrngProperties* table = Locate(id, &row, &member);
-  return IsValid(table, row, member) ? table + row : nullptr;
+  return row >= 0 && IsValid(table, row, member) ? table + row : nullptr;
 }
 
 int32_t __quoGetBrngProperties(int32_t id, BrngProperties* record) {

@@ -101,7 +101,7 @@ bool WriteStream(FILE* file, const FileHeader& header, const StreamState* stream
   for (const StreamChunk* chunk = stream->chunks; chunk != nullptr; chunk = chunk->next) {
     if (!WriteChunk(file, *chunk)) return false;
   }
-  return std::fflush(file) == 0;  // what is still buffered has not been written
+  return true;
 }
 
 // ---- Loading. ----
@@ -165,13 +165,14 @@ int32_t ReadStream(Reader* reader, StreamState** stream) {
   if (!reader->Read(&header, sizeof(header))) return QUO_READ_FAILED;
   if (std::memcmp(header.signature, kSignature, sizeof(kSignature)) != 0) return QUO_BAD_FILE;
   if (header.format != kFormat) return QUO_BAD_FILE_FORMAT;
-  int32_t row, member;
-  const BrngProperties* table = __quoGetBrngBaseOffset(header.id, &row, &member);
-  if (__quoIsBrngValid(table, row, member) != QUO_OK) return QUO_BAD_FILE;
-  if (header.state_size != quo::StateBytes(table[row])) return QUO_BAD_FILE;
+  const BrngProperties* brng = quo::FindBrng(header.id);
+  if (brng == nullptr) return QUO_BAD_FILE;
+  if (header.state_size != quo::StateBytes(*brng)) return QUO_BAD_FILE;
   if (header.header_size < sizeof(FileHeader)) return QUO_BAD_FILE;
 
   if (!reader->MayHold(header.state_size)) return QUO_READ_FAILED;
+  int32_t row, member;
+  const BrngProperties* table = __quoGetBrngBaseOffset(header.id, &row, &member);
   int32_t status = __quoAllocateStream(stream, table, header.id, row, member);
   if (status != QUO_OK) return status;
   if (!reader->Read(quo::StateOf(*stream), header.state_size)) return QUO_READ_FAILED;
@@ -206,6 +207,7 @@ int32_t __quoSaveStreamF(const StreamState* stream, const char* name, int32_t le
   FILE* const file = file_name.Open("wb");
   if (file == nullptr) return QUO_OPEN_FAILED;
   const int32_t status = WriteStream(file, header, stream) ? QUO_OK : QUO_WRITE_FAILED;
+  // Closing writes what is still buffered, so a full disk may show here first.
   return std::fclose(file) == 0 ? status : QUO_CLOSE_FAILED;
 }
 

@@ -92,6 +92,15 @@ HWY_INLINE void Generate250(StateR250& s, size_t n, typename Output::T* r, const
   uint32_t* const words = buffer + kPad;
   std::memcpy(words, s.x + i, (kLag250 - i) * sizeof(uint32_t));
   std::memcpy(words + (kLag250 - i), s.x, i * sizeof(uint32_t));
+  if (n < kLag250) {  // the state as single steps leave it
+    Extend250(words, n, r, output);
+    const size_t to_end = std::min(n, kLag250 - i);
+    std::memcpy(s.x + i, words + kLag250, to_end * sizeof(uint32_t));
+    std::memcpy(s.x, words + kLag250 + to_end, (n - to_end) * sizeof(uint32_t));
+    s.i = static_cast<int32_t>((i + n) % kLag250);
+    s.j = static_cast<int32_t>((j + n) % kLag250);
+    return;
+  }
   const void* last = nullptr;
   if (std::is_same_v<Output, Words> && n >= kDirect250) {
     uint32_t* const w = reinterpret_cast<uint32_t*>(r);

@@ -110,7 +110,7 @@ struct Pair {
       plain = std::make_unique<PlainMrg>(seed);
     }
   }
-  // Of R250 the words from the oldest on: where the circle begins is the generator's own business.
+  // Of R250 the words from the oldest on: long requests are free to begin the circle anew.
   void ExpectSameState() {
     EXPECT_TRUE(stream.RestUntouched());
     std::vector<uint32_t> words = StateWords(stream);
@@ -300,6 +300,27 @@ TEST(R250Seeds, FullRank) {
     }
     EXPECT_EQ(rank, 32);
   }
+}
+
+// Requests below 250 leave words and indices as single steps do: a file of the stream holds them.
+TEST(R250States, AfterShortRequests) {
+  const Generator g = R250();
+  OnEveryLevel([&] {
+    Stream stream(g, kSeed);
+    PlainR250 plain(kSeed);
+    for (int n : {1, 15, 16, 17, 47, 100, 53, 1, 146, 147, 148, 249, 248, 2, 200}) {
+      for (int output = 0; output < 3; ++output) {
+        if (output == 0) stream.Words(n);
+        if (output == 1) stream.Doubles(n);
+        if (output == 2) stream.Floats(n);
+        plain.Words(n);
+        const std::vector<uint32_t> words = StateWords(stream);
+        ASSERT_EQ(words[250], plain.i) << n;
+        ASSERT_EQ(words[251], plain.j) << n;
+        ASSERT_TRUE(std::equal(plain.x.begin(), plain.x.end(), words.begin())) << n;
+      }
+    }
+  });
 }
 
 // The indices come with the state from files and copies; whatever they are counts modulo 250.
