@@ -47,10 +47,10 @@ struct InverseOfErf {
   static constexpr auto& kSingleEP = kErfcInvSingleEP;
   static constexpr bool kSingleTail = false;  // q is 2^-24 at least
   static constexpr double kFactor = 1;
-  template <typename T>  // |x| outside of [2^-900, 1), in single precision [2^-100, 1)
-  struct Rarity : RareOutside<T, sizeof(T) == 8 ? 0x07B00000 : 0x0D800000,
+  template <typename T>  // |x| outside of [2^-35, 1), in single precision [2^-100, 1)
+  struct Rarity : RareOutside<T, sizeof(T) == 8 ? 0x3DC00000 : 0x0D800000,
                               sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F7FFFFF> {
-    using Outside = RareOutside<T, sizeof(T) == 8 ? 0x07B00000 : 0x0D800000,
+    using Outside = RareOutside<T, sizeof(T) == 8 ? 0x3DC00000 : 0x0D800000,
                                 sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F7FFFFF>;
     template <class D>
     static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {

@@ -185,7 +185,9 @@ int dPowScalar(double x, double y, double* r) {
     return PEX_STATUS_OK;
   }
   if (std::isnan(x) || std::isnan(y)) {
-    *r = x + y;
+    const volatile double sum = x + y;  // a signalling NaN raises invalid
+    (void)sum;
+    *r = std::isnan(x) ? x + x : y + y;  // the first of two, in whichever order they are added
     return PEX_STATUS_OK;
   }
   if (x == 0.0) {

@@ -226,8 +226,10 @@ HWY_INLINE V sPowShort(D d, V x, V y) {
   const V head = hn::Add(hn::ConvertTo(d, u.e), row.LookUp(kPowSingleTable.log));
   const V log2 = hn::Add(head, hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, kPowLog2EP))));
   const V z = hn::Mul(y, log2);
-  const V power = sPowExp2<false>(d, z, hn::Zero(d), kPowExp2EP);
   const auto edge = hn::Gt(Bits(d, z), SetBits(d, BitsOfNumber(127.9f)));  // and positive
+  // There the short power could overflow though the power does not.
+  const V common = hn::IfThenZeroElse(hn::RebindMask(d, edge), z);
+  const V power = sPowExp2<false>(d, common, hn::Zero(d), kPowExp2EP);
   if (hn::AllFalse(hn::RebindToSigned<D>(), edge)) [[likely]]
     return power;
   const hn::Half<D> half;

@@ -42,7 +42,9 @@ static HWY_NOINLINE int sPowRare(float x, float y, float* r) {
   if (x != x || y != y) {
     // A signalling NaN raises invalid in the sum.
     const volatile float sum = x + y;
-    *r = x == 1 || y == 0 ? 1.0f : sum;
+    (void)sum;
+    // The first of two, in whichever order they are added.
+    *r = x == 1 || y == 0 ? 1.0f : x != x ? x + x : y + y;
   } else if (x == 1 || y == 0) {
     *r = 1;
   } else if (y == 1) {
