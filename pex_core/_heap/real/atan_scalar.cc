@@ -107,6 +107,11 @@ double Sum(Two v) {
   return hi + v.lo;
 }
 
+void RaiseUnderflow() {
+  const volatile double tiny = std::numeric_limits<double>::min();
+  [[maybe_unused]] const volatile double zero = tiny * tiny;
+}
+
 // atan2(y, x) for y, x >= 0, or pi less that, in the cases that the special values decide.
 bool SpecialAngle(double y, double x, bool left, Two* r) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -156,8 +161,12 @@ int dAtan2Scalar(double y, double x, double* r) {
   const bool left = std::signbit(x);
   const double ay = std::fabs(y), ax = std::fabs(x);
   Two angle;
-  if (!SpecialAngle(ay, ax, left, &angle)) angle = CommonAngle(ay, ax, left);
-  *r = std::copysign(Sum(angle), y);
+  const bool special = SpecialAngle(ay, ax, left, &angle);
+  if (!special) angle = CommonAngle(ay, ax, left);
+  const double sum = Sum(angle);
+  // The quotient may be exact, the angle is not.
+  if (!special && sum < std::numeric_limits<double>::min()) RaiseUnderflow();
+  *r = std::copysign(sum, y);
   return PEX_STATUS_OK;
 }
 

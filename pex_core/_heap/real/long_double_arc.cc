@@ -42,9 +42,11 @@ Pair OneLessSquare(long double a) {
 bool IsTiny(long double x) { return (ToBits(x).sign_exponent & 0x7FFF) < 16383 - 33; }
 
 long double AsinBody(long double x) {
+  if (x != x) [[unlikely]]  // first: an order relation with NaN would raise invalid
+    return x + x;
   const long double a = __builtin_fabsl(x);
-  if (!(a <= 1)) [[unlikely]]
-    return x != x ? x + x : Invalid();
+  if (a > 1) [[unlikely]]
+    return Invalid();
   if (IsTiny(x)) return Tiny(x);
   const Pair cosine = Sqrt(OneLessSquare(a));
   const Pair r = cosine.hi == 0 ? kPiOver2 : AngleOf({a, 0}, cosine);
@@ -52,9 +54,11 @@ long double AsinBody(long double x) {
 }
 
 long double AcosBody(long double x) {
+  if (x != x) [[unlikely]]
+    return x + x;
   const long double a = __builtin_fabsl(x);
-  if (!(a <= 1)) [[unlikely]]
-    return x != x ? x + x : Invalid();
+  if (a > 1) [[unlikely]]
+    return Invalid();
   if (a == 1) return x < 0 ? kPi.hi : 0;
   if (ToBits(a).sign_exponent < 16383 - 140) return kPiOver2.hi;
   const Pair angle = AngleOf(Sqrt(OneLessSquare(a)), {a, 0});

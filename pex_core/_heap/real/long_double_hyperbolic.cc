@@ -95,7 +95,8 @@ long double AsinhBody(long double x) {
 }
 
 long double AcoshBody(long double x) {
-  if (!(x >= 1)) return x != x ? x + x : Invalid();
+  if (x != x) return x + x;  // first: an order relation with NaN would raise invalid
+  if (x < 1) return Invalid();
   if (x == kInfinity) return x;
   if (x > kLogarithmic) return LogOfTwice(x);
   if (x == 1) return 0;
@@ -106,9 +107,9 @@ long double AcoshBody(long double x) {
 }
 
 long double AtanhBody(long double x) {
+  if (x != x) return x + x;
   const long double a = __builtin_fabsl(x);
-  if (!(a < 1)) {
-    if (x != x) return x + x;
+  if (a >= 1) {
     if (a > 1) return Invalid();
     long double zero = 0;
     __asm__ volatile("" : "+t"(zero));
