@@ -380,7 +380,8 @@ QUO_API int32_t __quoLoadStreamF(StreamState** stream, const char* name, int32_t
 
 /* Every distribution call returns the generator's status, a negative one unchanged, or -1000 for a
  * stream that names no generator. It computes in round-to-nearest without flushing, whatever the
- * caller has set, and leaves errno and the exception flags as they were, inexact aside. */
+ * caller has set, and leaves errno and the exception flags as they were, inexact aside and what
+ * Cauchy and lognormal report. */
 
 /* n uniforms on [a, b), one generator output each; rounding may give b itself. The accurate method
  * gives min(b, max(a, r)), in this order: a bound that is NaN bounds nothing, a NaN from the
@@ -466,7 +467,10 @@ QUO_API int32_t _quosRngGaussianMV(uint32_t method, StreamState* stream, int32_t
  * positive number: a generator's u = 0 gives a finite number. What a user's generator may give
  * outside [0, 1) is special too: its logarithm becomes the same value in exponential, Laplace and
  * Gumbel, and stays what it is in the others. No special element reaches the thread's callback,
- * mode or status.
+ * mode or status but in the last function of Cauchy and lognormal, which has no callback of its
+ * own: an exponential that overflows or underflows, or the tangent of an infinity that a user's
+ * generator gives, is reported as _pexdExp_26 and _pexdTan_26 report it, by its place in r, and the
+ * thread's callback may replace it.
  *
  * After a negative status r holds what the generator left there, untransformed. */
 
@@ -501,7 +505,7 @@ QUO_API int32_t _quosRngRayleigh(uint32_t method, StreamState* stream, int32_t n
                                  float beta);
 /* Lognormal: max(b, exp(z) beta + b), z normal with mean a and deviation sigma: method 1 of
  * _quodRngGaussian, whose uniforms it takes and whose pair it holds over to the next call. A status
- * of the normals is returned (-4 among them). What overflows is infinite. */
+ * of the normals is returned (-4 among them). What overflows is infinite, and reported. */
 QUO_API int32_t _quodRngLognormal(uint32_t method, StreamState* stream, int32_t n, double* r,
                                   double a, double sigma, double b, double beta);
 QUO_API int32_t _quosRngLognormal(uint32_t method, StreamState* stream, int32_t n, float* r,

@@ -17,9 +17,7 @@ namespace pex::unguarded {
   int d##Function##_26(int32_t n, const double* a, double* r); \
   int s##Function##_21(int32_t n, const float* a, float* r);
 QUO_UNARY(Ln)
-QUO_UNARY(Exp)
 QUO_UNARY(Sin)
-QUO_UNARY(Tan)
 QUO_UNARY(Sqrt)
 QUO_UNARY(ErfInv)
 #undef QUO_UNARY
@@ -40,16 +38,19 @@ inline void Ln(int32_t n, double* r) { math::dLn_26(n, r, r); }
 inline void Ln(int32_t n, float* r) { math::sLn_21(n, r, r); }
 inline void Ln(int32_t n, const double* x, double* r) { math::dLn_26(n, x, r); }
 inline void Ln(int32_t n, const float* x, float* r) { math::sLn_21(n, x, r); }
-inline void Exp(int32_t n, double* r) { math::dExp_26(n, r, r); }
-inline void Exp(int32_t n, float* r) { math::sExp_21(n, r, r); }
-inline void Tan(int32_t n, double* r) { math::dTan_26(n, r, r); }
-inline void Tan(int32_t n, float* r) { math::sTan_21(n, r, r); }
 inline void Sqrt(int32_t n, double* r) { math::dSqrt_26(n, r, r); }
 inline void Sqrt(int32_t n, float* r) { math::sSqrt_21(n, r, r); }
 inline void Powx(int32_t n, double* r, double y) { _pexdPowx_26(n, r, y, r); }
 inline void Powx(int32_t n, float* r, float y) { _pexsPowx_21(n, r, y, r); }
 
-// Callbacks for VectorMath: kTab[0] for every special element, for poles only, and none at all.
+// For callers without a VectorMath: special elements are reported as the thread's mode and callback
+// say, by their places in r, and the callback may replace them.
+inline void ExpAsSet(int32_t n, double* r) { _pexdExp_26(n, r, r); }
+inline void ExpAsSet(int32_t n, float* r) { _pexsExp_21(n, r, r); }
+inline void TanAsSet(int32_t n, double* r) { _pexdTan_26(n, r, r); }
+inline void TanAsSet(int32_t n, float* r) { _pexsTan_21(n, r, r); }
+
+// Callbacks for VectorMath: kTab[0] for every special element, and for poles only.
 template <const auto& kTab>
 int ReplaceAll(PexErrorContext* record) {
   return ReplaceBy(record, kTab[0]);
@@ -58,7 +59,6 @@ template <const auto& kTab>
 int ReplacePoles(PexErrorContext* record) {
   return record->code == PEX_STATUS_SINGULARITY ? ReplaceBy(record, kTab[0]) : 0;
 }
-inline int KeepResults(PexErrorContext*) { return 0; }
 
 }  // namespace quo
 

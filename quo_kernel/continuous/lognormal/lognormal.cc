@@ -1,5 +1,7 @@
 // Lognormal: max(b, x beta + b), x = exp(z), z normal with mean a and deviation sigma by the form
-// of Box and Muller that gives both numbers of a pair. An overflow stays infinite.
+// of Box and Muller that gives both numbers of a pair. An overflow stays infinite. No callback of
+// its own stands behind the exponential: what overflows or underflows is reported as the caller has
+// set.
 #include "pexquo/quo.h"
 #include "quo_kernel/_kernel/passes.h"
 #include "quo_kernel/_kernel/vector_math.h"
@@ -19,12 +21,10 @@ int32_t Gaussian(StreamState* stream, int32_t n, float* r, float a, float sigma)
 template <typename T>
 int32_t Lognormal(StreamState* stream, int32_t n, T* r, T a, T sigma, T b, T beta) {
   const int32_t status = Gaussian(stream, n, r, a, sigma);
-  if (status < 0) return status;
-  const VectorMath borrowed(KeepResults);
-  InBlocks(n, r, [=](int32_t m, T* x) {
-    Exp(m, x);
-    DisplaceUp(m, x, b, beta);
-  });
+  if (status < 0 || n < 1) return status;
+  ExpAsSet(n, r);
+  const QuietCall quiet;
+  DisplaceUp(n, r, b, beta);
   return status;
 }
 
