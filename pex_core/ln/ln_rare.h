@@ -15,7 +15,8 @@ template <typename T>
 inline bool IsNaN(T x) {
   using Bits = std::conditional_t<sizeof(T) == 8, uint64_t, uint32_t>;
   constexpr Bits kSign = Bits{1} << (8 * sizeof(T) - 1);
-  return (std::bit_cast<Bits>(x) & ~kSign) > std::bit_cast<Bits>(std::numeric_limits<T>::infinity());
+  return (std::bit_cast<Bits>(x) & ~kSign) >
+         std::bit_cast<Bits>(std::numeric_limits<T>::infinity());
 }
 
 // The logarithm of any x with an error below 0.53 ulp, natural and decimal; returns the status
