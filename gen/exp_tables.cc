@@ -10,8 +10,11 @@
 
 namespace {
 
+// Whether the rest below a double is given as it is or in units of the double.
+enum class Rest { kAbsolute, kRelative };
+
 // 2^(j/steps), and the rest below its double.
-void Power(int j, int steps, double* hi, double* lo) {
+void Power(int j, int steps, double* hi, double* lo, Rest kind = Rest::kAbsolute) {
   mpfr_t x;
   mpfr_init2(x, 300);
   mpfr_set_si(x, j, MPFR_RNDN);
@@ -19,6 +22,7 @@ void Power(int j, int steps, double* hi, double* lo) {
   mpfr_exp2(x, x, MPFR_RNDN);
   *hi = mpfr_get_d(x, MPFR_RNDN);
   mpfr_sub_d(x, x, *hi, MPFR_RNDN);
+  if (kind == Rest::kRelative) mpfr_div_d(x, x, *hi, MPFR_RNDN);
   *lo = mpfr_get_d(x, MPFR_RNDN);
   mpfr_clear(x);
 }
@@ -84,12 +88,13 @@ void Packed(const char* name) {
   std::printf("};\n");
 }
 
-void Pairs(const char* name, int steps) {
-  std::printf("\n// 2^(j/%d) as a double and the rest below it, j = 0 .. %d.\n", steps, steps - 1);
+void Pairs(const char* name, int steps, Rest kind) {
+  std::printf("\n// 2^(j/%d) as a double and the rest below it%s, j = 0 .. %d.\n", steps,
+              kind == Rest::kRelative ? " in units of that double" : "", steps - 1);
   std::printf("alignas(64) inline constexpr double %s[%d][2] = {\n", name, steps);
   for (int j = 0; j < steps; ++j) {
     double hi, lo;
-    Power(j, steps, &hi, &lo);
+    Power(j, steps, &hi, &lo, kind);
     std::printf("    {%a, %a},\n", hi, lo);
   }
   std::printf("};\n");
@@ -106,6 +111,7 @@ int main() {
   Single("dExp_EP_Table", 128, 0.5);
   Products();
   Packed("dExpPackedTable");
-  Pairs("_pexdExpHATab", 64);
+  Pairs("_pexdExpHATab", 64, Rest::kRelative);
+  Pairs("dHyperbolic_Table", 64, Rest::kAbsolute);
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_EXP_TABLES_H_\n");
 }

@@ -45,7 +45,7 @@ Scaled ScaledExp(double x) {
                                            r * (0.008333341995140497 + r * 0.0013888870459233254)));
   const double p = r + r * r * q;
   const double* row = _pexdExpHATab[k & 63];
-  return {row[0], row[1] + row[0] * p, k >> 6};
+  return {row[0], row[0] * (p + row[1]), k >> 6};
 }
 
 double PowerOfTwo(int n) { return std::bit_cast<double>(static_cast<uint64_t>(n + 1023) << 52); }

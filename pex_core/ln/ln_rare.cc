@@ -80,8 +80,8 @@ int LogScalar(float x, float* r) {
 template <typename T>
 bool LogSpecial(T x, T* r, int* code) {
   using Limits = std::numeric_limits<T>;
-  if (x != x) {
-    *r = x + x;
+  if (IsNaN(x)) {
+    *r = x;
   } else if (x == 0) {
     *r = -Limits::infinity();
     *code = PEX_STATUS_SINGULARITY;

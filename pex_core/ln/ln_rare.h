@@ -2,7 +2,22 @@
 #ifndef PEX_CORE_LN_LN_RARE_H_
 #define PEX_CORE_LN_LN_RARE_H_
 
+#include <bit>
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+
 namespace pex {
+
+// By the bits, as a comparison of a signalling NaN raises invalid: logarithms hand every NaN on as
+// it is.
+template <typename T>
+inline bool IsNaN(T x) {
+  using Bits = std::conditional_t<sizeof(T) == 8, uint64_t, uint32_t>;
+  constexpr Bits kSign = Bits{1} << (8 * sizeof(T) - 1);
+  return (std::bit_cast<Bits>(x) & ~kSign) >
+         std::bit_cast<Bits>(std::numeric_limits<T>::infinity());
+}
 
 // The logarithm of any x with an error below 0.53 ulp, natural and decimal; returns the status
 // code: 1 for negative numbers (NaN), 2 for zeros (-inf), 0 otherwise.

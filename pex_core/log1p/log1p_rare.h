@@ -7,10 +7,10 @@
 namespace pex {
 
 // Status 2 for -1 (-inf), 1 below it (NaN), 0 otherwise. 1 + x has the sign and the zero that
-// decide, and is as good as x where x is large.
+// decide, and is as good as x where x is large. A NaN stays as it is.
 template <typename T>
 inline int Log1pRare(T x, T* r, int (*ln)(T, T*)) {
-  return ln(x + T(1), r);
+  return ln(IsNaN(x) ? x : x + T(1), r);
 }
 
 }  // namespace pex

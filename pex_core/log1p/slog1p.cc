@@ -4,7 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/slog-inl.h"
-#include "pex_core/ln/ln_rare.h"
+#include "pex_core/log1p/log1p_rare.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
@@ -20,7 +20,7 @@ struct sLog1pRarity : RareOutside<float, 0x35800000, 0x7E7FFFFF> {
   }
 };
 
-inline int sLog1pRare(float x, float* r) { return sLnScalar(x + 1.0f, r); }
+inline int sLog1pRare(float x, float* r) { return Log1pRare(x, r, sLnScalar); }
 
 struct sLog1pKernel : Kernel<float> {
   static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 6 : 8;

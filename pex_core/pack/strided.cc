@@ -58,18 +58,24 @@ int64_t PackQuads(int64_t n, const T* a, int64_t inc, T* y) {
   return i;
 }
 
-// True, with everything done, when y does not begin behind a within the range.
+// y[i] = a[i]. Where y begins behind a within the range, one element after the other: left to
+// itself the compiler moves whole vectors once it believes the arrays to lie whole elements apart.
 template <typename T>
-bool Moved(int64_t n, const T* a, T* y) {
-  if (y > a && y < a + n) return false;
-  std::memmove(y, a, static_cast<size_t>(n) * sizeof(T));
-  return true;
+int PackContiguous(int64_t n, const T* a, T* y) {
+  if (y > a && y < a + n) {
+    const volatile T* const from = a;
+    volatile T* const to = y;
+    for (int64_t i = 0; i < n; ++i) to[i] = from[i];
+  } else {
+    std::memmove(y, a, static_cast<size_t>(n) * sizeof(T));
+  }
+  return 0;
 }
 
 template <typename T>
 int PackStrided(int64_t n, const T* a, int64_t inc, T* y) {
   if (n <= 0) return 0;
-  if (inc == 1 && Moved(n, a, y)) return 0;
+  if (inc == 1) return PackContiguous(n, a, y);
   const int64_t last = (n - 1) * inc;
   const T* const first = last < 0 ? a + last : a;
   const size_t extent = static_cast<size_t>(last < 0 ? -last : last) + 1;
@@ -84,7 +90,7 @@ int PackStrided(int64_t n, const T* a, int64_t inc, T* y) {
 template <typename T>
 int UnpackStrided(int64_t n, const T* a, T* y, int64_t inc) {
   if (n <= 0) return 0;
-  if (inc == 1 && Moved(n, a, y)) return 0;
+  if (inc == 1) return PackContiguous(n, a, y);
   for (int64_t i = 0; i < n; ++i) y[i * inc] = a[i];
   return 0;
 }

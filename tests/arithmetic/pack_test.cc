@@ -262,6 +262,31 @@ TEST(Pack, RandomCallsWithArraysThatOverlap) {
   }
 }
 
+// A result that begins less than an element behind its argument cuts every element of the argument.
+TEST(Pack, ArraysLessThanAnElementApart) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the sanitizers take a misaligned element for a fault of the library";
+#endif
+  Random random(11);
+  Arena arena(8192);
+  for (const Level& level : Levels()) {
+    const OnLevel on(level);
+    for (const Kind kind : {Kind::PackI, Kind::UnpackI}) {
+      for (const bool is_double : {false, true}) {
+        for (int64_t n = 1; n <= 100; ++n) {
+          for (int64_t apart = -70; apart <= 70; ++apart) {
+            if (n % 10 == 1 && apart == -70) FillElements(random, arena.at(0), arena.size());
+            char* const a = arena.at(4096);
+            ASSERT_TRUE(
+                arena.SameAsLoop({kind, is_double, 0, n, 1, a, a + apart, arena.at(0)}, level))
+                << "apart " << apart;
+          }
+        }
+      }
+    }
+  }
+}
+
 // Every array ends, or begins, where memory does, and holds exactly what the call needs.
 TEST(Pack, NothingOutsideIsTouched) {
   const GuardedPages a_pages(16384), y_pages(16384), index_pages(16384);
