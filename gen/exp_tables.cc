@@ -112,6 +112,6 @@ int main() {
   Products();
   Packed("dExpPackedTable");
   Pairs("_pexdExpHATab", 64, Rest::kRelative);
-  Pairs("dHyperbolic_Table", 64, Rest::kAbsolute);
+  Pairs("dHyperbolicTable", 64, Rest::kAbsolute);
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_EXP_TABLES_H_\n");
 }

@@ -674,7 +674,7 @@ alignas(64) inline constexpr double _pexdExpHATab[64][2] = {
 };
 
 // 2^(j/64) as a double and the rest below it, j = 0 .. 63.
-alignas(64) inline constexpr double dHyperbolic_Table[64][2] = {
+alignas(64) inline constexpr double dHyperbolicTable[64][2] = {
     {0x1p+0, 0x0p+0},
     {0x1.02c9a3e778061p+0, -0x1.19083535b085dp-56},
     {0x1.059b0d3158574p+0, 0x1.d73e2a475b465p-55},

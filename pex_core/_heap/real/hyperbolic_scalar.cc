@@ -49,7 +49,7 @@ double HalfExp(double x) {
       0.5 + r * (0.1666666666665788 + r * (0.04166666666677052 +
                                            r * (0.008333341995140497 + r * 0.0013888870459233254)));
   const double p = r + r * r * q;
-  const double* t = dHyperbolic_Table[j];
+  const double* t = dHyperbolicTable[j];
   const double v = t[0] + (t[1] + t[0] * p);
   // 2^1024 is no double, so the last octave is reached in two steps.
   return m > 1024 ? v * PowerOfTwo(m - 2) * 2.0 : v * PowerOfTwo(m - 1);
@@ -60,8 +60,8 @@ double TwoSided(double x, double sign) {
   const auto [m, j, r] = Reduce(x);
   const double up = PowerOfTwo(m - 1);
   const double down = sign * (j == 0 ? PowerOfTwo(-m - 1) : PowerOfTwo(-m - 2));
-  const double* a = dHyperbolic_Table[j];
-  const double* b = dHyperbolic_Table[-j & 63];
+  const double* a = dHyperbolicTable[j];
+  const double* b = dHyperbolicTable[-j & 63];
   const double grow = a[0] * up, decay = b[0] * down;
   const double sum = grow + decay, difference = grow - decay;
   const double r2 = r * r;
