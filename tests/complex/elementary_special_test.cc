@@ -557,4 +557,13 @@ TEST(ComplexElementary, LogarithmsNextToTheUnitCircle) {
   }
 }
 
+// Its error times the exponent would be that of a power.
+TEST(ComplexElementary, LargePowersOfNumbersInsideTheUnitCircle) {
+  const Number a = {0x1.68d6bf298599p-1, -0x1.68c32b968681fp-1}, b = {1e5, 3};
+  const Number r = Call(EntryOf("Pow", 'z'), a, b).r;
+  EXPECT_LE(std::hypot(r.re + 0x1.d344cd9df4fc1p-493, r.im + 0x1.0ddf99ef53da1p-491),
+            0x1p-51 * std::hypot(r.re, r.im))
+      << Text(r);
+}
+
 }  // namespace
