@@ -39,6 +39,9 @@ struct SingleSqrtLA : ComplexKernel<float> {
   }
 };
 
+template <typename T>
+inline constexpr T kNothing = sizeof(T) == 8 ? T(0x1p-60) : T(0x1p-30);
+
 // The parts of roots without signs: m = sqrt((|x| + |z|)/2) and |y|/2m. |z|/2 comes from its square
 // in two parts and is itself in two parts, and so is m; m and |y|/2m are rounded once.
 template <class D, class V, size_t K>
@@ -56,7 +59,10 @@ HWY_INLINE void RootParts(D d, const Complex<V> (&z)[K], V (&major)[K], V (&mino
   for (size_t k = 0; k < K; ++k) {
     x[k] = hn::Mul(hn::Abs(z[k].re), half);
     y[k] = hn::Mul(hn::Abs(z[k].im), half);
-    const Pair<V> square = SumOfSquares(d, Complex<V>{x[k], y[k]});
+    // A part whose square counts for nothing is left out, for products of that square underflow.
+    const V more = hn::Max(x[k], y[k]), less = hn::Min(x[k], y[k]);
+    const auto nothing = hn::Lt(less, hn::Mul(more, hn::Set(d, kNothing<T>)));
+    const Pair<V> square = SumOfSquares(d, Complex<V>{more, hn::IfThenZeroElse(nothing, less)});
     const V s = hn::Sqrt(square.hi);
     const V rest = hn::Mul(hn::Add(Remainder(d, square.hi, s, s), square.lo), half_inverse(s));
     const Pair<V> t = FastTwoSum(s, x[k]);

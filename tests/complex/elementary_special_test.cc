@@ -566,4 +566,37 @@ TEST(ComplexElementary, LargePowersOfNumbersInsideTheUnitCircle) {
       << Text(r);
 }
 
+// Exact squares, and parts too small to count beside them: their products underflow in silence.
+TEST(ComplexElementary, NothingUnderflowsOnTheWay) {
+  struct Range {
+    const char* function;
+    char type;
+    int low, high;  // of the smaller and the larger part's exponent
+  };
+  for (const Range& c :
+       {Range{"Ln", 'z', -400, 400}, Range{"Log10", 'z', -400, 400}, Range{"Sqrt", 'z', -400, 400},
+        Range{"Atan", 'z', -200, 200}, Range{"Atanh", 'z', -200, 200}, Range{"Ln", 'c', -60, 60},
+        Range{"Log10", 'c', -60, 60}, Range{"Sqrt", 'c', -60, 60}, Range{"Atan", 'c', -60, 30},
+        Range{"Atanh", 'c', -60, 30}}) {
+    for (const pex::Tier tier : kTiers) {
+      const pex::Entry& entry = EntryOf(c.function, c.type, tier);
+      for (const Level& level : kLevels) {
+        if (!ProcessorHas(level)) continue;
+        const UseLevel use(level);
+        for (int high = 0; high < c.high; high += 3) {
+          for (int low = -3; low >= c.low; low -= 5) {
+            const Number z = {std::ldexp(1.0, high), std::ldexp(1.25, low)};
+            for (const int n : {1, 5}) {
+              const Outcome r[] = {Call(entry, z, {1, 1}, n, n / 2),
+                                   Call(entry, {-z.im, z.re}, {1, 1}, n, n / 2)};
+              ASSERT_EQ(r[0].flags, 0u) << entry.symbol << Text(z) << " on " << level.name;
+              ASSERT_EQ(r[1].flags, 0u) << entry.symbol << "i" << Text(z) << " on " << level.name;
+            }
+          }
+        }
+      }
+    }
+  }
+}
+
 }  // namespace
