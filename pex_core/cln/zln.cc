@@ -13,12 +13,13 @@ namespace pex::HWY_NAMESPACE {
 // place that s may be off by are at most one of the result's.
 using OffCircle = RareOutside<double, 0x3FD80000, 0x4005FFFF>;
 // The polynomial's argument t with what s lacks of x^2 + y^2, for lanes near the circle.
-template <class D, class V = VecOf<D>>
+template <bool kWide, class D, class V = VecOf<D>>
 HWY_INLINE V AddRestOfSquare(D d, Complex<V> z, V s, LogShort<D> u, V t) {
   const V ax = hn::Abs(z.re), ay = hn::Abs(z.im);
   const V more = hn::Max(ax, ay), less = hn::Min(ax, ay);
   const Pair<V> x2 = TwoProduct(d, more, more), y2 = TwoProduct(d, less, less);
-  const V rest = hn::Add(hn::Sub(y2.hi, hn::Sub(s, x2.hi)), hn::Add(x2.lo, y2.lo));
+  V rest = hn::Add(hn::Sub(y2.hi, hn::Sub(s, x2.hi)), hn::Add(x2.lo, y2.lo));
+  if constexpr (kWide) rest = RestThatCounts(d, s, rest);
   const auto power = hn::Add(hn::Sub(Bits(d, u.m), Bits(d, s)), SetBits(d, BitsOfNumber(1.0)));
   const V sum = hn::Add(t, hn::Mul(rest, hn::Mul(u.c, FromBits(d, power))));
   const V r = hn::IfThenElse(LanesBeyond<OffCircle>(d, s), t, sum);
@@ -64,9 +65,9 @@ struct dComplexLnLA : dComplexLn<kWide> {
     LogShortReduce(d, s, u);
     for (size_t k = 0; k < K; ++k) t[k] = ProductLessOne(d, u[k].m, u[k].c);
     if (AnyWithin<OffCircle>(d, s)) [[unlikely]] {
-      for (size_t k = 0; k < K; ++k) t[k] = AddRestOfSquare(d, z[k], s[k], u[k], t[k]);
+      for (size_t k = 0; k < K; ++k) t[k] = AddRestOfSquare<kWide>(d, z[k], s[k], u[k], t[k]);
     }
-    LogShortSum(d, u, t, size);
+    LogShortSum<kWide>(d, u, t, size);
     Base::Results(d, z, size, octant, kAtanOctantLA, r);
   }
 };
@@ -93,7 +94,11 @@ struct dComplexLnEP : dComplexLn<kWide> {
         t[k] = hn::IfThenElse(LanesBeyond<OffOne>(d, s[k]), t[k], exact);
       }
     }
-    for (size_t k = 0; k < K; ++k) t2[k] = hn::Mul(t[k], t[k]);
+    for (size_t k = 0; k < K; ++k) {
+      V part = t[k];
+      if constexpr (kWide) part = ToBeSquared(d, part);
+      t2[k] = hn::Mul(part, part);
+    }
     EvenOdd(d, t, t2, kLnEP, q);
     for (size_t k = 0; k < K; ++k) {
       constexpr double kLog2 = (NaturalLog::kLog2Hi + NaturalLog::kLog2Lo) * kExponentUnit;

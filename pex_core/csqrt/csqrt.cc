@@ -39,9 +39,13 @@ struct SingleSqrtLA : ComplexKernel<float> {
   }
 };
 
+template <typename T>
+inline constexpr T kNothing = sizeof(T) == 8 ? T(0x1p-60) : T(0x1p-30);
+
 // The parts of roots without signs: m = sqrt((|x| + |z|)/2) and |y|/2m. |z|/2 comes from its square
-// in two parts and is itself in two parts, and so is m; m and |y|/2m are rounded once.
-template <class D, class V, size_t K>
+// in two parts and is itself in two parts, and so is m; m and |y|/2m are rounded once. kFar: a part
+// whose square counts for nothing is left out, for products of that square underflow.
+template <bool kFar, class D, class V, size_t K>
 HWY_INLINE void RootParts(D d, const Complex<V> (&z)[K], V (&major)[K], V (&minor)[K]) {
   using T = hn::TFromD<D>;
   using C = RootConstants<T>;
@@ -56,7 +60,13 @@ HWY_INLINE void RootParts(D d, const Complex<V> (&z)[K], V (&major)[K], V (&mino
   for (size_t k = 0; k < K; ++k) {
     x[k] = hn::Mul(hn::Abs(z[k].re), half);
     y[k] = hn::Mul(hn::Abs(z[k].im), half);
-    const Pair<V> square = SumOfSquares(d, Complex<V>{x[k], y[k]});
+    Complex<V> parts = {x[k], y[k]};
+    if constexpr (kFar) {
+      const V more = hn::Max(x[k], y[k]), less = hn::Min(x[k], y[k]);
+      const auto nothing = hn::Lt(less, hn::Mul(more, hn::Set(d, kNothing<T>)));
+      parts = {more, hn::IfThenZeroElse(nothing, less)};
+    }
+    const Pair<V> square = SumOfSquares(d, parts);
     const V s = hn::Sqrt(square.hi);
     const V rest = hn::Mul(hn::Add(Remainder(d, square.hi, s, s), square.lo), half_inverse(s));
     const Pair<V> t = FastTwoSum(s, x[k]);
@@ -73,17 +83,17 @@ HWY_INLINE void RootParts(D d, const Complex<V> (&z)[K], V (&major)[K], V (&mino
   }
 }
 
-template <class D, class V, size_t K>
+template <bool kFar, class D, class V, size_t K>
 HWY_INLINE void Roots(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
   V major[K], minor[K];
-  RootParts(d, z, major, minor);
+  RootParts<kFar>(d, z, major, minor);
   for (size_t k = 0; k < K; ++k) {
     r[k] = {hn::IfNegativeThenElse(z[k].re, minor[k], major[k]),
             hn::CopySignToAbs(hn::IfNegativeThenElse(z[k].re, major[k], minor[k]), z[k].im)};
   }
 }
 
-template <typename T, int kLow, int kHigh>
+template <typename T, int kLow, int kHigh, bool kFar = true>
 struct SqrtInPairs : ComplexKernel<T> {
   using Range = PartRange<kLow, kHigh>;
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 && sizeof(T) == 8 ? 2 : 4;
@@ -98,14 +108,17 @@ struct SqrtInPairs : ComplexKernel<T> {
   }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
-    Roots(d, z, r);
+    Roots<kFar>(d, z, r);
   }
   static Complex<T> Rare(Complex<T> z) {
     return RoundedScalar<T, _pexcsqrt_scalar, double, double>(z.re, z.im);
   }
 };
 
-using DoubleSqrt = SqrtInPairs<double, -400, 400>;
+// Of parts within these magnitudes all products are normal.
+struct DoubleSqrt : SqrtInPairs<double, -180, 180, false> {
+  using Wide = SqrtInPairs<double, -400, 400>;
+};
 
 // Common lanes have exact squares; the others are computed in double precision.
 using SingleSqrtCommon = SqrtInPairs<float, -48, 60>;
@@ -119,7 +132,7 @@ struct SingleSqrtWide : SqrtInPairs<float, -150, 128> {
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[1], Complex<V> (&r)[1]) {
     const auto beyond = SingleSqrtCommon::IsRare(d, z[0]);
     const Complex<V> in[1] = {Replace(d, beyond, z[0], 1)};
-    Roots(d, in, r);
+    Roots<true>(d, in, r);
     const hn::Half<D> half;
     const auto low = InDouble(half, {hn::LowerHalf(half, z[0].re), hn::LowerHalf(half, z[0].im)});
     const auto high = InDouble(half, {hn::UpperHalf(half, z[0].re), hn::UpperHalf(half, z[0].im)});

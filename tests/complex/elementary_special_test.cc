@@ -513,4 +513,90 @@ TEST(ComplexElementary, NothingOverflowsOnTheWay) {
             0u);
 }
 
+// Next to the unit circle the logarithm is that of the exact x^2 + y^2: also where the larger
+// square is below 1/2, and its difference from 1 is no double.
+TEST(ComplexElementary, LogarithmsNextToTheUnitCircle) {
+  constexpr int kCount = 20000;
+  const uint64_t seed = 5;
+  Random random(seed);
+  std::vector<double> a(2 * kCount);
+  std::vector<long double> modulus(kCount);
+  for (int i = 0; i < kCount; ++i) {
+    const double half = 0x1.6a09e667f3bcdp-1;  // sqrt(1/2)
+    const double spread = std::ldexp(random.Unit(), -static_cast<int>(random.Below(45)));
+    const double x = half * (1 + (random.Below(2) ? spread * 0.4 : -spread * 0.4));
+    double y = std::sqrt(1 - x * x);
+    y += std::ldexp(y, -22 - static_cast<int>(random.Below(32))) * (2 * random.Unit() - 1);
+    const auto in_units = [](double v) { return static_cast<__int128>(std::ldexp(v, 55)); };
+    const double parts[] = {x, y};  // multiples of 2^-55
+    const __int128 size = in_units(parts[0]) * in_units(parts[0]) +
+                          in_units(parts[1]) * in_units(parts[1]) - (__int128{1} << 110);
+    modulus[i] = std::log1p(std::ldexp(static_cast<long double>(size), -110)) / 2;
+    const bool swap = random.Below(2);
+    a[2 * i] = parts[swap];
+    a[2 * i + 1] = parts[!swap];
+  }
+  struct Want {
+    const char* function;
+    pex::Tier tier;
+    long double factor;
+    double bound;
+  };
+  for (const Want& want :
+       {Want{"Ln", pex::Tier::HA, 1, 0x1p-52}, Want{"Ln", pex::Tier::LA, 1, 0x1p-50},
+        Want{"Ln", pex::Tier::EP, 1, 0x1p-26},
+        Want{"Log10", pex::Tier::HA, 0.434294481903251827651L, 0x1p-52}}) {
+    const pex::Entry& entry = EntryOf(want.function, 'z', want.tier);
+    std::vector<double> r(2 * kCount);
+    entry.Call(kCount, a.data(), nullptr, r.data(), nullptr);
+    for (int i = 0; i < kCount; ++i) {
+      const long double wanted = modulus[i] * want.factor;
+      EXPECT_LE(std::fabs(r[2 * i] - wanted), want.bound * std::fabs(wanted))
+          << entry.symbol << Text({a[2 * i], a[2 * i + 1]}) << " " << r[2 * i] << ", seed " << seed;
+    }
+  }
+}
+
+// Its error times the exponent would be that of a power.
+TEST(ComplexElementary, LargePowersOfNumbersInsideTheUnitCircle) {
+  const Number a = {0x1.68d6bf298599p-1, -0x1.68c32b968681fp-1}, b = {1e5, 3};
+  const Number r = Call(EntryOf("Pow", 'z'), a, b).r;
+  EXPECT_LE(std::hypot(r.re + 0x1.d344cd9df4fc1p-493, r.im + 0x1.0ddf99ef53da1p-491),
+            0x1p-51 * std::hypot(r.re, r.im))
+      << Text(r);
+}
+
+// Exact squares, and parts too small to count beside them: their products underflow in silence.
+TEST(ComplexElementary, NothingUnderflowsOnTheWay) {
+  struct Range {
+    const char* function;
+    char type;
+    int low, high;  // of the smaller and the larger part's exponent
+  };
+  for (const Range& c :
+       {Range{"Ln", 'z', -400, 400}, Range{"Log10", 'z', -400, 400}, Range{"Sqrt", 'z', -400, 400},
+        Range{"Atan", 'z', -200, 200}, Range{"Atanh", 'z', -200, 200}, Range{"Ln", 'c', -60, 60},
+        Range{"Log10", 'c', -60, 60}, Range{"Sqrt", 'c', -60, 60}, Range{"Atan", 'c', -60, 30},
+        Range{"Atanh", 'c', -60, 30}}) {
+    for (const pex::Tier tier : kTiers) {
+      const pex::Entry& entry = EntryOf(c.function, c.type, tier);
+      for (const Level& level : kLevels) {
+        if (!ProcessorHas(level)) continue;
+        const UseLevel use(level);
+        for (int high = 0; high < c.high; high += 3) {
+          for (int low = -3; low >= c.low; low -= 5) {
+            const Number z = {std::ldexp(1.0, high), std::ldexp(1.25, low)};
+            for (const int n : {1, 5}) {
+              const Outcome r[] = {Call(entry, z, {1, 1}, n, n / 2),
+                                   Call(entry, {-z.im, z.re}, {1, 1}, n, n / 2)};
+              ASSERT_EQ(r[0].flags, 0u) << entry.symbol << Text(z) << " on " << level.name;
+              ASSERT_EQ(r[1].flags, 0u) << entry.symbol << "i" << Text(z) << " on " << level.name;
+            }
+          }
+        }
+      }
+    }
+  }
+}
+
 }  // namespace

@@ -77,7 +77,7 @@ HWY_INLINE void LogOfRatio(D d, const Pair<V> (&s)[K], const V (&u)[K], V (&r)[K
   }
   for (size_t k = 0; k < K; ++k) {
     w[k] = hn::Div(t[k], hn::Add(t[k], hn::Set(d, 2.0)));
-    if constexpr (kTiny) w[k] = hn::IfThenZeroElse(MagnitudeBelow(d, w[k], 0x1p-300), w[k]);
+    if constexpr (kTiny) w[k] = ToBeSquared(d, w[k]);
     w2[k] = hn::Mul(w[k], w[k]);
   }
   Horner(d, w2, kLnShort, p);
@@ -90,7 +90,7 @@ HWY_INLINE void LogOfRatio(D d, const Pair<V> (&s)[K], const V (&u)[K], V (&r)[K
   }
 }
 
-// The angle of (x, y) without a sign, y >= 0. kTiny: y/x may be below 2^-300 or 0.
+// The angle of (x, y) without a sign, y >= 0. kTiny: y/x may be below 2^-250 or 0.
 template <bool kTiny, class D, class V, size_t K>
 HWY_INLINE void AngleOfPair(D d, const Pair<V> (&x)[K], const V (&y)[K], V (&r)[K]) {
   V q[K], low[K], tail[K], base[K], turn[K];
@@ -120,11 +120,11 @@ HWY_INLINE void AngleOfPair(D d, const Pair<V> (&x)[K], const V (&y)[K], V (&r)[
   }
 }
 
-// kWide: parts from 2^-200 to 2^200 and zeros instead of 2^-100 to 2^100.
+// kWide: parts from 2^-200 to 2^200 and zeros instead of 2^-80 to 2^80.
 template <class F, bool kRotated, bool kWide>
 struct dComplexArctangent : ElementaryKernel<F, double> {
   static constexpr int kUnroll = 4;
-  using Range = PartRange<-100, 100>::Outside<double>;
+  using Range = PartRange<-80, 80>::Outside<double>;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> z) {
     if constexpr (kWide) return ElementaryKernel<F, double>::MayBeRare(d, z);

@@ -57,6 +57,12 @@ HWY_INLINE MaskOf<D> LanesBeyond(D d, V s) {
   return LanesAbove(d, Range::Key(d, s), Range::kLimit);
 }
 
+// What s lacks of x^2 + y^2, or 0 where that counts for nothing: its quotient by s may underflow.
+template <class D, class V>
+HWY_INLINE V RestThatCounts(D d, V s, V rest) {
+  return hn::IfThenZeroElse(hn::Lt(hn::Abs(rest), hn::Mul(s, hn::Set(d, 0x1p-200))), rest);
+}
+
 // ln(x^2 + y^2) and the angle of (x, |y|), within 2^-56 of themselves. kExact: the angle within
 // 2^-59, for parts within 2^120 and 2^-120.
 template <bool kWide, bool kExact = false, class D, class V, size_t K>
@@ -81,6 +87,7 @@ HWY_INLINE void ComplexLogPairs(D d, const Complex<V> (&z)[K], Pair<V> (&size)[K
     const Pair<V> sum = FastTwoSum(x2.hi, y2.hi);
     s[k] = sum.hi;
     t[k].lo = hn::Add(sum.lo, hn::Add(x2.lo, y2.lo));
+    if constexpr (kWide) t[k].lo = RestThatCounts(d, s[k], t[k].lo);
   }
   LogShortReduce(d, s, u);
   for (size_t k = 0; k < K; ++k) {
@@ -99,7 +106,7 @@ HWY_INLINE void ComplexLogPairs(D d, const Complex<V> (&z)[K], Pair<V> (&size)[K
       t[k] = Select(d, LanesBeyond<OffOne>(d, s[k]), t[k], exact);
     }
   }
-  LogShortPair(d, u, t, size);
+  LogShortPair<kWide>(d, u, t, size);
   FullAtanOctantSum<kWide>(d, octant, angle);
 }
 

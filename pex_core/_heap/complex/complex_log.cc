@@ -19,15 +19,16 @@ constexpr long double kLog10E = 0x6.f2dec549b9438cap-4L;  // 1/ln 10
 // without overlap.
 Pair SquaresLessOne(long double x, long double y) {
   const Pair x2 = TwoSquare(x), y2 = TwoSquare(y);
-  long double t[4] = {y2.lo, x2.lo, y2.hi, x2.hi - 1};  // the difference is exact: 1/4 < x^2 < 2
+  const Pair off = FastTwoSum(-1, x2.hi);  // lo is not 0 for some x^2 < 1/2
+  long double t[5] = {off.lo, y2.lo, x2.lo, y2.hi, off.hi};
   for (int sweep = 0; sweep < 3; ++sweep) {
-    for (int i = 1; i < 4; ++i) {
+    for (int i = 1; i < 5; ++i) {
       const Pair s = TwoSum(t[i], t[i - 1]);
       t[i] = s.hi;
       t[i - 1] = s.lo;
     }
   }
-  return FastTwoSum(t[3], t[2] + (t[1] + t[0]));
+  return FastTwoSum(t[4], t[3] + (t[2] + (t[1] + t[0])));
 }
 
 bool NearOne(long double square) { return square > 0.5L && square < 2; }

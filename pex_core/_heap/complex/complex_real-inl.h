@@ -351,15 +351,16 @@ HWY_INLINE N SquaresLessOne(D d, VecOf<D> x, VecOf<D> y) {
   const V one = hn::Set(d, 1.0);
   if constexpr (kIsPair<N, D>) {
     const PairOf<D> x2 = TwoProduct(d, x, x), y2 = TwoProduct(d, y, y);
-    V t[4] = {y2.lo, x2.lo, y2.hi, hn::Sub(x2.hi, one)};
+    const PairOf<D> off = FastTwoSum(hn::Neg(one), x2.hi);  // lo is not 0 for some x^2 < 1/2
+    V t[5] = {off.lo, y2.lo, x2.lo, y2.hi, off.hi};
     for (int sweep = 0; sweep < 3; ++sweep) {
-      for (int i = 1; i < 4; ++i) {
+      for (int i = 1; i < 5; ++i) {
         const PairOf<D> s = TwoSum(t[i], t[i - 1]);
         t[i] = s.hi;
         t[i - 1] = s.lo;
       }
     }
-    return {t[3], hn::Add(t[2], hn::Add(t[1], t[0]))};
+    return {t[4], hn::Add(t[3], hn::Add(t[2], hn::Add(t[1], t[0])))};
   } else {
     return hn::Add(hn::Sub(hn::Mul(x, x), one), hn::Mul(y, y));
   }

@@ -353,11 +353,19 @@ HWY_INLINE void LogEP(D d, const V (&x)[K], V (&r)[K]) {
 // which the product is exact, too.
 inline constexpr double kLn2Rest = 0x1.ef35793c76p-45;  // 41 bits of NaturalLog::kLog2Lo
 
-template <class D, class V, size_t K>
+// x without lanes whose square would underflow, and counts for nothing.
+template <class D, class V>
+HWY_INLINE V ToBeSquared(D d, V x) {
+  return hn::IfThenZeroElse(MagnitudeBelow(d, x, 0x1p-300), x);
+}
+
+// kTiny: t may be below 2^-300.
+template <bool kTiny = false, class D, class V, size_t K>
 HWY_INLINE void LogShortSum(D d, const LogShort<D> (&x)[K], const V (&t)[K], V (&r)[K]) {
   V s[K];
   for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(t[k], hn::Set(d, 2.0)));
   for (size_t k = 0; k < K; ++k) {
+    if constexpr (kTiny) s[k] = ToBeSquared(d, s[k]);
     const V s2 = hn::Mul(s[k], s[k]);
     const V rest = hn::Sub(t[k], hn::Mul(s2, Horner(d, s2, kLnShort)));
     const V head =
@@ -368,12 +376,15 @@ HWY_INLINE void LogShortSum(D d, const LogShort<D> (&x)[K], const V (&t)[K], V (
 }
 
 // The same in two parts, t likewise: within 2^-59.5, or 2^-57 of itself.
-template <class D, class V, size_t K>
+template <bool kTiny, class D, class V, size_t K>
 HWY_INLINE void LogShortPair(D d, const LogShort<D> (&x)[K], const Pair<V> (&t)[K],
                              Pair<V> (&r)[K]) {
   V s[K], s2[K], rest[K];
   for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k].hi, hn::Add(t[k].hi, hn::Set(d, 2.0)));
-  for (size_t k = 0; k < K; ++k) s2[k] = hn::Mul(s[k], s[k]);
+  for (size_t k = 0; k < K; ++k) {
+    if constexpr (kTiny) s[k] = ToBeSquared(d, s[k]);
+    s2[k] = hn::Mul(s[k], s[k]);
+  }
   Horner(d, s2, kLnShortHA, rest);
   for (size_t k = 0; k < K; ++k) rest[k] = hn::Sub(t[k].hi, hn::Mul(s2[k], rest[k]));
   for (size_t k = 0; k < K; ++k) {
