@@ -1,5 +1,4 @@
-// The standard normal distribution function in double precision: from a table of its own; in HA
-// erfc(-x/sqrt(2))/2 for negative x, 1 - erfc(x/sqrt(2))/2 for others, the quotient in two parts.
+// The standard normal distribution function in double precision, from tables of its own.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/cdfnorm/dcdfnorm.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
@@ -8,7 +7,6 @@
 #include "pex_core/_heap/real/erfc-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
-#include "pex_core/_kernel/exact-inl.h"
 #include "pex_core/erfc/erfc_rare.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -38,27 +36,28 @@ struct dCdfNormShort : dCdfNormCommon {
   }
 };
 
-struct dCdfNormHA : dCdfNormCommon {
-  static constexpr int kUnroll = 5;
+template <class Part, bool kBeyond>
+struct dCdfNormAccurate : Part {
+  static constexpr int kUnroll = 16;
+  static constexpr int kRestUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    ErfcReduced<D> u[K];
-    V z[K], rest[K];
-    Pair<V> e[K];
-    for (size_t k = 0; k < K; ++k) {
-      // From 8.5 on the result is 1.
-      const V ax = hn::Abs(hn::Min(x[k], hn::Set(d, 8.5)));
-      const Pair<V> p = OverRootTwo(d, ax);
-      z[k] = p.hi;
-      rest[k] = p.lo;
-    }
-    ErfcReduce<ErfcTier::kHA, true>(d, z, rest, u);
-    ErfcScaled<ErfcTier::kHA, true>(d, u, e);
-    for (size_t k = 0; k < K; ++k) {
-      const V y = ErfcOrRest<ErfcTier::kHA, false>(d, x[k], e[k], 2.0);
-      out[k] = hn::Mul(y, hn::Set(d, 0x1p-301));
-    }
+    CdfNormHA<kBeyond>(d, x, out);
   }
+};
+
+// From -37.5097, inside the common part, to 8.5097.
+struct dCdfNormCurve : dCdfNormCommon {
+  struct Rarity : RareAbove<double, 0x4037027E> {  // |x + 14.5| > 23.0097
+    template <class D>
+    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+      return Bits(d, hn::Abs(hn::Add(x, hn::Set(d, 14.5))));
+    }
+  };
+};
+
+struct dCdfNormHA : dCdfNormAccurate<dCdfNormCurve, false> {
+  using Wide = dCdfNormAccurate<dCdfNormCommon, true>;
 };
 
 using dCdfNormEP = dCdfNormShort<ErfcTier::kEP>;

@@ -81,7 +81,7 @@ struct sCdfNormHA : sCdfNormCommon<double> {
     const Pair<W> p = OverRootTwo(dd, ax);
     const W z[1] = {p.hi}, rest[1] = {p.lo};
     ErfcReduce<ErfcTier::kLA, true>(dd, z, rest, u);
-    ErfcScaled<ErfcTier::kLA, true>(dd, u, e);
+    ErfcScaled<ErfcTier::kLA>(dd, u, e);
     const W y = ErfcOrRest<ErfcTier::kLA, false>(dd, wide, e[0], 2.0);
     // An ulp away from 1/2, for next to 0 the result lies that close to the middle of two floats.
     const W scale = hn::IfNegativeThenElse(wide, hn::Set(dd, 0x1.fffffffffffffp-302),

@@ -36,7 +36,7 @@ struct dErfcKernel : Kernel<double> {
       z[k] = hn::Add(ax, hn::Set(d, 0x1p-200));
     }
     ErfcReduce<kTier, false>(d, z, z, u);
-    ErfcScaled<kTier, false>(d, u, e);
+    ErfcScaled<kTier>(d, u, e);
     for (size_t k = 0; k < K; ++k) {
       const V y = ErfcOrRest<kTier, true>(d, x[k], e[k], 2.0);
       out[k] = hn::Mul(y, hn::Set(d, 0x1p-300));

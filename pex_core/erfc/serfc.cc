@@ -80,7 +80,7 @@ struct sErfcHA : sErfcCommon<double> {
       z[k] = hn::Add(ax, hn::Set(dd, 0x1p-200));
     }
     ErfcReduce<kTier, false>(dd, z, z, u);
-    ErfcScaled<kTier, false>(dd, u, e);
+    ErfcScaled<kTier>(dd, u, e);
     for (size_t k = 0; k < K; ++k) y[k] = ErfcOrRest<kTier, true>(dd, wide[k], e[k], 2.0);
   }
 

@@ -57,10 +57,21 @@ inline constexpr double kCdfNormMeanShort[] = {
 inline constexpr double kCdfNormMeanEP[] = {
     -0x1.fffff9f09d2c5p-3, 0x1.55554e68471a6p-5, -0x1.5597c56bafb77p-8, 0x1.114a038379e28p-11};
 
+// (F(x/2) - 1)/x for F(x) = (1 - e^-x)/x,
+// -0.10119999945163726806640625 <= x <= 0.10119999945163726806640625; absolute error 2^-55.5625.
+inline constexpr double kCdfNormMeanHA[] = {
+    -0x1p-2, 0x1.555555555560cp-5, -0x1.5555555555606p-8, 0x1.111111085e70fp-11,
+    -0x1.6c16c1612d7d5p-15, 0x1.a020a336736eap-19, -0x1.a020637398d8dp-23};
+
 // (y coth(y/2) - 2)/(2 y^2) for x = 4 y^2,
 // 9.5367431640625e-7 <= x <= 9.1200001537799835205078125e-2; absolute error 2^-41.5625.
 inline constexpr double kCdfNormRatio[] = {
     0x1.555555554ff3bp-4, -0x1.6c16bd45e272bp-12, 0x1.1529feb6069f5p-19};
+
+// a, b, c of (y coth(y/2) - 2)/(2 y^2) + v/240 = a + b x^2 + c v + ..., x = 2 y, x <= 0.101; in
+// relation to the result an error of 2^-57.4375.
+inline constexpr double kCdfNormRatioHA[] = {
+    0x1.5555555280011p-4, -0x1.6c117e08333afp-12, 0x1.111ccf8b34c3ap-8};
 
 // (erf(y)/y - 2/sqrt(pi))/y^2 for x = y^2,
 // 9.5367431640625e-7 <= x <= 6.350000202655792236328125e-2; absolute error 2^-56.

@@ -32,13 +32,14 @@ enum class ErfcTier { kEP, kShort, kLA, kHA };
 template <class D>
 struct ErfcReduced {
   VecOf<D> value, slope, d, w, v;
-  VecOf<D> value_rest, slope_rest, d_rest, w_rest;  // HA
+  VecOf<D> value_rest, slope_rest, w_rest;  // HA
 };
 
 // For z from 2^-200 to 27.25: to add 2^-200 keeps the products of tiny numbers from underflow and
-// changes nothing else. kSum: the argument is z + rest.
+// changes nothing else. kSum: the argument is z + rest, not for HA.
 template <ErfcTier kTier, bool kSum, class D, class V, size_t K>
 HWY_INLINE void ErfcReduce(D d, const V (&z)[K], const V (&rest)[K], ErfcReduced<D> (&u)[K]) {
+  static_assert(!(kSum && kTier == ErfcTier::kHA));
   using Offsets = RowOffsets<sizeof(ErfcRow), D>;
   V c[K];
   Offsets at[K];
@@ -61,15 +62,11 @@ HWY_INLINE void ErfcReduce(D d, const V (&z)[K], const V (&rest)[K], ErfcReduced
   for (size_t k = 0; k < K; ++k) {
     const V exact = hn::Sub(z[k], c[k]);
     u[k].d = kSum ? hn::Add(exact, rest[k]) : exact;
-    if constexpr (kTier == ErfcTier::kHA && kSum) {
-      u[k].d_rest = hn::Sub(rest[k], hn::Sub(u[k].d, exact));
-    }
     if constexpr (kTier == ErfcTier::kHA) {
       const Pair<V> sum = FastTwoSum(hn::Add(c[k], c[k]), u[k].d);
       const Pair<V> w = TwoProduct(d, u[k].d, sum.hi);
       u[k].w = w.hi;
       u[k].w_rest = hn::Add(w.lo, hn::Mul(u[k].d, sum.lo));
-      if constexpr (kSum) u[k].w_rest = hn::Add(u[k].w_rest, hn::Mul(u[k].d_rest, sum.hi));
     } else {
       u[k].w = hn::Mul(u[k].d, hn::Add(z[k], c[k]));
     }
@@ -128,7 +125,7 @@ HWY_INLINE void ErfcMean(D d, const ErfcReduced<D> (&u)[K], V (&t)[K]) {
 }
 
 // erfc(z) 2^300. The rest is HA's.
-template <ErfcTier kTier, bool kSum, class D, class V, size_t K>
+template <ErfcTier kTier, class D, class V, size_t K>
 HWY_INLINE void ErfcScaled(D d, const ErfcReduced<D> (&u)[K], Pair<V> (&e)[K]) {
   V t[K];
   ErfcMean<kTier>(d, u, t);
@@ -136,7 +133,6 @@ HWY_INLINE void ErfcScaled(D d, const ErfcReduced<D> (&u)[K], Pair<V> (&e)[K]) {
     if constexpr (kTier == ErfcTier::kHA) {
       Pair<V> p = TwoProduct(d, u[k].slope, u[k].d);
       p.lo = hn::Add(p.lo, hn::Mul(u[k].slope_rest, u[k].d));
-      if constexpr (kSum) p.lo = hn::Add(p.lo, hn::Mul(u[k].slope, u[k].d_rest));
       const Pair<V> head = FastTwoSum(u[k].value, hn::Neg(p.hi));
       const V rest = hn::Sub(hn::Sub(u[k].value_rest, p.lo), hn::Mul(p.hi, t[k]));
       e[k] = {head.hi, hn::Add(head.lo, rest)};
