@@ -4,6 +4,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/carg/zarg.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
+#include "pex_core/_heap/real/atan2_full-inl.h"
 #include "pex_core/_heap/real/atan2_plain-inl.h"
 #include "pex_core/_heap/real/atan_scalar.h"
 #include "pex_core/carg/carg-inl.h"
@@ -19,16 +20,17 @@ struct dArgLA {
   }
 };
 
+template <bool kTiny>
 struct dArgHA {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 3 : 4;
+  static constexpr int kUnroll = kTiny ? 1 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    FullAtan2(d, y, x, r);
+    FullAtan2<kTiny>(d, y, x, r);
   }
 };
 
-template <class Formula>
-struct dArg : ArgKernel<double, double, Atan2Domain, Formula> {
+template <class Formula, class Domain = Atan2Domain>
+struct dArg : ArgKernel<double, double, Domain, Formula> {
   static double Rare(Complex<double> a) {
     double r;
     dAtan2Scalar(a.im, a.re, &r);
@@ -36,9 +38,13 @@ struct dArg : ArgKernel<double, double, Atan2Domain, Formula> {
   }
 };
 
+struct dArgHAKernel : dArg<dArgHA<false>, Atan2CubeDomain> {
+  using Wide = dArg<dArgHA<true>>;
+};
+
 int zArg(int32_t n, const PexComplex16* a, double* r) { return MapComplex<dArg<dArgLA>>(n, a, r); }
 int zArg_HA(int32_t n, const PexComplex16* a, double* r) {
-  return MapComplex<dArg<dArgHA>>(n, a, r);
+  return MapComplex<dArgHAKernel>(n, a, r);
 }
 
 }  // namespace pex::HWY_NAMESPACE

@@ -24,6 +24,28 @@ struct Atan2Outside {
   static HWY_INLINE MaskOf<D> MayBeRare(D d, V y, V x) {
     return KeyAbove(d, JoinedKey(d, y, x), Range::kLimit);
   }
+  // The same of any of several points.
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyMayBeRare(D d, const V (&y)[K], const V (&x)[K]) {
+    if constexpr (sizeof(T) == 8 && HWY_TARGET != HWY_AVX3) {
+      auto key = JoinedKey(d, y[0], x[0]);
+      for (size_t k = 1; k < K; ++k) key = JoinKeys(d, key, JoinedKey(d, y[k], x[k]));
+      return !hn::AllFalse(d, KeyAbove(d, key, Range::kLimit));
+    } else {
+      constexpr auto kLeast = static_cast<uint64_t>(kLow) << (sizeof(T) == 8 ? 32 : 0);
+      constexpr auto kMost =
+          sizeof(T) == 8 ? static_cast<uint64_t>(kHigh) << 32 | 0xFFFFFFFF : kHigh;
+      auto largest = SetBits(d, 0), least = SetBits(d, kMost);
+      for (size_t k = 0; k < K; ++k) {
+        const auto ay = Bits(d, hn::Abs(y[k])), ax = Bits(d, hn::Abs(x[k]));
+        largest = hn::Max(largest, hn::Max(ax, ay));
+        least = hn::Min(least, hn::Min(ax, ay));
+      }
+      const auto outside =
+          hn::Or(hn::Gt(largest, SetBits(d, kMost)), hn::Lt(least, SetBits(d, kLeast)));
+      return !hn::AllFalse(hn::RebindToSigned<D>(), outside);
+    }
+  }
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, V y, V x) {
     const auto zero_y = hn::RebindMask(d, hn::Eq(Bits(d, hn::Abs(y)), SetBits(d, 0)));
@@ -43,6 +65,7 @@ struct Atan2Outside {
 // and no quotient overflows or underflows; one of them may be 0.
 using Atan2Domain = Atan2Outside<double, 0x23D00000, 0x5C0FFFFF>;
 using Atan2NarrowDomain = Atan2Outside<double, 0x30500000, 0x4F8FFFFF>;  // 2^-250 to 2^250
+using Atan2CubeDomain = Atan2Outside<double, 0x35A00000, 0x4A3FFFFF>;    // 2^-165 to 2^165
 using sAtan2Domain = Atan2Outside<float, 0x21800000, 0x5D7FFFFF>;
 using sAtan2WideDomain = Atan2Outside<float, 0x01000000, 0x7F7FFFFF>;  // from 2^-125 on
 
