@@ -52,7 +52,7 @@ struct dAtan2WideHA : dAtan2Common {
   }
 };
 
-struct dAtan2HA : Kernel<double>, Atan2CubeDomain {
+struct dAtan2HA : Kernel<double>, Atan2ModestDomain {
   static constexpr int kArguments = 2;
   static constexpr int kUnroll = 4;
   using Wide = dAtan2WideHA;

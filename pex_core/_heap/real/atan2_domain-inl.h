@@ -65,9 +65,24 @@ struct Atan2Outside {
 // and no quotient overflows or underflows; one of them may be 0.
 using Atan2Domain = Atan2Outside<double, 0x23D00000, 0x5C0FFFFF>;
 using Atan2NarrowDomain = Atan2Outside<double, 0x30500000, 0x4F8FFFFF>;  // 2^-250 to 2^250
-using Atan2CubeDomain = Atan2Outside<double, 0x35A00000, 0x4A3FFFFF>;    // 2^-165 to 2^165
 using sAtan2Domain = Atan2Outside<float, 0x21800000, 0x5D7FFFFF>;
 using sAtan2WideDomain = Atan2Outside<float, 0x01000000, 0x7F7FFFFF>;  // from 2^-125 on
+
+// From 2^-127 below 2^128: exponents whose leading three bits are 0 once 896 is taken from them, by
+// subtractions that any unit does.
+struct Atan2ModestDomain : Atan2Outside<double, 0x38000000, 0x47FFFFFF> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyMayBeRare(D d, const V (&y)[K], const V (&x)[K]) {
+    const auto shift = SetBits(d, uint64_t{896} << 52);
+    auto joined = SetBits(d, 0);
+    for (size_t k = 0; k < K; ++k) {
+      const auto ys = hn::Sub(Bits(d, y[k]), shift), xs = hn::Sub(Bits(d, x[k]), shift);
+      joined = hn::Or3(joined, ys, xs);
+    }
+    const auto beyond = hn::And(joined, SetBits(d, uint64_t{7} << 60));
+    return !hn::AllTrue(hn::RebindToSigned<D>(), hn::Eq(beyond, SetBits(d, 0)));
+  }
+};
 
 // A mask of floats for their lower or upper half as doubles.
 template <bool kUpper, class D, class Half = hn::Half<D>, class Wide = hn::Rebind<double, Half>>

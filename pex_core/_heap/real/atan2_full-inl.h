@@ -53,9 +53,11 @@ HWY_INLINE AtanOctantBin<V> AtanOctantBinOf(D d, V low, V high) {
   const auto difference = hn::Sub(hn::BitCast(du, high), hn::BitCast(du, low));
 #if HWY_TARGET == HWY_AVX3
   (void)d;
-  const auto i = hn::ShiftRight<51>(hn::Min(difference, hn::Set(du, uint64_t{7} << 51)));
-  return {V{_mm512_permutexvar_pd(i.raw, _mm512_load_pd(kAtanOctantBins.c))},
-          V{_mm512_permutexvar_pd(i.raw, _mm512_load_pd(kAtanOctantBins.angle))}};
+  // A mask costs less than the minimum that the other levels take.
+  const __mmask8 within = _mm512_testn_epi64_mask(difference.raw, _mm512_set1_epi64(-1ll << 54));
+  const __m512i i = hn::ShiftRight<51>(difference).raw;
+  return {V{_mm512_maskz_permutexvar_pd(within, i, _mm512_load_pd(kAtanOctantBins.c))},
+          V{_mm512_maskz_permutexvar_pd(within, i, _mm512_load_pd(kAtanOctantBins.angle))}};
 #else
   const hn::Repartition<int32_t, D> d32;
   const auto least = hn::Min(hn::BitCast(d32, difference), hn::Set(d32, 7 << 19));
@@ -79,14 +81,13 @@ HWY_INLINE AtanOctantBin<V> AtanOctantBinOf(D d, V low, V high) {
 #endif
 }
 
-// For |x| and |y| in [2^-450, 2^450], of which one may be 0: at most 0.55 ulp, of which what is
-// left out of the denominator, the rounding of its smaller part, has 0.03. kTiny: they may be
-// outside [2^-165, 2^165] or 0; of a q below 2^-330, which others do not have, the tail is 0, for
-// products that count for nothing shall not underflow.
+// For |x| and |y| in [2^-450, 2^450], of which one may be 0: at most 0.55 ulp, of which the
+// rounding of c low, the only one of the quotient that is left uncorrected, takes 0.045. kTiny:
+// they may be outside [2^-127, 2^128) or 0; of a q below 2^-255, which others do not have, the tail
+// is 0, for products that count for nothing shall not underflow.
 template <bool kTiny, class D, class V, size_t K>
 HWY_INLINE void FullAtan2(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-  constexpr size_t kTerms = sizeof(kAtanHA) / sizeof(kAtanHA[0]);
-  V q[K], rest[K], base[K], turn[K], corner[K], z[K], p[K];
+  V first[K], rest[K], q[K], z[K], z2[K], p[K];
   for (size_t k = 0; k < K; ++k) {
     const V ay = hn::Abs(y[k]), ax = hn::Abs(x[k]);
 #if HWY_TARGET == HWY_AVX3
@@ -100,33 +101,33 @@ HWY_INLINE void FullAtan2(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
     const V n = hn::Sub(low, ch.hi);  // exact
     const Pair<V> m = FastTwoSum(high, hn::Mul(bin.c, low));
     const V inverse = hn::Div(hn::Set(d, 1.0), m.hi);
-    q[k] = hn::Mul(n, inverse);
-    const V excess = hn::Add(ch.lo, hn::Mul(q[k], m.lo));
-    rest[k] = hn::Mul(hn::Sub(Remainder(d, n, q[k], m.hi), excess), inverse);
+    const V quotient = hn::Mul(n, inverse);
+    const V excess = hn::Add(ch.lo, hn::Mul(quotient, m.lo));
+    const V remainder = hn::Sub(Remainder(d, n, quotient, m.hi), excess);
 
-    const auto steep = hn::Gt(ay, ax);
-    const V pi = hn::IfNegativeThenElse(x[k], hn::Set(d, 0x1.921fb54442d18p+1), hn::Zero(d));
-    corner[k] = hn::IfThenElse(steep, hn::Set(d, 0x1.921fb54442d18p+0), pi);
-    turn[k] = hn::And(hn::Xor(x[k], hn::VecFromMask(d, steep)), hn::SignBit(d));
-    base[k] = hn::Add(corner[k], hn::Xor(bin.angle, turn[k]));  // exact
+    const auto steep = hn::RebindMask(d, hn::Gt(Bits(d, ay), Bits(d, ax)));
+    const V pi =
+        hn::IfThenElse(hn::MaskFromVec(x[k]), hn::Set(d, 0x1.921fb54442d18p+1), hn::Zero(d));
+    const V corner = hn::IfThenElse(steep, hn::Set(d, 0x1.921fb54442d18p+0), pi);
+    const V turn = hn::And(hn::Xor(x[k], hn::VecFromMask(d, steep)), hn::SignBit(d));
+    const V base = hn::Add(corner, hn::Xor(bin.angle, turn));  // exact
+    q[k] = hn::Xor(quotient, turn);
+    const Pair<V> s = FastTwoSum(base, q[k]);
+    // What pi has beyond its double, and its half, are the same fraction of them.
+    const V corner_rest = hn::Mul(corner, hn::Set(d, 0x1.1a62633145c07p-53 / 0x1.921fb54442d18p+1));
+    first[k] = s.hi;
+    rest[k] = hn::Add(hn::Add(s.lo, corner_rest), hn::Mul(remainder, hn::Xor(inverse, turn)));
   }
   for (size_t k = 0; k < K; ++k) {
     V u = q[k];
-    if constexpr (kTiny) u = hn::IfThenZeroElse(MagnitudeBelow(d, u, 0x1p-330), u);
+    if constexpr (kTiny) u = hn::IfThenZeroElse(MagnitudeBelow(d, u, 0x1p-255), u);
     z[k] = hn::Mul(u, u);
-    p[k] = hn::Set(d, kAtanHA[kTerms - 1]);
+    z2[k] = hn::Mul(z[k], z[k]);
   }
-  for (size_t i = kTerms - 1; i-- > 0;) {
-    for (size_t k = 0; k < K; ++k) p[k] = hn::Add(hn::Mul(p[k], z[k]), hn::Set(d, kAtanHA[i]));
-  }
+  EvenOdd(d, z, z2, kAtanHA, p);
   for (size_t k = 0; k < K; ++k) {
-    const V tail = hn::Mul(q[k], hn::Mul(z[k], p[k]));
-    const Pair<V> s = FastTwoSum(base[k], hn::Xor(q[k], turn[k]));
-    // What pi has beyond its double, and its half, are the same fraction of them.
-    const V corner_rest =
-        hn::Mul(corner[k], hn::Set(d, 0x1.1a62633145c07p-53 / 0x1.921fb54442d18p+1));
-    const V low = hn::Add(hn::Xor(hn::Add(rest[k], tail), turn[k]), corner_rest);
-    r[k] = hn::CopySignToAbs(hn::Add(s.hi, hn::Add(s.lo, low)), y[k]);
+    const V tail = hn::Mul(hn::Mul(q[k], z[k]), p[k]);
+    r[k] = hn::CopySignToAbs(hn::Add(first[k], hn::Add(rest[k], tail)), y[k]);
   }
 }
 
