@@ -41,7 +41,7 @@ struct dAtan2LA : dAtan2Common {
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    OctantAtan2LA(d, y, x, r);
+    OctantAtan2LA<true>(d, y, x, r);
   }
 };
 

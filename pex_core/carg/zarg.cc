@@ -12,11 +12,12 @@
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
+template <bool kTiny>
 struct dArgLA {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 8;
+  static constexpr int kUnroll = kTiny ? 1 : HWY_TARGET == HWY_AVX3 ? 6 : 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    OctantAtan2LA(d, y, x, r);
+    OctantAtan2LA<kTiny>(d, y, x, r);
   }
 };
 
@@ -29,7 +30,7 @@ struct dArgHA {
   }
 };
 
-template <class Formula, class Domain = Atan2Domain>
+template <class Formula, class Domain>
 struct dArg : ArgKernel<double, double, Domain, Formula> {
   static double Rare(Complex<double> a) {
     double r;
@@ -38,13 +39,16 @@ struct dArg : ArgKernel<double, double, Domain, Formula> {
   }
 };
 
-struct dArgHAKernel : dArg<dArgHA<false>, Atan2ModestDomain> {
-  using Wide = dArg<dArgHA<true>>;
+template <template <bool kTiny> class Formula>
+struct dArgCommon : dArg<Formula<false>, Atan2ModestDomain> {
+  using Wide = dArg<Formula<true>, Atan2Domain>;
 };
 
-int zArg(int32_t n, const PexComplex16* a, double* r) { return MapComplex<dArg<dArgLA>>(n, a, r); }
+int zArg(int32_t n, const PexComplex16* a, double* r) {
+  return MapComplex<dArgCommon<dArgLA>>(n, a, r);
+}
 int zArg_HA(int32_t n, const PexComplex16* a, double* r) {
-  return MapComplex<dArgHAKernel>(n, a, r);
+  return MapComplex<dArgCommon<dArgHA>>(n, a, r);
 }
 
 }  // namespace pex::HWY_NAMESPACE
