@@ -1,5 +1,5 @@
 // The square root of complex numbers. LA and EP in single precision are one kernel that rounds
-// every step; all else is HA's, in sums of two numbers: at most 0.53 ulp of each part in double,
+// every step; all else is HA's, in sums of two numbers: at most 0.54 ulp of each part in double,
 // 0.501 in single precision.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/csqrt/csqrt.cc"
