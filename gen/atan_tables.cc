@@ -4,7 +4,9 @@
 #include <mpfr.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 
 namespace {
@@ -47,10 +49,10 @@ T Breakpoint(double center, T* angle, double grain = 0x1p-149) {
   }
 }
 
-template <typename T>
-void Column(const T* values) {
+template <typename T, int N>
+void Column(const T (&values)[N]) {
   std::printf("    {");
-  for (int i = 0; i < 16; ++i) {
+  for (int i = 0; i < N; ++i) {
     std::printf("%s%a%s",
                 i == 0  ? ""
                 : i % 4 ? ", "
@@ -98,6 +100,51 @@ void Middle(const char* type, const char* name, double near, double grain = 0x1p
               static_cast<double>(c), suffix, name, static_cast<double>(angle), suffix);
 }
 
+// Bins of the ratio low/high <= 1 by the difference of the bit patterns of high and low, half an
+// octave each: |t| below 0.0999 in the first and the last one, below a fifth of the arctangent in
+// those between.
+double OctantCenter(int bin) {
+  if (bin == 7) return 0;
+  const double head = std::ldexp(1.0, -(bin / 2));
+  const double high = std::atan(bin % 2 ? head * 3 / 4 : head);
+  const double low = std::atan(bin % 2 ? head / 2 : head * 2 / 3);
+  const double mean = (low + high) / 2, harmonic = 2 * low * high / (low + high);
+  return std::tan(bin == 0 ? mean : bin == 1 ? (mean + harmonic) / 2 : harmonic);
+}
+
+// The number nearest to `center` with equal words whose arctangent is a multiple of pi's last
+// place, within 2^-63; the steps of one in the upper word are tried on both sides in turn.
+double OctantBreakpoint(double center, double* angle) {
+  const int64_t word = std::bit_cast<int64_t>(center) >> 32;
+  if (center == 0) return *angle = 0;
+  for (int64_t k = 0;; k = k > 0 ? -k : 1 - k) {
+    const double c = std::bit_cast<double>((word + k) << 32 | (word + k));
+    double rest;
+    const double nearest = Arctangent(c, &rest);
+    *angle = std::nearbyint(nearest * 0x1p51) * 0x1p-51;
+    if (std::fabs(nearest - *angle + rest) <= 0x1p-63) return c;
+  }
+}
+
+void OctantTable() {
+  std::printf(R"(
+// Half octaves of low/high from 1 to 1/11, rows i for i half octaves between the bit patterns of
+// high and low: atan(low/high) = angle + atan((low - c high)/(high + c low)) with a fraction below
+// 0.0999. The angle is atan(c) to within 2^-63 and a multiple of pi's last place; the last row,
+// with all that is below it, has c = 0. The two words of each c are equal.
+struct AtanOctantBins {
+  alignas(64) double c[8], angle[8];
+};
+
+inline constexpr AtanOctantBins kAtanOctantBins = {
+)");
+  double c[8], angle[8];
+  for (int bin = 0; bin < 8; ++bin) c[bin] = OctantBreakpoint(OctantCenter(bin), &angle[bin]);
+  Column(c);
+  Column(angle);
+  std::printf("};\n");
+}
+
 void ScalarTable() {
   std::printf(R"(
 // Row j for the breakpoint c in the middle of the half octave j above 1/8, that is 1.25 2^(j/2 - 3)
@@ -140,6 +187,7 @@ struct AtanBins {
   Middle<double>("double", "kAtanSteep", 3.0778);
   std::printf("// The same near 0.56; the angle is a multiple of pi's last place.\n");
   Middle<double>("double", "kAtanOctantMiddle", 0.56, 0x1p-51);
+  OctantTable();
   ScalarTable();
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_ATAN_TABLES_H_\n");
 }

@@ -4,6 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/atan2_domain-inl.h"
+#include "pex_core/_heap/real/atan2_full-inl.h"
 #include "pex_core/_heap/real/atan2_plain-inl.h"
 #include "pex_core/_heap/real/atan_scalar.h"
 #include "pex_core/_kernel/elementwise-inl.h"
@@ -40,14 +41,24 @@ struct dAtan2LA : dAtan2Common {
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    OctantAtan2LA(d, y, x, r);
+    OctantAtan2LA<true>(d, y, x, r);
   }
 };
 
-struct dAtan2HA : dAtan2Common {
+struct dAtan2WideHA : dAtan2Common {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    FullAtan2(d, y, x, r);
+    FullAtan2<true>(d, y, x, r);
+  }
+};
+
+struct dAtan2HA : Kernel<double>, Atan2ModestDomain {
+  static constexpr int kArguments = 2;
+  static constexpr int kUnroll = 4;
+  using Wide = dAtan2WideHA;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
+    FullAtan2<false>(d, y, x, r);
   }
 };
 

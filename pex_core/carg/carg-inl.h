@@ -20,9 +20,11 @@ template <typename Element, typename Compute, class Domain, class Formula>
 struct ArgKernel : ComplexKernel<Element, Compute> {
   static constexpr bool kRealResult = true;
   static constexpr int kUnroll = Formula::kUnroll;
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> a) {
-    return Domain::MayBeRare(d, a.im, a.re);
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&a)[K]) {
+    V y[K], x[K];
+    Parts(a, y, x);
+    return Domain::AnyMayBeRare(d, y, x);
   }
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a) {
@@ -31,11 +33,17 @@ struct ArgKernel : ComplexKernel<Element, Compute> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&a)[K], V (&r)[K]) {
     V y[K], x[K];
+    Parts(a, y, x);
+    Formula::Of(d, y, x, r);
+  }
+
+ private:
+  template <class V, size_t K>
+  static HWY_INLINE void Parts(const Complex<V> (&a)[K], V (&y)[K], V (&x)[K]) {
     for (size_t k = 0; k < K; ++k) {
       y[k] = a[k].im;
       x[k] = a[k].re;
     }
-    Formula::Of(d, y, x, r);
   }
 };
 

@@ -235,6 +235,34 @@ TEST(OneComputation, ArgIsTheRealAtan2) {
   ExpectArgIsAtan2<C16>("z", random);
 }
 
+// Angles do not depend on the size of a number, from 2^-450 to 2^450.
+TEST(OneComputation, ArgIsThatOfScaledNumbers) {
+  Random random(11);
+  const int n = 997;
+  std::vector<C16> a(n), scaled(n);
+  for (C16& x : a) {
+    const auto part = [&] {
+      const double sign = random.Below(2) ? -1 : 1;
+      return sign * std::ldexp(1 + random.Unit(), static_cast<int>(random.Below(20)) - 10);
+    };
+    x = {part(), part()};
+  }
+  std::vector<double> wanted(n), angle(n);
+  for (const char* symbol : {"_pexzArg_26", "_pexzArg_50", "_pexzArg_HA"}) {
+    const pex::Entry& entry = *pex::FindEntry(symbol);
+    entry.Call(n, a.data(), nullptr, wanted.data(), nullptr);
+    for (const int exponent : {-440, -200, -126, -117, 118, 127, 300, 439}) {
+      for (int i = 0; i < n; ++i) {
+        scaled[i] = {std::ldexp(a[i].re, exponent), std::ldexp(a[i].im, exponent)};
+      }
+      entry.Call(n, scaled.data(), nullptr, angle.data(), nullptr);
+      int differing = 0;
+      for (int i = 0; i < n; ++i) differing += !Same(angle[i], wanted[i]);
+      EXPECT_EQ(differing, 0) << symbol << " 2^" << exponent;
+    }
+  }
+}
+
 // Arrays that end where a page without access begins, and that begin where one ends.
 TEST(Memory, NothingOutsideIsReadOrWritten) {
   Random random(9);

@@ -197,35 +197,6 @@ HWY_INLINE void PlainAtan2(D d, const V (&y)[K], const V (&x)[K], const double (
   }
 }
 
-// The same, at most 0.51 ulp.
-template <class D, class V, size_t K>
-HWY_INLINE void FullAtan2(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-  Pair<V> t[K];
-  V lead[K], tail[K], angle[K], rest[K];
-  for (size_t k = 0; k < K; ++k) {
-    const V ay = hn::Abs(y[k]), ax = hn::Abs(x[k]);
-    const auto row = AtanRowOf(d, ay, ax);
-    angle[k] = row.angle;
-    rest[k] = row.rest;
-    const Pair<V> cx = TwoProduct(d, row.c, ax), cy = TwoProduct(d, row.c, ay);
-    const V n = hn::Sub(hn::Mul(row.finite, ay), cx.hi);  // exact
-    const Pair<V> m = TwoSum(hn::Mul(row.finite, ax), cy.hi);
-    t[k] = AtanQuotient(d, {n, hn::Neg(cx.lo)}, {m.hi, hn::Add(m.lo, cy.lo)});
-    lead[k] = t[k].hi;
-  }
-  AtanTail(d, lead, kAtanHA, tail);
-  for (size_t k = 0; k < K; ++k) {
-    const V zero = hn::Zero(d), x_sign = hn::And(x[k], hn::SignBit(d));
-    const V pi = hn::IfNegativeThenElse(x[k], hn::Set(d, 0x1.921fb54442d18p+1), zero);
-    const V pi_rest = hn::IfNegativeThenElse(x[k], hn::Set(d, 0x1.1a62633145c07p-53), zero);
-    const Pair<V> s1 = FastTwoSum(pi, hn::Xor(angle[k], x_sign));
-    const Pair<V> s2 = FastTwoSum(s1.hi, hn::Xor(lead[k], x_sign));
-    const V low = hn::Xor(hn::Add(tail[k], hn::Add(t[k].lo, rest[k])), x_sign);
-    const V sum = hn::Add(s2.hi, hn::Add(s2.lo, hn::Add(s1.lo, hn::Add(pi_rest, low))));
-    r[k] = hn::CopySignToAbs(sum, y[k]);
-  }
-}
-
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

@@ -24,6 +24,28 @@ struct Atan2Outside {
   static HWY_INLINE MaskOf<D> MayBeRare(D d, V y, V x) {
     return KeyAbove(d, JoinedKey(d, y, x), Range::kLimit);
   }
+  // The same of any of several points.
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyMayBeRare(D d, const V (&y)[K], const V (&x)[K]) {
+    if constexpr (sizeof(T) == 8 && HWY_TARGET != HWY_AVX3) {
+      auto key = JoinedKey(d, y[0], x[0]);
+      for (size_t k = 1; k < K; ++k) key = JoinKeys(d, key, JoinedKey(d, y[k], x[k]));
+      return !hn::AllFalse(d, KeyAbove(d, key, Range::kLimit));
+    } else {
+      constexpr auto kLeast = static_cast<uint64_t>(kLow) << (sizeof(T) == 8 ? 32 : 0);
+      constexpr auto kMost =
+          sizeof(T) == 8 ? static_cast<uint64_t>(kHigh) << 32 | 0xFFFFFFFF : kHigh;
+      auto largest = SetBits(d, 0), least = SetBits(d, kMost);
+      for (size_t k = 0; k < K; ++k) {
+        const auto ay = Bits(d, hn::Abs(y[k])), ax = Bits(d, hn::Abs(x[k]));
+        largest = hn::Max(largest, hn::Max(ax, ay));
+        least = hn::Min(least, hn::Min(ax, ay));
+      }
+      const auto outside =
+          hn::Or(hn::Gt(largest, SetBits(d, kMost)), hn::Lt(least, SetBits(d, kLeast)));
+      return !hn::AllFalse(hn::RebindToSigned<D>(), outside);
+    }
+  }
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, V y, V x) {
     const auto zero_y = hn::RebindMask(d, hn::Eq(Bits(d, hn::Abs(y)), SetBits(d, 0)));
@@ -45,6 +67,22 @@ using Atan2Domain = Atan2Outside<double, 0x23D00000, 0x5C0FFFFF>;
 using Atan2NarrowDomain = Atan2Outside<double, 0x30500000, 0x4F8FFFFF>;  // 2^-250 to 2^250
 using sAtan2Domain = Atan2Outside<float, 0x21800000, 0x5D7FFFFF>;
 using sAtan2WideDomain = Atan2Outside<float, 0x01000000, 0x7F7FFFFF>;  // from 2^-125 on
+
+// From 2^-127 below 2^128: exponents whose leading three bits are 0 once 896 is taken from them, by
+// subtractions that any unit does.
+struct Atan2ModestDomain : Atan2Outside<double, 0x38000000, 0x47FFFFFF> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyMayBeRare(D d, const V (&y)[K], const V (&x)[K]) {
+    const auto shift = SetBits(d, uint64_t{896} << 52);
+    auto joined = SetBits(d, 0);
+    for (size_t k = 0; k < K; ++k) {
+      const auto ys = hn::Sub(Bits(d, y[k]), shift), xs = hn::Sub(Bits(d, x[k]), shift);
+      joined = hn::Or3(joined, ys, xs);
+    }
+    const auto beyond = hn::And(joined, SetBits(d, uint64_t{7} << 60));
+    return !hn::AllTrue(hn::RebindToSigned<D>(), hn::Eq(beyond, SetBits(d, 0)));
+  }
+};
 
 // A mask of floats for their lower or upper half as doubles.
 template <bool kUpper, class D, class Half = hn::Half<D>, class Wide = hn::Rebind<double, Half>>

@@ -53,12 +53,13 @@ HWY_INLINE void UnitAtan2(D d, const V (&y)[K], const V (&x)[K], const float (&c
   }
 }
 
-// The same in double precision, for |x| and |y| in [2^-450, 2^450].
-template <class D, class V, size_t K>
+// The same in double precision, for |x| and |y| in [2^-450, 2^450]. kTiny: they may be outside
+// [2^-127, 2^128) or 0.
+template <bool kTiny, class D, class V, size_t K>
 HWY_INLINE void OctantAtan2LA(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
   AtanOctant<V> octant[K];
   for (size_t k = 0; k < K; ++k) octant[k] = AtanOctantOf(d, y[k], x[k]);
-  AtanOctantSum<true>(d, octant, y, kAtanOctantLA, r);
+  AtanOctantSum<kTiny>(d, octant, y, kAtanOctantLA, r);
 }
 
 // Without the care for the numerator's last bits. kTiny: x and y may be outside [2^-250, 2^250].
