@@ -128,7 +128,7 @@ struct SqrtInPairs : ComplexKernel<T> {
 // Of parts within these magnitudes all products are normal.
 struct DoubleSqrt : SqrtInPairs<double, -180, 180, false> {
   using Wide = SqrtInPairs<double, -400, 400>;
-  using Outside = PartsOutside<(1023 - 180) << 20, ((1023 + 180) << 20) - 1>;
+  using Outside = PartsOutside<(1023 - 180) << 20, ((1023 + 180) << 20) - 1, 8>;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> z) {
     return Outside::MayBeAny(d, z.re, z.im);
