@@ -154,13 +154,109 @@ def test_other_threads_and_tasks_have_their_own():
     assert [e.reason for e in a] == ["singularity"] and [e.reason for e in b] == ["domain"]
 
 
+def test_blocks_end_in_any_order():
+    def open_block():
+        with pexquo.errors() as errors:
+            yield errors
+
+    first, second = open_block(), open_block()
+    a, b = next(first), next(second)
+    first.close()
+    pexquo.log(0.0)
+    assert (len(a), len(b)) == (0, 1)
+    second.close()
+    held, release = threading.Event(), threading.Event()
+
+    def elsewhere():
+        with pexquo.errors():
+            held.set()
+            release.wait()
+
+    thread = threading.Thread(target=elsewhere)
+    thread.start()
+    held.wait()
+    with pytest.warns(RuntimeWarning, match="divide by zero"):
+        pexquo.log(0.0)
+    release.set()
+    thread.join()
+    assert (len(a), len(b)) == (0, 1)
+
+
+def test_a_block_may_end_in_another_thread():
+    def open_block():
+        with pexquo.errors() as errors:
+            yield errors
+
+    block, raised = open_block(), []
+
+    def close():
+        try:
+            block.close()
+        except Exception as error:
+            raised.append(error)
+
+    next(block)
+    thread = threading.Thread(target=close)
+    thread.start()
+    thread.join()
+    assert not raised
+    with pytest.warns(RuntimeWarning, match="divide by zero"):
+        pexquo.log(0.0)
+
+
+def test_tasks_outlive_their_block():
+    async def late(gate):
+        await gate.wait()
+        with np.errstate(divide="raise"), pytest.raises(FloatingPointError):
+            pexquo.log(0.0)
+
+    async def main():
+        gate = asyncio.Event()
+        with pexquo.errors() as ended:
+            task = asyncio.create_task(late(gate))
+            await asyncio.sleep(0)
+        with pexquo.errors() as other:
+            gate.set()
+            await task
+        return ended, other
+
+    assert asyncio.run(main()) == ([], [])
+
+
+def test_results_larger_than_the_arguments():
+    out = np.empty((2, 3))
+    with pexquo.errors() as errors:
+        assert pexquo.log([1.0, 0.0, 2.0], out=out) is out
+    assert [e.index for e in errors] == [(0, 1), (1, 1)]
+    assert (out == [[0.0, -np.inf, pexquo.log(2.0)]] * 2).all()
+
+
+def test_subclasses():
+    x = np.ma.array([0.0, 1.0, 2.0], mask=[True, False, False])
+    with pexquo.errors() as errors:
+        y = pexquo.log(x)
+        m = pexquo.hypot(np.ones((1, 1)).view(np.matrix) * 3, 4.0)
+    assert type(y) is np.ma.MaskedArray and y.mask.tolist() == [True, False, False]
+    assert len(errors) == 1
+    assert type(m) is np.matrix and m.tolist() == [[5.0]]
+
+
+def test_wrong_results():
+    with pexquo.errors():
+        for bad, exception in (([0.0], TypeError), ((), ValueError), ((None, None), ValueError)):
+            with pytest.raises(exception):
+                pexquo.log([1.0], out=bad)
+        with pytest.raises(TypeError):
+            pexquo.sincos([1.0], out=np.empty(1))
+
+
 def test_random_numbers_report_nothing():
     with pexquo.errors() as errors:
         pexquo.Stream("mcg31m1").normal(size=10000, method="boxmuller")
     assert not errors
 
 
-LIBRARY = ctypes.CDLL(os.environ.get("PEXQUO_LIBRARY", "libpexquo.so.0"))
+LIBRARY = ctypes.CDLL(os.environ.get("PEXQUO_LIBRARY", "libpexquo.so.1"))
 LIBRARY._pexGetErrorCallBack.restype = ctypes.c_void_p
 LIBRARY._pexSetErrorCallBack.argtypes = [ctypes.c_void_p]
 
