@@ -141,7 +141,9 @@ class Stream(_pexquo.Stream):
     generator : str
         The generator's name, a key of `generators()`: "mt19937", "mt2203", "mrg32k3a" and so on.
     member : int
-        The member of a family of generators. Members seeded alike are independent.
+        The member of a family of generators, each with parameters of its own. Members seeded alike
+        start alike ("mt2203" with some 200 numbers, "wh" with a few, which are small): give each a seed
+        such as [run, member], and let "wh" skip 1000 numbers first.
     seed : int, sequence of int or None
         Words of 32 bits; larger integers count as several, low words first. None asks the operating
         system for a seed that nobody else has. The default, 1, makes programs repeatable.
