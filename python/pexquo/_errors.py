@@ -63,9 +63,9 @@ def errors():
     collects. Threads and asyncio tasks have blocks of their own. Of keywords, calls within take `tier=`,
     `out=` and `dtype=`.
 
-    Functions of real numbers report what they call special: an argument outside the domain, a pole,
-    a result that overflows or underflows. Complex functions and plain arithmetic report the
-    floating-point flags that an element raises.
+    Found is what a warning would tell of: an argument outside the domain, a pole, a result that overflows
+    or underflows. Complex functions and plain arithmetic report the floating-point flags that an
+    element raises.
 
     >>> import numpy as np, pexquo
     >>> with pexquo.errors() as found:

@@ -30,6 +30,13 @@ def found(function, *args, **kwargs):
     ("multiply", (1e-300, 1e-300), 0.0, "underflow"),
     ("sincos", (np.inf,), (np.nan, np.nan), "domain"),
     ("log", (0j,), complex(-np.inf, 0), "singularity"),
+    # Overflows for which the kernels have no code.
+    ("power", (10.0, 400.0), np.inf, "overflow"),
+    ("reciprocal", (1e-310,), np.inf, "overflow"),
+    ("divide", (1e300, 1e-300), np.inf, "overflow"),
+    ("hypot", (1.7e308, 1.7e308), np.inf, "overflow"),
+    # Some tiers compute in extended precision, with flags of its own.
+    ("divide", (1 + 1j, 0j), complex(np.nan, np.nan), "singularity"),
 ])
 @pytest.mark.parametrize("tier", ["ha", "la", "ep"])
 def test_one_element(function, args, result, reason, tier):
@@ -37,6 +44,25 @@ def test_one_element(function, args, result, reason, tier):
     assert error.function == function and error.index == () and error.reason == reason
     assert error.arguments == args
     np.testing.assert_array_equal(error.result, result)
+
+
+def test_codes_and_flags_in_one_call():
+    x = np.array([10.0, -1.0, 10.0, 0.0, 2.0])
+    y = np.array([400.0, 0.5, 1.0, -1.0, 5000.0])
+    errors = found(pexquo.power, x, y)
+    assert [(e.index, e.reason) for e in errors] == [
+        ((0,), "overflow"), ((1,), "domain"), ((3,), "singularity"), ((4,), "overflow")]
+
+
+@pytest.mark.parametrize("tier", ["ha", "la", "ep"])
+def test_warnings_do_not_depend_on_the_layout(tier):
+    # Contiguous arrays go a shorter way than NumPy's.
+    zeros, ones = np.zeros(6, complex), np.full(6, 1 + 1j)
+    for a, b in ((ones, zeros), (ones[::2], zeros[::2]), (ones[0], zeros[0])):
+        with pytest.warns(RuntimeWarning) as warned:
+            pexquo.divide(a, b, tier=tier)
+        texts = {str(w.message) for w in warned}
+        assert texts == {"divide by zero encountered in divide", "invalid value encountered in divide"}
 
 
 def layouts(x):
