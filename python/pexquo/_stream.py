@@ -354,13 +354,13 @@ class Stream(_pexquo.Stream):
         True
         """
         dtype = _NORMAL.result_type(dtype)
-        mean = np.ascontiguousarray(mean, dtype)
-        cov = np.asarray(cov, np.float64)
+        mean = np.ascontiguousarray(_numbers(mean), dtype)
+        cov = _numbers(cov).astype(np.float64)
         if mean.ndim != 1 or mean.size == 0 or cov.shape != (mean.size, mean.size):
             raise ValueError("multivariate_normal: mean must be a vector, cov a matrix of its order")
         if not (np.isfinite(mean).all() and np.isfinite(cov).all()):
             raise ValueError("multivariate_normal: mean and cov must be finite")
-        if not np.allclose(cov, cov.T):
+        if not np.allclose(cov, cov.T, atol=1e-8 * np.abs(cov).max()):
             raise ValueError("multivariate_normal: cov must be symmetric")
         try:
             factor = np.ascontiguousarray(np.linalg.cholesky(cov), dtype)

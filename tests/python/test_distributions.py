@@ -377,6 +377,13 @@ def test_messages_name_the_method():
     ):
         with np.errstate(all="ignore"), pytest.raises(ValueError, match=message):
             call()
+    for scale in (1.0, 1e-20, 1e20):
+        with pytest.raises(ValueError, match="symmetric"):
+            s.multivariate_normal([0, 0], np.array([[1, 0.5], [0.4, 1]]) * scale)
+        s.multivariate_normal([0, 0], np.array([[1, 0.5], [0.5 + 1e-9, 1]]) * scale)
+    for mean, cov in (([1j], [[1]]), ([0], [[1j]]), (["a"], [[1]])):
+        with pytest.raises(TypeError):
+            s.multivariate_normal(mean, cov)
     for name in ("standard_normal", "standard_exponential", "standard_cauchy"):
         with pytest.raises(TypeError, match=name + ": dtype"):
             getattr(s, name)(dtype="f2")
