@@ -62,8 +62,8 @@ def bit_generator(stream):
     "wh" those of its uniform.
 
     The stream moves on with what the generator takes: both may be used in turns, and from several
-    threads. To keep the state, take `state`, or pickle the stream or the bit generator. (NumPy before version 2 can
-    pickle a `Generator` only on bit generators of its own.)
+    threads. To keep the state, take `state`, or pickle the stream or the bit generator. (NumPy before
+    version 2 can pickle a `Generator` only on bit generators of its own.)
 
     >>> import numpy as np, pexquo
     >>> g = np.random.Generator(pexquo.bit_generator(pexquo.Stream("mt2203", member=3)))
