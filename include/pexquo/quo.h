@@ -220,8 +220,9 @@ QUO_BRNG_FUNCTIONS(MRG32K3A)
 
 /* Period 2^19937 - 1, a block of 624 words. */
 QUO_BRNG_FUNCTIONS(MT19937)
-/* 1024 members of period 2^2203 - 1, a block of 69 words, each with its own recurrence: streams of
- * different members are independent even when seeded alike. */
+/* 1024 members of period 2^2203 - 1, a block of 69 words, each with its own recurrence: no two
+ * share a run of 4406 words, whatever their seeds. Members seeded alike draw some 200 words that
+ * are alike first: let the seed hold the member's number, too. */
 QUO_BRNG_FUNCTIONS(MT2203)
 
 /* ---- Basic generators: quasi-random. ---- */

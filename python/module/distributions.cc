@@ -42,7 +42,8 @@ Scalar ToDouble(PyObject* object, double* value) {
 
 PyArrayObject* CheckedOut(PyObject* out, int type, const std::string& name) {
   auto* array = reinterpret_cast<PyArrayObject*>(out);
-  if (!PyArray_Check(out) || PyArray_TYPE(array) != type || !PyArray_ISCARRAY(array)) {
+  if (!PyArray_Check(out) || !PyArray_EquivTypenums(PyArray_TYPE(array), type) ||
+      !PyArray_ISCARRAY(array)) {
     PyArray_Descr* expected = PyArray_DescrFromType(type);
     PyErr_Format(PyExc_TypeError,
                  "%s: out must be a writable C-contiguous array of %S in native byte order",

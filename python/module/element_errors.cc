@@ -10,6 +10,14 @@ namespace {
 constexpr uint32_t kInvalid = 0x01, kDivide = 0x04, kOverflow = 0x08, kUnderflow = 0x10;
 constexpr uint32_t kFlagOfCode[] = {0, kInvalid, kDivide, kOverflow, kUnderflow};
 
+// Some complex kernels compute in extended precision, whose flags stand in the other unit's word,
+// at the places of MXCSR's; NumPy looks at both.
+uint32_t X87Status() {
+  uint16_t status;
+  asm volatile("fnstsw %0" : "=a"(status));
+  return status;
+}
+
 thread_local ErrorScope* innermost = nullptr;
 
 // What the arithmetic of IEEE 754 calls the element. Powers call their poles domain errors, and
@@ -61,17 +69,23 @@ void ErrorScope::Note(int32_t code, int64_t index) {
   if (errors_ != nullptr) errors_->push_back({code, base_ + index});
 }
 
-uint32_t RaisedFlags() { return _mm_getcsr() & (kInvalid | kDivide | kOverflow | kUnderflow); }
+uint32_t RaisedFlags() {
+  return (_mm_getcsr() | X87Status()) & (kInvalid | kDivide | kOverflow | kUnderflow);
+}
 
-// A write of the register costs more than the test.
+uint32_t FlagOf(int32_t code) { return kFlagOfCode[code]; }
+
+// A write of the registers costs more than the test.
 void ClearFlags() {
-  if (RaisedFlags() != 0) _mm_setcsr(_mm_getcsr() & ~0x3Fu);
+  if (RaisedFlags() == 0) return;
+  _mm_setcsr(_mm_getcsr() & ~0x3Fu);
+  asm volatile("fnclex");
 }
 
 void RaiseFlags(uint32_t flags) { _mm_setcsr(_mm_getcsr() | flags); }
 
 int32_t CodeOfFlags() {
-  const uint32_t flags = _mm_getcsr();
+  const uint32_t flags = RaisedFlags();
   for (const int32_t code :
        {PEX_STATUS_SINGULARITY, PEX_STATUS_DOMAIN, PEX_STATUS_OVERFLOW, PEX_STATUS_UNDERFLOW}) {
     if (flags & kFlagOfCode[code]) return code;

@@ -49,6 +49,7 @@ class ErrorScope {
 // underflow.
 void ClearFlags();
 uint32_t RaisedFlags();  // invalid, divide-by-zero, overflow and underflow, as bits of MXCSR
+uint32_t FlagOf(int32_t code);
 void RaiseFlags(uint32_t flags);
 int32_t CodeOfFlags();
 

@@ -253,6 +253,30 @@ struct OperandTypes {
   npy_intp real_size, complex_size;
 };
 
+// The errors and, one by one, the other elements that raise flags: those of functions without
+// codes, and overflows that have none (powers, quotients).
+std::vector<ElementError> WithFlags(const Loop& loop, npy_intp n,
+                                    const std::array<char*, kMaxOperands>& args,
+                                    const std::vector<ElementError>& errors) {
+  std::vector<ElementError> all;
+  auto reported = errors.begin();
+  for (npy_intp i = 0; i < n; ++i) {
+    if (reported != errors.end() && reported->index == i) {
+      all.push_back(*reported++);
+      continue;
+    }
+    std::array<char*, kMaxOperands> one = args;
+    for (size_t k = 0; k < one.size(); ++k) one[k] += i * loop.sizes[k];
+    ClearFlags();
+    {
+      ErrorScope scope;
+      CallKernel(loop, 1, one.data(), scope);
+    }
+    if (const int32_t code = CodeOfFlags(); code != PEX_STATUS_OK) all.push_back({code, i});
+  }
+  return all;
+}
+
 }  // namespace
 
 Loop MakeLoop(const pex::Entry& entry, bool swapped) {
@@ -310,18 +334,9 @@ std::vector<ElementError> RunCollecting(const Loop& loop, npy_intp n, char* cons
     ErrorScope scope(has_codes ? &errors : nullptr);
     CallContiguous(loop, n, at, scope, 0);
   }
-  if (!has_codes && CodeOfFlags() != PEX_STATUS_OK) {
-    for (npy_intp i = 0; i < n; ++i) {
-      std::array<char*, kMaxOperands> one = at;
-      for (size_t k = 0; k < one.size(); ++k) one[k] += i * loop.sizes[k];
-      ClearFlags();
-      {
-        ErrorScope scope;
-        CallKernel(loop, 1, one.data(), scope);
-      }
-      if (const int32_t code = CodeOfFlags(); code != PEX_STATUS_OK) errors.push_back({code, i});
-    }
-  }
+  uint32_t flags = RaisedFlags();
+  for (const ElementError& error : errors) flags &= ~FlagOf(error.code);
+  if (flags != 0) errors = WithFlags(loop, n, at, errors);
   ClearFlags();
   return errors;
 }

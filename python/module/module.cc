@@ -61,6 +61,7 @@ uint64_t NextRaw(void* stream) { return NextWord(stream); }
 
 // Makes a bit generator's capsule draw from the stream, which has to outlive it.
 void Attach(const py::capsule& capsule, Stream& stream) {
+  stream.Require();
   auto* generator = static_cast<bitgen_t*>(PyCapsule_GetPointer(capsule.ptr(), "BitGenerator"));
   if (generator == nullptr) throw py::error_already_set();
   *generator = {&stream, NextTwoWords, NextWord, NextDouble, NextRaw};
@@ -152,6 +153,7 @@ void BindStreams(py::module_& m) {
           [](const py::bytes& bytes) { return std::make_unique<Stream>(std::string_view(bytes)); }))
       .def(py::init(&LoadStream), py::kw_only(), py::arg("path"))
       .def("to_bytes", [](Stream& s) { return py::bytes(s.Serialize()); })
+      .def("restore", [](Stream& s, const py::bytes& bytes) { s.Restore(bytes); })
       .def("to_file", SaveStream)
       .def_property_readonly("generator",
                              [](const Stream& s) { return SmallLetters(s.generator()); })

@@ -144,6 +144,10 @@ void Stream::Adopt() {
   before_.reserve(state_bytes());
 }
 
+void Stream::Require() const {
+  if (state_ == nullptr) throw Failure{PyExc_ValueError, "a stream that was never initialised"};
+}
+
 void Stream::Lock() {
   if (mutex_.try_lock()) return;
   Py_BEGIN_ALLOW_THREADS;
@@ -152,6 +156,7 @@ void Stream::Lock() {
 }
 
 Stream::Access::Access(Stream& stream, bool release) : stream_(stream) {
+  stream.Require();
   stream.Lock();
   if (release) released_ = PyEval_SaveThread();
   stream.GiveBack();
@@ -160,6 +165,15 @@ Stream::Access::Access(Stream& stream, bool release) : stream_(stream) {
 Stream::Access::~Access() {
   stream_.Unlock();
   if (released_ != nullptr) PyEval_RestoreThread(released_);
+}
+
+void Stream::Restore(std::string_view bytes) {
+  Stream other(bytes);
+  const Access access(*this, false);
+  if (other.generator_ != generator_ || other.member_ != member_) {
+    throw Failure{PyExc_ValueError, "the state is of another generator"};
+  }
+  std::swap(state_, other.state_);
 }
 
 std::string Stream::Serialize() {
@@ -237,6 +251,8 @@ std::unique_ptr<Stream> LoadStream(const std::string& path) {
     case QUO_CLOSE_FAILED:
       FailOnFile(errno, path, "cannot be read");
     case QUO_READ_FAILED:
+      if (errno == EISDIR || errno == EIO) FailOnFile(errno, path, "cannot be read");
+      [[fallthrough]];
     case QUO_BAD_FILE:
     case QUO_BAD_FILE_FORMAT:
       throw Failure{PyExc_ValueError,

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -37,10 +38,24 @@ class Stream {
   Stream(const Stream&) = delete;
   Stream& operator=(const Stream&) = delete;
 
-  std::string_view generator() const { return generator_->name; }
-  int32_t member() const { return member_; }
+  // Zeros: an object that Python made by __new__ alone has no state, which Require() refuses.
+  static void* operator new(size_t bytes) { return std::memset(::operator new(bytes), 0, bytes); }
+  static void operator delete(void* stream) { ::operator delete(stream); }
+  void Require() const;
+
+  std::string_view generator() const {
+    Require();
+    return generator_->name;
+  }
+  int32_t member() const {
+    Require();
+    return member_;
+  }
   // 32-bit words of one raw output.
-  int raw_words() const { return properties_.WordBytes / 4; }
+  int raw_words() const {
+    Require();
+    return properties_.WordBytes / 4;
+  }
 
   // The stream alone, from construction to destruction, with what was drawn ahead given back.
   // Never waits with the interpreter's lock in hand; lets go of it for the whole time if `release`.
@@ -60,6 +75,9 @@ class Stream {
   // The lock alone, for holders that come back through NextWord(); recursive.
   void Lock();
   void Unlock() { mutex_.unlock(); }
+
+  // Back to what Serialize() gave of a stream of the same generator. Throws.
+  void Restore(std::string_view bytes);
 
   // The layout of a stream file (quo.h) with the chunks in the order of the stream.
   std::string Serialize();

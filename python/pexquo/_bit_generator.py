@@ -11,8 +11,11 @@ class BitGenerator(np.random.BitGenerator):
     """What `bit_generator` makes."""
 
     def __init__(self, stream):
+        if not isinstance(stream, _pexquo.Stream):
+            raise TypeError(f"a bit generator draws from a pexquo.Stream, not {stream!r}")
         super().__init__(0)
         self._stream = stream
+        self._lock = stream.lock()
         _pexquo.attach(self.capsule, stream)
 
     @property
@@ -23,12 +26,21 @@ class BitGenerator(np.random.BitGenerator):
     @property
     def lock(self):
         """The stream's lock."""
-        return self._stream.lock()
+        return self._lock
 
     @property
     def state(self):
-        """The stream, copied, in a dictionary as NumPy's bit generators have it."""
+        """The stream, copied, in a dictionary as NumPy's bit generators have it; set, it takes the
+        stream back there."""
         return {"bit_generator": type(self).__name__, "state": self._stream.to_bytes()}
+
+    @state.setter
+    def state(self, value):
+        if not isinstance(value, dict):
+            raise TypeError("state must be a dict")
+        if value.get("bit_generator") != type(self).__name__:
+            raise ValueError(f"state must be for a {type(self).__name__}")
+        self._stream.restore(value["state"])
 
     def random_raw(self, size=None, output=True):
         """Words of 32 bits, as uint64 like those of NumPy's bit generators of that size."""
@@ -50,8 +62,8 @@ def bit_generator(stream):
     "wh" those of its uniform.
 
     The stream moves on with what the generator takes: both may be used in turns, and from several
-    threads. To keep the state, pickle the stream or the bit generator. (NumPy before version 2 can
-    pickle a `Generator` only on bit generators of its own.)
+    threads. To keep the state, take `state`, or pickle the stream or the bit generator. (NumPy before
+    version 2 can pickle a `Generator` only on bit generators of its own.)
 
     >>> import numpy as np, pexquo
     >>> g = np.random.Generator(pexquo.bit_generator(pexquo.Stream("mt2203", member=3)))

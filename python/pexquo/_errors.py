@@ -11,7 +11,7 @@ from . import _pexquo
 __all__ = ["ElementError", "errors"]
 
 _REASONS = {1: "domain", 2: "singularity", 3: "overflow", 4: "underflow"}
-_open = contextvars.ContextVar("pexquo_errors", default=None)
+_blocks = contextvars.ContextVar("pexquo_errors", default=None)
 
 
 class ElementError(NamedTuple):
@@ -38,6 +38,21 @@ class ElementError(NamedTuple):
     reason: str
 
 
+class _Block:
+    """An errors() block: what it found, and the block around it. Blocks of generators and of tasks
+    end in any order, and not always in the context where they began."""
+
+    def __init__(self, outer):
+        self.found, self.outer, self.open = [], outer, True
+
+
+def _innermost():
+    block = _blocks.get()
+    while block is not None and not block.open:
+        block = block.outer
+    return block
+
+
 @contextlib.contextmanager
 def errors():
     """Collect the element errors of the calls within, instead of warning of them.
@@ -45,11 +60,12 @@ def errors():
     Yields a list that grows by an `ElementError` for every special element, in the order of the
     calls and, within a call, of the elements in C order. No warning and no exception comes from the
     functions meanwhile, whatever `numpy.errstate` says. Blocks may be nested; the innermost one
-    collects. Threads and asyncio tasks have blocks of their own.
+    collects. Threads and asyncio tasks have blocks of their own. Of keywords, calls within take `tier=`,
+    `out=` and `dtype=`.
 
-    Functions of real numbers report what they call special: an argument outside the domain, a pole,
-    a result that overflows or underflows. Complex functions and plain arithmetic report the
-    floating-point flags that an element raises.
+    Found is what a warning would tell of: an argument outside the domain, a pole, a result that overflows
+    or underflows. Complex functions and plain arithmetic report the floating-point flags that an
+    element raises.
 
     >>> import numpy as np, pexquo
     >>> with pexquo.errors() as found:
@@ -59,14 +75,15 @@ def errors():
     log (0, 1) 0.0 -inf singularity
     log (1, 0) -2.0 nan domain
     """
-    found = []
-    token = _open.set(found)
+    block = _Block(_innermost())
+    _blocks.set(block)
     _pexquo.count_collectors(1)
     try:
-        yield found
+        yield block.found
     finally:
         _pexquo.count_collectors(-1)
-        _open.reset(token)
+        block.open = False
+        _blocks.set(_innermost())
 
 
 def _loop_types(ufunc, arguments, dtype):
@@ -80,10 +97,22 @@ def _loop_types(ufunc, arguments, dtype):
     raise TypeError(f"ufunc {ufunc.__name__!r} not supported for the input types")
 
 
+def _wrap_of(args):
+    """What makes a result of the kind of the arguments (masked arrays, matrices), as a ufunc takes it."""
+    kinds = [
+        a
+        for a in args
+        if hasattr(a, "__array_wrap__") and type(a) is not np.ndarray and not isinstance(a, np.generic)
+    ]
+    if not kinds:
+        return None
+    return max(kinds, key=lambda a: getattr(a, "__array_priority__", 0)).__array_wrap__
+
+
 def _collect(function, tier, ufunc, args, kwargs):
     """A call while an errors() block is open somewhere."""
-    found = _open.get()
-    if found is None:
+    block = _innermost()
+    if block is None:
         return ufunc(*args, **kwargs)
     kwargs = dict(kwargs)
     out = kwargs.pop("out", None)
@@ -94,28 +123,34 @@ def _collect(function, tier, ufunc, args, kwargs):
             f"not {', '.join(kwargs)}"
         )
     nin, nout = ufunc.nin, ufunc.nout
-    if not nin <= len(args) <= nin + nout or (out is not None and len(args) > nin):
-        return ufunc(*args, out=out)  # raises the usual TypeError
-    results = list(args[nin:]) if out is None else list(out) if isinstance(out, tuple) else [out]
-    results += [None] * (nout - len(results))
+    given = list(args[nin:]) if out is None else list(out) if isinstance(out, tuple) else [out]
+    results = given + [None] * (nout - len(given))
+    if (
+        not nin <= len(args) <= nin + nout
+        or (out is not None and (len(args) > nin or len(given) != nout))
+        or not all(r is None or isinstance(r, np.ndarray) for r in results)
+    ):
+        return ufunc(*args, out=out)  # raises the usual exception
     arguments = [a if isinstance(a, np.ndarray) else np.asarray(a) for a in args[:nin]]
     types = _loop_types(ufunc, arguments if dtype is None else args[:nin], dtype)
     iterator = np.nditer(
         arguments + results,
         flags=["external_loop", "buffered", "zerosize_ok", "copy_if_overlap"],
         op_flags=[["readonly", "contig", "aligned", "nbo"]] * nin
-        + [["writeonly", "allocate", "no_broadcast", "contig", "aligned", "nbo"]] * nout,
+        + [["writeonly", "allocate", "no_broadcast", "no_subtype", "contig", "aligned", "nbo"]]
+        * nout,
         op_dtypes=types,
         order="C",
         casting="same_kind",
     )
     with iterator:
-        shape, base = np.broadcast_shapes(*(a.shape for a in arguments)), 0
+        shape = np.broadcast_shapes(*(a.shape for a in arguments + results if a is not None))
+        base = 0
         for operands in iterator if iterator.itersize else ():
             for index, code in function._collect(tier, *operands):
                 values = [o[index] for o in operands]
                 place = np.unravel_index(base + index, shape) if shape else ()
-                found.append(
+                block.found.append(
                     ElementError(
                         function.__name__,
                         tuple(int(i) for i in place),
@@ -125,12 +160,17 @@ def _collect(function, tier, ufunc, args, kwargs):
                     )
                 )
             base += len(operands[0])
-        values = [
-            given if given is not None else made
-            for given, made in zip(results, iterator.operands[nin:])
-        ]
-    values = [v[()] if v.ndim == 0 and r is None else v for v, r in zip(values, results)]
-    return values[0] if nout == 1 else tuple(values)
+        made = iterator.operands[nin:]
+    wrap = _wrap_of(args[:nin])
+
+    def finished(i):
+        if results[i] is not None:
+            return results[i]
+        if wrap is not None:
+            return wrap(made[i], (ufunc, args, i))
+        return made[i][()] if made[i].ndim == 0 else made[i]
+
+    return finished(0) if nout == 1 else tuple(finished(i) for i in range(nout))
 
 
 _pexquo.set_collect_hook(_collect)

@@ -44,6 +44,9 @@ def _document(function):
         for row in group:
             if row["notes"]:
                 lines += [""] + textwrap.wrap(title + row["notes"], 92)
+    if any("eport" in row["notes"] or "code" in row["notes"] for _, row in rows):
+        lines += ["", "Reports and codes are those of the C interface; here warnings and `errors()` follow the"]
+        lines += ["floating-point flags of IEEE 754: invalid, divide by zero, overflow, underflow."]
     bounds = _bounds([row for _, row in rows])
     if bounds:
         lines += ["", "Largest errors by tier (ulp of each part; `ep` promises bits):", ""]

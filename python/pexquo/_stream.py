@@ -50,21 +50,46 @@ def _available(name, catalogue, arguments, **kwargs):
         return None
 
 
+def _numbers(parameter):
+    """A parameter as an array of real numbers."""
+    array = np.asarray(parameter)
+    if array.dtype.kind == "O":  # fractions, decimals, large integers
+        array = np.array([float(x) for x in array.flat], np.float64).reshape(array.shape)
+    if array.dtype.kind not in "biuf":
+        raise TypeError("parameters must be real numbers")
+    return array
+
+
+def _shape(size):
+    """The shape that an argument `size` means."""
+    try:
+        return (operator.index(size),)
+    except TypeError:
+        if not np.iterable(size):
+            raise TypeError(f"size must be an integer or a shape, not {size!r}") from None
+    return tuple(operator.index(n) for n in size)
+
+
 _RANDOM = _pexquo.Distribution("random", "uniform", ["0", "1"])
 _UNIFORM = _pexquo.Distribution("uniform", "uniform", ["low", "high"])
 _INTEGERS = _pexquo.Distribution("integers", "uniform", ["low", "high"], integers=True)
 _NORMAL = _pexquo.Distribution("normal", "gaussian", ["loc", "scale"])
+_STANDARD_NORMAL = _pexquo.Distribution("standard_normal", "gaussian", ["", ""])
 _MULTIVARIATE = _pexquo.Distribution("multivariate_normal", "gaussianmv", [])
 _EXPONENTIAL = _pexquo.Distribution("exponential", "exponential", ["", "scale"])
+_STANDARD_EXPONENTIAL = _pexquo.Distribution("standard_exponential", "exponential", ["", ""])
 _LAPLACE = _pexquo.Distribution("laplace", "laplace", ["loc", "scale"])
 _WEIBULL = _pexquo.Distribution("weibull", "weibull", ["a", "", ""])
 _CAUCHY = _pexquo.Distribution("cauchy", "cauchy", ["loc", "scale"])
+_STANDARD_CAUCHY = _pexquo.Distribution("standard_cauchy", "cauchy", ["", ""])
 _RAYLEIGH = _pexquo.Distribution("rayleigh", "rayleigh", ["", "scale"])
 _LOGNORMAL = _pexquo.Distribution("lognormal", "lognormal", ["mean", "sigma", "", ""])
 _GUMBEL = _pexquo.Distribution("gumbel", "gumbel", ["loc", "scale"], mirrored=True)  # of least values
 _BERNOULLI = _pexquo.Distribution("bernoulli", "bernoulli", ["p"], integers=True)
 _GEOMETRIC = _pexquo.Distribution("geometric", "geometric", ["p"], integers=True, shift=1)
 _GAMMA = _available("gamma", "gamma", ["shape", "", "scale"])
+_STANDARD_GAMMA = _available("standard_gamma", "gamma", ["shape", "", ""])
+_CHISQUARE = _available("chisquare", "gamma", ["df", "", ""])
 _BETA = _available("beta", "beta", ["a", "b", "", ""])
 _BINOMIAL = _available("binomial", "binomial", ["n", "p"], integers=True)
 _POISSON = _available("poisson", "poisson", ["lam"], integers=True)
@@ -78,16 +103,17 @@ _NEGATIVE_BINOMIAL = _available(
 
 def _draw_broadcast(stream, distribution, dtype, method, size, out, parameters):
     """Parameters that are arrays: element by element, in C order."""
-    arrays = [np.asarray(p) for p in parameters]
-    if any(a.dtype.kind not in "biuf" for a in arrays):
-        raise TypeError("parameters must be real numbers")
+    arrays = [_numbers(p) for p in parameters]
     shape = np.broadcast_shapes(*(a.shape for a in arrays))
+    if out is not None and not isinstance(out, np.ndarray):
+        raise TypeError("out must be an array")
+    one = size is None and out is None and shape == ()
     if size is None and out is not None:
         size = out.shape
     if size is None:
         size = shape
     else:
-        size = tuple(np.atleast_1d(np.asarray(size, np.intp)).tolist()) if size != () else ()
+        size = _shape(size)
         if np.broadcast_shapes(shape, size) != size:
             raise ValueError(
                 f"Output size {size} is not compatible with broadcast dimensions of inputs {shape}."
@@ -98,8 +124,10 @@ def _draw_broadcast(stream, distribution, dtype, method, size, out, parameters):
         out = np.empty(size, result_type)
     elif out.dtype != result_type or out.shape != size or not out.flags.carray:
         raise TypeError(f"out must be a writable C-contiguous {result_type} array of shape {size}")
+    else:  # that elements written leave those to be read alone
+        columns = tuple(c.copy() if np.may_share_memory(c, out) else c for c in columns)
     _pexquo.draw_each(stream, distribution, method, out, columns)
-    return out
+    return out.item() if one else out
 
 
 _pexquo.set_broadcast_hook(_draw_broadcast)
@@ -113,7 +141,9 @@ class Stream(_pexquo.Stream):
     generator : str
         The generator's name, a key of `generators()`: "mt19937", "mt2203", "mrg32k3a" and so on.
     member : int
-        The member of a family of generators. Members seeded alike are independent.
+        The member of a family of generators, each with parameters of its own. Members seeded alike
+        start alike ("mt2203" with some 200 numbers, "wh" with a few, which are small): give each a seed
+        such as [run, member], and let "wh" skip 1000 numbers first.
     seed : int, sequence of int or None
         Words of 32 bits; larger integers count as several, low words first. None asks the operating
         system for a seed that nobody else has. The default, 1, makes programs repeatable.
@@ -145,6 +175,11 @@ class Stream(_pexquo.Stream):
     """
 
     def __init__(self, generator="mt19937", *, member=0, seed=1, dimension=None):
+        if not isinstance(generator, str):
+            raise TypeError(f"generator must be a name, not {generator!r}")
+        member = operator.index(member)
+        if not -(2**63) <= member < 2**63:
+            raise ValueError(f"there is no member {member} of {generator}")
         most = _MOST_COORDINATES.get(generator.lower())
         if most is None:
             if dimension is not None:
@@ -283,14 +318,14 @@ class Stream(_pexquo.Stream):
         if high is None:
             low, high = 0, low
         if endpoint:
-            high = np.add(high, 1)
+            high = np.add(high, 1, dtype=np.float64)
         return _draw(self, _INTEGERS, dtype, None, size, out, low, high)
 
     # ---- Normal. ----
 
     def standard_normal(self, size=None, dtype=np.float64, out=None, *, method="icdf"):
         """Normal with mean 0 and standard deviation 1: see `normal`."""
-        return _draw(self, _NORMAL, dtype, method, size, out, 0.0, 1.0)
+        return _draw(self, _STANDARD_NORMAL, dtype, method, size, out, 0.0, 1.0)
 
     def normal(
         self, loc=0.0, scale=1.0, size=None, *, dtype=np.float64, method="icdf", out=None
@@ -319,18 +354,20 @@ class Stream(_pexquo.Stream):
         True
         """
         dtype = _NORMAL.result_type(dtype)
-        mean = np.ascontiguousarray(mean, dtype)
-        cov = np.asarray(cov, np.float64)
+        mean = np.ascontiguousarray(_numbers(mean), dtype)
+        cov = _numbers(cov).astype(np.float64)
         if mean.ndim != 1 or mean.size == 0 or cov.shape != (mean.size, mean.size):
             raise ValueError("multivariate_normal: mean must be a vector, cov a matrix of its order")
         if not (np.isfinite(mean).all() and np.isfinite(cov).all()):
             raise ValueError("multivariate_normal: mean and cov must be finite")
-        if not np.allclose(cov, cov.T):
+        if not np.allclose(cov, cov.T, atol=1e-8 * np.abs(cov).max()):
             raise ValueError("multivariate_normal: cov must be symmetric")
         try:
             factor = np.ascontiguousarray(np.linalg.cholesky(cov), dtype)
         except np.linalg.LinAlgError:
             raise ValueError("multivariate_normal: cov must be positive definite") from None
+        if not np.isfinite(factor).all():
+            raise ValueError(f"multivariate_normal: cov is too large for {np.dtype(dtype)}")
         shape = () if size is None else tuple(np.atleast_1d(size).tolist())
         out = np.empty(shape + (mean.size,), dtype)
         _pexquo.draw_multivariate(self, _MULTIVARIATE, method, mean, factor, out)
@@ -340,7 +377,7 @@ class Stream(_pexquo.Stream):
 
     def standard_exponential(self, size=None, dtype=np.float64, out=None):
         """Exponential with mean 1."""
-        return _draw(self, _EXPONENTIAL, dtype, None, size, out, 0.0, 1.0)
+        return _draw(self, _STANDARD_EXPONENTIAL, dtype, None, size, out, 0.0, 1.0)
 
     def exponential(self, scale=1.0, size=None, *, dtype=np.float64, out=None):
         """Exponential with mean scale.
@@ -361,7 +398,7 @@ class Stream(_pexquo.Stream):
 
     def standard_cauchy(self, size=None, *, dtype=np.float64, out=None):
         """Cauchy about 0 with half-width 1."""
-        return _draw(self, _CAUCHY, dtype, None, size, out, 0.0, 1.0)
+        return _draw(self, _STANDARD_CAUCHY, dtype, None, size, out, 0.0, 1.0)
 
     def cauchy(self, loc=0.0, scale=1.0, size=None, *, dtype=np.float64, out=None):
         """Cauchy about loc; scale is half the width at half the height."""
@@ -369,7 +406,11 @@ class Stream(_pexquo.Stream):
 
     def rayleigh(self, scale=1.0, size=None, *, dtype=np.float64, out=None):
         """Rayleigh with density x / scale^2 exp(-x^2 / (2 scale^2))."""
-        beta = scale * _SQRT2 if isinstance(scale, float) else np.multiply(scale, _SQRT2)
+        beta = (
+            scale * _SQRT2
+            if isinstance(scale, float)
+            else np.multiply(scale, _SQRT2, dtype=np.float64)
+        )
         return _draw(self, _RAYLEIGH, dtype, None, size, out, 0.0, beta)
 
     def lognormal(self, mean=0.0, sigma=1.0, size=None, *, dtype=np.float64, out=None):
@@ -418,11 +459,12 @@ class Stream(_pexquo.Stream):
 
         def standard_gamma(self, shape, size=None, dtype=np.float64, out=None):
             """Gamma of that shape and scale 1."""
-            return _draw(self, _GAMMA, dtype, None, size, out, shape, 0.0, 1.0)
+            return _draw(self, _STANDARD_GAMMA, dtype, None, size, out, shape, 0.0, 1.0)
 
         def chisquare(self, df, size=None, *, dtype=np.float64, out=None):
             """Chi-square with df degrees of freedom."""
-            return _draw(self, _GAMMA, dtype, None, size, out, np.divide(df, 2.0), 0.0, 2.0)
+            shape = np.divide(df, 2.0, dtype=np.float64)
+            return _draw(self, _CHISQUARE, dtype, None, size, out, shape, 0.0, 2.0)
 
     if _BETA is not None:
 
@@ -452,7 +494,9 @@ class Stream(_pexquo.Stream):
 
         def hypergeometric(self, ngood, nbad, nsample, size=None, *, dtype=np.int64, out=None):
             """Good ones among nsample drawn, without putting back, from ngood and nbad."""
-            total = np.add(ngood, nbad)
+            total = np.add(ngood, nbad, dtype=np.float64)
+            if np.less(nbad, 0).any():
+                raise ValueError("hypergeometric: nbad must be an integer from 0 to 2147483647")
             if np.less(total, nsample).any():
                 raise ValueError("hypergeometric: nsample must not exceed ngood + nbad")
             return _draw(self, _HYPERGEOMETRIC, dtype, None, size, out, total, nsample, ngood)

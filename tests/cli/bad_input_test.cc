@@ -27,6 +27,8 @@ TEST_F(BadInputTest, CommandsAndOptions) {
   } kCases[] = {
       {"evla ln", "unknown command \"evla\"; did you mean eval?"},
       {"eval ln --tire ha", "\"--tire\"; did you mean --tier?"},
+      {"--level sse4 eval ln", "\"--level\"; options come after the command"},
+      {"--level=sse4 eval ln", "\"--level=sse4\"; options come after the command"},
       {"eval ln a b", "ln takes one argument"},
       {"eval add a b c", "unexpected \"c\""},
       {"eval", "function is required"},

@@ -126,9 +126,31 @@ def test_lock():
     assert drawn and drawn[0] != first
     with pytest.raises(RuntimeError, match="not held"):
         bits.lock.release()
+    bits.lock.acquire()
+    bits.lock.release()
+
+
+def test_state_is_set():
+    s = pexquo.Stream("mt2203", member=3)
+    bits = pexquo.bit_generator(s)
+    generator = np.random.Generator(bits)
+    generator.random(5)
+    s.normal(size=3, method="boxmuller2")
+    state = bits.state
+    want = generator.random(5).tolist(), s.copy().normal(size=3, method="boxmuller2").tolist()
+    bits.state = state
+    assert bits.stream is s
+    assert want == (generator.random(5).tolist(), s.normal(size=3, method="boxmuller2").tolist())
+    other = pexquo.bit_generator(pexquo.Stream("mt2203", member=4)).state
+    for bad in (other, {}, {"bit_generator": "MT19937", "state": state["state"]},
+                {"bit_generator": "BitGenerator", "state": b""}):
+        with pytest.raises(ValueError, match="state|pickled stream"):
+            bits.state = bad
+    with pytest.raises(TypeError):
+        bits.state = state["state"]
 
 
 def test_wrong_streams():
     for bad in (None, 1, np.random.MT19937()):
-        with pytest.raises(TypeError):
+        with pytest.raises(TypeError, match="draws from a pexquo.Stream"):
             pexquo.bit_generator(bad)

@@ -1,6 +1,8 @@
 """Distributions: made of the stream's uniforms as documented, in NumPy's parameters and shapes."""
 
 import math
+from decimal import Decimal
+from fractions import Fraction
 
 import numpy as np
 import pexquo
@@ -314,6 +316,82 @@ def test_refuses_types():
             s.integers(5, dtype=dtype)
     with pytest.raises(OverflowError):
         s.uniform(-1.7e308, 1.7e308)
+
+
+def test_array_parameters_take_numpys_sizes():
+    s = pexquo.Stream("mcg59")
+    for good in (2, (2,), [2], np.int64(2), np.array([2])):
+        assert s.normal([0, 1], size=good).shape == (2,)
+    for bad in (2.5, "2", [2.0], np.float64(2)):
+        with pytest.raises(TypeError):
+            s.normal([0, 1], size=bad)
+    for bad in (-1, (), 10**20, (3,)):
+        with pytest.raises(ValueError):
+            s.normal([0, 1], size=bad)
+    with pytest.raises(TypeError, match="out must be"):
+        s.normal([0, 1], out=[0.0, 0.0])
+
+
+def test_parameters_of_other_types():
+    s = pexquo.Stream("mcg59")
+
+    def first(name, *args):
+        return getattr(s.copy(), name)(*args)
+
+    assert first("normal", Fraction(1, 2), Decimal(2)) == first("normal", 0.5, 2.0)
+    assert first("normal", [Fraction(1, 2), 10**30]).tolist() == first("normal", [0.5, 1e30]).tolist()
+    for bad in (None, [None, 1.0], 1j, ["1"]):
+        with pytest.raises(TypeError):
+            s.normal(bad)
+    # Narrow types do not overflow, and round nothing.
+    assert first("integers", 0, np.uint8(255), 9, np.int64, True).max() > 100
+    assert first("integers", 0, np.array([127], np.int8), 9, np.int64, True).max() > 60
+    assert first("hypergeometric", *np.array([[200], [100], [50]], np.uint8)) == first(
+        "hypergeometric", [200], [100], [50])
+    for dtype in ("f2", "f4", "i1"):
+        for name in ("rayleigh", "chisquare"):
+            assert first(name, np.array([3], dtype)) == first(name, [3.0])
+    assert np.isfinite(first("rayleigh", np.array([6e4], "f2"))).all()
+
+
+def test_out_over_parameters():
+    s = pexquo.Stream("mcg59")
+    numbers = np.arange(10.0)
+    want = s.copy().normal(numbers[:-1].copy(), 0.5)
+    s.copy().normal(numbers[:-1], 0.5, out=numbers[1:])
+    assert (numbers[1:] == want).all()
+    same = np.arange(10.0)
+    want = s.copy().normal(same.copy())
+    assert (s.copy().normal(same, out=same) == want).all()
+
+
+def test_messages_name_the_method():
+    s = pexquo.Stream("mcg59")
+    for call, message in (
+        (lambda: s.chisquare(-1), "chisquare: df must be"),
+        (lambda: s.chisquare([1, -1]), "chisquare: df must be"),
+        (lambda: s.standard_gamma(-1), "standard_gamma: shape must be"),
+        (lambda: s.hypergeometric(8, -5, 3), "hypergeometric: nbad must be"),
+        (lambda: s.hypergeometric([8, 8], [5, -5], 3), "hypergeometric: nbad must be"),
+        (lambda: s.multivariate_normal([0], [[1e80]], dtype="f4"), "cov is too large for float32"),
+    ):
+        with np.errstate(all="ignore"), pytest.raises(ValueError, match=message):
+            call()
+    for scale in (1.0, 1e-20, 1e20):
+        with pytest.raises(ValueError, match="symmetric"):
+            s.multivariate_normal([0, 0], np.array([[1, 0.5], [0.4, 1]]) * scale)
+        s.multivariate_normal([0, 0], np.array([[1, 0.5], [0.5 + 1e-9, 1]]) * scale)
+    for mean, cov in (([1j], [[1]]), ([0], [[1j]]), (["a"], [[1]])):
+        with pytest.raises(TypeError):
+            s.multivariate_normal(mean, cov)
+    for name in ("standard_normal", "standard_exponential", "standard_cauchy"):
+        with pytest.raises(TypeError, match=name + ": dtype"):
+            getattr(s, name)(dtype="f2")
+
+
+def test_out_of_any_equal_type():
+    out = np.zeros(50, np.longlong)
+    assert pexquo.Stream("mcg59").integers(5, out=out) is out and out.max() == 4
 
 
 def test_extremes():

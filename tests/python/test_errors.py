@@ -30,6 +30,13 @@ def found(function, *args, **kwargs):
     ("multiply", (1e-300, 1e-300), 0.0, "underflow"),
     ("sincos", (np.inf,), (np.nan, np.nan), "domain"),
     ("log", (0j,), complex(-np.inf, 0), "singularity"),
+    # Overflows for which the kernels have no code.
+    ("power", (10.0, 400.0), np.inf, "overflow"),
+    ("reciprocal", (1e-310,), np.inf, "overflow"),
+    ("divide", (1e300, 1e-300), np.inf, "overflow"),
+    ("hypot", (1.7e308, 1.7e308), np.inf, "overflow"),
+    # Some tiers compute in extended precision, with flags of its own.
+    ("divide", (1 + 1j, 0j), complex(np.nan, np.nan), "singularity"),
 ])
 @pytest.mark.parametrize("tier", ["ha", "la", "ep"])
 def test_one_element(function, args, result, reason, tier):
@@ -37,6 +44,25 @@ def test_one_element(function, args, result, reason, tier):
     assert error.function == function and error.index == () and error.reason == reason
     assert error.arguments == args
     np.testing.assert_array_equal(error.result, result)
+
+
+def test_codes_and_flags_in_one_call():
+    x = np.array([10.0, -1.0, 10.0, 0.0, 2.0])
+    y = np.array([400.0, 0.5, 1.0, -1.0, 5000.0])
+    errors = found(pexquo.power, x, y)
+    assert [(e.index, e.reason) for e in errors] == [
+        ((0,), "overflow"), ((1,), "domain"), ((3,), "singularity"), ((4,), "overflow")]
+
+
+@pytest.mark.parametrize("tier", ["ha", "la", "ep"])
+def test_warnings_do_not_depend_on_the_layout(tier):
+    # Contiguous arrays go a shorter way than NumPy's.
+    zeros, ones = np.zeros(6, complex), np.full(6, 1 + 1j)
+    for a, b in ((ones, zeros), (ones[::2], zeros[::2]), (ones[0], zeros[0])):
+        with pytest.warns(RuntimeWarning) as warned:
+            pexquo.divide(a, b, tier=tier)
+        texts = {str(w.message) for w in warned}
+        assert texts == {"divide by zero encountered in divide", "invalid value encountered in divide"}
 
 
 def layouts(x):
@@ -154,13 +180,109 @@ def test_other_threads_and_tasks_have_their_own():
     assert [e.reason for e in a] == ["singularity"] and [e.reason for e in b] == ["domain"]
 
 
+def test_blocks_end_in_any_order():
+    def open_block():
+        with pexquo.errors() as errors:
+            yield errors
+
+    first, second = open_block(), open_block()
+    a, b = next(first), next(second)
+    first.close()
+    pexquo.log(0.0)
+    assert (len(a), len(b)) == (0, 1)
+    second.close()
+    held, release = threading.Event(), threading.Event()
+
+    def elsewhere():
+        with pexquo.errors():
+            held.set()
+            release.wait()
+
+    thread = threading.Thread(target=elsewhere)
+    thread.start()
+    held.wait()
+    with pytest.warns(RuntimeWarning, match="divide by zero"):
+        pexquo.log(0.0)
+    release.set()
+    thread.join()
+    assert (len(a), len(b)) == (0, 1)
+
+
+def test_a_block_may_end_in_another_thread():
+    def open_block():
+        with pexquo.errors() as errors:
+            yield errors
+
+    block, raised = open_block(), []
+
+    def close():
+        try:
+            block.close()
+        except Exception as error:
+            raised.append(error)
+
+    next(block)
+    thread = threading.Thread(target=close)
+    thread.start()
+    thread.join()
+    assert not raised
+    with pytest.warns(RuntimeWarning, match="divide by zero"):
+        pexquo.log(0.0)
+
+
+def test_tasks_outlive_their_block():
+    async def late(gate):
+        await gate.wait()
+        with np.errstate(divide="raise"), pytest.raises(FloatingPointError):
+            pexquo.log(0.0)
+
+    async def main():
+        gate = asyncio.Event()
+        with pexquo.errors() as ended:
+            task = asyncio.create_task(late(gate))
+            await asyncio.sleep(0)
+        with pexquo.errors() as other:
+            gate.set()
+            await task
+        return ended, other
+
+    assert asyncio.run(main()) == ([], [])
+
+
+def test_results_larger_than_the_arguments():
+    out = np.empty((2, 3))
+    with pexquo.errors() as errors:
+        assert pexquo.log([1.0, 0.0, 2.0], out=out) is out
+    assert [e.index for e in errors] == [(0, 1), (1, 1)]
+    assert (out == [[0.0, -np.inf, pexquo.log(2.0)]] * 2).all()
+
+
+def test_subclasses():
+    x = np.ma.array([0.0, 1.0, 2.0], mask=[True, False, False])
+    with pexquo.errors() as errors:
+        y = pexquo.log(x)
+        m = pexquo.hypot(np.ones((1, 1)).view(np.matrix) * 3, 4.0)
+    assert type(y) is np.ma.MaskedArray and y.mask.tolist() == [True, False, False]
+    assert len(errors) == 1
+    assert type(m) is np.matrix and m.tolist() == [[5.0]]
+
+
+def test_wrong_results():
+    with pexquo.errors():
+        for bad, exception in (([0.0], TypeError), ((), ValueError), ((None, None), ValueError)):
+            with pytest.raises(exception):
+                pexquo.log([1.0], out=bad)
+        with pytest.raises(TypeError):
+            pexquo.sincos([1.0], out=np.empty(1))
+
+
 def test_random_numbers_report_nothing():
     with pexquo.errors() as errors:
         pexquo.Stream("mcg31m1").normal(size=10000, method="boxmuller")
     assert not errors
 
 
-LIBRARY = ctypes.CDLL(os.environ.get("PEXQUO_LIBRARY", "libpexquo.so.0"))
+LIBRARY = ctypes.CDLL(os.environ.get("PEXQUO_LIBRARY", "libpexquo.so.1"))
 LIBRARY._pexGetErrorCallBack.restype = ctypes.c_void_p
 LIBRARY._pexSetErrorCallBack.argtypes = [ctypes.c_void_p]
 

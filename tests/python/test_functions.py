@@ -12,7 +12,7 @@ import pexquo
 import pytest
 from pexquo import _pexquo
 
-LIBRARY = ctypes.CDLL(os.environ.get("PEXQUO_LIBRARY", "libpexquo.so.0"))
+LIBRARY = ctypes.CDLL(os.environ.get("PEXQUO_LIBRARY", "libpexquo.so.1"))
 LETTERS = {"f": "s", "d": "d", "F": "c", "D": "z"}
 SUFFIXES = {"f": {"ep": "11", "la": "21", "ha": "HA"}, "d": {"ep": "26", "la": "50", "ha": "HA"}}
 FUNCTIONS = _pexquo.functions

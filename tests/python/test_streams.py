@@ -99,6 +99,8 @@ def test_bad_files(tmp_path):
     s = pexquo.Stream("mcg59")
     with pytest.raises(FileNotFoundError, match="nowhere"):
         pexquo.Stream.load(tmp_path / "nowhere")
+    with pytest.raises(IsADirectoryError):
+        pexquo.Stream.load(tmp_path)
     with pytest.raises(FileNotFoundError):
         s.save(tmp_path / "no folder" / "x")
     with pytest.raises(OSError):
@@ -184,6 +186,21 @@ def test_wrong_streams():
         pexquo.Stream("mcg59", dimension=3)
     with pytest.raises(TypeError):
         pexquo.Stream("mt2203", 3)
+    with pytest.raises(TypeError, match="generator must be a name, not 5"):
+        pexquo.Stream(5)
+    with pytest.raises(TypeError, match="'float' object"):
+        pexquo.Stream("mt2203", member=1.5)
+    with pytest.raises(ValueError, match="no member"):
+        pexquo.Stream("mt2203", member=2**70)
+
+
+def test_streams_that_were_never_initialised():
+    s = pexquo.Stream.__new__(pexquo.Stream)
+    for call in (s.random, s.raw, s.copy, lambda: s.generator, lambda: s.member, lambda: repr(s),
+                 lambda: s.skip(1), lambda: s.leapfrog(0, 2), lambda: s.normal([0.0, 1.0]),
+                 lambda: pexquo.bit_generator(s), lambda: s.multivariate_normal([0], [[1]])):
+        with pytest.raises(ValueError, match="never initialised"):
+            call()
 
 
 def test_members_are_different():
