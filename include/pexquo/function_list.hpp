@@ -1074,7 +1074,7 @@ struct cdfnorm_calls {
 }  // namespace detail
 
 /// cdfnorm: the standard normal distribution function of a. Reports underflow (code 4, result
-/// subnormal or 0). Bounds in double: HA 0.57 ulp, LA 2 ulp, EP at least 26 bits; in single: HA
+/// subnormal or 0). Bounds in double: HA 0.65 ulp, LA 2 ulp, EP at least 26 bits; in single: HA
 /// correctly rounded, LA 2 ulp, EP at least 11 bits.
 inline constexpr unary_function<detail::cdfnorm_calls> cdfnorm{};
 
