@@ -170,7 +170,8 @@ class stream {
   stream(stream&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
   /// Takes over the other.
   stream& operator=(stream&& other) noexcept {
-    std::swap(handle_, other.handle_);
+    stream taken(std::move(other));  // leaves nothing behind; its end is that of the old stream
+    std::swap(handle_, taken.handle_);
     return *this;
   }
   ~stream() { quoDeleteStream(&handle_); }

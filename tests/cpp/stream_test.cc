@@ -103,6 +103,13 @@ TEST(Stream, MovesLeaveNothing) {
   EXPECT_EQ(Draw(a, 10), Draw(same, 10));
   stream adopted = stream::adopt(a.release());
   EXPECT_EQ(Draw(adopted, 10), Draw(same, 10));
+  stream other("wh", 1);
+  other = std::move(adopted);                            // the old one of `other` is gone
+  EXPECT_EQ(adopted.handle(), nullptr);                  // NOLINT
+  EXPECT_THROW(Draw(adopted, 1), pexquo::stream_error);  // NOLINT
+  stream& itself = other;
+  other = std::move(itself);
+  EXPECT_EQ(Draw(other, 10), Draw(same, 10));
 }
 
 TEST(Stream, SkipAndLeapfrog) {
