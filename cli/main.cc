@@ -175,9 +175,12 @@ std::vector<std::string> JoinedArguments(int argc, char** argv) {
         for (const std::string& name : option->get_lnames()) known.push_back("--" + name);
       }
     }
-    const std::string& extra = extras.front();
-    if (std::ranges::find(known, extra) != known.end()) Fail(extra, " has to follow the command");
-    Fail("unexpected ", Quoted(extra), extra.starts_with("-") ? Suggestion(extra, known) : "");
+    const std::string name = extras.front().substr(0, extras.front().find('='));
+    if (std::find(known.begin(), known.end(), name) != known.end()) {
+      Fail("unexpected ", Quoted(extras.front()), "; options come after the command");
+    }
+    const bool option = extras.front().starts_with("-");
+    Fail("unexpected ", Quoted(extras.front()), option ? Suggestion(extras.front(), known) : "");
   }
   std::string text = error.what();
   while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();

@@ -27,6 +27,8 @@ TEST_F(BadInputTest, CommandsAndOptions) {
   } kCases[] = {
       {"evla ln", "unknown command \"evla\"; did you mean eval?"},
       {"eval ln --tire ha", "\"--tire\"; did you mean --tier?"},
+      {"--level sse4 eval ln", "\"--level\"; options come after the command"},
+      {"--level=sse4 eval ln", "\"--level=sse4\"; options come after the command"},
       {"eval ln a b", "ln takes one argument"},
       {"eval add a b c", "unexpected \"c\""},
       {"eval", "function is required"},
@@ -148,7 +150,6 @@ TEST_F(BadInputTest, CommandsAndOptions) {
       {"draw uniform --load  --count 1", "--load: is empty"},  // two blanks, an empty value
       {"draw uniform --seed  --count 1", "--seed: is empty"},
       {"eval exp --type  x", "--type: is empty"},
-      {"--level sse4 draw uniform --count 1", "--level has to follow the command"},
       {"draw uniform --count 1 --leapfrog 3/3", "--leapfrog \"3/3\" is not K/S"},
       {"draw uniform --count 1 --leapfrog 3", "is not K/S"},
       {"draw uniform --count 1 --leapfrog 0/0", "is not K/S"},
