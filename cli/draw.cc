@@ -353,6 +353,7 @@ const quo::Distribution& NamedDistribution(const DrawOptions& options) {
 
 // Refuses what the distribution has no use for.
 void CheckOptions(const DrawOptions& options, const quo::Distribution& d) {
+  if (options.save == options.output) Fail("--save and --output are the same file");
   for (const auto& [name, text] : options.parameters) {
     const auto is_it = [&name](const quo::Parameter& p) { return p.name == name; };
     if (!text.empty() && std::ranges::none_of(d.parameters, is_it)) {

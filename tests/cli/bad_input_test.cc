@@ -147,6 +147,7 @@ TEST_F(BadInputTest, CommandsAndOptions) {
       {"draw uniform --count 1 --generator r250 --skip 1", "the generator cannot skip ahead"},
       {"draw uniform --count 1 --generator mt19937 --leapfrog 0/2",
        "the generator cannot leapfrog"},
+      {"draw uniform --count 1 --save result", "--save and --output are the same file"},
       {"draw uniform --load  --count 1", "--load: is empty"},  // two blanks, an empty value
       {"draw uniform --seed  --count 1", "--seed: is empty"},
       {"eval exp --type  x", "--type: is empty"},
