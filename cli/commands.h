@@ -12,6 +12,9 @@ namespace cli {
 // What there is: "functions", "generators", "distributions", "levels", or everything for "".
 int List(const std::string& topic);
 
+// After what was printed on standard output: the exit status, or a Failure if not all got there.
+int FinishPrinting();
+
 struct EvalOptions {
   std::string function, tier, type;  // as typed; empty where not given
   std::string input = "-", output = "-", format;

@@ -158,6 +158,12 @@ const quo::Sampler& SamplerOf(const DrawOptions& options, const quo::Distributio
   Fail("unknown type ", Quoted(options.type), "; of ", d.name, " there is ", types);
 }
 
+// Counts end at 2^31 - 1, and a mean beyond has hardly any.
+void ExpectMean(const char* name, double mean) {
+  constexpr int32_t kMost = std::numeric_limits<int32_t>::max();
+  if (mean > kMost) Fail("--", name, " ", NumberText(mean), " is above ", kMost);
+}
+
 // Any distribution of scalars with parameters.
 void DrawScalars(const DrawOptions& options, const quo::Distribution& d, Stream& stream,
                  uint64_t count) {
@@ -173,6 +179,13 @@ void DrawScalars(const DrawOptions& options, const quo::Distribution& d, Stream&
   if (d.name == "hypergeometric" && !(std::max(parameters[1], parameters[2]) <= parameters[0])) {
     Fail("s and m are parts of the lot: at most l = ", NumberText(parameters[0]));
   }
+  if (d.name == "geometric" && !(1 - parameters[0] < 1)) {
+    Fail("--p ", NumberText(parameters[0]), " is too small: 1 - p is 1");
+  }
+  if (d.name == "negbinomial" && !(parameters[1] > 0)) {
+    Fail("--p ", NumberText(parameters[1]), " is not positive");
+  }
+  if (d.name == "poisson") ExpectMean("lambda", parameters[0]);
   if (sampler.type == 'd') {
     return DrawNumbers<double>(options, stream, count, sampler, method, parameters);
   }
@@ -193,6 +206,7 @@ void DrawUniformAs(const DrawOptions& options, const quo::Distribution& d, Strea
   if (!(a < b)) Fail("b = ", NumberText(b), " is not above a = ", NumberText(a));
   if constexpr (!std::is_integral_v<T>) {
     if (!std::isfinite(b - a)) Fail("b - a overflows");
+    if (!std::isfinite(a + b)) Fail("a + b overflows");  // of which some generators take half
   }
   DrawNumbers<T>(options, stream, count, SamplerOf(options, d),
                  options.accurate ? QUO_METHOD_ACCURATE : 0,
@@ -309,6 +323,7 @@ void DrawPoissonV(const DrawOptions& options, const quo::Distribution& d, Stream
   const auto mean = NumbersOf<double>("mean", options.mean.empty() ? "1" : options.mean);
   for (const double m : mean) {
     if (m < 0) Fail("--mean has ", NumberText(m), ", which is below 0");
+    ExpectMean("mean", m);
   }
   if (mean.size() > kMaxDimension) Fail("there are at most ", kMaxDimension, " means");
   std::vector<double> means;
@@ -338,6 +353,7 @@ const quo::Distribution& NamedDistribution(const DrawOptions& options) {
 
 // Refuses what the distribution has no use for.
 void CheckOptions(const DrawOptions& options, const quo::Distribution& d) {
+  if (options.save == options.output) Fail("--save and --output are the same file");
   for (const auto& [name, text] : options.parameters) {
     const auto is_it = [&name](const quo::Parameter& p) { return p.name == name; };
     if (!text.empty() && std::ranges::none_of(d.parameters, is_it)) {

@@ -24,6 +24,7 @@ struct Reporter {
   std::string function;
   const Source* source = nullptr;
   bool single = false, two_arguments = false, two_results = false;
+  std::string scalar;  // the one second argument; some kernels record their own arguments
   uint64_t limit = UINT64_MAX;
   uint64_t window = 0;  // position of the element that the library counts as 0
   uint64_t block = 0;   // position of the first element of this block
@@ -57,7 +58,7 @@ int Report(PexErrorContext* record) {
   const uint64_t number = r.source->LineOf(position - r.block);
   if (number != 0) line += "line " + std::to_string(number) + ", ";
   line += "element " + std::to_string(position) + ": " + r.function + "(" + text(record->arg1);
-  if (r.two_arguments) line += ", " + text(record->arg2);
+  if (r.two_arguments) line += ", " + (r.scalar.empty() ? text(record->arg2) : r.scalar);
   line += ") = " + text(record->res1);
   if (r.two_results) line += ", " + text(record->res2);
   line += std::string(": ") + ReasonOf(record->code) + "\n";
@@ -183,6 +184,9 @@ uint64_t EvalAs(const pex::Entry& entry, const EvalOptions& options, Source& sou
   report.single = sizeof(T) == 4;
   report.two_arguments = two_arguments;
   report.two_results = two_results;
+  if (entry.function->shape == pex::Shape::UnaryScalar && entry.argument_parts() == 1) {
+    report.scalar = NumberText(*second->Next(0, 0, source));
+  }
   if (!options.max_reports.empty() &&
       ParseUnsigned(options.max_reports, &report.limit) != Parsed::Ok) {
     Fail("--max-reports ", Quoted(options.max_reports), " is no count");

@@ -108,7 +108,13 @@ int List(const std::string& topic) {
     printed = true;
   }
   if (!printed) Fail("nothing to list under ", Quoted(topic), Suggestion(topic, known));
-  if (std::fflush(stdout) != 0) Fail("standard output: the list could not be written");
+  return FinishPrinting();
+}
+
+int FinishPrinting() {
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    Fail("standard output: the text could not be written");
+  }
   return kStatusOk;
 }
 

@@ -1,7 +1,12 @@
 // pexquo: evaluates functions and draws random numbers from a shell.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <new>
 #include <string>
@@ -124,6 +129,15 @@ void AddDraw(CLI::App* command, DrawOptions* o) {
       "  pexquo draw sobol --dimension 8 --count 1024 -o points.npy");
 }
 
+// An empty value is a variable that a script has not set; taken for an option that is not given, it
+// would quietly lead to other numbers.
+void RefuseEmptyValues(CLI::App* command) {
+  for (CLI::Option* option : command->get_options()) {
+    if (option->get_items_expected_max() == 0) continue;
+    option->check([](const std::string& value) { return value.empty() ? "is empty" : ""; });
+  }
+}
+
 std::vector<std::string> CommandNames(const CLI::App& app) {
   std::vector<std::string> names;
   for (const CLI::App* command : app.get_subcommands(nullptr)) names.push_back(command->get_name());
@@ -174,6 +188,16 @@ std::vector<std::string> JoinedArguments(int argc, char** argv) {
   Fail(text);
 }
 
+// Descriptors that the caller has closed are given away again to the first files opened, which
+// would then be read for standard input, or take messages. They stand for files that fail instead.
+void OccupyStandardDescriptors() {
+  for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(fd, F_GETFD) >= 0 || errno != EBADF) continue;
+    const int flags = fd == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+    if (open("/dev/null", flags) != fd) std::exit(kStatusFailed);  // the lowest free one
+  }
+}
+
 int Run(int argc, char** argv) {
   CLI::App app(kAbout, "pexquo");
   app.set_version_flag("--version", "pexquo " PEXQUO_VERSION);
@@ -187,7 +211,10 @@ int Run(int argc, char** argv) {
   AddEval(eval_command, &eval);
   CLI::App* const draw_command = app.add_subcommand("draw", "Draws random numbers");
   AddDraw(draw_command, &draw);
-  for (CLI::App* command : {list_command, eval_command, draw_command}) AddLevel(command, &level);
+  for (CLI::App* command : {list_command, eval_command, draw_command}) {
+    AddLevel(command, &level);
+    RefuseEmptyValues(command);
+  }
 
   if (argc < 2) Fail("no command; pexquo --help shows what there is");
   const std::vector<std::string> commands = CommandNames(app);
@@ -200,7 +227,10 @@ int Run(int argc, char** argv) {
     std::ranges::reverse(arguments);  // the parser takes them from the back
     app.parse(std::move(arguments));
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return app.exit(error);  // --help, --version
+    if (error.get_exit_code() == 0) {  // --help, --version
+      app.exit(error);
+      return FinishPrinting();
+    }
     FailParse(app, error);
   }
   if (!level.empty()) UseLevel(level);
@@ -216,6 +246,7 @@ int main(int argc, char** argv) {
   // A closed pipe and a full quota are met where they are written to.
   signal(SIGPIPE, SIG_IGN);
   signal(SIGXFSZ, SIG_IGN);
+  cli::OccupyStandardDescriptors();
   try {
     return cli::Run(argc, argv);
   } catch (const std::bad_alloc&) {

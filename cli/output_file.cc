@@ -149,6 +149,8 @@ void OutputFile::Commit() {
   unfinished[0] = '\0';
 }
 
+std::string OutputFile::place() const { return target_.empty() ? name_ : unfinished; }
+
 bool OutputFile::is_terminal() const { return isatty(fd_) == 1; }
 
 }  // namespace cli

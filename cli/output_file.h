@@ -29,6 +29,9 @@ class OutputFile {
   void ReplaceStart(std::string_view bytes);
   void Commit();
 
+  // Where the bytes are until Commit, for who writes them himself, under that name.
+  std::string place() const;
+
   bool is_terminal() const;
   const std::string& name() const { return name_; }  // the path, or "standard output"
 

@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 #include <limits>
-#include <system_error>
 
 #include "catalogue/catalogue.h"
 #include "cli/failure.h"
 #include "cli/names.h"
 #include "cli/numbers.h"
+#include "cli/output_file.h"
 
 namespace cli {
 namespace {
@@ -105,17 +104,22 @@ int32_t GeneratorId(const std::string& generator, const std::string& member) {
 std::vector<uint32_t> SeedWords(const std::string& words) {
   std::vector<uint32_t> seeds;
   if (words.empty()) return seeds;
-  for (const std::string& word : CommaSeparated(words)) {
-    int64_t seed = 0;
-    switch (ParseInteger(word, 0, std::numeric_limits<uint32_t>::max(), &seed)) {
-      case Parsed::Ok:
-        break;
-      case Parsed::Malformed:
-        Fail("the seed word ", Quoted(word), " is not an integer");
-      case Parsed::OutOfRange:
-        Fail("the seed word ", word, " is not between 0 and 4294967295");
-    }
-    seeds.push_back(static_cast<uint32_t>(seed));
+  for (const std::string& field : CommaSeparated(words)) {
+    std::string_view rest = Trimmed(field);
+    do {
+      const std::string_view word = rest.substr(0, rest.find_first_of(" \t"));
+      int64_t seed = 0;
+      switch (ParseInteger(word, 0, std::numeric_limits<uint32_t>::max(), &seed)) {
+        case Parsed::Ok:
+          break;
+        case Parsed::Malformed:
+          Fail("the seed word ", Quoted(word), " is not an integer");
+        case Parsed::OutOfRange:
+          Fail("the seed word ", word, " is not between 0 and 4294967295");
+      }
+      seeds.push_back(static_cast<uint32_t>(seed));
+      rest = Trimmed(rest.substr(word.size()));
+    } while (!rest.empty());
   }
   return seeds;
 }
@@ -174,15 +178,12 @@ Stream LoadStream(const std::string& path) {
 }
 
 void SaveStream(const Stream& stream, const std::string& path) {
-  const std::string part = path + ".part";
-  const int32_t status = __quoSaveStreamF(stream.state.get(), part.c_str(), -1);
-  std::error_code error;
+  OutputFile file(path == "-" ? "./-" : path);  // standard output has the numbers
+  const int32_t status = __quoSaveStreamF(stream.state.get(), file.place().c_str(), -1);
   if (status != QUO_OK) {
-    std::filesystem::remove(part, error);
     Fail("--save ", Quoted(path), ": ", Meaning(status), " (status ", status, ")");
   }
-  std::filesystem::rename(part, path, error);
-  if (error) Fail("--save ", Quoted(path), ": ", error.message());
+  file.Commit();
 }
 
 void Leapfrog(Stream& stream, const std::string& k_of_s) {

@@ -24,7 +24,8 @@ struct Stream {
 // The identifier of a generator: a name of the catalogue, with ":member" for one of a family, or a
 // number of either scheme. `member` chooses the member too; empty for none.
 int32_t GeneratorId(const std::string& generator, const std::string& member);
-// Seed words of 32 bits, separated by commas, in the order the generator takes them; none for "".
+// Seed words of 32 bits, separated by commas or blanks, in the order the generator takes them; none
+// for "".
 std::vector<uint32_t> SeedWords(const std::string& words);
 // The seed word of a quasi-random generator for points of so many coordinates.
 uint32_t DimensionWord(const std::string& text, int32_t id, const std::string& generator);

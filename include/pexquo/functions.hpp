@@ -149,6 +149,7 @@ struct Job {
   R* first;
   R* second;    // null where there is one result
   Piece piece;  // (mode, first element, count) -> status
+  R scalar;     // the number that is an argument, of functions of an array and a number
 
   void Run(tier accuracy, std::source_location where) const {
     if (size == 0) return;
@@ -163,8 +164,8 @@ struct Job {
 };
 
 template <typename Calls, typename R, typename Piece>
-Job<Calls, R, Piece> MakeJob(std::size_t size, R* first, R* second, Piece piece) {
-  return {size, first, second, piece};
+Job<Calls, R, Piece> MakeJob(std::size_t size, R* first, R* second, Piece piece, R scalar = {}) {
+  return {size, first, second, piece, scalar};
 }
 
 // Calls::call(mode, n, a, r) says which types a function takes.
@@ -368,9 +369,11 @@ struct scalar_function {
       detail::ThrowOverlap(Calls::name, "r", "a", where);
     }
     return detail::MakeJob<Calls, detail::ElementOf<R>>(
-        n, y, nullptr, [x, b, y](std::uint32_t mode, std::size_t first, std::size_t count) {
+        n, y, nullptr,
+        [x, b, y](std::uint32_t mode, std::size_t first, std::size_t count) {
           return Calls::call(mode, static_cast<std::int64_t>(count), x + first, b, y + first);
-        });
+        },
+        b);
   }
   /// \endcond
 };

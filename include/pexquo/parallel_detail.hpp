@@ -284,8 +284,11 @@ class Reporter {
   void Report(const Job<Calls, R, Piece>& job, tier accuracy, const Found& found) {
     index_ = static_cast<std::int32_t>(static_cast<std::uint32_t>(found.index));
     R results[2];
-    One<Calls>(static_cast<std::uint32_t>(accuracy), static_cast<R>(found.arguments[0]),
-               static_cast<R>(found.arguments[1]), &results[0], &results[1]);
+    // A number for all elements is the call's: kernels that powers of some exponents are made by
+    // record their own one argument.
+    const R b = ScalarOf<Calls, R, R> ? job.scalar : static_cast<R>(found.arguments[1]);
+    One<Calls>(static_cast<std::uint32_t>(accuracy), static_cast<R>(found.arguments[0]), b,
+               &results[0], &results[1]);
     job.first[found.index] = results[0];
     if (job.second != nullptr) job.second[found.index] = results[1];
   }

@@ -304,8 +304,8 @@ PEXQUO_API int32_t quoiRngBinomial(int32_t method, QuoStream* stream, int64_t n,
 /* Marked ones of a sample of s from l, of which m are marked; 0 <= s, m <= l. */
 PEXQUO_API int32_t quoiRngHypergeometric(int32_t method, QuoStream* stream, int64_t n, int32_t* r,
                                          int32_t l, int32_t s, int32_t m);
-/* Poisson with mean lambda, 0 < lambda < 2^31, by QUO_METHOD_POISSON_...; and with a mean of its
- * own for each, lambda[i] for r[i] (method 0). Counts end at 2^31 - 1. */
+/* Poisson with mean lambda, 0 < lambda <= 2^31 - 1, by QUO_METHOD_POISSON_...; and with a mean of
+ * its own for each, lambda[i] for r[i] (method 0). Counts end at 2^31 - 1. */
 PEXQUO_API int32_t quoiRngPoisson(int32_t method, QuoStream* stream, int64_t n, int32_t* r,
                                   double lambda);
 PEXQUO_API int32_t quoiRngPoissonV(int32_t method, QuoStream* stream, int64_t n, int32_t* r,

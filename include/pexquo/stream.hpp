@@ -10,10 +10,12 @@
 #include <initializer_list>
 #include <iterator>
 #include <limits>
+#include <ranges>
 #include <source_location>
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -96,6 +98,12 @@ class seed_words {
       : words_(words.begin(), words.end()) {}
   /// These words.
   seed_words(std::vector<std::uint32_t> words) : words_(std::move(words)) {}  // NOLINT
+  /// A copy of the words of any other range: an array, a span of its own size, a view.
+  template <std::ranges::input_range R>
+  requires std::same_as<std::remove_cv_t<std::ranges::range_value_t<R>>, std::uint32_t> seed_words(
+      R&& words) {  // NOLINT
+    for (const std::uint32_t word : words) words_.push_back(word);
+  }
 
   /// The words.
   std::span<const std::uint32_t> words() const noexcept { return words_; }
@@ -170,7 +178,8 @@ class stream {
   stream(stream&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
   /// Takes over the other.
   stream& operator=(stream&& other) noexcept {
-    std::swap(handle_, other.handle_);
+    stream taken(std::move(other));  // leaves nothing behind; its end is that of the old stream
+    std::swap(handle_, taken.handle_);
     return *this;
   }
   ~stream() { quoDeleteStream(&handle_); }

@@ -161,10 +161,12 @@ void Distribution::Validate(char type, const double* parameters) const {
     const double low = type == 's' ? static_cast<float>(parameters[0]) : parameters[0];
     const double high = type == 's' ? static_cast<float>(parameters[1]) : parameters[1];
     const double width = type == 's' ? static_cast<float>(high - low) : high - low;
+    // Some generators take half of the sum.
+    const double sum = type == 's' ? static_cast<float>(high + low) : high + low;
     if (!(low < high)) {
       throw Failure{PyExc_ValueError, Message(0, "below " + arguments_[1])};
     }
-    if (!std::isfinite(width)) {
+    if (!std::isfinite(width) || !std::isfinite(sum)) {
       throw Failure{PyExc_OverflowError, name_ + ": the range exceeds the largest number"};
     }
   } else if (distribution_->name == "geometric" && 1 - parameters[0] == 1) {

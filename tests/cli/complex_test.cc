@@ -195,6 +195,10 @@ TEST_F(ComplexTest, ChoosesTheFunctionByTheInput) {
   EXPECT_EQ(Run("eval sqrt --type z", "-4 -0\n").out, "0\t-2\n");
   EXPECT_EQ(Run("eval powx --type z --b 3,0", "2 0\n").out, "8\t0\n");
   EXPECT_EQ(Run("eval powx --b 3", "2\n").out, "8\n");
+  // Made by the square root, which knows of no second argument.
+  EXPECT_EQ(Run("eval powx --b 0.5", "-2\n").err,
+            "pexquo: standard input: line 1, element 0: powx(-2, 0.5) = nan: argument outside the "
+            "domain\n");
   EXPECT_EQ(Run("eval cis", "0\n").out, "1\t0\n");
 }
 

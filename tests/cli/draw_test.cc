@@ -212,6 +212,13 @@ TEST_F(DrawTest, SeedWordsEndWhereAnythingElseBegins) {
   EXPECT_EQ(Drawn("--seed 1 2 uniform --count 2"), expected);
   EXPECT_EQ(Drawn("--count 2 --seed 0x1 0x2 uniform"), expected);
   EXPECT_EQ(Drawn("uniform --count 2 --seed=1,2"), expected);
+  WriteFile("words.sh", std::string(PEXQUO_PROGRAM) + " draw uniform --count 2 --seed ' 1 , 2'");
+  FILE* const shell = popen(("sh " + folder_ + "/words.sh").c_str(), "r");
+  ASSERT_NE(shell, nullptr);
+  std::string out(expected.size() + 1, '\0');
+  out.resize(fread(out.data(), 1, out.size(), shell));
+  EXPECT_EQ(pclose(shell), 0);
+  EXPECT_EQ(out, expected);
 }
 
 }  // namespace

@@ -53,6 +53,47 @@ TEST_F(OutputTest, AFullDisk) {
   }
 }
 
+// No file that the program opens takes the place of a descriptor that was closed.
+TEST_F(OutputTest, ClosedDescriptors) {
+  const auto no_messages = [] { close(STDERR_FILENO); };
+  EXPECT_EQ(Run("eval ln -o r", "0\n1\n", no_messages).status, 1);
+  EXPECT_EQ(ReadFile("r"), "-inf\n0\n");
+  ExpectFailure(Run("eval ln --format npy", "1\n", [] { close(STDOUT_FILENO); }),
+                "standard output: Bad file descriptor");
+  WriteFile("x", "1\n");
+  ExpectFailure(Run("eval add x -", {}, [] { close(STDIN_FILENO); }),
+                "standard input: Bad file descriptor");
+}
+
+TEST_F(OutputTest, TextsThatCannotBePrinted) {
+  const auto full = [] { dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO); };
+  for (const char* arguments : {"list", "--help", "draw --help", "--version"}) {
+    ExpectFailure(Run(arguments, {}, full), "standard output: ");
+  }
+}
+
+// A stream goes to its file as results do: into devices, through links, and beside other files.
+TEST_F(OutputTest, SavedStreams) {
+  WriteFile("s.part", "mine");
+  WriteFile("s", "old");
+  ASSERT_EQ(chmod((folder_ + "/s").c_str(), 0640), 0);
+  ASSERT_EQ(symlink("s", (folder_ + "/link").c_str()), 0);
+  ASSERT_EQ(symlink("/dev/full", (folder_ + "/full").c_str()), 0);
+  EXPECT_EQ(Run("draw uniform --count 1 --save link").status, 0);
+  ExpectFailure(Run("draw uniform --count 1 --save full -o u"), "--save \"full\": ");
+  ExpectFailure(Run("draw uniform --count 1 --save absent/s -o u"), "absent/s: No such file");
+  struct stat state;
+  for (const char* link : {"/link", "/full"}) {
+    ASSERT_EQ(lstat((folder_ + link).c_str(), &state), 0);
+    EXPECT_TRUE(S_ISLNK(state.st_mode)) << link;
+  }
+  ASSERT_EQ(stat((folder_ + "/s").c_str(), &state), 0);
+  EXPECT_EQ(state.st_mode & 0777, 0640u);
+  EXPECT_EQ(Run("draw uniform --count 1 --load s").status, 0);
+  EXPECT_EQ(ReadFile("s.part"), "mine");
+  EXPECT_EQ(Files(), (Names{"full", "link", "s", "s.part", "u"}));
+}
+
 TEST_F(OutputTest, FilesThatCannotBeWritten) {
   ExpectFailure(Run("draw uniform --count 1 -o absent/u"), "absent/u: No such file");
   ExpectFailure(Run("draw uniform --count 1 -o ."), ".: Is a directory");

@@ -2,12 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <concepts>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <numeric>
 #include <random>
+#include <ranges>
+#include <span>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -56,6 +59,15 @@ TEST(Stream, GeneratorsMembersAndSeeds) {
       {{generator::mt2203, member{7}, {1, 2}}, QUO_BRNG_MT2203 + 7, {1, 2}},
   };
   for (Case& c : cases) EXPECT_EQ(Draw(c.s, 1000), DrawC(c.id, c.words, 1000)) << c.id;
+  // Words in any range.
+  std::uint32_t words[] = {1, 2};
+  const std::array<std::uint32_t, 2> array = {1, 2};
+  stream from_ranges[] = {{"mt2203", member{7}, words},
+                          {"mt2203", member{7}, array},
+                          {"mt2203", member{7}, std::span(words)},
+                          {"mt2203", member{7}, std::span<std::uint32_t>(words)},
+                          {"mt2203", member{7}, std::views::iota(1u, 3u)}};
+  for (stream& s : from_ranges) EXPECT_EQ(Draw(s, 10), DrawC(cases[8].id, {1, 2}, 10));
   EXPECT_EQ(cases[8].s.kind(), generator::mt2203);
   EXPECT_EQ(cases[8].s.member_number(), 7);
   EXPECT_EQ(name(cases[7].s.kind()), "wh");
@@ -103,6 +115,13 @@ TEST(Stream, MovesLeaveNothing) {
   EXPECT_EQ(Draw(a, 10), Draw(same, 10));
   stream adopted = stream::adopt(a.release());
   EXPECT_EQ(Draw(adopted, 10), Draw(same, 10));
+  stream other("wh", 1);
+  other = std::move(adopted);                            // the old one of `other` is gone
+  EXPECT_EQ(adopted.handle(), nullptr);                  // NOLINT
+  EXPECT_THROW(Draw(adopted, 1), pexquo::stream_error);  // NOLINT
+  stream& itself = other;
+  other = std::move(itself);
+  EXPECT_EQ(Draw(other, 10), Draw(same, 10));
 }
 
 TEST(Stream, SkipAndLeapfrog) {

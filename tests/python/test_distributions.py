@@ -314,8 +314,9 @@ def test_refuses_types():
     for dtype in (float, np.int16, np.uint32, ">i8"):
         with pytest.raises(TypeError, match="integers: dtype must be int64 or int32"):
             s.integers(5, dtype=dtype)
-    with pytest.raises(OverflowError):
-        s.uniform(-1.7e308, 1.7e308)
+    for low, high in ((-1.7e308, 1.7e308), (1.2e308, 1.7e308)):
+        with pytest.raises(OverflowError):
+            s.uniform(low, high)
 
 
 def test_array_parameters_take_numpys_sizes():
