@@ -32,7 +32,7 @@ struct ExpInTurn {
 // kWide: also zeros, and imaginary parts from 2^9 to 2^12.
 template <bool kWide>
 struct dComplexExp : ElementaryKernel<ComplexExp, double> {
-  static constexpr int kUnroll = 6;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;
   using Range = PartRange<-100, 9>::Outside<double>;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> z) {
