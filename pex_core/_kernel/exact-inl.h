@@ -100,8 +100,8 @@ HWY_INLINE V HiddenNegMulAdd(V a, V b, V c) {
   return hn::NegMulAdd(a, b, c);
 }
 
-// c - a * b where that or a * b is representable: what a quotient, a square root or a reduction
-// leaves.
+// c - a * b rounded once, where that, a * b or c less the rounded product is representable: what a
+// quotient, a square root, a reduction or a rounded sum leaves.
 template <class D, class V>
 HWY_INLINE V Remainder(D d, V c, V a, V b) {
 #if HWY_TARGET == HWY_SSE4

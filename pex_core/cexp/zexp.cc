@@ -4,14 +4,35 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/complex/complex_exp-inl.h"
+#include "pex_core/_kernel/polynomial-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
+// e^z of one vector in three parts.
+template <class D>
+struct ExpInTurn {
+  using V = VecOf<D>;
+  ExpFactors<D> e[1];
+  Sixteenth<D> u[1];
+  V s[1], c[1];
+
+  HWY_INLINE void Reduce(Complex<V> z) {
+    const D d;
+    const V x[] = {z.re}, y[] = {z.im};
+    ReduceToSixteenth(d, y, u);
+    ExpFactorsOf(d, x, e);
+  }
+  HWY_INLINE void Evaluate() { SmallSineCosine(D(), u, s, c); }
+  HWY_INLINE Complex<V> Result(Complex<V>) const {
+    return PolarProduct(D(), e[0], u[0], s[0], c[0]);
+  }
+};
+
 // kWide: also zeros, and imaginary parts from 2^9 to 2^12.
 template <bool kWide>
 struct dComplexExp : ElementaryKernel<ComplexExp, double> {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;
   using Range = PartRange<-100, 9>::Outside<double>;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> z) {
@@ -21,15 +42,21 @@ struct dComplexExp : ElementaryKernel<ComplexExp, double> {
   }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
+#if HWY_TARGET == HWY_AVX3
+    ExpInTurn<D> parts[K];
+    InTurn(parts, r, z);
+#else  // too few registers
     V x[K], y[K];
     for (size_t k = 0; k < K; ++k) {
       x[k] = z[k].re;
       y[k] = z[k].im;
     }
     PolarExp(d, x, y, r);
+#endif
     if constexpr (kWide) {
       for (size_t k = 0; k < K; ++k) {
-        r[k].im = hn::IfThenElse(hn::Eq(y[k], hn::Zero(d)), y[k], r[k].im);
+        const V y = z[k].im;
+        r[k].im = hn::IfThenElse(hn::Eq(y, hn::Zero(d)), y, r[k].im);
       }
     }
   }

@@ -69,6 +69,16 @@ HWY_INLINE V ProductOfSums(D d, V t, V p, Pair<V> b) {
   return hn::Add(head.hi, hn::Add(head.lo, rest));
 }
 
+// e^x (cos y + i sin y) of its factors.
+template <class D, class V>
+HWY_INLINE Complex<V> PolarProduct(D d, const ExpFactors<D>& e, const Sixteenth<D>& u, V s, V c) {
+  const Pair<V> sin = SumOfAngles<Wave::kSine>(d, u, s, c);
+  const Pair<V> cos = SumOfAngles<Wave::kCosine>(d, u, s, c);
+  const auto sign = hn::And(hn::ShiftLeft<59>(u.index), SetBits(d, uint64_t{1} << 63));
+  const V t = FromBits(d, hn::Xor(Bits(d, e.t), sign));
+  return {ProductOfSums(d, t, e.p, cos), ProductOfSums(d, t, e.p, sin)};
+}
+
 // e^x (cos y + i sin y) but for a zero y, |y| < 2^12; y may be numbers or pairs, as x.
 template <class D, class X, size_t K, class V = VecOf<D>>
 HWY_INLINE void PolarExp(D d, const X (&x)[K], const X (&y)[K], Complex<V> (&r)[K]) {
@@ -87,13 +97,7 @@ HWY_INLINE void PolarExp(D d, const X (&x)[K], const X (&y)[K], Complex<V> (&r)[
     }
   }
   SmallSineCosine(d, u, s, c);
-  for (size_t k = 0; k < K; ++k) {
-    const Pair<V> sin = SumOfAngles<Wave::kSine>(d, u[k], s[k], c[k]);
-    const Pair<V> cos = SumOfAngles<Wave::kCosine>(d, u[k], s[k], c[k]);
-    const auto sign = hn::And(hn::ShiftLeft<59>(u[k].index), SetBits(d, uint64_t{1} << 63));
-    const V t = FromBits(d, hn::Xor(Bits(d, e[k].t), sign));
-    r[k] = {ProductOfSums(d, t, e[k].p, cos), ProductOfSums(d, t, e[k].p, sin)};
-  }
+  for (size_t k = 0; k < K; ++k) r[k] = PolarProduct(d, e[k], u[k], s[k], c[k]);
 }
 
 }  // namespace pex::HWY_NAMESPACE

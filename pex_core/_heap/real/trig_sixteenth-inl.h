@@ -111,20 +111,20 @@ HWY_INLINE void SmallSineCosine(D d, const Sixteenth<D> (&u)[K], V (&sin)[K], V 
 }
 
 // The sine or cosine of a + y but for the sign, as an unevaluated sum: hi is the rounded value of
-// sin(a) + cos(a) y or cos(a) - sin(a) y.
+// sin(a) + cos(a) y or cos(a) - sin(a) y. What hi leaves of the table's number and the rounded
+// product is a number.
 template <Wave kWave, class D, class V>
 HWY_INLINE Pair<V> SumOfAngles(D d, const Sixteenth<D>& u, V small_sin, V small_cos) {
   if constexpr (kWave == Wave::kSine) {
-    const Pair<V> p = TwoProduct(d, u.cos, u.y);
-    const Pair<V> s = FastTwoSum(u.sin, p.hi);
+    const V hi = hn::Add(u.sin, hn::Mul(u.cos, u.y));
+    const V less = Remainder(d, hn::Sub(hi, u.sin), u.cos, u.y);
     const V tail = hn::Add(hn::Mul(u.sin, small_cos), hn::Mul(u.cos, small_sin));
-    return {s.hi, hn::Add(hn::Add(s.lo, p.lo), tail)};
+    return {hi, hn::Sub(tail, less)};
   } else {
-    const Pair<V> p = TwoProduct(d, u.sin, u.y);
-    const V hi = hn::Sub(u.cos, p.hi);
-    const V lo = hn::Sub(hn::Sub(u.cos, hi), p.hi);
+    const V hi = hn::Sub(u.cos, hn::Mul(u.sin, u.y));
+    const V more = Remainder(d, hn::Sub(u.cos, hi), u.sin, u.y);
     const V tail = hn::Sub(hn::Mul(u.cos, small_cos), hn::Mul(u.sin, small_sin));
-    return {hi, hn::Add(hn::Sub(lo, p.lo), tail)};
+    return {hi, hn::Add(more, tail)};
   }
 }
 
