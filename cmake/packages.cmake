@@ -41,7 +41,7 @@ set(control_files ${control_folder}/symbols ${control_folder}/shlibs ${control_f
 set(libraries $<TARGET_SONAME_FILE:kro> $<TARGET_SONAME_FILE:pexquo>
   $<TARGET_SONAME_FILE:pexquo_front>)
 add_custom_command(OUTPUT ${control_files} ${control_folder}/depends
-  COMMAND ${CMAKE_COMMAND} -DNM=${CMAKE_NM} "-DLIBRARIES=${libraries}" -DFOLDER=${control_folder}
+  COMMAND ${CMAKE_COMMAND} -DNM=${PEXQUO_NM} "-DLIBRARIES=${libraries}" -DFOLDER=${control_folder}
     -P ${PROJECT_SOURCE_DIR}/packaging/control.cmake
   DEPENDS ${libraries} packaging/control.cmake VERBATIM)
 add_custom_target(package_control ALL DEPENDS ${control_files})
