@@ -83,7 +83,7 @@ HWY_INLINE AtanOctantBin<V> AtanOctantBinOf(D d, V low, V high) {
 
 // For |x| and |y| in [2^-450, 2^450], of which one may be 0: at most 0.55 ulp, of which the
 // rounding of c low, the only one of the quotient that is left uncorrected, takes 0.045. kTiny:
-// they may be outside [2^-127, 2^128) or 0; of a q below 2^-255, which others do not have, the tail
+// they may be outside [2^-64, 2^64) or 0; of a q below 2^-250, which others do not have, the tail
 // is 0, for products that count for nothing shall not underflow.
 template <bool kTiny, class D, class V, size_t K>
 HWY_INLINE void FullAtan2(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
@@ -120,7 +120,7 @@ HWY_INLINE void FullAtan2(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
   }
   for (size_t k = 0; k < K; ++k) {
     V u = q[k];
-    if constexpr (kTiny) u = hn::IfThenZeroElse(MagnitudeBelow(d, u, 0x1p-255), u);
+    if constexpr (kTiny) u = hn::IfThenZeroElse(MagnitudeBelow(d, u, 0x1p-250), u);
     z[k] = hn::Mul(u, u);
     z2[k] = hn::Mul(z[k], z[k]);
   }

@@ -54,7 +54,7 @@ HWY_INLINE void UnitAtan2(D d, const V (&y)[K], const V (&x)[K], const float (&c
 }
 
 // The same in double precision, for |x| and |y| in [2^-450, 2^450]. kTiny: they may be outside
-// [2^-127, 2^128) or 0.
+// [2^-64, 2^64) or 0.
 template <bool kTiny, class D, class V, size_t K>
 HWY_INLINE void OctantAtan2LA(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
   AtanOctant<V> octant[K];

@@ -60,14 +60,14 @@ HWY_INLINE AtanOctant<V> AtanOctantOf(D d, V y, V x) {
   return {hn::Div(n, hn::Add(u.high, hn::Mul(u.c, u.low))), u.base, u.turn};
 }
 
-// atan(q) - q. kTiny: x and y may be outside [2^-127, 2^128) or 0. Of a q below 2^-255, which other
+// atan(q) - q. kTiny: x and y may be outside [2^-64, 2^64) or 0. Of a q below 2^-250, which other
 // arguments do not have, it is 0: products that count for nothing shall not underflow.
 template <bool kTiny, class D, class V, size_t K, size_t N>
 HWY_INLINE void AtanOctantTail(D d, const V (&q)[K], const double (&c)[N], V (&r)[K]) {
   V z[K], z2[K], p[K];
   for (size_t k = 0; k < K; ++k) {
     V u = q[k];
-    if constexpr (kTiny) u = hn::IfThenZeroElse(MagnitudeBelow(d, u, 0x1p-255), u);
+    if constexpr (kTiny) u = hn::IfThenZeroElse(MagnitudeBelow(d, u, 0x1p-250), u);
     z[k] = hn::Mul(u, u);
   }
   if constexpr (N > 4) {
