@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "gen/normal_tail.h"
 #include "pex_core/_heap/real/cdfnorm_tables.h"
 
 namespace {
@@ -16,20 +17,7 @@ mpfr_t value, slope, work;
 
 // value = the normal distribution function at c, slope = its density there, both scaled.
 void At(double c) {
-  mpfr_set_d(work, c, MPFR_RNDN);
-  mpfr_sqr(slope, work, MPFR_RNDN);
-  mpfr_mul_d(slope, slope, -0.5, MPFR_RNDN);
-  mpfr_exp(slope, slope, MPFR_RNDN);
-  mpfr_const_pi(value, MPFR_RNDN);
-  mpfr_mul_2ui(value, value, 1, MPFR_RNDN);
-  mpfr_rec_sqrt(value, value, MPFR_RNDN);
-  mpfr_mul(slope, slope, value, MPFR_RNDN);
-  mpfr_set_d(value, 0.5, MPFR_RNDN);
-  mpfr_sqrt(value, value, MPFR_RNDN);
-  mpfr_mul(value, value, work, MPFR_RNDN);
-  mpfr_neg(value, value, MPFR_RNDN);
-  mpfr_erfc(value, value, MPFR_RNDN);
-  mpfr_mul_d(value, value, 0.5, MPFR_RNDN);
+  NormalTail(-c, value, slope, work);
   mpfr_mul_2ui(value, value, pex::kCdfNormScale, MPFR_RNDN);
   mpfr_mul_2ui(slope, slope, pex::kCdfNormScale, MPFR_RNDN);
 }

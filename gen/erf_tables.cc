@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "gen/normal_tail.h"
 #include "pex_core/_heap/real/erf_tables.h"
 
 namespace {
@@ -122,20 +123,8 @@ void Erfc(bool rests) {
 
 // value = the normal distribution's tail beyond c, slope = half its density.
 void TailAt(double c) {
-  mpfr_set_d(work, c, MPFR_RNDN);
-  mpfr_sqr(slope, work, MPFR_RNDN);
-  mpfr_mul_d(slope, slope, -0.5, MPFR_RNDN);
-  mpfr_exp(slope, slope, MPFR_RNDN);
-  mpfr_const_pi(value, MPFR_RNDN);
-  mpfr_mul_2ui(value, value, 1, MPFR_RNDN);
-  mpfr_rec_sqrt(value, value, MPFR_RNDN);
-  mpfr_mul(slope, slope, value, MPFR_RNDN);
+  NormalTail(c, value, slope, work);
   mpfr_div_2ui(slope, slope, 1, MPFR_RNDN);
-  mpfr_set_d(value, 0.5, MPFR_RNDN);
-  mpfr_sqrt(value, value, MPFR_RNDN);
-  mpfr_mul(value, value, work, MPFR_RNDN);
-  mpfr_erfc(value, value, MPFR_RNDN);
-  mpfr_mul_d(value, value, 0.5, MPFR_RNDN);
 }
 
 // The normal distribution function at c and its density, from value and slope of TailAt(-c).
