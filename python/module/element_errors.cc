@@ -2,21 +2,16 @@
 
 #include <xmmintrin.h>
 
+#include <cfenv>
 #include <cmath>
 
 namespace pexquo::python {
 namespace {
 
 constexpr uint32_t kInvalid = 0x01, kDivide = 0x04, kOverflow = 0x08, kUnderflow = 0x10;
+static_assert(kInvalid == FE_INVALID && kDivide == FE_DIVBYZERO && kOverflow == FE_OVERFLOW &&
+              kUnderflow == FE_UNDERFLOW);
 constexpr uint32_t kFlagOfCode[] = {0, kInvalid, kDivide, kOverflow, kUnderflow};
-
-// Some complex kernels compute in extended precision, whose flags stand in the other unit's word,
-// at the places of MXCSR's; NumPy looks at both.
-uint32_t X87Status() {
-  uint16_t status;
-  asm volatile("fnstsw %0" : "=a"(status));
-  return status;
-}
 
 thread_local ErrorScope* innermost = nullptr;
 
@@ -69,8 +64,9 @@ void ErrorScope::Note(int32_t code, int64_t index) {
   if (errors_ != nullptr) errors_->push_back({code, base_ + index});
 }
 
+// Of both units, as NumPy sees them: some complex kernels compute in extended precision.
 uint32_t RaisedFlags() {
-  return (_mm_getcsr() | X87Status()) & (kInvalid | kDivide | kOverflow | kUnderflow);
+  return static_cast<uint32_t>(std::fetestexcept(kInvalid | kDivide | kOverflow | kUnderflow));
 }
 
 uint32_t FlagOf(int32_t code) { return kFlagOfCode[code]; }
