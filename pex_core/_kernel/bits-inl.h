@@ -49,16 +49,39 @@ HWY_INLINE hn::Mask<D> MagnitudeBelow(D d, hn::Vec<D> x, T limit) {
   return hn::RebindMask(d, hn::Lt(Bits(d, hn::Abs(x)), SetBits(d, BitsOfNumber(limit))));
 }
 
+#if HWY_TARGET == HWY_AVX3
+// Operations of whole registers that leave `other` in the lanes without the mask.
+#define PEX_MERGED(Name, operation)                                                      \
+  HWY_INLINE hn::Vec512<float> Name(hn::Vec512<float> other, hn::Mask512<float> mask,    \
+                                    hn::Vec512<float> x, hn::Vec512<float> y) {          \
+    return {_mm512_mask_##operation##_ps(other.raw, mask.raw, x.raw, y.raw)};            \
+  }                                                                                      \
+  HWY_INLINE hn::Vec512<double> Name(hn::Vec512<double> other, hn::Mask512<double> mask, \
+                                     hn::Vec512<double> x, hn::Vec512<double> y) {       \
+    return {_mm512_mask_##operation##_pd(other.raw, mask.raw, x.raw, y.raw)};            \
+  }
+PEX_MERGED(MergedAdd, add)
+PEX_MERGED(MergedSub, sub)
+PEX_MERGED(MergedMul, mul)
+#undef PEX_MERGED
+HWY_INLINE hn::Vec512<float> MergedSqrt(hn::Vec512<float> other, hn::Mask512<float> mask,
+                                        hn::Vec512<float> x) {
+  return {_mm512_mask_sqrt_ps(other.raw, mask.raw, x.raw)};
+}
+HWY_INLINE hn::Vec512<double> MergedSqrt(hn::Vec512<double> other, hn::Mask512<double> mask,
+                                         hn::Vec512<double> x) {
+  return {_mm512_mask_sqrt_pd(other.raw, mask.raw, x.raw)};
+}
+#define PEX_ONE_INSTRUCTION(call) \
+  if constexpr (sizeof(x) == 64) return call
+#else
+#define PEX_ONE_INSTRUCTION(call)
+#endif
+
 // x^2 for the lanes of the mask; the others are 0 and raise no flag.
 template <class D>
-HWY_INLINE VecOf<D> SquareWhere(D, MaskOf<D> mask, VecOf<D> x) {
-#if HWY_TARGET == HWY_AVX3
-  if constexpr (sizeof(x) == 64 && sizeof(hn::TFromD<D>) == 4) {
-    return VecOf<D>{_mm512_maskz_mul_ps(mask.raw, x.raw, x.raw)};
-  } else if constexpr (sizeof(x) == 64) {
-    return VecOf<D>{_mm512_maskz_mul_pd(mask.raw, x.raw, x.raw)};
-  }
-#endif
+HWY_INLINE VecOf<D> SquareWhere([[maybe_unused]] D d, MaskOf<D> mask, VecOf<D> x) {
+  PEX_ONE_INSTRUCTION(MergedMul(hn::Zero(d), mask, x, x));
   const VecOf<D> y = hn::IfThenElseZero(mask, x);
   return hn::Mul(y, y);
 }
@@ -66,15 +89,39 @@ HWY_INLINE VecOf<D> SquareWhere(D, MaskOf<D> mask, VecOf<D> x) {
 // x + y for the lanes of the mask; the others are x + 0.
 template <class D>
 HWY_INLINE VecOf<D> AddWhere(D, MaskOf<D> mask, VecOf<D> x, VecOf<D> y) {
-#if HWY_TARGET == HWY_AVX3
-  if constexpr (sizeof(x) == 64 && sizeof(hn::TFromD<D>) == 4) {
-    return VecOf<D>{_mm512_mask_add_ps(x.raw, mask.raw, x.raw, y.raw)};
-  } else if constexpr (sizeof(x) == 64) {
-    return VecOf<D>{_mm512_mask_add_pd(x.raw, mask.raw, x.raw, y.raw)};
-  }
-#endif
+  PEX_ONE_INSTRUCTION(MergedAdd(x, mask, x, y));
   return hn::Add(x, hn::IfThenElseZero(mask, y));
 }
+
+// x - y for the lanes of the mask; the others are x - 0.
+template <class D>
+HWY_INLINE VecOf<D> SubWhere(D, MaskOf<D> mask, VecOf<D> x, VecOf<D> y) {
+  PEX_ONE_INSTRUCTION(MergedSub(x, mask, x, y));
+  return hn::Sub(x, hn::IfThenElseZero(mask, y));
+}
+
+// x - y for the lanes of the mask; the others are y, with any sign.
+template <class D>
+HWY_INLINE VecOf<D> SubFromWhere(D, MaskOf<D> mask, VecOf<D> x, VecOf<D> y) {
+  PEX_ONE_INSTRUCTION(MergedSub(y, mask, x, y));
+  return hn::Sub(hn::IfThenElseZero(mask, x), y);
+}
+
+// x * y for the lanes of the mask; the others are other.
+template <class D>
+HWY_INLINE VecOf<D> MulWhere(D, MaskOf<D> mask, VecOf<D> x, VecOf<D> y, VecOf<D> other) {
+  PEX_ONE_INSTRUCTION(MergedMul(other, mask, x, y));
+  return hn::IfThenElse(mask, hn::Mul(x, y), other);
+}
+
+// The root of x for the lanes of the mask; the others are other.
+template <class D>
+HWY_INLINE VecOf<D> SqrtWhere(D, MaskOf<D> mask, VecOf<D> x, VecOf<D> other) {
+  PEX_ONE_INSTRUCTION(MergedSqrt(other, mask, x));
+  return hn::IfThenElse(mask, hn::Sqrt(x), other);
+}
+
+#undef PEX_ONE_INSTRUCTION
 
 // Rare lanes by one signed integer comparison, key(x) > kLimit. Keys of several vectors are joined
 // by their maxima, so that a group costs one comparison. Limits of doubles end in 32 ones: the

@@ -43,6 +43,14 @@ HWY_INLINE void EndStep([[maybe_unused]] V (&v)[K]) {
 #endif
 }
 
+// Ends a part of one or several vectors' computation.
+template <class V, size_t K>
+HWY_INLINE void EndPart([[maybe_unused]] V (&v)[K]) {
+#if HWY_TARGET != HWY_SSE4
+  for (size_t k = 0; k < K; ++k) asm volatile("" : "+v"(v[k].raw));
+#endif
+}
+
 // Horner's scheme in steps.
 template <class D, class V, size_t K, size_t N>
 HWY_INLINE void HornerInSteps(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&p)[K]) {
@@ -94,6 +102,18 @@ HWY_INLINE void InTurn(P (&parts)[K], R (&r)[K], const V (&... x)[K]) {
   if constexpr (kStep >= 1 && kStep <= K) parts[kStep - 1].Evaluate();
   if constexpr (kStep >= 2) r[kStep - 2] = parts[kStep - 2].Result(x[kStep - 2]...);
   if constexpr (kStep <= K) InTurn<kStep + 1>(parts, r, x...);
+}
+
+// The same where each P takes its vectors from x and puts their results into r, kSize of them.
+template <size_t kStep = 0, class P, size_t N, class V>
+HWY_INLINE void SomeInTurn(P (&parts)[N], const V* x, V* r) {
+  constexpr size_t kSize = P::kSize;
+  if constexpr (kStep < N) parts[kStep].Reduce(x + kStep * kSize);
+  if constexpr (kStep >= 1 && kStep <= N) parts[kStep - 1].Evaluate();
+  if constexpr (kStep >= 2) {
+    parts[kStep - 2].Result(x + (kStep - 2) * kSize, r + (kStep - 2) * kSize);
+  }
+  if constexpr (kStep <= N) SomeInTurn<kStep + 1>(parts, x, r);
 }
 
 // Pairs (c[0] + c[1] x) + x^2 ((c[2] + c[3] x) + x^2 ...): half the latency.

@@ -13,33 +13,33 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vdAcos";
 
 template <AsinDomain kDomain>
-struct dAcosCommon : Kernel<double> {
+struct dAcosCommon : AsinGroups<double> {
   using Rarity = AsinRarity<double, kDomain>;
   static HWY_INLINE int Rare(double x, double* r) { return AsinRare(x, r); }
 };
 
 template <AsinDomain kDomain>
 struct dAcosForEP : dAcosCommon<kDomain> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : HWY_TARGET == HWY_AVX2 ? 2 : 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAcos<kAsinEP, kDomain>(d, x, r);
+    PlainInTurn<PlainAcos, kAsinEP, kDomain, 1>(d, x, r);
   }
 };
 using dAcosEP = AsinKernel<dAcosForEP>;
 
 template <AsinDomain kDomain>
 struct dAcosForLA : dAcosCommon<kDomain> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAcos<kAcosLA, kDomain>(d, x, r);
+    PlainInTurn<PlainAcos, kAcosLA, kDomain, dAcosCommon<kDomain>::kTogether>(d, x, r);
   }
 };
 using dAcosLA = AsinKernel<dAcosForLA>;
 
 template <AsinDomain kDomain>
 struct dAcosForHA : dAcosCommon<kDomain> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;
+  static constexpr int kRestUnroll = kUnroll;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     FullAcos<kDomain>(d, x, r);

@@ -13,18 +13,16 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vsAcos";
 
 template <AsinDomain kDomain>
-struct sAcosCommon : Kernel<float> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 3 : 4;
+struct sAcosCommon : AsinGroups<float> {
   using Rarity = AsinRarity<float, kDomain>;
   static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
 };
 
 template <AsinDomain kDomain>
 struct sAcosForEP : sAcosCommon<kDomain> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 2 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAcos<kAsinSingleEP, kDomain>(d, x, r);
+    PlainInTurn<PlainAcos, kAsinSingleEP, kDomain, sAcosCommon<kDomain>::kTogether>(d, x, r);
   }
 };
 using sAcosEP = AsinKernel<sAcosForEP>;
@@ -33,26 +31,26 @@ template <AsinDomain kDomain>
 struct sAcosForLA : sAcosCommon<kDomain> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAcos<kAsinSingleLA, kDomain>(d, x, r);
+    PlainInTurn<PlainAcos, kAsinSingleLA, kDomain, sAcosCommon<kDomain>::kTogether>(d, x, r);
   }
 };
 using sAcosLA = AsinKernel<sAcosForLA>;
 
 // In double precision, to 2^-52 or better, where no float is tiny. Correctly rounded for all
 // floats.
-struct sAcosHA : Kernel<float, double> {
-  static constexpr int kUnroll = 4;
+struct sAcosHA : LargeGroups<float, double> {
   using Rarity = AboveOne<float>;
   static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
   // The double above pi/2 instead of the one below, which is nearer: with that one 0x1.110b46p-26
   // and 0x1.04c444p-12 come out in the middle of two floats and go to the even one, the wrong one.
-  static constexpr double kHalfPi = kPi / 2 + 0x1p-52;
+  template <auto& c, AsinDomain kDomain, class D, size_t kVectors>
+  struct PlainHA : PlainAcosTo<c, kDomain, D, kVectors, kPi / 2 + 0x1p-52> {};
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     const hn::Rebind<double, D> wide;
     VecOf<decltype(wide)> v[K], w[K];
     for (size_t k = 0; k < K; ++k) v[k] = hn::PromoteTo(wide, x[k]);
-    PlainAcos<kAsinHA, AsinDomain::kCommon>(wide, v, w, kHalfPi);
+    PlainInTurn<PlainHA, kAsinHA, AsinDomain::kCommon, 1>(wide, v, w);
     for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, w[k]);
   }
 };

@@ -13,33 +13,33 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vdAsin";
 
 template <AsinDomain kDomain>
-struct dAsinCommon : Kernel<double> {
+struct dAsinCommon : AsinGroups<double> {
   using Rarity = AsinRarity<double, kDomain>;
   static HWY_INLINE int Rare(double x, double* r) { return AsinRare(x, r); }
 };
 
 template <AsinDomain kDomain>
 struct dAsinForEP : dAsinCommon<kDomain> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : HWY_TARGET == HWY_AVX2 ? 2 : 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAsin<kAsinEP, kDomain>(d, x, r);
+    PlainInTurn<PlainAsin, kAsinEP, kDomain, 1>(d, x, r);
   }
 };
 using dAsinEP = AsinKernel<dAsinForEP>;
 
 template <AsinDomain kDomain>
 struct dAsinForLA : dAsinCommon<kDomain> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAsin<kAsinLA, kDomain>(d, x, r);
+    PlainInTurn<PlainAsin, kAsinLA, kDomain, dAsinCommon<kDomain>::kTogether>(d, x, r);
   }
 };
 using dAsinLA = AsinKernel<dAsinForLA>;
 
 template <AsinDomain kDomain>
 struct dAsinForHA : dAsinCommon<kDomain> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;
+  static constexpr int kRestUnroll = kUnroll;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     FullAsin<kDomain>(d, x, r);

@@ -13,18 +13,16 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vsAsin";
 
 template <AsinDomain kDomain>
-struct sAsinCommon : Kernel<float> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 3 : 4;
+struct sAsinCommon : AsinGroups<float> {
   using Rarity = AsinRarity<float, kDomain>;
   static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
 };
 
 template <AsinDomain kDomain>
 struct sAsinForEP : sAsinCommon<kDomain> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 2 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAsin<kAsinSingleEP, kDomain>(d, x, r);
+    PlainInTurn<PlainAsin, kAsinSingleEP, kDomain, sAsinCommon<kDomain>::kTogether>(d, x, r);
   }
 };
 using sAsinEP = AsinKernel<sAsinForEP>;
@@ -33,15 +31,14 @@ template <AsinDomain kDomain>
 struct sAsinForLA : sAsinCommon<kDomain> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainAsin<kAsinSingleLA, kDomain>(d, x, r);
+    PlainInTurn<PlainAsin, kAsinSingleLA, kDomain, sAsinCommon<kDomain>::kTogether>(d, x, r);
   }
 };
 using sAsinLA = AsinKernel<sAsinForLA>;
 
 // In double precision, to 2^-52 or better, where no float is tiny. Correctly rounded for all
 // floats.
-struct sAsinHA : Kernel<float, double> {
-  static constexpr int kUnroll = 4;
+struct sAsinHA : LargeGroups<float, double> {
   using Rarity = AboveOne<float>;
   static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
   template <class D, class V, size_t K>
@@ -49,7 +46,7 @@ struct sAsinHA : Kernel<float, double> {
     const hn::Rebind<double, D> wide;
     VecOf<decltype(wide)> v[K], w[K];
     for (size_t k = 0; k < K; ++k) v[k] = hn::PromoteTo(wide, x[k]);
-    PlainAsin<kAsinHA, AsinDomain::kCommon>(wide, v, w);
+    PlainInTurn<PlainAsin, kAsinHA, AsinDomain::kCommon, 1>(wide, v, w);
     for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, w[k]);
   }
 };

@@ -77,30 +77,14 @@ struct AsinKernel : K<AsinDomain::kCommon> {
   using Wide = K<AsinDomain::kWhole>;
 };
 
-// What both functions are made of: rest = 2 (1 - |x|), its root s, and u. Tiny arguments have a u
-// of 0, so that no product underflows.
+// What both functions are made of: -|x|, whether it is below -1/2, rest = 2 (1 - |x|), and u. Tiny
+// arguments have a u of 0, so that no product underflows.
 template <class D>
 struct AsinParts {
-  VecOf<D> rest, root, u;
+  VecOf<D> minus;
+  MaskOf<D> large;
+  VecOf<D> rest, u;
 };
-
-template <AsinDomain kDomain, class D, class V>
-HWY_INLINE AsinParts<D> AsinReduce(D d, V x) {
-  using T = hn::TFromD<D>;
-  constexpr T kTiny = AboveOneOrTiny<T>::kTiny;
-  const V minus = NegAbs(d, x), twice = hn::Add(minus, minus);
-  const V rest = hn::Add(hn::Set(d, T(2)), twice);  // exact where it is used
-  const V square = kDomain == AsinDomain::kCommon
-                       ? hn::Mul(twice, twice)
-                       : SquareWhere(d, hn::Le(minus, hn::Set(d, -kTiny)), twice);
-  // Both are equal at |x| = 1/2.
-  return {rest, hn::Sqrt(rest), hn::Min(rest, square)};
-}
-
-template <class D, class V>
-HWY_INLINE MaskOf<D> IsLarge(D d, V x) {
-  return hn::Lt(NegAbs(d, x), hn::Set(d, hn::TFromD<D>(-0.5)));
-}
 
 // Coefficients as whole registers in memory: on AVX-512 a broadcast takes a place of the
 // arithmetic, a load takes none.
@@ -116,7 +100,57 @@ constexpr Spread<T, N> SpreadOf(const T (&c)[N]) {
   return s;
 }
 
-// EvenOdd with them. The compiler must not see what it loads, or it makes broadcasts of it again.
+// The same for a single number.
+template <auto kNumber, class D>
+HWY_INLINE VecOf<D> Whole(D d) {
+#if HWY_TARGET == HWY_AVX3
+  using T = hn::TFromD<D>;
+  static constexpr T kOne[] = {static_cast<T>(kNumber)};
+  static constexpr auto kSpread = SpreadOf(kOne);
+  auto* s = kSpread.c[0];
+  asm("" : "+r"(s));
+  return hn::Load(d, s);
+#else
+  return hn::Set(d, static_cast<hn::TFromD<D>>(kNumber));
+#endif
+}
+
+template <AsinDomain kDomain, class D, class V>
+HWY_INLINE AsinParts<D> AsinReduce(D d, V x) {
+  using T = hn::TFromD<D>;
+  constexpr T kTiny = AboveOneOrTiny<T>::kTiny;
+  const V minus = NegAbs(d, x), twice = hn::Add(minus, minus);
+  const V rest = hn::Add(Whole<2>(d), twice);  // exact where it is used
+  const auto large = hn::Lt(minus, Whole<-0.5>(d));
+#if HWY_TARGET == HWY_AVX3
+  // One operation less than with a minimum.
+  if constexpr (kDomain == AsinDomain::kCommon) {
+    return {minus, large, rest, MulWhere(d, hn::Not(large), twice, twice, rest)};
+  }
+#endif
+  const V square = kDomain == AsinDomain::kCommon
+                       ? hn::Mul(twice, twice)
+                       : SquareWhere(d, hn::Le(minus, hn::Set(d, -kTiny)), twice);
+  return {minus, large, rest, hn::Min(rest, square)};  // both are equal at |x| = 1/2
+}
+
+// Horner's scheme in steps, with coefficients spread. The compiler must not see what it loads, or
+// it makes broadcasts of it again.
+template <auto& kC, class D, class V, size_t K>
+HWY_INLINE void SpreadHorner(D d, const V (&x)[K], V (&p)[K]) {
+  static constexpr auto kSpread = SpreadOf(kC);
+  auto* s = kSpread.c;
+  asm("" : "+r"(s));
+  for (size_t k = 0; k < K; ++k) p[k] = hn::Load(d, s[std::size(kC) - 1]);
+  for (size_t i = std::size(kC) - 1; i-- > 0;) {
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(p[k], x[k]);
+    EndStep(p);
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Add(p[k], hn::Load(d, s[i]));
+    EndStep(p);
+  }
+}
+
+// EvenOdd with them.
 template <auto& kC, class D, class V, size_t K>
 HWY_INLINE void SpreadEvenOdd(D d, const V (&x)[K], const V (&x2)[K], V (&p)[K]) {
   static constexpr auto kSpread = SpreadOf(kC);
@@ -134,63 +168,99 @@ HWY_INLINE void SpreadEvenOdd(D d, const V (&x)[K], const V (&x2)[K], V (&p)[K])
   }
 }
 
-// The parts and P(u) for all of a group. Two coefficients need no steps.
-template <auto& c, AsinDomain kDomain, class D, class V, size_t K>
-HWY_INLINE void AsinReduce(D d, const V (&x)[K], AsinParts<D> (&r)[K], V (&p)[K]) {
-  V u[K], u2[K];
-  for (size_t k = 0; k < K; ++k) {
-    r[k] = AsinReduce<kDomain>(d, x[k]);
-    u[k] = r[k].u;
+// Both functions by plain sums, for kVectors vectors: below 2 ulp with the coefficients of LA (Asin
+// 1.79 seen, single 1.75, Acos 1.18 and 1.86). Result() has acos(|x|) for large x, -asin(|x|) for
+// others.
+template <auto& c, AsinDomain kDomain, class D, size_t kVectors>
+struct PlainAsinPart {
+  using V = VecOf<D>;
+  using T = hn::TFromD<D>;
+  static constexpr size_t kSize = kVectors;
+  MaskOf<D> large[kVectors];
+  V lead[kVectors], u[kVectors], p[kVectors];
+
+  HWY_INLINE void Reduce(const V* x) {
+    const D d;
+    for (size_t k = 0; k < kVectors; ++k) {
+      const AsinParts<D> v = AsinReduce<kDomain>(d, x[k]);
+      large[k] = v.large;
+      lead[k] = SqrtWhere(d, v.large, v.rest, v.minus);
+      u[k] = v.u;
+    }
+    EndPart(lead);
   }
-#if HWY_TARGET != HWY_AVX3
-  if constexpr (std::size(c) > 2) EndStep(u);
-  for (size_t k = 0; k < K; ++k) r[k].u = u[k];
-#endif
-  for (size_t k = 0; k < K; ++k) u2[k] = hn::Mul(u[k], u[k]);
+  HWY_INLINE void Evaluate() {
+    const D d;
+    if constexpr (sizeof(T) == 4) {
 #if HWY_TARGET == HWY_AVX3
-  SpreadEvenOdd<c>(d, u, u2, p);
+      SpreadHorner<c>(d, u, p);
 #else
-  if constexpr (std::size(c) > 2) EndStep(u2);
-  EvenOdd<true>(d, u, u2, c, p);
+      Horner(d, u, c, p);
 #endif
-}
-
-// acos(|x|) for large x, -asin(|x|) for others.
-template <class D, class V>
-HWY_INLINE V AsinSum(D d, MaskOf<D> large, V x, const AsinParts<D>& v, V p) {
-  const V lead = hn::IfThenElse(large, v.root, NegAbs(d, x));
-  return hn::Add(lead, hn::Mul(hn::Mul(lead, v.u), p));
-}
-
-// By plain sums: below 2 ulp with the coefficients of LA (Asin 1.79 seen, single 1.75, Acos 1.18
-// and 1.86).
-template <auto& c, AsinDomain kDomain, class D, class V, size_t K>
-HWY_INLINE void PlainAsin(D d, const V (&x)[K], V (&r)[K]) {
-  using T = hn::TFromD<D>;
-  AsinParts<D> v[K];
-  V p[K];
-  AsinReduce<c, kDomain>(d, x, v, p);
-  for (size_t k = 0; k < K; ++k) {
-    const auto large = IsLarge(d, x[k]);
-    const V base = hn::IfThenElseZero(large, hn::Set(d, T(kPi / 2)));
-    r[k] = hn::CopySignToAbs(hn::Sub(base, AsinSum(d, large, x[k], v[k], p[k])), x[k]);
+    } else {
+      V u2[kVectors];
+      for (size_t k = 0; k < kVectors; ++k) u2[k] = hn::Mul(u[k], u[k]);
+#if HWY_TARGET == HWY_AVX3
+      SpreadEvenOdd<c>(d, u, u2, p);
+#else
+      EvenOdd(d, u, u2, c, p);
+#endif
+    }
+    EndPart(p);
   }
-}
-
-template <auto& c, AsinDomain kDomain, class D, class V, size_t K>
-HWY_INLINE void PlainAcos(D d, const V (&x)[K], V (&r)[K],
-                          hn::TFromD<D> half_pi = hn::TFromD<D>(kPi / 2)) {
-  using T = hn::TFromD<D>;
-  AsinParts<D> v[K];
-  V p[K];
-  AsinReduce<c, kDomain>(d, x, v, p);
-  for (size_t k = 0; k < K; ++k) {
-    const auto large = IsLarge(d, x[k]);
-    const V sum = AsinSum(d, large, x[k], v[k], p[k]);
-    const V left = hn::IfNegativeThenElse(x[k], hn::Set(d, T(kPi)), hn::Zero(d));
-    const V base = hn::IfThenElse(large, left, hn::Set(d, half_pi));
-    r[k] = hn::Add(base, hn::Xor(sum, hn::And(x[k], hn::SignBit(d))));
+  HWY_INLINE V Sum(size_t k) const {
+    return hn::Add(lead[k], hn::Mul(hn::Mul(lead[k], u[k]), p[k]));
   }
+};
+
+template <auto& c, AsinDomain kDomain, class D, size_t kVectors>
+struct PlainAsin : PlainAsinPart<c, kDomain, D, kVectors> {
+  using V = VecOf<D>;
+  HWY_INLINE void Result(const V* x, V* r) const {
+    const D d;
+    const V half_pi = Whole<kPi / 2>(d), sign = Whole<-0.0>(d);
+    for (size_t k = 0; k < kVectors; ++k) {
+      const V size = SubFromWhere(d, this->large[k], half_pi, this->Sum(k));
+      r[k] = HWY_TARGET == HWY_AVX3 ? hn::IfVecThenElse(sign, x[k], size)
+                                    : hn::CopySignToAbs(size, x[k]);
+    }
+  }
+};
+
+template <auto& c, AsinDomain kDomain, class D, size_t kVectors, double kHalfPi = kPi / 2>
+struct PlainAcosTo : PlainAsinPart<c, kDomain, D, kVectors> {
+  using V = VecOf<D>;
+  HWY_INLINE void Result(const V* x, V* r) const {
+    const D d;
+    const V half_pi = Whole<kHalfPi>(d), sign = Whole<-0.0>(d);
+    for (size_t k = 0; k < kVectors; ++k) {
+      const V sign_of_x = hn::And(x[k], sign);
+      // 0 or pi for large x, pi/2 for others
+      const V base = SubWhere(d, this->large[k], half_pi, hn::Or(half_pi, sign_of_x));
+      r[k] = hn::Add(base, hn::Xor(this->Sum(k), sign_of_x));
+    }
+  }
+};
+
+template <auto& c, AsinDomain kDomain, class D, size_t kVectors>
+struct PlainAcos : PlainAcosTo<c, kDomain, D, kVectors> {};
+
+// How many vectors make a group, and how many of them a part of it.
+template <typename T>
+struct AsinGroups : LargeGroups<T> {
+  static constexpr bool kWide = HWY_TARGET == HWY_AVX3 || sizeof(T) == 8;
+  static constexpr int kUnroll = kWide ? 8 : 4;
+  static constexpr int kRestUnroll = kWide ? LargeGroups<T>::kRestUnroll : 2;
+  static constexpr size_t kTogether = HWY_TARGET == HWY_AVX3 || sizeof(T) == 4 ? 2 : 1;
+};
+
+// Part<c, kDomain, ...> for all vectors of a group, kSize of them at a time.
+template <template <auto&, AsinDomain, class, size_t> class Part, auto& c, AsinDomain kDomain,
+          size_t kSize, class D, class V, size_t K>
+HWY_INLINE void PlainInTurn(D, const V (&x)[K], V (&r)[K]) {
+  constexpr size_t kEach = K % kSize == 0 ? kSize : 1;
+  Part<c, kDomain, D, kEach> parts[K / kEach];
+  SomeInTurn(parts, x, r);
 }
 
 // pi/2 - x ..., s ... or pi - s ...: what the leading term is added to, a quarter of pi at a time.
@@ -226,10 +296,12 @@ inline constexpr AsinHARest kAsinHARest = [] {
 // The parts and u P(u) as a pair: the product with c[0] exact, for it is up to a tenth of the
 // result.
 template <AsinDomain kDomain, class D, class V, size_t K>
-HWY_INLINE void FullAsinReduce(D d, const V (&x)[K], AsinParts<D> (&r)[K], Pair<V> (&up)[K]) {
+HWY_INLINE void FullAsinReduce(D d, const V (&x)[K], AsinParts<D> (&r)[K], V (&root)[K],
+                               Pair<V> (&up)[K]) {
   V u[K], u2[K], p[K];
   for (size_t k = 0; k < K; ++k) {
     r[k] = AsinReduce<kDomain>(d, x[k]);
+    root[k] = hn::Sqrt(r[k].rest);
     u[k] = r[k].u;
   }
   for (size_t k = 0; k < K; ++k) u2[k] = hn::Mul(u[k], u[k]);
@@ -255,12 +327,13 @@ HWY_INLINE V FullAsinSum(D d, Pair<VecOf<D>> base, Pair<VecOf<D>> lead, Pair<Vec
 template <AsinDomain kDomain, class D, class V, size_t K>
 HWY_INLINE void FullAsin(D d, const V (&x)[K], V (&r)[K]) {
   AsinParts<D> v[K];
+  V root[K];
   Pair<V> up[K];
-  FullAsinReduce<kDomain>(d, x, v, up);
+  FullAsinReduce<kDomain>(d, x, v, root, up);
   for (size_t k = 0; k < K; ++k) {
-    const V zero = hn::Zero(d), root_rest = RootRest(d, v[k].rest, v[k].root);
-    const auto large = IsLarge(d, x[k]);
-    const Pair<V> lead = {hn::Neg(hn::IfThenElse(large, v[k].root, NegAbs(d, x[k]))),
+    const V zero = hn::Zero(d), root_rest = RootRest(d, v[k].rest, root[k]);
+    const auto large = v[k].large;
+    const Pair<V> lead = {hn::Neg(hn::IfThenElse(large, root[k], v[k].minus)),
                           hn::IfThenElseZero(large, hn::Sub(zero, root_rest))};
     const Pair<V> base = {hn::IfThenElseZero(large, hn::Set(d, kPi / 2)),
                           hn::IfThenElseZero(large, hn::Set(d, kPiRest / 2))};
@@ -271,13 +344,14 @@ HWY_INLINE void FullAsin(D d, const V (&x)[K], V (&r)[K]) {
 template <AsinDomain kDomain, class D, class V, size_t K>
 HWY_INLINE void FullAcos(D d, const V (&x)[K], V (&r)[K]) {
   AsinParts<D> v[K];
+  V root[K];
   Pair<V> up[K];
-  FullAsinReduce<kDomain>(d, x, v, up);
+  FullAsinReduce<kDomain>(d, x, v, root, up);
   for (size_t k = 0; k < K; ++k) {
-    const V root_rest = RootRest(d, v[k].rest, v[k].root);
-    const auto large = IsLarge(d, x[k]);
+    const V root_rest = RootRest(d, v[k].rest, root[k]);
+    const auto large = v[k].large;
     const V sign = hn::And(x[k], hn::SignBit(d));
-    const Pair<V> lead = {hn::Xor(hn::IfThenElse(large, v[k].root, NegAbs(d, x[k])), sign),
+    const Pair<V> lead = {hn::Xor(hn::IfThenElse(large, root[k], v[k].minus), sign),
                           hn::Xor(hn::IfThenElseZero(large, root_rest), sign)};
     const Pair<V> base = {AcosBase(d, large, x[k], kPi), AcosBase(d, large, x[k], kPiRest)};
     r[k] = FullAsinSum(d, base, lead, up[k]);
