@@ -65,6 +65,12 @@ class Twist {
 #if HWY_TARGET == HWY_AVX3
     const auto odd = hn::TestBit(y, Set(1));
     return hn::Xor3(middle, hn::ShiftRight<1>(y), hn::IfThenElseZero(odd, a_));
+#elif HWY_TARGET == HWY_AVX2
+    __m256 none = _mm256_setzero_ps();
+    asm("" : "+x"(none));  // or GCC makes a comparison and an And of the selection
+    const __m256 low = _mm256_castsi256_ps(hn::ShiftLeft<31>(y).raw);
+    const __m256 odd = _mm256_blendv_ps(none, _mm256_castsi256_ps(a_.raw), low);
+    return hn::Xor(hn::Xor(middle, hn::ShiftRight<1>(y)), WordVec{_mm256_castps_si256(odd)});
 #else
     const hn::RebindToFloat<WordTag> d;
     const auto odd = hn::IfNegativeThenElse(hn::BitCast(d, hn::ShiftLeft<31>(y)),
@@ -122,11 +128,16 @@ struct TwisterUniform {
   template <bool kUpper, class D>
   HWY_INLINE hn::Vec<hn::Repartition<double, D>> Half(D d, hn::Vec<D> w) const {
     const hn::Repartition<double, D> dd;
+#if HWY_TARGET == HWY_AVX2  // 2^52 + w less all else, exact: fewer operations than conversions
+    const auto x =
+        hn::Sub(WithHighWord<kUpper>(d, w, (1023 + 52) << 20), hn::Set(dd, 0x1.000008p52));
+#else
     const hn::RebindToSigned<D> di;
     const hn::Half<decltype(di)> half;
     const auto centred = hn::BitCast(di, hn::Xor(w, hn::Set(d, 0x80000000)));  // w - 2^31
     const auto x =
         hn::PromoteTo(dd, kUpper ? hn::UpperHalf(half, centred) : hn::LowerHalf(half, centred));
+#endif
     return hn::Add(hn::Mul(x, hn::Set(dd, scale)), hn::Set(dd, centre));
   }
   HWY_INLINE double One(uint32_t w) const {

@@ -4,7 +4,8 @@
 // The block of 69 words is no whole number of vectors, so the words are regenerated in one line,
 // across the blocks' ends, in pieces of as many blocks as a vector has words. There the words 69,
 // 68 and 35 places back stand in two vectors next to each other each, and a shift joins them: loads
-// across vectors just stored would have to wait for both.
+// across vectors just stored would have to wait for both. On AVX2 the words 69 and 68 places back
+// are eight vectors old and in memory by then.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "quo_sub_kernel/mt2203/mt2203.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
@@ -27,15 +28,26 @@ class SourceMT2203 {
   }
   template <class Visit>
   HWY_INLINE const uint32_t* Next(size_t n, Visit visit) {
-    if (made_ != 0) std::memcpy(line_, line_ + kMost, kStart * sizeof(*line_));
-    made_ = (n + State::kN - 1) / State::kN * State::kN;  // whole blocks
-    for (size_t k = 0; k < made_; k += kWordLanes) {
+    const WordTag d;
+    for (size_t k = 0; made_ != 0 && k < kStart; k += kWordLanes) {
+      hn::Store(hn::Load(d, line_ + kMost + k), d, line_ + k);
+    }
+    const size_t made = (n + State::kN - 1) / State::kN * State::kN;  // whole blocks
+    const Twist<State> twist = twist_;
+    HWY_UNROLL(3)
+    for (size_t k = 0; k < made; k += kWordLanes) {
       uint32_t* const end = line_ + kStart + k;
+#if HWY_TARGET == HWY_AVX2
+      const WordVec x = twist(hn::LoadU(d, end - State::kN), hn::LoadU(d, end - State::kN + 1),
+                              Back<State::kN - State::kM>(end));
+#else
       const WordVec x =
-          twist_(Back<State::kN>(end), Back<State::kN - 1>(end), Back<State::kN - State::kM>(end));
-      hn::Store(x, WordTag(), end);
+          twist(Back<State::kN>(end), Back<State::kN - 1>(end), Back<State::kN - State::kM>(end));
+#endif
+      hn::Store(x, d, end);
       visit(k, x);
     }
+    made_ = made;
     return line_ + kStart;
   }
   HWY_INLINE void Leave(size_t) const {

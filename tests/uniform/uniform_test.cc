@@ -22,6 +22,8 @@ constexpr int32_t kHighest = std::numeric_limits<int32_t>::max();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr int32_t kGenerators[] = {0x100000, 0x400000, 0x500000, 0x500000 + 200};
+constexpr int32_t kWordGenerators[] = {QUO_BRNG_R250,    QUO_BRNG_MRG32K3A, QUO_BRNG_SOBOL,
+                                       QUO_BRNG_NIEDERR, QUO_BRNG_MT19937,  QUO_BRNG_MT2203 + 1023};
 
 struct Stream {
   StreamState* p = nullptr;
@@ -159,6 +161,51 @@ TEST(Integers, AreFloorsOfDoublesAcrossBlocks) {
           _quodRngUniform(0, integers, 1, &u, 0, 1);
           _quodRngUniform(0, doubles, 1, &v, 0, 1);
           ASSERT_EQ(u, v);
+        }
+      }
+    }
+  });
+}
+
+// At the ends of the bounds for which generators of words need no doubles, and beyond them.
+TEST(Integers, AreFloorsOfDoublesWhateverTheBounds) {
+  constexpr int32_t kEnd = 1 << 21;
+  std::vector<std::pair<int32_t, int32_t>> bounds = {{0, 1},
+                                                     {-1, 0},
+                                                     {0, 100},
+                                                     {-7, 5},
+                                                     {0, kEnd},
+                                                     {-kEnd, 0},
+                                                     {0, kEnd + 1},
+                                                     {-kEnd - 1, 0},
+                                                     {-kEnd, kEnd},
+                                                     {kEnd - 1, kEnd},
+                                                     {1 - kEnd, 1},
+                                                     {kEnd, kEnd + 7},
+                                                     {-kEnd, 1 - kEnd},
+                                                     {kLowest, kHighest},
+                                                     {-kEnd / 2, kEnd / 2}};
+  const uint32_t seed = std::random_device()();
+  SCOPED_TRACE(testing::Message() << "seed " << seed);
+  std::mt19937 random(seed);
+  for (int i = 0; i < 30; ++i) {
+    const int32_t a = static_cast<int32_t>(random() >> 10) - kEnd;
+    bounds.push_back({a, a + 1 + static_cast<int32_t>(random() >> (11 + i % 20))});
+  }
+  levels::ForEach([&] {
+    for (const int32_t id : kWordGenerators) {
+      for (const auto& [a, b] : bounds) {
+        SCOPED_TRACE(testing::Message() << std::hex << id << std::dec << ", " << a << " to " << b);
+        const Stream integers(id, seed), doubles(id, seed);
+        for (const int32_t n : {3, 4096, 1, 40, 5003, 17}) {
+          std::vector<int32_t> r(static_cast<size_t>(n) + 1, 77);
+          std::vector<double> x(static_cast<size_t>(n));
+          ASSERT_EQ(_quoiRngUniform(0, integers, n, r.data(), a, b), QUO_OK);
+          ASSERT_EQ(_quodRngUniform(0, doubles, n, x.data(), a, b), QUO_OK);
+          for (size_t i = 0; i < x.size(); ++i) {
+            ASSERT_EQ(r[i], static_cast<int32_t>(std::floor(x[i]))) << i;
+          }
+          ASSERT_EQ(r.back(), 77);
         }
       }
     }

@@ -22,7 +22,7 @@ namespace pex::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 // Columns i of the rows whose numbers are in the low 5 bits of `j`. On AVX-512 the columns are in
-// registers; elsewhere whole rows are loaded and transposed.
+// registers; elsewhere whole rows are loaded and transposed, but for NearRows.
 #if HWY_TARGET == HWY_AVX3
 template <class D, size_t kColumns>
 struct OctaveRows {
@@ -79,9 +79,30 @@ struct OctaveRows {
 };
 #endif
 
-template <class Table, class D, class V, size_t K>
+#if HWY_TARGET == HWY_AVX2
+// The upper 16 rows, which q >= 2^-15 has, from registers.
+template <class D, size_t kColumns>
+struct NearRows {
+  // Bit 3 of the row stands in the sign too, where it chooses between the halves of a column.
+  HWY_INLINE void Load(D d, const float (&columns)[kColumns][32], const float (&)[32][kColumns],
+                       BitsOf<D> j) {
+    columns_ = columns;
+    j_ = hn::Or(hn::And(j, SetBits(d, 31)), hn::ShiftLeft<28>(j));
+  }
+  HWY_INLINE VecOf<D> Column(size_t i) const {
+    const __m256 lower = _mm256_permutevar8x32_ps(_mm256_load_ps(columns_[i] + 16), j_.raw);
+    const __m256 upper = _mm256_permutevar8x32_ps(_mm256_load_ps(columns_[i] + 24), j_.raw);
+    return VecOf<D>{_mm256_blendv_ps(lower, upper, _mm256_castsi256_ps(j_.raw))};
+  }
+  HWY_INLINE void After(VecOf<D> p) { LookUpAfter(p, j_); }
+  const float (*columns_)[32];
+  BitsOf<D> j_;
+};
+#endif
+
+template <template <class, size_t> class Rows, class Table, class D, class V, size_t K>
 HWY_INLINE void ErfInvOctave(D d, const ErfInvArgument<V> (&u)[K], const Table& table, V (&y)[K]) {
-  OctaveRows<D, Table::kColumns> rows[K];
+  Rows<D, Table::kColumns> rows[K];
   V t[K];
   for (size_t k = 0; k < K; ++k) {
     const auto bits = Bits(d, u[k].q);
@@ -110,8 +131,17 @@ HWY_INLINE void ErfInvOctave(D d, const ErfInvArgument<V> (&u)[K], const Table& 
 }
 
 // Function is one of erfinv-inl.h.
+template <class Function, bool kLA>
+constexpr const auto& ErfInvSingleTable() {
+  if constexpr (kLA) {
+    return Function::kSingleLA;
+  } else {
+    return Function::kSingleEP;
+  }
+}
+
 template <class Function, bool kLA, int (*kRare)(const float*, float*)>
-struct sErfInvKernel : Kernel<float> {
+struct sErfInvWholeKernel : Kernel<float> {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 2;
   static constexpr float kHarmless = 0.5f;
   using Rarity = Function::template Rarity<float>;
@@ -124,11 +154,7 @@ struct sErfInvKernel : Kernel<float> {
       a[k] = x[k];
       u[k] = Function::Split(d, x[k]);
     }
-    if constexpr (kLA) {
-      ErfInvOctave(d, u, Function::kSingleLA, out);
-    } else {
-      ErfInvOctave(d, u, Function::kSingleEP, out);
-    }
+    ErfInvOctave<OctaveRows>(d, u, ErfInvSingleTable<Function, kLA>(), out);
     if constexpr (Function::kSingleTail) {
       V least = u[0].q;
       for (size_t k = 1; k < K; ++k) least = hn::Min(least, u[k].q);
@@ -156,6 +182,25 @@ struct sErfInvKernel : Kernel<float> {
                        part(hn::LowerHalf(half, a), hn::LowerHalf(half, out)));
   }
 };
+
+#if HWY_TARGET == HWY_AVX2
+template <class Function, bool kLA, int (*kRare)(const float*, float*)>
+struct sErfInvKernel : Kernel<float> {
+  static constexpr int kUnroll = 4;
+  static constexpr float kHarmless = 0.5f;
+  using Wide = sErfInvWholeKernel<Function, kLA, kRare>;
+  using Rarity = Function::FineRarity;  // leaves q >= 2^-15
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    ErfInvArgument<V> u[K];
+    for (size_t k = 0; k < K; ++k) u[k] = Function::Split(d, x[k]);
+    ErfInvOctave<NearRows>(d, u, ErfInvSingleTable<Function, kLA>(), out);
+  }
+};
+#else
+template <class Function, bool kLA, int (*kRare)(const float*, float*)>
+using sErfInvKernel = sErfInvWholeKernel<Function, kLA, kRare>;
+#endif
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

@@ -135,30 +135,52 @@ HWY_INLINE VecOf<D> PowWideExp2(D d, W z) {
   return hn::DemoteTo(d, hn::Add(s, hn::Mul(s, hn::Mul(f, Horner(wide, f, kPowExp2HA)))));
 }
 
-// 2^(high + low), |low| below 2^-8 |high|, c the polynomial; with what the table's powers of
-// 2^(1/16) lack, or without.
-template <bool kFull, class D, class V, size_t N>
-HWY_INLINE V sPowExp2(D d, V high, V low, const float (&c)[N]) {
-  const auto beyond = [d, high](float limit) HWY_ATTR {
-    return hn::Gt(Bits(d, hn::Abs(high)), SetBits(d, BitsOfNumber(limit)));
-  };
+// 2^(high + low) = power + power p, |low| below 2^-8 |high|, c the polynomial: the bits of power
+// are those of `table` and of k << 19 added up.
+template <class D>
+struct sPowExp2Parts {
+  VecOf<D> p;
+  BitsOf<D> table, k;
+};
+
+// With what the table's powers of 2^(1/16) lack, or without.
+template <bool kFull, class D, class V, size_t K, size_t N>
+HWY_INLINE void sPowExp2Reduce(D d, const V (&high)[K], const V (&low)[K], const float (&c)[N],
+                               sPowExp2Parts<D> (&r)[K]) {
   const V shifter = hn::Set(d, 0x1.8p19f);  // the sum ends in the number of sixteenths
-  const auto far = beyond(64.0f);           // below, no product is subnormal
-  const bool any_far = !hn::AllFalse(hn::RebindToSigned<D>(), far);
-  if (any_far) [[unlikely]] {
-    low = hn::IfThenZeroElse(hn::RebindMask(d, beyond(200.0f)), low);
-    high = hn::Min(hn::Max(high, hn::Set(d, -200.0f)), hn::Set(d, 200.0f));
+  V shifted[K], f[K], p[K];
+  for (size_t k = 0; k < K; ++k) shifted[k] = hn::Add(hn::Add(high[k], low[k]), shifter);
+  EndStep(shifted);
+  for (size_t k = 0; k < K; ++k) {
+    f[k] = hn::Add(hn::Sub(high[k], hn::Sub(shifted[k], shifter)), low[k]);
   }
-  const V shifted = hn::Add(hn::Add(high, low), shifter);
-  const V f = hn::Add(hn::Sub(high, hn::Sub(shifted, shifter)), low);
-  const auto k = Bits(d, shifted);
-  V p = hn::Mul(f, Horner(d, f, c));
-  if constexpr (kFull) p = hn::Add(p, sLogIndex<D>(d, k).LookUp(kPowSixteenthRest));
-  const auto table = LookupSixteenth(d, sExpShiftedSixteenths, k);
-  if (!any_far) [[likely]] {
-    const V power = FromBits(d, hn::Add(table, hn::ShiftLeft<19>(k)));
-    return hn::Add(power, hn::Mul(power, p));
+  EndStep(f);
+  Horner(d, f, c, p);
+  for (size_t k = 0; k < K; ++k) {
+    r[k].k = Bits(d, shifted[k]);
+    r[k].p = hn::Mul(f[k], p[k]);
+    if constexpr (kFull) {
+      r[k].p = hn::Add(r[k].p, sLogIndex<D>(d, r[k].k).LookUp(kPowSixteenthRest));
+    }
+    r[k].table = LookupSixteenth(d, sExpShiftedSixteenths, r[k].k);
   }
+}
+
+// Whether |x| > limit.
+template <class D, class V>
+HWY_INLINE hn::Mask<hn::RebindToSigned<D>> sPowBeyond(D d, V x, float limit) {
+  return hn::Gt(Bits(d, hn::Abs(x)), SetBits(d, BitsOfNumber(limit)));
+}
+
+// For every high, one vector.
+template <bool kFull, class D, class V, size_t N>
+HWY_NOINLINE V sPowExp2Far(D d, V high, V low, const float (&c)[N]) {
+  low = hn::IfThenZeroElse(hn::RebindMask(d, sPowBeyond(d, high, 200.0f)), low);
+  high = hn::Min(hn::Max(high, hn::Set(d, -200.0f)), hn::Set(d, 200.0f));
+  const V highs[1] = {high}, lows[1] = {low};
+  sPowExp2Parts<D> parts[1];
+  sPowExp2Reduce<kFull>(d, highs, lows, c, parts);
+  const auto [p, table, k] = parts[0];
   // Half of the exponent after the sum: what is not far comes out the same.
   const auto halves = hn::And(hn::ShiftRight<1>(k), SetBits(d, 0xFFFFFFF0));
   const V power = FromBits(d, hn::Add(table, hn::ShiftLeft<19>(hn::Sub(k, halves))));
@@ -180,6 +202,23 @@ HWY_INLINE V sPowExp2(D d, V high, V low, const float (&c)[N]) {
   return hn::IfThenElse(hn::RebindMask(d, tiny), rounded, near);
 }
 
+template <bool kFull, class D, class V, size_t K, size_t N>
+HWY_INLINE void sPowExp2(D d, const V (&high)[K], const V (&low)[K], const float (&c)[N],
+                         V (&r)[K]) {
+  auto far = sPowBeyond(d, high[0], 64.0f);  // below, no product is subnormal
+  for (size_t k = 1; k < K; ++k) far = hn::Or(far, sPowBeyond(d, high[k], 64.0f));
+  if (!hn::AllFalse(hn::RebindToSigned<D>(), far)) [[unlikely]] {
+    for (size_t k = 0; k < K; ++k) r[k] = sPowExp2Far<kFull>(d, high[k], low[k], c);
+    return;
+  }
+  sPowExp2Parts<D> parts[K];
+  sPowExp2Reduce<kFull>(d, high, low, c, parts);
+  for (size_t k = 0; k < K; ++k) {
+    const V power = FromBits(d, hn::Add(parts[k].table, hn::ShiftLeft<19>(parts[k].k)));
+    r[k] = hn::Add(power, hn::Mul(power, parts[k].p));
+  }
+}
+
 // x^y for finite y, by double: y log2(x) to 2^-34, its power to 2^-38.
 template <class D, class V>
 HWY_INLINE V PowWide(D d, V x, V y) {
@@ -189,53 +228,88 @@ HWY_INLINE V PowWide(D d, V x, V y) {
 }
 
 // x^y for 2^-40 <= |y| <= 2^33 or y = 0, so that no product leaves the range, with log2(x) and its
-// product with y in pairs of floats.
-template <class D, class V>
-HWY_INLINE V sPowPairs(D d, V x, V y) {
+// product with y in pairs of floats. In steps of all vectors.
+template <class D, class V, size_t K>
+HWY_INLINE void sPowPairs(D d, const V (&x)[K], const V (&y)[K], V (&r)[K]) {
   constexpr float kLn2 = 0x1.62e43p-1f, kLn2Rest = -0x1.05c61p-29f;
-  const auto u = sPowReduce(d, x);
-  const sLogIndex<D> row(d, u.i);
-  // log2(m) = log2(a) + p - ln2/2 p^2 + p^3 ..., the first three in full.
-  const V t = hn::Sub(u.m, row.LookUp(kPowPoints.a));  // exact
-  const Pair<V> p = TwoProduct(d, t, row.LookUp(kPowPoints.factor));
-  const Pair<V> square = TwoProduct(d, p.hi, p.hi);
-  const Pair<V> second = TwoProduct(d, square.hi, hn::Set(d, -kLn2 / 2));
-  const V higher = hn::Mul(
-      square.hi, hn::Add(hn::Mul(p.hi, Horner(d, p.hi, kPowLog2LA)), hn::Set(d, -kLn2Rest / 2)));
-  const V second_rest = hn::Add(second.lo, hn::Mul(square.lo, hn::Set(d, -kLn2 / 2)));
-  const V slope = hn::Sub(hn::Set(d, 1.0f), hn::Mul(p.hi, hn::Set(d, kLn2)));
-  const V first_rest = hn::Add(hn::Mul(p.lo, slope), hn::Mul(p.hi, hn::Set(d, kLog2ERest)));
-  const V tail =
-      hn::Add(hn::Add(first_rest, second_rest), hn::Add(higher, row.LookUp(kPowPoints.rest)));
-  const V head = hn::Add(hn::ConvertTo(d, u.e), row.LookUp(kPowPoints.log));  // exact
-  const Pair<V> s = FastTwoSum(head, p.hi);
-  const Pair<V> log2 = FastTwoSum(s.hi, second.hi);
-  const V log2_lo = hn::Add(hn::Add(log2.lo, s.lo), tail);
-  const Pair<V> z = TwoProduct(d, y, log2.hi);
-  return sPowExp2<true>(d, z.hi, hn::Add(z.lo, hn::Mul(y, log2_lo)), kPowExp2LA);
+  V p_hi[K], p_lo[K], second_hi[K], tail[K], head[K], high[K], low[K];
+  BitsOf<D> i[K];
+  for (size_t k = 0; k < K; ++k) {
+    const auto u = sPowReduce(d, x[k]);
+    const sLogIndex<D> row(d, u.i);
+    i[k] = u.i;
+    head[k] = hn::Add(hn::ConvertTo(d, u.e), row.LookUp(kPowPoints.log));  // exact
+    // log2(m) = log2(a) + p - ln2/2 p^2 + p^3 ..., the first three in full.
+    const V t = hn::Sub(u.m, row.LookUp(kPowPoints.a));  // exact
+    const Pair<V> p = TwoProduct(d, t, row.LookUp(kPowPoints.factor));
+    p_hi[k] = p.hi;
+    p_lo[k] = p.lo;
+  }
+  EndStep(p_hi);
+  V poly[K];
+  Horner(d, p_hi, kPowLog2LA, poly);
+  EndStep(poly);
+  for (size_t k = 0; k < K; ++k) {
+    const Pair<V> square = TwoProduct(d, p_hi[k], p_hi[k]);
+    const Pair<V> second = TwoProduct(d, square.hi, hn::Set(d, -kLn2 / 2));
+    const V higher =
+        hn::Mul(square.hi, hn::Add(hn::Mul(p_hi[k], poly[k]), hn::Set(d, -kLn2Rest / 2)));
+    const V second_rest = hn::Add(second.lo, hn::Mul(square.lo, hn::Set(d, -kLn2 / 2)));
+    const V slope = hn::Sub(hn::Set(d, 1.0f), hn::Mul(p_hi[k], hn::Set(d, kLn2)));
+    const V first_rest = hn::Add(hn::Mul(p_lo[k], slope), hn::Mul(p_hi[k], hn::Set(d, kLog2ERest)));
+    second_hi[k] = second.hi;
+    tail[k] = hn::Add(hn::Add(first_rest, second_rest),
+                      hn::Add(higher, sLogIndex<D>(d, i[k]).LookUp(kPowPoints.rest)));
+  }
+  EndStep(tail);
+  for (size_t k = 0; k < K; ++k) {
+    const Pair<V> s = FastTwoSum(head[k], p_hi[k]);
+    const Pair<V> log2 = FastTwoSum(s.hi, second_hi[k]);
+    const V log2_lo = hn::Add(hn::Add(log2.lo, s.lo), tail[k]);
+    const Pair<V> z = TwoProduct(d, y[k], log2.hi);
+    high[k] = z.hi;
+    low[k] = hn::Add(z.lo, hn::Mul(y[k], log2_lo));
+  }
+  EndStep(low);
+  sPowExp2<true>(d, high, low, kPowExp2LA, r);
 }
 
 // The same in float, but for the powers next to the largest numbers, where an error would show as
 // infinity: 15 bits.
-template <class D, class V>
-HWY_INLINE V sPowShort(D d, V x, V y) {
-  const auto u = sPowReduce(d, x);
-  const sLogIndex<D> row(d, u.i);
-  const V p = hn::Mul(u.t, row.LookUp(kPowSingleTable.factor));
-  const V p2 = hn::Mul(p, p);
-  const V head = hn::Add(hn::ConvertTo(d, u.e), row.LookUp(kPowSingleTable.log));
-  const V log2 = hn::Add(head, hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, kPowLog2EP))));
-  const V z = hn::Mul(y, log2);
-  const auto edge = hn::Gt(Bits(d, z), SetBits(d, BitsOfNumber(127.9f)));  // and positive
+template <class D, class V, size_t K>
+HWY_INLINE void sPowShort(D d, const V (&x)[K], const V (&y)[K], V (&r)[K]) {
+  const hn::RebindToSigned<D> di;
+  V z[K], none[K];
+  for (size_t k = 0; k < K; ++k) {
+    const auto u = sPowReduce(d, x[k]);
+    const sLogIndex<D> row(d, u.i);
+    const V p = hn::Mul(u.t, row.LookUp(kPowSingleTable.factor));
+    const V p2 = hn::Mul(p, p);
+    const V head = hn::Add(hn::ConvertTo(d, u.e), row.LookUp(kPowSingleTable.log));
+    const V log2 = hn::Add(head, hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, kPowLog2EP))));
+    z[k] = hn::Mul(y[k], log2);
+    none[k] = hn::Zero(d);
+  }
+  EndStep(z);
+  const auto at_edge = [d](V v) HWY_ATTR {  // and positive
+    return hn::Gt(Bits(d, v), SetBits(d, BitsOfNumber(127.9f)));
+  };
+  auto any = at_edge(z[0]);
+  for (size_t k = 1; k < K; ++k) any = hn::Or(any, at_edge(z[k]));
+  if (hn::AllFalse(di, any)) [[likely]] {
+    sPowExp2<false>(d, z, none, kPowExp2EP, r);
+    return;
+  }
   // There the short power could overflow though the power does not.
-  const V common = hn::IfThenZeroElse(hn::RebindMask(d, edge), z);
-  const V power = sPowExp2<false>(d, common, hn::Zero(d), kPowExp2EP);
-  if (hn::AllFalse(hn::RebindToSigned<D>(), edge)) [[likely]]
-    return power;
   const hn::Half<D> half;
-  const V wide = hn::Combine(d, PowWide(half, hn::UpperHalf(half, x), hn::UpperHalf(half, y)),
-                             PowWide(half, hn::LowerHalf(half, x), hn::LowerHalf(half, y)));
-  return hn::IfThenElse(hn::RebindMask(d, edge), wide, power);
+  for (size_t k = 0; k < K; ++k) {
+    const auto edge = hn::RebindMask(d, at_edge(z[k]));
+    const V power = sPowExp2Far<false>(d, hn::IfThenZeroElse(edge, z[k]), none[k], kPowExp2EP);
+    const V wide =
+        hn::Combine(d, PowWide(half, hn::UpperHalf(half, x[k]), hn::UpperHalf(half, y[k])),
+                    PowWide(half, hn::LowerHalf(half, x[k]), hn::LowerHalf(half, y[k])));
+    r[k] = hn::IfThenElse(edge, wide, power);
+  }
 }
 
 }  // namespace pex::HWY_NAMESPACE

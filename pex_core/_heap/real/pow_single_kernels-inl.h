@@ -110,28 +110,55 @@ struct sPowKernel : Kernel<float, Compute> {
 };
 
 struct sPowNarrowKernel : sPowKernel<float, BitsOfNumber(0x1p-40f), BitsOfNumber(0x1p33f)> {
-  // The power by kPower; x^1 is x.
-  template <auto kPower, class D, class V>
-  static HWY_INLINE V SignedPower(D d, V x, V y) {
-    const auto first = hn::Eq(y, hn::Set(d, 1.0f));
-    const V power = kPower(d, hn::Abs(x), hn::IfThenZeroElse(first, y));
-    return hn::IfThenElse(first, x, Signed(d, power, x, y));
+  static constexpr int kRestUnroll = HWY_TARGET == HWY_AVX3 ? 1 : 2;
+
+  // The powers by kPower, of the sizes and with the signs put on where some x is negative; x^1 is
+  // x.
+  template <auto kPower, class D, class V, size_t K>
+  static HWY_INLINE void SignedPowers(D d, const V (&x)[K], const V (&y)[K], V (&r)[K]) {
+    const auto is_first = [d](V exponent) HWY_ATTR {
+      return hn::RebindMask(d, hn::Eq(Bits(d, exponent), SetBits(d, BitsOfNumber(1.0f))));
+    };
+    // The sign tells of y = 1 or of negative x.
+    auto either = hn::Or(hn::VecFromMask(d, is_first(y[0])), x[0]);
+    for (size_t k = 1; k < K; ++k) {
+      either = hn::Or(either, hn::Or(hn::VecFromMask(d, is_first(y[k])), x[k]));
+    }
+    const bool special = !hn::AllFalse(d, hn::MaskFromVec(either));
+    V size[K], exponent[K], power[K];
+    for (size_t k = 0; k < K; ++k) {
+      size[k] = x[k];
+      exponent[k] = y[k];
+    }
+    if (special) [[unlikely]] {
+      for (size_t k = 0; k < K; ++k) {
+        size[k] = hn::Abs(x[k]);
+        exponent[k] = hn::IfThenZeroElse(is_first(y[k]), y[k]);
+      }
+    }
+    kPower(d, size, exponent, power);
+    if (special) [[unlikely]] {
+      for (size_t k = 0; k < K; ++k) {
+        power[k] = hn::IfThenElse(is_first(y[k]), x[k], Signed(d, power[k], x[k], y[k]));
+      }
+    }
+    for (size_t k = 0; k < K; ++k) r[k] = power[k];
   }
 };
 
 // In float. 15.7 correct bits.
 struct sPowEP : sPowNarrowKernel {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x, V y) {
-    return SignedPower<sPowShort<D, V>>(d, x, y);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], const V (&y)[K], V (&r)[K]) {
+    SignedPowers<sPowShort<D, V, K>>(d, x, y, r);
   }
 };
 
 // In pairs of floats. Largest error 1.27 ulp.
 struct sPowLA : sPowNarrowKernel {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x, V y) {
-    return SignedPower<sPowPairs<D, V>>(d, x, y);
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], const V (&y)[K], V (&r)[K]) {
+    SignedPowers<sPowPairs<D, V, K>>(d, x, y, r);
   }
 };
 

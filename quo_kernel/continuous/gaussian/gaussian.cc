@@ -6,9 +6,9 @@
 // numbers R sin(2 pi u2) and R cos(2 pi u2), R = sqrt(-2 ln u1).
 //
 // Each block of 1024 uniforms or results goes through a few passes in the first-level cache: the
-// uniforms, their pairs taken apart, the functions of vector math, the results put together and
-// scaled. The order of the pairs between the passes is whatever is cheapest; functions go element
-// by element.
+// uniforms, their pairs taken apart into radii and angles, the sine and cosine of vector math, the
+// results put together and scaled. The order of the pairs between the passes is whatever is
+// cheapest; functions go element by element.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "quo_kernel/continuous/gaussian/gaussian.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
@@ -46,9 +46,8 @@ using Function = int(int32_t n, const T* a, T* r);
 // number of kWhole<T> where the results go to a buffer. Results r may stand at any address.
 template <typename T>
 struct Passes {
-  void (*take_apart)(size_t pairs, const T* u, T* first, T* angle);
-  // w = sqrt(-2 ln w), by `ln` and `sqrt` for what is rare.
-  void (*radii)(size_t pairs, T* w, Function<T>* ln, Function<T>* sqrt);
+  // w = sqrt(-2 ln u1), by `ln` and `sqrt` for what is rare; angle = 2 pi u2.
+  void (*take_apart)(size_t pairs, const T* u, T* w, T* angle, Function<T>* ln, Function<T>* sqrt);
   void (*join_pairs)(size_t pairs, const T* w, const T* sine, const T* cosine, T* r, T sigma, T a);
   void (*join_sines)(size_t pairs, const T* w, const T* sine, T* r, T sigma, T a);
   void (*scale)(size_t n, const T* x, T* r, T factor, T a);
@@ -85,22 +84,6 @@ HWY_INLINE void Exchange(D d, V& v0, V& v1) {
   }
 }
 
-// `pairs` pairs of uniforms, taken apart in groups of two vectors: the first of each to `first`,
-// the second times 2 pi to `angle`.
-template <typename T>
-void TakeApart(size_t pairs, const T* HWY_RESTRICT u, T* HWY_RESTRICT first,
-               T* HWY_RESTRICT angle) {
-  const hn::ScalableTag<T> d;
-  const size_t lanes = hn::Lanes(d);
-  const auto turn = hn::Set(d, kTwoPi<T>);
-  for (size_t i = 0; i < pairs; i += lanes) {
-    auto u1 = hn::Load(d, u + 2 * i), u2 = hn::Load(d, u + 2 * i + lanes);
-    Exchange(d, u1, u2);
-    hn::Store(u1, d, first + i);
-    hn::Store(hn::Mul(u2, turn), d, angle + i);
-  }
-}
-
 // The kernels of _pexdLn_26 and _pexsLn_21 for normal numbers between 0 and 1. The square root that
 // follows takes its time in a unit of its own while they compute.
 template <typename T>
@@ -123,12 +106,19 @@ struct LnBelowOne<float> : level::Kernel<float> {
 };
 
 template <size_t kVectors, typename T>
-HWY_INLINE void RadiiOfGroup(T* w, Function<T>* ln, Function<T>* sqrt) {
+HWY_INLINE void TakeGroupApart(const T* HWY_RESTRICT u, T* HWY_RESTRICT w, T* HWY_RESTRICT angle,
+                               Function<T>* ln, Function<T>* sqrt) {
   using K = LnBelowOne<T>;
   const typename K::Tag d;
   constexpr size_t kLanes = hn::MaxLanes(d), kCount = kVectors * kLanes;
+  const auto turn = hn::Set(d, kTwoPi<T>);
   hn::Vec<decltype(d)> x[kVectors];
-  for (size_t k = 0; k < kVectors; ++k) x[k] = hn::Load(d, w + k * kLanes);
+  for (size_t k = 0; k < kVectors; ++k) {
+    x[k] = hn::Load(d, u + 2 * k * kLanes);
+    auto second = hn::Load(d, u + (2 * k + 1) * kLanes);
+    Exchange(d, x[k], second);
+    hn::Store(hn::Mul(second, turn), d, angle + k * kLanes);
+  }
   if (!level::AnyRare<K, kVectors>(d, x, x)) [[likely]] {
     K::MainGroup(d, x, x);
     for (size_t k = 0; k < kVectors; ++k) {
@@ -136,20 +126,22 @@ HWY_INLINE void RadiiOfGroup(T* w, Function<T>* ln, Function<T>* sqrt) {
       hn::Store(hn::Sqrt(square), d, w + k * kLanes);
     }
   } else {
+    for (size_t k = 0; k < kVectors; ++k) hn::Store(x[k], d, w + k * kLanes);
     ln(kCount, w, w);
     for (size_t i = 0; i < kCount; ++i) w[i] = 0 - (w[i] + w[i]);
     sqrt(kCount, w, w);
   }
 }
 
+// `pairs` pairs of uniforms, in groups of two vectors.
 template <typename T>
-void Radii(size_t pairs, T* w, Function<T>* ln, Function<T>* sqrt) {
+void TakeApart(size_t pairs, const T* u, T* w, T* angle, Function<T>* ln, Function<T>* sqrt) {
   constexpr size_t kLanes = hn::MaxLanes(hn::ScalableTag<T>()), kVectors = 4;
   size_t i = 0;
   for (; i + kVectors * kLanes <= pairs; i += kVectors * kLanes) {
-    RadiiOfGroup<kVectors>(w + i, ln, sqrt);
+    TakeGroupApart<kVectors>(u + 2 * i, w + i, angle + i, ln, sqrt);
   }
-  for (; i < pairs; i += kLanes) RadiiOfGroup<1>(w + i, ln, sqrt);
+  for (; i < pairs; i += kLanes) TakeGroupApart<1>(u + 2 * i, w + i, angle + i, ln, sqrt);
 }
 
 template <class D, class V>
@@ -257,8 +249,7 @@ void Invert(size_t n, const T* x, T* r, T factor, T a, Function<T>* erfinv) {
 }
 
 template <typename T>
-constexpr Passes<T> kPasses = {TakeApart<T>, Radii<T>, JoinPairs<T>,
-                               JoinSines<T>, Scale<T>, Invert<T>};
+constexpr Passes<T> kPasses = {TakeApart<T>, JoinPairs<T>, JoinSines<T>, Scale<T>, Invert<T>};
 
 const Passes<double>* DoublePasses() { return &kPasses<double>; }
 const Passes<float>* SinglePasses() { return &kPasses<float>; }
@@ -341,8 +332,7 @@ struct Pairs {
     const size_t padded = (pairs + kWhole<T> - 1) / kWhole<T> * kWhole<T>;
     std::fill(u + 2 * pairs, u + 2 * padded, T(0.5));
     *whole = static_cast<int32_t>(padded);
-    passes.take_apart(padded, u, w, angle);
-    passes.radii(padded, w, Math<T>::Ln, Math<T>::Sqrt);
+    passes.take_apart(padded, u, w, angle, Math<T>::Ln, Math<T>::Sqrt);
     return status;
   }
 };
