@@ -8,9 +8,11 @@
 //   Main(d, a, r) or Main(d, a, b, r)   the result of common lanes;
 //   or MainGroup, the same for arrays of several vectors, step by step for all of them. The
 //                          arguments are copies; r may not be one of them;
-//   or Begin(d, a) or Begin(d, a, b), which returns what End(d, begun, r) makes the results of, for
-//                          arrays of several vectors: a long computation in two parts, whose first
-//                          one is done a group ahead. Not for results wider than their argument;
+//   or Begin(d, a) or Begin(d, a, b), and End(d, begun, r), which makes the results of what Begin
+//                          returns, for arrays of several vectors: a long computation in two parts,
+//                          the first of which is done a group ahead; or in three, Begin two groups
+//                          ahead and End(d, Continue(d, begun), r). Not for results wider than
+//                          their argument;
 // and, where it has rare lanes,
 //   IsRare(d, a) or IsRare(d, a, b)     their mask, found without raising a flag;
 //   MayBeRare, alike                    optional: a cheaper mask that covers IsRare and decides
@@ -282,12 +284,22 @@ HWY_INLINE auto ComplexBegin(const typename C::OperandA (&a)[N],
   }
 }
 
+template <class K, class C>
+inline constexpr bool HasComplexContinue = requires(typename C::OperandA (&a)[1],
+                                                    typename C::OperandB (&b)[1]) {
+  K::Continue(typename C::D(), ComplexBegin<K, C>(a, b));
+};
+
 template <class K, class C, size_t N>
 HWY_INLINE void ComplexCompute(const typename C::OperandA (&a)[N],
                                const typename C::OperandB (&b)[N], typename C::Result (&r)[N]) {
   const typename C::D d;
   if constexpr (HasComplexBegin<K, C>) {
-    K::End(d, ComplexBegin<K, C>(a, b), r);
+    if constexpr (HasComplexContinue<K, C>) {
+      K::End(d, K::Continue(d, ComplexBegin<K, C>(a, b)), r);
+    } else {
+      K::End(d, ComplexBegin<K, C>(a, b), r);
+    }
   } else if constexpr (HasComplexGroup<K, C>) {
     if constexpr (C::kBinary) {
       K::MainGroup(d, a, b, r);
@@ -466,14 +478,32 @@ HWY_INLINE void RunBegun(const C& call, size_t end) {
       continue;
     }
     auto begun = ComplexBegin<K, C>(a, b);
-    for (i += group; i < end; i += group) {
-      if (!common(i)) [[unlikely]]
-        break;
-      const auto next = ComplexBegin<K, C>(a, b);
+    i += group;
+    if constexpr (HasComplexContinue<K, C>) {
+      if (i < end && common(i)) [[likely]] {
+        auto continued = K::Continue(d, begun);
+        begun = ComplexBegin<K, C>(a, b);
+        for (i += group; i < end; i += group) {
+          if (!common(i)) [[unlikely]]
+            break;
+          const auto next = ComplexBegin<K, C>(a, b);
+          finish(i - 2 * group, continued);
+          continued = K::Continue(d, begun);
+          begun = next;
+        }
+        finish(i - 2 * group, continued);
+      }
+      finish(i - group, K::Continue(d, begun));
+    } else {
+      for (; i < end; i += group) {
+        if (!common(i)) [[unlikely]]
+          break;
+        const auto next = ComplexBegin<K, C>(a, b);
+        finish(i - group, begun);
+        begun = next;
+      }
       finish(i - group, begun);
-      begun = next;
     }
-    finish(i - group, begun);
   }
 }
 
