@@ -17,8 +17,8 @@
 //   IsRare(d, a) or IsRare(d, a, b)     their mask, found without raising a flag;
 //   MayBeRare, alike                    optional: a cheaper mask that covers IsRare and decides
 //                          for a group; its masks are tested together and not used by lane;
-//   AnyMayBeRare(d, a)     or instead, of one argument: whether a whole group, an array of vectors,
-//                          may have a rare lane;
+//   AnyMayBeRare(d, a) or AnyMayBeRare(d, a, b)   or instead: whether a whole group, an array of
+//                          vectors, may have a rare lane;
 //   Rare(a) or Rare(a, b)  a scalar routine for one rare element: from Complex<T> or T to that.
 // A kernel may have a second one, K::Wide, for all lanes but rare ones, as in elementwise-inl.h;
 // its common lanes are then those that neither IsRare nor MayBeRare names. Lanes come in an order
@@ -248,9 +248,11 @@ inline constexpr bool HasComplexBegin = requires(typename C::OperandA (&a)[1],
 || requires(typename C::OperandA (&a)[1]) { K::Begin(typename C::D(), a); };
 
 template <class K, class C, size_t N>
-inline constexpr bool HasAnyMayBeRare = requires(typename C::OperandA (&a)[N]) {
-  K::AnyMayBeRare(typename C::D(), a);
-};
+inline constexpr bool HasAnyMayBeRare = requires(typename C::OperandA (&a)[N],
+                                                 typename C::OperandB (&b)[N]) {
+  K::AnyMayBeRare(typename C::D(), a, b);
+}
+|| requires(typename C::OperandA (&a)[N]) { K::AnyMayBeRare(typename C::D(), a); };
 
 template <class K, class C>
 HWY_INLINE MaskOf<typename C::D> ComplexRareLanes(const typename C::OperandA& a,
@@ -366,7 +368,9 @@ template <class K, class C, size_t N>
 HWY_INLINE bool AnyNumberMayBeRare(const typename C::OperandA (&a)[N],
                                    const typename C::OperandB (&b)[N]) {
   const typename C::D d;
-  if constexpr (HasAnyMayBeRare<K, C, N>) {
+  if constexpr (HasAnyMayBeRare<K, C, N> && C::kBinary) {
+    return K::AnyMayBeRare(d, a, b);
+  } else if constexpr (HasAnyMayBeRare<K, C, N>) {
     return K::AnyMayBeRare(d, a);
   } else if constexpr (HasComplexRare<K, C>) {
     auto rare = ComplexMayBeRare<K, C>(a[0], b[0]);

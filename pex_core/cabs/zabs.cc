@@ -16,7 +16,7 @@ struct zAbsKernel : ComplexKernel<double> {
   using Outside = PartsOutside<0x26F00000, 0x5F2FFFFF>;
   template <class D, class V, size_t K>
   static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&a)[K]) {
-    return Outside::MayBeAny(d, a);
+    return Outside::AnyOfGroup(d, a);
   }
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a) {

@@ -132,16 +132,17 @@ struct PartsOutside {
 #endif
   }
   // The same of any of several numbers, from the high words of their parts.
-  template <class D, class V, size_t K>
-  static HWY_INLINE bool MayBeAny(D, const Complex<V> (&x)[K]) {
+  template <class D, size_t K, class... X>
+  static HWY_INLINE bool AnyOfGroup(D, const X (&... x)[K]) {
     const hn::Repartition<int32_t, D> d32;
     const auto first = hn::Set(d32, kFirst << 20);
     const auto upper = hn::Set(d32, static_cast<int32_t>((~uint32_t{0} << (21 + kLog2)) >> 1));
     auto joined = hn::Zero(d32);
-    for (size_t k = 0; k < K; ++k) {
-      const auto re = hn::BitCast(d32, x[k].re), im = hn::BitCast(d32, x[k].im);
-      joined = hn::Or(joined, hn::Sub(HighWords(re, im), first));
-    }
+    const auto shifted = [&](const auto& number) HWY_ATTR {
+      const auto high = HighWords(hn::BitCast(d32, number.re), hn::BitCast(d32, number.im));
+      return hn::Sub(high, first);
+    };
+    for (size_t k = 0; k < K; ++k) ((joined = hn::Or(joined, shifted(x[k]))), ...);
     return !hn::AllTrue(d32, hn::Eq(hn::And(joined, upper), hn::Zero(d32)));
   }
   template <class D, class V, class... W>

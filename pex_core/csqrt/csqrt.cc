@@ -161,7 +161,7 @@ struct DoubleSqrt : SqrtInSteps<double, -180, 180, false> {
   using Outside = PartsOutside<(1023 - 180) << 20, ((1023 + 180) << 20) - 1, 8>;
   template <class D, class V, size_t K>
   static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&z)[K]) {
-    return Outside::MayBeAny(d, z);
+    return Outside::AnyOfGroup(d, z);
   }
 };
 
