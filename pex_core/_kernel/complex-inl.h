@@ -8,12 +8,17 @@
 //   Main(d, a, r) or Main(d, a, b, r)   the result of common lanes;
 //   or MainGroup, the same for arrays of several vectors, step by step for all of them. The
 //                          arguments are copies; r may not be one of them;
+//   or Begin(d, a) or Begin(d, a, b), and End(d, begun, r), which makes the results of what Begin
+//                          returns, for arrays of several vectors: a long computation in two parts,
+//                          the first of which is done a group ahead; or in three, Begin two groups
+//                          ahead and End(d, Continue(d, begun), r). Not for results wider than
+//                          their argument;
 // and, where it has rare lanes,
 //   IsRare(d, a) or IsRare(d, a, b)     their mask, found without raising a flag;
 //   MayBeRare, alike                    optional: a cheaper mask that covers IsRare and decides
 //                          for a group; its masks are tested together and not used by lane;
-//   AnyMayBeRare(d, a)     or instead, of one argument: whether a whole group, an array of vectors,
-//                          may have a rare lane;
+//   AnyMayBeRare(d, a) or AnyMayBeRare(d, a, b)   or instead: whether a whole group, an array of
+//                          vectors, may have a rare lane;
 //   Rare(a) or Rare(a, b)  a scalar routine for one rare element: from Complex<T> or T to that.
 // A kernel may have a second one, K::Wide, for all lanes but rare ones, as in elementwise-inl.h;
 // its common lanes are then those that neither IsRare nor MayBeRare names. Lanes come in an order
@@ -235,10 +240,19 @@ inline constexpr bool HasComplexGroup = requires(typename C::OperandA (&a)[1],
   K::MainGroup(typename C::D(), a, r);
 };
 
+template <class K, class C>
+inline constexpr bool HasComplexBegin = requires(typename C::OperandA (&a)[1],
+                                                 typename C::OperandB (&b)[1]) {
+  K::Begin(typename C::D(), a, b);
+}
+|| requires(typename C::OperandA (&a)[1]) { K::Begin(typename C::D(), a); };
+
 template <class K, class C, size_t N>
-inline constexpr bool HasAnyMayBeRare = requires(typename C::OperandA (&a)[N]) {
-  K::AnyMayBeRare(typename C::D(), a);
-};
+inline constexpr bool HasAnyMayBeRare = requires(typename C::OperandA (&a)[N],
+                                                 typename C::OperandB (&b)[N]) {
+  K::AnyMayBeRare(typename C::D(), a, b);
+}
+|| requires(typename C::OperandA (&a)[N]) { K::AnyMayBeRare(typename C::D(), a); };
 
 template <class K, class C>
 HWY_INLINE MaskOf<typename C::D> ComplexRareLanes(const typename C::OperandA& a,
@@ -263,10 +277,32 @@ HWY_INLINE MaskOf<typename C::D> ComplexMayBeRare(const typename C::OperandA& a,
 }
 
 template <class K, class C, size_t N>
+HWY_INLINE auto ComplexBegin(const typename C::OperandA (&a)[N],
+                             const typename C::OperandB (&b)[N]) {
+  if constexpr (C::kBinary) {
+    return K::Begin(typename C::D(), a, b);
+  } else {
+    return K::Begin(typename C::D(), a);
+  }
+}
+
+template <class K, class C>
+inline constexpr bool HasComplexContinue = requires(typename C::OperandA (&a)[1],
+                                                    typename C::OperandB (&b)[1]) {
+  K::Continue(typename C::D(), ComplexBegin<K, C>(a, b));
+};
+
+template <class K, class C, size_t N>
 HWY_INLINE void ComplexCompute(const typename C::OperandA (&a)[N],
                                const typename C::OperandB (&b)[N], typename C::Result (&r)[N]) {
   const typename C::D d;
-  if constexpr (HasComplexGroup<K, C>) {
+  if constexpr (HasComplexBegin<K, C>) {
+    if constexpr (HasComplexContinue<K, C>) {
+      K::End(d, K::Continue(d, ComplexBegin<K, C>(a, b)), r);
+    } else {
+      K::End(d, ComplexBegin<K, C>(a, b), r);
+    }
+  } else if constexpr (HasComplexGroup<K, C>) {
     if constexpr (C::kBinary) {
       K::MainGroup(d, a, b, r);
     } else {
@@ -327,6 +363,24 @@ HWY_NOINLINE void CarefulNumbers(const ComplexCall<K, A, B>& call, size_t i, siz
   }
 }
 
+// Whether some lane of these vectors may be rare.
+template <class K, class C, size_t N>
+HWY_INLINE bool AnyNumberMayBeRare(const typename C::OperandA (&a)[N],
+                                   const typename C::OperandB (&b)[N]) {
+  const typename C::D d;
+  if constexpr (HasAnyMayBeRare<K, C, N> && C::kBinary) {
+    return K::AnyMayBeRare(d, a, b);
+  } else if constexpr (HasAnyMayBeRare<K, C, N>) {
+    return K::AnyMayBeRare(d, a);
+  } else if constexpr (HasComplexRare<K, C>) {
+    auto rare = ComplexMayBeRare<K, C>(a[0], b[0]);
+    for (size_t k = 1; k < N; ++k) rare = hn::Or(rare, ComplexMayBeRare<K, C>(a[k], b[k]));
+    return !hn::AllFalse(d, rare);
+  } else {
+    return false;
+  }
+}
+
 // N vectors of `count` elements in all, fewer than fill them only where N is 1; false, with nothing
 // done, when some lane may be rare.
 template <class K, size_t N, class C>
@@ -345,15 +399,8 @@ HWY_INLINE bool CommonNumbers(const C& call, size_t i, size_t count) {
     a[0] = call.a.LoadTail(d, i, count, K::kHarmless);
     b[0] = call.b.LoadTail(d, i, count, K::kHarmless);
   }
-  if constexpr (HasAnyMayBeRare<K, C, N>) {
-    if (K::AnyMayBeRare(d, a)) [[unlikely]]
-      return false;
-  } else if constexpr (HasComplexRare<K, C>) {
-    auto rare = ComplexMayBeRare<K, C>(a[0], b[0]);
-    for (size_t k = 1; k < N; ++k) rare = hn::Or(rare, ComplexMayBeRare<K, C>(a[k], b[k]));
-    if (!hn::AllFalse(d, rare)) [[unlikely]]
-      return false;
-  }
+  if (AnyNumberMayBeRare<K, C>(a, b)) [[unlikely]]
+    return false;
   ComplexCompute<K, C>(a, b, r);
   for (size_t k = 0; k < N; ++k) {
     StoreNumbers(d, r[k], call.r, i + k * lanes, N > 1 ? lanes : count);
@@ -386,15 +433,80 @@ HWY_INLINE void RunVector(const C& call, size_t i, size_t count) {
   if constexpr (HasComplexRare<K, C>) UncommonNumbers(call, i, count);
 }
 
+// The group of whole vectors at element i that CommonNumbers has not taken, or would not take.
+template <class K, class C>
+HWY_INLINE void RunUncommonGroup([[maybe_unused]] const C& call, [[maybe_unused]] size_t i) {
+  if constexpr (HasComplexRare<K, C>) {
+    const size_t lanes = hn::Lanes(typename K::Tag());
+    for (size_t k = 0; k < K::kUnroll; ++k) {
+      UncommonNumbers(call, i + (kBackward<K> ? K::kUnroll - 1 - k : k) * lanes, lanes);
+    }
+  }
+}
+
 // The group of whole vectors at element i.
 template <class K, class C>
 HWY_INLINE void RunGroup(const C& call, size_t i) {
   const size_t lanes = hn::Lanes(typename K::Tag());
   if (CommonNumbers<K, K::kUnroll>(call, i, K::kUnroll * lanes)) [[likely]]
     return;
-  if constexpr (HasComplexRare<K, C>) {
-    for (size_t k = 0; k < K::kUnroll; ++k) {
-      UncommonNumbers(call, i + (kBackward<K> ? K::kUnroll - 1 - k : k) * lanes, lanes);
+  RunUncommonGroup<K>(call, i);
+}
+
+// The groups before element `end`, each begun before the one ahead of it is ended: what one waits
+// for is covered by the other, though a processor does not look so far ahead by itself.
+template <class K, class C>
+HWY_INLINE void RunBegun(const C& call, size_t end) {
+  static_assert(!kBackward<K>);
+  const typename K::Tag d;
+  constexpr size_t kVectors = K::kUnroll;
+  const size_t lanes = hn::Lanes(d), group = kVectors * lanes;
+  typename C::OperandA a[kVectors];
+  typename C::OperandB b[kVectors];
+  const auto common = [&](size_t i) HWY_ATTR {
+    for (size_t k = 0; k < kVectors; ++k) {
+      a[k] = call.a.Load(d, i + k * lanes);
+      b[k] = call.b.Load(d, i + k * lanes);
+    }
+    return !AnyNumberMayBeRare<K, C, kVectors>(a, b);
+  };
+  const auto finish = [&](size_t i, const auto& begun) HWY_ATTR {
+    typename C::Result r[kVectors];
+    K::End(d, begun, r);
+    for (size_t k = 0; k < kVectors; ++k) StoreNumbers(d, r[k], call.r, i + k * lanes, lanes);
+  };
+  for (size_t i = 0; i < end;) {
+    if (!common(i)) [[unlikely]] {
+      RunUncommonGroup<K>(call, i);
+      i += group;
+      continue;
+    }
+    auto begun = ComplexBegin<K, C>(a, b);
+    i += group;
+    if constexpr (HasComplexContinue<K, C>) {
+      if (i < end && common(i)) [[likely]] {
+        auto continued = K::Continue(d, begun);
+        begun = ComplexBegin<K, C>(a, b);
+        for (i += group; i < end; i += group) {
+          if (!common(i)) [[unlikely]]
+            break;
+          const auto next = ComplexBegin<K, C>(a, b);
+          finish(i - 2 * group, continued);
+          continued = K::Continue(d, begun);
+          begun = next;
+        }
+        finish(i - 2 * group, continued);
+      }
+      finish(i - group, K::Continue(d, begun));
+    } else {
+      for (; i < end; i += group) {
+        if (!common(i)) [[unlikely]]
+          break;
+        const auto next = ComplexBegin<K, C>(a, b);
+        finish(i - group, begun);
+        begun = next;
+      }
+      finish(i - group, begun);
     }
   }
 }
@@ -411,7 +523,11 @@ HWY_INLINE int RunComplex(int32_t n, const C& call) {
     }
     for (size_t i = groups; i > 0; i -= group) RunGroup<K>(call, i - group);
   } else {
-    for (size_t i = 0; i < groups; i += group) RunGroup<K>(call, i);
+    if constexpr (HasComplexBegin<K, C>) {
+      RunBegun<K>(call, groups);
+    } else {
+      for (size_t i = 0; i < groups; i += group) RunGroup<K>(call, i);
+    }
     for (size_t i = groups; i < end; i += lanes) RunVector<K>(call, i, HWY_MIN(lanes, end - i));
   }
   return 0;

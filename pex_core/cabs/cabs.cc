@@ -14,7 +14,7 @@ namespace pex::HWY_NAMESPACE {
 // one of them zero.
 struct cAbsKernel : ComplexKernel<float> {
   static constexpr bool kRealResult = true;
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : HWY_TARGET == HWY_AVX2 ? 2 : 3;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 3 : 2;
   static constexpr int32_t kLow = 0x26800000, kHigh = 0x5D7FFFFF;
   using Outside = Atan2Outside<float, kLow, kHigh>;
   template <class D, class V, size_t K>
@@ -34,9 +34,13 @@ struct cAbsKernel : ComplexKernel<float> {
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a) {
     return Outside::IsRare(d, a.im, a.re);
   }
-  template <class D, class V>
-  static HWY_INLINE void Main(D d, Complex<V> a, V& r) {
-    r = ModulusOf(d, SumOfSquares(d, MagnitudesOf(d, a)));
+  template <class D, class V, size_t K>
+  static HWY_INLINE BegunModuli<V, K> Begin(D d, const Complex<V> (&a)[K]) {
+    return BeginModuli(d, a);
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void End(D d, const BegunModuli<V, K>& begun, V (&r)[K]) {
+    EndModuli(d, begun, r);
   }
   static float Rare(Complex<float> a) { return cAbsScalar(a); }
 };

@@ -13,19 +13,22 @@ namespace pex::HWY_NAMESPACE {
 // or one of them zero.
 struct zAbsKernel : ComplexKernel<double> {
   static constexpr bool kRealResult = true;
-  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 3 : 2;
   using Outside = PartsOutside<0x26F00000, 0x5F2FFFFF>;
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> a) {
-    return Outside::MayBeAny(d, a.re, a.im);
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&a)[K]) {
+    return Outside::AnyOfGroup(d, a);
   }
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a) {
     return hn::Or(IsZero(d, a), Outside::Any(d, a.re, a.im));
   }
-  template <class D, class V>
-  static HWY_INLINE void Main(D d, Complex<V> a, V& r) {
-    r = ModulusOf(d, SumOfSquares(d, a));
+  template <class D, class V, size_t K>
+  static HWY_INLINE BegunModuli<V, K> Begin(D d, const Complex<V> (&a)[K]) {
+    return BeginModuli(d, a);
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void End(D d, const BegunModuli<V, K>& begun, V (&r)[K]) {
+    EndModuli(d, begun, r);
   }
   static double Rare(Complex<double> a) { return zAbsScalar(a); }
 };

@@ -32,21 +32,39 @@ HWY_INLINE V Quotient(D d, Reduced<V> n, Pair<V> m, V inverse) {
 // normal numbers, or zero; b is not zero.
 struct ExactDiv : ComplexKernel<double> {
   using Outside = PartsOutside<0x30F00000, 0x4EEFFFFF, 8>;
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> a, Complex<V> b) {
-    return Outside::MayBeAny(d, a.re, a.im, b.re, b.im);
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&a)[K], const Complex<V> (&b)[K]) {
+    return Outside::AnyOfGroup(d, a, b);
   }
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a, Complex<V> b) {
     return hn::Or(IsZero(d, b), Outside::Any(d, a.re, a.im, b.re, b.im));
   }
-  template <class D, class V>
-  static HWY_INLINE void Main(D d, Complex<V> a, Complex<V> b, Complex<V>& r) {
-    const ProductParts<V> n = ExactProduct<true>(d, a, b);
-    const Pair<V> m = SumOfSquares(d, b);
-    const V inverse = hn::Div(hn::Set(d, 1.0), m.hi);
-    r = {Quotient(d, Normalized(d, n.re), m, inverse),
-         Quotient(d, Normalized(d, n.im), m, inverse)};
+  // a conj(b), |b|^2 and the inverse of that.
+  template <class V, size_t K>
+  struct Begun {
+    Reduced<V> re[K], im[K];
+    Pair<V> m[K];
+    V inverse[K];
+  };
+  template <class D, class V, size_t K>
+  static HWY_INLINE Begun<V, K> Begin(D d, const Complex<V> (&a)[K], const Complex<V> (&b)[K]) {
+    Begun<V, K> begun;
+    for (size_t k = 0; k < K; ++k) {
+      begun.m[k] = SumOfSquares(d, b[k]);
+      begun.inverse[k] = hn::Div(hn::Set(d, 1.0), begun.m[k].hi);
+      const ProductParts<V> n = ExactProduct<true>(d, a[k], b[k]);
+      begun.re[k] = n.re;
+      begun.im[k] = n.im;
+    }
+    return begun;
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void End(D d, const Begun<V, K>& begun, Complex<V> (&r)[K]) {
+    for (size_t k = 0; k < K; ++k) {
+      r[k] = {Quotient(d, Normalized(d, begun.re[k]), begun.m[k], begun.inverse[k]),
+              Quotient(d, Normalized(d, begun.im[k]), begun.m[k], begun.inverse[k])};
+    }
   }
   static Complex<double> Rare(Complex<double> a, Complex<double> b) { return zDivScalar(a, b); }
 };

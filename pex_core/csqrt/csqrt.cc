@@ -57,56 +57,74 @@ HWY_INLINE V HalfInverse(D d, V s) {
 template <typename T>
 inline constexpr T kNothing = sizeof(T) == 8 ? T(0x1p-60) : T(0x1p-30);
 
-// The parts of roots without signs: m = sqrt((|x| + |z|)/2) and |y|/2m. |z|/2 comes from its square
-// in two parts and is itself in two parts, and so is m; m and |y|/2m are rounded once. kFar: a part
-// whose square counts for nothing is left out, for products of that square underflow.
+// m = sqrt((|x| + |z|)/2) and |y|/2m are the parts of the root without signs. |z|/2 comes from its
+// square in two parts and is itself in two parts, and so is m; m and |y|/2m are rounded once. Each
+// of the three steps ends with the square root that the next one waits for, or with the results.
+template <class V, size_t K>
+struct SteppedRoots {
+  Complex<V> half[K];  // z/2
+  Pair<V> square[K];   // |z|^2/4, then m^2
+  V root[K];           // of the leading part
+};
+
+// kFar: a part whose square counts for nothing is left out, for products of that square underflow.
 template <bool kFar, class D, class V, size_t K>
-HWY_INLINE void RootParts(D d, const Complex<V> (&z)[K], V (&major)[K], V (&minor)[K]) {
+HWY_INLINE SteppedRoots<V, K> BeginRoots(D d, const Complex<V> (&z)[K]) {
   using T = hn::TFromD<D>;
   const V half = hn::Set(d, T(0.5));
-  V y[K];
-  Pair<V> sum[K];
+  SteppedRoots<V, K> begun;
   for (size_t k = 0; k < K; ++k) {
-    const V x = hn::Mul(hn::Abs(z[k].re), half);
-    y[k] = hn::Mul(hn::Abs(z[k].im), half);
-    Complex<V> parts = {x, y[k]};
+    begun.half[k] = {hn::Mul(z[k].re, half), hn::Mul(z[k].im, half)};
+    Complex<V> parts = begun.half[k];
     if constexpr (kFar) {
-      const V more = hn::Max(x, y[k]), less = hn::Min(x, y[k]);
+      const V x = hn::Abs(parts.re), y = hn::Abs(parts.im);
+      const V more = hn::Max(x, y), less = hn::Min(x, y);
       const auto nothing = hn::Lt(less, hn::Mul(more, hn::Set(d, kNothing<T>)));
       parts = {more, hn::IfThenZeroElse(nothing, less)};
     }
-    const Pair<V> square = SumOfSquares(d, parts);
-    const V s = hn::Sqrt(square.hi);
+    begun.square[k] = SumOfSquares(d, parts);
+    begun.root[k] = hn::Sqrt(begun.square[k].hi);
+  }
+  return begun;
+}
+
+template <class D, class V, size_t K>
+HWY_INLINE SteppedRoots<V, K> ContinueRoots(D d, const SteppedRoots<V, K>& begun) {
+  SteppedRoots<V, K> continued;
+  for (size_t k = 0; k < K; ++k) {
+    const V s = begun.root[k];
+    const Pair<V> square = begun.square[k];
     const V rest = hn::Mul(hn::Add(Remainder(d, square.hi, s, s), square.lo), HalfInverse(d, s));
-    const Pair<V> t = FastTwoSum(s, x);
-    sum[k] = {t.hi, hn::Add(t.lo, rest)};
+    const Pair<V> t = FastTwoSum(s, hn::Abs(begun.half[k].re));
+    continued.half[k] = begun.half[k];
+    continued.square[k] = {t.hi, hn::Add(t.lo, rest)};
+    continued.root[k] = hn::Sqrt(t.hi);
   }
+  return continued;
+}
+
+template <class D, class V, size_t K>
+HWY_INLINE void EndRoots(D d, const SteppedRoots<V, K>& continued, Complex<V> (&r)[K]) {
+  using T = hn::TFromD<D>;
   for (size_t k = 0; k < K; ++k) {
-    const V s = hn::Sqrt(sum[k].hi);
+    const Complex<V> half = continued.half[k];
+    const Pair<V> square = continued.square[k];
+    const V s = continued.root[k], y = hn::Abs(half.im);
     const V inverse = hn::Div(hn::Set(d, T(1)), s);
-    const V rest =
-        hn::Mul(hn::Add(Remainder(d, sum[k].hi, s, s), sum[k].lo), hn::Mul(inverse, half));
-    const V q = hn::Mul(y[k], inverse);
-    const V q_rest = hn::Sub(Remainder(d, y[k], q, s), hn::Mul(q, rest));
-    major[k] = hn::Add(s, rest);
-    minor[k] = hn::Add(q, hn::Mul(q_rest, inverse));
+    const V rest = hn::Mul(hn::Add(Remainder(d, square.hi, s, s), square.lo),
+                           hn::Mul(inverse, hn::Set(d, T(0.5))));
+    const V q = hn::Mul(y, inverse);
+    const V q_rest = hn::Sub(Remainder(d, y, q, s), hn::Mul(q, rest));
+    const V major = hn::Add(s, rest), minor = hn::Add(q, hn::Mul(q_rest, inverse));
+    const auto left = hn::MaskFromVec(half.re);  // by the sign alone
+    r[k] = {hn::IfThenElse(left, minor, major),
+            hn::CopySignToAbs(hn::IfThenElse(left, major, minor), half.im)};
   }
 }
 
-template <bool kFar, class D, class V, size_t K>
-HWY_INLINE void Roots(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
-  V major[K], minor[K];
-  RootParts<kFar>(d, z, major, minor);
-  for (size_t k = 0; k < K; ++k) {
-    r[k] = {hn::IfNegativeThenElse(z[k].re, minor[k], major[k]),
-            hn::CopySignToAbs(hn::IfNegativeThenElse(z[k].re, major[k], minor[k]), z[k].im)};
-  }
-}
-
-template <typename T, int kLow, int kHigh, bool kFar = true>
+template <typename T, int kLow, int kHigh>
 struct SqrtInPairs : ComplexKernel<T> {
   using Range = PartRange<kLow, kHigh>;
-  static constexpr int kUnroll = HWY_TARGET != HWY_SSE4 && sizeof(T) == 8 ? 2 : 4;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> z) {
     return hn::Or(Range::AnyOutside(d, z.re), Range::AnyOutside(d, z.im));
@@ -116,27 +134,39 @@ struct SqrtInPairs : ComplexKernel<T> {
     return hn::Or(IsPoint(d, z, 0),
                   hn::Or(Range::LanesOutside(d, z.re), Range::LanesOutside(d, z.im)));
   }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
-    Roots<kFar>(d, z, r);
-  }
   static Complex<T> Rare(Complex<T> z) {
     return RoundedScalar<T, _pexcsqrt_scalar, double, double>(z.re, z.im);
   }
 };
 
+template <typename T, int kLow, int kHigh, bool kFar = true>
+struct SqrtInSteps : SqrtInPairs<T, kLow, kHigh> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE SteppedRoots<V, K> Begin(D d, const Complex<V> (&z)[K]) {
+    return BeginRoots<kFar>(d, z);
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE SteppedRoots<V, K> Continue(D d, const SteppedRoots<V, K>& begun) {
+    return ContinueRoots(d, begun);
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void End(D d, const SteppedRoots<V, K>& continued, Complex<V> (&r)[K]) {
+    EndRoots(d, continued, r);
+  }
+};
+
 // Of parts within these magnitudes all products are normal.
-struct DoubleSqrt : SqrtInPairs<double, -180, 180, false> {
-  using Wide = SqrtInPairs<double, -400, 400>;
+struct DoubleSqrt : SqrtInSteps<double, -180, 180, false> {
+  using Wide = SqrtInSteps<double, -400, 400>;
   using Outside = PartsOutside<(1023 - 180) << 20, ((1023 + 180) << 20) - 1, 8>;
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> z) {
-    return Outside::MayBeAny(d, z.re, z.im);
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&z)[K]) {
+    return Outside::AnyOfGroup(d, z);
   }
 };
 
 // Common lanes have exact squares; the others are computed in double precision.
-using SingleSqrtCommon = SqrtInPairs<float, -48, 60>;
+using SingleSqrtCommon = SqrtInSteps<float, -48, 60>;
 struct SingleSqrtWide : SqrtInPairs<float, -150, 128> {
   template <class D>
   static HWY_INLINE Complex<VecOf<D>> InDouble(D d, Complex<VecOf<D>> z) {
@@ -147,7 +177,7 @@ struct SingleSqrtWide : SqrtInPairs<float, -150, 128> {
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[1], Complex<V> (&r)[1]) {
     const auto beyond = SingleSqrtCommon::IsRare(d, z[0]);
     const Complex<V> in[1] = {Replace(d, beyond, z[0], 1)};
-    Roots<true>(d, in, r);
+    EndRoots(d, ContinueRoots(d, BeginRoots<true>(d, in)), r);
     const hn::Half<D> half;
     const auto low = InDouble(half, {hn::LowerHalf(half, z[0].re), hn::LowerHalf(half, z[0].im)});
     const auto high = InDouble(half, {hn::UpperHalf(half, z[0].re), hn::UpperHalf(half, z[0].im)});

@@ -115,7 +115,7 @@ struct Atan2InDouble {
   using Half = hn::Half<D>;
   using Wide = hn::Rebind<double, Half>;
   using W = VecOf<Wide>;
-  MaskOf<Wide> above[2], steep[2], negative[2];
+  MaskOf<Wide> above[2];
   W t[2], angle[2];
 
   HWY_INLINE void Reduce(V y, V x) {
@@ -126,11 +126,7 @@ struct Atan2InDouble {
     const auto larger = hn::Max(ax, ay), smaller = hn::Min(ax, ay);
     // By the patterns: the bound lies between 0.2577 and 0.2651.
     const auto near = hn::RebindMask(d, hn::Lt(hn::Sub(larger, smaller), SetBits(d, 0xF851EC)));
-    const auto beyond = hn::RebindMask(d, hn::Gt(ay, ax));
-    const auto minus = hn::RebindMask(d, hn::Lt(Bits(d, x), SetBits(d, 0)));
     above[0] = WideMask<false>(d, near), above[1] = WideMask<true>(d, near);
-    steep[0] = WideMask<false>(d, beyond), steep[1] = WideMask<true>(d, beyond);
-    negative[0] = WideMask<false>(d, minus), negative[1] = WideMask<true>(d, minus);
     const V l = FromBits(d, larger), s = FromBits(d, smaller);
     const W ls[] = {hn::PromoteTo(wide, hn::LowerHalf(half, l)),
                     hn::PromoteTo(wide, hn::UpperHalf(half, l))};
@@ -151,10 +147,14 @@ struct Atan2InDouble {
                          hn::IfThenElseZero(above[k], hn::Set(wide, 0x1.0657e94db30d0p-1)));
     }
   }
-  HWY_INLINE V Result(V y, V) const {
+  HWY_INLINE V Result(V y, V x) const {
     const D d;
     const Half half;
     const Wide wide;
+    const auto beyond = hn::RebindMask(d, hn::Gt(Bits(d, hn::Abs(y)), Bits(d, hn::Abs(x))));
+    const auto minus = hn::RebindMask(d, hn::Lt(Bits(d, x), SetBits(d, 0)));
+    const MaskOf<Wide> steep[] = {WideMask<false>(d, beyond), WideMask<true>(d, beyond)};
+    const MaskOf<Wide> negative[] = {WideMask<false>(d, minus), WideMask<true>(d, minus)};
     W r[2];
     for (size_t k = 0; k < 2; ++k) {
       const W acute = hn::IfThenElse(

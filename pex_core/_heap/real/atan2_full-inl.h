@@ -91,8 +91,9 @@ HWY_INLINE void FullAtan2(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
   for (size_t k = 0; k < K; ++k) {
     const V ay = hn::Abs(y[k]), ax = hn::Abs(x[k]);
 #if HWY_TARGET == HWY_AVX3
-    const V high = FromBits(d, hn::Max(Bits(d, ax), Bits(d, ay)));
-    const V low = FromBits(d, hn::Min(Bits(d, ax), Bits(d, ay)));
+    // Operands 10 and 11: the one of the smaller and of the larger magnitude, without sign.
+    const V high{_mm512_range_pd(x[k].raw, y[k].raw, 11)};
+    const V low{_mm512_range_pd(x[k].raw, y[k].raw, 10)};
 #else
     const V high = hn::Max(ax, ay), low = hn::Min(ax, ay);
 #endif
