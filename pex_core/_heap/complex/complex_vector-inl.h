@@ -5,8 +5,9 @@
 // precision have kernels of their own for common parts and take their ranges from here.
 //
 // A function F has Re and Im, the ranges of common parts; Scalar, the routine for one element;
-// Compute<N>(d, z), the result of common lanes in numbers N; and, where there is one, IsSingular, a
-// mask of one more rare argument, which has a part of zero.
+// Compute<N>(d, z), the result of common lanes in numbers N; where there is one, IsSingular, a mask
+// of one more rare argument, which has a part of zero; and perhaps Parts<N, D>, the computation in
+// three parts, for several vectors in turn (polynomial-inl.h).
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/complex/complex_entries.h"
@@ -14,6 +15,7 @@
 #include "pex_core/_heap/complex/complex_scalar.h"
 #include "pex_core/_kernel/complex-inl.h"
 #include "pex_core/_kernel/control.h"
+#include "pex_core/_kernel/polynomial-inl.h"
 
 #if defined(PEX_CORE__HEAP_COMPLEX_COMPLEX_VECTOR_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef PEX_CORE__HEAP_COMPLEX_COMPLEX_VECTOR_INL_H_
@@ -82,10 +84,16 @@ HWY_NOINLINE Complex<T> RoundedScalar(X... parts) {
   return rounded;
 }
 
+template <class F>
+concept HasParts = requires {
+  typename F::template Parts<double, hn::ScalableTag<double>>;
+};
+
 template <class F, typename Element>
 struct ElementaryKernel : ComplexKernel<Element, double> {
-  static constexpr int kUnroll = 3;
   using T = Element;
+  static constexpr bool kInTurn = sizeof(T) == 8 && HasParts<F>;
+  static constexpr int kUnroll = kInTurn ? 4 : 3;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> z) {
     return hn::Or(F::Re::AnyOutside(d, z.re), F::Im::AnyOutside(d, z.im));
@@ -98,6 +106,12 @@ struct ElementaryKernel : ComplexKernel<Element, double> {
     } else {
       return rare;
     }
+  }
+  template <class D, class V, size_t K>
+  requires kInTurn static HWY_INLINE void MainGroup(D, const Complex<V> (&z)[K],
+                                                    Complex<V> (&r)[K]) {
+    typename F::template Parts<Pair<V>, D> parts[K];
+    InTurn(parts, r, z);
   }
   template <class D, class V>
   static HWY_INLINE void Main(D d, Complex<V> z, Complex<V>& r) {
@@ -155,10 +169,29 @@ struct ComplexTanh {
   using Re = PartRange<-100, 7>;
   using Im = AngleRange;
   static constexpr auto Scalar = _pexctanh_scalar;
+  template <class N, class D>
+  struct Parts {
+    using V = VecOf<D>;
+    V im;
+    SinhCosh<N> h;
+    SineCosine<N> w;
+    HWY_INLINE void Reduce(Complex<V> z) {
+      im = z.im;
+      h = SinhCoshOf<N>(D(), z.re);
+    }
+    HWY_INLINE void Evaluate() { w = SinCosOf(D(), From<N>(D(), im)); }
+    HWY_INLINE Complex<V> Result(Complex<V> z) const { return Quotient<N>(D(), z, h, w); }
+  };
   template <class N, class D, class V = VecOf<D>>
   static HWY_INLINE Complex<V> Compute(D d, Complex<V> z) {
     const auto h = SinhCoshOf<N>(d, z.re);
     const auto w = SinCosOf(d, From<N>(d, z.im));
+    return Quotient<N>(d, z, h, w);
+  }
+
+  template <class N, class D, class V = VecOf<D>>
+  static HWY_INLINE Complex<V> Quotient(D d, Complex<V> z, const SinhCosh<N>& h,
+                                        const SineCosine<N>& w) {
     const SineCosine<N> v = {Normalized(d, w.sin), Normalized(d, w.cos)};
     const N square = Plus(d, Times(d, h.sinh, h.sinh), Times(d, v.cos, v.cos));
     const V inverse = InverseHead(d, square);
@@ -181,6 +214,17 @@ struct Rotated {
     return F::IsSingular(d, TimesI(d, z));
   }
   static constexpr auto Scalar = kScalar;
+  template <class N, class D>
+  requires HasParts<F>
+  struct Parts : F::template Parts<N, D> {
+    using Base = typename F::template Parts<N, D>;
+    using V = VecOf<D>;
+    HWY_INLINE void Reduce(Complex<V> z) { Base::Reduce(TimesI(D(), z)); }
+    HWY_INLINE Complex<V> Result(Complex<V> z) const {
+      const Complex<V> r = Base::Result(TimesI(D(), z));
+      return kTurnBack ? OverI(D(), r) : r;
+    }
+  };
   template <class N, class D, class V = VecOf<D>>
   static HWY_INLINE Complex<V> Compute(D d, Complex<V> z) {
     const Complex<V> r = F::template Compute<N>(d, TimesI(d, z));
