@@ -3,6 +3,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/cln/cln.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
+#include "pex_core/_heap/complex/complex_log-inl.h"
 #include "pex_core/_heap/complex/complex_single-inl.h"
 #include "pex_core/_heap/real/slog-inl.h"
 
@@ -42,43 +43,63 @@ struct SingleLnHA : ElementaryKernel<ComplexLn, float> {
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
     const hn::Rebind<double, hn::Half<D>> wide;
     using W = VecOf<decltype(wide)>;
-    W more[2 * K], less[2 * K], quarters[2 * K], size[2 * K], angle[2 * K];
+    W more[2 * K], less[2 * K], size[2 * K], angle[2 * K];
     for (size_t i = 0; i < K; ++i) {
       const BySize<V> part = SortedBySize(d, z[i]);
       const AngleTurn<V> turn = TurnOf(d, z[i]);
       WidenHalves(d, part.more, more[2 * i], more[2 * i + 1]);
       WidenHalves(d, hn::Xor(part.less, turn.sign), less[2 * i], less[2 * i + 1]);
-      WidenHalves(d, turn.quarters, quarters[2 * i], quarters[2 * i + 1]);
     }
     LogSquare(wide, more, less, size);
     Angle(wide, more, less, angle);
-    for (size_t i = 0; i < 2 * K; ++i) {
-      size[i] = hn::Mul(size[i], hn::Set(wide, 0.5));
-      angle[i] = hn::Add(hn::Mul(quarters[i], hn::Set(wide, 0x1.921fb54442d18p+0)), angle[i]);
-    }
     for (size_t i = 0; i < K; ++i) {
-      r[i] = {NarrowHalves(d, size[2 * i], size[2 * i + 1]),
-              hn::CopySignToAbs(NarrowHalves(d, angle[2 * i], angle[2 * i + 1]), z[i].im)};
+      W lower, upper;
+      HalfTurns(d, z[i], lower, upper);
+      const V turned =
+          NarrowHalves(d, hn::Add(lower, angle[2 * i]), hn::Add(upper, angle[2 * i + 1]));
+      const V log = NarrowHalves(d, size[2 * i], size[2 * i + 1]);
+      r[i] = {hn::Mul(log, hn::Set(d, 0.5f)), hn::CopySignToAbs(turned, z[i].im)};
     }
   }
 
  private:
+  // The quarters times pi/2, of the lower half of the lanes and of the upper one.
+  template <class D, class V, class W>
+  static HWY_INLINE void HalfTurns(D d, Complex<V> z, W& lower, W& upper) {
+    const hn::Rebind<double, hn::Half<D>> wide;
+    const W half_pi = hn::Set(wide, 0x1.921fb54442d18p+0);
+#if HWY_TARGET == HWY_AVX3
+    if constexpr (sizeof(V) == 64) {
+      const W pi = hn::Set(wide, 0x1.921fb54442d18p+1);
+      const uint16_t left = hn::MaskFromVec(z.re).raw;
+      const uint16_t steep = hn::Gt(Bits(d, hn::Abs(z.im)), Bits(d, hn::Abs(z.re))).raw;
+      const auto turns = [&](uint16_t from_left, uint16_t from_top) HWY_ATTR {
+        const W zero_or_pi{_mm512_maskz_mov_pd(static_cast<__mmask8>(from_left), pi.raw)};
+        return W{_mm512_mask_mov_pd(zero_or_pi.raw, static_cast<__mmask8>(from_top), half_pi.raw)};
+      };
+      lower = turns(left, steep);
+      upper = turns(left >> 8, steep >> 8);
+      return;
+    }
+#endif
+    WidenHalves(d, TurnOf(d, z).quarters, lower, upper);
+    lower = hn::Mul(lower, half_pi);
+    upper = hn::Mul(upper, half_pi);
+  }
+
   template <class W, size_t K, class D>
   static HWY_INLINE void LogSquare(D d, const W (&more)[K], const W (&less)[K], W (&size)[K]) {
-    const W near_one = hn::Set(d, 0x1p-20);
     W s[K];
     for (size_t i = 0; i < K; ++i) {
       s[i] = hn::Add(hn::Mul(more[i], more[i]), hn::Mul(less[i], less[i]));
     }
     Log(d, s, size);
-    W least = hn::Abs(size[0]);
-    for (size_t i = 1; i < K; ++i) least = hn::Min(least, hn::Abs(size[i]));
-    if (!hn::AllFalse(d, hn::Lt(least, near_one))) [[unlikely]] {
+    if (AnyWithin<OffOne>(d, s)) [[unlikely]] {
       for (size_t i = 0; i < K; ++i) {
         const W t =
             hn::Add(hn::Sub(hn::Mul(more[i], more[i]), hn::Set(d, 1.0)), hn::Mul(less[i], less[i]));
         const W near = hn::Sub(t, hn::Mul(hn::Mul(t, t), hn::Set(d, 0.5)));
-        size[i] = hn::IfThenElse(hn::Lt(hn::Abs(size[i]), near_one), near, size[i]);
+        size[i] = hn::IfThenElse(LanesBeyond<OffOne>(d, s[i]), size[i], near);
       }
     }
   }
