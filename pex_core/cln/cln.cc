@@ -38,7 +38,7 @@ HWY_INLINE AngleTurn<V> TurnOf(D d, Complex<V> z) {
 // to 1, what it is more than 1 is formed of the exact squares.
 struct SingleLnHA : ElementaryKernel<ComplexLn, float> {
   using Tag = ComplexKernel<float>::Tag;
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
+  static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
     const hn::Rebind<double, hn::Half<D>> wide;
@@ -126,7 +126,7 @@ struct SingleLnHA : ElementaryKernel<ComplexLn, float> {
     W t[K], square[K], p[K];
     for (size_t i = 0; i < K; ++i) t[i] = hn::Div(less[i], more[i]);
     for (size_t i = 0; i < K; ++i) square[i] = hn::Mul(t[i], t[i]);
-    Horner(d, square, kAtanUnitHA, p);
+    HornerInSteps(d, square, kAtanUnitHA, p);
     for (size_t i = 0; i < K; ++i) p[i] = hn::Add(hn::Mul(p[i], square[i]), hn::Set(d, 1.0));
     for (size_t i = 0; i < K; ++i) angle[i] = hn::Mul(t[i], p[i]);
   }
