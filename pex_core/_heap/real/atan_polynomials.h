@@ -62,11 +62,11 @@ inline constexpr double kAtanOctantEP[] = {
 
 // The same for |t| <= 1.
 
-// Error 2^-28.6875 of the whole.
+// Error 2^-31.375 of the whole.
 inline constexpr double kAtanUnitHA[] = {
-    -0x1.555540377e12cp-2, 0x1.9992766815a1bp-3, -0x1.2426f86630605p-3, 0x1.c0d284ccb3a56p-4,
-    -0x1.58dc701fd5517p-4, 0x1.dd0ebb9bbc9dp-5, -0x1.01af69d28d146p-5, 0x1.6a8f4f2aceec5p-7,
-    -0x1.defe462d244f2p-10};
+    -0x1.5555515fcfcf2p-2, 0x1.9997fd0e2b995p-3, -0x1.247503643e063p-3, 0x1.c50716ad076e4p-4,
+    -0x1.693865fd2daabp-4, 0x1.14df6a9a7279dp-4, -0x1.703400102ffaep-5, 0x1.74e89976f2698p-6,
+    -0x1.e674bc6887a97p-8, 0x1.2981a32dd8489p-10};
 
 // Error 2^-25.96875 of the whole.
 inline constexpr float kAtanUnitSingleLA[] = {
