@@ -50,7 +50,7 @@ HWY_INLINE void CdfNormScaled(D d, const V (&x)[K], V (&y)[K]) {
     // The sum ends in the number of the row.
     const V shifter = hn::Set(d, 0x1.8p45 + kCdfNormFirst / 128.0);
     const V sum = hn::Add(safe[k], shifter);
-    at[k] = Offsets(d, Bits(d, sum));
+    at[k].Set(d, Bits(d, sum));
     c[k] = hn::Sub(sum, shifter);
   }
   for (size_t k = 0; k < K; ++k) row[k] = LoadRows2(d, &kCdfNormRows[0].value, at[k]);

@@ -46,7 +46,7 @@ HWY_INLINE void ErfcReduce(D d, const V (&z)[K], const V (&rest)[K], ErfcReduced
   for (size_t k = 0; k < K; ++k) {
     const V shifter = hn::Set(d, 0x1.8p45);  // the sum ends in the number of 128ths
     const V sum = hn::Add(z[k], shifter);
-    at[k] = Offsets(d, Bits(d, sum));
+    at[k].Set(d, Bits(d, sum));
     c[k] = hn::Sub(sum, shifter);
   }
   for (size_t k = 0; k < K; ++k) {
