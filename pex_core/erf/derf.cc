@@ -79,7 +79,7 @@ HWY_INLINE void Split(D d, const V (&x)[K], V (&c)[K], V (&dx)[K], ErfRowNumbers
   EndStepOfFew(dx);
   for (size_t k = 0; k < K; ++k) c[k] = hn::Add(dx[k], shifter);
   EndStepOfFew(c);
-  for (size_t k = 0; k < K; ++k) row[k].Set(Bits(d, c[k]));
+  for (size_t k = 0; k < K; ++k) row[k].Set(d, Bits(d, c[k]));
   for (size_t k = 0; k < K; ++k) c[k] = hn::Sub(c[k], shifter);
   EndStepOfFew(c);
   for (size_t k = 0; k < K; ++k) dx[k] = hn::Sub(dx[k], c[k]);

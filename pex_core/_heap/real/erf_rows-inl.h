@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "hwy/highway.h"
 #include "pex_core/_kernel/bits-inl.h"
@@ -50,7 +51,7 @@ class RowOffsets {
 template <size_t kBytes, class D>
 class RowNumbers {
  public:
-  HWY_INLINE void Set(BitsOf<D> j) {
+  HWY_INLINE void Set(D, BitsOf<D> j) {
     hn::Store(j, hn::RebindToSigned<D>(), at_);
     asm("" : "+m"(at_));
   }
@@ -62,6 +63,11 @@ class RowNumbers {
  private:
   HWY_ALIGN int64_t at_[hn::MaxLanes(D())];
 };
+
+// What of the two takes less time where the arithmetic is long: with four lanes the numbers.
+template <size_t kBytes, class D>
+using RowPlaces =
+    std::conditional_t<HWY_TARGET == HWY_AVX2, RowNumbers<kBytes, D>, RowOffsets<kBytes, D>>;
 
 // Rows of two numbers.
 template <class V>
