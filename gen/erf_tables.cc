@@ -97,6 +97,48 @@ void Erf() {
   std::printf("\n};\n");
 }
 
+// What a value and a slope that are off by these contribute to the error next to c, in ulps of the
+// result, which can be in the binade below that of erf(c).
+double ErrorAround(double c, double value_rest, double slope_rest) {
+  double most = 0;
+  for (int i = -8; i <= 8; ++i) {
+    const double d = i * 0x1p-11, y = std::erf(c + d);
+    most = std::fmax(most, std::fabs(value_rest + d * slope_rest) / (std::nextafter(y, 2.0) - y));
+  }
+  return most;
+}
+
+void ErfPlain() {
+  std::printf("\nalignas(64) const ErfcRow kErfPlainRows[kErfRowCount] = {");
+  for (int j = 0; j < pex::kErfRowCount; ++j) {
+    const double c = j / 128.0;
+    At(c, false);
+    double rest_f, rest_s;
+    const double f = Round(value, &rest_f), s = Round(slope, &rest_s);
+    const double f_ulp = std::nextafter(f, INFINITY) - f, s_ulp = std::nextafter(s, INFINITY) - s;
+    double best_f = f, best_s = s, least = j == 0 ? 0 : ErrorAround(c, rest_f, rest_s);
+    for (int i = -1; i <= 1; ++i) {
+      for (int k = -2; k <= 2; ++k) {
+        const double error = ErrorAround(c, rest_f - i * f_ulp, rest_s - k * s_ulp);
+        if (error < least) least = error, best_f = f + i * f_ulp, best_s = s + k * s_ulp;
+      }
+    }
+    std::printf("%s{%a, %a},", j % 2 ? " " : "\n    ", best_f, best_s);
+  }
+  std::printf("\n};\n");
+}
+
+void ErfShort() {
+  std::printf("\nalignas(64) const ErfcRow kErfShortRows[kErfRowCount] = {");
+  for (int j = 0; j < pex::kErfRowCount; ++j) {
+    const double c = j / 128.0;
+    At(c, false);
+    const double s = mpfr_get_d(slope, MPFR_RNDN) * (1 + 0x1p-17 * c * c);
+    std::printf("%s{%a, %a},", j % 2 ? " " : "\n    ", mpfr_get_d(value, MPFR_RNDN), s);
+  }
+  std::printf("\n};\n");
+}
+
 // The upper words of two doubles.
 uint64_t Packed(double upper, double lower) {
   const auto top = [](double x) { return (std::bit_cast<uint64_t>(x) + 0x80000000u) >> 32; };
@@ -161,6 +203,8 @@ int main() {
       "//   gen_erf_tables > pex_core/_heap/real/erf_tables.cc\n"
       "#include \"pex_core/_heap/real/erf_tables.h\"\n\nnamespace pex {\n");
   Erf();
+  ErfPlain();
+  ErfShort();
   Erfc(false);
   Erfc(true);
   CdfNorm();

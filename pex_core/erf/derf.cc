@@ -23,10 +23,21 @@ HWY_INLINE V WithSign(D d, V y, V x) {
 
 constexpr double kTwoOverRootPi = 0x1.20dd750429b6dp+0, kTwoOverRootPiRest = 0x1.1ae3a914fed8p-56;
 
+// Zeros, numbers below 2^-256, whose powers can underflow, infinities and NaN, in one comparison. A
+// group with such a lane is computed one vector at a time.
+struct TinyOrLarge : RareOutside<double, 0x2FF00000, 0x7FEFFFFF> {
+  using Outside = RareOutside<double, 0x2FF00000, 0x7FEFFFFF>;
+  template <class D>
+  static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+    return Outside::Key(d, hn::Abs(x));
+  }
+};
+constexpr bool kErfTinyIsRare = HWY_TARGET != HWY_AVX3;
+
 struct dErfCommon : Kernel<double> {
   static constexpr int kUnroll = 6;
 #if HWY_TARGET != HWY_AVX3
-  using Rarity = NotOrdinaryOrZero<double>;
+  using Rarity = TinyOrLarge;
 #endif
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
@@ -35,38 +46,110 @@ struct dErfCommon : Kernel<double> {
   static HWY_INLINE int Rare(double x, double* r) { return dErfRare(x, r); }
 };
 
-// erf(c) + d (s + s g).
-template <class D, class V, size_t K>
-HWY_INLINE void Assemble(D d, const ErfReduced<D> (&u)[K], const V (&g)[K], const V (&x)[K],
-                         V (&out)[K]) {
-  for (size_t k = 0; k < K; ++k) {
-    const V slope = hn::Add(u[k].slope, hn::Mul(u[k].slope, g[k]));
-    out[k] = WithSign(d, hn::Add(u[k].value, hn::Mul(u[k].d, slope)), x[k]);
-  }
+// EP and LA take c = j/128 next to |x|, so that a row is erf(c) and s alone, and the sum of b_n d^n
+// in order of u = c d and v = d^2: A(u) + v B(u) + b v^2 + ..., A(u) = -u + 2/3 u^2 - 1/3 u^3 +
+// 2/15 u^4, B(u) = -1/3 + 1/2 u - 2/5 u^2, b = 1/10.
+template <class D>
+using ErfRowNumbers = RowNumbers<16, D>;
+
+// A step at a time where the registers are few and a computation waits for its own results.
+template <class V, size_t K>
+HWY_INLINE void EndStepOfFew([[maybe_unused]] V (&v)[K]) {
+#if HWY_TARGET == HWY_AVX2
+  EndStep(v);
+#endif
 }
 
-// The series to the square.
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void HornerOfFew(D d, const V (&x)[K], const double (&c)[N], V (&p)[K]) {
+#if HWY_TARGET == HWY_AVX2
+  HornerInSteps(d, x, c, p);
+#else
+  Horner(d, x, c, p);
+#endif
+}
+
+// For any x but infinities and NaN.
+template <class D, class V, size_t K>
+HWY_INLINE void Split(D d, const V (&x)[K], V (&c)[K], V (&dx)[K], ErfRowNumbers<D> (&row)[K]) {
+  const V shifter = hn::Set(d, 0x1.8p45);  // the sum ends in the number of 128ths
+  for (size_t k = 0; k < K; ++k) {
+    dx[k] = hn::Min(hn::Abs(x[k]), hn::Set(d, (kErfRowCount - 1) / 128.0));
+  }
+  EndStepOfFew(dx);
+  for (size_t k = 0; k < K; ++k) c[k] = hn::Add(dx[k], shifter);
+  EndStepOfFew(c);
+  for (size_t k = 0; k < K; ++k) row[k].Set(d, Bits(d, c[k]));
+  for (size_t k = 0; k < K; ++k) c[k] = hn::Sub(c[k], shifter);
+  EndStepOfFew(c);
+  for (size_t k = 0; k < K; ++k) dx[k] = hn::Sub(dx[k], c[k]);
+  EndStepOfFew(dx);
+}
+
+// d, or next to it a number whose powers do not underflow; d s is not made of it.
+template <size_t K, class D, class V>
+HWY_INLINE V Safe(D d, V dx) {
+  constexpr bool kFit = kErfTinyIsRare && K > 1;
+  return kFit ? dx : hn::Add(dx, hn::Set(d, 0x1p-300));
+}
+
+// erf(c) + d (s + s g).
+template <class D, class V, size_t K>
+HWY_INLINE void Assemble(D d, const ErfcRow* rows, const ErfRowNumbers<D> (&at)[K],
+                         const V (&dx)[K], const V (&g)[K], const V (&x)[K], V (&out)[K]) {
+  Row2<V> row[K];
+  V y[K];
+  for (size_t k = 0; k < K; ++k) row[k] = LoadRows2(d, &rows[0].value, at[k]);
+  for (size_t k = 0; k < K; ++k) y[k] = hn::Add(row[k].b, hn::Mul(row[k].b, g[k]));
+  EndStepOfFew(y);
+  for (size_t k = 0; k < K; ++k) y[k] = hn::Add(row[k].a, hn::Mul(dx[k], y[k]));
+  EndStepOfFew(y);
+  for (size_t k = 0; k < K; ++k) out[k] = WithSign(d, y[k], x[k]);
+}
+
+// g = -u - v/3: at least 27.5 correct bits.
 struct dErfEP : dErfCommon {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : HWY_TARGET == HWY_AVX2 ? 2 : 6;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    ErfReduced<D> u[K];
-    V g[K];
-    ErfReduce(d, x, u);
-    for (size_t k = 0; k < K; ++k) {
-      g[k] = hn::Mul(hn::Sub(hn::Mul(u[k].safe, u[k].q), u[k].c), u[k].safe);
-    }
-    Assemble(d, u, g, x, out);
+    ErfRowNumbers<D> row[K];
+    V c[K], dx[K], g[K];
+    Split(d, x, c, dx, row);
+    for (size_t k = 0; k < K; ++k) g[k] = hn::Mul(Safe<K>(d, dx[k]), hn::Set(d, -1.0 / 3));
+    EndStepOfFew(g);
+    for (size_t k = 0; k < K; ++k) g[k] = hn::Sub(g[k], c[k]);
+    EndStepOfFew(g);
+    for (size_t k = 0; k < K; ++k) g[k] = hn::Mul(g[k], Safe<K>(d, dx[k]));
+    EndStepOfFew(g);
+    Assemble(d, kErfShortRows, row, dx, g, x, out);
   }
 };
 
+// The series to the fourth power, economised: to within 2^-54 of the result.
 struct dErfLA : dErfCommon {
+  static constexpr double kA[] = {-0x1.ffffffffeacf6p-1, 0x1.5555555555555p-1,
+                                  -0x1.5554d1eafd8f3p-2, 0x1.1110de800bc54p-3};
+  static constexpr double kB[] = {-0x1.5555555555555p-2, 0x1.ffff3e7a892fbp-2,
+                                  -0x1.999962543ab78p-2};
+  static constexpr double kSquare = 0x1.999979c92a81p-4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    ErfReduced<D> u[K];
-    V g[K];
-    ErfReduce(d, x, u);
-    ErfSum<false>(d, u, g);
-    Assemble(d, u, g, x, out);
+    ErfRowNumbers<D> row[K];
+    V c[K], dx[K], u[K], v[K], a[K], b[K];
+    Split(d, x, c, dx, row);
+    for (size_t k = 0; k < K; ++k) u[k] = hn::Mul(c[k], Safe<K>(d, dx[k]));
+    EndStepOfFew(u);
+    for (size_t k = 0; k < K; ++k) v[k] = hn::Mul(Safe<K>(d, dx[k]), Safe<K>(d, dx[k]));
+    EndStepOfFew(v);
+    HornerOfFew(d, u, kA, a);
+    HornerOfFew(d, u, kB, b);
+    for (size_t k = 0; k < K; ++k) a[k] = hn::Mul(a[k], u[k]);
+    EndStepOfFew(a);
+    for (size_t k = 0; k < K; ++k) b[k] = hn::Add(b[k], hn::Mul(v[k], hn::Set(d, kSquare)));
+    EndStepOfFew(b);
+    for (size_t k = 0; k < K; ++k) a[k] = hn::Add(a[k], hn::Mul(b[k], v[k]));
+    EndStepOfFew(a);
+    Assemble(d, kErfPlainRows, row, dx, a, x, out);
   }
 };
 
@@ -96,7 +179,7 @@ struct dErfHA : Kernel<double> {
       z4[k] = hn::Mul(z2[k], z2[k]);
     }
     EvenOdd(d, z2, z4, kErfNear, p);
-    ErfSum<true>(d, u, g);
+    ErfSum(d, u, g);
     for (size_t k = 0; k < K; ++k) {
       const V t = hn::Mul(u[k].slope, u[k].safe);
       const V far = hn::Add(u[k].value, hn::Add(t, hn::Mul(t, g[k])));

@@ -81,7 +81,7 @@ struct sErfHA : sErfCommon<double> {
     W wide[K], g[K];
     for (size_t k = 0; k < K; ++k) wide[k] = hn::PromoteTo(dd, x[k]);
     ErfReduce(dd, wide, u);
-    ErfSum<true>(dd, u, g);
+    ErfSum(dd, u, g);
     for (size_t k = 0; k < K; ++k) {
       const W slope = hn::Add(u[k].slope, hn::Mul(u[k].slope, g[k]));
       const W y = hn::Add(u[k].value, hn::Mul(u[k].d, slope));

@@ -40,7 +40,7 @@ HWY_INLINE Pair<V> OverRootTwo(D d, V x) {
 // CdfNorm(x) 2^300 for x from -37.6 on, in EP, LA and, from -13 on, kShort within 2^-37.
 template <ErfcTier kTier, class D, class V, size_t K>
 HWY_INLINE void CdfNormScaled(D d, const V (&x)[K], V (&y)[K]) {
-  using Offsets = RowOffsets<sizeof(ErfcRow), D>;
+  using Offsets = RowPlaces<sizeof(ErfcRow), D>;
   V safe[K], c[K], w[K], w2[K], v[K], t[K];
   Row2<V> row[K];
   Offsets at[K];
@@ -50,7 +50,7 @@ HWY_INLINE void CdfNormScaled(D d, const V (&x)[K], V (&y)[K]) {
     // The sum ends in the number of the row.
     const V shifter = hn::Set(d, 0x1.8p45 + kCdfNormFirst / 128.0);
     const V sum = hn::Add(safe[k], shifter);
-    at[k] = Offsets(d, Bits(d, sum));
+    at[k].Set(d, Bits(d, sum));
     c[k] = hn::Sub(sum, shifter);
   }
   for (size_t k = 0; k < K; ++k) row[k] = LoadRows2(d, &kCdfNormRows[0].value, at[k]);

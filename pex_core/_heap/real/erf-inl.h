@@ -82,35 +82,28 @@ HWY_INLINE void ErfReduce(D d, const V (&x)[K], ErfReduced<D> (&u)[K]) {
   }
 }
 
-// Coefficients of g in q: b_3/c and b_4. In kErfSeriesLA they make up for the missing b_5 and b_6
-// by c (v (b_3/c) - 1 - kLess).
+// Coefficients of g in q: b_3/c and b_4, which has a part of the missing b_6.
 struct ErfSeries {
-  double b3[2], b4[3], less;
+  double b3[2], b4[3];
 };
-inline constexpr ErfSeries kErfTaylor = {{1.0 / 3, -0.5}, {-1.0 / 15 - 4e-7, -0.4, 0.3}, -1};
-inline constexpr ErfSeries kErfEconomised = {
-    {0x1.5554d5850a682p-2, -0x1.ffff3ae07c56cp-2},
-    {-0x1.1110db9f450b6p-4, -0x1.99996c9e4f3f5p-2, 0x1.3332fa500d3dfp-2},
-    -0x1.ffffffffeacf6p-1};
+inline constexpr ErfSeries kErfTaylor = {{1.0 / 3, -0.5}, {-1.0 / 15 - 4e-7, -0.4, 0.3}};
 
-// g to within 2^-57 or, by the economised coefficients, 2^-54 of the result.
-template <bool kFull, class D, class V, size_t K>
+// g to within 2^-57 of the result.
+template <class D, class V, size_t K>
 HWY_INLINE void ErfSum(D d, const ErfReduced<D> (&u)[K], V (&g)[K]) {
   const auto s = [d](double x) HWY_ATTR { return hn::Set(d, x); };
-  constexpr const ErfSeries& t = kFull ? kErfTaylor : kErfEconomised;
+  constexpr const ErfSeries& t = kErfTaylor;
   V v[K], b3[K], b4[K];
   for (size_t k = 0; k < K; ++k) v[k] = hn::Mul(u[k].safe, u[k].safe);
   for (size_t k = 0; k < K; ++k) b4[k] = hn::Add(hn::Mul(u[k].q, s(t.b4[2])), s(t.b4[1]));
   for (size_t k = 0; k < K; ++k) b3[k] = hn::Add(hn::Mul(u[k].q, s(t.b3[1])), s(t.b3[0]));
   for (size_t k = 0; k < K; ++k) b4[k] = hn::Add(hn::Mul(b4[k], u[k].q), s(t.b4[0]));
-  if constexpr (kFull) {
-    for (size_t k = 0; k < K; ++k) {
-      const V b5 = hn::Mul(hn::Add(b4[k], hn::Mul(b3[k], s(0.8))), s(-1.0 / 3));
-      b3[k] = hn::Add(b3[k], hn::Mul(v[k], b5));
-    }
+  for (size_t k = 0; k < K; ++k) {
+    const V b5 = hn::Mul(hn::Add(b4[k], hn::Mul(b3[k], s(0.8))), s(-1.0 / 3));
+    b3[k] = hn::Add(b3[k], hn::Mul(v[k], b5));
   }
   for (size_t k = 0; k < K; ++k) {
-    b3[k] = hn::Add(hn::Mul(b3[k], v[k]), s(t.less));
+    b3[k] = hn::Add(hn::Mul(b3[k], v[k]), s(-1));
     b4[k] = hn::Mul(hn::Add(hn::Mul(b4[k], v[k]), u[k].q), u[k].safe);
   }
   for (size_t k = 0; k < K; ++k) {

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "hwy/highway.h"
 #include "pex_core/_kernel/bits-inl.h"
@@ -46,14 +47,36 @@ class RowOffsets {
   HWY_ALIGN int64_t at_[hn::MaxLanes(D())];
 };
 
+// The same with the numbers taken out of the lanes one by one.
+template <size_t kBytes, class D>
+class RowNumbers {
+ public:
+  HWY_INLINE void Set(D, BitsOf<D> j) {
+    hn::Store(j, hn::RebindToSigned<D>(), at_);
+    asm("" : "+m"(at_));
+  }
+  HWY_INLINE const double* Of(const double* table, size_t lane) const {
+    const size_t j = static_cast<uint16_t>(at_[lane]);
+    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(table) + kBytes * j);
+  }
+
+ private:
+  HWY_ALIGN int64_t at_[hn::MaxLanes(D())];
+};
+
+// What of the two takes less time where the arithmetic is long: with four lanes the numbers.
+template <size_t kBytes, class D>
+using RowPlaces =
+    std::conditional_t<HWY_TARGET == HWY_AVX2, RowNumbers<kBytes, D>, RowOffsets<kBytes, D>>;
+
 // Rows of two numbers.
 template <class V>
 struct Row2 {
   V a, b;
 };
 
-template <class D>
-HWY_INLINE Row2<VecOf<D>> LoadRows2(D, const double* rows, const RowOffsets<16, D>& j) {
+template <class D, class Offsets>
+HWY_INLINE Row2<VecOf<D>> LoadRows2(D, const double* rows, const Offsets& j) {
   using V = VecOf<D>;
   const auto row = [&](size_t lane) HWY_ATTR { return _mm_load_pd(j.Of(rows, lane)); };
 #if HWY_TARGET == HWY_AVX3

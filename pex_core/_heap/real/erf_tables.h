@@ -17,10 +17,20 @@ struct ErfRow {
 inline constexpr int kErfRowCount = 761;
 extern const ErfRow kErfRows[kErfRowCount];
 
-// Row j: erfc(c) and the slope 2/sqrt(pi) e^(-c^2) at c = j/128, times 2^kErfcScale.
+// Rows of a function and its slope alone.
 struct ErfcRow {
   double value, slope;
 };
+
+// Row j: erf(c) and the slope 2/sqrt(pi) e^(-c^2) at c = j/128, each rounded so that their errors
+// together are least within 1/256 of c.
+extern const ErfcRow kErfPlainRows[kErfRowCount];
+
+// The same for the series without the cube's part 2/3 c^2 d^3, |d| <= h = 1/256: that is 1/2 c^2
+// h^2 d and at most 1/6 c^2 h^3, and the slope has the former.
+extern const ErfcRow kErfShortRows[kErfRowCount];
+
+// Row j: erfc(c) and the slope at c = j/128, times 2^kErfcScale.
 inline constexpr int kErfcScale = 300;
 inline constexpr int kErfcRowCount = 3490;
 extern const ErfcRow kErfcRows[kErfcRowCount];

@@ -6,6 +6,8 @@
 // function of w. The argument may be a sum z + rest: a quotient by sqrt(2), say. The
 // table is scaled by 2^300, so that nothing underflows on the way.
 
+#include <type_traits>
+
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/erf_polynomials.h"
 #include "pex_core/_heap/real/erf_rows-inl.h"
@@ -40,13 +42,19 @@ struct ErfcReduced {
 template <ErfcTier kTier, bool kSum, class D, class V, size_t K>
 HWY_INLINE void ErfcReduce(D d, const V (&z)[K], const V (&rest)[K], ErfcReduced<D> (&u)[K]) {
   static_assert(!(kSum && kTier == ErfcTier::kHA));
-  using Offsets = RowOffsets<sizeof(ErfcRow), D>;
+  constexpr size_t kRow = sizeof(ErfcRow);
+  using Offsets =
+      std::conditional_t<kTier == ErfcTier::kHA, RowOffsets<kRow, D>, RowPlaces<kRow, D>>;
   V c[K];
   Offsets at[K];
   for (size_t k = 0; k < K; ++k) {
     const V shifter = hn::Set(d, 0x1.8p45);  // the sum ends in the number of 128ths
     const V sum = hn::Add(z[k], shifter);
-    at[k] = Offsets(d, Bits(d, sum));
+    if constexpr (kTier == ErfcTier::kHA && HWY_TARGET != HWY_AVX3) {
+      at[k] = Offsets(d, Bits(d, sum));  // the copies take less time here than waiting for stores
+    } else {
+      at[k].Set(d, Bits(d, sum));
+    }
     c[k] = hn::Sub(sum, shifter);
   }
   for (size_t k = 0; k < K; ++k) {
