@@ -67,11 +67,16 @@ template <class D, typename T = hn::TFromD<D>>
 HWY_INLINE VecOf<D> LoadFirst(D d, const T* HWY_RESTRICT from, size_t count, T fill) {
 #if HWY_TARGET == HWY_SSE4  // its masked load reads the whole vector
   (void)d;
+  // The array may be at any address.
+  const auto at = [from](size_t i) HWY_ATTR {
+    T x;
+    hwy::CopyBytes<sizeof(T)>(from + i, &x);
+    return x;
+  };
   if constexpr (sizeof(T) == 8) {
-    return VecOf<D>{_mm_set_pd(fill, from[0])};
+    return VecOf<D>{_mm_set_pd(fill, at(0))};
   } else {
-    return VecOf<D>{
-        _mm_set_ps(fill, count > 2 ? from[2] : fill, count > 1 ? from[1] : fill, from[0])};
+    return VecOf<D>{_mm_set_ps(fill, count > 2 ? at(2) : fill, count > 1 ? at(1) : fill, at(0))};
   }
 #else
   const auto mask = hn::FirstN(d, count);

@@ -192,6 +192,7 @@ TYPED_TEST(Continuous, TransformsNothingAfterAnError) {
     T r = 0.25;
     EXPECT_EQ(Draw({name}, 0, &none, 1, &r), QUO_INVALID_BRNG);
     EXPECT_EQ(r, T(0.25));
+    __quoDeleteChunks(&none);
   }
 }
 

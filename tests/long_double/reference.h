@@ -50,6 +50,7 @@ class Real {
 // start.
 inline double UlpError(long double got, Real& want) {
   static Real difference(200);
+  if (mpfr_nan_p(want.get())) return std::isnan(got) ? 0 : HUGE_VAL;
   if (mpfr_inf_p(want.get())) return got == mpfr_get_ld(want.get(), MPFR_RNDN) ? 0 : HUGE_VAL;
   mpfr_exp_t exponent = mpfr_zero_p(want.get()) ? -20000 : mpfr_get_exp(want.get()) - 64;
   if (exponent < -16445) exponent = -16445;

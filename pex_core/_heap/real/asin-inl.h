@@ -169,7 +169,7 @@ HWY_INLINE void SpreadEvenOdd(D d, const V (&x)[K], const V (&x2)[K], V (&p)[K])
 }
 
 // Both functions by plain sums, for kVectors vectors: below 2 ulp with the coefficients of LA (Asin
-// 1.79 seen, single 1.75, Acos 1.18 and 1.86). Result() has acos(|x|) for large x, -asin(|x|) for
+// 1.80 seen, single 1.75, Acos 1.20 and 1.89). Result() has acos(|x|) for large x, -asin(|x|) for
 // others.
 template <auto& c, AsinDomain kDomain, class D, size_t kVectors>
 struct PlainAsinPart {
