@@ -140,35 +140,10 @@ struct ComplexExp {
   static constexpr auto Scalar = _pexcexpl_scalar;
 };
 
-struct ComplexCosh {
-  using Re = ExponentRange;
+// Functions of sinh and cosh of x, sin and cos of y: F::Joined takes them together.
+template <class F>
+struct Hyperbolic {
   using Im = AngleRange;
-  static constexpr auto Scalar = _pexccosh_scalar;
-  template <class N, class D, class V = VecOf<D>>
-  static HWY_INLINE Complex<V> Compute(D d, Complex<V> z) {
-    const auto h = SinhCoshOf<N>(d, z.re);
-    const auto v = SinCosOf(d, From<N>(d, z.im));
-    return {Product(d, h.cosh, v.cos), Product(d, h.sinh, v.sin)};
-  }
-};
-
-struct ComplexSinh {
-  using Re = ExponentRange;
-  using Im = AngleRange;
-  static constexpr auto Scalar = _pexcsinh_scalar;
-  template <class N, class D, class V = VecOf<D>>
-  static HWY_INLINE Complex<V> Compute(D d, Complex<V> z) {
-    const auto h = SinhCoshOf<N>(d, z.re);
-    const auto v = SinCosOf(d, From<N>(d, z.im));
-    return {Product(d, h.sinh, v.cos), Product(d, h.cosh, v.sin)};
-  }
-};
-
-// (sinh x cosh x + i sin y cos y)/(sinh^2 x + cos^2 y).
-struct ComplexTanh {
-  using Re = PartRange<-100, 7>;
-  using Im = AngleRange;
-  static constexpr auto Scalar = _pexctanh_scalar;
   template <class N, class D>
   struct Parts {
     using V = VecOf<D>;
@@ -180,18 +155,44 @@ struct ComplexTanh {
       h = SinhCoshOf<N>(D(), z.re);
     }
     HWY_INLINE void Evaluate() { w = SinCosOf(D(), From<N>(D(), im)); }
-    HWY_INLINE Complex<V> Result(Complex<V> z) const { return Quotient<N>(D(), z, h, w); }
+    HWY_INLINE Complex<V> Result(Complex<V> z) const { return F::template Joined<N>(D(), z, h, w); }
   };
   template <class N, class D, class V = VecOf<D>>
-  static HWY_INLINE Complex<V> Compute(D d, Complex<V> z) {
-    const auto h = SinhCoshOf<N>(d, z.re);
-    const auto w = SinCosOf(d, From<N>(d, z.im));
-    return Quotient<N>(d, z, h, w);
+  static HWY_INLINE Complex<V> Compute(D, Complex<V> z) {
+    Parts<N, D> parts;
+    parts.Reduce(z);
+    parts.Evaluate();
+    return parts.Result(z);
   }
+};
 
+struct ComplexCosh : Hyperbolic<ComplexCosh> {
+  using Re = ExponentRange;
+  static constexpr auto Scalar = _pexccosh_scalar;
   template <class N, class D, class V = VecOf<D>>
-  static HWY_INLINE Complex<V> Quotient(D d, Complex<V> z, const SinhCosh<N>& h,
-                                        const SineCosine<N>& w) {
+  static HWY_INLINE Complex<V> Joined(D d, Complex<V>, const SinhCosh<N>& h,
+                                      const SineCosine<N>& w) {
+    return {Product(d, h.cosh, w.cos), Product(d, h.sinh, w.sin)};
+  }
+};
+
+struct ComplexSinh : Hyperbolic<ComplexSinh> {
+  using Re = ExponentRange;
+  static constexpr auto Scalar = _pexcsinh_scalar;
+  template <class N, class D, class V = VecOf<D>>
+  static HWY_INLINE Complex<V> Joined(D d, Complex<V>, const SinhCosh<N>& h,
+                                      const SineCosine<N>& w) {
+    return {Product(d, h.sinh, w.cos), Product(d, h.cosh, w.sin)};
+  }
+};
+
+// (sinh x cosh x + i sin y cos y)/(sinh^2 x + cos^2 y).
+struct ComplexTanh : Hyperbolic<ComplexTanh> {
+  using Re = PartRange<-100, 7>;
+  static constexpr auto Scalar = _pexctanh_scalar;
+  template <class N, class D, class V = VecOf<D>>
+  static HWY_INLINE Complex<V> Joined(D d, Complex<V> z, const SinhCosh<N>& h,
+                                      const SineCosine<N>& w) {
     const SineCosine<N> v = {Normalized(d, w.sin), Normalized(d, w.cos)};
     const N square = Plus(d, Times(d, h.sinh, h.sinh), Times(d, v.cos, v.cos));
     const V inverse = InverseHead(d, square);
