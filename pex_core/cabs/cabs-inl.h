@@ -16,8 +16,9 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// The magnitudes of the parts of common numbers, ordered; those of floats by their bits, where a
-// NaN raises no flag.
+// The parts of common numbers, ordered by magnitude; of floats without raising a flag, a NaN too.
+// On AVX-512 the smaller one of floats keeps some sign, and a NaN beside a number is the smaller
+// one.
 template <class V>
 struct Magnitudes {
   V larger, smaller;
@@ -25,8 +26,14 @@ struct Magnitudes {
 template <class D, class V>
 HWY_INLINE Magnitudes<V> MagnitudesOf(D d, Complex<V> a) {
   if constexpr (sizeof(hn::TFromD<D>) == 4) {
+#if HWY_TARGET == HWY_AVX3
+    // Operand 11: the one of the larger magnitude, without sign.
+    const V larger = {_mm512_range_round_ps(a.re.raw, a.im.raw, 11, _MM_FROUND_NO_EXC)};
+    return {larger, hn::Xor3(a.re, a.im, larger)};
+#else
     const auto re = Bits(d, hn::Abs(a.re)), im = Bits(d, hn::Abs(a.im));
     return {FromBits(d, hn::Max(re, im)), FromBits(d, hn::Min(re, im))};
+#endif
   } else {
 #if HWY_TARGET == HWY_AVX3
     // Operands 10 and 11: the one of the smaller and of the larger magnitude, without sign.
@@ -38,13 +45,36 @@ HWY_INLINE Magnitudes<V> MagnitudesOf(D d, Complex<V> a) {
   }
 }
 
+// The rounded squares of both parts and their sum; of floats on AVX-512 without raising a flag.
+template <class V>
+struct Squares {
+  V larger, smaller, sum;
+};
+template <class D, class V>
+HWY_INLINE Squares<V> SquaresOf(D, Magnitudes<V> a) {
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(hn::TFromD<D>) == 4) {
+    constexpr int kQuiet = _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC;
+    const auto p = _mm512_mul_round_ps(a.larger.raw, a.larger.raw, kQuiet);
+    const auto q = _mm512_mul_round_ps(a.smaller.raw, a.smaller.raw, kQuiet);
+    return {V{p}, V{q}, V{_mm512_add_round_ps(p, q, kQuiet)}};
+  }
+#endif
+  const V p = hn::Mul(a.larger, a.larger), q = hn::Mul(a.smaller, a.smaller);
+  return {p, q, hn::Add(p, q)};
+}
+
 // The sum of the squares in two parts; the relative error is below 2^-104, for floats 2^-46.
 template <class D, class V>
 HWY_INLINE Pair<V> SumOfSquares(D d, Magnitudes<V> a) {
-  const V p = hn::Mul(a.larger, a.larger), q = hn::Mul(a.smaller, a.smaller);
-  const V s = hn::Add(p, q);
+  const Squares<V> squares = SquaresOf(d, a);
+  const V p = squares.larger, s = squares.sum;
   const V rest = ProductLess(d, a.smaller, a.smaller, hn::Sub(s, p));
+#if HWY_TARGET == HWY_SSE4
   return {s, hn::Add(rest, TwoProduct(d, a.larger, a.larger).lo)};
+#else
+  return {s, hn::Add(rest, ProductLess(d, a.larger, a.larger, p))};
+#endif
 }
 
 // Moduli up to their rounded roots, from where their last bits are found.

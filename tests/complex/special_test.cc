@@ -139,6 +139,37 @@ TEST(Special, Abs) {
   for (const Case& c : cases) Expect(c);
 }
 
+// A signalling NaN in single precision among ordinary numbers: the invalid flag, and no sign.
+TEST(Special, AbsOfSignallingNaN) {
+  constexpr float kFloatInf = std::numeric_limits<float>::infinity();
+  constexpr uint32_t kSign = 0x80000000, kSignalling = 0x7F800001, kQuieted = 0x7FC00001;
+  for (const Level& level : kLevels) {
+    if (!ProcessorHas(level)) continue;
+    const UseLevel use(level);
+    for (const uint32_t bits : {kSignalling, kSignalling | kSign}) {
+      for (const float other : {1.0f, -1.0f, kFloatInf, -kFloatInf}) {
+        for (const bool swapped : {false, true}) {
+          for (const size_t place : {0, 40, 99}) {
+            const auto nan = std::bit_cast<float>(bits);
+            std::vector<PexComplex8> x(100, {3, 4});
+            std::vector<float> r(x.size());
+            x[place] = swapped ? PexComplex8{other, nan} : PexComplex8{nan, other};
+            UseControl scope(kDefaultControl);
+            _pexcAbs_HA(static_cast<int32_t>(x.size()), x.data(), r.data());
+            scope.Finish();
+            SCOPED_TRACE(testing::Message() << level.name << ", " << std::hex << bits << " and "
+                                            << other << " at " << std::dec << place);
+            EXPECT_EQ(std::bit_cast<uint32_t>(r[place]),
+                      std::bit_cast<uint32_t>(std::isinf(other) ? kFloatInf
+                                                                : std::bit_cast<float>(kQuieted)));
+            EXPECT_EQ(scope.flags() & ~uint32_t{kInexact | kDenormal}, kInvalid);
+          }
+        }
+      }
+    }
+  }
+}
+
 TEST(Special, Arg) {
   const Case cases[] = {
       {EVERY("Arg"), {0, 0}, {}, {0}},
