@@ -156,6 +156,15 @@ struct RareOutside {
   }
 };
 
+// Rare by |x|.
+template <class Outside>
+struct RareByMagnitude : Outside {
+  template <class D>
+  static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+    return Outside::Key(d, hn::Abs(x));
+  }
+};
+
 // The larger of two keys; of doubles' keys at least its high word.
 template <class D>
 HWY_INLINE BitsOf<D> JoinKeys(D d, BitsOf<D> a, BitsOf<D> b) {

@@ -34,21 +34,19 @@ HWY_INLINE void Horner(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&p)
   }
 }
 
-// Ends a step of several vectors' computation: they are computed here. Left alone, GCC puts the
-// steps of one vector behind one another again, and each waits for the one before it.
-template <class V, size_t K>
-HWY_INLINE void EndStep([[maybe_unused]] V (&v)[K]) {
-#if HWY_TARGET != HWY_SSE4
-  for (size_t k = 0; K > 1 && k < K; ++k) asm volatile("" : "+v"(v[k].raw));
-#endif
-}
-
 // Ends a part of one or several vectors' computation.
 template <class V, size_t K>
 HWY_INLINE void EndPart([[maybe_unused]] V (&v)[K]) {
 #if HWY_TARGET != HWY_SSE4
   for (size_t k = 0; k < K; ++k) asm volatile("" : "+v"(v[k].raw));
 #endif
+}
+
+// Ends a step of several vectors' computation: they are computed here. Left alone, GCC puts the
+// steps of one vector behind one another again, and each waits for the one before it.
+template <class V, size_t K>
+HWY_INLINE void EndStep(V (&v)[K]) {
+  if constexpr (K > 1) EndPart(v);
 }
 
 // Horner's scheme in steps.

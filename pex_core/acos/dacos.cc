@@ -12,8 +12,8 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdAcos";
 
-template <AsinDomain kDomain>
-struct dAcosCommon : AsinGroups<double> {
+template <AsinDomain kDomain, class Groups = AsinGroups<double>>
+struct dAcosCommon : Groups {
   using Rarity = AsinRarity<double, kDomain>;
   static HWY_INLINE int Rare(double x, double* r) { return AsinRare(x, r); }
 };
@@ -37,9 +37,7 @@ struct dAcosForLA : dAcosCommon<kDomain> {
 using dAcosLA = AsinKernel<dAcosForLA>;
 
 template <AsinDomain kDomain>
-struct dAcosForHA : dAcosCommon<kDomain> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;
-  static constexpr int kRestUnroll = kUnroll;
+struct dAcosForHA : dAcosCommon<kDomain, Kernel<double>> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     FullAcos<kDomain>(d, x, r);

@@ -12,8 +12,8 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdAsin";
 
-template <AsinDomain kDomain>
-struct dAsinCommon : AsinGroups<double> {
+template <AsinDomain kDomain, class Groups = AsinGroups<double>>
+struct dAsinCommon : Groups {
   using Rarity = AsinRarity<double, kDomain>;
   static HWY_INLINE int Rare(double x, double* r) { return AsinRare(x, r); }
 };
@@ -37,9 +37,7 @@ struct dAsinForLA : dAsinCommon<kDomain> {
 using dAsinLA = AsinKernel<dAsinForLA>;
 
 template <AsinDomain kDomain>
-struct dAsinForHA : dAsinCommon<kDomain> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;
-  static constexpr int kRestUnroll = kUnroll;
+struct dAsinForHA : dAsinCommon<kDomain, Kernel<double>> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     FullAsin<kDomain>(d, x, r);

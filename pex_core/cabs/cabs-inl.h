@@ -82,28 +82,32 @@ template <class V, size_t K>
 struct BegunModuli {
   V square[K], rest[K], root[K];
 };
-template <class D, class V, size_t K>
-HWY_INLINE BegunModuli<V, K> BeginModuli(D d, const Complex<V> (&a)[K]) {
-  BegunModuli<V, K> begun;
-  for (size_t k = 0; k < K; ++k) {
-    const Pair<V> square = SumOfSquares(d, MagnitudesOf(d, a[k]));
-    begun.square[k] = square.hi;
-    begun.rest[k] = square.lo;
-    begun.root[k] = hn::Sqrt(square.hi);
+template <typename T>
+struct ModulusKernel : ComplexKernel<T> {
+  static constexpr bool kRealResult = true;
+  template <class D, class V, size_t K>
+  static HWY_INLINE BegunModuli<V, K> Begin(D d, const Complex<V> (&a)[K]) {
+    BegunModuli<V, K> begun;
+    for (size_t k = 0; k < K; ++k) {
+      const Pair<V> square = SumOfSquares(d, MagnitudesOf(d, a[k]));
+      begun.square[k] = square.hi;
+      begun.rest[k] = square.lo;
+      begun.root[k] = hn::Sqrt(square.hi);
+    }
+    return begun;
   }
-  return begun;
-}
-template <class D, class V, size_t K>
-HWY_INLINE void EndModuli(D d, const BegunModuli<V, K>& begun, V (&r)[K]) {
-  using C = RootConstants<hn::TFromD<D>>;
-  for (size_t k = 0; k < K; ++k) {
-    const V s = begun.root[k];
-    const V z = FromBits(d, hn::Sub(SetBits(d, C::kInverse), Bits(d, s)));
-    const V half_inverse = hn::Mul(z, hn::Sub(hn::Set(d, C::kInverseSum), hn::Mul(s, z)));
-    const V remainder = hn::Add(Remainder(d, begun.square[k], s, s), begun.rest[k]);
-    r[k] = hn::Add(s, hn::Mul(remainder, half_inverse));
+  template <class D, class V, size_t K>
+  static HWY_INLINE void End(D d, const BegunModuli<V, K>& begun, V (&r)[K]) {
+    using C = RootConstants<T>;
+    for (size_t k = 0; k < K; ++k) {
+      const V s = begun.root[k];
+      const V z = FromBits(d, hn::Sub(SetBits(d, C::kInverse), Bits(d, s)));
+      const V half_inverse = hn::Mul(z, hn::Sub(hn::Set(d, C::kInverseSum), hn::Mul(s, z)));
+      const V remainder = hn::Add(Remainder(d, begun.square[k], s, s), begun.rest[k]);
+      r[k] = hn::Add(s, hn::Mul(remainder, half_inverse));
+    }
   }
-}
+};
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

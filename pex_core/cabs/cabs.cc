@@ -14,8 +14,7 @@ namespace pex::HWY_NAMESPACE {
 
 // Common lanes have parts from 2^-50 below 2^60, so that the squares and their errors are exact, or
 // one of them zero.
-struct cAbsKernel : ComplexKernel<float> {
-  static constexpr bool kRealResult = true;
+struct cAbsKernel : ModulusKernel<float> {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 3 : 2;
   static constexpr int32_t kLow = 0x26800000, kHigh = 0x5D7FFFFF;
   using Outside = Atan2Outside<float, kLow, kHigh>;
@@ -35,14 +34,6 @@ struct cAbsKernel : ComplexKernel<float> {
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a) {
     return Outside::IsRare(d, a.im, a.re);
-  }
-  template <class D, class V, size_t K>
-  static HWY_INLINE BegunModuli<V, K> Begin(D d, const Complex<V> (&a)[K]) {
-    return BeginModuli(d, a);
-  }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void End(D d, const BegunModuli<V, K>& begun, V (&r)[K]) {
-    EndModuli(d, begun, r);
   }
   static float Rare(Complex<float> a) { return cAbsScalar(a); }
 

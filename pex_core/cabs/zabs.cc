@@ -11,8 +11,7 @@ namespace pex::HWY_NAMESPACE {
 
 // Common lanes have parts from 2^-400 below 2^500, so that the squares and their errors are exact,
 // or one of them zero.
-struct zAbsKernel : ComplexKernel<double> {
-  static constexpr bool kRealResult = true;
+struct zAbsKernel : ModulusKernel<double> {
   using Outside = PartsOutside<0x26F00000, 0x5F2FFFFF>;
   template <class D, class V, size_t K>
   static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&a)[K]) {
@@ -21,14 +20,6 @@ struct zAbsKernel : ComplexKernel<double> {
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a) {
     return hn::Or(IsZero(d, a), Outside::Any(d, a.re, a.im));
-  }
-  template <class D, class V, size_t K>
-  static HWY_INLINE BegunModuli<V, K> Begin(D d, const Complex<V> (&a)[K]) {
-    return BeginModuli(d, a);
-  }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void End(D d, const BegunModuli<V, K>& begun, V (&r)[K]) {
-    EndModuli(d, begun, r);
   }
   static double Rare(Complex<double> a) { return zAbsScalar(a); }
 };

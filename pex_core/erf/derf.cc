@@ -25,13 +25,7 @@ constexpr double kTwoOverRootPi = 0x1.20dd750429b6dp+0, kTwoOverRootPiRest = 0x1
 
 // Zeros, numbers below 2^-256, whose powers can underflow, infinities and NaN, in one comparison. A
 // group with such a lane is computed one vector at a time.
-struct TinyOrLarge : RareOutside<double, 0x2FF00000, 0x7FEFFFFF> {
-  using Outside = RareOutside<double, 0x2FF00000, 0x7FEFFFFF>;
-  template <class D>
-  static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-    return Outside::Key(d, hn::Abs(x));
-  }
-};
+using TinyOrLarge = RareByMagnitude<RareOutside<double, 0x2FF00000, 0x7FEFFFFF>>;
 constexpr bool kErfTinyIsRare = HWY_TARGET != HWY_AVX3;
 
 struct dErfCommon : Kernel<double> {

@@ -139,6 +139,20 @@ TYPED_TEST(Continuous, StaysWithinTheBoundsWhenAccurate) {
 
 // ---- Integers. ----
 
+// n integers from a to b of one stream are the floors of another's doubles, and no more is written.
+void ExpectFloors(const Stream& integers, const Stream& doubles, int32_t n, int32_t a, int32_t b) {
+  std::vector<int32_t> r(static_cast<size_t>(n) + 1, 77);
+  std::vector<double> x(static_cast<size_t>(n));
+  ASSERT_EQ(_quoiRngUniform(0, integers, n, r.data(), a, b), QUO_OK);
+  ASSERT_EQ(_quodRngUniform(0, doubles, n, x.data(), a, b), QUO_OK);
+  for (size_t i = 0; i < x.size(); ++i) {
+    ASSERT_EQ(r[i], static_cast<int32_t>(std::floor(x[i]))) << i;
+    ASSERT_GE(r[i], a);
+    ASSERT_LE(r[i], b);
+  }
+  ASSERT_EQ(r.back(), 77);
+}
+
 TEST(Integers, AreFloorsOfDoublesAcrossBlocks) {
   const int32_t bounds[][2] = {{0, 1000}, {-7, 5}, {kLowest, kHighest}, {41, 42}, {-3, -1}};
   levels::ForEach([&] {
@@ -147,16 +161,7 @@ TEST(Integers, AreFloorsOfDoublesAcrossBlocks) {
         for (const int32_t n : {1, 2, 15, 16, 17, 1023, 1024, 1025, 2048, 5000}) {
           SCOPED_TRACE(n);
           const Stream integers(id), doubles(id);
-          std::vector<int32_t> r(static_cast<size_t>(n) + 1, 77);
-          std::vector<double> x(static_cast<size_t>(n));
-          ASSERT_EQ(_quoiRngUniform(0, integers, n, r.data(), a, b), QUO_OK);
-          ASSERT_EQ(_quodRngUniform(0, doubles, n, x.data(), a, b), QUO_OK);
-          for (size_t i = 0; i < x.size(); ++i) {
-            ASSERT_EQ(r[i], static_cast<int32_t>(std::floor(x[i]))) << i;
-            ASSERT_GE(r[i], a);
-            ASSERT_LE(r[i], b);
-          }
-          ASSERT_EQ(r.back(), 77);
+          ASSERT_NO_FATAL_FAILURE(ExpectFloors(integers, doubles, n, a, b));
           double u, v;  // both streams stand at the same place
           _quodRngUniform(0, integers, 1, &u, 0, 1);
           _quodRngUniform(0, doubles, 1, &v, 0, 1);
@@ -198,14 +203,7 @@ TEST(Integers, AreFloorsOfDoublesWhateverTheBounds) {
         SCOPED_TRACE(testing::Message() << std::hex << id << std::dec << ", " << a << " to " << b);
         const Stream integers(id, seed), doubles(id, seed);
         for (const int32_t n : {3, 4096, 1, 40, 5003, 17}) {
-          std::vector<int32_t> r(static_cast<size_t>(n) + 1, 77);
-          std::vector<double> x(static_cast<size_t>(n));
-          ASSERT_EQ(_quoiRngUniform(0, integers, n, r.data(), a, b), QUO_OK);
-          ASSERT_EQ(_quodRngUniform(0, doubles, n, x.data(), a, b), QUO_OK);
-          for (size_t i = 0; i < x.size(); ++i) {
-            ASSERT_EQ(r[i], static_cast<int32_t>(std::floor(x[i]))) << i;
-          }
-          ASSERT_EQ(r.back(), 77);
+          ASSERT_NO_FATAL_FAILURE(ExpectFloors(integers, doubles, n, a, b));
         }
       }
     }

@@ -22,15 +22,6 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Rare by |x|.
-template <class Outside>
-struct RareByMagnitude : Outside {
-  template <class D>
-  static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-    return Outside::Key(d, hn::Abs(x));
-  }
-};
-
 // Rare: |x| is not a normal number.
 template <typename T>
 using RareUnlessNormal =

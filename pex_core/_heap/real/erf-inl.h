@@ -47,15 +47,8 @@ HWY_INLINE MaskOf<D> NotOrdinary(D d, V x) {
 
 // The same and zeros, in one comparison.
 template <typename T>
-struct NotOrdinaryOrZero : RareOutside<T, sizeof(T) == 8 ? 0x00100000 : 0x00800000,
-                                       sizeof(T) == 8 ? 0x7FEFFFFF : 0x7F7FFFFF> {
-  using Outside = RareOutside<T, sizeof(T) == 8 ? 0x00100000 : 0x00800000,
-                              sizeof(T) == 8 ? 0x7FEFFFFF : 0x7F7FFFFF>;
-  template <class D>
-  static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-    return Outside::Key(d, hn::Abs(x));
-  }
-};
+using NotOrdinaryOrZero = RareByMagnitude<RareOutside<T, sizeof(T) == 8 ? 0x00100000 : 0x00800000,
+                                                      sizeof(T) == 8 ? 0x7FEFFFFF : 0x7F7FFFFF>>;
 
 template <class D>
 struct ErfReduced {
@@ -83,21 +76,17 @@ HWY_INLINE void ErfReduce(D d, const V (&x)[K], ErfReduced<D> (&u)[K]) {
 }
 
 // Coefficients of g in q: b_3/c and b_4, which has a part of the missing b_6.
-struct ErfSeries {
-  double b3[2], b4[3];
-};
-inline constexpr ErfSeries kErfTaylor = {{1.0 / 3, -0.5}, {-1.0 / 15 - 4e-7, -0.4, 0.3}};
+inline constexpr double kErfB3[] = {1.0 / 3, -0.5}, kErfB4[] = {-1.0 / 15 - 4e-7, -0.4, 0.3};
 
 // g to within 2^-57 of the result.
 template <class D, class V, size_t K>
 HWY_INLINE void ErfSum(D d, const ErfReduced<D> (&u)[K], V (&g)[K]) {
   const auto s = [d](double x) HWY_ATTR { return hn::Set(d, x); };
-  constexpr const ErfSeries& t = kErfTaylor;
   V v[K], b3[K], b4[K];
   for (size_t k = 0; k < K; ++k) v[k] = hn::Mul(u[k].safe, u[k].safe);
-  for (size_t k = 0; k < K; ++k) b4[k] = hn::Add(hn::Mul(u[k].q, s(t.b4[2])), s(t.b4[1]));
-  for (size_t k = 0; k < K; ++k) b3[k] = hn::Add(hn::Mul(u[k].q, s(t.b3[1])), s(t.b3[0]));
-  for (size_t k = 0; k < K; ++k) b4[k] = hn::Add(hn::Mul(b4[k], u[k].q), s(t.b4[0]));
+  for (size_t k = 0; k < K; ++k) b4[k] = hn::Add(hn::Mul(u[k].q, s(kErfB4[2])), s(kErfB4[1]));
+  for (size_t k = 0; k < K; ++k) b3[k] = hn::Add(hn::Mul(u[k].q, s(kErfB3[1])), s(kErfB3[0]));
+  for (size_t k = 0; k < K; ++k) b4[k] = hn::Add(hn::Mul(b4[k], u[k].q), s(kErfB4[0]));
   for (size_t k = 0; k < K; ++k) {
     const V b5 = hn::Mul(hn::Add(b4[k], hn::Mul(b3[k], s(0.8))), s(-1.0 / 3));
     b3[k] = hn::Add(b3[k], hn::Mul(v[k], b5));

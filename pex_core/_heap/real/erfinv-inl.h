@@ -48,21 +48,10 @@ struct InverseOfErf {
   static constexpr bool kSingleTail = false;  // q is 2^-24 at least
   static constexpr double kFactor = 1;
   template <typename T>  // |x| outside of [2^-35, 1), in single precision [2^-100, 1)
-  struct Rarity : RareOutside<T, sizeof(T) == 8 ? 0x3DC00000 : 0x0D800000,
-                              sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F7FFFFF> {
-    using Outside = RareOutside<T, sizeof(T) == 8 ? 0x3DC00000 : 0x0D800000,
-                                sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F7FFFFF>;
-    template <class D>
-    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-      return Outside::Key(d, hn::Abs(x));
-    }
-  };
-  struct FineRarity : RareOutside<float, 0x0D800000, 0x3F7FFE00> {  // |x| in [2^-100, 1 - 2^-15]
-    template <class D>
-    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-      return RareOutside<float, 0x0D800000, 0x3F7FFE00>::Key(d, hn::Abs(x));
-    }
-  };
+  using Rarity = RareByMagnitude<RareOutside<T, sizeof(T) == 8 ? 0x3DC00000 : 0x0D800000,
+                                             sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F7FFFFF>>;
+  // |x| in [2^-100, 1 - 2^-15]
+  using FineRarity = RareByMagnitude<RareOutside<float, 0x0D800000, 0x3F7FFE00>>;
   template <class D, class V>
   static HWY_INLINE ErfInvArgument<V> Split(D d, V a) {
     return {a, hn::Sub(hn::Set(d, 1.0), hn::Abs(a))};
