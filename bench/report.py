@@ -2,6 +2,7 @@
 """Runs the benchmark programs and writes docs/performance.md with its plots.
 
     bench/report.py                          the whole document; takes several minutes
+    bench/report.py --name performance-epyc  the same under another name
     bench/report.py --filter '^Ln/' --print  a part of the tables, to the terminal
 
 Every figure is the least of many short repeats, ours and the peers' shuffled in one run, on one
@@ -545,9 +546,9 @@ drawn from by one thread after the other.
 """
 
 
-def document(levels, machine, repeats, milliseconds, errors={}, face={}):
+def document(levels, machine, repeats, milliseconds, errors={}, face={}, name="performance"):
     """levels: {level: (results of the vector program, of the random program, of the complex one)};
-    face: {name in FACE: what the program prints}.
+    face: {name in FACE: what the program prints}; name: how the plots' names begin.
     Returns the text and {plot's file name: gnuplot script}."""
     parts, plots, falls_short = [], {}, []
     for kind, misses_of, introduction, title in (
@@ -567,11 +568,11 @@ def document(levels, machine, repeats, milliseconds, errors={}, face={}):
         for kind, script in (("vector", vector_plot(rows, f"Vector math, {title}")),
                              ("random", random_plot(draws, f"Generators, {title}"))):
             if script:
-                plots[f"performance-{kind}-{level}.svg"] = script
+                plots[f"{name}-{kind}-{level}.svg"] = script
         tiers = tier_plot(vector, errors, f"pexquo's tiers and the peers, {title}")
         if tiers:
-            plots[f"performance-tiers-{level}.svg"] = tiers
-        picture = lambda kind: (f"![ns per element]({name})\n" if (name := f"performance-{kind}-{level}.svg") in plots else "")
+            plots[f"{name}-tiers-{level}.svg"] = tiers
+        picture = lambda kind: (f"![ns per element]({file})\n" if (file := f"{name}-{kind}-{level}.svg") in plots else "")
         if rows:
             parts += [f"## Vector math, {title}\n", picture("vector"), picture("tiers"),
                       "Under n = 16 and n = 100000: ours / the peer's.\n", columns(vector_table(rows)),
@@ -621,6 +622,8 @@ def main(arguments):
     parser.add_argument("--reuse", action="store_true", help="do not measure: read --raw again")
     parser.add_argument("--print", action="store_true", help="to the terminal, without plots")
     parser.add_argument("--output", type=pathlib.Path, default=root / "docs", help="default: docs")
+    parser.add_argument("--name", default="performance",
+                        help="of the document and the beginning of its plots' names (default: %(default)s)")
     options = parser.parse_args(arguments)
     if options.reuse and not options.raw:
         raise Failure("--reuse needs --raw")
@@ -657,14 +660,14 @@ def main(arguments):
         kind: kept(f"{kind}.md", options, lambda: run_program(options.programs / program, []))
         for kind, program in FACE.items()}
     text, plots = document(levels, machine_line(context), options.repeats, options.milliseconds,
-                           {} if options.print else read_errors(root / "docs/accuracy.md"), face)
+                           {} if options.print else read_errors(root / "docs/accuracy.md"), face, options.name)
     if options.print:
         print(text)
         return
     options.output.mkdir(parents=True, exist_ok=True)
     for name, script in plots.items():
         draw(script, options.output / name)
-    (options.output / "performance.md").write_text(text)
+    (options.output / f"{options.name}.md").write_text(text)
 
 
 if __name__ == "__main__":

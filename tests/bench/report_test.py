@@ -8,6 +8,7 @@ import contextlib
 import io
 import json
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -231,6 +232,12 @@ class Document(unittest.TestCase):
             for said in (FRONT, PARALLEL, "- exp, double on two cores: 1.79, target at least 1.8.",
                          "- the C interface, largest time added to a call of one element, ns: 5.10"):
                 self.assertIn(said, text)
+            report.main(["--levels", "avx2", "--raw", str(folder), "--reuse", "--output", str(folder / "out"),
+                         "--name", "performance-other"])
+            other = (folder / "out/performance-other.md").read_text()
+            self.assertEqual(other, text.replace("](performance-", "](performance-other-"))
+            for plot in re.findall(r"\]\((.*\.svg)\)", other):
+                self.assertTrue((folder / "out" / plot).exists(), plot)
             (folder / "parallel.md").write_text("no cores")
             with self.assertRaisesRegex(report.Failure, "prints no table"):
                 report.main(["--levels", "avx2", "--raw", str(folder), "--reuse", "--output", str(folder)])
