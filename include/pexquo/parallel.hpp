@@ -248,7 +248,7 @@ class parallel {
     detail::FloatingPoint environment;
     // A copy of the stream and the units to draw from it; none when there are none left.
     const auto take = [&](std::size_t& first, std::size_t& count) -> std::optional<stream> {
-      const std::lock_guard lock(taking);
+      const auto lock = detail::LockSoon(taking);
       if (done == n) return std::nullopt;
       first = done;
       count = std::min(block, n - done);

@@ -324,6 +324,16 @@ inline void Arrange(std::vector<Found>& all, bool every) {
   all = std::move(last);
 }
 
+// Locks what is held for microseconds: waits awake for it a while, as falling asleep and being
+// woken up take longer.
+inline std::unique_lock<std::mutex> LockSoon(std::mutex& mutex) {
+  for (int i = 0; i < 10000; ++i) {
+    if (mutex.try_lock()) return {mutex, std::adopt_lock};
+    __builtin_ia32_pause();
+  }
+  return std::unique_lock(mutex);
+}
+
 // The first exception of several threads.
 class FirstException {
  public:
