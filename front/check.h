@@ -41,6 +41,8 @@ int32_t Finite(T... x) {
 // The generators compute b - a, and some (a + b)/2.
 template <typename T>
 int32_t Range(T a, T b) {
+  if (a < b && std::isfinite(b - a) && std::isfinite(a + b)) [[likely]]
+    return QUO_OK;
   return First({Finite(a, b), Unless(a < b, QUO_EMPTY_RANGE),
                 Unless(std::isfinite(b - a) && std::isfinite(a + b), QUO_WIDE_RANGE)});
 }
@@ -48,6 +50,8 @@ int32_t Range(T a, T b) {
 // Displacements come with scales: a is finite, and so is beta, above 0.
 template <typename T>
 int32_t Scaled(T a, T beta) {
+  if (beta > 0 && std::isfinite(a) && std::isfinite(beta)) [[likely]]
+    return QUO_OK;
   return First({Finite(a, beta), Unless(beta > 0, QUO_BAD_SCALE)});
 }
 
@@ -57,7 +61,9 @@ int32_t Shapes(T... shape) {
 }
 
 inline int32_t Probability(double p) {
-  return First({Finite(p), Unless(p >= 0 && p <= 1, QUO_BAD_PROBABILITY)});
+  if (p >= 0 && p <= 1) [[likely]]
+    return QUO_OK;
+  return First({Finite(p), QUO_BAD_PROBABILITY});
 }
 
 // Of waiting for successes: in (0, 1], and not so small that 1 - p is 1.
