@@ -46,7 +46,7 @@ HWY_INLINE Halves<V> ToHalves(D d, V x, float first) {
 template <class D, class V, size_t N>
 HWY_INLINE V TanhOfHalf(D d, V h, const float (&odd)[N]) {
   const V h2 = SquareNearZero(d, h);
-  return hn::Mul(h, hn::Add(hn::Mul(h2, Horner(d, h2, odd)), hn::Set(d, 1.0f)));
+  return hn::Mul(h, hn::Add(SilentMul(h2, SilentHorner(d, h2, odd)), hn::Set(d, 1.0f)));
 }
 
 // With P = 2^n and t = tanh h the result is (g + t)/(g + 1), g = (P - 1)/2 (1 + t).
