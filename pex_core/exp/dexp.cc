@@ -8,6 +8,7 @@
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/_kernel/hardware-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 #include "pex_core/exp/exp_rare.h"
 
@@ -23,33 +24,18 @@ struct ExpReduced {
   VecOf<D> n;   // k times the unit
 };
 
-// AVX-512 multiplies without raising a flag, where tiny numbers underflow that add to larger ones.
-// On the other levels x has 2^-300 added where there is such a product, which changes no x above
-// 2^-246, and the result of no smaller one.
-#if HWY_TARGET == HWY_AVX3
-template <class D, class V>
-HWY_INLINE V SilentMul(D, V x, V y) {
-  return V{_mm512_mul_round_pd(x.raw, y.raw, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
-}
-template <class D, class V>
-HWY_INLINE V AboveUnderflow(D, V x) {
-  return x;
-}
-#else
-template <class D, class V>
-HWY_INLINE V SilentMul(D, V x, V y) {
-  return hn::Mul(x, y);
-}
+// Silent products need no more; on the other levels x has 2^-300 added where there is a product
+// that may underflow, which changes no x above 2^-246, and the result of no smaller one.
 template <class D, class V>
 HWY_INLINE V AboveUnderflow(D d, V x) {
+  if constexpr (kHasSilentMul<V>) return x;
   return hn::Add(x, hn::Set(d, 0x1p-300));
 }
-#endif
 
 template <class D, class V>
 HWY_INLINE ExpReduced<D> ExpReduce(D d, V x, double steps_over_ln2, double unit) {
   const V shifter = hn::Set(d, 0x1.8p52 * unit);  // leaves the rounded integer in the low bits
-  const V kf = hn::Add(SilentMul(d, x, hn::Set(d, steps_over_ln2 * unit)), shifter);
+  const V kf = hn::Add(SilentMul(x, hn::Set(d, steps_over_ln2 * unit)), shifter);
   return {Bits(d, kf), hn::Sub(kf, shifter)};
 }
 
@@ -101,9 +87,9 @@ struct dExpLA : Kernel<double> {
     const V t = LoadEach(d, dExp_HA_Table, hn::And(u.k, SetBits(d, 1023)));
     const V r = hn::Sub(SubExactProduct(u.n, hn::Set(d, kL1), x), hn::Mul(u.n, hn::Set(d, kL2)));
     const V c =
-        hn::Add(SilentMul(d, hn::Set(d, 0x1.5555555555556p-3), r), hn::Set(d, 0x1.0000001ebfbep-1));
-    const V p = hn::Add(SilentMul(d, SilentMul(d, c, r), r), r);
-    return ScaleByPower<10>(d, hn::Add(SilentMul(d, t, p), t), u);
+        hn::Add(SilentMul(hn::Set(d, 0x1.5555555555556p-3), r), hn::Set(d, 0x1.0000001ebfbep-1));
+    const V p = hn::Add(SilentMul(SilentMul(c, r), r), r);
+    return ScaleByPower<10>(d, hn::Add(SilentMul(t, p), t), u);
   }
 };
 

@@ -17,6 +17,7 @@
 #include "pex_core/_heap/real/hyperbolic_tables.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/_kernel/hardware-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 
 #if defined(PEX_CORE__HEAP_REAL_HYPERBOLIC_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -78,31 +79,12 @@ struct SingleEighthLookup {
   }
 };
 
-// x and 2^-300 (single: 2^-36), for products that must not underflow and matter only beside 1.
+// x and 2^-300 (single: 2^-38), for products that must not underflow and matter only beside 1. It
+// changes no x whose square or product does matter there.
 template <class D, class V>
 HWY_INLINE V AboveUnderflow(D d, V x) {
-  return hn::Add(x, hn::Set(d, sizeof(hn::TFromD<D>) == 8 ? 0x1p-300 : 0x1p-36f));
+  return hn::Add(x, hn::Set(d, sizeof(hn::TFromD<D>) == 8 ? 0x1p-300 : 0x1p-38f));
 }
-
-// AVX-512 multiplies without raising a flag. The products here are the same as those of the other
-// levels wherever what they lack matters.
-#if HWY_TARGET == HWY_AVX3
-HWY_INLINE hn::Vec512<float> SilentMul(hn::Vec512<float> x, hn::Vec512<float> y) {
-  return {_mm512_mul_round_ps(x.raw, y.raw, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
-}
-HWY_INLINE hn::Vec512<double> SilentMul(hn::Vec512<double> x, hn::Vec512<double> y) {
-  return {_mm512_mul_round_pd(x.raw, y.raw, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
-}
-template <class V>
-inline constexpr bool kHasSilentMul = sizeof(V) == 64;
-#else
-template <class V>
-HWY_INLINE V SilentMul(V x, V y) {
-  return hn::Mul(x, y);
-}
-template <class V>
-inline constexpr bool kHasSilentMul = false;
-#endif
 
 // x for products by SilentMul that matter only beside 1.
 template <class D, class V>
@@ -128,14 +110,6 @@ template <class D, class V>
 HWY_INLINE V SquareNearZero(D d, V r) {
   const V w = BesideOne(d, r);
   return SilentMul(w, w);
-}
-
-// Horner's scheme by silent products.
-template <class D, class V, size_t N>
-HWY_INLINE V SilentHorner(D d, V x, const hn::TFromD<D> (&c)[N]) {
-  V p = hn::Set(d, c[N - 1]);
-  for (size_t i = N - 1; i-- > 0;) p = hn::Add(SilentMul(p, x), hn::Set(d, c[i]));
-  return p;
 }
 
 // |x|, 0 for tiny x, and the result of F for those other arguments with the sign of x put back; a
