@@ -177,11 +177,14 @@ inline constexpr bool HasRestUnroll = requires {
   K::kRestUnroll;
 };
 
+// On AVX-512 alone: the units of AVX2 that shuffle are busy, and its maximum is of 32 bits anyway.
 template <class K, class D>
 inline constexpr bool HasWordRarity = false;
+#if HWY_TARGET == HWY_AVX3
 template <class K, class D>
 requires(HasRarity<K> && sizeof(hn::TFromD<D>) == 8) inline constexpr bool HasWordRarity<K, D> =
     !std::is_void_v<typename OfHighWords<typename K::Rarity>::Type>;
+#endif
 
 // Whether a group of vectors has a rare lane.
 template <class K, int kVectors, class D, class V>
