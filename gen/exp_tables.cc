@@ -44,7 +44,7 @@ void Single(const char* name, int steps, double factor) {
 // the powers is in f. The search is for the first such number above kStart for which all the sums
 // are right.
 void Factors() {
-  constexpr double kStart = 0x1.0b15b573eab36p+0;  // makes f[b] about as large on both sides of 0
+  constexpr double kStart = 0x1.0b15b75p+0;  // makes f[b] about as large on both sides of 0
   mpfr_t power, x;
   mpfr_init2(power, 300);
   mpfr_init2(x, 300);
