@@ -165,6 +165,39 @@ struct RareByMagnitude : Outside {
   }
 };
 
+// What a rarity of doubles says of their high words, as of floats; void where that is not all it
+// asks for.
+template <class Rarity>
+struct OfHighWords {
+  using Type = void;
+};
+template <int32_t kHighWord>
+struct OfHighWords<RareAbove<double, kHighWord>> {
+  using Type = RareAbove<float, kHighWord>;
+};
+template <int32_t kLow, int32_t kHigh>
+struct OfHighWords<RareOutside<double, kLow, kHigh>> {
+  using Type = RareOutside<float, kLow, kHigh>;
+};
+template <int32_t kLow, int32_t kHigh>
+struct OfHighWords<RareByMagnitude<RareOutside<double, kLow, kHigh>>> {
+  using Type = RareByMagnitude<RareOutside<float, kLow, kHigh>>;
+};
+
+// The high words of two vectors of doubles, in an order of no concern.
+template <class D, class V = VecOf<D>>
+HWY_INLINE VecOf<hn::Repartition<float, D>> HighWords(D, V x, V y) {
+  const hn::Repartition<float, D> d32;
+  const auto a = hn::BitCast(d32, x), b = hn::BitCast(d32, y);
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(x) == 64) return {_mm512_shuffle_ps(a.raw, b.raw, 0xDD)};
+#endif
+#if HWY_TARGET != HWY_SSE4
+  if constexpr (sizeof(x) == 32) return {_mm256_shuffle_ps(a.raw, b.raw, 0xDD)};
+#endif
+  if constexpr (sizeof(x) == 16) return {_mm_shuffle_ps(a.raw, b.raw, 0xDD)};
+}
+
 // The larger of two keys; of doubles' keys at least its high word.
 template <class D>
 HWY_INLINE BitsOf<D> JoinKeys(D d, BitsOf<D> a, BitsOf<D> b) {

@@ -23,6 +23,7 @@
 // on.
 
 #include <cstdint>
+#include <type_traits>
 
 #include "hwy/highway.h"
 #include "pex_core/_kernel/bits-inl.h"
@@ -176,6 +177,15 @@ inline constexpr bool HasRestUnroll = requires {
   K::kRestUnroll;
 };
 
+// On AVX-512 alone: the units of AVX2 that shuffle are busy, and its maximum is of 32 bits anyway.
+template <class K, class D>
+inline constexpr bool HasWordRarity = false;
+#if HWY_TARGET == HWY_AVX3
+template <class K, class D>
+requires(HasRarity<K> && sizeof(hn::TFromD<D>) == 8) inline constexpr bool HasWordRarity<K, D> =
+    !std::is_void_v<typename OfHighWords<typename K::Rarity>::Type>;
+#endif
+
 // Whether a group of vectors has a rare lane.
 template <class K, int kVectors, class D, class V>
 HWY_INLINE bool AnyRare(D d, const V* x, const V* y) {
@@ -183,6 +193,15 @@ HWY_INLINE bool AnyRare(D d, const V* x, const V* y) {
     auto key = K::Rarity::Key(d, x[0]);
     for (int k = 1; k < kVectors; ++k) key = K::Rarity::Joined(d, key, x[k]);
     return K::Rarity::Any(d, key);
+  } else if constexpr (kVectors % 2 == 0 && HasWordRarity<K, D>) {
+    // Doubles in pairs of vectors.
+    using Rarity = typename OfHighWords<typename K::Rarity>::Type;
+    const hn::Repartition<float, D> d32;
+    auto key = Rarity::Key(d32, HighWords(d, x[0], x[1]));
+    for (int k = 2; k < kVectors; k += 2) {
+      key = JoinKeys(d32, key, Rarity::Key(d32, HighWords(d, x[k], x[k + 1])));
+    }
+    return !hn::AllFalse(d32, KeyAbove(d32, key, Rarity::kLimit));
   } else if constexpr (HasRarity<K>) {
     auto key = K::Rarity::Key(d, x[0]);
     for (int k = 1; k < kVectors; ++k) key = JoinKeys(d, key, K::Rarity::Key(d, x[k]));

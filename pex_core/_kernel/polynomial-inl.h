@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "hwy/highway.h"
+#include "pex_core/_kernel/hardware-inl.h"
 
 #if defined(PEX_CORE__KERNEL_POLYNOMIAL_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef PEX_CORE__KERNEL_POLYNOMIAL_INL_H_
@@ -24,7 +25,15 @@ HWY_INLINE V Horner(D d, V x, const hn::TFromD<D> (&c)[N]) {
   return p;
 }
 
-// The same for several vectors, a step at a time for all of them.
+// The same by silent products.
+template <class D, class V, size_t N>
+HWY_INLINE V SilentHorner(D d, V x, const hn::TFromD<D> (&c)[N]) {
+  V p = hn::Set(d, c[N - 1]);
+  for (size_t i = N - 1; i-- > 0;) p = hn::Add(SilentMul(p, x), hn::Set(d, c[i]));
+  return p;
+}
+
+// The scheme for several vectors, a step at a time for all of them.
 template <class D, class V, size_t K, size_t N>
 HWY_INLINE void Horner(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&p)[K]) {
   for (size_t k = 0; k < K; ++k) p[k] = hn::Set(d, c[N - 1]);
@@ -142,6 +151,21 @@ HWY_INLINE void EvenOdd(D d, const V (&x)[K], const V (&x2)[K], const hn::TFromD
     for (size_t k = 0; k < K; ++k) p[k] = hn::Add(hn::Mul(p[k], x2[k]), pair(i - 2, k));
   }
   if constexpr (kInSteps && N > 2) EndStep(p);
+}
+
+// The same by silent products.
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void SilentEvenOdd(D d, const V (&x)[K], const V (&x2)[K], const hn::TFromD<D> (&c)[N],
+                              V (&p)[K]) {
+  constexpr size_t kTop = (N - 1) / 2 * 2;
+  const auto pair = [&](size_t i, size_t k) HWY_ATTR {
+    const V low = hn::Set(d, c[i]);
+    return i + 1 < N ? hn::Add(SilentMul(hn::Set(d, c[i + 1]), x[k]), low) : low;
+  };
+  for (size_t k = 0; k < K; ++k) p[k] = pair(kTop, k);
+  for (size_t i = kTop; i >= 2; i -= 2) {
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Add(SilentMul(p[k], x2[k]), pair(i - 2, k));
+  }
 }
 
 // Pairs of pairs (Estrin): the least latency, at the price of x^4. For 5 to 12 coefficients.

@@ -28,10 +28,8 @@ HWY_INLINE void Magnitudes(D d, const V (&x)[K], V (&m)[K]) {
 struct dCoshEP : dCoshCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    V m[K];
     HyperbolicSplit<V> u[K];
-    Magnitudes(d, x, m);
-    for (size_t k = 0; k < K; ++k) u[k] = Split<Points::kRough>(d, m[k]);
+    for (size_t k = 0; k < K; ++k) u[k] = Split<Points::kRough>(d, BesideOne(d, x[k]));
     for (size_t k = 0; k < K; ++k) {
       const auto& [grow, decay, r, rest] = u[k];
       const V a = hn::Add(grow, decay), b = hn::Sub(grow, decay);
@@ -44,9 +42,9 @@ struct dCoshLA : dCoshCommon<> {
   static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 4 : 8;  // SSE4 would spill more
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    V m[K];
-    Magnitudes(d, x, m);
-    CoshOfMagnitude<Points::kPlain>(d, m, out, dCoshLAPolynomial, dSinhPolynomial);
+    V y[K];
+    for (size_t k = 0; k < K; ++k) y[k] = BesideOne(d, x[k]);
+    CoshLA(d, y, out, dCoshLAPolynomial, dSinhPolynomial);
   }
 };
 

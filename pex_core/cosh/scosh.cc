@@ -24,11 +24,10 @@ struct sCoshEP : sCoshCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     for (size_t k = 0; k < K; ++k) {
-      const V m = AboveUnderflow(d, hn::Abs(x[k]));
-      const auto [grow, decay, r, rest] = Split<Points::kRough>(d, m);
+      const auto [grow, decay, r, rest] = Split<Points::kRough>(d, BesideOne(d, x[k]));
       const V a = hn::Add(grow, decay), b = hn::Sub(grow, decay);
-      const V slope = hn::Add(b, hn::Mul(a, hn::Mul(r, hn::Set(d, 0.5f))));
-      out[k] = hn::Add(a, hn::Mul(r, slope));
+      const V slope = hn::Add(b, SilentMul(a, SilentMul(r, hn::Set(d, 0.5f))));
+      out[k] = hn::Add(a, SilentMul(r, slope));
     }
   }
 };
@@ -36,9 +35,9 @@ struct sCoshEP : sCoshCommon<> {
 struct sCoshLA : sCoshCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    V m[K];
-    for (size_t k = 0; k < K; ++k) m[k] = AboveUnderflow(d, hn::Abs(x[k]));
-    CoshOfMagnitude<Points::kPlain>(d, m, out, sCoshPolynomial, sSinhPolynomial);
+    V y[K];
+    for (size_t k = 0; k < K; ++k) y[k] = BesideOne(d, x[k]);
+    CoshLA(d, y, out, sCoshPolynomial, sSinhPolynomial);
   }
 };
 
@@ -53,9 +52,9 @@ struct sCoshHA : sCoshCommon<double> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     const hn::Rebind<double, D> dd;
-    VecOf<decltype(dd)> m[K], y[K];
-    for (size_t k = 0; k < K; ++k) m[k] = hn::PromoteTo(dd, hn::Abs(x[k]));
-    CoshOfMagnitude<Points::kPlain>(dd, m, y, kCoshForSingle, dSinhPolynomial);
+    VecOf<decltype(dd)> wide[K], y[K];
+    for (size_t k = 0; k < K; ++k) wide[k] = hn::PromoteTo(dd, x[k]);
+    CoshOf<Points::kPlain>(dd, wide, y, kCoshForSingle, dSinhPolynomial);
     for (size_t k = 0; k < K; ++k) out[k] = hn::DemoteTo(d, y[k]);
   }
 };

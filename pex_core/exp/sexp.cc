@@ -36,28 +36,38 @@ struct sExpEP : sExpCommon<> {
   }
 };
 
-// 2^(j/8) from a table, times a cubic in |r| <= ln2/16, times 2^n by the exponent. Adding 2^-36
-// changes no result; it keeps the products of tiny numbers from underflow. Largest error 1.16 ulp
+// y 2^(k >> 3) for kd = k/8, without an underflow.
+template <class D, class V>
+HWY_INLINE V ScaleByEighths(D d, V y, [[maybe_unused]] V kd, [[maybe_unused]] BitsOf<D> k) {
+#if HWY_TARGET == HWY_AVX3
+  (void)d;
+  return V{_mm512_scalef_ps(y.raw, kd.raw)};
+#else
+  const auto n = hn::And(hn::ShiftLeft<20>(k), SetBits(d, 0xFF800000));
+  return FromBits(d, hn::Add(Bits(d, y), n));
+#endif
+}
+
+// 2^(j/8) from a table, times a cubic in |r| <= ln2/16, times 2^n. Adding 2^-36 changes no result
+// but ties; it keeps the products of tiny numbers from underflow. Largest error 1.16 ulp
 // (0x1.e05b36p+1).
 struct sExpLA : sExpCommon<> {
   static constexpr int kUnroll = 8;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const V shifter = hn::Set(d, 0x1.8p23f);  // leaves the rounded integer in the low bits
+    const V shifter = hn::Set(d, 0x1.8p20f);  // leaves the rounded integer in the low bits
     const V y = hn::Add(x, hn::Set(d, 0x1p-36f));
-    const V kf = hn::Add(hn::Mul(y, hn::Set(d, 0x1.715476p+3f)), shifter);  // 8/ln2
+    const V kf = hn::Add(hn::Mul(y, hn::Set(d, 0x1.715476p+0f)), shifter);  // 1/ln2
     const V kd = hn::Sub(kf, shifter);
     const auto k = Bits(d, kf);
-    // ln2/8 = 0x1.62ep-4 + 0x1.0bfbe8p-18, the product of k and the first part exact.
-    const V r = hn::Sub(SubExactProduct(kd, hn::Set(d, 0x1.62ep-4f), y),
-                        hn::Mul(kd, hn::Set(d, 0x1.0bfbe8p-18f)));
+    // ln2 = 0x1.62ep-1 + 0x1.0bfbe8p-15, the product of k and the first part exact.
+    const V r = hn::Sub(SubExactProduct(kd, hn::Set(d, 0x1.62ep-1f), y),
+                        hn::Mul(kd, hn::Set(d, 0x1.0bfbe8p-15f)));
     const V t = LookupEighth(d, sExpEighths, k);
     const V c =
         hn::Add(hn::Mul(hn::Set(d, sExpLAPolynomial[1]), r), hn::Set(d, sExpLAPolynomial[0]));
     const V p = hn::Add(hn::Mul(hn::Mul(c, r), r), r);
-    const V scaled = hn::Add(hn::Mul(t, p), t);
-    const auto n = hn::And(hn::ShiftLeft<20>(k), SetBits(d, 0xFF800000));
-    return FromBits(d, hn::Add(Bits(d, scaled), n));
+    return ScaleByEighths(d, hn::Add(hn::Mul(t, p), t), kd, k);
   }
 };
 

@@ -8,6 +8,7 @@
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/_kernel/hardware-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 #include "pex_core/expm1/expm1_rare.h"
 
@@ -28,17 +29,28 @@ struct Expm1Reduced {
 };
 
 // kProducts: products with small powers are formed on their own, and would underflow below kLeast.
-template <bool kProducts, class D, class V>
+// kSilent: tiny arguments take part where products can be silent.
+template <bool kProducts, bool kSilent, class D, class V>
 HWY_INLINE Expm1Reduced<D> Expm1Reduce(D d, V x) {
   Expm1Reduced<D> u;
-  u.tiny = MagnitudeBelow(d, x, 0x1p-54);
-  u.x = hn::IfThenZeroElse(u.tiny, x);
+  u.x = x;
+  if constexpr (!(kSilent && kHasSilentMul<V>)) {
+    u.tiny = MagnitudeBelow(d, x, 0x1p-54);
+    u.x = hn::IfThenZeroElse(u.tiny, x);
+  }
   if constexpr (kProducts) u.x = hn::Max(u.x, hn::Set(d, kLeast));
   const V shifter = hn::Set(d, 0x1.8p52);
-  const V kf = hn::Add(hn::Mul(u.x, hn::Set(d, 0x1.71547652b82fep+0)), shifter);  // 1/ln2
+  const V kf = hn::Add(SilentMul(u.x, hn::Set(d, 0x1.71547652b82fep+0)), shifter);  // 1/ln2
   u.n = hn::Sub(kf, shifter);
   u.power = FromBits(d, hn::Add(hn::ShiftLeft<52>(Bits(d, kf)), SetBits(d, 0x3FF0000000000000)));
   return u;
+}
+
+// The result y of a kSilent reduction of x.
+template <class D, class V>
+HWY_INLINE V Expm1Result([[maybe_unused]] D d, const Expm1Reduced<D>& u, V x, V y) {
+  if constexpr (kHasSilentMul<V>) return hn::CopySign(y, x);  // of zeros
+  return hn::IfThenElse(u.tiny, x, y);
 }
 
 template <class Groups>
@@ -52,16 +64,16 @@ struct dExpm1EP : dExpm1Common<LargeGroups<double>> {
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     Expm1Reduced<D> u[K];
     V r[K], r2[K], q[K];
-    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce<!kFused>(d, x[k]);
+    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce<!kFused, true>(d, x[k]);
     for (size_t k = 0; k < K; ++k) {
       r[k] = hn::Sub(u[k].x, hn::Mul(u[k].n, hn::Set(d, kLn2Hi + kLn2Lo)));
-      r2[k] = hn::Mul(r[k], r[k]);
+      r2[k] = SilentMul(r[k], r[k]);
     }
-    EvenOdd(d, r, r2, kExpm1EP, q);
+    SilentEvenOdd(d, r, r2, kExpm1EP, q);
     for (size_t k = 0; k < K; ++k) {
-      const V e = hn::Add(r[k], hn::Mul(r2[k], q[k]));
+      const V e = hn::Add(r[k], SilentMul(r2[k], q[k]));
       const V less_one = hn::Sub(u[k].power, hn::Set(d, 1.0));
-      out[k] = hn::IfThenElse(u[k].tiny, x[k], AddExactProduct(u[k].power, e, less_one));
+      out[k] = Expm1Result(d, u[k], x[k], AddExactProduct(u[k].power, e, less_one));
     }
   }
 };
@@ -71,20 +83,20 @@ struct dExpm1LA : dExpm1Common<LargeGroups<double>> {
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     Expm1Reduced<D> u[K];
     V r[K], r0[K], r1[K], r2[K], q[K];
-    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce<!kFused>(d, x[k]);
+    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce<!kFused, true>(d, x[k]);
     for (size_t k = 0; k < K; ++k) {
       r0[k] = SubExactProduct(u[k].n, hn::Set(d, kLn2Hi), u[k].x);  // exact
       r1[k] = hn::Mul(u[k].n, hn::Set(d, kLn2Lo));
       r[k] = hn::Sub(r0[k], r1[k]);
-      r2[k] = hn::Mul(r[k], r[k]);
+      r2[k] = SilentMul(r[k], r[k]);
     }
-    EvenOdd(d, r, r2, kExpm1LA, q);
+    SilentEvenOdd(d, r, r2, kExpm1LA, q);
     for (size_t k = 0; k < K; ++k) {
       // The rounding of r would tell in 2^n (e^r - 1), so r0 goes its own way. Products with
       // powers of two are exact.
-      const V rest = hn::Sub(hn::Mul(r2[k], q[k]), r1[k]);
+      const V rest = hn::Sub(SilentMul(r2[k], q[k]), r1[k]);
       const V head = AddExactProduct(u[k].power, r0[k], hn::Sub(u[k].power, hn::Set(d, 1.0)));
-      out[k] = hn::IfThenElse(u[k].tiny, x[k], AddExactProduct(u[k].power, rest, head));
+      out[k] = Expm1Result(d, u[k], x[k], AddExactProduct(u[k].power, rest, head));
     }
   }
 };
@@ -97,7 +109,7 @@ struct dExpm1HA : dExpm1Common<Kernel<double>> {
     Expm1Reduced<D> u[K];
     V r[K], r_rest[K], square[K], q[K];
     Pair<V> r2[K];
-    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce<true>(d, x[k]);
+    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce<true, false>(d, x[k]);
     for (size_t k = 0; k < K; ++k) {
       const V r0 = SubExactProduct(u[k].n, hn::Set(d, kLn2Hi), u[k].x);  // exact
       const V r1 = hn::Mul(u[k].n, hn::Set(d, kLn2Lo));

@@ -6,6 +6,8 @@
 #include "pex_core/_heap/real/exp_single-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/_kernel/hardware-inl.h"
 #include "pex_core/expm1/expm1_rare.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -13,21 +15,26 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsExpm1";
 
-template <typename Compute = float>
+// Common from -60 to 88: below, products with s would underflow.
+struct sExpm1Rarity : RareAbove<float, 0x42940000> {  // |x - 14| > 74
+  template <class D>
+  static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+    return Bits(d, hn::Abs(hn::Sub(x, hn::Set(d, 14.0f))));
+  }
+};
+
+template <typename Compute = float, class Test = sExpm1Rarity>
 struct sExpm1Common : Kernel<float, Compute> {
-  // Common from -60 to 88: below, products with s would underflow.
-  struct Rarity : RareAbove<float, 0x42940000> {  // |x - 14| > 74
-    template <class D>
-    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-      return Bits(d, hn::Abs(hn::Sub(x, hn::Set(d, 14.0f))));
-    }
-  };
+  using Rarity = Test;
   static HWY_INLINE int Rare(float x, float* r) { return Expm1Rare(x, r, sExpScalar); }
 };
 
 // k = round(x 8/ln2) in the low bits, and 2^24 k. Factors of 2^24 here and 2^28 in the polynomial
 // keep the products of tiny arguments from underflow: their result is the argument itself, without
-// a flag.
+// a flag. Silent products need no factor in the polynomial.
+template <class V>
+inline constexpr int kPolynomialScale = kHasSilentMul<V> ? 0 : 28;
+
 template <class D>
 struct Eighths {
   BitsOf<D> k;
@@ -47,8 +54,8 @@ template <int kScale, class D, class V>
 HWY_INLINE V Assemble(D d, BitsOf<D> k, V p) {
   const auto table = reinterpret_cast<const float*>(sExpShiftedEighths);
   const auto s = hn::Add(Bits(d, LookupEighth(d, table, k)), hn::ShiftLeft<20>(k));
-  const V scaled = FromBits(d, hn::Sub(s, SetBits(d, kScale << 23)));
-  return hn::Sub(hn::Mul(scaled, p), hn::Sub(hn::Set(d, 1.0f), FromBits(d, s)));
+  const V scaled = FromBits(d, kScale == 0 ? s : hn::Sub(s, SetBits(d, kScale << 23)));
+  return hn::Sub(SilentMul(scaled, p), hn::Sub(hn::Set(d, 1.0f), FromBits(d, s)));
 }
 
 // 2 (e^r - 1) as r (2 + r), |r| <= ln2/16. EPBITS.
@@ -62,9 +69,15 @@ struct sExpm1EP : sExpm1Common<> {
   }
 };
 
+#if HWY_TARGET == HWY_AVX3
+using sExpm1LARarity = RareAbove<float, 0x42B00000>;  // |x| > 88: small products are silent
+#else
+using sExpm1LARarity = sExpm1Rarity;
+#endif
+
 // e^r - 1 as a quartic, |r| <= ln2/16. Near zero s - 1 asks for more bits of s than it has: what is
 // missing, in relation to s, is added to r. Largest error LAULP.
-struct sExpm1LA : sExpm1Common<> {
+struct sExpm1LA : sExpm1Common<float, sExpm1LARarity> {
   static constexpr int kUnroll = 8;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
@@ -72,10 +85,12 @@ struct sExpm1LA : sExpm1Common<> {
     // ln2/8 = 0x1.62ep-4 + 0x1.0bfbe8p-18, the product of k and the first part exact.
     const V rest =
         hn::Sub(hn::Mul(kd, hn::Set(d, 0x1.0bfbe8p-42f)), LookupEighth(d, sExpEighthsRest, k));
-    const V r = hn::Sub(hn::Sub(x, hn::Mul(kd, hn::Set(d, 0x1.62ep-28f))), rest);
-    const auto c = [&](int i) HWY_ATTR { return hn::Set(d, 0x1p28f * sExpm1LAPolynomial[i]); };
-    const V q = hn::Add(hn::Mul(hn::Add(hn::Mul(c(2), r), c(1)), r), c(0));
-    return Assemble<28>(d, k, hn::Mul(hn::Add(hn::Mul(q, r), hn::Set(d, 0x1p28f)), r));
+    const V r = hn::Sub(SubExactProduct(kd, hn::Set(d, 0x1.62ep-28f), x), rest);
+    constexpr int kScale = kPolynomialScale<V>;
+    constexpr float kOne = kScale == 0 ? 1.0f : 0x1p28f;
+    const auto c = [&](int i) HWY_ATTR { return hn::Set(d, kOne * sExpm1LAPolynomial[i]); };
+    const V q = hn::Add(SilentMul(hn::Add(SilentMul(c(2), r), c(1)), r), c(0));
+    return Assemble<kScale>(d, k, SilentMul(hn::Add(SilentMul(q, r), hn::Set(d, kOne)), r));
   }
 };
 

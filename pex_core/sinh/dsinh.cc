@@ -32,7 +32,7 @@ struct dSinhEP : dSinhCommon<> {
     for (size_t k = 0; k < K; ++k) {
       const auto& [grow, decay, r, rest] = u[k];
       const V a = hn::Sub(grow, decay), b = hn::Add(grow, decay);
-      const V y = HyperbolicShortSum(d, a, b, r, AboveUnderflow(d, r), dSinhEPPolynomial[0]);
+      const V y = HyperbolicShortSum(d, a, b, r, BesideOne(d, r), dSinhEPPolynomial[0]);
       out[k] = hn::CopySignToAbs(y, x[k]);
     }
   }

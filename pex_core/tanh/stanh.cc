@@ -21,6 +21,34 @@ struct sTanhCommon : Groups {
   static HWY_INLINE int Rare(float x, float* r) { return TanhRare(x, r); }
 };
 
+// AVX-512 takes a minimum without a flag, and of a NaN and a number the second operand: a NaN
+// passes through the sums and products below as it does through x + x, and no lane is rare.
+#if HWY_TARGET == HWY_AVX3
+struct NoneRare : RareAbove<float, 0x7F7FFFFF> {
+  template <class D, class V>
+  static HWY_INLINE BitsOf<D> Joined(D, BitsOf<D> key, V) {
+    return key;
+  }
+  template <class D>
+  static HWY_INLINE bool Any(D, BitsOf<D>) {
+    return false;
+  }
+};
+struct sTanhVector : sTanhCommon<> {
+  using Rarity = NoneRare;
+};
+template <class V>
+HWY_INLINE V AtMost(V limit, V x) {
+  return V{_mm512_min_round_ps(limit.raw, x.raw, _MM_FROUND_NO_EXC)};
+}
+#else
+using sTanhVector = sTanhCommon<>;
+template <class V>
+HWY_INLINE V AtMost(V limit, V x) {
+  return hn::Min(x, limit);
+}
+#endif
+
 // Where n = 1 begins: beyond the middle of the steps, so that the number of the step is found
 // without an underflow; for LA later still, for the first results have the largest errors.
 inline constexpr float kFirstEP = 0.19f, kFirst = 0.28f;
@@ -35,7 +63,7 @@ struct Halves {
 
 template <class D, class V>
 HWY_INLINE Halves<V> ToHalves(D d, V x, float first) {
-  const V m = hn::Min(hn::Abs(x), hn::Set(d, 10.0f));
+  const V m = AtMost(hn::Set(d, 10.0f), hn::Abs(x));
   const V turn = hn::Sub(m, hn::Set(d, first - 0x1.62e43p-3f));
   const auto [n, nd] = ToNearestStep(d, turn, 0x1.715476p+1f);
   return {FromBits(d, hn::Add(hn::ShiftLeft<23>(n), SetBits(d, 0x3F000000))),
@@ -46,11 +74,11 @@ HWY_INLINE Halves<V> ToHalves(D d, V x, float first) {
 template <class D, class V, size_t N>
 HWY_INLINE V TanhOfHalf(D d, V h, const float (&odd)[N]) {
   const V h2 = SquareNearZero(d, h);
-  return hn::Mul(h, hn::Add(hn::Mul(h2, Horner(d, h2, odd)), hn::Set(d, 1.0f)));
+  return hn::Mul(h, hn::Add(SilentMul(h2, SilentHorner(d, h2, odd)), hn::Set(d, 1.0f)));
 }
 
 // With P = 2^n and t = tanh h the result is (g + t)/(g + 1), g = (P - 1)/2 (1 + t).
-struct sTanhEP : sTanhCommon<> {
+struct sTanhEP : sTanhVector {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     Halves<V> u[K];
@@ -67,7 +95,7 @@ struct sTanhEP : sTanhCommon<> {
 
 // g is the rounded divisor less 1, so that the rounding of the divisor, in both sides of the
 // quotient, weighs little where the result is close to 1.
-struct sTanhLA : sTanhCommon<> {
+struct sTanhLA : sTanhVector {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     Halves<V> u[K];

@@ -302,47 +302,17 @@ alignas(64) inline constexpr double dExp_EP_Table[128] = {
     0x1.f50765b6e454p-1, 0x1.f7bfdad9cbe14p-1, 0x1.fa7c1819e90d8p-1, 0x1.fd3c22b8f71f1p-1,
 };
 
-// 2^(a/8)/2, less an ulp.
-alignas(64) inline constexpr double dExpEighths[8] = {
-    0x1.fffffffffffffp-2,
-    0x1.172b83c7d517ap-1,
-    0x1.306fe0a31b714p-1,
-    0x1.4bfdad5362a26p-1,
-    0x1.6a09e667f3bccp-1,
-    0x1.8ace5422aa0dap-1,
-    0x1.ae89f995ad3acp-1,
-    0x1.d5818dcfba486p-1,};
-
-// 2^(b/128).
+// 2^(j/128)/2, j = 16 a + b, is dExpCoarse[a] + dExpCoarse[a] dExpFine[b], rounded once.
+alignas(64) inline constexpr double dExpCoarse[8] = {
+    0x1.0b15b7603effp-1, 0x1.234210fc4adc1p-1, 0x1.3d9e8289f973ap-1, 0x1.5a5dbd6457704p-1,
+    0x1.79b70973823eap-1, 0x1.9be6af7afadfdp-1, 0x1.c12e6d07140d7p-1, 0x1.e9d5f2d869d19p-1,
+};
 alignas(64) inline constexpr double dExpFine[16] = {
-    0x1p+0,
-    0x1.0163da9fb3335p+0,
-    0x1.02c9a3e778061p+0,
-    0x1.04315e86e7f85p+0,
-    0x1.059b0d3158574p+0,
-    0x1.0706b29ddf6dep+0,
-    0x1.0874518759bc8p+0,
-    0x1.09e3ecac6f383p+0,
-    0x1.0b5586cf9890fp+0,
-    0x1.0cc922b7247f7p+0,
-    0x1.0e3ec32d3d1a2p+0,
-    0x1.0fb66affed31bp+0,
-    0x1.11301d0125b51p+0,
-    0x1.12abdc06c31ccp+0,
-    0x1.1429aaea92dep+0,
-    0x1.15a98c8a58e51p+0,};
-
-// Bits 4b to 4b + 3 of word a: by how many ulps dExpEighths[a] * dExpFine[b] falls short
-// of the rounded power.
-alignas(64) inline constexpr uint64_t dExpShortfall[8] = {
-    0x1111111111111111,
-    0x1010111111111121,
-    0x1111112121121111,
-    0x1111111111121111,
-    0x0111110111110111,
-    0x2111122222121121,
-    0x2121111221221131,
-    0x1120112211120121,};
+    -0x1.53fe28e249ef5p-5, -0x1.295b70b91cfcp-5, -0x1.fcfae902ca672p-6, -0x1.a6c7c3b24afcbp-6,
+    -0x1.501ccbd7b90fdp-6, -0x1.f1f2b5c7963f2p-7, -0x1.42b992bf61748p-7, -0x1.2519bbaf429d9p-8,
+    0x1.e94bb82f55aa5p-11, 0x1.a1591b74a22cdp-8, 0x1.83bbef11920f8p-7, 0x1.1be21bd3cde88p-6,
+    0x1.766360bcd54e7p-6, 0x1.d1627432f62c7p-6, 0x1.1670028b87462p-5, 0x1.446e619e89d22p-5,
+};
 
 // Low 52 bits: significand of 2^(j/1024), j = 0 .. 1023. Above: 2048 + the rest below that
 // double in units of 2^-64 of it.

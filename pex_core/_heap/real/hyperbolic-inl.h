@@ -17,6 +17,7 @@
 #include "pex_core/_heap/real/hyperbolic_tables.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/_kernel/hardware-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 
 #if defined(PEX_CORE__HEAP_REAL_HYPERBOLIC_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -78,49 +79,37 @@ struct SingleEighthLookup {
   }
 };
 
-// x and 2^-300 (single: 2^-36), for products that must not underflow and matter only beside 1.
+// x and 2^-300 (single: 2^-38), for products that must not underflow and matter only beside 1. It
+// changes no x whose square or product does matter there.
 template <class D, class V>
 HWY_INLINE V AboveUnderflow(D d, V x) {
-  return hn::Add(x, hn::Set(d, sizeof(hn::TFromD<D>) == 8 ? 0x1p-300 : 0x1p-36f));
+  return hn::Add(x, hn::Set(d, sizeof(hn::TFromD<D>) == 8 ? 0x1p-300 : 0x1p-38f));
 }
 
-// AVX-512 multiplies floats without raising a flag. The products here are the same as those of the
-// other levels wherever what they lack matters.
-#if HWY_TARGET == HWY_AVX3
-template <class V>
-HWY_INLINE V SilentMul(V x, V y) {
-  return V{_mm512_mul_round_ps(x.raw, y.raw, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
+// x for products by SilentMul that matter only beside 1.
+template <class D, class V>
+HWY_INLINE V BesideOne(D d, V x) {
+  if constexpr (kHasSilentMul<V>) return x;
+  return AboveUnderflow(d, x);
 }
-template <class V>
-inline constexpr bool kHasSilentMul = std::is_same_v<decltype(V::raw), __m512>;
-#else
-template <class V>
-inline constexpr bool kHasSilentMul = false;
-#endif
 
-// x c for a step's number, x >= 0.
+// x c for a step's number.
 template <class D, class V>
 HWY_INLINE V StepsFromZero(D d, V x, hn::TFromD<D> c) {
-#if HWY_TARGET == HWY_AVX3
-  if constexpr (kHasSilentMul<V>) return SilentMul(x, hn::Set(d, c));
-#endif
-  return hn::Mul(AboveUnderflow(d, x), hn::Set(d, c));
+  return SilentMul(BesideOne(d, x), hn::Set(d, c));
 }
 
 // c r^2 of floats beside 1, r below 2^-28 only if it stands for itself. 2^-60 changes no other r.
 template <class D, class V>
 HWY_INLINE V SquareBesideOne(D d, V r, float c) {
-#if HWY_TARGET == HWY_AVX3
-  if constexpr (kHasSilentMul<V>) return SilentMul(SilentMul(r, r), hn::Set(d, c));
-#endif
-  const V w = hn::Add(r, hn::Set(d, 0x1p-60f));
-  return hn::Mul(hn::Mul(w, w), hn::Set(d, c));
+  const V w = kHasSilentMul<V> ? r : hn::Add(r, hn::Set(d, 0x1p-60f));
+  return SilentMul(SilentMul(w, w), hn::Set(d, c));
 }
 
 template <class D, class V>
 HWY_INLINE V SquareNearZero(D d, V r) {
-  const V w = AboveUnderflow(d, r);
-  return hn::Mul(w, w);
+  const V w = BesideOne(d, r);
+  return SilentMul(w, w);
 }
 
 // |x|, 0 for tiny x, and the result of F for those other arguments with the sign of x put back; a
@@ -153,7 +142,7 @@ HWY_INLINE NearestStep<D> ToNearestStep(D d, V x, hn::TFromD<D> steps) {
   return ToNearestStep(d, hn::Mul(x, hn::Set(d, steps)));
 }
 
-// ---- Cosh and sinh, 0 <= x < 704 or, in single precision, x < 86.5 ----
+// ---- Cosh and sinh, 0 <= x < 704 or, in single precision, x < 86.5; with plain points |x| ----
 
 // Steps of ln2/8 = kHi + kLo, the product of any k and the first part exact.
 template <typename T>
@@ -215,8 +204,8 @@ HWY_INLINE HyperbolicSplit<V> Split(D d, V x) {
   HyperbolicSplit<V> u;
   V turn = x;
   if constexpr (kPoints == Points::kLate) turn = hn::Sub(x, hn::Set(d, Steps::kDelay));
-  const V steps =
-      kFromZero ? StepsFromZero(d, x, Steps::kPerUnit) : hn::Mul(turn, hn::Set(d, Steps::kPerUnit));
+  const V steps = kFromZero ? StepsFromZero(d, x, Steps::kPerUnit)
+                            : SilentMul(turn, hn::Set(d, Steps::kPerUnit));
   const auto [k, kd] = ToNearestStep(d, steps);
   const typename Steps::template Lookup<D> lookup(k);
   const auto n = hn::ShiftLeft<Steps::kToExponent>(k);
@@ -248,9 +237,9 @@ template <class D, class V, size_t N, size_t M>
 HWY_INLINE V HyperbolicSum(D d, V a, V b, V r, V r2, const hn::TFromD<D> (&even)[N],
                            const hn::TFromD<D> (&odd)[M]) {
   const V one = hn::Set(d, static_cast<hn::TFromD<D>>(1));
-  const V c = hn::Mul(r2, Horner(d, r2, even));
-  const V s = hn::Mul(r, hn::Add(hn::Mul(r2, Horner(d, r2, odd)), one));
-  return hn::Add(a, hn::Add(hn::Mul(a, c), hn::Mul(b, s)));
+  const V c = SilentMul(r2, SilentHorner(d, r2, even));
+  const V s = hn::Mul(r, hn::Add(SilentMul(r2, SilentHorner(d, r2, odd)), one));
+  return hn::Add(a, hn::Add(SilentMul(a, c), SilentMul(b, s)));
 }
 
 // The same with sinh r = r t, t = 1 + c r^2, and, as near, cosh r = 1 + r^2 (1 + t)/4. w is r as
@@ -258,21 +247,38 @@ HWY_INLINE V HyperbolicSum(D d, V a, V b, V r, V r2, const hn::TFromD<D> (&even)
 template <class D, class V>
 HWY_INLINE V HyperbolicShortSum(D d, V a, V b, V r, V w, hn::TFromD<D> c) {
   using T = hn::TFromD<D>;
-  const V t = hn::Add(hn::Mul(hn::Mul(w, w), hn::Set(d, c)), hn::Set(d, T(1)));
-  const V q = hn::Mul(a, hn::Mul(w, hn::Set(d, T(0.25))));
-  return hn::Add(a, hn::Mul(r, hn::Add(hn::Mul(hn::Add(b, q), t), q)));
+  const V t = hn::Add(SilentMul(SilentMul(w, w), hn::Set(d, c)), hn::Set(d, T(1)));
+  const V q = SilentMul(a, SilentMul(w, hn::Set(d, T(0.25))));
+  return hn::Add(a, SilentMul(r, hn::Add(SilentMul(hn::Add(b, q), t), q)));
 }
 
-// cosh x for x >= 2^-300 (single: 2^-36), which has the square of r without an underflow.
+// cosh x for an x of BesideOne, with plain points of either sign: for -x they have A and B in each
+// other's places, and the result is the same.
 template <Points kPoints, class D, class V, size_t K, size_t N, size_t M>
-HWY_INLINE void CoshOfMagnitude(D d, const V (&x)[K], V (&out)[K], const hn::TFromD<D> (&even)[N],
-                                const hn::TFromD<D> (&odd)[M]) {
+HWY_INLINE void CoshOf(D d, const V (&x)[K], V (&out)[K], const hn::TFromD<D> (&even)[N],
+                       const hn::TFromD<D> (&odd)[M]) {
   HyperbolicSplit<V> u[K];
   for (size_t k = 0; k < K; ++k) u[k] = Split<kPoints>(d, x[k]);
   for (size_t k = 0; k < K; ++k) {
     const auto& [grow, decay, r, rest] = u[k];
     const V a = hn::Add(grow, decay), b = hn::Sub(grow, decay);
-    out[k] = HyperbolicSum(d, a, b, r, hn::Mul(r, r), even, odd);
+    out[k] = HyperbolicSum(d, a, b, r, SilentMul(r, r), even, odd);
+  }
+}
+
+// The same with an operation less: C + S r + r^2 (C even + S r odd).
+template <class D, class V, size_t K, size_t N, size_t M>
+HWY_INLINE void CoshLA(D d, const V (&x)[K], V (&out)[K], const hn::TFromD<D> (&even)[N],
+                       const hn::TFromD<D> (&odd)[M]) {
+  HyperbolicSplit<V> u[K];
+  for (size_t k = 0; k < K; ++k) u[k] = Split<Points::kPlain>(d, x[k]);
+  for (size_t k = 0; k < K; ++k) {
+    const auto& [grow, decay, r, rest] = u[k];
+    const V a = hn::Add(grow, decay), linear = hn::Mul(hn::Sub(grow, decay), r);
+    const V r2 = SilentMul(r, r);
+    const V bend =
+        hn::Add(hn::Mul(a, SilentHorner(d, r2, even)), hn::Mul(linear, SilentHorner(d, r2, odd)));
+    out[k] = hn::Add(a, hn::Add(linear, SilentMul(r2, bend)));
   }
 }
 
