@@ -33,6 +33,13 @@ HWY_INLINE hn::Vec<D> FromBits(D d, BitsOf<D> bits) {
   return hn::BitCast(d, bits);
 }
 
+// The bits moved to the right, zeros after them: AVX2 has no such shift of 64 bits with the sign.
+template <int kShift, class D>
+HWY_INLINE BitsOf<D> ShiftBitsRight(D, hn::Vec<D> x) {
+  const hn::RebindToUnsigned<D> du;
+  return hn::BitCast(hn::RebindToSigned<D>(), hn::ShiftRight<kShift>(hn::BitCast(du, x)));
+}
+
 template <class D>
 HWY_INLINE BitsOf<D> SetBits(D, uint64_t bits) {
   const hn::RebindToSigned<D> di;

@@ -44,7 +44,7 @@ struct dErfCommon : Kernel<double> {
 // in order of u = c d and v = d^2: A(u) + v B(u) + b v^2 + ..., A(u) = -u + 2/3 u^2 - 1/3 u^3 +
 // 2/15 u^4, B(u) = -1/3 + 1/2 u - 2/5 u^2, b = 1/10.
 template <class D>
-using ErfRowNumbers = RowNumbers<16, D>;
+using ErfRowNumbers = RowOffsets<16, D>;
 
 // A step at a time where the registers are few and a computation waits for its own results.
 template <class V, size_t K>

@@ -96,7 +96,7 @@ struct sErfInvHAKernel : Kernel<float, double> {
     V a[K];
     for (size_t k = 0; k < K; ++k) {
       a[k] = x[k];
-      u[k] = Function::Split(wide, hn::PromoteTo(wide, x[k]));
+      u[k] = Function::SplitFine(wide, hn::PromoteTo(wide, x[k]));
     }
     ErfInvCubic<Function, kErfInvFineOctaves, kErfInvFineBits>(wide, kErfInvFine, u, y);
     const bool open = AnyRoundingInDoubt<15>(wide, y);
