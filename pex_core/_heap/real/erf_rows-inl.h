@@ -4,7 +4,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <type_traits>
 
 #include "hwy/highway.h"
 #include "pex_core/_kernel/bits-inl.h"
@@ -65,27 +64,6 @@ class RowOffsets {
   HWY_ALIGN int64_t at_[hn::MaxLanes(D())];
 };
 
-// The same with the numbers taken out of the lanes one by one.
-template <size_t kBytes, class D>
-class RowNumbers {
- public:
-  HWY_INLINE void Set(D, BitsOf<D> j) {
-    StoreForLanes(hn::RebindToSigned<D>(), j, at_);
-    asm("" : "+m"(at_));
-  }
-  HWY_INLINE const double* Of(const double* table, size_t lane) const {
-    const size_t j = static_cast<uint16_t>(at_[lane]);
-    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(table) + kBytes * j);
-  }
-
- private:
-  HWY_ALIGN int64_t at_[hn::MaxLanes(D())];
-};
-
-// What of the two takes less time where the arithmetic is long: with four lanes the numbers.
-template <size_t kBytes, class D>
-using RowPlaces = std::conditional_t<false, RowNumbers<kBytes, D>, RowOffsets<kBytes, D>>;
-
 // Rows of two numbers.
 template <class V>
 struct Row2 {
@@ -120,13 +98,14 @@ template <class D>
 class SingleRows {
  public:
   HWY_INLINE void Set(D d, BitsOf<D> j) {
-    StoreForLanes(hn::RebindToSigned<D>(), hn::And(j, SetBits(d, 0xFFFF)), at_);
+    (void)d;
+    StoreForLanes(hn::RebindToSigned<D>(), j, at_);
     asm("" : "+m"(at_));
   }
   HWY_INLINE Row2<VecOf<D>> Load(const float* rows) const {
     using V = VecOf<D>;
     const auto row = [&](size_t k) HWY_ATTR {
-      return reinterpret_cast<const double*>(rows + 2 * size_t{static_cast<uint32_t>(at_[k])});
+      return reinterpret_cast<const double*>(rows + 2 * size_t{static_cast<uint16_t>(at_[k])});
     };
 #if HWY_TARGET == HWY_SSE4
     const auto pair = [&](size_t lane) HWY_ATTR {
