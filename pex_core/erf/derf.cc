@@ -150,7 +150,7 @@ struct dErfLA : dErfCommon {
 // Below 1/4 x (2/sqrt(pi) + x^2 P(x^2)), the first product in full; beyond, the table, where d s is
 // less than a 64th of the result.
 struct dErfHA : Kernel<double> {
-  static constexpr int kUnroll = 6;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 6;
   // Not zero and so small that the error of a product underflows; infinities, NaN.
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, V x) {

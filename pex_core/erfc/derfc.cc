@@ -42,7 +42,7 @@ struct dErfcKernel : dErfcShort<kTier, false> {
 };
 
 struct dErfcHA : Kernel<double> {
-  static constexpr int kUnroll = 6;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 6;
   // Common from -8164 to 26.54, where the result comes close to the subnormal numbers.
   struct Rarity : RareAbove<double, 0x40AFFF14> {  // |x + 4069| > 4095.54
     template <class D>

@@ -106,8 +106,15 @@ struct sErfInvHAKernel : Kernel<float, double> {
     }
   }
 
+  // Of the vectors of a group few are in doubt, mostly one.
   template <class D, class V>
   static HWY_NOINLINE V InFull(D d, V x) {
+    const hn::Rebind<double, D> wide;
+    const ErfInvArgument<VecOf<hn::Rebind<double, D>>> u[1] = {
+        Function::SplitFine(wide, hn::PromoteTo(wide, x))};
+    VecOf<hn::Rebind<double, D>> y[1];
+    ErfInvCubic<Function, kErfInvFineOctaves, kErfInvFineBits>(wide, kErfInvFine, u, y);
+    if (!AnyRoundingInDoubt<15>(wide, y)) return hn::DemoteTo(d, y[0]);
     const V in[1] = {x};
     V out[1];
     Wide::MainGroup(d, in, out);
