@@ -10,6 +10,7 @@
 #include "pex_core/_heap/real/erf_tables.h"
 #include "pex_core/_heap/real/erfc-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 
 #if defined(PEX_CORE__HEAP_REAL_ERF_FINE_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -64,14 +65,24 @@ HWY_INLINE void FromFineRows(D d, const V (&x)[K], V (&y)[K]) {
   for (size_t k = 0; k < K; ++k) {
     const V dx = hn::Sub(safe[k], c[k]);
     w[k] = hn::Mul(dx, hn::Add(safe[k], c[k]));
-    w2[k] = hn::Mul(w[k], w[k]);
+    if constexpr (kTier != ErfcTier::kShort) w2[k] = hn::Mul(w[k], w[k]);
     v[k] = hn::Mul(dx, dx);
     row[k].b = hn::Mul(row[k].b, dx);
   }
+  if constexpr (kTier == ErfcTier::kShort) {
+    // Its results are tried for a rounding in doubt.
+    constexpr auto& kMean = Function::kMeanShort;
+    for (size_t k = 0; k < K; ++k) {
+      V p = hn::Set(d, kMean[3]);
+      for (size_t i = 3; i-- > 0;) p = HiddenMulAdd(w[k], p, hn::Set(d, kMean[i]));
+      const V mean = HiddenMulAdd(w[k], p, hn::Set(d, 1.0));
+      t[k] = HiddenMulAdd(mean, hn::Mul(v[k], hn::Set(d, Function::kSquare)), mean);
+      y[k] = HiddenMulAdd(row[k].b, t[k], row[k].a);
+    }
+    return;
+  }
   if constexpr (kTier == ErfcTier::kLA) {
     EvenOdd(d, w, w2, Function::kMean, t);
-  } else if constexpr (kTier == ErfcTier::kShort) {
-    EvenOdd(d, w, w2, Function::kMeanShort, t);
   } else {
     EvenOdd(d, w, w2, Function::kMeanEP, t);
   }

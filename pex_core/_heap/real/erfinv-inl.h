@@ -109,8 +109,9 @@ struct InverseOfCdfNorm {
 };
 
 // By cubics in q - (the beginning of its interval): `table` has kOctaves octaves of 2^kBits rows
-// and one for q = 1. x = 1 - q may be rounded.
-template <class Function, int kOctaves, int kBits, class D, class V, size_t K>
+// and one for q = 1. x = 1 - q may be rounded. kHidden: for results that are tried for
+// a rounding in doubt.
+template <class Function, int kOctaves, int kBits, bool kHidden = false, class D, class V, size_t K>
 HWY_INLINE void ErfInvCubic(D d, const double (*table)[4], const ErfInvArgument<V> (&u)[K],
                             V (&y)[K]) {
   constexpr uint64_t kRowBytes = sizeof(table[0]);
@@ -128,9 +129,10 @@ HWY_INLINE void ErfInvCubic(D d, const double (*table)[4], const ErfInvArgument<
   for (size_t k = 0; k < K; ++k) {
     const auto row = LoadRows4(d, &table[0][0], at[k]);
     const V t = hn::Sub(u[k].q, begin[k]);
-    V g = hn::Add(row.c, hn::Mul(t, row.d));
-    g = hn::Add(row.b, hn::Mul(t, g));
-    g = hn::Add(row.a, hn::Mul(t, g));
+    const auto step = [t](V low, V g) HWY_ATTR {
+      return kHidden ? HiddenMulAdd(t, g, low) : hn::Add(low, hn::Mul(t, g));
+    };
+    const V g = step(row.a, step(row.b, step(row.c, row.d)));
     const V m = Function::kFactor == 1 ? u[k].x : hn::Mul(u[k].x, hn::Set(d, Function::kFactor));
     y[k] = hn::Mul(m, g);
   }

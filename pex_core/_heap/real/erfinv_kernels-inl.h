@@ -98,7 +98,7 @@ struct sErfInvHAKernel : Kernel<float, double> {
       a[k] = x[k];
       u[k] = Function::SplitFine(wide, hn::PromoteTo(wide, x[k]));
     }
-    ErfInvCubic<Function, kErfInvFineOctaves, kErfInvFineBits>(wide, kErfInvFine, u, y);
+    ErfInvCubic<Function, kErfInvFineOctaves, kErfInvFineBits, true>(wide, kErfInvFine, u, y);
     const bool open = AnyRoundingInDoubt<15>(wide, y);
     for (size_t k = 0; k < K; ++k) out[k] = hn::DemoteTo(d, y[k]);
     if (open) [[unlikely]] {
@@ -113,7 +113,7 @@ struct sErfInvHAKernel : Kernel<float, double> {
     const ErfInvArgument<VecOf<hn::Rebind<double, D>>> u[1] = {
         Function::SplitFine(wide, hn::PromoteTo(wide, x))};
     VecOf<hn::Rebind<double, D>> y[1];
-    ErfInvCubic<Function, kErfInvFineOctaves, kErfInvFineBits>(wide, kErfInvFine, u, y);
+    ErfInvCubic<Function, kErfInvFineOctaves, kErfInvFineBits, true>(wide, kErfInvFine, u, y);
     if (!AnyRoundingInDoubt<15>(wide, y)) return hn::DemoteTo(d, y[0]);
     const V in[1] = {x};
     V out[1];
