@@ -1,5 +1,5 @@
 // Writes pex_core/_heap/real/erf_tables.cc: the error function and its complement at multiples of
-// 1/128 or next to them.
+// 1/128 and 1/256 or next to them.
 #include <mpfr.h>
 
 #include <bit>
@@ -169,27 +169,56 @@ void TailAt(double c) {
   mpfr_div_2ui(slope, slope, 1, MPFR_RNDN);
 }
 
-// The normal distribution function at c and its density, from value and slope of TailAt(-c).
-void CdfNorm() {
-  std::printf("\nalignas(64) const ErfcRow kCdfNormRows[kCdfNormRowCount] = {");
-  for (int j = 0; j < pex::kCdfNormRowCount; ++j) {
-    TailAt((pex::kCdfNormFirst - j) / 128.0);
-    mpfr_mul_2ui(value, value, pex::kErfcScale, MPFR_RNDN);
-    mpfr_mul_2ui(slope, slope, pex::kErfcScale + 1, MPFR_RNDN);
+void ErfcFine() {
+  std::printf("\nalignas(64) const ErfcRow kErfcFineRows[kErfcFineRowCount] = {");
+  for (int j = 0; j < pex::kErfcFineRowCount; ++j) {
+    At((j - pex::kErfcFineFirst) / 256.0, true);
     std::printf("%s{%a, %a},", j % 2 ? " " : "\n    ", mpfr_get_d(value, MPFR_RNDN),
-                mpfr_get_d(slope, MPFR_RNDN));
+                -mpfr_get_d(slope, MPFR_RNDN));
   }
   std::printf("\n};\n");
 }
 
-void Single(const char* name, const char* count_name, int count, bool normal) {
+// The normal distribution function at c and its density, from value and slope of TailAt(-c).
+void CdfNorm() {
+  std::printf("\nalignas(64) const ErfcRow kCdfNormRows[kCdfNormRowCount] = {");
+  for (int j = 0; j < pex::kCdfNormRowCount; ++j) {
+    TailAt((pex::kCdfNormFirst - j) / 256.0);
+    std::printf("%s{%a, %a},", j % 2 ? " " : "\n    ", mpfr_get_d(value, MPFR_RNDN),
+                2 * mpfr_get_d(slope, MPFR_RNDN));
+  }
+  std::printf("\n};\n");
+}
+
+void Single(const char* name, const char* count_name, int first, int count, bool normal) {
   std::printf("\nalignas(64) const ErfcSingleRow %s[%s] = {", name, count_name);
   for (int j = 0; j < count; ++j) {
-    normal ? TailAt(j / 128.0) : At(j / 128.0, true);
+    const double c = (j - first) / 128.0;
+    normal ? TailAt(c) : At(c, true);
     mpfr_mul_2ui(value, value, pex::kErfcSingleScale, MPFR_RNDN);
     mpfr_mul_2ui(slope, slope, pex::kErfcSingleScale, MPFR_RNDN);
     std::printf("%s{%af, %af},", j % 3 ? " " : "\n    ", mpfr_get_flt(value, MPFR_RNDN),
                 mpfr_get_flt(slope, MPFR_RNDN));
+  }
+  std::printf("\n};\n");
+}
+
+// The lines with the slope of the chord, halfway between it and the curve.
+void Linear(const char* name, const char* count_name, double first, int count, bool normal) {
+  const auto f = [normal](double c) {
+    normal ? TailAt(c) : At(c, true);
+    return mpfr_get_d(value, MPFR_RNDN);
+  };
+  std::printf("\nalignas(64) const ErfcSingleRow %s[%s] = {", name, count_name);
+  for (int j = 0; j < count; ++j) {
+    constexpr double kHalf = 1.0 / 512;
+    const double t = j / 256.0, c = t - first, left = f(c - kHalf), right = f(c + kHalf);
+    int exponent;
+    const double chord = std::frexp((left - right) * (1 / (2 * kHalf)), &exponent);
+    const double slope12 = std::ldexp(std::nearbyint(chord * 4096), exponent - 12);
+    const double middle = (f(c) + (left + right) / 2) / 2;
+    std::printf("%s{%af, %af},", j % 3 ? " " : "\n    ", static_cast<float>(middle + slope12 * t),
+                static_cast<float>(slope12));
   }
   std::printf("\n};\n");
 }
@@ -207,8 +236,13 @@ int main() {
   ErfShort();
   Erfc(false);
   Erfc(true);
+  ErfcFine();
   CdfNorm();
-  Single("kErfcSingleRows", "kErfcSingleRowCount", pex::kErfcSingleRowCount, false);
-  Single("kCdfNormSingleRows", "kCdfNormSingleRowCount", pex::kCdfNormSingleRowCount, true);
+  Single("kErfcSingleRows", "kErfcSingleRowCount", pex::kErfcSingleFirst, pex::kErfcSingleRowCount,
+         false);
+  Single("kCdfNormSingleRows", "kCdfNormSingleRowCount", pex::kCdfNormSingleFirst,
+         pex::kCdfNormSingleRowCount, true);
+  Linear("kErfcLinearRows", "kErfcLinearRowCount", 4, pex::kErfcLinearRowCount, false);
+  Linear("kCdfNormLinearRows", "kCdfNormLinearRowCount", 6, pex::kCdfNormLinearRowCount, true);
   std::printf("\n}  // namespace pex\n");
 }

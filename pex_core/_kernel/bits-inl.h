@@ -33,6 +33,13 @@ HWY_INLINE hn::Vec<D> FromBits(D d, BitsOf<D> bits) {
   return hn::BitCast(d, bits);
 }
 
+// The bits moved to the right, zeros after them: AVX2 has no such shift of 64 bits with the sign.
+template <int kShift, class D>
+HWY_INLINE BitsOf<D> ShiftBitsRight(D, hn::Vec<D> x) {
+  const hn::RebindToUnsigned<D> du;
+  return hn::BitCast(hn::RebindToSigned<D>(), hn::ShiftRight<kShift>(hn::BitCast(du, x)));
+}
+
 template <class D>
 HWY_INLINE BitsOf<D> SetBits(D, uint64_t bits) {
   const hn::RebindToSigned<D> di;
@@ -198,6 +205,61 @@ HWY_INLINE VecOf<hn::Repartition<float, D>> HighWords(D, V x, V y) {
   if constexpr (sizeof(x) == 16) return {_mm_shuffle_ps(a.raw, b.raw, 0xDD)};
 }
 
+// Rare: outside of an interval from kEnd on, up or down: the distance from kEnd is above kHighWord
+// (double, with 32 ones below; single: kHighWord alone), where negative distances and NaN, as
+// unsigned integers, are above all others. It joins keys its own way, and a kernel's IsRare is its
+// Lanes.
+template <typename T, T kEnd, bool kUp, int32_t kHighWord>
+struct RareByDistance {
+  template <class D>
+  using Keys = hn::Vec<hn::RebindToUnsigned<D>>;
+#if HWY_TARGET == HWY_AVX3
+  template <class D>
+  using Words = hn::RebindToUnsigned<D>;
+#else
+  template <class D>
+  using Words = hn::Repartition<uint32_t, D>;
+#endif
+  template <class D>
+  static HWY_INLINE VecOf<D> Distance(D d, VecOf<D> x) {
+    return kUp ? hn::Sub(x, hn::Set(d, kEnd)) : hn::Sub(hn::Set(d, kEnd), x);
+  }
+  template <class D>
+  static HWY_INLINE Keys<D> Key(D d, VecOf<D> x) {
+    return hn::BitCast(hn::RebindToUnsigned<D>(), Distance(d, x));
+  }
+  template <class D>
+  static HWY_INLINE Keys<D> Joined(D d, Keys<D> key, VecOf<D> x) {
+    const Words<D> words;
+    const auto most = hn::Max(hn::BitCast(words, key), hn::BitCast(words, Key(d, x)));
+    return hn::BitCast(hn::RebindToUnsigned<D>(), most);
+  }
+  // By the sign of a lane.
+  template <class D>
+  static HWY_INLINE MaskOf<D> Above(D d, Keys<D> key) {
+    const Words<D> words;
+    using W = hn::TFromD<Words<D>>;
+    constexpr W kLimit = sizeof(W) == 8
+                             ? static_cast<W>(static_cast<uint64_t>(kHighWord) << 32 | 0xFFFFFFFF)
+                             : static_cast<W>(kHighWord);
+    const auto above = hn::Gt(hn::BitCast(words, key), hn::Set(words, kLimit));
+#if HWY_TARGET == HWY_AVX3
+    return hn::RebindMask(d, above);
+#else
+    return hn::MaskFromVec(hn::BitCast(d, hn::VecFromMask(words, above)));
+#endif
+  }
+  template <class D>
+  static HWY_INLINE bool Any(D d, Keys<D> key) {
+    return !hn::AllFalse(d, Above(d, key));
+  }
+  template <class D>
+  static HWY_INLINE MaskOf<D> Lanes(D d, VecOf<D> x) {
+    const auto above = hn::VecFromMask(d, Above(d, Key(d, x)));
+    return hn::RebindMask(d, hn::Lt(Bits(d, above), SetBits(d, 0)));
+  }
+};
+
 // The larger of two keys; of doubles' keys at least its high word.
 template <class D>
 HWY_INLINE BitsOf<D> JoinKeys(D d, BitsOf<D> a, BitsOf<D> b) {
@@ -232,27 +294,41 @@ HWY_INLINE hn::Mask<D> LanesAbove(D d, BitsOf<D> key, int64_t limit) {
   return hn::RebindMask(d, hn::Lt(Bits(d, above), SetBits(d, 0)));
 }
 
+inline constexpr uint64_t kDoubtHalf = uint64_t{1} << 28;
+template <int kError>
+inline constexpr uint64_t kDoubtNear = 2 * kDoubtHalf - (uint64_t{2} << kError);
+
 // Whether another float than that next to y may be next to a number that y is known to be within
 // 2^kError - 1 units in its last place of.
 template <int kError, class D, class V>
 HWY_INLINE MaskOf<D> RoundingInDoubt(D d, V y) {
-  constexpr uint64_t kHalf = uint64_t{1} << 28, kError1 = uint64_t{1} << kError;
-  const auto shifted = hn::Add(Bits(d, y), SetBits(d, kHalf + kError1));
-  const auto near = SetBits(d, 2 * kHalf - 2 * kError1);
+  const auto shifted = hn::Add(Bits(d, y), SetBits(d, kDoubtHalf + (uint64_t{1} << kError)));
 #if HWY_TARGET == HWY_AVX3
-  (void)d;
-  return MaskOf<D>{_mm512_testn_epi64_mask(shifted.raw, near.raw)};
+  return MaskOf<D>{_mm512_testn_epi64_mask(shifted.raw, SetBits(d, kDoubtNear<kError>).raw)};
 #else
-  return hn::RebindMask(d, hn::Eq(hn::And(shifted, near), SetBits(d, 0)));
+  return hn::RebindMask(d, hn::Eq(hn::And(shifted, SetBits(d, kDoubtNear<kError>)), SetBits(d, 0)));
 #endif
 }
 
 // The same of any lane of several vectors.
 template <int kError, class D, class V, size_t K>
 HWY_INLINE bool AnyRoundingInDoubt(D d, const V (&y)[K]) {
+#if HWY_TARGET == HWY_AVX3
   auto open = RoundingInDoubt<kError>(d, y[0]);
   for (size_t k = 1; k < K; ++k) open = hn::Or(open, RoundingInDoubt<kError>(d, y[k]));
   return !hn::AllFalse(d, open);
+#else
+  // The least distance, in the low words: the others are 0.
+  const hn::Repartition<uint32_t, D> d32;
+  const auto distance = [&](size_t k) HWY_ATTR {
+    const auto shifted = hn::Add(Bits(d, y[k]), SetBits(d, kDoubtHalf + (uint64_t{1} << kError)));
+    return hn::BitCast(d32, hn::And(shifted, SetBits(d, kDoubtNear<kError>)));
+  };
+  auto least = distance(0);
+  for (size_t k = 1; k < K; ++k) least = hn::Min(least, distance(k));
+  const hn::RebindToSigned<D> di;
+  return !hn::AllFalse(di, hn::Eq(hn::BitCast(di, least), SetBits(d, 0)));
+#endif
 }
 
 }  // namespace pex::HWY_NAMESPACE

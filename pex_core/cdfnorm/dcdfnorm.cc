@@ -4,7 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/cdfnorm-inl.h"
-#include "pex_core/_heap/real/erfc-inl.h"
+#include "pex_core/_heap/real/erf_fine-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/erfc/erfc_rare.h"
@@ -14,26 +14,28 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdCdfNorm";
 
-struct dCdfNormCommon : Kernel<double> {
-  // Common from -37.509 to 8153; below, the result comes close to the subnormal numbers.
-  struct Rarity : RareAbove<double, 0x40AFFF04> {  // |x - 4058| > 4095.51
-    template <class D>
-    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-      return Bits(d, hn::Abs(hn::Sub(x, hn::Set(d, 4058.0))));
-    }
-  };
+// The table from -36.65 to 8.65. Beyond, the result is 1 (Wide) or less than 2^-978 (rare).
+template <ErfcTier kTier, bool kBeyond>
+struct dCdfNormShort : Kernel<double> {
+  static constexpr int kUnroll = 6;
+  using Rarity = RareByDistance<double, kBeyond ? 8153.0 : 8.65, false,
+                                kBeyond ? 0x40BFFDA6 : 0x4046A666>;  // 8189.65 and 45.3
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
+    return Rarity::Lanes(d, x);
+  }
   static HWY_INLINE int Rare(double x, double* r) { return dCdfNormRare(x, r); }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    V inner[K];
+    for (size_t k = 0; k < K; ++k) inner[k] = kBeyond ? hn::Min(x[k], hn::Set(d, 8.5)) : x[k];
+    FromFineRows<CdfNormFine, kTier>(d, inner, out);
+  }
 };
 
 template <ErfcTier kTier>
-struct dCdfNormShort : dCdfNormCommon {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 3;
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    V y[K];
-    CdfNormScaled<kTier>(d, x, y);
-    for (size_t k = 0; k < K; ++k) out[k] = hn::Mul(y[k], hn::Set(d, 0x1p-300));
-  }
+struct dCdfNormKernel : dCdfNormShort<kTier, false> {
+  using Wide = dCdfNormShort<kTier, true>;
 };
 
 template <class Part, bool kBeyond>
@@ -47,21 +49,32 @@ struct dCdfNormAccurate : Part {
 };
 
 // From -37.5097, inside the common part, to 8.5097.
-struct dCdfNormCurve : dCdfNormCommon {
-  struct Rarity : RareAbove<double, 0x4037027E> {  // |x + 14.5| > 23.0097
+struct dCdfNormCurve : Kernel<double> {
+  using Rarity = RareByDistance<double, 8.5097, false, 0x4047027B>;  // 46.0194
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
+    return Rarity::Lanes(d, x);
+  }
+  static HWY_INLINE int Rare(double x, double* r) { return dCdfNormRare(x, r); }
+};
+
+struct dCdfNormCommon : Kernel<double> {
+  // Common from -37.509 to 8153; below, the result comes close to the subnormal numbers.
+  struct Rarity : RareAbove<double, 0x40AFFF04> {  // |x - 4058| > 4095.51
     template <class D>
     static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-      return Bits(d, hn::Abs(hn::Add(x, hn::Set(d, 14.5))));
+      return Bits(d, hn::Abs(hn::Sub(x, hn::Set(d, 4058.0))));
     }
   };
+  static HWY_INLINE int Rare(double x, double* r) { return dCdfNormRare(x, r); }
 };
 
 struct dCdfNormHA : dCdfNormAccurate<dCdfNormCurve, false> {
   using Wide = dCdfNormAccurate<dCdfNormCommon, true>;
 };
 
-using dCdfNormEP = dCdfNormShort<ErfcTier::kEP>;
-using dCdfNormLA = dCdfNormShort<ErfcTier::kLA>;
+using dCdfNormEP = dCdfNormKernel<ErfcTier::kEP>;
+using dCdfNormLA = dCdfNormKernel<ErfcTier::kLA>;
 
 PEX_UNARY(double, dCdfNorm_26, dCdfNormEP)
 PEX_UNARY(double, dCdfNorm_50, dCdfNormLA)

@@ -4,6 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/cdfnorm-inl.h"
+#include "pex_core/_heap/real/erf_fine-inl.h"
 #include "pex_core/_heap/real/erfc-inl.h"
 #include "pex_core/_heap/real/erfc_single-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
@@ -16,40 +17,16 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsCdfNorm";
 
-template <typename Compute>
-struct sCdfNormCommon : Kernel<float, Compute> {
-  // Common from -12.94 to 242.
-  struct Rarity : RareAbove<float, 0x42FFE148> {  // |x - 115| > 127.94
-    template <class D>
-    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-      return Bits(d, hn::Abs(hn::Sub(x, hn::Set(d, 115.0f))));
-    }
-  };
-  static HWY_INLINE int Rare(float x, float* r) { return sCdfNormRare(x, r); }
-};
-
-template <bool kLA>
-struct sCdfNormShort : sCdfNormCommon<float> {
-  static constexpr int kUnroll = kErfcSingleUnroll<kLA>;
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    V z[K], s[K];
-    for (size_t k = 0; k < K; ++k) {
-      // From 7 on the result is 1.
-      const V ax = hn::Abs(hn::Min(x[k], hn::Set(d, 7.0f)));
-      z[k] = hn::Add(ax, hn::Set(d, 0x1p-30f));
-    }
-    sErfcFromTable<sCdfNormTail, kLA>(d, z, s);
-    for (size_t k = 0; k < K; ++k) {
-      const V rest = hn::Sub(hn::Set(d, 1.0f), s[k]);
-      out[k] = hn::IfNegativeThenElse(x[k], s[k], rest);
-    }
+// Correctly rounded for all floats: within 2^-40, in full where that leaves the rounding open.
+template <bool kBeyond>
+struct sCdfNormAccurate : Kernel<float, double> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 6;
+  using Rarity = sErfcRarity<sCdfNormTail, kBeyond>;
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
+    return Rarity::Lanes(d, x);
   }
-};
-
-// Correctly rounded for all floats.
-struct sCdfNormHA : sCdfNormCommon<double> {
-  static constexpr int kUnroll = 4;
+  static HWY_INLINE int Rare(float x, float* r) { return sCdfNormRare(x, r); }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     const hn::Rebind<double, D> dd;
@@ -57,13 +34,11 @@ struct sCdfNormHA : sCdfNormCommon<double> {
     V a[K];
     for (size_t k = 0; k < K; ++k) {
       a[k] = x[k];
-      wide[k] = hn::PromoteTo(dd, x[k]);
+      wide[k] = hn::PromoteTo(dd, kBeyond ? sCdfNormTail::Clamped(d, x[k]) : x[k]);
     }
-    CdfNormScaled<ErfcTier::kShort>(dd, wide, y);
-    const bool open = AnyRoundingInDoubt<17>(dd, y);
-    for (size_t k = 0; k < K; ++k) {
-      out[k] = hn::DemoteTo(d, hn::Mul(y[k], hn::Set(dd, 0x1p-300)));
-    }
+    FromFineRows<CdfNormFine, ErfcTier::kShort>(dd, wide, y);
+    const bool open = AnyRoundingInDoubt<14>(dd, y);
+    for (size_t k = 0; k < K; ++k) out[k] = hn::DemoteTo(d, y[k]);
     if (open) [[unlikely]] {
       for (size_t k = 0; k < K; ++k) out[k] = InFull(d, a[k]);
     }
@@ -90,8 +65,14 @@ struct sCdfNormHA : sCdfNormCommon<double> {
   }
 };
 
-PEX_UNARY(float, sCdfNorm_11, sCdfNormShort<false>)
-PEX_UNARY(float, sCdfNorm_21, sCdfNormShort<true>)
+struct sCdfNormHA : sCdfNormAccurate<false> {
+  using Wide = sCdfNormAccurate<true>;
+};
+using sCdfNormEP = sErfcKernel<sCdfNormTail, false, sCdfNormRare>;
+using sCdfNormLA = sErfcKernel<sCdfNormTail, true, sCdfNormRare>;
+
+PEX_UNARY(float, sCdfNorm_11, sCdfNormEP)
+PEX_UNARY(float, sCdfNorm_21, sCdfNormLA)
 PEX_UNARY(float, sCdfNorm_HA, sCdfNormHA)
 
 }  // namespace pex::HWY_NAMESPACE

@@ -44,7 +44,7 @@ struct dErfCommon : Kernel<double> {
 // in order of u = c d and v = d^2: A(u) + v B(u) + b v^2 + ..., A(u) = -u + 2/3 u^2 - 1/3 u^3 +
 // 2/15 u^4, B(u) = -1/3 + 1/2 u - 2/5 u^2, b = 1/10.
 template <class D>
-using ErfRowNumbers = RowNumbers<16, D>;
+using ErfRowOffsets = RowOffsets<16, D>;
 
 // A step at a time where the registers are few and a computation waits for its own results.
 template <class V, size_t K>
@@ -65,7 +65,7 @@ HWY_INLINE void HornerOfFew(D d, const V (&x)[K], const double (&c)[N], V (&p)[K
 
 // For any x but infinities and NaN.
 template <class D, class V, size_t K>
-HWY_INLINE void Split(D d, const V (&x)[K], V (&c)[K], V (&dx)[K], ErfRowNumbers<D> (&row)[K]) {
+HWY_INLINE void Split(D d, const V (&x)[K], V (&c)[K], V (&dx)[K], ErfRowOffsets<D> (&row)[K]) {
   const V shifter = hn::Set(d, 0x1.8p45);  // the sum ends in the number of 128ths
   for (size_t k = 0; k < K; ++k) {
     dx[k] = hn::Min(hn::Abs(x[k]), hn::Set(d, (kErfRowCount - 1) / 128.0));
@@ -89,7 +89,7 @@ HWY_INLINE V Safe(D d, V dx) {
 
 // erf(c) + d (s + s g).
 template <class D, class V, size_t K>
-HWY_INLINE void Assemble(D d, const ErfcRow* rows, const ErfRowNumbers<D> (&at)[K],
+HWY_INLINE void Assemble(D d, const ErfcRow* rows, const ErfRowOffsets<D> (&at)[K],
                          const V (&dx)[K], const V (&g)[K], const V (&x)[K], V (&out)[K]) {
   Row2<V> row[K];
   V y[K];
@@ -106,7 +106,7 @@ struct dErfEP : dErfCommon {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : HWY_TARGET == HWY_AVX2 ? 2 : 6;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    ErfRowNumbers<D> row[K];
+    ErfRowOffsets<D> row[K];
     V c[K], dx[K], g[K];
     Split(d, x, c, dx, row);
     for (size_t k = 0; k < K; ++k) g[k] = hn::Mul(Safe<K>(d, dx[k]), hn::Set(d, -1.0 / 3));
@@ -128,7 +128,7 @@ struct dErfLA : dErfCommon {
   static constexpr double kSquare = 0x1.999979c92a81p-4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    ErfRowNumbers<D> row[K];
+    ErfRowOffsets<D> row[K];
     V c[K], dx[K], u[K], v[K], a[K], b[K];
     Split(d, x, c, dx, row);
     for (size_t k = 0; k < K; ++k) u[k] = hn::Mul(c[k], Safe<K>(d, dx[k]));
@@ -150,7 +150,7 @@ struct dErfLA : dErfCommon {
 // Below 1/4 x (2/sqrt(pi) + x^2 P(x^2)), the first product in full; beyond, the table, where d s is
 // less than a 64th of the result.
 struct dErfHA : Kernel<double> {
-  static constexpr int kUnroll = 6;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 6;
   // Not zero and so small that the error of a product underflows; infinities, NaN.
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, V x) {

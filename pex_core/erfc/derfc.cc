@@ -3,6 +3,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/erfc/derfc.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
+#include "pex_core/_heap/real/erf_fine-inl.h"
 #include "pex_core/_heap/real/erfc-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
@@ -14,9 +15,34 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdErfc";
 
-template <ErfcTier kTier>
-struct dErfcKernel : Kernel<double> {
+// The table from -6 to 25.9. Beyond, the result is 2 (Wide) or less than 2^-973 (rare).
+template <ErfcTier kTier, bool kBeyond>
+struct dErfcShort : Kernel<double> {
   static constexpr int kUnroll = 6;
+  using Rarity = RareByDistance<double, kBeyond ? -4069.0 : -6.0, true,
+                                kBeyond ? 0x40AFFDCE : 0x403FE666>;  // 4094.9 and 31.9
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
+    return Rarity::Lanes(d, x);
+  }
+  static HWY_INLINE int Rare(double x, double* r) { return dErfcRare(x, r); }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    V inner[K];
+    for (size_t k = 0; k < K; ++k) {
+      inner[k] = kBeyond ? hn::Max(x[k], hn::Set(d, -6.0)) : x[k];
+    }
+    FromFineRows<ErfcFine, kTier>(d, inner, out);
+  }
+};
+
+template <ErfcTier kTier>
+struct dErfcKernel : dErfcShort<kTier, false> {
+  using Wide = dErfcShort<kTier, true>;
+};
+
+struct dErfcHA : Kernel<double> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 6;
   // Common from -8164 to 26.54, where the result comes close to the subnormal numbers.
   struct Rarity : RareAbove<double, 0x40AFFF14> {  // |x + 4069| > 4095.54
     template <class D>
@@ -27,6 +53,7 @@ struct dErfcKernel : Kernel<double> {
   static HWY_INLINE int Rare(double x, double* r) { return dErfcRare(x, r); }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    constexpr ErfcTier kTier = ErfcTier::kHA;
     ErfcReduced<D> u[K];
     V z[K];
     Pair<V> e[K];
@@ -46,7 +73,6 @@ struct dErfcKernel : Kernel<double> {
 
 using dErfcEP = dErfcKernel<ErfcTier::kEP>;
 using dErfcLA = dErfcKernel<ErfcTier::kLA>;
-using dErfcHA = dErfcKernel<ErfcTier::kHA>;
 
 PEX_UNARY(double, dErfc_26, dErfcEP)
 PEX_UNARY(double, dErfc_50, dErfcLA)

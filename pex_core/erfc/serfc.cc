@@ -3,6 +3,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/erfc/serfc.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
+#include "pex_core/_heap/real/erf_fine-inl.h"
 #include "pex_core/_heap/real/erfc-inl.h"
 #include "pex_core/_heap/real/erfc_single-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
@@ -15,59 +16,37 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsErfc";
 
-template <typename Compute>
-struct sErfcCommon : Kernel<float, Compute> {
-  // Common from -245 to 9.18.
-  struct Rarity : RareAbove<float, 0x42FE5C28> {  // |x + 118| > 127.18
-    template <class D>
-    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-      return Bits(d, hn::Abs(hn::Add(x, hn::Set(d, 118.0f))));
-    }
-  };
-  static HWY_INLINE int Rare(float x, float* r) { return sErfcRare(x, r); }
-};
-
-template <bool kLA>
-struct sErfcShort : sErfcCommon<float> {
-  static constexpr int kUnroll = kErfcSingleUnroll<kLA>;
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    V z[K], s[K];
-    for (size_t k = 0; k < K; ++k) {
-      // From -5 down the result is 2.
-      const V ax = hn::Abs(hn::Max(x[k], hn::Set(d, -5.0f)));
-      z[k] = hn::Add(ax, hn::Set(d, 0x1p-30f));
-    }
-    sErfcFromTable<sErfcTail, kLA>(d, z, s);
-    for (size_t k = 0; k < K; ++k) {
-      const V rest = hn::Sub(hn::Set(d, 2.0f), s[k]);
-      out[k] = hn::IfNegativeThenElse(x[k], rest, s[k]);
-    }
+// Correctly rounded for all floats: within 2^-40, in full where that leaves the rounding open.
+template <bool kBeyond>
+struct sErfcAccurate : Kernel<float, double> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 6;
+  using Rarity = sErfcRarity<sErfcTail, kBeyond>;
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
+    return Rarity::Lanes(d, x);
   }
-};
-
-// Correctly rounded for all floats.
-struct sErfcHA : sErfcCommon<double> {
-  static constexpr int kUnroll = 4;
+  static HWY_INLINE int Rare(float x, float* r) { return sErfcRare(x, r); }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     const hn::Rebind<double, D> dd;
     V a[K];
-    VecOf<hn::Rebind<double, D>> y[K];
-    for (size_t k = 0; k < K; ++k) a[k] = x[k];
-    Scaled<ErfcTier::kShort>(d, x, y);
-    const bool open = AnyRoundingInDoubt<13>(dd, y);
+    VecOf<hn::Rebind<double, D>> wide[K], y[K];
     for (size_t k = 0; k < K; ++k) {
-      out[k] = hn::DemoteTo(d, hn::Mul(y[k], hn::Set(dd, 0x1p-300)));
+      a[k] = x[k];
+      wide[k] = hn::PromoteTo(dd, kBeyond ? sErfcTail::Clamped(d, x[k]) : x[k]);
     }
+    FromFineRows<ErfcFine, ErfcTier::kShort>(dd, wide, y);
+    const bool open = AnyRoundingInDoubt<14>(dd, y);
+    for (size_t k = 0; k < K; ++k) out[k] = hn::DemoteTo(d, y[k]);
     if (open) [[unlikely]] {
       for (size_t k = 0; k < K; ++k) out[k] = InFull(d, a[k]);
     }
   }
 
   // The result times 2^300.
-  template <ErfcTier kTier, class D, class V, class W, size_t K>
+  template <class D, class V, class W, size_t K>
   static HWY_INLINE void Scaled(D, const V (&x)[K], W (&y)[K]) {
+    constexpr ErfcTier kTier = ErfcTier::kLA;
     using Wide = hn::Rebind<double, D>;
     const Wide dd;
     ErfcReduced<Wide> u[K];
@@ -91,13 +70,19 @@ struct sErfcHA : sErfcCommon<double> {
     const hn::Rebind<double, D> dd;
     const V in[1] = {x};
     VecOf<hn::Rebind<double, D>> y[1];
-    Scaled<ErfcTier::kLA>(d, in, y);
+    Scaled(d, in, y);
     return hn::DemoteTo(d, hn::Mul(y[0], hn::Set(dd, 0x1.ffffffffffffep-301)));
   }
 };
 
-PEX_UNARY(float, sErfc_11, sErfcShort<false>)
-PEX_UNARY(float, sErfc_21, sErfcShort<true>)
+struct sErfcHA : sErfcAccurate<false> {
+  using Wide = sErfcAccurate<true>;
+};
+using sErfcEP = sErfcKernel<sErfcTail, false, sErfcRare>;
+using sErfcLA = sErfcKernel<sErfcTail, true, sErfcRare>;
+
+PEX_UNARY(float, sErfc_11, sErfcEP)
+PEX_UNARY(float, sErfc_21, sErfcLA)
 PEX_UNARY(float, sErfc_HA, sErfcHA)
 
 }  // namespace pex::HWY_NAMESPACE

@@ -1,10 +1,9 @@
-// The normal distribution function from the nearest point c = j/128 of a table of it and of its
-// density s:
+// The normal distribution function in HA from a point c of a table of it and of its density s:
 //   CdfNorm(x) = CdfNorm(c) + s d T,  d = x - c,
-// T that of erfc-inl.h for w = d (c + d/2), |w| < 0.151, and v = d^2/2. The polynomials are for 2
-// w, the ratios for 2 v. The table is scaled by 2^300, so that nothing underflows on the way. HA
-// has a table of its own, of points where the function is next to a double, closer together the
-// larger |x| is, so that the correction s d T is at most a twentieth of the value.
+// T that of erfc-inl.h for w = d (c + d/2) and v = d^2/2. The polynomials are for 2 w, the ratios
+// for 2 v. The table is scaled by 2^300, so that nothing underflows on the way; the function is
+// next to a double at its points, which lie closer together the larger |x| is, so that the
+// correction s d T is at most a twentieth of the value.
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/cdfnorm_tables.h"
@@ -35,50 +34,6 @@ HWY_INLINE Pair<V> OverRootTwo(D d, V x) {
   const V safe = hn::Add(x, hn::Set(d, 0x1p-200));
   const Pair<V> p = TwoProduct(d, safe, hn::Set(d, 0x1.6a09e667f3bcdp-1));
   return {p.hi, hn::Sub(p.lo, hn::Mul(safe, hn::Set(d, 0x1.bdd3413b26456p-55)))};
-}
-
-// CdfNorm(x) 2^300 for x from -37.6 on, in EP, LA and, from -13 on, kShort within 2^-37.
-template <ErfcTier kTier, class D, class V, size_t K>
-HWY_INLINE void CdfNormScaled(D d, const V (&x)[K], V (&y)[K]) {
-  using Offsets = RowPlaces<sizeof(ErfcRow), D>;
-  V safe[K], c[K], w[K], w2[K], v[K], t[K];
-  Row2<V> row[K];
-  Offsets at[K];
-  for (size_t k = 0; k < K; ++k) {
-    // From 8.5 on the result is 1.
-    safe[k] = hn::Add(hn::Min(x[k], hn::Set(d, 8.5)), hn::Set(d, 0x1p-200));
-    // The sum ends in the number of the row.
-    const V shifter = hn::Set(d, 0x1.8p45 + kCdfNormFirst / 128.0);
-    const V sum = hn::Add(safe[k], shifter);
-    at[k].Set(d, Bits(d, sum));
-    c[k] = hn::Sub(sum, shifter);
-  }
-  for (size_t k = 0; k < K; ++k) row[k] = LoadRows2(d, &kCdfNormRows[0].value, at[k]);
-  for (size_t k = 0; k < K; ++k) {
-    const V dx = hn::Sub(safe[k], c[k]);
-    w[k] = hn::Mul(dx, hn::Add(safe[k], c[k]));
-    w2[k] = hn::Mul(w[k], w[k]);
-    v[k] = hn::Mul(dx, dx);
-    row[k].b = hn::Mul(row[k].b, dx);
-  }
-  if constexpr (kTier == ErfcTier::kLA) {
-    EvenOdd(d, w, w2, kCdfNormMean, t);
-  } else if constexpr (kTier == ErfcTier::kShort) {
-    EvenOdd(d, w, w2, kCdfNormMeanShort, t);
-  } else {
-    EvenOdd(d, w, w2, kCdfNormMeanEP, t);
-  }
-  for (size_t k = 0; k < K; ++k) {
-    const V one = hn::Set(d, 1.0);
-    V ratio = hn::Set(d, 1.0 / 12);
-    if constexpr (kTier == ErfcTier::kLA) {
-      // (1/60 - w^2/2520)/4 for a mean w.
-      ratio = hn::Add(Horner(d, w2[k], kCdfNormRatio), hn::Mul(v[k], hn::Set(d, 0.00416557)));
-    }
-    const V mean = hn::Add(one, hn::Mul(w[k], t[k]));
-    t[k] = hn::Add(mean, hn::Mul(mean, hn::Mul(v[k], ratio)));
-    y[k] = hn::Add(row[k].a, hn::Mul(row[k].b, t[k]));
-  }
 }
 
 template <class D>

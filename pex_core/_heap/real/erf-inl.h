@@ -66,7 +66,7 @@ HWY_INLINE void ErfReduce(D d, const V (&x)[K], ErfReduced<D> (&u)[K]) {
   for (size_t k = 0; k < K; ++k) {
     ax[k] = hn::Min(hn::Abs(x[k]), hn::Set(d, (kErfRowCount - 1) / 128.0));
     // The sum ends in the number of 128ths.
-    at[k] = Offsets(d, Bits(d, hn::Add(ax[k], hn::Set(d, 0x1.8p45))));
+    at[k].Set(d, Bits(d, hn::Add(ax[k], hn::Set(d, 0x1.8p45))));
   }
   for (size_t k = 0; k < K; ++k) {
     const auto row = LoadRows4(d, &kErfRows[0].c, at[k]);

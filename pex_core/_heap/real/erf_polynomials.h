@@ -12,6 +12,11 @@ inline constexpr double kErfcMean[] = {
     -0x1.6c16c16cec3cep-10, 0x1.a019f517ef399p-13, -0x1.a019f58d386aap-16, 0x1.7238319b4b05dp-19,
     -0x1.282b56d47b596p-22};
 
+// (F(x) - 1)/x for F(x) = (1 - e^-x)/x, |x| <= 0.1012; in relation to the result an error of 2^-55.5625.
+inline constexpr double kErfcFineMean[] = {
+    -0x1.ffffffffffffcp-2, 0x1.555555555ba28p-3, -0x1.555555555d69ap-5, 0x1.1111104519665p-7,
+    -0x1.6c16c04b33275p-10, 0x1.a038d9893bbf3p-13, -0x1.a03932af5f26cp-16};
+
 // (F(x) - 1 + x/2)/x^2 for F(x) = (1 - e^-x)/x,
 // -0.21549999713897705078125 <= x <= 0.21549999713897705078125; absolute error 2^-55.875.
 inline constexpr double kErfcMeanHA[] = {
@@ -20,16 +25,14 @@ inline constexpr double kErfcMeanHA[] = {
     0x1.adc20376b1a3ep-26};
 
 // (F(x) - 1)/x for F(x) = (1 - e^-x)/x,
-// -0.21549999713897705078125 <= x <= 0.21549999713897705078125; absolute error 2^-27.34375.
-inline constexpr double kErfcMeanEP[] = {
-    -0x1.0000000155c3ap-1, 0x1.5555435e8645p-3, -0x1.55553dfab8d01p-5, 0x1.1171c044bd44dp-7,
-    -0x1.6c9e1d770d906p-10};
+// -3.61000001430511474609375e-2 <= x <= 3.61000001430511474609375e-2; absolute error 2^-31.65625.
+inline constexpr double kErfcFineMeanShort[] = {
+    -0x1.fffffffaef2f1p-2, 0x1.5555554f8b417p-3, -0x1.555921191fad8p-5, 0x1.111452021ae19p-7};
 
 // (F(x) - 1)/x for F(x) = (1 - e^-x)/x,
-// -7.2599999606609344482421875e-2 <= x <= 7.2599999606609344482421875e-2; absolute error 2^-35.1875.
-inline constexpr double kErfcMeanShort[] = {
-    -0x1.00000000007fdp-1, 0x1.5555551a244bcp-3, -0x1.55555508614ecp-5, 0x1.111c088a73948p-7,
-    -0x1.6c261bf7513f6p-10};
+// -0.10119999945163726806640625 <= x <= 0.10119999945163726806640625; absolute error 2^-25.6875.
+inline constexpr double kErfcFineMeanEP[] = {
+    -0x1.fffffec717b33p-2, 0x1.555553efb890cp-3, -0x1.55732b33936b7p-5, 0x1.112aa3d404de8p-7};
 
 // (y coth(y/2) - 2)/y^2 for x = y^2,
 // 9.5367431640625e-7 <= x <= 4.65000011026859283447265625e-2; absolute error 2^-37.4375.
@@ -37,25 +40,30 @@ inline constexpr double kErfcRatio[] = {
     0x1.5555555527bacp-3, -0x1.6c16b02e254a9p-9, 0x1.14eb03123fadap-14};
 
 // (y coth(y/2) - 2)/y^2 for x = y^2,
+// 9.5367431640625e-7 <= x <= 1.025000028312206268310546875e-2; absolute error 2^-44.
+inline constexpr double kErfcFineRatio[] = {
+    0x1.5555555554d7fp-3, -0x1.6c16c0953e2d1p-9, 0x1.154b617b5f0b9p-14};
+
+// (y coth(y/2) - 2)/y^2 for x = y^2,
 // 9.5367431640625e-7 <= x <= 4.65000011026859283447265625e-2; absolute error 2^-49.1875.
 inline constexpr double kErfcRatioHA[] = {
     0x1.555555555551fp-3, -0x1.6c16c169cab46p-9, 0x1.15668cd38dabap-14, -0x1.bacd28e244b07p-20};
 
 // (F(x/2) - 1)/x for F(x) = (1 - e^-x)/x,
-// -0.301999986171722412109375 <= x <= 0.301999986171722412109375; absolute error 2^-51.5625.
+// -0.14339999854564666748046875 <= x <= 0.14339999854564666748046875; absolute error 2^-52.0625.
 inline constexpr double kCdfNormMean[] = {
-    -0x1.ffffffffffff6p-3, 0x1.5555555555546p-5, -0x1.5555555571be7p-8, 0x1.111111112de5ap-11,
-    -0x1.6c16be5bdf92bp-15, 0x1.a019fdd055a55p-19, -0x1.a04fe74c3dbadp-23, 0x1.720f58339b8dep-27};
+    -0x1p-2, 0x1.5555555555b19p-5, -0x1.5555555555aefp-8, 0x1.111110ee075dbp-11,
+    -0x1.6c16c14009c1fp-15, 0x1.a027514367401p-19, -0x1.a026d4308c3eep-23};
 
 // (F(x/2) - 1)/x for F(x) = (1 - e^-x)/x,
-// -0.1019999980926513671875 <= x <= 0.1019999980926513671875; absolute error 2^-30.65625.
+// -5.09000010788440704345703125e-2 <= x <= 5.09000010788440704345703125e-2; absolute error 2^-34.625.
 inline constexpr double kCdfNormMeanShort[] = {
-    -0x1.ffffffebd2242p-3, 0x1.5555553e457a7p-5, -0x1.555ce8dcf7c3ap-8, 0x1.11178f859d336p-11};
+    -0x1.fffffffebfac1p-3, 0x1.55555553e73e8p-5, -0x1.5557384cf01b7p-8, 0x1.1112af09e3cb2p-11};
 
 // (F(x/2) - 1)/x for F(x) = (1 - e^-x)/x,
-// -0.301999986171722412109375 <= x <= 0.301999986171722412109375; absolute error 2^-24.375.
+// -0.14339999854564666748046875 <= x <= 0.14339999854564666748046875; absolute error 2^-21.28125.
 inline constexpr double kCdfNormMeanEP[] = {
-    -0x1.fffff9f09d2c5p-3, 0x1.55554e68471a6p-5, -0x1.5597c56bafb77p-8, 0x1.114a038379e28p-11};
+    -0x1.ffffff6253023p-3, 0x1.55662e41cb4b7p-5, -0x1.55680d79f902ep-8};
 
 // (F(x/2) - 1)/x for F(x) = (1 - e^-x)/x,
 // -0.10119999945163726806640625 <= x <= 0.10119999945163726806640625; absolute error 2^-55.5625.
@@ -64,9 +72,9 @@ inline constexpr double kCdfNormMeanHA[] = {
     -0x1.6c16c1612d7d5p-15, 0x1.a020a336736eap-19, -0x1.a020637398d8dp-23};
 
 // (y coth(y/2) - 2)/(2 y^2) for x = 4 y^2,
-// 9.5367431640625e-7 <= x <= 9.1200001537799835205078125e-2; absolute error 2^-41.5625.
+// 9.5367431640625e-7 <= x <= 2.060000039637088775634765625e-2; absolute error 2^-48.
 inline constexpr double kCdfNormRatio[] = {
-    0x1.555555554ff3bp-4, -0x1.6c16bd45e272bp-12, 0x1.1529feb6069f5p-19};
+    0x1.5555555555457p-4, -0x1.6c16c135d9ba3p-12, 0x1.1558f539ab037p-19};
 
 // a, b, c of (y coth(y/2) - 2)/(2 y^2) + v/240 = a + b x^2 + c v + ..., x = 2 y, x <= 0.101; in
 // relation to the result an error of 2^-57.4375.

@@ -4,7 +4,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <type_traits>
 
 #include "hwy/highway.h"
 #include "pex_core/_kernel/bits-inl.h"
@@ -21,9 +20,25 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Rows of kBytes begin at these bytes, less kFirst, of a table, from row numbers in the low 16 bits
-// of each lane. They go by memory: the loads that fetch them leave the vector units to the
-// arithmetic.
+// What single lanes are loaded from, each soon after: of 512 bits the halves one by one, for loads
+// from a store of all of them wait longer on some processors.
+template <class D, class V, typename T>
+HWY_INLINE void StoreForLanes(D d, V v, T* to) {
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(v.raw) == 64) {
+    (void)d;
+    const auto at = reinterpret_cast<__m256i*>(to);
+    _mm256_store_si256(at, _mm512_castsi512_si256(v.raw));
+    _mm256_store_si256(at + 1, _mm512_extracti64x4_epi64(v.raw, 1));
+    return;
+  }
+#endif
+  hn::Store(v, d, to);
+}
+
+// Rows of kBytes begin at these bytes, less kFirst, of a table, from row numbers in the low half
+// of each lane, whose upper half counts for nothing. They go by memory: the loads that fetch them
+// leave the vector units to the arithmetic.
 template <size_t kBytes, class D, size_t kFirst = 0>
 class RowOffsets {
  public:
@@ -31,14 +46,16 @@ class RowOffsets {
   HWY_INLINE RowOffsets(D d, BitsOf<D> j) { Set(d, j); }
   // For an array of offsets: GCC moves what it assigns through registers, number by number.
   HWY_INLINE void Set(D d, BitsOf<D> j) {
-    constexpr int kShift = std::countr_zero(kBytes);
-    SetBytes(hn::And(hn::ShiftLeft<kShift>(j), SetBits(d, 0xFFFF * kBytes)));
+    (void)d;
+    SetBytes(hn::ShiftLeft<std::countr_zero(kBytes)>(j));
   }
   HWY_INLINE void SetBytes(BitsOf<D> offset) {
-    hn::Store(offset, hn::RebindToSigned<D>(), at_);
+    StoreForLanes(hn::RebindToSigned<D>(), offset, at_);
     asm("" : "+m"(at_));
   }
-  HWY_INLINE size_t Byte(size_t lane) const { return static_cast<size_t>(at_[lane]) - kFirst; }
+  HWY_INLINE size_t Byte(size_t lane) const {
+    return size_t{static_cast<uint32_t>(at_[lane])} - kFirst;
+  }
   HWY_INLINE const double* Of(const double* table, size_t lane) const {
     return reinterpret_cast<const double*>(reinterpret_cast<const char*>(table) + Byte(lane));
   }
@@ -46,28 +63,6 @@ class RowOffsets {
  private:
   HWY_ALIGN int64_t at_[hn::MaxLanes(D())];
 };
-
-// The same with the numbers taken out of the lanes one by one.
-template <size_t kBytes, class D>
-class RowNumbers {
- public:
-  HWY_INLINE void Set(D, BitsOf<D> j) {
-    hn::Store(j, hn::RebindToSigned<D>(), at_);
-    asm("" : "+m"(at_));
-  }
-  HWY_INLINE const double* Of(const double* table, size_t lane) const {
-    const size_t j = static_cast<uint16_t>(at_[lane]);
-    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(table) + kBytes * j);
-  }
-
- private:
-  HWY_ALIGN int64_t at_[hn::MaxLanes(D())];
-};
-
-// What of the two takes less time where the arithmetic is long: with four lanes the numbers.
-template <size_t kBytes, class D>
-using RowPlaces =
-    std::conditional_t<HWY_TARGET == HWY_AVX2, RowNumbers<kBytes, D>, RowOffsets<kBytes, D>>;
 
 // Rows of two numbers.
 template <class V>
@@ -103,34 +98,49 @@ template <class D>
 class SingleRows {
  public:
   HWY_INLINE void Set(D d, BitsOf<D> j) {
-    hn::Store(hn::And(j, SetBits(d, 0xFFFF)), hn::RebindToSigned<D>(), at_);
+    (void)d;
+    StoreForLanes(hn::RebindToSigned<D>(), j, at_);
     asm("" : "+m"(at_));
   }
   HWY_INLINE Row2<VecOf<D>> Load(const float* rows) const {
     using V = VecOf<D>;
-    const auto pair = [&](size_t lane) HWY_ATTR {
-      const auto row = [&](size_t k) HWY_ATTR {
-        return reinterpret_cast<const double*>(rows + 2 * size_t{static_cast<uint32_t>(at_[k])});
-      };
-      return _mm_castpd_ps(_mm_loadh_pd(_mm_load_sd(row(lane)), row(lane + 1)));
+    const auto row = [&](size_t k) HWY_ATTR {
+      return reinterpret_cast<const double*>(rows + 2 * size_t{static_cast<uint16_t>(at_[k])});
     };
 #if HWY_TARGET == HWY_SSE4
+    const auto pair = [&](size_t lane) HWY_ATTR {
+      return _mm_castpd_ps(_mm_loadh_pd(_mm_load_sd(row(lane)), row(lane + 1)));
+    };
     const __m128 even = pair(0), odd = pair(2);
     return {V{_mm_shuffle_ps(even, odd, 0x88)}, V{_mm_shuffle_ps(even, odd, 0xDD)}};
-#else
-    const auto two = [&](size_t lane) HWY_ATTR {
-      return _mm256_insertf128_ps(_mm256_castps128_ps256(pair(lane)), pair(lane + 4), 1);
+#elif HWY_TARGET == HWY_AVX2
+    // Loads that fill a register and blends: shuffles would wait for their ports.
+    const auto four = [&](size_t lane) HWY_ATTR {
+      const __m256d a = _mm256_broadcast_sd(row(lane)), b = _mm256_broadcast_sd(row(lane + 1));
+      const __m256d c = _mm256_broadcast_sd(row(lane + 4)), e = _mm256_broadcast_sd(row(lane + 5));
+      return _mm256_castpd_ps(
+          _mm256_blend_pd(_mm256_blend_pd(a, b, 2), _mm256_blend_pd(c, e, 8), 12));
     };
-#if HWY_TARGET == HWY_AVX2
-    const __m256 even = two(0), odd = two(2);
+    const __m256 even = four(0), odd = four(2);
     return {V{_mm256_shuffle_ps(even, odd, 0x88)}, V{_mm256_shuffle_ps(even, odd, 0xDD)}};
 #else
-    const auto four = [&](size_t lane) HWY_ATTR {
-      return _mm512_insertf32x8(_mm512_castps256_ps512(two(lane)), two(lane + 8), 1);
+    // Likewise, the blends by masks of the loads.
+    const auto eight = [&](size_t lane) HWY_ATTR {
+      __m512d v = _mm512_castpd128_pd512(_mm_load_sd(row(lane)));
+      const auto put = [&](__mmask8 where, size_t k) HWY_ATTR {
+        v = _mm512_mask_broadcastsd_pd(v, where, _mm_load_sd(row(lane + k)));
+      };
+      put(0x02, 1);
+      put(0x04, 4);
+      put(0x08, 5);
+      put(0x10, 8);
+      put(0x20, 9);
+      put(0x40, 12);
+      put(0x80, 13);
+      return _mm512_castpd_ps(v);
     };
-    const __m512 even = four(0), odd = four(2);
+    const __m512 even = eight(0), odd = eight(2);
     return {V{_mm512_shuffle_ps(even, odd, 0x88)}, V{_mm512_shuffle_ps(even, odd, 0xDD)}};
-#endif
 #endif
   }
 
@@ -159,14 +169,15 @@ HWY_INLINE Row4<VecOf<D>> LoadRows4(D, const double* rows, const RowOffsets<32, 
       V{_mm512_shuffle_f64x2(even03, even47, 0x88)}, V{_mm512_shuffle_f64x2(odd03, odd47, 0x88)},
       V{_mm512_shuffle_f64x2(even03, even47, 0xDD)}, V{_mm512_shuffle_f64x2(odd03, odd47, 0xDD)}};
 #elif HWY_TARGET == HWY_AVX2
-  const auto row = [&](size_t lane) HWY_ATTR { return _mm256_load_pd(j.Of(rows, lane)); };
-  const __m256d r0 = row(0), r1 = row(1), r2 = row(2), r3 = row(3);
-  const __m256d even01 = _mm256_unpacklo_pd(r0, r1), odd01 = _mm256_unpackhi_pd(r0, r1);
-  const __m256d even23 = _mm256_unpacklo_pd(r2, r3), odd23 = _mm256_unpackhi_pd(r2, r3);
-  return {V{_mm256_permute2f128_pd(even01, even23, 0x20)},
-          V{_mm256_permute2f128_pd(odd01, odd23, 0x20)},
-          V{_mm256_permute2f128_pd(even01, even23, 0x31)},
-          V{_mm256_permute2f128_pd(odd01, odd23, 0x31)}};
+  // Halves of rows put together by loads, which leave the shuffles' ports to the transposition.
+  const auto two = [&](size_t lane, size_t half) HWY_ATTR {
+    const __m128d low = _mm_load_pd(j.Of(rows, lane) + half);
+    return _mm256_insertf128_pd(_mm256_castpd128_pd256(low),
+                                _mm_load_pd(j.Of(rows, lane + 2) + half), 1);
+  };
+  const __m256d low02 = two(0, 0), low13 = two(1, 0), high02 = two(0, 2), high13 = two(1, 2);
+  return {V{_mm256_unpacklo_pd(low02, low13)}, V{_mm256_unpackhi_pd(low02, low13)},
+          V{_mm256_unpacklo_pd(high02, high13)}, V{_mm256_unpackhi_pd(high02, high13)}};
 #else
   const double* r0 = j.Of(rows, 0);
   const double* r1 = j.Of(rows, 1);

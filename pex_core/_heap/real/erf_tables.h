@@ -39,23 +39,39 @@ extern const ErfcRow kErfcRows[kErfcRowCount];
 // the lower: the upper words of doubles.
 extern const uint64_t kErfcRests[kErfcRowCount];
 
-// Row j: the normal distribution function and its density at (j - kCdfNormFirst)/128, times
-// 2^kErfcScale.
-inline constexpr int kCdfNormFirst = 4816;
-inline constexpr int kCdfNormRowCount = kCdfNormFirst + 1089;
+// Row j: erfc(c) and its derivative at c = (j - kErfcFineFirst)/256, from -6 to 25.9.
+inline constexpr int kErfcFineFirst = 1536;
+inline constexpr int kErfcFineRowCount = kErfcFineFirst + 6634;
+extern const ErfcRow kErfcFineRows[kErfcFineRowCount];
+
+// Row j: the normal distribution function and its density at (j - kCdfNormFirst)/256, from -36.65
+// to 8.65.
+inline constexpr int kCdfNormFirst = 9384;
+inline constexpr int kCdfNormRowCount = kCdfNormFirst + 2216;
 extern const ErfcRow kCdfNormRows[kCdfNormRowCount];
 
-// Erfc in single precision, times 2^kErfcSingleScale.
+// Erfc in single precision, times 2^kErfcSingleScale: row j at c = (j - kErfcSingleFirst)/128, from
+// -4 to 9.18.
 struct ErfcSingleRow {
   float value, slope;
 };
 inline constexpr int kErfcSingleScale = 40;
-inline constexpr int kErfcSingleRowCount = 1178;
+inline constexpr int kErfcSingleFirst = 512;
+inline constexpr int kErfcSingleRowCount = kErfcSingleFirst + 1179;
 extern const ErfcSingleRow kErfcSingleRows[kErfcSingleRowCount];
 
-// Likewise the tail of the normal distribution beyond c and half its density at c.
-inline constexpr int kCdfNormSingleRowCount = 1658;
+// Likewise the tail of the normal distribution beyond c, from -6 to 12.95, and half its density at
+// c.
+inline constexpr int kCdfNormSingleFirst = 768;
+inline constexpr int kCdfNormSingleRowCount = kCdfNormSingleFirst + 1659;
 extern const ErfcSingleRow kCdfNormSingleRows[kCdfNormSingleRowCount];
+
+// Row j: value - slope t next to erfc(t - 4) or the normal distribution's tail beyond t - 6 for t
+// within 1/512 of j/256; the slope in 12 bits, so that the middles, 1 and 1/2, are exact.
+inline constexpr int kErfcLinearRowCount = 3380;
+extern const ErfcSingleRow kErfcLinearRows[kErfcLinearRowCount];
+inline constexpr int kCdfNormLinearRowCount = 4852;
+extern const ErfcSingleRow kCdfNormLinearRows[kCdfNormLinearRowCount];
 
 }  // namespace pex
 

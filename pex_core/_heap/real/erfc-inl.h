@@ -6,8 +6,6 @@
 // function of w. The argument may be a sum z + rest: a quotient by sqrt(2), say. The
 // table is scaled by 2^300, so that nothing underflows on the way.
 
-#include <type_traits>
-
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/erf_polynomials.h"
 #include "pex_core/_heap/real/erf_rows-inl.h"
@@ -28,7 +26,8 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// How far the computation goes: kShort's result is within 2^-41 for z up to 9.2.
+// How far a computation goes: here LA and HA; kShort's results are within 2^-40, in the range of
+// single precision.
 enum class ErfcTier { kEP, kShort, kLA, kHA };
 
 template <class D>
@@ -43,8 +42,7 @@ template <ErfcTier kTier, bool kSum, class D, class V, size_t K>
 HWY_INLINE void ErfcReduce(D d, const V (&z)[K], const V (&rest)[K], ErfcReduced<D> (&u)[K]) {
   static_assert(!(kSum && kTier == ErfcTier::kHA));
   constexpr size_t kRow = sizeof(ErfcRow);
-  using Offsets =
-      std::conditional_t<kTier == ErfcTier::kHA, RowOffsets<kRow, D>, RowPlaces<kRow, D>>;
+  using Offsets = RowOffsets<kRow, D>;
   V c[K];
   Offsets at[K];
   for (size_t k = 0; k < K; ++k) {
@@ -89,23 +87,6 @@ HWY_INLINE void ErfcMean(D d, const ErfcReduced<D> (&u)[K], V (&t)[K]) {
   for (size_t k = 0; k < K; ++k) {
     w[k] = u[k].w;
     w2[k] = hn::Mul(w[k], w[k]);
-  }
-  if constexpr (kTier == ErfcTier::kEP) {
-    EvenOdd(d, w, w2, kErfcMeanEP, t);
-    for (size_t k = 0; k < K; ++k) {
-      const V mean = hn::Add(hn::Set(d, 1.0), hn::Mul(w[k], t[k]));
-      t[k] = hn::Add(mean, hn::Mul(mean, hn::Mul(u[k].v, hn::Set(d, 1.0 / 6))));
-    }
-    return;
-  }
-  if constexpr (kTier == ErfcTier::kShort) {
-    EvenOdd(d, w, w2, kErfcMeanShort, t);
-    for (size_t k = 0; k < K; ++k) {
-      const V ratio = hn::Sub(hn::Set(d, 1.0 / 6), hn::Mul(w2[k], hn::Set(d, 1.0 / 360)));
-      const V mean = hn::Add(hn::Set(d, 1.0), hn::Mul(w[k], t[k]));
-      t[k] = hn::Add(mean, hn::Mul(mean, hn::Mul(u[k].v, ratio)));
-    }
-    return;
   }
   for (size_t k = 0; k < K; ++k) {
     const V high = hn::Add(hn::Mul(w2[k], hn::Set(d, -1.0 / 2520)), hn::Set(d, 1.0 / 60));

@@ -56,6 +56,10 @@ struct InverseOfErf {
   static HWY_INLINE ErfInvArgument<V> Split(D d, V a) {
     return {a, hn::Sub(hn::Set(d, 1.0), hn::Abs(a))};
   }
+  template <class D, class V>
+  static HWY_INLINE ErfInvArgument<V> SplitFine(D d, V a) {
+    return Split(d, a);
+  }
 };
 
 struct InverseOfErfc {
@@ -72,6 +76,10 @@ struct InverseOfErfc {
   template <class D, class V>
   static HWY_INLINE ErfInvArgument<V> Split(D d, V a) {
     return {hn::Sub(hn::Set(d, 1.0), a), hn::Min(a, hn::Sub(hn::Set(d, 2.0), a))};
+  }
+  template <class D, class V>
+  static HWY_INLINE ErfInvArgument<V> SplitFine(D d, V a) {
+    return Split(d, a);
   }
 };
 
@@ -92,29 +100,39 @@ struct InverseOfCdfNorm {
     const V x = hn::Sub(a, hn::Set(d, 0.5)), q = hn::Min(a, hn::Sub(hn::Set(d, 1.0), a));
     return {hn::Add(x, x), hn::Add(q, q)};
   }
+  // The same of floats that FineRarity leaves: exact.
+  template <class D, class V>
+  static HWY_INLINE ErfInvArgument<V> SplitFine(D d, V a) {
+    const V one = hn::Set(d, 1.0), x = ExactProductLess(a, hn::Set(d, 2.0), one);
+    return {x, hn::Sub(one, hn::Abs(x))};
+  }
 };
 
 // By cubics in q - (the beginning of its interval): `table` has kOctaves octaves of 2^kBits rows
-// and one for q = 1. x = 1 - q may be rounded.
-template <class Function, int kOctaves, int kBits, class D, class V, size_t K>
+// and one for q = 1. x = 1 - q may be rounded. kHidden: for results that are tried for
+// a rounding in doubt.
+template <class Function, int kOctaves, int kBits, bool kHidden = false, class D, class V, size_t K>
 HWY_INLINE void ErfInvCubic(D d, const double (*table)[4], const ErfInvArgument<V> (&u)[K],
                             V (&y)[K]) {
   constexpr uint64_t kRowBytes = sizeof(table[0]);
   constexpr uint64_t kOctave = kRowBytes << kBits;  // the lowest bit of the exponent
-  constexpr uint64_t kOffset = 32 * kOctave - kRowBytes;
-  using Offsets = RowOffsets<kRowBytes, D, (1023 - kOctaves) % 32 * kOctave>;
+  using Offsets = RowOffsets<kRowBytes, D, (1023 - kOctaves) * kOctave>;
   Offsets at[K];
+  V begin[K];
+#pragma GCC unroll 8
   for (size_t k = 0; k < K; ++k) {
     constexpr int kShift = 53 - std::bit_width(kOctave);
-    at[k].SetBytes(hn::And(hn::ShiftRight<kShift>(Bits(d, u[k].q)), SetBits(d, kOffset)));
+    begin[k] = FromBits(d, hn::And(Bits(d, u[k].q), SetBits(d, -(uint64_t{1} << (52 - kBits)))));
+    at[k].SetBytes(ShiftBitsRight<kShift>(d, begin[k]));
   }
+#pragma GCC unroll 8
   for (size_t k = 0; k < K; ++k) {
     const auto row = LoadRows4(d, &table[0][0], at[k]);
-    const auto begin = hn::And(Bits(d, u[k].q), SetBits(d, -(uint64_t{1} << (52 - kBits))));
-    const V t = hn::Sub(u[k].q, FromBits(d, begin));
-    V g = hn::Add(row.c, hn::Mul(t, row.d));
-    g = hn::Add(row.b, hn::Mul(t, g));
-    g = hn::Add(row.a, hn::Mul(t, g));
+    const V t = hn::Sub(u[k].q, begin[k]);
+    const auto step = [t](V low, V g) HWY_ATTR {
+      return kHidden ? HiddenMulAdd(t, g, low) : hn::Add(low, hn::Mul(t, g));
+    };
+    const V g = step(row.a, step(row.b, step(row.c, row.d)));
     const V m = Function::kFactor == 1 ? u[k].x : hn::Mul(u[k].x, hn::Set(d, Function::kFactor));
     y[k] = hn::Mul(m, g);
   }
@@ -131,7 +149,7 @@ HWY_INLINE void ErfInvFull(D d, const ErfInvArgument<V> (&u)[K], Pair<V> (&y)[K]
   MaskOf<D> central[K];
   for (size_t k = 0; k < K; ++k) {
     constexpr uint64_t kFirst = static_cast<uint64_t>(1023 - kErfInvOctaves) << kErfInvBits;
-    at[k].Set(d, hn::Sub(hn::ShiftRight<52 - kErfInvBits>(Bits(d, u[k].q)), SetBits(d, kFirst)));
+    at[k].Set(d, hn::Sub(ShiftBitsRight<52 - kErfInvBits>(d, u[k].q), SetBits(d, kFirst)));
   }
   for (size_t k = 0; k < K; ++k) {
     first[k] = LoadRows4(d, &kRows[0][0][0], at[k]);

@@ -96,9 +96,9 @@ struct sErfInvHAKernel : Kernel<float, double> {
     V a[K];
     for (size_t k = 0; k < K; ++k) {
       a[k] = x[k];
-      u[k] = Function::Split(wide, hn::PromoteTo(wide, x[k]));
+      u[k] = Function::SplitFine(wide, hn::PromoteTo(wide, x[k]));
     }
-    ErfInvCubic<Function, kErfInvFineOctaves, kErfInvFineBits>(wide, kErfInvFine, u, y);
+    ErfInvCubic<Function, kErfInvFineOctaves, kErfInvFineBits, true>(wide, kErfInvFine, u, y);
     const bool open = AnyRoundingInDoubt<15>(wide, y);
     for (size_t k = 0; k < K; ++k) out[k] = hn::DemoteTo(d, y[k]);
     if (open) [[unlikely]] {
@@ -106,8 +106,15 @@ struct sErfInvHAKernel : Kernel<float, double> {
     }
   }
 
+  // Of the vectors of a group few are in doubt, mostly one.
   template <class D, class V>
   static HWY_NOINLINE V InFull(D d, V x) {
+    const hn::Rebind<double, D> wide;
+    const ErfInvArgument<VecOf<hn::Rebind<double, D>>> u[1] = {
+        Function::SplitFine(wide, hn::PromoteTo(wide, x))};
+    VecOf<hn::Rebind<double, D>> y[1];
+    ErfInvCubic<Function, kErfInvFineOctaves, kErfInvFineBits, true>(wide, kErfInvFine, u, y);
+    if (!AnyRoundingInDoubt<15>(wide, y)) return hn::DemoteTo(d, y[0]);
     const V in[1] = {x};
     V out[1];
     Wide::MainGroup(d, in, out);

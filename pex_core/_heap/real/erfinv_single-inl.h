@@ -87,7 +87,8 @@ struct NearRows {
   HWY_INLINE void Load(D d, const float (&columns)[kColumns][32], const float (&)[32][kColumns],
                        BitsOf<D> j) {
     columns_ = columns;
-    j_ = hn::Or(hn::And(j, SetBits(d, 31)), hn::ShiftLeft<28>(j));
+    (void)d;
+    j_ = hn::Or(j, hn::ShiftLeft<28>(j));
   }
   HWY_INLINE VecOf<D> Column(size_t i) const {
     const __m256 lower = _mm256_permutevar8x32_ps(_mm256_load_ps(columns_[i] + 16), j_.raw);

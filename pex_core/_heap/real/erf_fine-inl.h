@@ -1,0 +1,104 @@
+// The complementary error function and the normal distribution function in double, up to LA, from
+// the nearest point c = j/256 of a table of the function f and its derivative s:
+//   f(x) = f(c) + s d T,  d = x - c,
+// T that of erfc-inl.h, by polynomials in w = d (x + c) and v = d^2: for the normal distribution,
+// of their halves.
+
+#include "hwy/highway.h"
+#include "pex_core/_heap/real/erf_polynomials.h"
+#include "pex_core/_heap/real/erf_rows-inl.h"
+#include "pex_core/_heap/real/erf_tables.h"
+#include "pex_core/_heap/real/erfc-inl.h"
+#include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/_kernel/polynomial-inl.h"
+
+#if defined(PEX_CORE__HEAP_REAL_ERF_FINE_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef PEX_CORE__HEAP_REAL_ERF_FINE_INL_H_
+#undef PEX_CORE__HEAP_REAL_ERF_FINE_INL_H_
+#else
+#define PEX_CORE__HEAP_REAL_ERF_FINE_INL_H_
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace pex::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// What the table serves, and a part of it that ends beyond `kFlat`, where the function is flat.
+struct ErfcFine {
+  static constexpr auto& kRows = kErfcFineRows;
+  static constexpr int kFirst = kErfcFineFirst;
+  static constexpr auto& kMean = kErfcFineMean;
+  static constexpr auto& kMeanShort = kErfcFineMeanShort;
+  static constexpr auto& kMeanEP = kErfcFineMeanEP;
+  static constexpr auto& kRatio = kErfcFineRatio;
+  static constexpr double kSquare = 1.0 / 6, kFourth = 1.0 / 60;
+};
+
+struct CdfNormFine {
+  static constexpr auto& kRows = kCdfNormRows;
+  static constexpr int kFirst = kCdfNormFirst;
+  static constexpr auto& kMean = kCdfNormMean;
+  static constexpr auto& kMeanShort = kCdfNormMeanShort;
+  static constexpr auto& kMeanEP = kCdfNormMeanEP;
+  static constexpr auto& kRatio = kCdfNormRatio;
+  static constexpr double kSquare = 1.0 / 12, kFourth = 1.0 / 240;
+};
+
+// For x within the table. To add 2^-200 keeps the products of tiny numbers from underflow and
+// changes nothing else.
+template <class Function, ErfcTier kTier, class D, class V, size_t K>
+HWY_INLINE void FromFineRows(D d, const V (&x)[K], V (&y)[K]) {
+  V safe[K], c[K], w[K], w2[K], v[K], t[K];
+  Row2<V> row[K];
+  RowOffsets<sizeof(ErfcRow), D> at[K];
+  for (size_t k = 0; k < K; ++k) {
+    safe[k] = hn::Add(x[k], hn::Set(d, 0x1p-200));
+    // The sum ends in the number of the row.
+    const V shifter = hn::Set(d, 0x1.8p44 + Function::kFirst / 256.0);
+    const V sum = hn::Add(safe[k], shifter);
+    at[k].Set(d, Bits(d, sum));
+    c[k] = hn::Sub(sum, shifter);
+  }
+  for (size_t k = 0; k < K; ++k) row[k] = LoadRows2(d, &Function::kRows[0].value, at[k]);
+  for (size_t k = 0; k < K; ++k) {
+    const V dx = hn::Sub(safe[k], c[k]);
+    w[k] = hn::Mul(dx, hn::Add(safe[k], c[k]));
+    if constexpr (kTier != ErfcTier::kShort) w2[k] = hn::Mul(w[k], w[k]);
+    v[k] = hn::Mul(dx, dx);
+    row[k].b = hn::Mul(row[k].b, dx);
+  }
+  if constexpr (kTier == ErfcTier::kShort) {
+    // Its results are tried for a rounding in doubt.
+    constexpr auto& kMean = Function::kMeanShort;
+    for (size_t k = 0; k < K; ++k) {
+      V p = hn::Set(d, kMean[3]);
+      for (size_t i = 3; i-- > 0;) p = HiddenMulAdd(w[k], p, hn::Set(d, kMean[i]));
+      const V mean = HiddenMulAdd(w[k], p, hn::Set(d, 1.0));
+      t[k] = HiddenMulAdd(mean, hn::Mul(v[k], hn::Set(d, Function::kSquare)), mean);
+      y[k] = HiddenMulAdd(row[k].b, t[k], row[k].a);
+    }
+    return;
+  }
+  if constexpr (kTier == ErfcTier::kLA) {
+    EvenOdd(d, w, w2, Function::kMean, t);
+  } else {
+    EvenOdd(d, w, w2, Function::kMeanEP, t);
+  }
+  for (size_t k = 0; k < K; ++k) {
+    V ratio = hn::Set(d, Function::kSquare);
+    if constexpr (kTier == ErfcTier::kLA) {
+      ratio =
+          hn::Add(Horner(d, w2[k], Function::kRatio), hn::Mul(v[k], hn::Set(d, Function::kFourth)));
+    }
+    const V mean = hn::Add(hn::Set(d, 1.0), hn::Mul(w[k], t[k]));
+    t[k] = hn::Add(mean, hn::Mul(mean, hn::Mul(v[k], ratio)));
+    y[k] = hn::Add(row[k].a, hn::Mul(row[k].b, t[k]));
+  }
+}
+
+}  // namespace pex::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif  // PEX_CORE__HEAP_REAL_ERF_FINE_INL_H_
