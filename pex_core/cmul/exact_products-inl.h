@@ -118,19 +118,7 @@ template <int32_t kLow, int32_t kHigh, int kLog2 = 9>
 struct PartsOutside {
   static constexpr int kFirst = 1023 - (1 << (kLog2 - 1));
   static_assert(kLow <= kFirst << 20 && kHigh >= ((kFirst + (1 << kLog2)) << 20) - 1);
-  template <class D, class V, class... W>
-  static HWY_INLINE MaskOf<D> MayBeAny(D d, V x, W... rest) {
-    const auto first = SetBits(d, uint64_t{kFirst} << 52);
-    const auto upper = SetBits(d, (~uint64_t{0} << (53 + kLog2)) >> 1);
-    auto joined = hn::Sub(Bits(d, x), first);
-    ((joined = hn::Or(joined, hn::Sub(Bits(d, rest), first))), ...);
-#if HWY_TARGET == HWY_AVX3
-    return MaskOf<D>{_mm512_test_epi64_mask(joined.raw, upper.raw)};
-#else
-    return hn::RebindMask(d, hn::Gt(hn::And(joined, upper), SetBits(d, 0)));
-#endif
-  }
-  // The same of any of several numbers, from the high words of their parts.
+  // Whether any of several numbers may be, from the high words of their parts.
   template <class D, size_t K, class... X>
   static HWY_INLINE bool AnyOfGroup(D, const X (&... x)[K]) {
     const hn::Repartition<int32_t, D> d32;

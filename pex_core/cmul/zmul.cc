@@ -16,9 +16,9 @@ namespace pex::HWY_NAMESPACE {
 template <bool kConjugate>
 struct ExactMul : ComplexKernel<double> {
   using Outside = PartsOutside<0x21B00000, 0x5FDFFFFF>;
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> a, Complex<V> b) {
-    return Outside::MayBeAny(d, a.re, a.im, b.re, b.im);
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&a)[K], const Complex<V> (&b)[K]) {
+    return Outside::AnyOfGroup(d, a, b);
   }
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a, Complex<V> b) {
