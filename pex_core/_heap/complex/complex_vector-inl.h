@@ -1,8 +1,8 @@
 // The vector kernels of the complex elementary functions. Single-precision functions compute in
 // double, double-precision ones in unevaluated sums of two doubles; elements with a part that is
 // very large, very small, infinite or NaN go to the routines of complex_scalar.h. Those are off by
-// less than 0.51 ulp of each part, and so is Compute. Exp, Ln, Log10, Atan and Atanh of double
-// precision have kernels of their own for common parts and take their ranges from here.
+// less than 0.51 ulp of each part, and so is Compute. Exp, Ln and Log10, and Atan and Atanh of double
+// precision, have kernels of their own for common parts and take their ranges from here.
 //
 // A function F has Re and Im, the ranges of common parts; Scalar, the routine for one element;
 // Compute<N>(d, z), the result of common lanes in numbers N; where there is one, IsSingular, a mask
@@ -252,14 +252,6 @@ struct ComplexLn {
 
 struct ComplexLog10 : ComplexLn {
   static constexpr auto Scalar = _pexclog10_scalar;
-  template <class N, class D, class V = VecOf<D>>
-  static HWY_INLINE Complex<V> Compute(D d, Complex<V> z) {
-    const N size = LogModulusOf<N>(d, z.re, z.im);
-    const N angle = AngleOf(d, From<N>(d, hn::Abs(z.im)), From<N>(d, hn::Abs(z.re)), z.re);
-    const N factor = From<N>(d, hn::Set(d, 0x1.bcb7b1526e50ep-2));  // 1/ln 10
-    return {Value(d, Times(d, size, factor)),
-            hn::CopySignToAbs(Value(d, Times(d, angle, factor)), z.im)};
-  }
 };
 
 // The parts are sqrt((|x| + |z|)/2) and |y| over twice that.
