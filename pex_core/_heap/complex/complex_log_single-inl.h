@@ -19,6 +19,29 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+// ln of what is reduced to 1 + t by u, to 2^-34.
+template <class D, class W, size_t K>
+HWY_INLINE void LogNearOne(D d, const W (&t)[K], const LogShort<D> (&u)[K], W (&log)[K]) {
+  W square[K], p[K];
+  for (size_t i = 0; i < K; ++i) square[i] = hn::Mul(t[i], t[i]);
+  EvenOdd(d, t, square, kLnSingleComplexHA, p);
+  for (size_t i = 0; i < K; ++i) p[i] = hn::Add(hn::Mul(p[i], square[i]), t[i]);
+  for (size_t i = 0; i < K; ++i) {
+    const W log2 = hn::Set(d, 0x1.62e42fefa39efp-1 * kExponentUnit);
+    const W head = hn::Add(hn::Mul(u[i].e, log2), u[i].log);
+    log[i] = hn::Add(head, p[i]);
+  }
+}
+
+// atan(t)/t for |t| <= 1, to 2^-31.
+template <class D, class W, size_t K>
+HWY_INLINE void AngleFactor(D d, const W (&t)[K], W (&p)[K]) {
+  W square[K];
+  for (size_t i = 0; i < K; ++i) square[i] = hn::Mul(t[i], t[i]);
+  HornerInSteps(d, square, kAtanUnitHA, p);
+  for (size_t i = 0; i < K; ++i) p[i] = hn::Add(hn::Mul(p[i], square[i]), hn::Set(d, 1.0));
+}
+
 // The magnitudes of the parts by size.
 template <class V>
 struct BySize {
@@ -125,30 +148,21 @@ struct LogInDouble : ElementaryKernel<F, float> {
     }
   }
 
-  // ln s, to 2^-34.
+  // ln s.
   template <class W, size_t K, class D>
   static HWY_INLINE void Log(D d, const W (&s)[K], W (&log)[K]) {
     LogShort<D> u[K];
-    W t[K], square[K], p[K];
+    W t[K];
     LogShortReduce(d, s, u);
     for (size_t i = 0; i < K; ++i) t[i] = ProductLessOne(d, u[i].m, u[i].c);
-    for (size_t i = 0; i < K; ++i) square[i] = hn::Mul(t[i], t[i]);
-    EvenOdd(d, t, square, kLnSingleComplexHA, p);
-    for (size_t i = 0; i < K; ++i) p[i] = hn::Add(hn::Mul(p[i], square[i]), t[i]);
-    for (size_t i = 0; i < K; ++i) {
-      const W log2 = hn::Set(d, 0x1.62e42fefa39efp-1 * kExponentUnit);
-      const W head = hn::Add(hn::Mul(u[i].e, log2), u[i].log);
-      log[i] = hn::Add(head, p[i]);
-    }
+    LogNearOne(d, t, u, log);
   }
 
   template <class W, size_t K, class D>
   static HWY_INLINE void Angle(D d, const W (&more)[K], const W (&less)[K], W (&angle)[K]) {
-    W t[K], square[K], p[K];
+    W t[K], p[K];
     for (size_t i = 0; i < K; ++i) t[i] = hn::Div(less[i], more[i]);
-    for (size_t i = 0; i < K; ++i) square[i] = hn::Mul(t[i], t[i]);
-    HornerInSteps(d, square, kAtanUnitHA, p);
-    for (size_t i = 0; i < K; ++i) p[i] = hn::Add(hn::Mul(p[i], square[i]), hn::Set(d, 1.0));
+    AngleFactor(d, t, p);
     for (size_t i = 0; i < K; ++i) angle[i] = hn::Mul(t[i], p[i]);
   }
 };
