@@ -27,13 +27,16 @@ struct PlainKernel {
   using T = Element;
   static constexpr int kArguments = kArgs;
   static constexpr int kResults = kRes;
-  static constexpr size_t kVectorBytes = HWY_MAX_BYTES;  // per vector, at most
+  static constexpr bool kMemoryBound = false;  // whether to ask WholeVectors
+  static constexpr size_t kTogether = 1;       // numbers that stay in lanes side by side
 };
 
-// Enough where memory is the limit. Zen 4 stores 32 bytes a cycle, in one piece or two, and loads
-// of 64 bytes wait for stores to other addresses that are alike in their lower bits, which costs up
-// to the double time where arrays lie so.
-inline constexpr size_t kMemoryBoundBytes = HWY_MIN(HWY_MAX_BYTES, 32);
+// Whether to load and store whole vectors where memory is the limit. Most processors move one of 64
+// bytes as fast as one of 32. Zen 4 stores 32 bytes a cycle, in one piece or two, and loads of 64
+// bytes wait for stores to other addresses that are alike in their lower bits, which costs up to
+// the double time where arrays lie so.
+HWY_INLINE bool WholeVectors() { return HWY_MAX_BYTES <= 32 || !__builtin_cpu_is("amdfam19h"); }
+inline constexpr size_t kLessBytes = HWY_MIN(HWY_MAX_BYTES, 32);  // else per vector
 
 template <class K, class D>
 inline constexpr bool HasPairGroup = requires(D d, VecOf<D> (&v)[1]) {
@@ -120,10 +123,11 @@ HWY_INLINE void PlainTail(const PlainArrays<K>& p, size_t i, size_t end) {
 #endif
 }
 
-template <class K>
-HWY_INLINE int RunPlain(int64_t n, const PlainArrays<K>& p) {
+// By vectors of so many bytes.
+template <class K, size_t kBytes>
+HWY_INLINE int RunPlainBy(int64_t n, const PlainArrays<K>& p) {
   using T = typename K::T;
-  using D = hn::CappedTag<T, K::kVectorBytes / sizeof(T)>;
+  using D = hn::CappedTag<T, kBytes / sizeof(T)>;
   const D d;
   constexpr size_t kLanes = hn::MaxLanes(D());
   constexpr size_t kGroup = kPlainUnroll * kLanes;
@@ -132,11 +136,12 @@ HWY_INLINE int RunPlain(int64_t n, const PlainArrays<K>& p) {
   const size_t end = static_cast<size_t>(n);
   size_t i = 0;
   if (HWY_UNLIKELY(!p.Independent(HWY_MIN(kGroup, end) * sizeof(T)))) {
-    for (; i < end; ++i) PlainGroup<K, 1>(hn::CappedTag<T, 1>(), p, i);
+    constexpr size_t kStep = K::kTogether;
+    for (; i < end; i += kStep) PlainGroup<K, 1>(hn::CappedTag<T, kStep>(), p, i);
     return 0;
   }
   const size_t past = reinterpret_cast<uintptr_t>(p.r1) % (kLanes * sizeof(T)) / sizeof(T);
-  if (past != 0 && end >= kPeel) {
+  if (past % K::kTogether == 0 && past != 0 && end >= kPeel) {
     PlainTail<K, kLanes>(p, 0, kLanes - past);
     i = kLanes - past;
   }
@@ -144,6 +149,14 @@ HWY_INLINE int RunPlain(int64_t n, const PlainArrays<K>& p) {
   for (; i + kLanes <= end; i += kLanes) PlainGroup<K, 1>(d, p, i);
   PlainTail<K, kLanes>(p, i, end);
   return 0;
+}
+
+template <class K>
+HWY_INLINE int RunPlain(int64_t n, const PlainArrays<K>& p) {
+  if constexpr (K::kMemoryBound) {
+    if (!WholeVectors()) return RunPlainBy<K, kLessBytes>(n, p);
+  }
+  return RunPlainBy<K, HWY_MAX_BYTES>(n, p);
 }
 
 // The bodies that PEX_EXPORT_* and PEX_EXPORT_HARDWARE_* dispatch to.

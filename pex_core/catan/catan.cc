@@ -4,12 +4,13 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/complex/complex_atanh-inl.h"
+#include "pex_core/_heap/complex/complex_atanh_single-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
 int cAtan(int32_t n, const PexComplex8* a, PexComplex8* r) {
-  return MapComplex<ElementaryKernel<ComplexAtan, float>>(n, a, r);
+  return MapComplex<ArctangentInDouble<ComplexAtan, true>>(n, a, r);
 }
 int zAtan(int32_t n, const PexComplex16* a, PexComplex16* r) {
   return MapComplex<dArctangent<ComplexAtan, true>>(n, a, r);

@@ -10,18 +10,20 @@ namespace pex::HWY_NAMESPACE {
 
 // A single-precision number as 64 bits: the imaginary part is on top.
 struct SingleConj : PlainKernel<double> {
-  static constexpr size_t kVectorBytes = kMemoryBoundBytes;
+  static constexpr bool kMemoryBound = true;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     return hn::Xor(x, hn::SignBit(d));
   }
 };
 
-struct DoubleConj : ComplexKernel<double> {
-  using Tag = hn::CappedTag<double, kMemoryBoundBytes / sizeof(double)>;
+// Every second double.
+struct DoubleConj : PlainKernel<double> {
+  static constexpr bool kMemoryBound = true;
+  static constexpr size_t kTogether = 2;
   template <class D, class V>
-  static HWY_INLINE void Main(D d, Complex<V> a, Complex<V>& r) {
-    r = {a.re, hn::Xor(a.im, hn::SignBit(d))};
+  static HWY_INLINE V Main(D d, V x) {
+    return hn::Xor(x, hn::OddEven(hn::SignBit(d), hn::Zero(d)));
   }
 };
 
@@ -31,7 +33,9 @@ int cConj(int32_t n, const PexComplex8* a, PexComplex8* r) {
   return RunPlain<SingleConj>(n, {from, from, to, to});
 }
 int zConj(int32_t n, const PexComplex16* a, PexComplex16* r) {
-  return MapComplex<DoubleConj>(n, a, r);
+  const auto* from = reinterpret_cast<const double*>(a);
+  auto* to = reinterpret_cast<double*>(r);
+  return RunPlain<DoubleConj>(2 * int64_t{n}, {from, from, to, to});
 }
 
 }  // namespace pex::HWY_NAMESPACE

@@ -1,15 +1,15 @@
-// The decimal logarithm of complex numbers, in single precision.
+// The decimal logarithm of complex numbers in single precision: one kernel for all accuracies.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/clog10/clog10.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
-#include "pex_core/_heap/complex/complex_vector-inl.h"
+#include "pex_core/_heap/complex/complex_log_single-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
 int cLog10(int32_t n, const PexComplex8* a, PexComplex8* r) {
-  return MapComplex<ElementaryKernel<ComplexLog10, float>>(n, a, r);
+  return MapComplex<LogInDouble<ComplexLog10>>(n, a, r);
 }
 
 }  // namespace pex::HWY_NAMESPACE

@@ -27,11 +27,9 @@ HWY_INLINE Complex<V> PlainProduct(Complex<V> a, Complex<V> b) {
   }
 }
 
-template <typename T, bool kConjugate>
+template <typename T, bool kConjugate, size_t kBytes = HWY_MAX_BYTES>
 struct PlainMul : ComplexKernel<T> {
-  // In double precision memory is the limit.
-  using Tag =
-      hn::CappedTag<T, sizeof(T) == 8 ? kMemoryBoundBytes / sizeof(T) : HWY_MAX_BYTES / sizeof(T)>;
+  using Tag = hn::CappedTag<T, kBytes / sizeof(T)>;
   template <class D, class V>
   static HWY_INLINE void Main(D, Complex<V> a, Complex<V> b, Complex<V>& r) {
     r = PlainProduct<kConjugate>(a, b);

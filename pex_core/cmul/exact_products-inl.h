@@ -21,24 +21,20 @@ struct Reduced {
   V hi, less;
 };
 
-// a b as hi - less exactly; less is +0 where hi is exact.
+// a b + c rounded once, for c that the rounded product differs from -c by a number; +0 for 0.
 template <class D, class V>
-HWY_INLINE Reduced<V> LessProduct(D d, V a, V b) {
-  const V hi = hn::Mul(a, b);
-  return {hi, Remainder(d, hi, a, b)};
-}
-
-// a + b and a - b as fused operations where there are such: the product with 1 is exact, so that
-// the result is the same, and it comes from the multipliers, while the adders have more to do.
-template <class D, class V>
-HWY_INLINE V MultiplierAdd(D d, V a, V b) {
+HWY_INLINE V ProductAnd(D d, V a, V b, V c) {
 #if HWY_TARGET == HWY_SSE4
-  (void)d;
-  return hn::Add(a, b);
+  const Pair<V> product = TwoProduct(d, a, b);
+  return hn::Add(hn::Add(product.hi, c), product.lo);
 #else
-  return hn::MulAdd(a, hn::Set(d, 1.0), b);
+  (void)d;
+  return hn::MulAdd(a, b, c);
 #endif
 }
+
+// a - b as a fused operation where there is one: the product with 1 is exact, so that the result is
+// the same, and it comes from the multipliers, while the adders have more to do.
 template <class D, class V>
 HWY_INLINE V MultiplierSub(D d, V a, V b) {
 #if HWY_TARGET == HWY_SSE4
@@ -49,18 +45,22 @@ HWY_INLINE V MultiplierSub(D d, V a, V b) {
 #endif
 }
 
-// p + q with a relative error below 2^-100, whatever cancels: where the leading parts do, their sum
-// is exact, and so is the sum of that and p.less when the latter matters. Corrections are
-// subtracted, as +0 where there is nothing to correct, so that sums of zeros keep their sign. After
-// cancellation |less| may be as large as |hi|.
-template <class D, class V>
-HWY_INLINE Reduced<V> SumOfProducts(D d, Reduced<V> p, Reduced<V> q) {
-  const V s = hn::Add(p.hi, q.hi);
-  const V t = hn::Sub(s, p.hi);
-  const V less = hn::Add(hn::Sub(MultiplierSub(d, s, t), p.hi), MultiplierSub(d, t, q.hi));
-  const V hi = hn::Sub(s, p.less);
-  const V hi_less = hn::Add(MultiplierSub(d, hi, s), p.less);
-  return {hi, hn::Add(MultiplierAdd(d, hi_less, q.less), less)};
+// a b + u v, or a b - u v, with a relative error below 2^-100, whatever cancels. s, the sum of the
+// rounded products, is itself the sum of two numbers, and they differ from those products by
+// numbers (Knuth's sum): one fused operation each gives what they exceed the exact products by.
+// Where the products cancel, s is exact, and so is s less the one excess when that matters. Nothing
+// in excess is +0, so that sums of zeros keep their sign. After cancellation |less| may be as large
+// as |hi|.
+template <bool kMinus, class D, class V>
+HWY_INLINE Reduced<V> SumOfProducts(D d, V a, V b, V u, V v) {
+  const V p = hn::Mul(a, b), q = hn::Mul(u, v);
+  const V s = kMinus ? hn::Sub(p, q) : hn::Add(p, q);
+  const V t = hn::Sub(s, p);
+  const V p_excess = Remainder(d, hn::Sub(s, t), a, b);
+  const V q_excess = kMinus ? ProductAnd(d, u, v, t) : Remainder(d, t, u, v);
+  const V hi = hn::Sub(s, p_excess);
+  const V hi_excess = hn::Add(MultiplierSub(d, hi, s), p_excess);
+  return {hi, hn::Add(hi_excess, q_excess)};
 }
 
 template <class V>
@@ -71,22 +71,21 @@ struct ProductParts {
 // a b, or a conj(b).
 template <bool kConjugate, class D, class V>
 HWY_INLINE ProductParts<V> ExactProduct(D d, Complex<V> a, Complex<V> b) {
-  const V other = hn::Neg(kConjugate ? a.re : a.im);
   if constexpr (kConjugate) {
-    return {SumOfProducts(d, LessProduct(d, a.re, b.re), LessProduct(d, a.im, b.im)),
-            SumOfProducts(d, LessProduct(d, a.im, b.re), LessProduct(d, other, b.im))};
+    return {SumOfProducts<false>(d, a.re, b.re, a.im, b.im),
+            SumOfProducts<true>(d, a.im, b.re, a.re, b.im)};
   } else {
-    return {SumOfProducts(d, LessProduct(d, a.re, b.re), LessProduct(d, other, b.im)),
-            SumOfProducts(d, LessProduct(d, a.re, b.im), LessProduct(d, a.im, b.re))};
+    return {SumOfProducts<true>(d, a.re, b.re, a.im, b.im),
+            SumOfProducts<false>(d, a.re, b.im, a.im, b.re)};
   }
 }
 
-// |x|^2 with a relative error below 2^-104.
+// |x|^2 likewise, with a relative error below 2^-104.
 template <class D, class V>
 HWY_INLINE Pair<V> SumOfSquares(D d, Complex<V> x) {
-  const Pair<V> p = TwoProduct(d, x.re, x.re), q = TwoProduct(d, x.im, x.im);
-  const Pair<V> s = FastTwoSum(hn::Max(p.hi, q.hi), hn::Min(p.hi, q.hi));
-  return {s.hi, hn::Add(s.lo, hn::Add(p.lo, q.lo))};
+  const V p = hn::Mul(x.re, x.re), s = hn::Add(p, hn::Mul(x.im, x.im));
+  const V t = hn::Sub(s, p);
+  return {s, hn::Add(ProductLess(d, x.re, x.re, hn::Sub(s, t)), ProductLess(d, x.im, x.im, t))};
 }
 
 template <class D, class V>
@@ -119,19 +118,7 @@ template <int32_t kLow, int32_t kHigh, int kLog2 = 9>
 struct PartsOutside {
   static constexpr int kFirst = 1023 - (1 << (kLog2 - 1));
   static_assert(kLow <= kFirst << 20 && kHigh >= ((kFirst + (1 << kLog2)) << 20) - 1);
-  template <class D, class V, class... W>
-  static HWY_INLINE MaskOf<D> MayBeAny(D d, V x, W... rest) {
-    const auto first = SetBits(d, uint64_t{kFirst} << 52);
-    const auto upper = SetBits(d, (~uint64_t{0} << (53 + kLog2)) >> 1);
-    auto joined = hn::Sub(Bits(d, x), first);
-    ((joined = hn::Or(joined, hn::Sub(Bits(d, rest), first))), ...);
-#if HWY_TARGET == HWY_AVX3
-    return MaskOf<D>{_mm512_test_epi64_mask(joined.raw, upper.raw)};
-#else
-    return hn::RebindMask(d, hn::Gt(hn::And(joined, upper), SetBits(d, 0)));
-#endif
-  }
-  // The same of any of several numbers, from the high words of their parts.
+  // Whether any of several numbers may be, from the high words of their parts.
   template <class D, size_t K, class... X>
   static HWY_INLINE bool AnyOfGroup(D, const X (&... x)[K]) {
     const hn::Repartition<int32_t, D> d32;

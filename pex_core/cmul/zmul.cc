@@ -16,9 +16,9 @@ namespace pex::HWY_NAMESPACE {
 template <bool kConjugate>
 struct ExactMul : ComplexKernel<double> {
   using Outside = PartsOutside<0x21B00000, 0x5FDFFFFF>;
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> a, Complex<V> b) {
-    return Outside::MayBeAny(d, a.re, a.im, b.re, b.im);
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&a)[K], const Complex<V> (&b)[K]) {
+    return Outside::AnyOfGroup(d, a, b);
   }
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a, Complex<V> b) {
@@ -36,14 +36,21 @@ struct ExactMul : ComplexKernel<double> {
 
 using C16 = PexComplex16;
 
+// In double precision memory is the limit.
+template <bool kConjugate>
+HWY_INLINE int MapPlainMul(int32_t n, const C16* a, const C16* b, C16* r) {
+  if (!WholeVectors()) return MapComplex<PlainMul<double, kConjugate, kLessBytes>>(n, a, b, r);
+  return MapComplex<PlainMul<double, kConjugate>>(n, a, b, r);
+}
+
 int zMul_26(int32_t n, const C16* a, const C16* b, C16* r) {
-  return MapComplex<PlainMul<double, false>>(n, a, b, r);
+  return MapPlainMul<false>(n, a, b, r);
 }
 int zMul(int32_t n, const C16* a, const C16* b, C16* r) {
   return MapComplex<ExactMul<false>>(n, a, b, r);
 }
 int zMulByConj_26(int32_t n, const C16* a, const C16* b, C16* r) {
-  return MapComplex<PlainMul<double, true>>(n, a, b, r);
+  return MapPlainMul<true>(n, a, b, r);
 }
 int zMulByConj(int32_t n, const C16* a, const C16* b, C16* r) {
   return MapComplex<ExactMul<true>>(n, a, b, r);

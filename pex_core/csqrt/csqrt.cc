@@ -6,7 +6,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/complex/complex_vector-inl.h"
-#include "pex_core/_heap/real/root_constants.h"
+#include "pex_core/_heap/real/root_square-inl.h"
 #include "pex_core/cmul/exact_products-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -65,7 +65,28 @@ struct SteppedRoots {
   Complex<V> half[K];  // z/2
   Pair<V> square[K];   // |z|^2/4, then m^2
   V root[K];           // of the leading part
+  V inverse[K];        // of m
 };
+
+// s near sqrt(t) and its inverse. One unit of the processor does a square root at a time and
+// divides too: of the second root of doubles 29 bits are computed without it, and so is its
+// inverse. What they lack their remainders give.
+template <class D, class V, size_t K>
+HWY_INLINE void RootAndInverse(D d, const V (&t)[K], V (&s)[K], V (&inverse)[K]) {
+  if constexpr (sizeof(hn::TFromD<D>) == 8) {
+    using C = RootConstants<double>;
+    RootStart<true>(d, t, C::kStepStart, inverse, s);
+    V step[K];
+    for (size_t k = 0; k < K; ++k) {
+      step[k] = hn::Sub(hn::Set(d, C::kStep), hn::Mul(s[k], inverse[k]));
+    }
+    for (size_t k = 0; k < K; ++k) s[k] = hn::Mul(s[k], step[k]);
+    for (size_t k = 0; k < K; ++k) inverse[k] = hn::Mul(inverse[k], step[k]);
+  } else {
+    for (size_t k = 0; k < K; ++k) s[k] = hn::Sqrt(t[k]);
+    for (size_t k = 0; k < K; ++k) inverse[k] = hn::Div(hn::Set(d, 1.0f), s[k]);
+  }
+}
 
 // kFar: a part whose square counts for nothing is left out, for products of that square underflow.
 template <bool kFar, class D, class V, size_t K>
@@ -91,6 +112,7 @@ HWY_INLINE SteppedRoots<V, K> BeginRoots(D d, const Complex<V> (&z)[K]) {
 template <class D, class V, size_t K>
 HWY_INLINE SteppedRoots<V, K> ContinueRoots(D d, const SteppedRoots<V, K>& begun) {
   SteppedRoots<V, K> continued;
+  V leading[K];
   for (size_t k = 0; k < K; ++k) {
     const V s = begun.root[k];
     const Pair<V> square = begun.square[k];
@@ -98,8 +120,9 @@ HWY_INLINE SteppedRoots<V, K> ContinueRoots(D d, const SteppedRoots<V, K>& begun
     const Pair<V> t = FastTwoSum(s, hn::Abs(begun.half[k].re));
     continued.half[k] = begun.half[k];
     continued.square[k] = {t.hi, hn::Add(t.lo, rest)};
-    continued.root[k] = hn::Sqrt(t.hi);
+    leading[k] = t.hi;
   }
+  RootAndInverse(d, leading, continued.root, continued.inverse);
   return continued;
 }
 
@@ -110,7 +133,7 @@ HWY_INLINE void EndRoots(D d, const SteppedRoots<V, K>& continued, Complex<V> (&
     const Complex<V> half = continued.half[k];
     const Pair<V> square = continued.square[k];
     const V s = continued.root[k], y = hn::Abs(half.im);
-    const V inverse = hn::Div(hn::Set(d, T(1)), s);
+    const V inverse = continued.inverse[k];
     const V rest = hn::Mul(hn::Add(Remainder(d, square.hi, s, s), square.lo),
                            hn::Mul(inverse, hn::Set(d, T(0.5))));
     const V q = hn::Mul(y, inverse);

@@ -10,7 +10,7 @@ namespace pex::HWY_NAMESPACE {
 
 template <typename T>
 struct ComplexSub : PlainKernel<T, 2> {
-  static constexpr size_t kVectorBytes = kMemoryBoundBytes;
+  static constexpr bool kMemoryBound = true;
   template <class D, class V>
   static HWY_INLINE V Main(D, V a, V b) {
     return HardwareSub(a, b);

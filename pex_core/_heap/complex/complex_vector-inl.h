@@ -1,8 +1,8 @@
 // The vector kernels of the complex elementary functions. Single-precision functions compute in
 // double, double-precision ones in unevaluated sums of two doubles; elements with a part that is
 // very large, very small, infinite or NaN go to the routines of complex_scalar.h. Those are off by
-// less than 0.51 ulp of each part, and so is Compute. Exp, Ln, Log10, Atan and Atanh of double
-// precision have kernels of their own for common parts and take their ranges from here.
+// less than 0.51 ulp of each part, and so is Compute. Exp, Ln, Log10, Atan and Atanh have kernels
+// of their own for common parts and take their ranges from here.
 //
 // A function F has Re and Im, the ranges of common parts; Scalar, the routine for one element;
 // Compute<N>(d, z), the result of common lanes in numbers N; where there is one, IsSingular, a mask
@@ -252,14 +252,6 @@ struct ComplexLn {
 
 struct ComplexLog10 : ComplexLn {
   static constexpr auto Scalar = _pexclog10_scalar;
-  template <class N, class D, class V = VecOf<D>>
-  static HWY_INLINE Complex<V> Compute(D d, Complex<V> z) {
-    const N size = LogModulusOf<N>(d, z.re, z.im);
-    const N angle = AngleOf(d, From<N>(d, hn::Abs(z.im)), From<N>(d, hn::Abs(z.re)), z.re);
-    const N factor = From<N>(d, hn::Set(d, 0x1.bcb7b1526e50ep-2));  // 1/ln 10
-    return {Value(d, Times(d, size, factor)),
-            hn::CopySignToAbs(Value(d, Times(d, angle, factor)), z.im)};
-  }
 };
 
 // The parts are sqrt((|x| + |z|)/2) and |y| over twice that.
@@ -367,20 +359,6 @@ struct ComplexAtanh {
     return IsPoint(d, z, 1);
   }
   static constexpr auto Scalar = _pexcatanh_scalar;
-  template <class N, class D, class V = VecOf<D>>
-  static HWY_INLINE Complex<V> Compute(D d, Complex<V> z) {
-    const V x = hn::Abs(z.re), y = hn::Abs(z.im), one = hn::Set(d, 1.0);
-    const N y2 = SquareOf<N>(d, y);
-    const N less = SumOf<N>(d, one, hn::Neg(x)), more = SumOf<N>(d, one, x);
-    const N square = Plus(d, Times(d, less, less), y2);
-    const N t = Over(d, From<N>(d, hn::Mul(x, hn::Set(d, 4.0))), square);
-    // Against 2y it counts for little where the difference cancels.
-    const N across = Difference(d, Times(d, less, more), y2);
-    const V sign = Head(d, across);
-    const N angle = AngleOf(d, From<N>(d, hn::Add(y, y)), WithFlippedSign(d, across, sign), sign);
-    return {hn::CopySignToAbs(Value(d, Scaled(d, Log1pOf(d, t), 0.25)), z.re),
-            hn::CopySignToAbs(Value(d, Scaled(d, angle, 0.5)), z.im)};
-  }
 };
 
 using ComplexAsin = Rotated<ComplexAsinh, _pexcasin_scalar, true>;
