@@ -264,11 +264,14 @@ HWY_INLINE void SpreadEvenOdd(D d, const V (&x)[K], const V (&x2)[K], V (&p)[K])
   }
 }
 
-// The root where it is large, or else minus.
-template <bool kEstimated, class D>
+// The root where it is large, or else minus. kEstimated: by estimates; with kPlenty of other work
+// only where the processor's root takes longer than that, on Golden Cove.
+template <bool kEstimated, bool kPlenty, class D>
 HWY_INLINE VecOf<D> AsinRoot(D d, const AsinParts<D>& v) {
 #if HWY_TARGET == HWY_AVX3
-  if constexpr (kEstimated && sizeof(hn::TFromD<D>) == 8 && sizeof(v.rest) == 64) {
+  constexpr bool kPossible = sizeof(hn::TFromD<D>) == 8 && sizeof(v.rest) == 64;
+  if constexpr (!kEstimated || !kPossible) {
+  } else if (!kPlenty || __builtin_cpu_is("intel")) {
     const __mmask8 positive =
         _mm512_mask_test_epi64_mask(v.large.raw, Bits(d, v.rest).raw, Bits(d, v.rest).raw);
     VecOf<D> root[1] = {v.rest};
@@ -307,7 +310,7 @@ struct PlainAsinPart {
       }
       large[k] = v.large;
       u[k] = v.u;
-      lead[k] = kRoots ? hn::Sqrt(v.u) : AsinRoot<kKind == 0>(d, v);
+      lead[k] = kRoots ? hn::Sqrt(v.u) : AsinRoot<kKind == 0, (std::size(c) > 5)>(d, v);
     }
     EndPart(lead);
   }
