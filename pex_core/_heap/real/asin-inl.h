@@ -394,7 +394,7 @@ struct AsinGroups : LargeGroups<T> {
   static constexpr bool kWide = HWY_TARGET == HWY_AVX3 || sizeof(T) == 8;
   static constexpr int kUnroll = kWide ? 8 : 4;
   static constexpr int kRestUnroll = kWide ? LargeGroups<T>::kRestUnroll : 2;
-  static constexpr size_t kTogether = 1;
+  static constexpr size_t kTogether = sizeof(T) == 4 ? 2 : 1;
 };
 
 // Part<c, kDomain, ...> for all vectors of a group, kSize of them at a time.
@@ -403,7 +403,7 @@ template <template <auto&, AsinDomain, class, size_t> class Part, auto& c, AsinD
 HWY_INLINE void PlainInTurn(D, const V (&x)[K], V (&r)[K]) {
   constexpr size_t kEach = K % kSize == 0 ? kSize : 1;
   Part<c, kDomain, D, kEach> parts[K / kEach];
-  SomeInTurn<2>(parts, x, r);
+  SomeInTurn<kSize == 1 ? 2 : 1>(parts, x, r);
 }
 
 // pi/2 - x ..., s ... or pi - s ...: what the leading term is added to, a quarter of pi at a time.
