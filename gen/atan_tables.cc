@@ -145,6 +145,57 @@ inline constexpr AtanOctantBins kAtanOctantBins = {
   std::printf("};\n");
 }
 
+// Bins of a >= 0 by the leading bits of a + 3/8: 2^bits of each octave, `count` in all; the last
+// one goes to infinity. Rows are numbered by those bits and as many of the exponent's lowest as
+// there are rows for. The second bin's center lies at the share `second` of its angle.
+template <typename T>
+void PlainTable(const char* name, int bits, int count, double second) {
+  const int N = 16;
+  const double shift = 0.375;
+  T c[N] = {}, angle[N] = {};
+  double foot = 0;
+  for (int bin = 0; bin < count; ++bin) {
+    const double sum = foot + shift;
+    const int exponent = std::ilogb(sum), biased = exponent + (sizeof(T) == 8 ? 1023 : 127);
+    const double step = std::ldexp(1.0, exponent - bits);
+    const int row = (biased << bits) + static_cast<int>((sum - std::ldexp(1.0, exponent)) / step);
+    const double head = foot + step;
+    if (bin > 0) {
+      const double low = std::atan(foot), high = std::atan(bin < count - 1 ? head : INFINITY);
+      const double center = std::tan(low + (high - low) * (bin == 1 ? second : 0.5));
+      c[row & (count - 1)] = Breakpoint<T>(center, &angle[row & (count - 1)]);
+    }
+    foot = head;
+  }
+  for (int row = count; row < N; ++row) {
+    c[row] = c[row - count];
+    angle[row] = angle[row - count];
+  }
+  std::printf("\ninline constexpr AtanPlainBins<%s> %s = {\n", sizeof(T) == 8 ? "double" : "float",
+              name);
+  Column(c);
+  Column(angle);
+  std::printf("};\n");
+}
+
+void PlainTables() {
+  std::printf(R"(
+// Rows of atan(a) = angle + atan((a - c)/(1 + c a)), by the leading bits of a + 3/8, which goes up
+// to the last bin. The angle is atan(c) to within 2^-64 (single: 2^-32) of itself; the row of the
+// least a has c = 0.
+template <typename T>
+struct AtanPlainBins {
+  alignas(64) T c[16], angle[16];
+};
+
+// Quarters of octaves: |t| < 0.0627 below 1/4, 0.0872 below 4.625, 0.1067 beyond.)");
+  PlainTable<double>("kAtanBinsOfDouble", 2, 16, 0.5);
+  std::printf(R"(
+// Halves of octaves, twice over: |t| <= 0.125 below 1/8, from -0.095 to 0.141 below 3/8, less than
+// 0.145 beyond.)");
+  PlainTable<float>("kAtanBinsOfFloat", 1, 8, 0.4);
+}
+
 void ScalarTable() {
   std::printf(R"(
 // Row j for the breakpoint c in the middle of the half octave j above 1/8, that is 1.25 2^(j/2 - 3)
@@ -182,12 +233,10 @@ struct AtanBins {
   std::printf("\n// Near 3/4, with its arctangent to within 2^-64 of itself.\n");
   // Off 3/4 itself, where the steps of the arctangent are 16/25 and fall on few fractions.
   Middle<double>("double", "kAtanMiddle", 0.7502);
-  std::printf("// The same near tan(pi/5) and tan(2 pi/5).\n");
-  Middle<double>("double", "kAtanFlat", 0.7266);
-  Middle<double>("double", "kAtanSteep", 3.0778);
   std::printf("// The same near 0.56; the angle is a multiple of pi's last place.\n");
   Middle<double>("double", "kAtanOctantMiddle", 0.56, 0x1p-51);
   OctantTable();
+  PlainTables();
   ScalarTable();
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_ATAN_TABLES_H_\n");
 }

@@ -298,6 +298,26 @@ inline constexpr uint64_t kDoubtHalf = uint64_t{1} << 28;
 template <int kError>
 inline constexpr uint64_t kDoubtNear = 2 * kDoubtHalf - (uint64_t{2} << kError);
 
+// Whether of any of several vectors the key, key(x), has a bit of `mask`.
+template <class D, size_t K, class Key>
+HWY_INLINE bool AnyKeyHas(D d, const VecOf<D> (&x)[K], uint64_t mask, Key key) {
+  auto joined = key(x[0]);
+  if constexpr (K % 2 == 0) joined = hn::Or(joined, key(x[1]));
+  for (size_t k = 2 - K % 2; k < K; k += 2) joined = hn::Or3(joined, key(x[k]), key(x[k + 1]));
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(joined) == 64) {
+    const auto bits = SetBits(d, mask).raw;
+    if constexpr (sizeof(hn::TFromD<D>) == 8) {
+      return _mm512_test_epi64_mask(joined.raw, bits) != 0;
+    } else {
+      return _mm512_test_epi32_mask(joined.raw, bits) != 0;
+    }
+  }
+#endif
+  const auto found = hn::And(joined, SetBits(d, mask));
+  return !hn::AllTrue(hn::RebindToSigned<D>(), hn::Eq(found, SetBits(d, 0)));
+}
+
 // Whether another float than that next to y may be next to a number that y is known to be within
 // 2^kError - 1 units in its last place of.
 template <int kError, class D, class V>

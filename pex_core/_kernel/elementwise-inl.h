@@ -8,6 +8,7 @@
 //                          or by Eq;
 //   MayBeRare(d, x, y)     optional: a cheaper mask that covers IsRare and decides for a group; its
 //                          masks are tested together and not used by lane;
+//   AnyMayBeRare(d, x)     optional, for one argument: the same of an array of vectors, at once;
 //   Main(d, x...)          the result of common lanes; (d, x, r1, r2) where there are two results;
 //   or MainGroup(d, x..., r)  the same for arrays of several vectors, step by step for all of them:
 //                          long chains of dependent operations then overlap; r may be an x;
@@ -151,6 +152,11 @@ inline constexpr bool HasMayBeRare = requires(D d, VecOf<D> v) {
   K::MayBeRare(d, v, v);
 };
 
+template <class K, class D, size_t N>
+inline constexpr bool HasAnyMayBeRare1 = requires(D d, VecOf<D> (&v)[N]) {
+  K::AnyMayBeRare(d, v);
+};
+
 template <class K, class D, class V>
 HWY_INLINE MaskOf<D> RareLanes(D d, V x, V y) {
   if constexpr (K::kArguments == 2) {
@@ -189,7 +195,9 @@ requires(HasRarity<K> && sizeof(hn::TFromD<D>) == 8) inline constexpr bool HasWo
 // Whether a group of vectors has a rare lane.
 template <class K, int kVectors, class D, class V>
 HWY_INLINE bool AnyRare(D d, const V* x, const V* y) {
-  if constexpr (HasOwnJoin<K, D>) {
+  if constexpr (HasAnyMayBeRare1<K, D, kVectors>) {
+    return K::AnyMayBeRare(d, *reinterpret_cast<const V(*)[kVectors]>(x));
+  } else if constexpr (HasOwnJoin<K, D>) {
     auto key = K::Rarity::Key(d, x[0]);
     for (int k = 1; k < kVectors; ++k) key = K::Rarity::Joined(d, key, x[k]);
     return K::Rarity::Any(d, key);

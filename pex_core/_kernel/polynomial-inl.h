@@ -112,15 +112,23 @@ HWY_INLINE void InTurn(P (&parts)[K], R (&r)[K], const V (&... x)[K]) {
 }
 
 // The same where each P takes its vectors from x and puts their results into r, kSize of them.
-template <size_t kStep = 0, class P, size_t N, class V>
+// kLag: of how many later P the first part comes before the second part of one. Golden Cove's
+// scheduler holds some hundred operations; those that wait for a division or a root fill it. A P
+// with a kReduceKinds has Reduce<kind>(x) for kinds below that, in turn.
+template <size_t kLag = 1, size_t kStep = 0, class P, size_t N, class V>
 HWY_INLINE void SomeInTurn(P (&parts)[N], const V* x, V* r) {
   constexpr size_t kSize = P::kSize;
-  if constexpr (kStep < N) parts[kStep].Reduce(x + kStep * kSize);
-  if constexpr (kStep >= 1 && kStep <= N) parts[kStep - 1].Evaluate();
-  if constexpr (kStep >= 2) {
-    parts[kStep - 2].Result(x + (kStep - 2) * kSize, r + (kStep - 2) * kSize);
+  constexpr size_t kLast = kStep - kLag - 1;
+  if constexpr (kStep < N) {
+    if constexpr (requires { P::kReduceKinds; }) {
+      parts[kStep].template Reduce<kStep % P::kReduceKinds>(x + kStep * kSize);
+    } else {
+      parts[kStep].Reduce(x + kStep * kSize);
+    }
   }
-  if constexpr (kStep <= N) SomeInTurn<kStep + 1>(parts, x, r);
+  if constexpr (kStep >= kLag && kStep - kLag < N) parts[kStep - kLag].Evaluate();
+  if constexpr (kStep > kLag) parts[kLast].Result(x + kLast * kSize, r + kLast * kSize);
+  if constexpr (kStep < N + kLag) SomeInTurn<kLag, kStep + 1>(parts, x, r);
 }
 
 // Pairs (c[0] + c[1] x) + x^2 ((c[2] + c[3] x) + x^2 ...): half the latency.

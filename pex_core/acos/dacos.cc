@@ -13,8 +13,7 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vdAcos";
 
 template <AsinDomain kDomain, class Groups = AsinGroups<double>>
-struct dAcosCommon : Groups {
-  using Rarity = AsinRarity<double, kDomain>;
+struct dAcosCommon : AsinRareGroups<double, kDomain, Groups> {
   static HWY_INLINE int Rare(double x, double* r) { return AsinRare(x, r); }
 };
 

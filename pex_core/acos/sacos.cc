@@ -13,8 +13,7 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vsAcos";
 
 template <AsinDomain kDomain>
-struct sAcosCommon : AsinGroups<float> {
-  using Rarity = AsinRarity<float, kDomain>;
+struct sAcosCommon : AsinRareGroups<float, kDomain, AsinGroups<float>> {
   static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
 };
 

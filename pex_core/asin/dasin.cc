@@ -13,8 +13,7 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vdAsin";
 
 template <AsinDomain kDomain, class Groups = AsinGroups<double>>
-struct dAsinCommon : Groups {
-  using Rarity = AsinRarity<double, kDomain>;
+struct dAsinCommon : AsinRareGroups<double, kDomain, Groups> {
   static HWY_INLINE int Rare(double x, double* r) { return AsinRare(x, r); }
 };
 

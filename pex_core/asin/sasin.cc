@@ -13,8 +13,7 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vsAsin";
 
 template <AsinDomain kDomain>
-struct sAsinCommon : AsinGroups<float> {
-  using Rarity = AsinRarity<float, kDomain>;
+struct sAsinCommon : AsinRareGroups<float, kDomain, AsinGroups<float>> {
   static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
 };
 

@@ -12,8 +12,13 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdAtan";
 
-using dAtanEP = AtanPlain<double, kAtanPlainEP, true>;
-using dAtanLA = AtanPlain<double, kAtanPlainLA>;
+template <class D, size_t kVectors>
+using dAtanPartEP = AtanPlainPart<kAtanPlainEP, D, kVectors>;
+using dAtanEP = AtanPlain<double, dAtanPartEP>;
+
+template <class D, size_t kVectors>
+using dAtanPartLA = AtanPlainPart<kAtanPlainLA, D, kVectors>;
+using dAtanLA = AtanPlain<double, dAtanPartLA>;
 
 struct dAtanHA : Kernel<double> {
   using Rarity = RareAbove<double, 0x783FFFFF>;  // |x| >= 2^900, where 1/x nears underflow

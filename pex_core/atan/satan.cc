@@ -12,8 +12,13 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsAtan";
 
-using sAtanEP = AtanPlain<float, kAtanPlainSingleEP>;
-using sAtanLA = AtanPlain<float, kAtanPlainSingleLA>;
+template <class D, size_t kVectors>
+using sAtanPartEP = AtanShortPart<kAtanPlainSingleEP, D, kVectors>;
+using sAtanEP = AtanPlain<float, sAtanPartEP>;
+
+template <class D, size_t kVectors>
+using sAtanPartLA = AtanPlainPart<kAtanPlainSingleLA, D, kVectors>;
+using sAtanLA = AtanPlain<float, sAtanPartLA>;
 
 // kAtanHA, the first coefficient raised. The arctangent of 0x1.1ad646p-4 lies 0.13 ulp of double
 // above the middle of two floats, and its nearest double is that middle: this adds 0.43 ulp there,

@@ -8,6 +8,7 @@
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/asin_polynomials.h"
+#include "pex_core/_heap/real/root_correct-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
@@ -71,6 +72,21 @@ template <typename T, AsinDomain kDomain>
 using AsinRarity =
     std::conditional_t<kDomain == AsinDomain::kCommon, AboveOneOrTiny<T>, AboveOne<T>>;
 
+// What a kernel for kDomain calls rare, and of groups of common arguments whether one may be: not
+// in the 32 octaves below 1 (of doubles 128) or at 1.
+template <typename T, AsinDomain kDomain, class Groups>
+struct AsinRareGroups : Groups {
+  using Rarity = AsinRarity<T, kDomain>;
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyMayBeRare(D d,
+                                      const V (&x)[K]) requires(kDomain == AsinDomain::kCommon) {
+    constexpr uint64_t kBeyond = sizeof(T) == 8 ? uint64_t{31} << 59 : uint64_t{15} << 28;
+    const auto one = Bits(d, hn::Set(d, T(-1)));
+    return AnyKeyHas(d, x, kBeyond,
+                     [&](V v) HWY_ATTR { return hn::Sub(one, Bits(d, NegAbs(d, v))); });
+  }
+};
+
 // K for common arguments, and for the groups with others K for all.
 template <template <AsinDomain> class K>
 struct AsinKernel : K<AsinDomain::kCommon> {
@@ -115,6 +131,34 @@ HWY_INLINE VecOf<D> Whole(D d) {
 #endif
 }
 
+// a ^ (b & c).
+template <class V>
+HWY_INLINE V XorAnd(V a, V b, V c) {
+#if HWY_TARGET == HWY_AVX3
+  const hn::Repartition<uint64_t, hn::DFromV<V>> du;
+  const auto bits = [du](V v) HWY_ATTR { return hn::BitCast(du, v).raw; };
+  if constexpr (sizeof(V) == 64) {
+    const __m512i r = _mm512_ternarylogic_epi64(bits(a), bits(b), bits(c), 0x78);
+    return hn::BitCast(hn::DFromV<V>(), hn::VFromD<decltype(du)>{r});
+  }
+#endif
+  return hn::Xor(a, hn::And(b, c));
+}
+
+// x - 2 y for the lanes of the mask; the others are y. The product is exact.
+template <class D>
+HWY_INLINE VecOf<D> LessTwiceWhere(D d, MaskOf<D> mask, VecOf<D> x, VecOf<D> y) {
+  const VecOf<D> two = Whole<2>(d);
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(x) == 64 && sizeof(hn::TFromD<D>) == 4) {
+    return VecOf<D>{_mm512_mask_fnmadd_ps(y.raw, mask.raw, two.raw, x.raw)};
+  } else if constexpr (sizeof(x) == 64) {
+    return VecOf<D>{_mm512_mask_fnmadd_pd(y.raw, mask.raw, two.raw, x.raw)};
+  }
+#endif
+  return hn::IfThenElse(mask, SubExactProduct(two, y, x), y);
+}
+
 template <AsinDomain kDomain, class D, class V>
 HWY_INLINE AsinParts<D> AsinReduce(D d, V x) {
   using T = hn::TFromD<D>;
@@ -132,6 +176,58 @@ HWY_INLINE AsinParts<D> AsinReduce(D d, V x) {
                        ? hn::Mul(twice, twice)
                        : SquareWhere(d, hn::Le(minus, hn::Set(d, -kTiny)), twice);
   return {minus, large, rest, hn::Min(rest, square)};  // both are equal at |x| = 1/2
+}
+
+// The same of a half: rest = (1 - |x|)/2, and u a fourth of the other's.
+template <AsinDomain kDomain, class D, class V>
+HWY_INLINE AsinParts<D> AsinReduceHalf(D d, V x) {
+  using T = hn::TFromD<D>;
+  constexpr T kTiny = AboveOneOrTiny<T>::kTiny;
+  const V minus = NegAbs(d, x), half = Whole<0.5>(d);
+  const V rest = AddExactProduct(minus, half, half);  // exact where it is used
+  const auto large = hn::Lt(minus, Whole<-0.5>(d));
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (kDomain == AsinDomain::kCommon) {
+    return {minus, large, rest, MulWhere(d, hn::Not(large), minus, minus, rest)};
+  }
+#endif
+  const V square = kDomain == AsinDomain::kCommon
+                       ? hn::Mul(minus, minus)
+                       : SquareWhere(d, hn::Le(minus, hn::Set(d, -kTiny)), minus);
+  return {minus, large, rest, hn::Min(rest, square)};
+}
+
+// Coefficients for a fourth of u.
+template <auto& c>
+struct AsinOfHalf {
+  using T = std::remove_cvref_t<decltype(c[0])>;
+  struct Numbers {
+    T of[std::size(c)];
+  };
+  static constexpr Numbers kNumbers = [] {
+    Numbers n = {};
+    T scale = 1;
+    for (size_t i = 0; i < std::size(c); ++i) n.of[i] = c[i] * (scale *= 4);
+    return n;
+  }();
+  static constexpr auto& kC = kNumbers.of;
+};
+
+// 1 in the lanes without the mask, -2 in those with it.
+template <class D>
+HWY_INLINE VecOf<D> OneOrMinusTwo(D d, MaskOf<D> mask) {
+#if HWY_TARGET == HWY_AVX2
+  // A selection would be three operations on Golden Cove.
+  if constexpr (sizeof(mask) == 32 && sizeof(hn::TFromD<D>) == 8) {
+    const __m256i chooser = hn::BitCast(hn::RebindToSigned<D>(), hn::VecFromMask(d, mask)).raw;
+    return VecOf<D>{_mm256_permutevar_pd(_mm256_setr_pd(1, -2, 1, -2), chooser)};
+  } else if constexpr (sizeof(mask) == 32) {
+    const __m256i chooser = hn::BitCast(hn::RebindToSigned<D>(), hn::VecFromMask(d, mask)).raw;
+    return VecOf<D>{_mm256_permutevar_ps(_mm256_setr_ps(1, 1, 1, -2, 1, 1, 1, -2), chooser)};
+  }
+#endif
+  using T = hn::TFromD<D>;
+  return hn::IfThenElse(mask, hn::Set(d, T(-2)), hn::Set(d, T(1)));
 }
 
 // Horner's scheme in steps, with coefficients spread. The compiler must not see what it loads, or
@@ -168,24 +264,53 @@ HWY_INLINE void SpreadEvenOdd(D d, const V (&x)[K], const V (&x2)[K], V (&p)[K])
   }
 }
 
+// The root where it is large, or else minus. kEstimated: by estimates; with kPlenty of other work
+// only where the processor's root takes longer than that, on Golden Cove.
+template <bool kEstimated, bool kPlenty, class D>
+HWY_INLINE VecOf<D> AsinRoot(D d, const AsinParts<D>& v) {
+#if HWY_TARGET == HWY_AVX3
+  constexpr bool kPossible = sizeof(hn::TFromD<D>) == 8 && sizeof(v.rest) == 64;
+  if constexpr (!kEstimated || !kPossible) {
+  } else if (!kPlenty || __builtin_cpu_is("intel")) {
+    const __mmask8 positive =
+        _mm512_mask_test_epi64_mask(v.large.raw, Bits(d, v.rest).raw, Bits(d, v.rest).raw);
+    VecOf<D> root[1] = {v.rest};
+    VecOf<D> inverse[1] = {{_mm512_mask_rsqrt14_pd(Whole<0.5>(d).raw, positive, v.rest.raw)}};
+    RootsByEstimates(d, root, inverse);
+    return hn::IfThenElse(v.large, root[0], v.minus);
+  }
+#endif
+  return SqrtWhere(d, v.large, v.rest, v.minus);
+}
+
 // Both functions by plain sums, for kVectors vectors: below 2 ulp with the coefficients of LA (Asin
 // 1.80 seen, single 1.75, Acos 1.20 and 1.89). Result() has acos(|x|) for large x, -asin(|x|) for
-// others.
-template <auto& c, AsinDomain kDomain, class D, size_t kVectors>
+// others. kHalf: of half of that, asin(sqrt((1 - |x|)/2)), and without sign where kRoots.
+template <auto& c, AsinDomain kDomain, class D, size_t kVectors, bool kHalf = false>
 struct PlainAsinPart {
   using V = VecOf<D>;
   using T = hn::TFromD<D>;
   static constexpr size_t kSize = kVectors;
+  // The root of u is |x| or the other root.
+  static constexpr bool kRoots = kHalf && HWY_TARGET == HWY_AVX2 && kDomain == AsinDomain::kCommon;
   MaskOf<D> large[kVectors];
   V lead[kVectors], u[kVectors], p[kVectors];
 
+  // Roots of doubles take Golden Cove longer than all the rest: of four vectors one goes without.
+  static constexpr size_t kReduceKinds = std::size(c) < 6 ? 3 : 4;
+  template <size_t kKind>
   HWY_INLINE void Reduce(const V* x) {
     const D d;
     for (size_t k = 0; k < kVectors; ++k) {
-      const AsinParts<D> v = AsinReduce<kDomain>(d, x[k]);
+      AsinParts<D> v;
+      if constexpr (kHalf) {
+        v = AsinReduceHalf<kDomain>(d, x[k]);
+      } else {
+        v = AsinReduce<kDomain>(d, x[k]);
+      }
       large[k] = v.large;
-      lead[k] = SqrtWhere(d, v.large, v.rest, v.minus);
       u[k] = v.u;
+      lead[k] = kRoots ? hn::Sqrt(v.u) : AsinRoot<kKind == 0, (std::size(c) > 5)>(d, v);
     }
     EndPart(lead);
   }
@@ -213,16 +338,33 @@ struct PlainAsinPart {
   }
 };
 
+// On SSE4, whose selections are single operations, not of half.
+#if HWY_TARGET == HWY_SSE4
 template <auto& c, AsinDomain kDomain, class D, size_t kVectors>
-struct PlainAsin : PlainAsinPart<c, kDomain, D, kVectors> {
+using PlainAsinSum = PlainAsinPart<c, kDomain, D, kVectors>;
+#else
+template <auto& c, AsinDomain kDomain, class D, size_t kVectors>
+using PlainAsinSum = PlainAsinPart<AsinOfHalf<c>::kC, kDomain, D, kVectors, true>;
+#endif
+
+template <auto& c, AsinDomain kDomain, class D, size_t kVectors>
+struct PlainAsin : PlainAsinSum<c, kDomain, D, kVectors> {
   using V = VecOf<D>;
   HWY_INLINE void Result(const V* x, V* r) const {
     const D d;
-    const V half_pi = Whole<kPi / 2>(d), sign = Whole<-0.0>(d);
+    const V half_pi = Whole<kPi / 2>(d);
     for (size_t k = 0; k < kVectors; ++k) {
-      const V size = SubFromWhere(d, this->large[k], half_pi, this->Sum(k));
-      r[k] = HWY_TARGET == HWY_AVX3 ? hn::IfVecThenElse(sign, x[k], size)
-                                    : hn::CopySignToAbs(size, x[k]);
+      const V sum = this->Sum(k);
+      const auto large = this->large[k];
+#if HWY_TARGET == HWY_AVX3
+      r[k] = hn::IfVecThenElse(Whole<-0.0>(d), x[k], LessTwiceWhere(d, large, half_pi, sum));
+#elif HWY_TARGET == HWY_SSE4
+      r[k] = hn::CopySignToAbs(SubFromWhere(d, large, half_pi, sum), x[k]);
+#else
+      const V base = hn::IfThenElseZero(large, half_pi);
+      const V size = AddExactProduct(sum, OneOrMinusTwo(d, large), base);
+      r[k] = this->kRoots ? hn::CopySignToAbs(size, x[k]) : hn::CopySign(size, x[k]);
+#endif
     }
   }
 };
@@ -234,10 +376,11 @@ struct PlainAcosTo : PlainAsinPart<c, kDomain, D, kVectors> {
     const D d;
     const V half_pi = Whole<kHalfPi>(d), sign = Whole<-0.0>(d);
     for (size_t k = 0; k < kVectors; ++k) {
-      const V sign_of_x = hn::And(x[k], sign);
       // 0 or pi for large x, pi/2 for others
-      const V base = SubWhere(d, this->large[k], half_pi, hn::Or(half_pi, sign_of_x));
-      r[k] = hn::Add(base, hn::Xor(this->Sum(k), sign_of_x));
+      const V signed_half = HWY_TARGET == HWY_AVX3 ? hn::IfVecThenElse(sign, x[k], half_pi)
+                                                   : hn::CopySignToAbs(half_pi, x[k]);
+      const V base = SubWhere(d, this->large[k], half_pi, signed_half);
+      r[k] = hn::Add(base, XorAnd(this->Sum(k), x[k], sign));
     }
   }
 };
@@ -251,7 +394,7 @@ struct AsinGroups : LargeGroups<T> {
   static constexpr bool kWide = HWY_TARGET == HWY_AVX3 || sizeof(T) == 8;
   static constexpr int kUnroll = kWide ? 8 : 4;
   static constexpr int kRestUnroll = kWide ? LargeGroups<T>::kRestUnroll : 2;
-  static constexpr size_t kTogether = HWY_TARGET == HWY_AVX3 || sizeof(T) == 4 ? 2 : 1;
+  static constexpr size_t kTogether = sizeof(T) == 4 ? 2 : 1;
 };
 
 // Part<c, kDomain, ...> for all vectors of a group, kSize of them at a time.
@@ -260,7 +403,7 @@ template <template <auto&, AsinDomain, class, size_t> class Part, auto& c, AsinD
 HWY_INLINE void PlainInTurn(D, const V (&x)[K], V (&r)[K]) {
   constexpr size_t kEach = K % kSize == 0 ? kSize : 1;
   Part<c, kDomain, D, kEach> parts[K / kEach];
-  SomeInTurn(parts, x, r);
+  SomeInTurn<kSize == 1 ? 2 : 1>(parts, x, r);
 }
 
 // pi/2 - x ..., s ... or pi - s ...: what the leading term is added to, a quarter of pi at a time.

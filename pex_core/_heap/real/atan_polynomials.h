@@ -20,24 +20,26 @@ inline constexpr double kAtan2LA[] = {
     -0x1.745cf54e5af31p-4, 0x1.3b1145443ae11p-4, -0x1.10f3674ceeb97p-4, 0x1.dfed12a00d925p-5,
     -0x1.a3a7959c4dc2dp-5, 0x1.571e493183435p-5, -0x1.c1fbdcda57a38p-6, 0x1.4c2a164f56697p-7};
 
-// The same for |t| < 0.3251.
+// The same for |t| < 0.1067, above 0.0872 with less weight.
 
-// Error 2^-56.4375 of the whole.
+// Error 2^-53.625 of the whole for |t| < 8.72e-2, 2^-50.8125 beyond.
 inline constexpr double kAtanPlainLA[] = {
-    -0x1.5555555555478p-2, 0x1.999999997032bp-3, -0x1.2492490f372f3p-3, 0x1.c71c66f53a3b3p-4,
-    -0x1.745b8930aeb16p-4, 0x1.3af0f790579a6p-4, -0x1.0f2f02c01185ep-4, 0x1.c1cb6fab6f868p-5,
-    -0x1.1107b7e224ab5p-5};
+    -0x1.555555555483ap-2, 0x1.999999906445fp-3, -0x1.24923869657f8p-3, 0x1.c7021a5fcee99p-4,
+    -0x1.6b06657d7364bp-4};
 
-// Error 2^-28.84375 of the whole.
+// The same for |t| <= 0.11; for t = 0.106, where large arguments lead, below the arctangent.
+
+// Error 2^-26.625 of the whole.
 inline constexpr double kAtanPlainEP[] = {
-    -0x1.55552b5e1899bp-2, 0x1.997ae187b2cd9p-3, -0x1.210c5a19f049ap-3, 0x1.73b165a60e26cp-4};
+    -0x1.555301a410b58p-2, 0x1.94b967efd997ap-3};
+
+// The same for |t| < 0.141.
+
+// Error 2^-24.46875 of the whole.
+inline constexpr float kAtanPlainSingleLA[] = {
+    -0x1.554f0ap-2f, 0x1.91991ap-3f};
 
 // The same for |t| <= 0.62.
-
-// Error 2^-24.28125 of the whole.
-inline constexpr float kAtanPlainSingleLA[] = {
-    -0x1.5553bcp-2f, 0x1.991d2p-3f, -0x1.1e537ep-3f, 0x1.7e64c4p-4f,
-    -0x1.41a06ap-5f};
 
 // Error 2^-12.359375 of the whole.
 inline constexpr float kAtanPlainSingleEP[] = {

@@ -33,9 +33,6 @@ inline constexpr AtanBins kAtanBins = {
 
 // Near 3/4, with its arctangent to within 2^-64 of itself.
 inline constexpr double kAtanMiddle = 0x1.801a36e2eb9b2p-1, kAtanMiddleAngle = 0x1.4989c0c07e6acp-1;
-// The same near tan(pi/5) and tan(2 pi/5).
-inline constexpr double kAtanFlat = 0x1.7404ea4a8c651p-1, kAtanFlatAngle = 0x1.41b7e58f2cf31p-1;
-inline constexpr double kAtanSteep = 0x1.89f559b3d0cd5p+1, kAtanSteepAngle = 0x1.41b3b1fd687aep+0;
 // The same near 0.56; the angle is a multiple of pi's last place.
 inline constexpr double kAtanOctantMiddle = 0x1.1eb851ecc7a7dp-1, kAtanOctantMiddleAngle = 0x1.055eb9b0343dcp-1;
 
@@ -52,6 +49,39 @@ inline constexpr AtanOctantBins kAtanOctantBins = {
      0x1.996183fc99618p-3, 0x1.32e8c3fc32e8cp-3, 0x1.995483fb99548p-4, 0x0p+0},
     {0x1.5f8032335ee1cp-1, 0x1.173caca07e94p-1, 0x1.8497a9c2895b8p-2, 0x1.29763241ced38p-2,
      0x1.940e31e105b1p-3, 0x1.30a46a31f9fdp-3, 0x1.97f9c18dd97ap-4, 0x0p+0},
+};
+
+// Rows of atan(a) = angle + atan((a - c)/(1 + c a)), by the leading bits of a + 3/8, which goes up
+// to the last bin. The angle is atan(c) to within 2^-64 (single: 2^-32) of itself; the row of the
+// least a has c = 0.
+template <typename T>
+struct AtanPlainBins {
+  alignas(64) T c[16], angle[16];
+};
+
+// Quarters of octaves: |t| < 0.0627 below 1/4, 0.0872 below 4.625, 0.1067 beyond.
+inline constexpr AtanPlainBins<double> kAtanBinsOfDouble = {
+    {0x1.d9607df94667ep+0, 0x1.2d249574165ddp+1, 0x1.6d84ff7a5b781p+1, 0x1.add2630f01a03p+1,
+     0x1.0456e0fc9148p+2, 0x1.2b6b81922afdcp+3, 0x0p+0, 0x1.7fa0ed7960dd4p-4,
+     0x1.7e8e639a21779p-3, 0x1.3edd6983a7684p-2, 0x1.be89019b570edp-2, 0x1.1f25b706bdc96p-1,
+     0x1.7c2f3bd6bd3d9p-1, 0x1.fc03fffc000dp-1, 0x1.3e0dad910eb58p+0, 0x1.7e2815c555229p+0},
+    {0x1.133650dba7158p+0, 0x1.2b3c1578a6557p+0, 0x1.3be47fe1cc572p+0, 0x1.48074815c9ce9p+0,
+     0x1.546a10572d401p+0, 0x1.76de24ec81dddp+0, 0x0p+0, 0x1.7e8343b21bc64p-4,
+     0x1.7a329a3414f67p-3, 0x1.351ea1f3d9267p-2, 0x1.a514023a3938cp-2, 0x1.05b1f9747f5c9p-1,
+     0x1.47059b8aba8fap-1, 0x1.901fb7eee7186p-1, 0x1.c94163e967c5ap-1, 0x1.f60d5c9de30b9p-1},
+};
+
+// Halves of octaves, twice over: |t| <= 0.125 below 1/8, from -0.095 to 0.141 below 3/8, less than
+// 0.145 beyond.
+inline constexpr AtanPlainBins<float> kAtanBinsOfFloat = {
+    {0x1.03c786p+1f, 0x1.86bbbcp+1f, 0x1.d8aab8p+2f, 0x0p+0f,
+     0x1.c5effep-3f, 0x1.f9ab1ap-2f, 0x1.b0762ap-1f, 0x1.5872e2p+0f,
+     0x1.03c786p+1f, 0x1.86bbbcp+1f, 0x1.d8aab8p+2f, 0x0p+0f,
+     0x1.c5effep-3f, 0x1.f9ab1ap-2f, 0x1.b0762ap-1f, 0x1.5872e2p+0f},
+    {0x1.1cec96p+0f, 0x1.4114dap+0f, 0x1.6faba6p+0f, 0x0p+0f,
+     0x1.beb728p-3f, 0x1.d5b284p-2f, 0x1.671b62p-1f, 0x1.dd0156p-1f,
+     0x1.1cec96p+0f, 0x1.4114dap+0f, 0x1.6faba6p+0f, 0x0p+0f,
+     0x1.beb728p-3f, 0x1.d5b284p-2f, 0x1.671b62p-1f, 0x1.dd0156p-1f},
 };
 
 // Row j for the breakpoint c in the middle of the half octave j above 1/8, that is 1.25 2^(j/2 - 3)

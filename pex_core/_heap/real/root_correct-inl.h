@@ -50,11 +50,9 @@ HWY_INLINE void RootsByEstimates(D d, V* HWY_RESTRICT t, V (&y)[N]) {
 }
 #endif
 
-// t becomes its root, correctly rounded; for doubles 2^-900 < t < 2^900.
-template <class D, class V, size_t K>
-HWY_INLINE void Roots(D d, V (&t)[K]) {
-  constexpr bool kLong = sizeof(hn::TFromD<D>) == 8 && sizeof(V) == 64;  // AVX-512's doubles
-  constexpr size_t kEstimated = kLong && K >= 4 ? K / 2 : 0;
+// The first kEstimated of K by estimates.
+template <size_t kEstimated, class D, class V, size_t K>
+HWY_INLINE void MixedRoots(D d, V (&t)[K]) {
   for (size_t k = kEstimated; k < K; ++k) t[k] = hn::Sqrt(t[k]);
 #if HWY_TARGET == HWY_AVX3
   if constexpr (kEstimated > 0) {
@@ -65,6 +63,21 @@ HWY_INLINE void Roots(D d, V (&t)[K]) {
 #else
   (void)d;
 #endif
+}
+
+// t becomes its root, correctly rounded; for doubles 2^-900 < t < 2^900.
+template <class D, class V, size_t K>
+HWY_INLINE void Roots(D d, V (&t)[K]) {
+  constexpr bool kLong = sizeof(hn::TFromD<D>) == 8 && sizeof(V) == 64;  // AVX-512's doubles
+  if constexpr (kLong && K >= 4) {
+    if (__builtin_cpu_is("intel")) {
+      MixedRoots<K * 3 / 4>(d, t);
+    } else {
+      MixedRoots<K / 2>(d, t);
+    }
+  } else {
+    MixedRoots<0>(d, t);
+  }
 }
 
 }  // namespace pex::HWY_NAMESPACE
