@@ -94,23 +94,6 @@ HWY_INLINE MaskOf<D> IsZero(D d, Complex<V> x) {
   return hn::RebindMask(d, hn::Eq(bits, SetBits(d, 0)));
 }
 
-// The high words of two registers of doubles, in an order of their own.
-template <class V>
-HWY_INLINE V HighWords(V a, V b) {
-#if HWY_TARGET == HWY_AVX3
-  const __m512 high =
-      _mm512_shuffle_ps(_mm512_castsi512_ps(a.raw), _mm512_castsi512_ps(b.raw), 0xDD);
-  return V{_mm512_castps_si512(high)};
-#elif HWY_TARGET == HWY_AVX2
-  const __m256 high =
-      _mm256_shuffle_ps(_mm256_castsi256_ps(a.raw), _mm256_castsi256_ps(b.raw), 0xDD);
-  return V{_mm256_castps_si256(high)};
-#else
-  const __m128 high = _mm_shuffle_ps(_mm_castsi128_ps(a.raw), _mm_castsi128_ps(b.raw), 0xDD);
-  return V{_mm_castps_si128(high)};
-#endif
-}
-
 // Rare lanes of numbers whose parts shall be 0 or have high words from kLow to kHigh. The cheap
 // test takes the 2^kLog2 exponents around 2^0: less the first of them, they have only the lowest
 // kLog2 bits, whatever the sign.
@@ -120,14 +103,13 @@ struct PartsOutside {
   static_assert(kLow <= kFirst << 20 && kHigh >= ((kFirst + (1 << kLog2)) << 20) - 1);
   // Whether any of several numbers may be, from the high words of their parts.
   template <class D, size_t K, class... X>
-  static HWY_INLINE bool AnyOfGroup(D, const X (&... x)[K]) {
+  static HWY_INLINE bool AnyOfGroup(D d, const X (&... x)[K]) {
     const hn::Repartition<int32_t, D> d32;
     const auto first = hn::Set(d32, kFirst << 20);
     const auto upper = hn::Set(d32, static_cast<int32_t>((~uint32_t{0} << (21 + kLog2)) >> 1));
     auto joined = hn::Zero(d32);
     const auto shifted = [&](const auto& number) HWY_ATTR {
-      const auto high = HighWords(hn::BitCast(d32, number.re), hn::BitCast(d32, number.im));
-      return hn::Sub(high, first);
+      return hn::Sub(hn::BitCast(d32, HighWords(d, number.re, number.im)), first);
     };
     for (size_t k = 0; k < K; ++k) ((joined = hn::Or(joined, shifted(x[k]))), ...);
     return !hn::AllTrue(d32, hn::Eq(hn::And(joined, upper), hn::Zero(d32)));
