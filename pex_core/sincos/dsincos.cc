@@ -5,6 +5,7 @@
 //
 #include "pex_core/_heap/real/trig_quarter-inl.h"
 #include "pex_core/_heap/real/trig_sincos-inl.h"
+#include "pex_core/_heap/real/trig_turn-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
@@ -38,12 +39,7 @@ struct dSinCosQuarter {
   static HWY_INLINE void Finish(D d, const Quarters<D, K>& u, V (&sin)[K], V (&cos)[K]) {
     V s[K], c[K];
     Formula::SineCosine(d, u, s, c);
-    for (size_t k = 0; k < K; ++k) {
-      const auto quadrant = u.quadrant[k];
-      const auto odd = OddLanes(d, quadrant);
-      sin[k] = FlipSign<1>(d, hn::IfThenElse(odd, c[k], s[k]), quadrant);
-      cos[k] = FlipSign<1>(d, hn::IfThenElse(odd, s[k], c[k]), hn::Add(quadrant, SetBits(d, 1)));
-    }
+    for (size_t k = 0; k < K; ++k) TurnBack(d, u.quadrant[k], s[k], c[k], sin[k], cos[k]);
   }
 };
 

@@ -5,30 +5,12 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/trig_single-inl.h"
+#include "pex_core/_heap/real/trig_turn-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsTan";
-
-// y/c or -c/y, c positive.
-template <class D, class V>
-HWY_INLINE V Quotient(D d, BitsOf<D> k, V y, V c) {
-#if HWY_TARGET == HWY_AVX3
-  const auto odd = OddQuarter(d, k);
-  return hn::Div(hn::IfThenElse(odd, c, y), MergedSub(c, odd, hn::Zero(d), y));
-#else
-  const V sign = FromBits(d, hn::ShiftLeft<sizeof(hn::TFromD<D>) * 8 - 1>(k));
-#if HWY_TARGET == HWY_SSE4
-  const auto negative = hn::MaskFromVec(sign);  // blends look at the sign alone
-  return hn::Xor(hn::Div(hn::IfThenElse(negative, c, y), hn::IfThenElse(negative, y, c)), sign);
-#endif
-  // Selections are dear here on some machines, an exchange is not.
-  const V odd = FromBits(d, hn::BroadcastSignBit(Bits(d, sign)));
-  const V change = hn::And(odd, hn::Xor(y, c));
-  return hn::Xor(hn::Div(hn::Xor(y, change), hn::Xor(c, change)), sign);
-#endif
-}
 
 struct sTanEP {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 8, kResults = 1;
@@ -44,7 +26,7 @@ struct sTanEP {
     EndStep(q);
     for (size_t k = 0; k < K; ++k) q[k] = hn::Add(q[k], hn::Set(d, 1.0f));
     EndStep(q);
-    for (size_t k = 0; k < K; ++k) r[k] = Quotient(d, u[k].k, u[k].y, q[k]);
+    for (size_t k = 0; k < K; ++k) r[k] = TangentQuotient(d, u[k].k, u[k].y, q[k]);
   }
 };
 
@@ -106,7 +88,7 @@ struct sTanLA {
     EndStep(c);
     for (size_t k = 0; k < K; ++k) c[k] = hn::Add(c[k], hn::Set(d, 1.0f));
     EndStep(c);
-    for (size_t k = 0; k < K; ++k) r[k] = Quotient(d, u[k].k, u[k].y, c[k]);
+    for (size_t k = 0; k < K; ++k) r[k] = TangentQuotient(d, u[k].k, u[k].y, c[k]);
   }
 };
 
@@ -119,7 +101,7 @@ struct sTanHA {
   static HWY_INLINE VecOf<D> Of(D d, Reduced<D> u) {
     const auto s = hn::Mul(u.y, u.y);
     const auto c = hn::Mul(s, EvenOdd(d, s, hn::Mul(s, s), sTanHAPolynomial));
-    return Quotient(d, u.k, u.y, hn::Add(c, hn::Set(d, 1.0)));
+    return TangentQuotient(d, u.k, u.y, hn::Add(c, hn::Set(d, 1.0)));
   }
 };
 
