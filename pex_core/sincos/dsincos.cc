@@ -16,7 +16,7 @@ static char _PEX_THISFUNC_NAME[] = "vdSinCos";
 template <class Formula>
 struct dSinCosQuarter {
   static constexpr int kResults = 2;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 3;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : HWY_TARGET == HWY_AVX2 ? 4 : 3;
   using Usual = UsualExponents<-20, 5>;
 
   template <class D, class V, size_t K>

@@ -25,13 +25,14 @@ HWY_INLINE V TangentQuotient(D d, BitsOf<D> k, V y, V c) {
 #else
   const V sign = FromBits(d, hn::ShiftLeft<sizeof(hn::TFromD<D>) * 8 - 1>(k));
 #if HWY_TARGET == HWY_SSE4
-  const auto negative = hn::MaskFromVec(sign);  // blends look at the sign alone
-  return hn::Xor(hn::Div(hn::IfThenElse(negative, c, y), hn::IfThenElse(negative, y, c)), sign);
-#endif
-  // Selections are dear here on some machines, an exchange is not.
+  const auto odd = hn::MaskFromVec(sign);  // blends look at the sign alone
+  const V above = hn::IfThenElse(odd, c, y), below = hn::IfThenElse(odd, y, c);
+#else  // selections are dear on some machines, an exchange is not
   const V odd = FromBits(d, hn::BroadcastSignBit(Bits(d, sign)));
   const V change = hn::And(odd, hn::Xor(y, c));
-  return hn::Xor(hn::Div(hn::Xor(y, change), hn::Xor(c, change)), sign);
+  const V above = hn::Xor(y, change), below = hn::Xor(c, change);
+#endif
+  return hn::Xor(hn::Div(above, below), sign);
 #endif
 }
 
@@ -58,7 +59,7 @@ HWY_INLINE void TurnBack(D d, BitsOf<D> k, V sin_y, V cos_y, V& sine, V& cosine)
   const auto odd = hn::MaskFromVec(odd_sign);  // blends look at the sign alone
   sine = hn::Xor(hn::IfThenElse(odd, cos_y, sin_y), flip);
   cosine = hn::Xor(hn::IfThenElse(odd, sin_y, cos_y), hn::Xor(flip, odd_sign));
-#else  // selections are dear on some machines, an exchange is not
+#else  // an exchange
   const V odd = FromBits(d, hn::BroadcastSignBit(Bits(d, odd_sign)));
   const V change = hn::Xor(hn::And(odd, hn::Xor(sin_y, cos_y)), flip);
   sine = hn::Xor(sin_y, change);
