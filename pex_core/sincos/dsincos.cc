@@ -5,6 +5,7 @@
 //
 #include "pex_core/_heap/real/trig_quarter-inl.h"
 #include "pex_core/_heap/real/trig_sincos-inl.h"
+#include "pex_core/_heap/real/trig_turn-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
@@ -15,7 +16,7 @@ static char _PEX_THISFUNC_NAME[] = "vdSinCos";
 template <class Formula>
 struct dSinCosQuarter {
   static constexpr int kResults = 2;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 3;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : HWY_TARGET == HWY_AVX2 ? 4 : 3;
   using Usual = UsualExponents<-20, 5>;
 
   template <class D, class V, size_t K>
@@ -38,12 +39,7 @@ struct dSinCosQuarter {
   static HWY_INLINE void Finish(D d, const Quarters<D, K>& u, V (&sin)[K], V (&cos)[K]) {
     V s[K], c[K];
     Formula::SineCosine(d, u, s, c);
-    for (size_t k = 0; k < K; ++k) {
-      const auto quadrant = u.quadrant[k];
-      const auto odd = OddLanes(d, quadrant);
-      sin[k] = FlipSign<1>(d, hn::IfThenElse(odd, c[k], s[k]), quadrant);
-      cos[k] = FlipSign<1>(d, hn::IfThenElse(odd, s[k], c[k]), hn::Add(quadrant, SetBits(d, 1)));
-    }
+    for (size_t k = 0; k < K; ++k) TurnBack(d, u.quadrant[k], s[k], c[k], sin[k], cos[k]);
   }
 };
 

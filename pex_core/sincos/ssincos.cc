@@ -5,21 +5,12 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/trig_single-inl.h"
+#include "pex_core/_heap/real/trig_turn-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsSinCos";
-
-// The sine and the cosine of k pi/2 + y from those of y.
-template <class D, class V>
-HWY_INLINE void TurnBack(D d, BitsOf<D> k, V sin_y, V cos_y, V& sine, V& cosine) {
-  constexpr int kTop = sizeof(hn::TFromD<D>) * 8 - 2;  // moves the second bit to the sign
-  const auto odd = OddQuarter(d, k);
-  sine = FlipSign(d, hn::IfThenElse(odd, cos_y, sin_y), hn::ShiftLeft<kTop>(k));
-  const auto next = hn::Add(k, SetBits(d, 1));
-  cosine = FlipSign(d, hn::IfThenElse(odd, sin_y, cos_y), hn::ShiftLeft<kTop>(next));
-}
 
 template <class Tier>
 struct sSinCosNarrow {

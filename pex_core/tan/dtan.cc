@@ -5,6 +5,7 @@
 //
 #include "pex_core/_heap/real/trig_quarter-inl.h"
 #include "pex_core/_heap/real/trig_sixteenth-inl.h"
+#include "pex_core/_heap/real/trig_turn-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
@@ -43,7 +44,7 @@ struct dTanQuarter {
 // y N/D, turned over in odd quadrants.
 struct dTanFormulaEP {
   using Quarter = QuarterEP;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 4;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void Tangent(D d, const Quarters<D, K>& u, V (&r)[K]) {
     const V one = hn::Set(d, 1.0);
@@ -56,10 +57,7 @@ struct dTanFormulaEP {
       below[k] = hn::Add(hn::Mul(y2[k], below[k]), one);
     }
     for (size_t k = 0; k < K; ++k) {
-      const auto odd = OddLanes(d, u.quadrant[k]);
-      r[k] =
-          hn::Div(hn::IfThenElse(odd, below[k], above[k]), hn::IfThenElse(odd, above[k], below[k]));
-      r[k] = FlipSign<0>(d, r[k], u.quadrant[k]);
+      r[k] = TangentQuotient(d, u.quadrant[k], above[k], below[k]);
     }
   }
 };
@@ -92,7 +90,7 @@ HWY_INLINE void TwoQuadratics(D d, const V (&x)[K], const double (&a)[3], const 
 // seen: 1.88 ulp.
 struct dTanFormulaLA {
   using Quarter = QuarterLA;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : HWY_TARGET == HWY_AVX3 ? 8 : 6;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 6;
   static constexpr uint64_t kSlope = 0x7FDC580000000000;
   template <class D, class V, size_t K>
   static HWY_INLINE void Tangent(D d, const Quarters<D, K>& u, V (&r)[K]) {

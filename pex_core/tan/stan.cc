@@ -1,24 +1,16 @@
 // The tangent in single precision: y/(y cot y) in even quarter turns, -(y cot y)/y in odd ones.
-// EP has 15 correct bits, LA errs by less than 1.9 ulp, HA is rounded correctly for all floats.
+// EP has 15 correct bits, LA errs by less than 1.97 ulp, HA is rounded correctly for all floats.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/tan/stan.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/trig_single-inl.h"
+#include "pex_core/_heap/real/trig_turn-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsTan";
-
-// y/c or -c/y.
-template <class D, class V>
-HWY_INLINE V Quotient(D d, BitsOf<D> k, V y, V c) {
-  constexpr int kTop = sizeof(hn::TFromD<D>) * 8 - 1;
-  const auto odd = OddQuarter(d, k);
-  const V quotient = hn::Div(hn::IfThenElse(odd, c, y), hn::IfThenElse(odd, y, c));
-  return hn::Xor(quotient, FromBits(d, hn::ShiftLeft<kTop>(k)));
-}
 
 struct sTanEP {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 8, kResults = 1;
@@ -34,55 +26,69 @@ struct sTanEP {
     EndStep(q);
     for (size_t k = 0; k < K; ++k) q[k] = hn::Add(q[k], hn::Set(d, 1.0f));
     EndStep(q);
-    for (size_t k = 0; k < K; ++k) r[k] = Quotient(d, u[k].k, u[k].y, q[k]);
+    for (size_t k = 0; k < K; ++k) r[k] = TangentQuotient(d, u[k].k, u[k].y, q[k]);
   }
 };
 
-// The first of two vectors in lanes with an odd k, the second in the others.
-template <class D, class V>
-HWY_INLINE V OddElseEven(D d, BitsOf<D> k, V odd, V even) {
-#if HWY_TARGET == HWY_AVX3
-  return hn::IfThenElse(OddQuarter(d, k), odd, even);
-#else  // blends look at the sign alone
-  return hn::IfNegativeThenElse(FromBits(d, hn::ShiftLeft<31>(k)), odd, even);
+// c0 + s (c1 + s (c2 + s c3)), each step rounded once: the polynomial's partial sums keep their
+// binades, so that without fused operations double precision rounds them by sums with large
+// numbers. Then s p + addend rounded once; where double precision rounds twice no result shows it:
+// every argument has been tried.
+template <class D, class V, size_t K>
+HWY_INLINE void FusedCubic(D d, const V (&s)[K], const float (&c)[4], const V (&addend)[K],
+                           V (&r)[K]) {
+#if HWY_TARGET == HWY_SSE4
+  const hn::Repartition<double, D> wide;
+  const hn::Half<D> half;
+  using W = VecOf<decltype(wide)>;
+  const auto cubic = [&](W x, W last) HWY_ATTR {
+    W p = hn::Set(wide, double{c[3]});
+    for (size_t i = 3; i-- > 0;) {
+      // 2^52 last places of the sum
+      const double large =
+          0x1.8p52 * __builtin_bit_cast(float, (BitsOfNumber(c[i]) & 0x7F800000) - (23 << 23));
+      p = hn::Add(hn::Mul(p, x), hn::Set(wide, c[i] + large));
+      p = hn::Sub(p, hn::Set(wide, large));
+    }
+    return hn::DemoteTo(half, hn::Add(hn::Mul(p, x), last));
+  };
+  for (size_t k = 0; k < K; ++k) {
+    const WideHalves x = InHalves(s[k]), last = InHalves(addend[k]);
+    r[k] = hn::Combine(d, cubic(x.upper, last.upper), cubic(x.lower, last.lower));
+  }
+#else
+  V p[K];
+  for (size_t k = 0; k < K; ++k) p[k] = HiddenMulAdd(s[k], hn::Set(d, c[3]), hn::Set(d, c[2]));
+  EndStep(p);
+  for (size_t k = 0; k < K; ++k) p[k] = HiddenMulAdd(p[k], s[k], hn::Set(d, c[1]));
+  EndStep(p);
+  for (size_t k = 0; k < K; ++k) p[k] = HiddenMulAdd(p[k], s[k], hn::Set(d, c[0]));
+  EndStep(p);
+  for (size_t k = 0; k < K; ++k) r[k] = HiddenMulAdd(p[k], s[k], addend[k]);
 #endif
 }
 
-// y cot y = 1 + q, and in even quarter turns the quotient is y - y q/(1 + q), so that its rounding
-// errors are those of a small correction. y's excess e takes e tan' y more; for the slope tan' y a
-// rough value does: 1.5 in even quarter turns (of 1 to 2), in odd ones 1/sin^2 y within 15 % by the
-// bits of 1/y^2.
+// y's excess e makes y cot y too small by (y/sin y)^2 e/y; for that over e a rough value does,
+// within 9 % by the bits of 1/y.
 struct sTanLA {
-  static constexpr uint32_t kSlope = 0x7F02C000;
+  static constexpr uint32_t kSlope = 0x7F0CCCCD;
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 8, kResults = 1;
   static constexpr Turn kTurn = Turn::kQuarter;
   static constexpr Care kCare = Care::kFull;
   template <class D, class V, size_t K>
   static HWY_INLINE void Group(D d, const Reduced<D> (&u)[K], V (&r)[K]) {
-    V s[K], q[K], c[K];
+    V s[K], c[K];
     for (size_t k = 0; k < K; ++k) s[k] = hn::Mul(u[k].y, u[k].y);
     EndStep(s);
-    HornerInSteps(d, s, sTanLAPolynomial, q);
-    for (size_t k = 0; k < K; ++k) q[k] = hn::Mul(s[k], q[k]);
-    EndStep(q);
-    for (size_t k = 0; k < K; ++k) c[k] = hn::Add(q[k], hn::Set(d, 1.0f));
-    for (size_t k = 0; k < K; ++k) q[k] = hn::Mul(u[k].y, q[k]);
-    EndStep(c);
-    EndStep(q);
     for (size_t k = 0; k < K; ++k) {
-      q[k] = hn::Div(OddElseEven(d, u[k].k, c[k], q[k]), OddElseEven(d, u[k].k, u[k].y, c[k]));
-    }
-    EndStep(q);
-    for (size_t k = 0; k < K; ++k) {
-      const V odd = FromBits(d, hn::Sub(SetBits(d, kSlope), Bits(d, s[k])));
-      c[k] = hn::Mul(u[k].excess, OddElseEven(d, u[k].k, odd, hn::Set(d, 1.5f)));
+      c[k] = hn::Mul(u[k].excess, FromBits(d, hn::Sub(SetBits(d, kSlope), Bits(d, u[k].y))));
     }
     EndStep(c);
-    for (size_t k = 0; k < K; ++k) q[k] = hn::Add(q[k], c[k]);
-    EndStep(q);
-    for (size_t k = 0; k < K; ++k) {
-      r[k] = hn::Sub(OddElseEven(d, u[k].k, hn::Zero(d), u[k].y), q[k]);
-    }
+    FusedCubic(d, s, sTanLAPolynomial, c, c);
+    EndStep(c);
+    for (size_t k = 0; k < K; ++k) c[k] = hn::Add(c[k], hn::Set(d, 1.0f));
+    EndStep(c);
+    for (size_t k = 0; k < K; ++k) r[k] = TangentQuotient(d, u[k].k, u[k].y, c[k]);
   }
 };
 
@@ -95,7 +101,7 @@ struct sTanHA {
   static HWY_INLINE VecOf<D> Of(D d, Reduced<D> u) {
     const auto s = hn::Mul(u.y, u.y);
     const auto c = hn::Mul(s, EvenOdd(d, s, hn::Mul(s, s), sTanHAPolynomial));
-    return Quotient(d, u.k, u.y, hn::Add(c, hn::Set(d, 1.0)));
+    return TangentQuotient(d, u.k, u.y, hn::Add(c, hn::Set(d, 1.0)));
   }
 };
 

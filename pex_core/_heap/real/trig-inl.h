@@ -34,26 +34,43 @@ enum class Wave { kSine, kCosine };
 
 inline constexpr double kShifter = 0x1.8p52;  // leaves the rounded integer in the low bits
 
+// The high words of two vectors of doubles, in some order.
+template <class D>
+HWY_INLINE BitsOf<hn::Repartition<float, D>> HighWords(D, VecOf<D> x, VecOf<D> y) {
+  const hn::Repartition<float, D> d32;
+  const auto a = hn::BitCast(d32, x), b = hn::BitCast(d32, y);
+  constexpr int kOdd = _MM_SHUFFLE(3, 1, 3, 1);
+#if HWY_TARGET == HWY_AVX3
+  return Bits(d32, VecOf<decltype(d32)>{_mm512_shuffle_ps(a.raw, b.raw, kOdd)});
+#elif HWY_TARGET == HWY_AVX2
+  return Bits(d32, VecOf<decltype(d32)>{_mm256_shuffle_ps(a.raw, b.raw, kOdd)});
+#else
+  return Bits(d32, VecOf<decltype(d32)>{_mm_shuffle_ps(a.raw, b.raw, kOdd)});
+#endif
+}
+
 // Magnitudes from 2^kFirst below 2^(kFirst + 2^kLog2Count): their exponents less the first have
 // only the lowest bits, whatever the sign.
 template <int kFirst, int kLog2Count>
 struct UsualExponents {
-  static constexpr uint64_t kMask = (uint64_t{0x7FF} << (52 + kLog2Count)) & ~(uint64_t{1} << 63);
-  static constexpr uint64_t kOffset = uint64_t{1023 + kFirst} << 52;
+  static constexpr uint32_t kMask = (0x7FFu << (20 + kLog2Count)) & 0x7FFFFFFF;
+  static constexpr uint32_t kOffset = uint32_t{1023 + kFirst} << 20;
   static constexpr double kLimit =
-      __builtin_bit_cast(double, kOffset + (uint64_t{1} << (52 + kLog2Count)));
+      __builtin_bit_cast(double, (uint64_t{kOffset} << 32) + (uint64_t{1} << (52 + kLog2Count)));
   template <class D, size_t K>
   static HWY_INLINE bool All(D d, const VecOf<D> (&x)[K]) {
-    auto joined = hn::Sub(Bits(d, x[0]), SetBits(d, kOffset));
-    for (size_t k = 1; k < K; ++k) {
-      joined = hn::Or(joined, hn::Sub(Bits(d, x[k]), SetBits(d, kOffset)));
-    }
+    const hn::Repartition<float, D> d32;
+    const auto above = [&](size_t k) HWY_ATTR {
+      return hn::Sub(HighWords(d, x[k], x[k + 1 < K ? k + 1 : k]), SetBits(d32, kOffset));
+    };
+    auto joined = above(0);
+    for (size_t k = 2; k < K; k += 2) joined = hn::Or(joined, above(k));
 #if HWY_TARGET == HWY_AVX3
-    return _mm512_test_epi64_mask(joined.raw, SetBits(d, kMask).raw) == 0;
+    return _mm512_test_epi32_mask(joined.raw, SetBits(d32, kMask).raw) == 0;
 #elif HWY_TARGET == HWY_AVX2
-    return _mm256_testz_si256(joined.raw, SetBits(d, kMask).raw) != 0;
+    return _mm256_testz_si256(joined.raw, SetBits(d32, kMask).raw) != 0;
 #else
-    return _mm_testz_si128(joined.raw, SetBits(d, kMask).raw) != 0;
+    return _mm_testz_si128(joined.raw, SetBits(d32, kMask).raw) != 0;
 #endif
   }
 };

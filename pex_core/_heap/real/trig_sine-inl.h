@@ -18,6 +18,19 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 inline constexpr double kPiOver2 = 0x1.921fb54442d18p0;
 
+// n - kShifter - 1/2, a number: kShifter + 1/2 has a bit too many, but is seven times a number.
+template <class D, class V>
+HWY_INLINE V LessShifterAndHalf(D d, V n) {
+#if HWY_TARGET == HWY_SSE4
+  return hn::Sub(hn::Sub(n, hn::Set(d, kShifter)), hn::Set(d, 0.5));
+#else
+  constexpr int64_t kTwoSevenths = 1930114126015927;
+  static_assert(7 * kTwoSevenths == 2 * static_cast<int64_t>(kShifter) + 1);
+  constexpr double kSeventh = kTwoSevenths * 0.5;
+  return hn::NegMulAdd(hn::Set(d, 7.0), hn::Set(d, kSeventh), n);
+#endif
+}
+
 // x or x + pi/2 in half turns: the nearest integer k in the low bits of `sign`, and n, which is k
 // or k - 1/2, so that x = n pi + y.
 template <Wave kWave, class D, class V, size_t K>
@@ -32,12 +45,10 @@ HWY_INLINE void NearestHalfTurn(D d, const V (&x)[K], BitsOf<D> (&sign)[K], V (&
   for (size_t k = 0; k < K; ++k) n[k] = hn::Add(n[k], shifter);
   EndStep(n);
   for (size_t k = 0; k < K; ++k) sign[k] = Bits(d, n[k]);
-  for (size_t k = 0; k < K; ++k) n[k] = hn::Sub(n[k], shifter);
-  EndStep(n);
-  if constexpr (kWave == Wave::kCosine) {
-    for (size_t k = 0; k < K; ++k) n[k] = hn::Sub(n[k], hn::Set(d, 0.5));
-    EndStep(n);
+  for (size_t k = 0; k < K; ++k) {
+    n[k] = kWave == Wave::kSine ? hn::Sub(n[k], shifter) : LessShifterAndHalf(d, n[k]);
   }
+  EndStep(n);
 }
 
 // Kernels of one odd polynomial in |y| <= pi/2. Formula has kLimitExponent (arguments
@@ -87,7 +98,7 @@ struct HalfTurnWave {
 struct SineLA {
   static constexpr int kLimitExponent = 23;
   static constexpr bool kBrief = false;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_SSE4 ? 6 : 8;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : HWY_TARGET == HWY_AVX2 ? 5 : 6;
   static constexpr double kCoefficients[] = {-0.16666666666666186,    0.008333333333285542,
                                              -0.00019841269825056256, 2.7557316600552628e-06,
                                              -2.505188027386288e-08,  1.6048095404959637e-10,
@@ -127,7 +138,7 @@ struct SineLA {
 struct SineEP {
   static constexpr int kLimitExponent = 12;
   static constexpr bool kBrief = true;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_SSE4 ? 6 : 8;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : HWY_TARGET == HWY_AVX2 ? 4 : 6;
 
   template <Wave kWave, class D, class V, size_t K>
   static HWY_INLINE void Reduce(D d, const V (&x)[K], BitsOf<D> (&sign)[K], V (&y)[K]) {

@@ -112,13 +112,29 @@ HWY_INLINE InversePi<VecOf<D>> InversePiAt(D d, BitsOf<hn::Rebind<float, D>> row
 #endif
 }
 
+#if HWY_TARGET == HWY_SSE4
+// Floats in double precision. From memory a conversion takes no shuffle.
+struct WideHalves {
+  hn::Vec128<double> lower, upper;
+};
+HWY_INLINE WideHalves InHalves(hn::Vec128<float> x) {
+  WideHalves wide;
+  alignas(16) double memory[2];
+  _mm_store_pd(memory, _mm_castps_pd(x.raw));
+  asm("cvtps2pd %1, %0" : "=x"(wide.lower.raw) : "m"(memory[0]));
+  asm("cvtps2pd %1, %0" : "=x"(wide.upper.raw) : "m"(memory[1]));
+  return wide;
+}
+#endif
+
 inline constexpr float kWideLimit = 0x1p22f;
 
 template <Turn kTurn>
 struct Reduction {
   static constexpr bool kQuarter = kTurn == Turn::kQuarter;
   static constexpr float kUnit = kQuarter ? 0.5f : 1.0f;  // u/pi
-  static constexpr float kShifter = 0x1.8p23f;            // leaves k in the lowest bits
+  static constexpr float kInverse = 0x1.45f306p-2f / kUnit;
+  static constexpr float kShifter = 0x1.8p23f;  // leaves k in the lowest bits
 
   // Arguments for float arithmetic: their exponents less the first have only the lowest bits,
   // whatever the sign. N times the middle part of u is exact, x - N times the high part is a
@@ -145,15 +161,68 @@ struct Reduction {
 #endif
   }
 
+  // x/u + kShifter rounded once: double precision leaves the same integer.
+  template <class D, class V>
+  static HWY_INLINE void NearestTurn(D d, V x, BitsOf<D>& turn, V& n) {
+#if HWY_TARGET == HWY_SSE4
+    const hn::Repartition<double, D> wide;
+    const auto quotient = [&](VecOf<decltype(wide)> part) HWY_ATTR {
+      return hn::Add(hn::Mul(part, hn::Set(wide, double{kInverse})), hn::Set(wide, 0x1.8p52)).raw;
+    };
+    const WideHalves halves = InHalves(x);
+    const __m128d lower = quotient(halves.lower), upper = quotient(halves.upper);
+    turn = BitsOf<D>{_mm_castps_si128(
+        _mm_shuffle_ps(_mm_castpd_ps(lower), _mm_castpd_ps(upper), _MM_SHUFFLE(2, 0, 2, 0)))};
+    n = hn::ConvertTo(d, turn);
+#else
+    n = HiddenMulAdd(x, hn::Set(d, kInverse), hn::Set(d, kShifter));
+    turn = Bits(d, n);
+    n = hn::Sub(n, hn::Set(d, kShifter));
+#endif
+  }
+
+  // x less n times u's high part, a number.
+  template <class D, class V>
+  static HWY_INLINE V LessHigh(D d, V x, V n) {
+#if HWY_TARGET == HWY_SSE4
+    constexpr float kUpper = 0x1.92p+1f;  // both products and both differences are exact
+    const V rest = hn::Sub(x, hn::Mul(n, hn::Set(d, kUpper * kUnit)));
+    return hn::Sub(rest, hn::Mul(n, hn::Set(d, (kPiHigh - kUpper) * kUnit)));
+#else
+    return hn::NegMulAdd(n, hn::Set(d, kPiHigh * kUnit), x);
+#endif
+  }
+
+  // The same in full. The middle part leaves a sum whose rounding error is a number, and what the
+  // low part takes is below a third of a last place of sums of at least 1/4. That the product with
+  // the low part is exact shows in no sum: every argument has been tried.
+  template <class D, class V, size_t K>
+  static HWY_INLINE void NearInFull(D d, const V (&x)[K], Reduced<D> (&u)[K]) {
+    const V middle = hn::Set(d, kPiMiddle * kUnit), least = hn::Set(d, kPiLow * kUnit);
+    V n[K], y[K], sum[K];
+    for (size_t k = 0; k < K; ++k) NearestTurn(d, x[k], u[k].k, n[k]);
+    EndStep(n);
+    for (size_t k = 0; k < K; ++k) y[k] = LessHigh(d, x[k], n[k]);
+    EndStep(y);
+    for (size_t k = 0; k < K; ++k) sum[k] = SubExactProduct(n[k], middle, y[k]);
+    EndStep(sum);
+    for (size_t k = 0; k < K; ++k) y[k] = hn::Sub(sum[k], y[k]);
+    EndStep(y);
+    for (size_t k = 0; k < K; ++k) u[k].excess = AddExactProduct(n[k], middle, y[k]);
+    for (size_t k = 0; k < K; ++k) u[k].y = HiddenNegMulAdd(n[k], least, sum[k]);
+  }
+
   // For arguments from kLeast up to kLimit, some vectors in steps.
   template <Care kCare, class D, class V, size_t K>
   static HWY_INLINE void NearGroup(D d, const V (&x)[K], Reduced<D> (&u)[K]) {
+    static_assert(kCare != Care::kFull || kQuarter);
+    if constexpr (kCare == Care::kFull) return NearInFull(d, x, u);
     V n[K], y[K], sum[K];
     for (size_t k = 0; k < K; ++k) {
       n[k] = kTurn == Turn::kCosine ? hn::Add(x[k], hn::Set(d, 0x1.921fb6p+0f)) : x[k];
     }
     EndStep(n);
-    for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], hn::Set(d, 0x1.45f306p-2f / kUnit));
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], hn::Set(d, kInverse));
     EndStep(n);
     for (size_t k = 0; k < K; ++k) n[k] = hn::Add(n[k], hn::Set(d, kShifter));
     EndStep(n);
@@ -176,28 +245,10 @@ struct Reduction {
     const V middle = hn::Set(d, kPiMiddle * kUnit), least = hn::Set(d, kPiLow * kUnit);
     for (size_t k = 0; k < K; ++k) sum[k] = Remainder(d, y[k], n[k], middle);
     EndStep(sum);
-    if constexpr (kCare == Care::kRounded) {
-      for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], least);
-      EndStep(n);
-      for (size_t k = 0; k < K; ++k) u[k].y = sum[k];
-      for (size_t k = 0; k < K; ++k) u[k].excess = n[k];
-      return;
-    }
-    for (size_t k = 0; k < K; ++k) y[k] = hn::Sub(y[k], sum[k]);
-    EndStep(y);
-    for (size_t k = 0; k < K; ++k) y[k] = Remainder(d, y[k], n[k], middle);
     for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], least);
-    EndStep(y);
     EndStep(n);
-    for (size_t k = 0; k < K; ++k) n[k] = hn::Sub(n[k], y[k]);  // what the sum has too much
-    EndStep(n);
-    for (size_t k = 0; k < K; ++k) y[k] = hn::Sub(sum[k], n[k]);
-    EndStep(y);
-    for (size_t k = 0; k < K; ++k) sum[k] = hn::Sub(sum[k], y[k]);
-    for (size_t k = 0; k < K; ++k) sum[k] = hn::Sub(n[k], sum[k]);
-    EndStep(sum);
-    for (size_t k = 0; k < K; ++k) u[k].y = y[k];
-    for (size_t k = 0; k < K; ++k) u[k].excess = sum[k];
+    for (size_t k = 0; k < K; ++k) u[k].y = sum[k];
+    for (size_t k = 0; k < K; ++k) u[k].excess = n[k];
   }
   template <Care kCare, class D, class V>
   static HWY_INLINE Reduced<D> Near(D d, V x) {
