@@ -23,28 +23,14 @@ constexpr LogSingleRows<Factor> ByRows(const LogSingleTable& t) {
   return r;
 }
 
-// The same with factors of another scale.
-constexpr LogSingleTable Scaled(const LogSingleTable& t, float scale) {
-  LogSingleTable r = t;
-  for (float& factor : r.factor) factor *= scale;
-  return r;
-}
-
-inline constexpr float kLog1pScale = 0x1p27f;
-inline constexpr auto kLog1pSingleFactors = Scaled(kLnSingleFactors, kLog1pScale);
 inline constexpr auto kLnSingleRows = ByRows<float>(kLnSingleFactors);
-inline constexpr auto kLog1pSingleRows = ByRows<float>(kLog1pSingleFactors);
 inline constexpr auto kLog10SingleRows = ByRows<double>(kLog10SingleFactors);
 
-struct sLnFactors {
-  static constexpr auto& kTable = kLnSingleFactors;
-  static constexpr auto& kRows = kLnSingleRows;
-};
+// Powers of it go along with the argument where products of a tiny one would underflow.
+inline constexpr float kLog1pScale = 0x1p27f;
 
-struct sLog1pFactors {
-  static constexpr auto& kTable = kLog1pSingleFactors;
-  static constexpr auto& kRows = kLog1pSingleRows;
-};
+// 2^-23 ln 2 in two parts of 16 bits.
+inline constexpr float kSingleLn2Hi = 0x1.62e4p-24f, kSingleLn2Lo = 0x1.7f7ep-43f;
 
 struct sNaturalLog {
   static constexpr float kLogE = 1;

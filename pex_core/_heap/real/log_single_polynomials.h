@@ -36,9 +36,9 @@ inline constexpr float kLnSingleEP[] = {
 inline constexpr float kLog10SingleEP[] = {
     0x1.bcac1ep-2f, -0x1.c0489cp-3f, 0x1.31f6bcp-3f, -0x1.49dd4ap-4f};
 
-// ln(1 + x) = x (1 + c[0] x + ...), -1/31 <= x <= 1/30; error 2^-23.96875 x.
+// ln((1+s)/(1-s)) = 2 s + s^3 (c[0] + c[1] s^2 + ...), |s| <= 1/5; error 2^-28.375 of it.
 inline constexpr float kLog1pSingleLA[] = {
-    -0x1.ffff7cp-2f, 0x1.558282p-2f, -0x1.02212p-2f};
+    0x1.5555b4p-1f, 0x1.992ac6p-2f, 0x1.36e8dcp-2f};
 
 // ln(1 + x) = x (1 + c[0] x + c[1] x^2 + ...), -1/4 <= x <= 1/2.
 inline constexpr float kLog1pSingleEP[] = {

@@ -126,12 +126,12 @@ HWY_INLINE void sLogRows(D d, const Rows& rows, BitsOf<D> i, const char* (&at)[4
 #endif
 
 // A factor c of 12 bits next to 1/m, and -ln(c).
-template <class Factors = sLnFactors, class D, class V>
+template <class D, class V>
 HWY_INLINE void sLnFactorAt(D d, V m, V& c, V& log) {
   const auto i = sLogSixteenths(d, m);
 #if HWY_TARGET == HWY_SSE4
   const char* at[4];
-  sLogRows(d, Factors::kRows, i, at);
+  sLogRows(d, kLnSingleRows, i, at);
   const auto row = [&at](int k) HWY_ATTR { return reinterpret_cast<const __m64*>(at[k]); };
   const __m128 none = _mm_setzero_ps();
   const __m128 r0 = _mm_loadh_pi(_mm_loadl_pi(none, row(0)), row(1));
@@ -140,8 +140,8 @@ HWY_INLINE void sLnFactorAt(D d, V m, V& c, V& log) {
   log = V{_mm_shuffle_ps(r0, r1, 0xDD)};
 #else
   const sLogIndex<D> row(d, i);
-  c = row.LookUp(Factors::kTable.factor);
-  log = row.LookUp(Factors::kTable.log);
+  c = row.LookUp(kLnSingleFactors.factor);
+  log = row.LookUp(kLnSingleFactors.log);
 #endif
 }
 
