@@ -23,7 +23,22 @@ constexpr LogSingleRows<Factor> ByRows(const LogSingleTable& t) {
   return r;
 }
 
-inline constexpr auto kLnSingleRows = ByRows<float>(kLnSingleFactors);
+// Rows 6 .. 12 in the places 6, 7, 0, 1, ...: what fits a register of eight.
+struct LogSingleEight {
+  alignas(32) float factor[8], log[8];
+};
+
+constexpr LogSingleEight Folded(const LogSingleTable& t) {
+  LogSingleEight r{};
+  for (int i = 6; i <= 12; ++i) {
+    r.factor[i & 7] = t.factor[i];
+    r.log[i & 7] = t.log[i];
+  }
+  return r;
+}
+
+inline constexpr auto kLnSingleEight = Folded(kLnSingleEighths);
+inline constexpr auto kLnSingleRows = ByRows<float>(kLnSingleEighths);
 inline constexpr auto kLog10SingleRows = ByRows<double>(kLog10SingleFactors);
 
 // Powers of it go along with the argument where products of a tiny one would underflow.
@@ -37,7 +52,7 @@ struct sNaturalLog {
   static constexpr float kLog2 = 0x1.62e430p-24f;  // 2^-23 ln 2
   static constexpr float kLog2Hi = kLog2, kLog2Lo = 0;
   static constexpr auto& kTable = kLnSingleTable;
-  static constexpr auto& kLA = kLnSingleLA;
+  static constexpr auto& kLA = kLnSingleEighthLA;
   static constexpr auto& kEP = kLnSingleEP;
   static constexpr auto& kHA = kLnSingleHA;
 };

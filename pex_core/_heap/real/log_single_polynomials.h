@@ -9,6 +9,10 @@ namespace pex {
 inline constexpr float kLnSingleLA[] = {
     -0x1.000004p-1f, 0x1.5583fep-2f, -0x1.ff9efep-3f};
 
+// ln(1 + x) = x (1 + c[0] x + ...), -7.5714111328125e-2 <= x <= 6.671142578125e-2; error 2^-25.4375 x.
+inline constexpr float kLnSingleEighthLA[] = {
+    -0x1.ffffb2p-2f, 0x1.5551c6p-2f, -0x1.0105c4p-2f, 0x1.a3342ap-3f};
+
 // log10(1 + x/nearest(log10(e))) = x (1 + c[0] x + ...), |x| <= 1.3614654541015625e-2; error 2^-24.125 x.
 inline constexpr float kLog10SingleLA[] = {
     -0x1.26bb46p0f, 0x1.c49696p0f, -0x1.852278p1f};
