@@ -1,11 +1,12 @@
 // Writes pex_core/_heap/real/log_single_tables.h, rows for each sixteenth a from 12/16 to 24/16.
 //
-// Where the logarithm is that of a given point, floats near log(a) and near 1/a. Neither need be the
-// nearest: the pair is taken with which e log(2) + log(a) + (m - a)/a comes out best in ulps of the
-// result over all m and e, for an error of the logarithm can be made good where it shows most, on the
-// side of a next to 1.
+// Where the logarithm is that of a given point, floats near log(a) and near 1/a. Neither need be
+// the nearest: the pair is taken with which e log(2) + log(a) + (m - a)/a comes out best in ulps of
+// the result over all m and e, for an error of the logarithm can be made good where it shows most,
+// on the side of a next to 1.
 //
-// Where it is that of the factor, a float c near log(e)/a at which -log(c/log(e)) is almost a float.
+// Where it is that of the factor, a float c near log(e)/a at which -log(c/log(e)) is almost a
+// float.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -46,7 +47,8 @@ Row PointSearch(float a) {
   for (int i = -2; i <= 2; ++i) {
     for (int k = -32; k <= 32; ++k) {
       const Row row = {
-          nearest.factor + static_cast<float>(k) * std::ldexp(1.0f, std::ilogb(nearest.factor) - 23),
+          nearest.factor +
+              static_cast<float>(k) * std::ldexp(1.0f, std::ilogb(nearest.factor) - 23),
           nearest.log + static_cast<float>(i) * std::ldexp(1.0f, std::ilogb(nearest.log) - 23)};
       const double worst = Worst(a, row);
       if (worst < least) least = worst, best = row;
@@ -55,21 +57,21 @@ Row PointSearch(float a) {
   return best;
 }
 
-// Where the factor of the sixteenth a is best: in the middle of its m, of which there are none below
-// 12/16 and above 24/16; beside 1, where the logarithm is smallest and an error weighs most, nearer
-// to 1.
-float Center(float a) {
-  if (a == 0.75f) return a + 1.0f / 64;
-  if (a == 1.5f) return a - 1.0f / 64;
-  return std::fabs(a - 1) == 1.0f / 16 ? a + (1 - a) / 32 : a;
+// Where the factor of the multiple a of `step` is best: in the middle of its m, of which there are
+// none below 0.75 and above 1.5; beside 1, where the logarithm is smallest and an error weighs
+// most, nearer to 1.
+float Center(float a, float step) {
+  if (a == 0.75f) return a + step / 4;
+  if (a == 1.5f) return a - step / 4;
+  return std::fabs(a - 1) == step ? a + (1 - a) / 32 : a;
 }
 
-// A number c of so many bits next to log_e/a on whose logarithm is almost a float: the best of some,
-// the distance counting too.
-Row FactorSearch(long double log_e, int bits, float a) {
+// A number c of so many bits next to log_e/a on whose logarithm is almost a float: the best of
+// some, the distance counting too.
+Row FactorSearch(long double log_e, int bits, float a, float step = 1.0f / 16) {
   const float scale = static_cast<float>(log_e);
   if (a == 1) return {scale, 0};
-  const float center = scale / Center(a);
+  const float center = scale / Center(a, step);
   const float ulp = std::ldexp(1.0f, std::ilogb(center) - bits + 1);
   Row best = {};
   long double least = 1;
@@ -85,14 +87,20 @@ Row FactorSearch(long double log_e, int bits, float a) {
 }
 
 template <class Search>
-void Table(const char* name, Search search) {
+void Table(const char* name, Search search, int steps = 16) {
   Row rows[16] = {};
-  for (int i = 12; i <= 24; ++i) rows[i & 15] = search(static_cast<float>(i) / 16);
+  for (int i = steps * 3 / 4; i <= steps * 3 / 2; ++i) {
+    rows[i & 15] = search(static_cast<float>(i) / static_cast<float>(steps));
+  }
   std::printf("\ninline constexpr LogSingleTable %s = {\n", name);
   const auto column = [&](float Row::*field) {
     std::printf("    {");
     for (int j = 0; j < 16; ++j) {
-      std::printf("%s%af", j == 0 ? "" : j % 5 ? ", " : ",\n     ", static_cast<double>(rows[j].*field));
+      std::printf("%s%af",
+                  j == 0  ? ""
+                  : j % 5 ? ", "
+                          : ",\n     ",
+                  static_cast<double>(rows[j].*field));
     }
     std::printf("},\n");
   };
@@ -114,8 +122,11 @@ int main() {
       "// Points: 1/a and ln(a).");
   Table("kLnSingleTable", PointSearch);
   std::printf(
-      "\n// Factors: c near log(e)/a and -log(c/log(e)), log(e) itself as a float; of 12 bits for ln.");
-  Table("kLnSingleFactors", [](float a) { return FactorSearch(1, 12, a); });
+      "\n// Factors: c near log(e)/a and -log(c/log(e)), log(e) itself as a float; for ln of 12 "
+      "bits, "
+      "rows i for\n// a = i/8, i = 6 .. 12.");
+  Table(
+      "kLnSingleEighths", [](float a) { return FactorSearch(1, 12, a, 1.0f / 8); }, 8);
   std::printf("\n");
   Table("kLog10SingleFactors", [](float a) { return FactorSearch(kLog10E, 24, a); });
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_LOG_SINGLE_TABLES_H_\n");

@@ -18,6 +18,7 @@ struct dLnCommon : Kernel<double> {
 };
 
 struct dLnEP : dLnCommon {
+  using Rarity = LogShortRarity<0x7FEFFFFF>;
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
@@ -34,8 +35,8 @@ struct dLnHA : dLnCommon {
 
 // Numbers from 1.5 * 2^1023 on are rare too: the exponent next to them has no room above it.
 struct dLnLA : dLnCommon {
-  using Rarity = RareOutside<double, 0x00100000, 0x7FE7FFFF>;
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 10 : 8;
+  using Rarity = LogShortRarity<0x7FE7FFFF>;
+  static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     LogBelowOne(d, x, r);

@@ -20,6 +20,7 @@ struct sLnEP : sLogKernel {
 };
 
 struct sLnLA : sLogKernel {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 8 : sLogKernel::kUnroll;
   static HWY_INLINE int Rare(float x, float* r) { return sLnScalar(x, r); }
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {

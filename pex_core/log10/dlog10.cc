@@ -18,6 +18,7 @@ struct dLog10Common : Kernel<double> {
 };
 
 struct dLog10EP : dLog10Common {
+  using Rarity = LogShortRarity<0x7FEFFFFF>;
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
@@ -26,7 +27,8 @@ struct dLog10EP : dLog10Common {
 };
 
 struct dLog10LA : dLog10Common {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 8;
+  using Rarity = LogShortRarity<0x7FEFFFFF>;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 6 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     LogLA<DecimalLog>(d, x, r);

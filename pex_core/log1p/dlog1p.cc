@@ -16,12 +16,7 @@ static char _PEX_THISFUNC_NAME[] = "vdLog1p";
 struct dLog1pCommon : Kernel<double> {
   // 1 + x is not from 2^-1022 to 2^999: x <= -1, NaN, and where products with 2^-e come near
   // underflow.
-  struct Rarity : RareOutside<double, 0x00100000, 0x7E5FFFFF> {
-    template <class D>
-    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-      return RareOutside::Key(d, hn::Add(x, hn::Set(d, 1.0)));
-    }
-  };
+  using Rarity = LogShortRarity<0x7E5FFFFF, 1>;
   static HWY_INLINE int Rare(double x, double* r) { return Log1pRare(x, r, dLnScalar); }
 };
 
@@ -43,27 +38,34 @@ struct dLog1pEP : dLog1pCommon {
   }
 };
 
-// t = 2^-e c x + (2^-e c - 1), free of the rounding of 1 + x, which 2 + t = m c + 1 may well bear:
-// so the divisor need not wait for t. x is its own result where 1 + x is 1.
+// ln(1 + t) = t + s (t - s^2 R(s^2)) for s = -t/(2 + t): t itself is 2^-e c x - (1 - 2^-e c), free
+// of the rounding of 1 + x, which s may well bear: t counts for little beside it, and s is 0 where
+// x is its own result. No step changes a zero's sign or comes near underflow.
 struct dLog1pLA : dLog1pCommon {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 8;
+  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 8 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     const V one = hn::Set(d, 1.0);
     LogShort<D> v[K];
-    V u[K], t[K], s[K], log[K];
+    V u[K], t[K], s[K], s2[K], rest[K];
     for (size_t k = 0; k < K; ++k) u[k] = hn::Add(x[k], one);
-    LogShortReduce<LnShortFactors>(d, u, v);
+    LogShortReduce<LnShortFactors, true>(d, u, v);
     for (size_t k = 0; k < K; ++k) {
-      const V factor = FromBits(d, hn::Sub(Bits(d, v[k].c), v[k].exponent_bits));
-      const V sum = ShortMulAdd(d, x[k], factor, hn::Sub(factor, one));
-      t[k] = hn::IfThenZeroElse(hn::Eq(u[k], one), sum);
+      const V below = OneLessShortProduct(d, v[k].m, v[k].c);
+      s[k] = hn::Div(below, hn::Sub(hn::Set(d, 2.0), below));
     }
     for (size_t k = 0; k < K; ++k) {
-      s[k] = hn::Div(t[k], hn::Add(hn::Mul(v[k].m, v[k].c), one));
+      const V factor = FromBits(d, hn::Add(Bits(d, v[k].c), v[k].exponent_bits));
+      t[k] = ShortMulSub(d, x[k], factor, hn::Sub(one, factor));
+      s2[k] = hn::Mul(s[k], s[k]);
     }
-    LogLASum<NaturalLog, false>(d, v, t, s, log);
-    for (size_t k = 0; k < K; ++k) r[k] = hn::IfThenElse(hn::Eq(u[k], one), x[k], log[k]);
+    Horner(d, s2, kLnLA, rest);
+    for (size_t k = 0; k < K; ++k) {
+      rest[k] = hn::Sub(t[k], hn::Mul(s2[k], rest[k]));
+      constexpr double kLog2 = (NaturalLog::kLog2Hi + NaturalLog::kLog2Lo) * kExponentUnit;
+      const V less_head = hn::Sub(hn::Mul(v[k].e, hn::Set(d, kLog2)), v[k].log);
+      r[k] = hn::Sub(hn::Add(t[k], hn::Mul(s[k], rest[k])), less_head);
+    }
   }
 };
 

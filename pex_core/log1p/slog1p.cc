@@ -74,17 +74,23 @@ struct sLog1pEP : sLog1pKernel {
   }
 };
 
-// p = 2^-e c x - (1 - 2^-e c), free of the rounding of 1 + x.
+// ln(1 + t) = t + s (t - s^2 R(s^2)) for s = -t/(2 + t): t itself is 2^-e x - (1 - 2^-e), free of
+// the rounding of 1 + x, which s may well bear, and s is 0 where x is its own result. No step
+// changes a zero's sign or comes near underflow.
 struct sLog1pLA : sLog1pKernel {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 8 : 6;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const auto u = sLog1pReduce(d, hn::Add(x, hn::Set(d, 1.0f)));
-    V c, log;
-    sLnFactorAt<sLog1pFactors>(d, u.m, c, log);
-    const V factor = FromBits(d, hn::Add(Bits(d, c), u.exponent_bits));
-    const V p = ShortMulSub(d, x, factor, hn::Sub(hn::Set(d, kLog1pScale), factor));
-    const V head = hn::Sub(hn::Mul(u.scaled, hn::Set(d, sNaturalLog::kLog2)), log);
-    return sLog1pSum(d, p, kLog1pSingleLA, head);
+    const V one = hn::Set(d, 1.0f);
+    const auto u = sLog1pReduce(d, hn::Add(x, one));
+    const V factor = FromBits(d, hn::Add(Bits(d, one), u.exponent_bits));
+    const V t = ExactProductLess(x, factor, hn::Sub(one, factor));
+    const V s = hn::Div(hn::Sub(one, u.m), hn::Add(u.m, one));
+    const V s2 = hn::Mul(s, s);
+    const V rest = hn::Sub(t, hn::Mul(s2, Horner(d, s2, kLog1pSingleLA)));
+    const V log = hn::Add(t, hn::Mul(s, rest));
+    return SubExactProduct(u.scaled, hn::Set(d, kSingleLn2Hi),
+                           SubExactProduct(u.scaled, hn::Set(d, kSingleLn2Lo), log));
   }
 };
 

@@ -86,17 +86,19 @@ struct LogReduced {
 };
 
 inline constexpr int64_t kLeastM = 0x3FE9000000000000;
-inline constexpr int64_t kBias = int64_t{1024} << 52;  // keeps biased exponents positive
+// Keeps biased exponents positive; with 0.75 it makes the sum of LogShortReduce the key of
+// LogShortRarity.
+inline constexpr uint64_t kBiasOfE = 3069, kBias = kBiasOfE << 52;
 
 template <class Base, class D, class V, size_t K>
 HWY_INLINE void LogReduce(D d, const V (&x)[K], LogReduced<D> (&r)[K]) {
   const hn::RebindToUnsigned<D> du;
   for (size_t k = 0; k < K; ++k) {
-    const auto above = hn::Add(Bits(d, x[k]), SetBits(d, static_cast<uint64_t>(kBias - kLeastM)));
-    // 2^52 + 1024 + e, made by the bits.
+    const auto above = hn::Add(Bits(d, x[k]), SetBits(d, kBias - static_cast<uint64_t>(kLeastM)));
+    // 2^52 + kBiasOfE + e, made by the bits.
     const auto biased =
         hn::Or(hn::ShiftRight<52>(hn::BitCast(du, above)), hn::Set(du, 0x4330000000000000));
-    r[k].e = hn::Sub(hn::BitCast(d, biased), hn::Set(d, 0x1p52 + 1024));
+    r[k].e = hn::Sub(hn::BitCast(d, biased), hn::Set(d, 0x1p52 + kBiasOfE));
     r[k].exponent_bits = hn::And(above, SetBits(d, 0xFFF0000000000000));
     r[k].m = FromBits(d, hn::Add(hn::And(above, SetBits(d, 0x000FFFFFFFFFFFFF)),
                                  SetBits(d, static_cast<uint64_t>(kLeastM))));
@@ -118,7 +120,7 @@ HWY_INLINE LogReduced<D> LogReduce(D d, V x) {
 // 2^-e, for what LogReduce found.
 template <class D>
 HWY_INLINE VecOf<D> InversePower(D d, const LogReduced<D>& u) {
-  const auto one = SetBits(d, static_cast<uint64_t>(BitsOfNumber(1.0) + kBias));
+  const auto one = SetBits(d, static_cast<uint64_t>(BitsOfNumber(1.0)) + kBias);
   return FromBits(d, hn::Sub(one, u.exponent_bits));
 }
 
@@ -229,6 +231,29 @@ HWY_INLINE void FullLog(D d, const V (&x)[K], V (&r)[K]) {
   LogSum<Base>(d, u, p, r);
 }
 
+// Rare: x + kPlus not from 1.5 * 2^-1022 to what has the high word kHigh. Below AVX-512 the key is
+// the sum that the reduction starts from; there keys are joined by their high words alone, for the
+// 64-bit maximum is two operations on some processors.
+template <int32_t kHigh, int kPlus = 0>
+struct LogShortRarity : RareOutside<double, 0x00180000, kHigh> {
+  using Outside = RareOutside<double, 0x00180000, kHigh>;
+  template <class D>
+  static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+    return Outside::Key(d, kPlus == 0 ? x : hn::Add(x, hn::Set(d, double{kPlus})));
+  }
+#if HWY_TARGET == HWY_AVX3
+  template <class D>
+  static HWY_INLINE BitsOf<D> Joined(D d, BitsOf<D> key, VecOf<D> x) {
+    return BitsOf<D>{_mm512_max_epi32(key.raw, Key(d, x).raw)};
+  }
+  template <class D>
+  static HWY_INLINE bool Any(D, BitsOf<D> key) {
+    const __m512i limit = _mm512_set1_epi32(static_cast<int32_t>(Outside::kLimit >> 32));
+    return _mm512_mask_cmpgt_epi32_mask(0xAAAA, key.raw, limit) != 0;
+  }
+#endif
+};
+
 // Reduction by a factor: x = 2^e m, 3/4 <= m < 3/2, for positive normal x, a factor c of the table
 // next to 1/m, and -log(c).
 template <class D>
@@ -249,49 +274,67 @@ HWY_INLINE void LogFactorAt(D d, V sixteenths, V& c, V& log) {
   };
   c = column(Table::kColumns.factor);
   log = column(Table::kColumns.log);
+#elif HWY_TARGET == HWY_AVX2
+  // Rows by lane. Extractions cost vector operations; loads of what has just been stored wait for
+  // one another.
+  const __m256i i = hn::ShiftLeft<4>(Bits(d, sixteenths)).raw;
+  const auto row = [](uint32_t bytes) HWY_ATTR {
+    return _mm_load_pd(reinterpret_cast<const double*>(
+        reinterpret_cast<const char*>(Table::kSixteenths.row) + bytes));
+  };
+  const __m128i low = _mm256_castsi256_si128(i), high = _mm256_extracti128_si256(i, 1);
+  const auto i0 = static_cast<uint32_t>(_mm_cvtsi128_si32(low));
+  const auto i2 = static_cast<uint32_t>(_mm_cvtsi128_si32(high));
+  uint32_t i1, i3;
+  if constexpr (Table::kHalfByMemory) {
+    alignas(32) uint32_t half[8];
+    _mm256_store_si256(reinterpret_cast<__m256i*>(half), i);
+    asm("" : "+m"(half));  // else the compiler extracts
+    i1 = half[2];
+    i3 = half[6];
+  } else {
+    i1 = static_cast<uint32_t>(_mm_extract_epi32(low, 2));
+    i3 = static_cast<uint32_t>(_mm_extract_epi32(high, 2));
+  }
+  const __m256d even = _mm256_insertf128_pd(_mm256_castpd128_pd256(row(i0)), row(i2), 1);
+  const __m256d odd = _mm256_insertf128_pd(_mm256_castpd128_pd256(row(i1)), row(i3), 1);
+  c = V{_mm256_unpacklo_pd(even, odd)};
+  log = V{_mm256_unpackhi_pd(even, odd)};
 #else
   // Byte offsets of rows, and rows by lane.
   const auto i = hn::And(hn::ShiftLeft<4>(Bits(d, sixteenths)), SetBits(d, 15 * 16)).raw;
   const auto row = [](int64_t bytes) HWY_ATTR {
     return reinterpret_cast<const double*>(reinterpret_cast<const char*>(Table::kRows.row) + bytes);
   };
-#if HWY_TARGET == HWY_AVX2
-  const __m128i low = _mm256_castsi256_si128(i), high = _mm256_extracti128_si256(i, 1);
-  const auto at = [row](int64_t j, int64_t k) HWY_ATTR {
-    return _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_load_pd(row(j))), _mm_load_pd(row(k)),
-                                1);
-  };
-  const __m256d even = at(_mm_cvtsi128_si64(low), _mm_cvtsi128_si64(high));
-  const __m256d odd = at(_mm_extract_epi64(low, 1), _mm_extract_epi64(high, 1));
-  c = V{_mm256_unpacklo_pd(even, odd)};
-  log = V{_mm256_unpackhi_pd(even, odd)};
-#else
   const __m128d r0 = _mm_load_pd(row(_mm_cvtsi128_si64(i)));
   const __m128d r1 = _mm_load_pd(row(_mm_extract_epi64(i, 1)));
   c = V{_mm_unpacklo_pd(r0, r1)};
   log = V{_mm_unpackhi_pd(r0, r1)};
 #endif
-#endif
 }
 
-template <class Table = LnExactFactors, class D, class V, size_t K>
+// kLess: -e, +0 for 0, and its bits instead of e.
+template <class Table = LnExtractedFactors, bool kLess = false, class D, class V, size_t K>
 HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D> (&r)[K]) {
   for (size_t k = 0; k < K; ++k) {
     const auto bits = Bits(d, x[k]);
 #if HWY_TARGET == HWY_AVX3
     r[k].m = V{_mm512_getmant_round_pd(x[k].raw, _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_src,
                                        _MM_FROUND_NO_EXC)};
-    r[k].exponent_bits = hn::Sub(bits, Bits(d, r[k].m));
+    const auto scaled = Bits(d, r[k].m);
+    r[k].exponent_bits = kLess ? hn::Sub(scaled, bits) : hn::Sub(bits, scaled);
     r[k].e = hn::ConvertTo(d, r[k].exponent_bits);
 #else
     const hn::RebindToUnsigned<D> du;
-    const auto above = hn::Add(bits, SetBits(d, static_cast<uint64_t>(kBias - BitsOfNumber(0.75))));
+    const auto above = hn::Add(bits, SetBits(d, kBias - static_cast<uint64_t>(BitsOfNumber(0.75))));
     const auto biased =
         hn::Or(hn::ShiftRight<52>(hn::BitCast(du, above)), hn::Set(du, 0x4330000000000000));
-    r[k].e = hn::Sub(hn::BitCast(d, biased), hn::Set(d, 0x1p52 + 1024));
-    r[k].m = FromBits(
-        d, hn::Add(hn::And(above, SetBits(d, 0x000FFFFFFFFFFFFF)), SetBits(d, BitsOfNumber(0.75))));
-    r[k].exponent_bits = hn::Sub(bits, Bits(d, r[k].m));
+    const V number = hn::BitCast(d, biased), zero = hn::Set(d, 0x1p52 + kBiasOfE);
+    r[k].e = kLess ? hn::Sub(zero, number) : hn::Sub(number, zero);
+    const auto scaled =
+        hn::Add(hn::And(above, SetBits(d, 0x000FFFFFFFFFFFFF)), SetBits(d, BitsOfNumber(0.75)));
+    r[k].m = FromBits(d, scaled);
+    r[k].exponent_bits = kLess ? hn::Sub(scaled, bits) : hn::Sub(bits, scaled);
 #endif
   }
   for (size_t k = 0; k < K; ++k) {
@@ -304,6 +347,17 @@ HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D> (&r)[K]) {
 template <class D, class V>
 HWY_INLINE V ShortProductLessOne(D d, V m, V c) {
   return ShortMulAdd(d, m, c, hn::Set(d, -1.0));
+}
+
+// 1 - m c likewise; +0 for 0.
+template <class D, class V>
+HWY_INLINE V OneLessShortProduct(D d, V m, V c) {
+  [[maybe_unused]] const V one = hn::Set(d, 1.0);
+#if HWY_TARGET == HWY_SSE4
+  return hn::Sub(hn::Zero(d), ShortProductLessOne(d, m, c));
+#else
+  return hn::NegMulAdd(m, c, one);
+#endif
 }
 
 // The argument of the sums, log(e) t, and e log(2) - log(c).
@@ -359,18 +413,35 @@ HWY_INLINE V ToBeSquared(D d, V x) {
   return hn::IfThenZeroElse(MagnitudeBelow(d, x, 0x1p-300), x);
 }
 
-// kTiny: t may be below 2^-300.
-template <bool kTiny = false, class D, class V, size_t K>
+// kTiny: t may be below 2^-300. In steps of all vectors or in the compiler's order.
+template <bool kTiny = false, bool kInSteps = false, class D, class V, size_t K>
 HWY_INLINE void LogShortSum(D d, const LogShort<D> (&x)[K], const V (&t)[K], V (&r)[K]) {
-  V s[K];
+  const auto end_step = [](V(&v)[K]) HWY_ATTR {
+    if constexpr (kInSteps) EndStep(v);
+  };
+  V s[K], s2[K], rest[K];
   for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(t[k], hn::Set(d, 2.0)));
+  end_step(s);
   for (size_t k = 0; k < K; ++k) {
     if constexpr (kTiny) s[k] = ToBeSquared(d, s[k]);
-    const V s2 = hn::Mul(s[k], s[k]);
-    const V rest = hn::Sub(t[k], hn::Mul(s2, Horner(d, s2, kLnShort)));
+    s2[k] = hn::Mul(s[k], s[k]);
+  }
+  end_step(s2);
+  if constexpr (kInSteps) {
+    HornerInSteps(d, s2, kLnShort, rest);
+  } else {
+    for (size_t k = 0; k < K; ++k) rest[k] = Horner(d, s2[k], kLnShort);
+  }
+  for (size_t k = 0; k < K; ++k) rest[k] = hn::Mul(s2[k], rest[k]);
+  end_step(rest);
+  for (size_t k = 0; k < K; ++k) rest[k] = hn::Sub(t[k], rest[k]);
+  end_step(rest);
+  for (size_t k = 0; k < K; ++k) rest[k] = hn::Mul(s[k], rest[k]);
+  end_step(rest);
+  for (size_t k = 0; k < K; ++k) {
     const V head =
         AddExactProduct(x[k].e, hn::Set(d, NaturalLog::kLog2Hi * kExponentUnit), x[k].log);
-    const V log = hn::Sub(t[k], hn::Mul(s[k], rest));
+    const V log = hn::Sub(t[k], rest[k]);
     r[k] = hn::Add(head, AddExactProduct(x[k].e, hn::Set(d, kLn2Rest * kExponentUnit), log));
   }
 }
@@ -403,7 +474,7 @@ HWY_INLINE void LogBelowOne(D d, const V (&x)[K], V (&r)[K]) {
   V t[K];
   LogShortReduce<LnExactFactors>(d, x, u);
   for (size_t k = 0; k < K; ++k) t[k] = ProductLessOne(d, u[k].m, u[k].c);
-  LogShortSum(d, u, t, r);
+  LogShortSum<false, true>(d, u, t, r);
 }
 
 }  // namespace pex::HWY_NAMESPACE

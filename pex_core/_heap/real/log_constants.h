@@ -38,6 +38,20 @@ constexpr LogFactorColumns ByColumns(const LogFactors& f) {
   return c;
 }
 
+// Rows by the number of sixteenths, 12 to 24.
+struct LogSixteenths {
+  alignas(64) double row[25][2];
+};
+
+constexpr LogSixteenths BySixteenths(const LogFactors& f) {
+  LogSixteenths s{};
+  for (int i = 12; i <= 24; ++i) {
+    s.row[i][0] = f.row[i & 15][0];
+    s.row[i][1] = f.row[i & 15][1];
+  }
+  return s;
+}
+
 constexpr LogFactors FactorsOf(const LogTable& t) {
   LogFactors f{};
   for (int j = 0; j < 16; ++j) {
@@ -52,29 +66,47 @@ inline constexpr LogFactorColumns kLnColumns = ByColumns(kLnFactors);
 inline constexpr LogFactorColumns kLnPointColumns = ByColumns(kLnPoints);
 inline constexpr LogFactorColumns kLnShortColumns = ByColumns(kLnShortFactors);
 inline constexpr LogFactorColumns kLog10ShortColumns = ByColumns(kLog10ShortFactors);
+inline constexpr LogSixteenths kLnSixteenths = BySixteenths(kLnFactors);
+inline constexpr LogSixteenths kLnPointSixteenths = BySixteenths(kLnPoints);
+inline constexpr LogSixteenths kLnShortSixteenths = BySixteenths(kLnShortFactors);
+inline constexpr LogSixteenths kLog10ShortSixteenths = BySixteenths(kLog10ShortFactors);
 inline constexpr LogRows kLnRows = ByRows(kLnTable);
 inline constexpr LogRows kLog10Rows = ByRows(kLog10Table);
 
-// Tables of factors, by rows and by columns.
+// Tables of factors, by rows and by columns. kHalfByMemory: where AVX2 extracts the numbers of rows
+// of half of the lanes alone.
 struct LnExactFactors {
+  static constexpr bool kHalfByMemory = true;
   static constexpr auto& kRows = kLnFactors;
   static constexpr auto& kColumns = kLnColumns;
+  static constexpr auto& kSixteenths = kLnSixteenths;
+};
+
+// For computations long enough to hide the extractions.
+struct LnExtractedFactors : LnExactFactors {
+  static constexpr bool kHalfByMemory = false;
 };
 
 // The points' own, next to which m c - 1 is smaller.
 struct LnPointFactors {
+  static constexpr bool kHalfByMemory = true;
   static constexpr auto& kRows = kLnPoints;
   static constexpr auto& kColumns = kLnPointColumns;
+  static constexpr auto& kSixteenths = kLnPointSixteenths;
 };
 
 struct LnShortFactors {
+  static constexpr bool kHalfByMemory = true;
   static constexpr auto& kRows = kLnShortFactors;
   static constexpr auto& kColumns = kLnShortColumns;
+  static constexpr auto& kSixteenths = kLnShortSixteenths;
 };
 
 struct Log10ShortFactors {
+  static constexpr bool kHalfByMemory = true;
   static constexpr auto& kRows = kLog10ShortFactors;
   static constexpr auto& kColumns = kLog10ShortColumns;
+  static constexpr auto& kSixteenths = kLog10ShortSixteenths;
 };
 
 // log2_hi is a multiple of 2^-42, so that its product with an exponent, and the sum with log(a),

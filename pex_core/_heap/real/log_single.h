@@ -23,35 +23,36 @@ constexpr LogSingleRows<Factor> ByRows(const LogSingleTable& t) {
   return r;
 }
 
-// The same with factors of another scale.
-constexpr LogSingleTable Scaled(const LogSingleTable& t, float scale) {
-  LogSingleTable r = t;
-  for (float& factor : r.factor) factor *= scale;
+// Rows 6 .. 12 in the places 6, 7, 0, 1, ...: what fits a register of eight.
+struct LogSingleEight {
+  alignas(32) float factor[8], log[8];
+};
+
+constexpr LogSingleEight Folded(const LogSingleTable& t) {
+  LogSingleEight r{};
+  for (int i = 6; i <= 12; ++i) {
+    r.factor[i & 7] = t.factor[i];
+    r.log[i & 7] = t.log[i];
+  }
   return r;
 }
 
-inline constexpr float kLog1pScale = 0x1p27f;
-inline constexpr auto kLog1pSingleFactors = Scaled(kLnSingleFactors, kLog1pScale);
-inline constexpr auto kLnSingleRows = ByRows<float>(kLnSingleFactors);
-inline constexpr auto kLog1pSingleRows = ByRows<float>(kLog1pSingleFactors);
+inline constexpr auto kLnSingleEight = Folded(kLnSingleEighths);
+inline constexpr auto kLnSingleRows = ByRows<float>(kLnSingleEighths);
 inline constexpr auto kLog10SingleRows = ByRows<double>(kLog10SingleFactors);
 
-struct sLnFactors {
-  static constexpr auto& kTable = kLnSingleFactors;
-  static constexpr auto& kRows = kLnSingleRows;
-};
+// Powers of it go along with the argument where products of a tiny one would underflow.
+inline constexpr float kLog1pScale = 0x1p27f;
 
-struct sLog1pFactors {
-  static constexpr auto& kTable = kLog1pSingleFactors;
-  static constexpr auto& kRows = kLog1pSingleRows;
-};
+// 2^-23 ln 2 in two parts of 16 bits.
+inline constexpr float kSingleLn2Hi = 0x1.62e4p-24f, kSingleLn2Lo = 0x1.7f7ep-43f;
 
 struct sNaturalLog {
   static constexpr float kLogE = 1;
   static constexpr float kLog2 = 0x1.62e430p-24f;  // 2^-23 ln 2
   static constexpr float kLog2Hi = kLog2, kLog2Lo = 0;
   static constexpr auto& kTable = kLnSingleTable;
-  static constexpr auto& kLA = kLnSingleLA;
+  static constexpr auto& kLA = kLnSingleEighthLA;
   static constexpr auto& kEP = kLnSingleEP;
   static constexpr auto& kHA = kLnSingleHA;
 };

@@ -9,6 +9,10 @@ namespace pex {
 inline constexpr float kLnSingleLA[] = {
     -0x1.000004p-1f, 0x1.5583fep-2f, -0x1.ff9efep-3f};
 
+// ln(1 + x) = x (1 + c[0] x + ...), -7.5714111328125e-2 <= x <= 6.671142578125e-2; error 2^-25.4375 x.
+inline constexpr float kLnSingleEighthLA[] = {
+    -0x1.ffffb2p-2f, 0x1.5551c6p-2f, -0x1.0105c4p-2f, 0x1.a3342ap-3f};
+
 // log10(1 + x/nearest(log10(e))) = x (1 + c[0] x + ...), |x| <= 1.3614654541015625e-2; error 2^-24.125 x.
 inline constexpr float kLog10SingleLA[] = {
     -0x1.26bb46p0f, 0x1.c49696p0f, -0x1.852278p1f};
@@ -36,9 +40,9 @@ inline constexpr float kLnSingleEP[] = {
 inline constexpr float kLog10SingleEP[] = {
     0x1.bcac1ep-2f, -0x1.c0489cp-3f, 0x1.31f6bcp-3f, -0x1.49dd4ap-4f};
 
-// ln(1 + x) = x (1 + c[0] x + ...), -1/31 <= x <= 1/30; error 2^-23.96875 x.
+// ln((1+s)/(1-s)) = 2 s + s^3 (c[0] + c[1] s^2 + ...), |s| <= 1/5; error 2^-28.375 of it.
 inline constexpr float kLog1pSingleLA[] = {
-    -0x1.ffff7cp-2f, 0x1.558282p-2f, -0x1.02212p-2f};
+    0x1.5555b4p-1f, 0x1.992ac6p-2f, 0x1.36e8dcp-2f};
 
 // ln(1 + x) = x (1 + c[0] x + c[1] x^2 + ...), -1/4 <= x <= 1/2.
 inline constexpr float kLog1pSingleEP[] = {

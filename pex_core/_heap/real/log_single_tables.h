@@ -22,16 +22,17 @@ inline constexpr LogSingleTable kLnSingleTable = {
      -0x1.08598cp-4f},
 };
 
-// Factors: c near log(e)/a and -log(c/log(e)), log(e) itself as a float; of 12 bits for ln.
-inline constexpr LogSingleTable kLnSingleFactors = {
-    {0x1p+0f, 0x1.e32p-1f, 0x1.c76p-1f, 0x1.afp-1f, 0x1.9a8p-1f,
-     0x1.864p-1f, 0x1.73ep-1f, 0x1.642p-1f, 0x1.5a6p-1f, 0x0p+0f,
-     0x0p+0f, 0x0p+0f, 0x1.4e4p+0f, 0x1.3bcp+0f, 0x1.24ep+0f,
-     0x1.1p+0f},
-    {0x0p+0f, 0x1.db8a02p-5f, 0x1.e010a4p-4f, 0x1.60b31p-3f, 0x1.c480cp-3f,
-     0x1.160ddp-2f, 0x1.4770f6p-2f, 0x1.73c18p-2f, 0x1.902e9p-2f, 0x0p+0f,
-     0x0p+0f, 0x0p+0f, -0x1.111ce4p-2f, -0x1.ad9da2p-3f, -0x1.1398ap-3f,
-     -0x1.f0a30cp-5f},
+// Factors: c near log(e)/a and -log(c/log(e)), log(e) itself as a float; for ln of 12 bits, rows i for
+// a = i/8, i = 6 .. 12.
+inline constexpr LogSingleTable kLnSingleEighths = {
+    {0x0p+0f, 0x0p+0f, 0x0p+0f, 0x0p+0f, 0x0p+0f,
+     0x0p+0f, 0x1.484p+0f, 0x1.238p+0f, 0x1p+0f, 0x1.c84p-1f,
+     0x1.9a8p-1f, 0x1.73ep-1f, 0x1.5cep-1f, 0x0p+0f, 0x0p+0f,
+     0x0p+0f},
+    {0x0p+0f, 0x0p+0f, 0x0p+0f, 0x0p+0f, 0x0p+0f,
+     0x0p+0f, -0x1.fd20fcp-3f, -0x1.09f562p-3f, 0x0p+0f, 0x1.d833bep-4f,
+     0x1.c480cp-3f, 0x1.4770f6p-2f, 0x1.88d14ep-2f, 0x0p+0f, 0x0p+0f,
+     0x0p+0f},
 };
 
 

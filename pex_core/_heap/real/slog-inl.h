@@ -98,7 +98,7 @@ template <class Base, class D, class V>
 HWY_INLINE V sLogLASum(D d, V scaled, V t, sLogIndex<D> row) {
   const V p = hn::Mul(t, row.LookUp(Base::kTable.factor));
   const V p2 = hn::Mul(p, p);
-  const V s = hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, Base::kLA)));
+  const V s = hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, kLnSingleLA)));
   return hn::Add(hn::Mul(scaled, hn::Set(d, Base::kLog2)),
                  hn::Add(row.LookUp(Base::kTable.log), s));
 }
@@ -125,23 +125,26 @@ HWY_INLINE void sLogRows(D d, const Rows& rows, BitsOf<D> i, const char* (&at)[4
 }
 #endif
 
-// A factor c of 12 bits next to 1/m, and -ln(c).
-template <class Factors = sLnFactors, class D, class V>
+// A factor c of 12 bits next to 1/m, and -ln(c), for the eighth next to m.
+template <class D, class V>
 HWY_INLINE void sLnFactorAt(D d, V m, V& c, V& log) {
-  const auto i = sLogSixteenths(d, m);
+  const auto i = Bits(d, hn::Add(m, hn::Set(d, 0x1.8p20f)));  // ends in the number of eighths
 #if HWY_TARGET == HWY_SSE4
   const char* at[4];
-  sLogRows(d, Factors::kRows, i, at);
+  sLogRows(d, kLnSingleRows, i, at);
   const auto row = [&at](int k) HWY_ATTR { return reinterpret_cast<const __m64*>(at[k]); };
   const __m128 none = _mm_setzero_ps();
   const __m128 r0 = _mm_loadh_pi(_mm_loadl_pi(none, row(0)), row(1));
   const __m128 r1 = _mm_loadh_pi(_mm_loadl_pi(none, row(2)), row(3));
   c = V{_mm_shuffle_ps(r0, r1, 0x88)};
   log = V{_mm_shuffle_ps(r0, r1, 0xDD)};
+#elif HWY_TARGET == HWY_AVX2
+  c = V{_mm256_permutevar8x32_ps(_mm256_load_ps(kLnSingleEight.factor), i.raw)};
+  log = V{_mm256_permutevar8x32_ps(_mm256_load_ps(kLnSingleEight.log), i.raw)};
 #else
   const sLogIndex<D> row(d, i);
-  c = row.LookUp(Factors::kTable.factor);
-  log = row.LookUp(Factors::kTable.log);
+  c = row.LookUp(kLnSingleEighths.factor);
+  log = row.LookUp(kLnSingleEighths.log);
 #endif
 }
 
