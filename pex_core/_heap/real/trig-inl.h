@@ -34,21 +34,6 @@ enum class Wave { kSine, kCosine };
 
 inline constexpr double kShifter = 0x1.8p52;  // leaves the rounded integer in the low bits
 
-// The high words of two vectors of doubles, in some order.
-template <class D>
-HWY_INLINE BitsOf<hn::Repartition<float, D>> HighWords(D, VecOf<D> x, VecOf<D> y) {
-  const hn::Repartition<float, D> d32;
-  const auto a = hn::BitCast(d32, x), b = hn::BitCast(d32, y);
-  constexpr int kOdd = _MM_SHUFFLE(3, 1, 3, 1);
-#if HWY_TARGET == HWY_AVX3
-  return Bits(d32, VecOf<decltype(d32)>{_mm512_shuffle_ps(a.raw, b.raw, kOdd)});
-#elif HWY_TARGET == HWY_AVX2
-  return Bits(d32, VecOf<decltype(d32)>{_mm256_shuffle_ps(a.raw, b.raw, kOdd)});
-#else
-  return Bits(d32, VecOf<decltype(d32)>{_mm_shuffle_ps(a.raw, b.raw, kOdd)});
-#endif
-}
-
 // Magnitudes from 2^kFirst below 2^(kFirst + 2^kLog2Count): their exponents less the first have
 // only the lowest bits, whatever the sign.
 template <int kFirst, int kLog2Count>
@@ -61,7 +46,8 @@ struct UsualExponents {
   static HWY_INLINE bool All(D d, const VecOf<D> (&x)[K]) {
     const hn::Repartition<float, D> d32;
     const auto above = [&](size_t k) HWY_ATTR {
-      return hn::Sub(HighWords(d, x[k], x[k + 1 < K ? k + 1 : k]), SetBits(d32, kOffset));
+      const auto high = HighWords(d, x[k], x[k + 1 < K ? k + 1 : k]);
+      return hn::Sub(Bits(d32, high), SetBits(d32, kOffset));
     };
     auto joined = above(0);
     for (size_t k = 2; k < K; k += 2) joined = hn::Or(joined, above(k));
