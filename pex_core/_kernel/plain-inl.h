@@ -6,6 +6,7 @@
 // also have MainGroup(d, x, y, r) for arrays of several vectors.
 
 #include <cstdint>
+#include <cstring>
 
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/hardware-inl.h"
@@ -73,6 +74,28 @@ struct PlainArrays {
   }
 };
 
+// Loads and stores at any address: pairs of floats pass as doubles, and single lanes would go
+// through a pointer that has to be aligned.
+template <class D, typename T>
+HWY_INLINE VecOf<D> LoadAnywhere(D d, const T* from) {
+  if constexpr (hn::MaxLanes(D()) == 1) {
+    T x;
+    std::memcpy(&x, from, sizeof(T));
+    return hn::Set(d, x);
+  } else {
+    return hn::LoadU(d, from);
+  }
+}
+template <class D, class V, typename T>
+HWY_INLINE void StoreAnywhere(V v, D d, T* to) {
+  if constexpr (hn::MaxLanes(D()) == 1) {
+    const T x = hn::GetLane(v);
+    std::memcpy(to, &x, sizeof(T));
+  } else {
+    hn::StoreU(v, d, to);
+  }
+}
+
 // `kVectors` vectors at element i.
 template <class K, int kVectors, class D>
 HWY_INLINE void PlainGroup(D d, const PlainArrays<K>& p, size_t i) {
@@ -80,18 +103,18 @@ HWY_INLINE void PlainGroup(D d, const PlainArrays<K>& p, size_t i) {
   const size_t lanes = hn::Lanes(d);
   V x[kVectors], y[kVectors];
   for (int k = 0; k < kVectors; ++k) {
-    x[k] = hn::LoadU(d, p.a + i + k * lanes);
-    y[k] = K::kArguments == 2 ? hn::LoadU(d, p.b + i + k * lanes) : x[k];
+    x[k] = LoadAnywhere(d, p.a + i + k * lanes);
+    y[k] = K::kArguments == 2 ? LoadAnywhere(d, p.b + i + k * lanes) : x[k];
   }
   if constexpr (HasPairGroup<K, D>) {
     K::MainGroup(d, x, y, x);
-    for (int k = 0; k < kVectors; ++k) hn::StoreU(x[k], d, p.r1 + i + k * lanes);
+    for (int k = 0; k < kVectors; ++k) StoreAnywhere(x[k], d, p.r1 + i + k * lanes);
   } else {
     for (int k = 0; k < kVectors; ++k) {
       V v1 = x[k], v2 = x[k];
       Compute<K>(d, x[k], y[k], v1, v2);
-      hn::StoreU(v1, d, p.r1 + i + k * lanes);
-      if constexpr (K::kResults == 2) hn::StoreU(v2, d, p.r2 + i + k * lanes);
+      StoreAnywhere(v1, d, p.r1 + i + k * lanes);
+      if constexpr (K::kResults == 2) StoreAnywhere(v2, d, p.r2 + i + k * lanes);
     }
   }
 }
