@@ -207,8 +207,7 @@ HWY_INLINE VecOf<hn::Repartition<float, D>> HighWords(D, V x, V y) {
 
 // Rare: outside of an interval from kEnd on, up or down: the distance from kEnd is above kHighWord
 // (double, with 32 ones below; single: kHighWord alone), where negative distances and NaN, as
-// unsigned integers, are above all others. It joins keys its own way, and a kernel's IsRare is its
-// Lanes.
+// unsigned integers, are above all others. It joins keys and tells lanes its own way.
 template <typename T, T kEnd, bool kUp, int32_t kHighWord>
 struct RareByDistance {
   template <class D>
@@ -294,9 +293,18 @@ HWY_INLINE hn::Mask<D> LanesAbove(D d, BitsOf<D> key, int64_t limit) {
   return hn::RebindMask(d, hn::Lt(Bits(d, above), SetBits(d, 0)));
 }
 
-inline constexpr uint64_t kDoubtHalf = uint64_t{1} << 28;
-template <int kError>
-inline constexpr uint64_t kDoubtNear = 2 * kDoubtHalf - (uint64_t{2} << kError);
+// Whether an integer register, lanes beyond a short vector included, has any of the bits of
+// another.
+template <class V>
+HWY_INLINE bool HasAnyBit(V v, V bits) {
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(V) == 64) return _mm512_test_epi32_mask(v.raw, bits.raw) != 0;
+#endif
+#if HWY_TARGET != HWY_SSE4
+  if constexpr (sizeof(V) == 32) return _mm256_testz_si256(v.raw, bits.raw) == 0;
+#endif
+  if constexpr (sizeof(V) == 16) return _mm_testz_si128(v.raw, bits.raw) == 0;
+}
 
 // Whether of any of several vectors the key, key(x), has a bit of `mask`.
 template <class D, size_t K, class Key>
@@ -304,19 +312,12 @@ HWY_INLINE bool AnyKeyHas(D d, const VecOf<D> (&x)[K], uint64_t mask, Key key) {
   auto joined = key(x[0]);
   if constexpr (K % 2 == 0) joined = hn::Or(joined, key(x[1]));
   for (size_t k = 2 - K % 2; k < K; k += 2) joined = hn::Or3(joined, key(x[k]), key(x[k + 1]));
-#if HWY_TARGET == HWY_AVX3
-  if constexpr (sizeof(joined) == 64) {
-    const auto bits = SetBits(d, mask).raw;
-    if constexpr (sizeof(hn::TFromD<D>) == 8) {
-      return _mm512_test_epi64_mask(joined.raw, bits) != 0;
-    } else {
-      return _mm512_test_epi32_mask(joined.raw, bits) != 0;
-    }
-  }
-#endif
-  const auto found = hn::And(joined, SetBits(d, mask));
-  return !hn::AllTrue(hn::RebindToSigned<D>(), hn::Eq(found, SetBits(d, 0)));
+  return HasAnyBit(joined, SetBits(d, mask));
 }
+
+inline constexpr uint64_t kDoubtHalf = uint64_t{1} << 28;
+template <int kError>
+inline constexpr uint64_t kDoubtNear = 2 * kDoubtHalf - (uint64_t{2} << kError);
 
 // Whether another float than that next to y may be next to a number that y is known to be within
 // 2^kError - 1 units in its last place of.

@@ -157,10 +157,23 @@ inline constexpr bool HasAnyMayBeRare1 = requires(D d, VecOf<D> (&v)[N]) {
   K::AnyMayBeRare(d, v);
 };
 
+// A Rarity may tell its lanes, and join keys, its own way: Lanes(d, x); Joined(d, key, x), Any(d,
+// key).
+template <class K, class D>
+inline constexpr bool HasOwnLanes = requires(D d, VecOf<D> x) {
+  K::Rarity::Lanes(d, x);
+};
+template <class K, class D>
+inline constexpr bool HasOwnJoin = requires(D d, VecOf<D> x) {
+  K::Rarity::Any(d, K::Rarity::Joined(d, K::Rarity::Key(d, x), x));
+};
+
 template <class K, class D, class V>
 HWY_INLINE MaskOf<D> RareLanes(D d, V x, V y) {
   if constexpr (K::kArguments == 2) {
     return K::IsRare(d, x, y);
+  } else if constexpr (HasOwnLanes<K, D> && !HasIsRare<K, D>) {
+    return K::Rarity::Lanes(d, x);
   } else if constexpr (HasRarity<K> && !HasIsRare<K, D>) {
     return LanesAbove(d, K::Rarity::Key(d, x), K::Rarity::kLimit);
   } else {
@@ -171,11 +184,6 @@ HWY_INLINE MaskOf<D> RareLanes(D d, V x, V y) {
 template <class K>
 inline constexpr bool HasWide = requires {
   typename K::Wide;
-};
-// A Rarity may join keys its own way: Joined(d, key, x), Any(d, key).
-template <class K, class D>
-inline constexpr bool HasOwnJoin = requires(D d, VecOf<D> x) {
-  K::Rarity::Any(d, K::Rarity::Joined(d, K::Rarity::Key(d, x), x));
 };
 
 template <class K>

@@ -162,6 +162,17 @@ HWY_INLINE V ShortMulSub(D d, V x, V c, V subtrahend) {
 #endif
 }
 
+// addend - x * c likewise, -addend for ShortMulAdd's; +0 for 0.
+template <class D, class V>
+HWY_INLINE V ShortNegMulAdd(D d, V x, V c, V addend) {
+#if HWY_TARGET == HWY_SSE4
+  return hn::Sub(hn::Zero(d), ShortMulAdd(d, x, c, hn::Neg(addend)));
+#else
+  (void)d;
+  return hn::NegMulAdd(x, c, addend);
+#endif
+}
+
 // (a.hi + a.lo) + b for |a.hi| >= |b| or a.hi = 0. The error is at most 2 u^2 (|a| + |b|), u half
 // an ulp of 1: twice the working precision, unless the sum cancels.
 template <class V>

@@ -14,30 +14,6 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdCdfNorm";
 
-// The table from -36.65 to 8.65. Beyond, the result is 1 (Wide) or less than 2^-978 (rare).
-template <ErfcTier kTier, bool kBeyond>
-struct dCdfNormShort : Kernel<double> {
-  static constexpr int kUnroll = 6;
-  using Rarity = RareByDistance<double, kBeyond ? 8153.0 : 8.65, false,
-                                kBeyond ? 0x40BFFDA6 : 0x4046A666>;  // 8189.65 and 45.3
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
-    return Rarity::Lanes(d, x);
-  }
-  static HWY_INLINE int Rare(double x, double* r) { return dCdfNormRare(x, r); }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    V inner[K];
-    for (size_t k = 0; k < K; ++k) inner[k] = kBeyond ? hn::Min(x[k], hn::Set(d, 8.5)) : x[k];
-    FromFineRows<CdfNormFine, kTier>(d, inner, out);
-  }
-};
-
-template <ErfcTier kTier>
-struct dCdfNormKernel : dCdfNormShort<kTier, false> {
-  using Wide = dCdfNormShort<kTier, true>;
-};
-
 template <class Part, bool kBeyond>
 struct dCdfNormAccurate : Part {
   static constexpr int kUnroll = 16;
@@ -51,10 +27,6 @@ struct dCdfNormAccurate : Part {
 // From -37.5097, inside the common part, to 8.5097.
 struct dCdfNormCurve : Kernel<double> {
   using Rarity = RareByDistance<double, 8.5097, false, 0x4047027B>;  // 46.0194
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
-    return Rarity::Lanes(d, x);
-  }
   static HWY_INLINE int Rare(double x, double* r) { return dCdfNormRare(x, r); }
 };
 
@@ -73,8 +45,8 @@ struct dCdfNormHA : dCdfNormAccurate<dCdfNormCurve, false> {
   using Wide = dCdfNormAccurate<dCdfNormCommon, true>;
 };
 
-using dCdfNormEP = dCdfNormKernel<ErfcTier::kEP>;
-using dCdfNormLA = dCdfNormKernel<ErfcTier::kLA>;
+using dCdfNormEP = FineKernel<CdfNormFine, ErfcTier::kEP, dCdfNormRare>;
+using dCdfNormLA = FineKernel<CdfNormFine, ErfcTier::kLA, dCdfNormRare>;
 
 PEX_UNARY(double, dCdfNorm_26, dCdfNormEP)
 PEX_UNARY(double, dCdfNorm_50, dCdfNormLA)

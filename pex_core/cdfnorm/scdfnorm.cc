@@ -17,35 +17,9 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsCdfNorm";
 
-// Correctly rounded for all floats: within 2^-40, in full where that leaves the rounding open.
-template <bool kBeyond>
-struct sCdfNormAccurate : Kernel<float, double> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 6;
-  using Rarity = sErfcRarity<sCdfNormTail, kBeyond>;
+struct sCdfNormInFull {
   template <class D, class V>
-  static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
-    return Rarity::Lanes(d, x);
-  }
-  static HWY_INLINE int Rare(float x, float* r) { return sCdfNormRare(x, r); }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    const hn::Rebind<double, D> dd;
-    VecOf<hn::Rebind<double, D>> wide[K], y[K];
-    V a[K];
-    for (size_t k = 0; k < K; ++k) {
-      a[k] = x[k];
-      wide[k] = hn::PromoteTo(dd, kBeyond ? sCdfNormTail::Clamped(d, x[k]) : x[k]);
-    }
-    FromFineRows<CdfNormFine, ErfcTier::kShort>(dd, wide, y);
-    const bool open = AnyRoundingInDoubt<14>(dd, y);
-    for (size_t k = 0; k < K; ++k) out[k] = hn::DemoteTo(d, y[k]);
-    if (open) [[unlikely]] {
-      for (size_t k = 0; k < K; ++k) out[k] = InFull(d, a[k]);
-    }
-  }
-
-  template <class D, class V>
-  static HWY_NOINLINE V InFull(D d, V x) {
+  static HWY_NOINLINE V Of(D d, V x) {
     using Wide = hn::Rebind<double, D>;
     const Wide dd;
     using W = VecOf<Wide>;
@@ -65,9 +39,7 @@ struct sCdfNormAccurate : Kernel<float, double> {
   }
 };
 
-struct sCdfNormHA : sCdfNormAccurate<false> {
-  using Wide = sCdfNormAccurate<true>;
-};
+using sCdfNormHA = sErfcAccurateKernel<sCdfNormTail, CdfNormFine, sCdfNormRare, sCdfNormInFull>;
 using sCdfNormEP = sErfcKernel<sCdfNormTail, false, sCdfNormRare>;
 using sCdfNormLA = sErfcKernel<sCdfNormTail, true, sCdfNormRare>;
 

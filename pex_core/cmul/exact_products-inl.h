@@ -41,7 +41,7 @@ HWY_INLINE V MultiplierSub(D d, V a, V b) {
   (void)d;
   return hn::Sub(a, b);
 #else
-  return hn::MulSub(a, hn::Set(d, 1.0), b);
+  return ExactProductLess(a, hn::Set(d, 1.0), b);
 #endif
 }
 
@@ -112,7 +112,7 @@ struct PartsOutside {
       return hn::Sub(hn::BitCast(d32, HighWords(d, number.re, number.im)), first);
     };
     for (size_t k = 0; k < K; ++k) ((joined = hn::Or(joined, shifted(x[k]))), ...);
-    return !hn::AllTrue(d32, hn::Eq(hn::And(joined, upper), hn::Zero(d32)));
+    return HasAnyBit(joined, upper);
   }
   template <class D, class V, class... W>
   static HWY_INLINE MaskOf<D> Any(D d, V x, W... rest) {

@@ -15,32 +15,6 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdErfc";
 
-// The table from -6 to 25.9. Beyond, the result is 2 (Wide) or less than 2^-973 (rare).
-template <ErfcTier kTier, bool kBeyond>
-struct dErfcShort : Kernel<double> {
-  static constexpr int kUnroll = 6;
-  using Rarity = RareByDistance<double, kBeyond ? -4069.0 : -6.0, true,
-                                kBeyond ? 0x40AFFDCE : 0x403FE666>;  // 4094.9 and 31.9
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
-    return Rarity::Lanes(d, x);
-  }
-  static HWY_INLINE int Rare(double x, double* r) { return dErfcRare(x, r); }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    V inner[K];
-    for (size_t k = 0; k < K; ++k) {
-      inner[k] = kBeyond ? hn::Max(x[k], hn::Set(d, -6.0)) : x[k];
-    }
-    FromFineRows<ErfcFine, kTier>(d, inner, out);
-  }
-};
-
-template <ErfcTier kTier>
-struct dErfcKernel : dErfcShort<kTier, false> {
-  using Wide = dErfcShort<kTier, true>;
-};
-
 struct dErfcHA : Kernel<double> {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 6;
   // Common from -8164 to 26.54, where the result comes close to the subnormal numbers.
@@ -71,8 +45,8 @@ struct dErfcHA : Kernel<double> {
   }
 };
 
-using dErfcEP = dErfcKernel<ErfcTier::kEP>;
-using dErfcLA = dErfcKernel<ErfcTier::kLA>;
+using dErfcEP = FineKernel<ErfcFine, ErfcTier::kEP, dErfcRare>;
+using dErfcLA = FineKernel<ErfcFine, ErfcTier::kLA, dErfcRare>;
 
 PEX_UNARY(double, dErfc_26, dErfcEP)
 PEX_UNARY(double, dErfc_50, dErfcLA)

@@ -16,33 +16,7 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vsErfc";
 
-// Correctly rounded for all floats: within 2^-40, in full where that leaves the rounding open.
-template <bool kBeyond>
-struct sErfcAccurate : Kernel<float, double> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 6;
-  using Rarity = sErfcRarity<sErfcTail, kBeyond>;
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
-    return Rarity::Lanes(d, x);
-  }
-  static HWY_INLINE int Rare(float x, float* r) { return sErfcRare(x, r); }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    const hn::Rebind<double, D> dd;
-    V a[K];
-    VecOf<hn::Rebind<double, D>> wide[K], y[K];
-    for (size_t k = 0; k < K; ++k) {
-      a[k] = x[k];
-      wide[k] = hn::PromoteTo(dd, kBeyond ? sErfcTail::Clamped(d, x[k]) : x[k]);
-    }
-    FromFineRows<ErfcFine, ErfcTier::kShort>(dd, wide, y);
-    const bool open = AnyRoundingInDoubt<14>(dd, y);
-    for (size_t k = 0; k < K; ++k) out[k] = hn::DemoteTo(d, y[k]);
-    if (open) [[unlikely]] {
-      for (size_t k = 0; k < K; ++k) out[k] = InFull(d, a[k]);
-    }
-  }
-
+struct sErfcInFull {
   // The result times 2^300.
   template <class D, class V, class W, size_t K>
   static HWY_INLINE void Scaled(D, const V (&x)[K], W (&y)[K]) {
@@ -66,7 +40,7 @@ struct sErfcAccurate : Kernel<float, double> {
   // By 2^-300 less 2^-52 of it: -0x1.d93ec4p-17 has its result so close to the middle of two floats
   // that it came out on the other side; this shift sends no other float there.
   template <class D, class V>
-  static HWY_NOINLINE V InFull(D d, V x) {
+  static HWY_NOINLINE V Of(D d, V x) {
     const hn::Rebind<double, D> dd;
     const V in[1] = {x};
     VecOf<hn::Rebind<double, D>> y[1];
@@ -75,9 +49,7 @@ struct sErfcAccurate : Kernel<float, double> {
   }
 };
 
-struct sErfcHA : sErfcAccurate<false> {
-  using Wide = sErfcAccurate<true>;
-};
+using sErfcHA = sErfcAccurateKernel<sErfcTail, ErfcFine, sErfcRare, sErfcInFull>;
 using sErfcEP = sErfcKernel<sErfcTail, false, sErfcRare>;
 using sErfcLA = sErfcKernel<sErfcTail, true, sErfcRare>;
 

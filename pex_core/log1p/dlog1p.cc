@@ -51,7 +51,7 @@ struct dLog1pLA : dLog1pCommon {
     for (size_t k = 0; k < K; ++k) u[k] = hn::Add(x[k], one);
     LogShortReduce<LnShortFactors, true>(d, u, v);
     for (size_t k = 0; k < K; ++k) {
-      const V below = OneLessShortProduct(d, v[k].m, v[k].c);
+      const V below = ShortNegMulAdd(d, v[k].m, v[k].c, hn::Set(d, 1.0));
       s[k] = hn::Div(below, hn::Sub(hn::Set(d, 2.0), below));
     }
     for (size_t k = 0; k < K; ++k) {

@@ -10,6 +10,7 @@
 #include "pex_core/_heap/real/erf_tables.h"
 #include "pex_core/_heap/real/erfc-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 
@@ -34,6 +35,14 @@ struct ErfcFine {
   static constexpr auto& kMeanEP = kErfcFineMeanEP;
   static constexpr auto& kRatio = kErfcFineRatio;
   static constexpr double kSquare = 1.0 / 6, kFourth = 1.0 / 60;
+  // From -6 to 25.9. Beyond, the result is 2 (Wide) or less than 2^-973 (rare): 4094.9 and 31.9.
+  template <bool kBeyond>
+  using Rarity =
+      RareByDistance<double, kBeyond ? -4069.0 : -6.0, true, kBeyond ? 0x40AFFDCE : 0x403FE666>;
+  template <class D, class V>
+  static HWY_INLINE V Clamped(D d, V x) {
+    return hn::Max(x, hn::Set(d, -6.0));
+  }
 };
 
 struct CdfNormFine {
@@ -44,6 +53,15 @@ struct CdfNormFine {
   static constexpr auto& kMeanEP = kCdfNormMeanEP;
   static constexpr auto& kRatio = kCdfNormRatio;
   static constexpr double kSquare = 1.0 / 12, kFourth = 1.0 / 240;
+  // From -36.65 to 8.65. Beyond, the result is 1 (Wide) or less than 2^-978 (rare): 8189.65
+  // and 45.3.
+  template <bool kBeyond>
+  using Rarity =
+      RareByDistance<double, kBeyond ? 8153.0 : 8.65, false, kBeyond ? 0x40BFFDA6 : 0x4046A666>;
+  template <class D, class V>
+  static HWY_INLINE V Clamped(D d, V x) {
+    return hn::Min(x, hn::Set(d, 8.5));
+  }
 };
 
 // For x within the table. To add 2^-200 keeps the products of tiny numbers from underflow and
@@ -97,6 +115,26 @@ HWY_INLINE void FromFineRows(D d, const V (&x)[K], V (&y)[K]) {
     y[k] = hn::Add(row[k].a, hn::Mul(row[k].b, t[k]));
   }
 }
+
+// The kernels of EP and LA in double precision; where the function is flat (Wide) its arguments are
+// clamped.
+template <class Function, ErfcTier kTier, int (*kRare)(double, double*), bool kBeyond = false>
+struct FineShort : Kernel<double> {
+  static constexpr int kUnroll = 6;
+  using Rarity = typename Function::template Rarity<kBeyond>;
+  static HWY_INLINE int Rare(double x, double* r) { return kRare(x, r); }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    V inner[K];
+    for (size_t k = 0; k < K; ++k) inner[k] = kBeyond ? Function::Clamped(d, x[k]) : x[k];
+    FromFineRows<Function, kTier>(d, inner, out);
+  }
+};
+
+template <class Function, ErfcTier kTier, int (*kRare)(double, double*)>
+struct FineKernel : FineShort<Function, kTier, kRare> {
+  using Wide = FineShort<Function, kTier, kRare, true>;
+};
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

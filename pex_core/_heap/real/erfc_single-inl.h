@@ -7,6 +7,7 @@
 // Largest errors seen: Erfc 1.82, CdfNorm 1.56 ulp; EP 11.48 and 12.29 bits.
 
 #include "hwy/highway.h"
+#include "pex_core/_heap/real/erf_fine-inl.h"
 #include "pex_core/_heap/real/erf_rows-inl.h"
 #include "pex_core/_heap/real/erf_tables.h"
 #include "pex_core/_kernel/bits-inl.h"
@@ -106,10 +107,6 @@ template <class Tail, bool kLA, int (*kRare)(float, float*), bool kBeyond = fals
 struct sErfcShort : Kernel<float> {
   static constexpr int kUnroll = kLA && HWY_TARGET == HWY_AVX3 ? 6 : 8;
   using Rarity = sErfcRarity<Tail, kBeyond>;
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
-    return Rarity::Lanes(d, x);
-  }
   static HWY_INLINE int Rare(float x, float* r) { return kRare(x, r); }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
@@ -126,6 +123,36 @@ struct sErfcShort : Kernel<float> {
 template <class Tail, bool kLA, int (*kRare)(float, float*)>
 struct sErfcKernel : sErfcShort<Tail, kLA, kRare> {
   using Wide = sErfcShort<Tail, kLA, kRare, true>;
+};
+
+// Correctly rounded for all floats: within 2^-40 from the rows in double precision, by Full::Of
+// where that leaves the rounding open.
+template <class Tail, class Fine, int (*kRare)(float, float*), class Full, bool kBeyond = false>
+struct sErfcAccurate : Kernel<float, double> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 6;
+  using Rarity = sErfcRarity<Tail, kBeyond>;
+  static HWY_INLINE int Rare(float x, float* r) { return kRare(x, r); }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    const hn::Rebind<double, D> dd;
+    V a[K];
+    VecOf<hn::Rebind<double, D>> wide[K], y[K];
+    for (size_t k = 0; k < K; ++k) {
+      a[k] = x[k];
+      wide[k] = hn::PromoteTo(dd, kBeyond ? Tail::Clamped(d, x[k]) : x[k]);
+    }
+    FromFineRows<Fine, ErfcTier::kShort>(dd, wide, y);
+    const bool open = AnyRoundingInDoubt<14>(dd, y);
+    for (size_t k = 0; k < K; ++k) out[k] = hn::DemoteTo(d, y[k]);
+    if (open) [[unlikely]] {
+      for (size_t k = 0; k < K; ++k) out[k] = Full::Of(d, a[k]);
+    }
+  }
+};
+
+template <class Tail, class Fine, int (*kRare)(float, float*), class Full>
+struct sErfcAccurateKernel : sErfcAccurate<Tail, Fine, kRare, Full> {
+  using Wide = sErfcAccurate<Tail, Fine, kRare, Full, true>;
 };
 
 }  // namespace pex::HWY_NAMESPACE

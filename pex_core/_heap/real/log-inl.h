@@ -349,17 +349,6 @@ HWY_INLINE V ShortProductLessOne(D d, V m, V c) {
   return ShortMulAdd(d, m, c, hn::Set(d, -1.0));
 }
 
-// 1 - m c likewise; +0 for 0.
-template <class D, class V>
-HWY_INLINE V OneLessShortProduct(D d, V m, V c) {
-  [[maybe_unused]] const V one = hn::Set(d, 1.0);
-#if HWY_TARGET == HWY_SSE4
-  return hn::Sub(hn::Zero(d), ShortProductLessOne(d, m, c));
-#else
-  return hn::NegMulAdd(m, c, one);
-#endif
-}
-
 // The argument of the sums, log(e) t, and e log(2) - log(c).
 template <class Base, class D, class V, size_t K>
 HWY_INLINE void LogTerms(D d, const LogShort<D> (&u)[K], const V (&t)[K], V (&p)[K], V (&head)[K]) {

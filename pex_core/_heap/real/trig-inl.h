@@ -51,13 +51,7 @@ struct UsualExponents {
     };
     auto joined = above(0);
     for (size_t k = 2; k < K; k += 2) joined = hn::Or(joined, above(k));
-#if HWY_TARGET == HWY_AVX3
-    return _mm512_test_epi32_mask(joined.raw, SetBits(d32, kMask).raw) == 0;
-#elif HWY_TARGET == HWY_AVX2
-    return _mm256_testz_si256(joined.raw, SetBits(d32, kMask).raw) != 0;
-#else
-    return _mm_testz_si128(joined.raw, SetBits(d32, kMask).raw) != 0;
-#endif
+    return !HasAnyBit(joined, SetBits(d32, kMask));
   }
 };
 

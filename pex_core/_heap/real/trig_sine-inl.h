@@ -27,7 +27,7 @@ HWY_INLINE V LessShifterAndHalf(D d, V n) {
   constexpr int64_t kTwoSevenths = 1930114126015927;
   static_assert(7 * kTwoSevenths == 2 * static_cast<int64_t>(kShifter) + 1);
   constexpr double kSeventh = kTwoSevenths * 0.5;
-  return hn::NegMulAdd(hn::Set(d, 7.0), hn::Set(d, kSeventh), n);
+  return Remainder(d, n, hn::Set(d, 7.0), hn::Set(d, kSeventh));
 #endif
 }
 

@@ -189,7 +189,7 @@ struct Reduction {
     const V rest = hn::Sub(x, hn::Mul(n, hn::Set(d, kUpper * kUnit)));
     return hn::Sub(rest, hn::Mul(n, hn::Set(d, (kPiHigh - kUpper) * kUnit)));
 #else
-    return hn::NegMulAdd(n, hn::Set(d, kPiHigh * kUnit), x);
+    return Remainder(d, x, n, hn::Set(d, kPiHigh * kUnit));
 #endif
   }
 
