@@ -233,6 +233,11 @@ TEST(Pieces, LeaveTheBaseOfTheThreadAsItWas) {
   EXPECT_EQ(indices(a.data()), (std::vector<int32_t>{90, 90}));
   EXPECT_EQ(indices(a.data() + 80), (std::vector<int32_t>{10, 10}));
   EXPECT_EQ(indices(a.data() + 50), (std::vector<int32_t>{40, 40}));
+  // A base with the low 34 bits zero looks to a null array as if there were none.
+  const auto address = reinterpret_cast<uintptr_t>(a.data());
+  const auto from = static_cast<int32_t>((address & 0x3FFFFFFFF) / sizeof(double)) + 90;
+  const auto* round = reinterpret_cast<const void*>(address & ~uintptr_t{0x3FFFFFFFF});
+  EXPECT_EQ(indices(round), (std::vector<int32_t>{from, from}));
   // Nothing else of the thread changes.
   pexSetMode(PEX_ERRMODE_IGNORE | PEX_ACCURACY_LA);
   pexSetErrStatus(4711);
