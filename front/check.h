@@ -21,8 +21,23 @@ constexpr int32_t First(std::initializer_list<int32_t> statuses) {
   return QUO_OK;
 }
 
+constexpr int32_t kStreamHeader = 1;
+
 // Not null, with the head that every stream has.
 int32_t LiveStream(const QuoStream* stream);
+
+// The same, in place for the rows of the new scheme that are in use: a part of every drawing call.
+[[gnu::always_inline]] inline bool IsLive(const QuoStream* stream) {
+  if (stream == nullptr || stream->header != kStreamHeader) [[unlikely]]
+    return false;
+  const auto id = static_cast<uint32_t>(stream->id);
+  const uint32_t row = (id >> 20) - 1, member = id & 0xFFFFF;
+  if (row < static_cast<uint32_t>(NRegBrngsNew) && row < QUO_REGISTRY_ROWS &&
+      member < static_cast<uint32_t>(NumOffsets[row])) [[likely]] {
+    return true;
+  }
+  return LiveStream(stream) == QUO_OK;
+}
 
 template <typename T>
 int32_t AllFinite(std::span<const T> numbers) {

@@ -42,17 +42,33 @@ int32_t InPieces(int64_t n, T* r, int64_t width, const DrawPiece& draw) {
   return status;
 }
 
+// Nothing is wrong with it, and one piece holds it. Of a kernel some generators and the pairs of
+// normal numbers draw one even when asked for none.
+template <typename T>
+[[gnu::always_inline]] inline bool IsPlain(const Request<T>& request) {
+  return request.n > 0 && request.n <= piece && request.r != nullptr && request.method >= 0 &&
+         request.method < request.methods && IsLive(request.stream);
+}
+
+// Any other. By value, so that no request has to be in memory for it.
+template <typename Kernel, typename T, typename... Parameters>
+[[gnu::noinline, gnu::cold]] int32_t DrawOther(Kernel kernel, Request<T> request, int32_t refused,
+                                               Parameters... parameters) {
+  if (const int32_t status = First({Refusal(request), refused})) return status;
+  return InPieces(request.n, request.r, 1, [&](int32_t n, T* r) {
+    return kernel(static_cast<uint32_t>(request.method), request.stream, n, r, parameters...);
+  });
+}
+
 // `refused` is the status of the parameters.
 template <typename Kernel, typename T, typename... Parameters>
-int32_t Draw(Kernel kernel, const Request<T>& request, int32_t refused, Parameters... parameters) {
-  if (const int32_t status = First({Refusal(request), refused})) return status;
-  const auto draw = [&](int32_t n, T* r) {
-    return kernel(static_cast<uint32_t>(request.method), request.stream, n, r, parameters...);
-  };
-  // Of a kernel some generators and the pairs of normal numbers draw one even when asked for none.
-  if (request.n > 0 && request.n <= piece) [[likely]]
-    return draw(static_cast<int32_t>(request.n), request.r);
-  return InPieces(request.n, request.r, 1, draw);
+[[gnu::always_inline]] inline int32_t Draw(Kernel kernel, const Request<T>& request,
+                                           int32_t refused, Parameters... parameters) {
+  if (refused == QUO_OK && IsPlain(request)) [[likely]] {
+    return kernel(static_cast<uint32_t>(request.method), request.stream,
+                  static_cast<int32_t>(request.n), request.r, parameters...);
+  }
+  return DrawOther(kernel, request, refused, parameters...);
 }
 
 }  // namespace pexquo_front

@@ -8,8 +8,6 @@
 namespace pexquo_front {
 namespace {
 
-constexpr int32_t kStreamHeader = 1;
-
 // A generator of the registry, and the member of its family.
 struct Generator {
   explicit Generator(int32_t id) : table(__quoGetBrngBaseOffset(id, &row, &member)) {}
@@ -51,13 +49,6 @@ int32_t AbstractRefusal(int32_t n, const T* buffer, Refill refill) {
 int32_t LiveStream(const QuoStream* stream) {
   if (stream == nullptr) return QUO_NULL_STREAM;
   if (stream->header != kStreamHeader) return QUO_DEAD_STREAM;
-  // A row of the new scheme is looked up in place, because this is a part of every drawing call.
-  const auto id = static_cast<uint32_t>(stream->id);
-  const uint32_t row = (id >> 20) - 1, member = id & 0xFFFFF;
-  if (row < static_cast<uint32_t>(NRegBrngsNew) && row < QUO_REGISTRY_ROWS &&
-      member < static_cast<uint32_t>(NumOffsets[row])) [[likely]] {
-    return QUO_OK;
-  }
   return Unless(Generator(stream->id).exists(), QUO_DEAD_STREAM);
 }
 

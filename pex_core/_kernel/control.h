@@ -21,6 +21,9 @@ class ControlGuardBut {
       _mm_setcsr((saved_ & ~kFlags) | (_mm_getcsr() & kFlags));
     }
   }
+  // Whether the control word differs from what a guard sets.
+  static bool IsNeeded() { return (_mm_getcsr() & ~kKept) != kDefault; }
+
   ControlGuardBut(const ControlGuardBut&) = delete;
   ControlGuardBut& operator=(const ControlGuardBut&) = delete;
 
@@ -37,7 +40,9 @@ using ControlGuard = ControlGuardBut<0>;
 using ControlGuardButDaz = ControlGuardBut<0x40>;
 
 // The caller's control word as it is.
-struct NoGuard {};
+struct NoGuard {
+  static constexpr bool IsNeeded() { return false; }
+};
 
 // The rounding and flush bits alone for the time of a call: to nearest, no flushing. The exception
 // masks stay the caller's, and so do the flags.
@@ -49,6 +54,8 @@ class RoundingGuard {
   ~RoundingGuard() {
     if (saved_ & kRounding) _mm_setcsr(_mm_getcsr() | (saved_ & kRounding));
   }
+  static bool IsNeeded() { return (_mm_getcsr() & kRounding) != 0; }
+
   RoundingGuard(const RoundingGuard&) = delete;
   RoundingGuard& operator=(const RoundingGuard&) = delete;
 

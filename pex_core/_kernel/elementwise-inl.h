@@ -63,6 +63,19 @@ struct LargeGroups : Kernel<Element, Compute> {
   static constexpr int kRestUnroll = HWY_TARGET == HWY_AVX3 ? 2 : 4;
 };
 
+// The mask of the first `count` lanes, 0 < count < Lanes(d).
+template <class D>
+HWY_INLINE MaskOf<D> FirstLanes(D d, size_t count) {
+#if HWY_TARGET == HWY_AVX2
+  alignas(64) static constexpr int32_t kOnesBeforeZeros[16] = {-1, -1, -1, -1, -1, -1, -1, -1};
+  const hn::Repartition<int32_t, D> d32;
+  const size_t words = count * (sizeof(hn::TFromD<D>) / sizeof(int32_t));
+  return hn::MaskFromVec(hn::BitCast(d, hn::LoadU(d32, kOnesBeforeZeros + 8 - words)));
+#else
+  return hn::FirstN(d, count);
+#endif
+}
+
 // The first `count` elements, 0 < count < Lanes(d), and `fill` in the other lanes. Reads no
 // further.
 template <class D, typename T = hn::TFromD<D>>
@@ -81,8 +94,12 @@ HWY_INLINE VecOf<D> LoadFirst(D d, const T* HWY_RESTRICT from, size_t count, T f
     return VecOf<D>{_mm_set_ps(fill, count > 2 ? at(2) : fill, count > 1 ? at(1) : fill, at(0))};
   }
 #else
-  const auto mask = hn::FirstN(d, count);
+  const auto mask = FirstLanes(d, count);
+#if HWY_TARGET == HWY_AVX2
+  return hn::Or(hn::MaskedLoad(mask, d, from), hn::IfThenZeroElse(mask, hn::Set(d, fill)));
+#else
   return hn::IfThenElse(mask, hn::MaskedLoad(mask, d, from), hn::Set(d, fill));
+#endif
 #endif
 }
 
@@ -138,6 +155,9 @@ template <class K, class D>
 inline constexpr bool HasTryGroup = requires(D d, VecOf<D> (&v)[1]) {
   K::TryGroup(d, v, v, v);
 };
+// Whether several vectors are computed step by step, so that they take less than one by one.
+template <class K, class D>
+inline constexpr bool InSteps = HasMainGroup<K, D> || HasMainGroup2<K, D> || HasTryGroup<K, D>;
 template <class K>
 inline constexpr bool HasRarity = requires {
   typename K::Rarity;
@@ -267,13 +287,20 @@ HWY_INLINE int RareElement(T x, T y, T* r1, T* r2) {
   }
 }
 
+// A vector of an argument, of `count` elements.
+template <class K, class Source>
+HWY_INLINE VecOf<typename K::Tag> LoadAtEnd(const Source& from, size_t i, size_t count) {
+  const typename K::Tag d;
+  return count == hn::Lanes(d) ? from.Load(d, i) : from.LoadTail(d, i, count, K::kHarmless);
+}
+
 template <class K, class D, class C, class V>
 HWY_INLINE void StoreResults(D d, const C& call, size_t i, size_t count, V v1, V v2) {
   if (count == hn::Lanes(d)) {
     hn::StoreU(v1, d, call.r1 + i);
     if constexpr (K::kResults == 2) hn::StoreU(v2, d, call.r2 + i);
   } else {
-    const auto mask = hn::FirstN(d, count);
+    const auto mask = FirstLanes(d, count);
     hn::BlendedStore(v1, mask, d, call.r1 + i);
     if constexpr (K::kResults == 2) hn::BlendedStore(v2, mask, d, call.r2 + i);
   }
@@ -282,16 +309,12 @@ HWY_INLINE void StoreResults(D d, const C& call, size_t i, size_t count, V v1, V
 // One vector that may have rare lanes, or be the last, of `count` elements. Its arguments are kept,
 // for its results may overwrite them.
 template <class K, class C>
-HWY_NOINLINE void CarefulVector(const C& call, size_t i, size_t count) {
+HWY_NOINLINE void CarefulVector(C call, size_t i, size_t count) {
   using T = typename K::T;
   const typename K::Tag d;
-  const size_t lanes = hn::Lanes(d);
-  const bool whole = count == lanes;
-  auto x = whole ? call.a.Load(d, i) : call.a.LoadTail(d, i, count, K::kHarmless);
+  auto x = LoadAtEnd<K>(call.a, i, count);
   auto y = x;
-  if constexpr (K::kArguments == 2) {
-    y = whole ? call.b.Load(d, i) : call.b.LoadTail(d, i, count, K::kHarmless);
-  }
+  if constexpr (K::kArguments == 2) y = LoadAtEnd<K>(call.b, i, count);
   // A scalar argument fills the lanes beyond the end too, so they can be rare, and are disarmed.
   const auto rare = RareLanes<K>(d, x, y);
   const bool any = !hn::AllFalse(d, rare);
@@ -327,6 +350,30 @@ HWY_NOINLINE void CarefulVector(const C& call, size_t i, size_t count) {
   }
 }
 
+// The results of common lanes in place of the arguments; false, with arguments of no more use, when
+// some lane is rare.
+template <class K, class D, class V, size_t kVectors>
+HWY_INLINE bool TryVectors(D d, V (&x)[kVectors], V (&y)[kVectors]) {
+  if constexpr (HasTryGroup<K, D>) {
+    if (!K::TryGroup(d, x, y, x)) [[unlikely]]
+      return false;
+  } else if (AnyRare<K, kVectors>(d, x, y)) [[unlikely]] {
+    return false;
+  } else if constexpr (HasMainGroup<K, D>) {
+    K::MainGroup(d, x, x);
+  } else if constexpr (HasMainGroup2<K, D>) {
+    K::MainGroup(d, x, y, x);
+  } else {
+    for (size_t k = 0; k < kVectors; ++k) {
+      V v1 = x[k], v2 = x[k];
+      Compute<K>(d, x[k], y[k], v1, v2);
+      x[k] = v1;
+      y[k] = v2;
+    }
+  }
+  return true;
+}
+
 // One group of vectors; false, with nothing done, when some lane is rare.
 template <class K, int kVectors, class C>
 HWY_INLINE bool CommonGroup(const C& call, size_t i) {
@@ -338,23 +385,8 @@ HWY_INLINE bool CommonGroup(const C& call, size_t i) {
     x[k] = call.a.Load(d, i + k * lanes);
     y[k] = K::kArguments == 2 ? call.b.Load(d, i + k * lanes) : x[k];
   }
-  if constexpr (HasTryGroup<K, decltype(d)>) {
-    if (!K::TryGroup(d, x, y, x)) [[unlikely]]
-      return false;
-  } else if (AnyRare<K, kVectors>(d, x, y)) [[unlikely]] {
+  if (!TryVectors<K>(d, x, y)) [[unlikely]]
     return false;
-  } else if constexpr (HasMainGroup<K, decltype(d)>) {
-    K::MainGroup(d, x, x);
-  } else if constexpr (HasMainGroup2<K, decltype(d)>) {
-    K::MainGroup(d, x, y, x);
-  } else {
-    for (int k = 0; k < kVectors; ++k) {
-      V v1 = x[k], v2 = x[k];
-      Compute<K>(d, x[k], y[k], v1, v2);
-      x[k] = v1;
-      y[k] = v2;
-    }
-  }
   for (int k = 0; k < kVectors; ++k) {
     hn::StoreU(x[k], d, call.r1 + i + k * lanes);
     if constexpr (K::kResults == 2) hn::StoreU(y[k], d, call.r2 + i + k * lanes);
@@ -367,30 +399,17 @@ HWY_INLINE bool CommonGroup(const C& call, size_t i) {
 template <class K, class C>
 HWY_INLINE bool CommonVector(const C& call, size_t i, size_t count) {
   const typename K::Tag d;
-  const bool whole = count == hn::Lanes(d);
-  auto x = whole ? call.a.Load(d, i) : call.a.LoadTail(d, i, count, K::kHarmless);
-  auto y = x;
-  if constexpr (K::kArguments == 2) {
-    y = whole ? call.b.Load(d, i) : call.b.LoadTail(d, i, count, K::kHarmless);
-  }
-  auto v1 = x, v2 = x;
-  if constexpr (HasTryGroup<K, decltype(d)>) {
-    VecOf<typename K::Tag> in1[1] = {x}, in2[1] = {y}, out[1] = {x};
-    if (!K::TryGroup(d, in1, in2, out)) [[unlikely]]
-      return false;
-    v1 = out[0];
-  } else {
-    if (AnyRare<K, 1>(d, &x, &y)) [[unlikely]]
-      return false;
-    Compute<K>(d, x, y, v1, v2);
-  }
-  StoreResults<K>(d, call, i, count, v1, v2);
+  VecOf<typename K::Tag> x[1] = {LoadAtEnd<K>(call.a, i, count)}, y[1] = {x[0]};
+  if constexpr (K::kArguments == 2) y[0] = LoadAtEnd<K>(call.b, i, count);
+  if (!TryVectors<K>(d, x, y)) [[unlikely]]
+    return false;
+  StoreResults<K>(d, call, i, count, x[0], y[0]);
   return true;
 }
 
 // One vector of `count` elements that CommonVector has not taken.
 template <class K, class C>
-HWY_NOINLINE void UncommonVector(const C& call, size_t i, size_t count) {
+HWY_NOINLINE void UncommonVector(C call, size_t i, size_t count) {
   if constexpr (HasWide<K>) {
     if (!CommonVector<typename K::Wide>(call, i, count)) [[unlikely]]
       CarefulVector<typename K::Wide>(call, i, count);
@@ -401,7 +420,7 @@ HWY_NOINLINE void UncommonVector(const C& call, size_t i, size_t count) {
 
 // A group that CommonGroup has not taken.
 template <class K, size_t kGroup, class C>
-HWY_NOINLINE void UncommonGroup(const C& call, size_t i) {
+HWY_NOINLINE void UncommonGroup(C call, size_t i) {
   const size_t lanes = hn::Lanes(typename K::Tag());
   size_t k = 0;
   if constexpr (HasWide<K>) {
@@ -419,6 +438,25 @@ HWY_NOINLINE void UncommonGroup(const C& call, size_t i) {
   }
 }
 
+// Two vectors from the element i on, the second of `count` elements: as CommonGroup.
+template <class K, class C>
+HWY_INLINE bool CommonPair(const C& call, size_t i, size_t count) {
+  const typename K::Tag d;
+  using V = VecOf<typename K::Tag>;
+  const size_t lanes = hn::Lanes(d);
+  V x[2] = {call.a.Load(d, i), LoadAtEnd<K>(call.a, i + lanes, count)};
+  V y[2] = {x[0], x[1]};
+  if constexpr (K::kArguments == 2) {
+    y[0] = call.b.Load(d, i);
+    y[1] = LoadAtEnd<K>(call.b, i + lanes, count);
+  }
+  if (!TryVectors<K>(d, x, y)) [[unlikely]]
+    return false;
+  StoreResults<K>(d, call, i, lanes, x[0], y[0]);
+  StoreResults<K>(d, call, i + lanes, count, x[1], y[1]);
+  return true;
+}
+
 // All whole groups from the element i on; where they end.
 template <class K, int kGroup, class C>
 HWY_INLINE size_t RunGroups(const C& call, size_t i, size_t end) {
@@ -431,41 +469,122 @@ HWY_INLINE size_t RunGroups(const C& call, size_t i, size_t end) {
   return i;
 }
 
-template <class K, class C>
-HWY_INLINE int RunCall(int32_t n, const C& call) {
-  const typename K::Tag d;
-  const size_t lanes = hn::Lanes(d);
-  const size_t end = n > 0 ? static_cast<size_t>(n) : 0;
-  size_t i = RunGroups<K, K::kUnroll>(call, 0, end);
-  if constexpr (HasRestUnroll<K>) i = RunGroups<K, K::kRestUnroll>(call, i, end);
-  for (; i < end; i += lanes) {
-    const size_t count = HWY_MIN(lanes, end - i);
-    if (!CommonVector<K>(call, i, count)) [[unlikely]]
-      UncommonVector<K>(call, i, count);
+// The call for a body's operands.
+template <class K, typename T>
+using ArrayCall = Call<K, ArraySource<T>, ArraySource<T>>;
+template <class K, typename T>
+HWY_INLINE ArrayCall<K, T> CallOn(const char* name, const T* a, T* r) {
+  return {{a}, {a}, a, r, r, name};
+}
+template <class K, typename T>
+HWY_INLINE ArrayCall<K, T> CallOn(const char* name, const T* a, const T* b, T* r) {
+  return {{a}, {b}, a, r, r, name};
+}
+template <class K, typename T>
+HWY_INLINE Call<K, ArraySource<T>, ScalarSource<T>> CallOn(const char* name, const T* a, T b,
+                                                           T* r) {
+  return {{a}, {b}, a, r, r, name};
+}
+template <class K, typename T>
+HWY_INLINE ArrayCall<K, T> CallOn(const char* name, const T* a, T* r1, T* r2) {
+  return {{a}, {a}, a, r1, r2, name};
+}
+
+// The parts of a call, functions of their own that end with calls of one another: short calls then
+// save no register. The operands stay where the body has them.
+template <class K, typename... Operands>
+struct Run {
+  // Less than a group, from its first vector on that may have a rare lane.
+  static HWY_NOINLINE int Uncommon(size_t end, Operands... operands, size_t i, const char* name) {
+    const auto call = CallOn<K>(name, operands...);
+    const size_t lanes = hn::Lanes(typename K::Tag());
+    for (; i < end; i += lanes) UncommonVector<K>(call, i, HWY_MIN(lanes, end - i));
+    return 0;
   }
-  return 0;
+
+  // The last vector, from i on.
+  static HWY_NOINLINE int One(size_t end, Operands... operands, size_t i, const char* name) {
+    const size_t count = end - i;
+    if (count - 1 >= hn::Lanes(typename K::Tag())) __builtin_unreachable();
+    if (!CommonVector<K>(CallOn<K>(name, operands...), i, count)) [[unlikely]]
+      return Uncommon(end, operands..., i, name);
+    return 0;
+  }
+
+  // More than a vector; in pairs where two take less together.
+  static HWY_NOINLINE int Few(size_t end, Operands... operands, size_t i, const char* name) {
+    const typename K::Tag d;
+    const auto call = CallOn<K>(name, operands...);
+    const size_t lanes = hn::Lanes(d);
+    if (end - i <= lanes) __builtin_unreachable();
+    if constexpr (kPairs) {
+      do {
+        if (!CommonPair<K>(call, i, HWY_MIN(lanes, end - i - lanes))) [[unlikely]]
+          return Uncommon(end, operands..., i, name);
+        i += 2 * lanes;
+      } while (i + lanes < end);
+    } else {
+      do {
+        if (!CommonVector<K>(call, i, lanes)) [[unlikely]]
+          return Uncommon(end, operands..., i, name);
+        i += lanes;
+      } while (i + lanes <= end);
+    }
+    return i < end ? One(end, operands..., i, name) : 0;
+  }
+
+  static HWY_NOINLINE int Many(size_t end, Operands... operands, const char* name) {
+    const auto call = CallOn<K>(name, operands...);
+    const size_t lanes = hn::Lanes(typename K::Tag());
+    size_t i = RunGroups<K, K::kUnroll>(call, 0, end);
+    if constexpr (kLeast != K::kUnroll) i = RunGroups<K, kLeast>(call, i, end);
+    if (i == end) return 0;
+    return end - i > lanes ? Few(end, operands..., i, name) : One(end, operands..., i, name);
+  }
+
+  static HWY_INLINE int All(int32_t n, Operands... operands, const char* name) {
+    if (n <= 0) [[unlikely]]
+      return 0;
+    const size_t end = static_cast<uint32_t>(n), lanes = hn::Lanes(typename K::Tag());
+    if (end <= lanes) return One(end, operands..., 0, name);
+    if (end < kLeast * lanes) return Few(end, operands..., 0, name);
+    return Many(end, operands..., name);
+  }
+
+ private:
+  static constexpr bool kPairs = InSteps<K, typename K::Tag>;
+  static constexpr int LeastGroup() {
+    if constexpr (HasRestUnroll<K>) {
+      if (!kPairs || K::kRestUnroll > 2) return K::kRestUnroll;
+    }
+    return K::kUnroll;
+  }
+  static constexpr int kLeast = LeastGroup();  // vectors of the smallest group
+};
+
+template <class K, typename... Operands>
+HWY_INLINE int RunCall(int32_t n, const char* name, Operands... operands) {
+  return Run<K, Operands...>::All(n, operands..., name);
 }
 
 template <class K, typename T = typename K::T>
 HWY_INLINE int MapUnary(int32_t n, const T* a, T* r, const char* name) {
-  const ArraySource<T> in{a};
-  return RunCall<K>(n, Call<K, ArraySource<T>, ArraySource<T>>{in, in, a, r, r, name});
+  return RunCall<K>(n, name, a, r);
 }
 
 template <class K, typename T = typename K::T>
 HWY_INLINE int MapBinary(int32_t n, const T* a, const T* b, T* r, const char* name) {
-  return RunCall<K>(n, Call<K, ArraySource<T>, ArraySource<T>>{{a}, {b}, a, r, r, name});
+  return RunCall<K>(n, name, a, b, r);
 }
 
 template <class K, typename T = typename K::T>
 HWY_INLINE int MapUnaryScalar(int32_t n, const T* a, T b, T* r, const char* name) {
-  return RunCall<K>(n, Call<K, ArraySource<T>, ScalarSource<T>>{{a}, {b}, a, r, r, name});
+  return RunCall<K>(n, name, a, b, r);
 }
 
 template <class K, typename T = typename K::T>
 HWY_INLINE int MapUnaryTwo(int32_t n, const T* a, T* r1, T* r2, const char* name) {
-  const ArraySource<T> in{a};
-  return RunCall<K>(n, Call<K, ArraySource<T>, ArraySource<T>>{in, in, a, r1, r2, name});
+  return RunCall<K>(n, name, a, r1, r2);
 }
 
 // The bodies that PEX_EXPORT_* dispatches to.

@@ -3,6 +3,8 @@
 
 #include <immintrin.h>
 
+#include <cstdint>
+
 #include "hwy/highway.h"
 
 #if defined(PEX_CORE__KERNEL_HARDWARE_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -98,6 +100,24 @@ HWY_INLINE V SilentMul(V x, V y) {
 template <class V>
 inline constexpr bool kHasSilentMul = false;
 #endif
+
+// table[i] by lane, for constant tables. What the instruction finds in the lanes that it fills is
+// of no use, but GCC would take any register, and the instruction would wait for what is computed
+// there.
+template <class D, typename T, class I>
+HWY_INLINE hn::Vec<D> Gather(D d, const T* table, I i) {
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(hn::Vec<D>) == 64 && sizeof(T) == 8) {
+    __m512i r;
+    __mmask8 all;
+    __asm__("vpxord %0, %0, %0\n\tkxnorw %1, %1, %1\n\tvpgatherqq (%2,%3,8), %0%{%1%}"
+            : "=&v"(r), "=&Yk"(all)
+            : "r"(table), "v"(i.raw));
+    return hn::BitCast(d, hn::Vec512<uint64_t>{r});
+  }
+#endif
+  return hn::GatherIndex(d, table, i);
+}
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

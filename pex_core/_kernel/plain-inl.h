@@ -2,8 +2,8 @@
 // read or written outside the arrays, results that overlap arguments in any way.
 //
 // A kernel is a struct derived from PlainKernel with Main as in elementwise-inl.h. It must raise no
-// exception on a zero argument, which stands in the lanes beyond the end. With two arguments it may
-// also have MainGroup(d, x, y, r) for arrays of several vectors.
+// exception on zero, nor on its own kBeyond, which stand in the lanes beyond the end. With two
+// arguments it may also have MainGroup(d, x, y, r) for arrays of several vectors.
 
 #include <cstdint>
 #include <cstring>
@@ -28,6 +28,7 @@ struct PlainKernel {
   using T = Element;
   static constexpr int kArguments = kArgs;
   static constexpr int kResults = kRes;
+  static constexpr T kBeyond = T(0);           // stands in the lanes beyond the end
   static constexpr bool kMemoryBound = false;  // whether to ask WholeVectors
   static constexpr size_t kTogether = 1;       // numbers that stay in lanes side by side
 };
@@ -127,9 +128,13 @@ HWY_INLINE void PlainTail(const PlainArrays<K>& p, size_t i, size_t end) {
   const hn::CappedTag<T, kLanes> d;
   if (i == end) return;
   const auto mask = hn::FirstN(d, end - i);
-  const auto x = hn::MaskedLoad(mask, d, p.a + i);
+  const auto load = [&](const T* from) HWY_ATTR {
+    const auto x = hn::MaskedLoad(mask, d, from);
+    return K::kBeyond == 0 ? x : hn::IfThenElse(mask, x, hn::Set(d, K::kBeyond));
+  };
+  const auto x = load(p.a + i);
   auto y = x;
-  if constexpr (K::kArguments == 2) y = hn::MaskedLoad(mask, d, p.b + i);
+  if constexpr (K::kArguments == 2) y = load(p.b + i);
   auto v1 = x, v2 = x;
   Compute<K>(d, x, y, v1, v2);
   hn::BlendedStore(v1, mask, d, p.r1 + i);

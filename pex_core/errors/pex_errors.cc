@@ -100,26 +100,33 @@ void Print(const PexErrorContext& record) {
 }
 
 void RaiseFlags(int32_t code) {
-  volatile double operand[6];
-  for (int i = 0; i < 6; ++i) operand[i] = std::bit_cast<double>(_pexdSpecialTab[i]);
-  volatile double sink;
+  const auto operand = [](int i) {
+    volatile double x = std::bit_cast<double>(_pexdSpecialTab[i]);
+    return x;
+  };
+  [[maybe_unused]] volatile double sink;
   switch (code) {
     case PEX_STATUS_DOMAIN:
-      sink = operand[2] / operand[2];
+      sink = operand(2) / operand(2);
       break;
     case PEX_STATUS_SINGULARITY:
-      sink = operand[3] / operand[2];
+      sink = operand(3) / operand(2);
       break;
     case PEX_STATUS_OVERFLOW:
-      sink = operand[1] * operand[1];
+      sink = operand(1) * operand(1);
       break;
     case PEX_STATUS_UNDERFLOW:
-      sink = operand[0] * operand[0];
+      sink = operand(0) * operand(0);
       break;
     default:
       return;
   }
-  static_cast<void>(sink);
+}
+
+// What the standard handler does, the message apart.
+void SetErrnoAndFlags(uint32_t mode, int32_t code) {
+  if (mode & PEX_ERRMODE_ERRNO) SetErrno(code);
+  if (mode & PEX_ERRMODE_EXCEPT) RaiseFlags(code);
 }
 
 bool CarriesElement(int32_t code) {
@@ -156,9 +163,17 @@ namespace pex {
 template <typename T>
 int ReportError(int32_t code, int32_t index, const T* args, const ErrorElement<T>& element,
                 const char* name) {
-  _pexSetErrStatus(code);
-  uint32_t mode = _pexGetMode();
+  const ThreadState thread = CurrentThread();
+  thread.status = code;
+  uint32_t mode = thread.mode;
   if ((mode & PEX_MODE_ERRORS) == PEX_ERRMODE_IGNORE) return PEX_ERRMODE_IGNORE;
+  const PexErrorCallBack callback = mode & 0xF000 ? thread.callback : nullptr;
+  if (callback == nullptr && !(mode & PEX_ERRMODE_STDERR)) {
+    // Nobody will see a record, nor change its results.
+    const ControlGuard guard;
+    SetErrnoAndFlags(mode, code);
+    return static_cast<int>(mode);
+  }
 
   PexErrorContext record;
   record.code = code;
@@ -176,13 +191,11 @@ int ReportError(int32_t code, int32_t index, const T* args, const ErrorElement<T
     record.res2 = *element.res2;
   }
 
-  if (mode & 0xF000) {
-    if (const PexErrorCallBack callback = _pexGetErrorCallBack()) {
-      const CallbackGuard guard;
-      if (const int dealt_with = callback(&record)) return dealt_with;
-    }
+  if (callback != nullptr) {
+    const CallbackGuard guard;
+    if (const int dealt_with = callback(&record)) return dealt_with;
   }
-  mode = _pexGetMode();
+  mode = thread.mode;  // the callback may have changed it
   int result = static_cast<int>(mode);
   if (mode & 0x0F00) result = _pexStdErrorHandler(&record);
 
@@ -214,9 +227,8 @@ int _pexStdErrorHandler(PexErrorContext* record) {
   // With denormals-are-zero, values would compare as zeros and the flags' operands would be zeros.
   const pex::ControlGuard guard;
   const uint32_t mode = _pexGetMode();
-  if (mode & PEX_ERRMODE_ERRNO) SetErrno(record->code);
   if (mode & PEX_ERRMODE_STDERR) Print(*record);
-  if (mode & PEX_ERRMODE_EXCEPT) RaiseFlags(record->code);
+  SetErrnoAndFlags(mode, record->code);
   return static_cast<int>(mode);
 }
 

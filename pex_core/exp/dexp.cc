@@ -67,7 +67,7 @@ HWY_INLINE VecOf<D> LoadEach(D d, const double* table, BitsOf<D> i) {
   };
   return VecOf<D>{_mm256_insertf128_pd(_mm256_castpd128_pd256(pair(0)), pair(2), 1)};
 #else
-  return hn::GatherIndex(d, table, i);
+  return Gather(d, table, i);
 #endif
 }
 
@@ -138,7 +138,7 @@ struct dExpHA : Kernel<double> {
     const hn::RebindToUnsigned<D> du;
     x = hn::Add(x, hn::Set(d, 0x1p-300));  // no tiny square
     const auto u = ExpReduce(d, x, 0x1.71547652b82fep+10, 0x1p-10);
-    const auto word = hn::GatherIndex(du, dExpPackedTable, hn::And(u.k, SetBits(d, 1023)));
+    const auto word = Gather(du, dExpPackedTable, hn::And(u.k, SetBits(d, 1023)));
     // 2^52 + rest + 2048, made by the bits.
     const auto rest = hn::Or(hn::ShiftRight<52>(word), hn::Set(du, 0x4330000000000000));
     const V delta =

@@ -119,6 +119,7 @@ template <typename Element, class Tier>
 struct HypotKernel : PlainKernel<Element, 2> {
   using T = Element;
   using C = HypotConstants<T>;
+  static constexpr T kBeyond = T(1);  // moderate
 
   // Whether all numbers have one of the 2^kBits exponents in the middle.
   template <int kBits, class D, class V, size_t K>

@@ -21,15 +21,15 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Columns i of the rows whose numbers are in the low 5 bits of `j`. On AVX-512 the columns are in
+// Columns i of the rows of q, whose bits are given. On AVX-512 the columns are in
 // registers; elsewhere whole rows are loaded and transposed, but for NearRows.
 #if HWY_TARGET == HWY_AVX3
 template <class D, size_t kColumns>
 struct OctaveRows {
-  HWY_INLINE void Load(D, const float (&columns)[kColumns][32], const float (&)[32][kColumns],
-                       BitsOf<D> j) {
-    columns_ = columns;
-    j_ = j;
+  template <class Table>
+  HWY_INLINE void Load(D, const Table& table, BitsOf<D> q) {
+    columns_ = table.columns;
+    j_ = hn::ShiftRight<23>(q);
   }
   // After(p): the next column is looked up when p is there.
   HWY_INLINE VecOf<D> Column(size_t i) const {
@@ -44,14 +44,14 @@ struct OctaveRows {
 template <class D, size_t kColumns>
 struct OctaveRows {
   static_assert(kColumns % 4 == 0);
-  HWY_INLINE void Load(D d, const float (&)[kColumns][32], const float (&rows)[32][kColumns],
-                       BitsOf<D> j) {
+  template <class Table>
+  HWY_INLINE void Load(D d, const Table& table, BitsOf<D> q) {
     HWY_ALIGN int32_t at[hn::MaxLanes(D())];
-    hn::Store(hn::And(j, SetBits(d, 31)), hn::RebindToSigned<D>(), at);
+    hn::Store(hn::And(hn::ShiftRight<23>(q), SetBits(d, 31)), hn::RebindToSigned<D>(), at);
     asm("" : "+m"(at));
     for (size_t i = 0; i < kColumns; i += 4) {
       const auto four = [&](size_t lane) HWY_ATTR {
-        const auto row = [&](size_t k) HWY_ATTR { return _mm_load_ps(rows[at[k]] + i); };
+        const auto row = [&](size_t k) HWY_ATTR { return _mm_load_ps(table.rows[at[k]] + i); };
 #if HWY_TARGET == HWY_AVX2
         return _mm256_insertf128_ps(_mm256_castps128_ps256(row(lane)), row(lane + 4), 1);
 #else
@@ -83,21 +83,21 @@ struct OctaveRows {
 // The upper 16 rows, which q >= 2^-15 has, from registers.
 template <class D, size_t kColumns>
 struct NearRows {
-  // Bit 3 of the row stands in the sign too, where it chooses between the halves of a column.
-  HWY_INLINE void Load(D d, const float (&columns)[kColumns][32], const float (&)[32][kColumns],
-                       BitsOf<D> j) {
-    columns_ = columns;
-    (void)d;
-    j_ = hn::Or(j, hn::ShiftLeft<28>(j));
+  template <class Table>
+  HWY_INLINE void Load(D, const Table& table, BitsOf<D> q) {
+    columns_ = table.upper;
+    j_ = hn::ShiftRight<23>(q);
+    choice_ = hn::ShiftRight<31>(hn::ShiftLeft<31 - 26>(q));  // by bit 3 of the row
   }
   HWY_INLINE VecOf<D> Column(size_t i) const {
-    const __m256 lower = _mm256_permutevar8x32_ps(_mm256_load_ps(columns_[i] + 16), j_.raw);
-    const __m256 upper = _mm256_permutevar8x32_ps(_mm256_load_ps(columns_[i] + 24), j_.raw);
-    return VecOf<D>{_mm256_blendv_ps(lower, upper, _mm256_castsi256_ps(j_.raw))};
+    const auto half = reinterpret_cast<const __m256i*>(columns_[i]);
+    const __m256i lower = _mm256_permutevar8x32_epi32(_mm256_load_si256(half), j_.raw);
+    const __m256i change = _mm256_permutevar8x32_epi32(_mm256_load_si256(half + 1), j_.raw);
+    return FromBits(D(), BitsOf<D>{_mm256_xor_si256(lower, _mm256_and_si256(change, choice_.raw))});
   }
   HWY_INLINE void After(VecOf<D> p) { LookUpAfter(p, j_); }
-  const float (*columns_)[32];
-  BitsOf<D> j_;
+  const uint32_t (*columns_)[16];
+  BitsOf<D> j_, choice_;
 };
 #endif
 
@@ -107,7 +107,7 @@ HWY_INLINE void ErfInvOctave(D d, const ErfInvArgument<V> (&u)[K], const Table& 
   V t[K];
   for (size_t k = 0; k < K; ++k) {
     const auto bits = Bits(d, u[k].q);
-    rows[k].Load(d, table.columns, table.rows, hn::ShiftRight<23>(bits));
+    rows[k].Load(d, table, bits);
     const auto m = hn::Or(hn::And(bits, SetBits(d, 0x7FFFFF)), SetBits(d, BitsOfNumber(1.0f)));
     t[k] = hn::Sub(FromBits(d, m), hn::Set(d, 1.5f));
     y[k] = hn::Set(d, table.leading);
@@ -123,8 +123,14 @@ HWY_INLINE void ErfInvOctave(D d, const ErfInvArgument<V> (&u)[K], const Table& 
     if constexpr (Table::kLA) {
       const auto central = hn::Ge(u[k].q, hn::Set(d, 0.5f));
       const V unit = hn::CopySignToAbs(hn::Set(d, 1.0f), u[k].x);
+#if HWY_TARGET == HWY_AVX3
       y[k] = hn::Mul(hn::IfThenElse(central, u[k].x, unit), y[k]);
       y[k] = hn::IfThenElse(central, hn::Add(y[k], u[k].x), y[k]);
+#else
+      // The same, for no y is 0 where nothing is added to it.
+      const V x = hn::IfThenElseZero(central, u[k].x);
+      y[k] = hn::Add(hn::Mul(hn::Or(x, hn::IfThenZeroElse(central, unit)), y[k]), x);
+#endif
     } else {
       y[k] = hn::Mul(u[k].x, y[k]);
     }

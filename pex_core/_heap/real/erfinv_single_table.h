@@ -6,7 +6,9 @@
 #ifndef PEX_CORE__HEAP_REAL_ERFINV_SINGLE_TABLE_H_
 #define PEX_CORE__HEAP_REAL_ERFINV_SINGLE_TABLE_H_
 
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 
 namespace pex {
 
@@ -22,6 +24,8 @@ struct ErfInvOctaveRows {
   float leading;
   alignas(64) float rows[32][kColumns];
   alignas(64) float columns[kColumns][32];
+  // Of the upper 16 rows the lower eight, and the bits in which the upper eight differ from them.
+  alignas(64) uint32_t upper[kColumns][16];
 };
 
 template <size_t kColumns>
@@ -37,6 +41,13 @@ constexpr auto ErfInvOctaveTable(float leading,
   for (size_t j = 0; j < 32; ++j) {
     for (size_t i = 0; i < table.kColumns; ++i) {
       table.rows[j][i] = table.columns[i][j] = data.rows[j][i];
+    }
+  }
+  for (size_t i = 0; i < table.kColumns; ++i) {
+    for (size_t j = 0; j < 8; ++j) {
+      const auto low = std::bit_cast<uint32_t>(data.rows[16 + j][i]);
+      table.upper[i][j] = low;
+      table.upper[i][8 + j] = low ^ std::bit_cast<uint32_t>(data.rows[24 + j][i]);
     }
   }
   return table;

@@ -86,7 +86,7 @@ struct dTrigWide : Kernel<double> {
 
 // Elements i to end: some vectors at a time, rare lanes and the last elements vector by vector.
 template <class F, class C>
-HWY_NOINLINE void RunWide(const C& call, size_t i, size_t end) {
+HWY_NOINLINE void RunWide(C call, size_t i, size_t end) {
   using K = dTrigWide<F>;
   const hn::ScalableTag<double> d;
   using V = VecOf<decltype(d)>;
@@ -115,70 +115,89 @@ HWY_NOINLINE void RunWide(const C& call, size_t i, size_t end) {
   }
 }
 
-// The elements that make no whole group: pairs of vectors, the last of them padded with harmless
-// arguments.
-template <class F, class C>
-HWY_INLINE void RunLast(const C& call, size_t i, size_t end) {
+// kVectors vectors from the element i on, the last of `count` elements; false, with nothing done,
+// when they are not all usual.
+template <class F, size_t kVectors, class C>
+HWY_INLINE bool UsualVectors(const C& call, size_t i, size_t count) {
   using K = dTrigWide<F>;
-  const hn::ScalableTag<double> d;
-  using V = VecOf<decltype(d)>;
+  const typename K::Tag d;
   const size_t lanes = hn::Lanes(d);
-  for (; i < end; i += 2 * lanes) {
-    const size_t left = end - i;
-    const size_t count[2] = {HWY_MIN(lanes, left), left > lanes ? HWY_MIN(lanes, left - lanes) : 0};
-    V x[2], r[2], r2[2];
-    for (size_t k = 0; k < 2; ++k) {
-      const size_t at = i + k * lanes;
-      x[k] = count[k] == lanes ? call.a.Load(d, at)
-             : count[k] > 0    ? call.a.LoadTail(d, at, count[k], K::kHarmless)
-                               : hn::Set(d, K::kHarmless);
-    }
-    if (!F::Usual::All(d, x)) [[unlikely]] {
-      RunWide<F>(call, i, HWY_MIN(end, i + 2 * lanes));
-      continue;
-    }
-    if constexpr (F::kResults == 2) {
-      F::Group(d, x, r, r2);
-    } else {
-      F::Group(d, x, r);
-    }
-    for (size_t k = 0; k < 2 && count[k] > 0; ++k) {
-      StoreResults<K>(d, call, i + k * lanes, count[k], r[k], F::kResults == 2 ? r2[k] : r[k]);
-    }
+  VecOf<typename K::Tag> x[kVectors], y[kVectors];
+  for (size_t k = 0; k < kVectors; ++k) {
+    x[k] = LoadAtEnd<K>(call.a, i + k * lanes, k + 1 < kVectors ? lanes : count);
   }
+  if (!F::Usual::All(d, x)) [[unlikely]]
+    return false;
+  if constexpr (F::kResults == 2) {
+    F::Group(d, x, x, y);
+  } else {
+    F::Group(d, x, x);
+  }
+  for (size_t k = 0; k < kVectors; ++k) {
+    StoreResults<K>(d, call, i + k * lanes, k + 1 < kVectors ? lanes : count, x[k],
+                    F::kResults == 2 ? y[k] : x[k]);
+  }
+  return true;
 }
+
+// The parts of a call, as those of the drivers: functions that end with calls of one another.
+template <class F>
+struct TrigRun {
+  using K = dTrigWide<F>;
+  static HWY_INLINE size_t Lanes() { return hn::Lanes(typename K::Tag()); }
+
+  static HWY_NOINLINE int Unusual(size_t end, const double* a, double* r1, double* r2, size_t i,
+                                  const char* name) {
+    RunWide<F>(CallOn<K>(name, a, r1, r2), i, end);
+    return 0;
+  }
+
+  // The last vector, from i on.
+  static HWY_NOINLINE int One(size_t end, const double* a, double* r1, double* r2, size_t i,
+                              const char* name) {
+    const size_t count = end - i;
+    if (count - 1 >= Lanes()) __builtin_unreachable();
+    if (!UsualVectors<F, 1>(CallOn<K>(name, a, r1, r2), i, count)) [[unlikely]]
+      return Unusual(end, a, r1, r2, i, name);
+    return 0;
+  }
+
+  // More than a vector.
+  static HWY_NOINLINE int Few(size_t end, const double* a, double* r1, double* r2, size_t i,
+                              const char* name) {
+    const size_t lanes = Lanes();
+    do {
+      const size_t count = HWY_MIN(lanes, end - i - lanes);
+      if (!UsualVectors<F, 2>(CallOn<K>(name, a, r1, r2), i, count)) [[unlikely]]
+        return Unusual(end, a, r1, r2, i, name);
+      i += 2 * lanes;
+    } while (i + lanes < end);
+    return i < end ? One(end, a, r1, r2, i, name) : 0;
+  }
+
+  static HWY_NOINLINE int Many(size_t end, const double* a, double* r1, double* r2,
+                               const char* name) {
+    const auto call = CallOn<K>(name, a, r1, r2);
+    const size_t lanes = Lanes(), group = F::kUnroll * lanes;
+    size_t i = 0;
+    for (; i + group <= end; i += group) {
+      if (!UsualVectors<F, F::kUnroll>(call, i, lanes)) [[unlikely]]
+        RunWide<F>(call, i, i + group);
+    }
+    if (i == end) return 0;
+    return end - i > lanes ? Few(end, a, r1, r2, i, name) : One(end, a, r1, r2, i, name);
+  }
+};
 
 template <class F>
 HWY_INLINE int RunTrig(int32_t n, const double* a, double* r1, double* r2, const char* name) {
-  const hn::ScalableTag<double> d;
-  using V = VecOf<decltype(d)>;
-  const ArraySource<double> in{a};
-  const Call<dTrigWide<F>, ArraySource<double>, ArraySource<double>> call{in, in, a, r1, r2, name};
-  const size_t lanes = hn::Lanes(d);
-  const size_t group = F::kUnroll * lanes;
-  const size_t end = n > 0 ? static_cast<size_t>(n) : 0;
-  size_t i = 0;
-  for (; i + group <= end; i += group) {
-    V x[F::kUnroll];
-    for (size_t k = 0; k < F::kUnroll; ++k) x[k] = hn::LoadU(d, a + i + k * lanes);
-    if (!F::Usual::All(d, x)) [[unlikely]] {
-      RunWide<F>(call, i, i + group);
-      continue;
-    }
-    if constexpr (F::kResults == 2) {
-      V y[F::kUnroll];
-      F::Group(d, x, x, y);
-      for (size_t k = 0; k < F::kUnroll; ++k) {
-        hn::StoreU(x[k], d, r1 + i + k * lanes);
-        hn::StoreU(y[k], d, r2 + i + k * lanes);
-      }
-    } else {
-      F::Group(d, x, x);
-      for (size_t k = 0; k < F::kUnroll; ++k) hn::StoreU(x[k], d, r1 + i + k * lanes);
-    }
-  }
-  RunLast<F>(call, i, end);
-  return 0;
+  using Run = TrigRun<F>;
+  if (n <= 0) [[unlikely]]
+    return 0;
+  const size_t end = static_cast<uint32_t>(n), lanes = Run::Lanes();
+  if (end <= lanes) return Run::One(end, a, r1, r2, 0, name);
+  if (end < F::kUnroll * lanes) return Run::Few(end, a, r1, r2, 0, name);
+  return Run::Many(end, a, r1, r2, name);
 }
 
 #define PEX_TRIG(body, F)                              \

@@ -223,28 +223,39 @@ struct ErfInvOf
 template <>
 struct ErfInvOf<float> : level::sErfInvKernel<level::InverseOfErf, true, pex::sErfInv_SC> {};
 
+// A group of kVectors vectors; false, with nothing done, when some lane is rare.
+template <size_t kVectors, class D, typename T>
+HWY_INLINE bool InvertGroup(D d, const T* x, T* r, hn::Vec<D> factor, hn::Vec<D> a) {
+  using K = ErfInvOf<T>;
+  constexpr size_t kLanes = hn::MaxLanes(d);
+  hn::Vec<D> v[kVectors], y[kVectors];
+  for (size_t k = 0; k < kVectors; ++k) v[k] = hn::LoadU(d, x + k * kLanes);
+  if (level::AnyRare<K, kVectors>(d, v, v)) [[unlikely]]
+    return false;
+  K::MainGroup(d, v, y);
+  for (size_t k = 0; k < kVectors; ++k) {
+    hn::StoreU(hn::Add(hn::Mul(y[k], factor), a), d, r + k * kLanes);
+  }
+  return true;
+}
+
 template <typename T>
 void Invert(size_t n, const T* x, T* r, T factor, T a, Function<T>* erfinv) {
   using K = ErfInvOf<T>;
   const typename K::Tag d;
   constexpr size_t kVectors = K::kUnroll, kLanes = hn::MaxLanes(d), kGroup = kVectors * kLanes;
   const auto vfactor = hn::Set(d, factor), va = hn::Set(d, a);
-  for (size_t i = 0; i < n; i += kGroup) {
-    if (i + kGroup <= n) [[likely]] {
-      hn::Vec<decltype(d)> v[kVectors], y[kVectors];
-      for (size_t k = 0; k < kVectors; ++k) v[k] = hn::LoadU(d, x + i + k * kLanes);
-      if (!level::AnyRare<K, kVectors>(d, v, v)) [[likely]] {
-        K::MainGroup(d, v, y);
-        for (size_t k = 0; k < kVectors; ++k) {
-          hn::StoreU(hn::Add(hn::Mul(y[k], vfactor), va), d, r + i + k * kLanes);
-        }
-        continue;
-      }
+  for (size_t i = 0; i < n;) {
+    const bool group = i + kGroup <= n, vector = i + kLanes <= n;
+    const size_t count = group ? kGroup : vector ? kLanes : n - i;
+    if (!(group    ? InvertGroup<kVectors>(d, x + i, r + i, vfactor, va)
+          : vector ? InvertGroup<1>(d, x + i, r + i, vfactor, va)
+                   : false)) {
+      T y[kGroup];
+      erfinv(static_cast<int32_t>(count), x + i, y);
+      for (size_t k = 0; k < count; ++k) Put(r + i + k, y[k] * factor + a);
     }
-    T y[kGroup];
-    const size_t count = std::min(kGroup, n - i);
-    erfinv(static_cast<int32_t>(count), x + i, y);
-    for (size_t k = 0; k < count; ++k) Put(r + i + k, y[k] * factor + a);
+    i += count;
   }
 }
 

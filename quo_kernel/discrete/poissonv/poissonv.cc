@@ -9,6 +9,7 @@
 //
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 
 #include "hwy/highway.h"
@@ -62,6 +63,41 @@ void Expand(int32_t n, const double* e, const double* lambda, int32_t* r) {
   }
 }
 
+// How often a lane was marked. Elsewhere than on AVX-512 a sum of the marks' bits, -1 each, takes
+// less than a selection of counts.
+template <class D>
+class Tally {
+#if HWY_TARGET == HWY_AVX3
+  using Tag = D;
+#else
+  using Tag = hn::RebindToSigned<D>;
+#endif
+
+ public:
+  HWY_INLINE Tally() : count_(hn::Zero(Tag())) {}
+  HWY_INLINE void Add([[maybe_unused]] D d, hn::Mask<D> marked, [[maybe_unused]] int all) {
+#if HWY_TARGET == HWY_AVX3
+    count_ = hn::IfThenElse(marked, hn::Set(d, all), count_);
+#else
+    count_ = hn::Sub(count_, hn::BitCast(Tag(), hn::VecFromMask(d, marked)));
+#endif
+  }
+  HWY_INLINE hn::Vec<D> Count(D d) const {
+#if HWY_TARGET == HWY_AVX3
+    (void)d;
+    return count_;
+#else
+    // A count is below 2^52.
+    const hn::Vec<D> shifter = hn::Set(d, 0x1p52);
+    const auto sum = hn::BitCast(d, hn::Or(count_, hn::BitCast(Tag(), shifter)));
+    return hn::Sub(sum, shifter);
+#endif
+  }
+
+ private:
+  hn::Vec<Tag> count_;
+};
+
 // The counts for the uniforms in place of them, `none` the probabilities of 0; n a multiple of
 // kGroup.
 void Search(int32_t n, const double* none, const double* lambda, double* u) {
@@ -69,25 +105,26 @@ void Search(int32_t n, const double* none, const double* lambda, double* u) {
   using V = hn::Vec<decltype(d)>;
   constexpr int kLanes = static_cast<int>(hn::MaxLanes(d)), kVectors = HWY_MIN(4, kGroup / kLanes);
   for (int32_t i = 0; i < n; i += kVectors * kLanes) {
-    V mean[kVectors], p[kVectors], sum[kVectors], uniform[kVectors], count[kVectors];
+    V mean[kVectors], p[kVectors], sum[kVectors], uniform[kVectors];
+    Tally<decltype(d)> beyond[kVectors];
     for (int j = 0; j < kVectors; ++j) {
       mean[j] = hn::Load(d, lambda + i + j * kLanes);
       sum[j] = p[j] = hn::Load(d, none + i + j * kLanes);
       uniform[j] = hn::Min(hn::Load(d, u + i + j * kLanes), hn::Set(d, kMostUniform));
-      count[j] = hn::Zero(d);
     }
+    // The sums rise, so that a uniform is beyond all of them up to its count.
     for (int k = 1; k <= kMostCount; ++k) {
       auto searching = hn::Ge(uniform[0], sum[0]);
       for (int j = 0; j < kVectors; ++j) {
-        const auto beyond = hn::Ge(uniform[j], sum[j]);
-        searching = hn::Or(searching, beyond);
-        count[j] = hn::IfThenElse(beyond, hn::Set(d, k), count[j]);
+        const auto is_beyond = hn::Ge(uniform[j], sum[j]);
+        searching = hn::Or(searching, is_beyond);
+        beyond[j].Add(d, is_beyond, k);
         p[j] = hn::Mul(p[j], hn::Mul(mean[j], hn::Set(d, kInverses[k])));
         sum[j] = hn::Add(sum[j], p[j]);
       }
       if (hn::AllFalse(d, searching)) break;
     }
-    for (int j = 0; j < kVectors; ++j) hn::Store(count[j], d, u + i + j * kLanes);
+    for (int j = 0; j < kVectors; ++j) hn::Store(beyond[j].Count(d), d, u + i + j * kLanes);
   }
 }
 
@@ -107,7 +144,8 @@ namespace {
 constexpr int32_t kBlock = kCandidates;
 static_assert(kBlock % kGroup == 0);
 
-// The means of a block below kNormalFrom, with the uniforms that belong to them.
+// The means of a block below kNormalFrom, with the uniforms that belong to them, by their size: a
+// search side by side takes as long as that of its largest mean.
 struct SmallMeans {
   int32_t count = 0;
   int32_t index[kBlock];
@@ -116,11 +154,36 @@ struct SmallMeans {
   alignas(64) double u[kBlock];
 
   SmallMeans(int32_t m, const double* lambdas, const double* uniforms) {
-    for (int32_t i = 0; i < m; ++i) {
+    const auto take = [&](int32_t i) {
       index[count] = i;
       lambda[count] = lambdas[i];
       u[count] = uniforms[i];
-      count += lambdas[i] < kNormalFrom;
+    };
+    if (m <= kGroup) {  // a search or two
+      for (int32_t i = 0; i < m; ++i) {
+        take(i);
+        count += lambdas[i] < kNormalFrom;
+      }
+      return;
+    }
+    // Sizes: below 1/2, from there to 1, to 2 and so on to 16, to kNormalFrom, beyond. Each has its
+    // members in two rows, so that none waits for the one before it.
+    constexpr int32_t kSizes = 8, kRows = 2;
+    static_assert(kNormalFrom > 16 && kNormalFrom <= 32);
+    constexpr int64_t kLeast = 1021;  // biased exponent of numbers that are just below 1/2
+    uint16_t members[kSizes][kRows][kBlock / kRows];
+    int32_t length[kSizes][kRows] = {};
+    for (int32_t i = 0; i < m; ++i) {
+      const int64_t exponent = std::bit_cast<int64_t>(lambdas[i]) >> 52;
+      const int64_t octave = std::clamp<int64_t>(exponent - kLeast, 0, kSizes - 2);
+      const int64_t size = lambdas[i] < kNormalFrom ? octave : kSizes - 1;
+      const int32_t row = i % kRows;
+      members[size][row][length[size][row]++] = static_cast<uint16_t>(i);
+    }
+    for (int32_t size = 0; size < kSizes - 1; ++size) {
+      for (int32_t row = 0; row < kRows; ++row) {
+        for (int32_t j = 0; j < length[size][row]; ++j, ++count) take(members[size][row][j]);
+      }
     }
   }
 
