@@ -44,7 +44,13 @@ inline constexpr bool HasPairGroup = requires(D d, VecOf<D> (&v)[1]) {
   K::MainGroup(d, v, v, v);
 };
 
-inline constexpr int kPlainUnroll = 4;  // vectors per group
+// Vectors per group. Two of 64 bytes where memory is the limit of two arguments: three arrays that
+// just fill the first cache pass through it faster so.
+template <class K, class D>
+inline constexpr int kPlainUnroll = K::kMemoryBound&& K::kArguments == 2 &&
+                                            hn::MaxLanes(D()) * sizeof(typename K::T) == 64
+                                        ? 2
+                                        : 4;
 
 // Whether `second` begins inside the `bytes` that follow the first byte of `first`.
 HWY_INLINE bool StartsWithin(const void* first, const void* second, size_t bytes) {
@@ -153,8 +159,9 @@ HWY_INLINE int RunPlainBy(int64_t n, const PlainArrays<K>& p) {
   using D = hn::CappedTag<T, kBytes / sizeof(T)>;
   const D d;
   constexpr size_t kLanes = hn::MaxLanes(D());
-  constexpr size_t kGroup = kPlainUnroll * kLanes;
-  constexpr size_t kPeel = 8 * kGroup;  // from here on it pays to align the stores
+  constexpr int kUnroll = kPlainUnroll<K, D>;
+  constexpr size_t kGroup = kUnroll * kLanes;
+  constexpr size_t kPeel = 32 * kLanes;  // from here on it pays to align the stores
   if (n <= 0) return 0;
   const size_t end = static_cast<size_t>(n);
   size_t i = 0;
@@ -168,7 +175,7 @@ HWY_INLINE int RunPlainBy(int64_t n, const PlainArrays<K>& p) {
     PlainTail<K, kLanes>(p, 0, kLanes - past);
     i = kLanes - past;
   }
-  for (; i + kGroup <= end; i += kGroup) PlainGroup<K, kPlainUnroll>(d, p, i);
+  for (; i + kGroup <= end; i += kGroup) PlainGroup<K, kUnroll>(d, p, i);
   for (; i + kLanes <= end; i += kLanes) PlainGroup<K, 1>(d, p, i);
   PlainTail<K, kLanes>(p, i, end);
   return 0;
