@@ -50,13 +50,13 @@ inline constexpr bool HasMainFrom = requires(D d, const typename K::T* from) {
   K::MainFrom(d, from, from);
 };
 
-// Vectors per group. Two of 64 bytes where memory is the limit of two arguments: three arrays that
-// just fill the first cache pass through it faster so.
+// Vectors per group. Two of 64 bytes where memory is the limit of two arguments, or they are loaded
+// by the kernel: three arrays that just fill the first cache pass through it faster so.
 template <class K, class D>
-inline constexpr int kPlainUnroll = K::kMemoryBound&& K::kArguments == 2 &&
-                                            hn::MaxLanes(D()) * sizeof(typename K::T) == 64
-                                        ? 2
-                                        : 4;
+inline constexpr bool kInPairs = hn::MaxLanes(D()) * sizeof(typename K::T) == 64 &&
+                                 (HasMainFrom<K, D> || (K::kMemoryBound && K::kArguments == 2));
+template <class K, class D>
+inline constexpr int kPlainUnroll = kInPairs<K, D> ? 2 : 4;
 
 // Whether `second` begins inside the `bytes` that follow the first byte of `first`.
 HWY_INLINE bool StartsWithin(const void* first, const void* second, size_t bytes) {
