@@ -93,6 +93,11 @@ HWY_INLINE void StoreAtMost(D d, VecOf<D> v, size_t count, T* to) {
   }
 }
 
+// The lanes of functions of real numbers are in the order of memory where that costs nothing.
+template <class K>
+inline constexpr bool kInMemoryOrder =
+    K::kRealArgument ? kShufflesRegisters<typename K::Tag> : false;
+
 template <typename T>
 struct ComplexSource {
   const T* p;
@@ -123,11 +128,16 @@ struct RealSource {
   using Number = T;
   template <class D>
   HWY_INLINE Operand<D> Load(D d, size_t i) const {
-    return FromMemoryOrder(d, hn::LoadU(d, p + i));
+    return LaneOrder(d, hn::LoadU(d, p + i));
   }
   template <class D>
   HWY_INLINE Operand<D> LoadTail(D d, size_t i, size_t count, T fill) const {
-    return FromMemoryOrder(d, LoadAtMost(d, p + i, count, fill));
+    return LaneOrder(d, LoadAtMost(d, p + i, count, fill));
+  }
+  template <class D>
+  static HWY_INLINE VecOf<D> LaneOrder(D d, VecOf<D> v) {
+    if constexpr (kShufflesRegisters<D>) return v;
+    return FromMemoryOrder(d, v);
   }
   HWY_INLINE void Copy(size_t i, size_t count, Number* to) const {
     std::memcpy(to, p + i, count * sizeof(Number));
@@ -170,11 +180,15 @@ struct NoSource {
   HWY_INLINE void Copy(size_t, size_t, Number*) const {}
 };
 
-template <class D, class V = VecOf<D>, typename T = hn::TFromD<D>>
+template <class K, class D, class V = VecOf<D>, typename T = hn::TFromD<D>>
 HWY_INLINE void StoreNumbers(D d, Complex<V> v, T* r, size_t i, size_t count) {
   const size_t lanes = hn::Lanes(d);
   V a, b;
-  Zip(d, v, a, b);
+  if constexpr (kInMemoryOrder<K>) {
+    ZipInOrder(d, v, a, b);
+  } else {
+    Zip(d, v, a, b);
+  }
   if (count == lanes) {
     hn::StoreU(a, d, r + 2 * i);
     hn::StoreU(b, d, r + 2 * i + lanes);
@@ -184,7 +198,7 @@ HWY_INLINE void StoreNumbers(D d, Complex<V> v, T* r, size_t i, size_t count) {
   }
 }
 
-template <class D, class V = VecOf<D>, typename T = hn::TFromD<D>>
+template <class K, class D, class V = VecOf<D>, typename T = hn::TFromD<D>>
 HWY_INLINE void StoreNumbers(D d, V v, T* r, size_t i, size_t count) {
   StoreAtMost(d, ToMemoryOrder(d, v), count, r + i);
 }
@@ -337,7 +351,7 @@ HWY_NOINLINE void CarefulNumbers(const ComplexCall<K, A, B>& call, size_t i, siz
   const auto rare = ComplexRareLanes<K, C>(a[0], b[0]);
   if (hn::AllFalse(d, rare)) {
     ComplexCompute<K, C>(a, b, r);
-    StoreNumbers(d, r[0], call.r, i, count);
+    StoreNumbers<K>(d, r[0], call.r, i, count);
     return;
   }
   typename A::Number as[kLanes];
@@ -347,10 +361,12 @@ HWY_NOINLINE void CarefulNumbers(const ComplexCall<K, A, B>& call, size_t i, siz
   a[0] = Replace(d, rare, a[0], K::kHarmless);
   b[0] = Replace(d, rare, b[0], K::kHarmless);
   ComplexCompute<K, C>(a, b, r);
-  StoreNumbers(d, r[0], call.r, i, count);
+  StoreNumbers<K>(d, r[0], call.r, i, count);
 
   uint8_t bits[8] = {};
-  hn::StoreMaskBits(d, hn::MaskFromVec(ToMemoryOrder(d, hn::VecFromMask(d, rare))), bits);
+  auto flagged = hn::VecFromMask(d, rare);
+  if constexpr (!kInMemoryOrder<K>) flagged = ToMemoryOrder(d, flagged);
+  hn::StoreMaskBits(d, hn::MaskFromVec(flagged), bits);
   for (size_t lane = 0; lane < count; ++lane) {
     if (!(bits[lane / 8] >> (lane % 8) & 1)) continue;
     Number result;
@@ -403,7 +419,7 @@ HWY_INLINE bool CommonNumbers(const C& call, size_t i, size_t count) {
     return false;
   ComplexCompute<K, C>(a, b, r);
   for (size_t k = 0; k < N; ++k) {
-    StoreNumbers(d, r[k], call.r, i + k * lanes, N > 1 ? lanes : count);
+    StoreNumbers<K>(d, r[k], call.r, i + k * lanes, N > 1 ? lanes : count);
   }
   return true;
 }
@@ -473,7 +489,7 @@ HWY_INLINE void RunBegun(const C& call, size_t end) {
   const auto finish = [&](size_t i, const auto& begun) HWY_ATTR {
     typename C::Result r[kVectors];
     K::End(d, begun, r);
-    for (size_t k = 0; k < kVectors; ++k) StoreNumbers(d, r[k], call.r, i + k * lanes, lanes);
+    for (size_t k = 0; k < kVectors; ++k) StoreNumbers<K>(d, r[k], call.r, i + k * lanes, lanes);
   };
   for (size_t i = 0; i < end;) {
     if (!common(i)) [[unlikely]] {

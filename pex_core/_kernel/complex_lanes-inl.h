@@ -97,6 +97,40 @@ HWY_INLINE V ToMemoryOrder(D d, V v) {
   return FromMemoryOrder(d, v);  // its own inverse
 }
 
+// Whether two whole registers are shuffled into any order by single operations, as on AVX-512:
+// lanes that real numbers are loaded to may then stay in the order of memory.
+template <class D>
+inline constexpr bool kShufflesRegisters = HWY_TARGET == HWY_AVX3 &&
+                                           sizeof(VecOf<D>) >=
+                                               (sizeof(hn::TFromD<D>) == 4 ? 32 : 64);
+
+// Zip of lanes in the order of memory, where kShufflesRegisters.
+template <class D, class V = VecOf<D>>
+HWY_INLINE void ZipInOrder([[maybe_unused]] D d, Complex<V> c, V& a, V& b) {
+#if HWY_TARGET == HWY_AVX3
+  using T = hn::TFromD<D>;
+  if constexpr (sizeof(T) == 8) {
+    const __m512i lower = _mm512_set_epi64(11, 3, 10, 2, 9, 1, 8, 0);
+    const __m512i upper = _mm512_set_epi64(15, 7, 14, 6, 13, 5, 12, 4);
+    a.raw = _mm512_permutex2var_pd(c.re.raw, lower, c.im.raw);
+    b.raw = _mm512_permutex2var_pd(c.re.raw, upper, c.im.raw);
+  } else if constexpr (sizeof(V) == 64) {
+    const __m512i lower = _mm512_set_epi32(23, 7, 22, 6, 21, 5, 20, 4, 19, 3, 18, 2, 17, 1, 16, 0);
+    const __m512i upper =
+        _mm512_set_epi32(31, 15, 30, 14, 29, 13, 28, 12, 27, 11, 26, 10, 25, 9, 24, 8);
+    a.raw = _mm512_permutex2var_ps(c.re.raw, lower, c.im.raw);
+    b.raw = _mm512_permutex2var_ps(c.re.raw, upper, c.im.raw);
+  } else {
+    const __m256i lower = _mm256_set_epi32(11, 3, 10, 2, 9, 1, 8, 0);
+    const __m256i upper = _mm256_set_epi32(15, 7, 14, 6, 13, 5, 12, 4);
+    a.raw = _mm256_permutex2var_ps(c.re.raw, lower, c.im.raw);
+    b.raw = _mm256_permutex2var_ps(c.re.raw, upper, c.im.raw);
+  }
+#else
+  Zip(d, c, a, b);
+#endif
+}
+
 // A vector of floats as doubles, part by part, and back.
 template <class D, class V = VecOf<D>, class Wide = hn::Rebind<double, D>>
 HWY_INLINE Complex<VecOf<Wide>> Widen(D, Complex<V> x) {

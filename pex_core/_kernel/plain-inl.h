@@ -3,7 +3,8 @@
 //
 // A kernel is a struct derived from PlainKernel with Main as in elementwise-inl.h. It must raise no
 // exception on zero, nor on its own kBeyond, which stand in the lanes beyond the end. With two
-// arguments it may also have MainGroup(d, x, y, r) for arrays of several vectors.
+// arguments it may also have MainGroup(d, x, y, r) for arrays of several vectors, or MainFrom(d, a,
+// b), the result of one whole vector that it loads itself from these addresses.
 
 #include <cstdint>
 #include <cstring>
@@ -45,7 +46,18 @@ inline constexpr bool HasPairGroup = requires(D d, VecOf<D> (&v)[1]) {
   K::MainGroup(d, v, v, v);
 };
 
-inline constexpr int kPlainUnroll = 4;  // vectors per group
+template <class K, class D>
+inline constexpr bool HasMainFrom = requires(D d, const typename K::T* from) {
+  K::MainFrom(d, from, from);
+};
+
+// Vectors per group. Two of 64 bytes where memory is the limit of two arguments, or they are loaded
+// by the kernel: three arrays that just fill the first cache pass through it faster so.
+template <class K, class D>
+inline constexpr bool kInPairs = hn::MaxLanes(D()) * sizeof(typename K::T) == 64 &&
+                                 (HasMainFrom<K, D> || (K::kMemoryBound && K::kArguments == 2));
+template <class K, class D>
+inline constexpr int kPlainUnroll = kInPairs<K, D> ? 2 : 4;
 
 // Whether `second` begins inside the `bytes` that follow the first byte of `first`.
 HWY_INLINE bool StartsWithin(const void* first, const void* second, size_t bytes) {
@@ -61,6 +73,13 @@ struct PlainArrays {
   const T* b;
   T* r1;
   T* r2;
+
+  // Goes on to a later element. Compilers keep the addresses apart: with an index in common,
+  // operands from memory would cost an operation of their own.
+  HWY_INLINE void Advance(size_t elements) {
+    a += elements, b += elements, r1 += elements, r2 += elements;
+    __asm__("" : "+r"(a), "+r"(b), "+r"(r1));
+  }
 
   // Whether a block of that many bytes may load all its arguments before it stores its results: no
   // result of the block is an argument of a later element of the block, and of two results in one
@@ -103,6 +122,13 @@ HWY_INLINE void PlainGroup(D d, const PlainArrays<K>& p, size_t i) {
   using V = VecOf<D>;
   const size_t lanes = hn::Lanes(d);
   V x[kVectors], y[kVectors];
+  if constexpr (HasMainFrom<K, D> && kVectors > 1) {
+    for (int k = 0; k < kVectors; ++k) {
+      x[k] = K::MainFrom(d, p.a + i + k * lanes, p.b + i + k * lanes);
+    }
+    for (int k = 0; k < kVectors; ++k) StoreAnywhere(x[k], d, p.r1 + i + k * lanes);
+    return;
+  }
   for (int k = 0; k < kVectors; ++k) {
     x[k] = LoadAnywhere(d, p.a + i + k * lanes);
     y[k] = K::kArguments == 2 ? LoadAnywhere(d, p.b + i + k * lanes) : x[k];
@@ -158,8 +184,9 @@ HWY_INLINE int RunPlainBy(int64_t n, const PlainArrays<K>& p) {
   using D = hn::CappedTag<T, kBytes / sizeof(T)>;
   const D d;
   constexpr size_t kLanes = hn::MaxLanes(D());
-  constexpr size_t kGroup = kPlainUnroll * kLanes;
-  constexpr size_t kPeel = 8 * kGroup;  // from here on it pays to align the stores
+  constexpr int kUnroll = kPlainUnroll<K, D>;
+  constexpr size_t kGroup = kUnroll * kLanes;
+  constexpr size_t kPeel = 32 * kLanes;  // from here on it pays to align the stores
   if (n <= 0) return 0;
   const size_t end = static_cast<size_t>(n);
   size_t i = 0;
@@ -173,7 +200,15 @@ HWY_INLINE int RunPlainBy(int64_t n, const PlainArrays<K>& p) {
     PlainTail<K, kLanes>(p, 0, kLanes - past);
     i = kLanes - past;
   }
-  for (; i + kGroup <= end; i += kGroup) PlainGroup<K, kPlainUnroll>(d, p, i);
+  if constexpr (HasMainFrom<K, D>) {
+    PlainArrays<K> group = p;
+    group.Advance(i);
+    for (; i + kGroup <= end; i += kGroup, group.Advance(kGroup)) {
+      PlainGroup<K, kUnroll>(d, group, 0);
+    }
+  } else {
+    for (; i + kGroup <= end; i += kGroup) PlainGroup<K, kUnroll>(d, p, i);
+  }
   for (; i + kLanes <= end; i += kLanes) PlainGroup<K, 1>(d, p, i);
   PlainTail<K, kLanes>(p, i, end);
   return 0;

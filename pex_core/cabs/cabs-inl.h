@@ -2,6 +2,7 @@
 // rounded root s of t; and what remains of t + rest over 2 s.
 
 #include "pex_core/_heap/real/root_constants.h"
+#include "pex_core/_heap/real/root_correct-inl.h"
 #include "pex_core/cmul/exact_products-inl.h"
 
 #if defined(PEX_CORE_CABS_CABS_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -92,8 +93,11 @@ struct ModulusKernel : ComplexKernel<T> {
       const Pair<V> square = SumOfSquares(d, MagnitudesOf(d, a[k]));
       begun.square[k] = square.hi;
       begun.rest[k] = square.lo;
-      begun.root[k] = hn::Sqrt(square.hi);
+      begun.root[k] = square.hi;
     }
+    // AVX-512's roots of doubles take longer than all the rest: one of three goes without.
+    constexpr bool kLong = sizeof(T) == 8 && sizeof(V) == 64;
+    MixedRoots<kLong ? K / 3 : 0>(d, begun.root);
     return begun;
   }
   template <class D, class V, size_t K>

@@ -12,6 +12,7 @@ namespace pex::HWY_NAMESPACE {
 // Common lanes have parts from 2^-400 below 2^500, so that the squares and their errors are exact,
 // or one of them zero.
 struct zAbsKernel : ModulusKernel<double> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 3 : 2;
   using Outside = PartsOutside<0x26F00000, 0x5F2FFFFF>;
   template <class D, class V, size_t K>
   static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&a)[K]) {

@@ -21,13 +21,13 @@ struct MulInDouble : ComplexKernel<float, double> {
 using C8 = PexComplex8;
 
 int cMul_11(int32_t n, const C8* a, const C8* b, C8* r) {
-  return MapComplex<PlainMul<float, false>>(n, a, b, r);
+  return MapPlainMul<float, false>(n, a, b, r);
 }
 int cMul(int32_t n, const C8* a, const C8* b, C8* r) {
   return MapComplex<MulInDouble<false>>(n, a, b, r);
 }
 int cMulByConj_11(int32_t n, const C8* a, const C8* b, C8* r) {
-  return MapComplex<PlainMul<float, true>>(n, a, b, r);
+  return MapPlainMul<float, true>(n, a, b, r);
 }
 int cMulByConj(int32_t n, const C8* a, const C8* b, C8* r) {
   return MapComplex<MulInDouble<true>>(n, a, b, r);

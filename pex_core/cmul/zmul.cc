@@ -36,21 +36,14 @@ struct ExactMul : ComplexKernel<double> {
 
 using C16 = PexComplex16;
 
-// In double precision memory is the limit.
-template <bool kConjugate>
-HWY_INLINE int MapPlainMul(int32_t n, const C16* a, const C16* b, C16* r) {
-  if (!WholeVectors()) return MapComplex<PlainMul<double, kConjugate, kLessBytes>>(n, a, b, r);
-  return MapComplex<PlainMul<double, kConjugate>>(n, a, b, r);
-}
-
 int zMul_26(int32_t n, const C16* a, const C16* b, C16* r) {
-  return MapPlainMul<false>(n, a, b, r);
+  return MapPlainMul<double, false>(n, a, b, r);
 }
 int zMul(int32_t n, const C16* a, const C16* b, C16* r) {
   return MapComplex<ExactMul<false>>(n, a, b, r);
 }
 int zMulByConj_26(int32_t n, const C16* a, const C16* b, C16* r) {
-  return MapPlainMul<true>(n, a, b, r);
+  return MapPlainMul<double, true>(n, a, b, r);
 }
 int zMulByConj(int32_t n, const C16* a, const C16* b, C16* r) {
   return MapComplex<ExactMul<true>>(n, a, b, r);

@@ -47,6 +47,17 @@ struct PartRange {
     using Range = Outside<hn::TFromD<D>>;
     return KeyAbove(d, Range::Key(d, hn::Abs(x)), Range::kLimit);
   }
+  // Whether any of both parts of several numbers may be.
+  template <class D, size_t K>
+  static HWY_INLINE bool AnyOfGroup(D d, const Complex<VecOf<D>> (&z)[K]) {
+    using Range = Outside<hn::TFromD<D>>;
+    auto key = Range::Key(d, hn::Abs(z[0].re));
+    for (size_t k = 0; k < K; ++k) {
+      if (k > 0) key = JoinKeys(d, key, Range::Key(d, hn::Abs(z[k].re)));
+      key = JoinKeys(d, key, Range::Key(d, hn::Abs(z[k].im)));
+    }
+    return !hn::AllFalse(d, KeyAbove(d, key, Range::kLimit));
+  }
   template <class D>
   static HWY_INLINE MaskOf<D> LanesOutside(D d, VecOf<D> x) {
     const auto zero = hn::RebindMask(d, hn::Eq(Bits(d, hn::Abs(x)), SetBits(d, 0)));

@@ -20,7 +20,7 @@ namespace pex::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 #if HWY_TARGET == HWY_AVX3
-// t becomes its correctly rounded root, for 2^-900 < t < 2^900 and y within 2^-14 of 1/sqrt(t).
+// t becomes its correctly rounded root, for 2^-900 < t < 2^1010 and y within 2^-14 of 1/sqrt(t).
 //
 // Goldschmidt's steps bring g near sqrt(t), h near 1/(2 sqrt(t)); the first one goes so far beyond
 // that its one-sided error of 3/8 e^2, e = 1 - t y^2, lies on both sides. Then g, once corrected,
@@ -65,7 +65,7 @@ HWY_INLINE void MixedRoots(D d, V (&t)[K]) {
 #endif
 }
 
-// t becomes its root, correctly rounded; for doubles 2^-900 < t < 2^900.
+// t becomes its root, correctly rounded; for doubles 2^-900 < t < 2^1010.
 template <class D, class V, size_t K>
 HWY_INLINE void Roots(D d, V (&t)[K]) {
   constexpr bool kLong = sizeof(hn::TFromD<D>) == 8 && sizeof(V) == 64;  // AVX-512's doubles
