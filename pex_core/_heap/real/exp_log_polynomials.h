@@ -15,6 +15,10 @@ inline constexpr double kLn[] = {
 inline constexpr double kLnEP[] = {
     -0x1.fffffce452761p-2, 0x1.55554aabfd22bp-2, -0x1.00412a6c2313cp-2, 0x1.9a413a4eb808ap-3};
 
+// (ln(1+x) - x)/x^2, -3.86000014841556549072265625e-2 <= x <= 3.86000014841556549072265625e-2; absolute error 2^-24.34375.
+inline constexpr double kLog1pEP[] = {
+    -0x1.fffffce453001p-2, 0x1.55554a8p-2, -0x1.00412a6a415bbp-2, 0x1.9a424fp-3};
+
 // (log10(1 + x/log10(e)) - x)/x^2, -1.679999940097332000732421875e-2 <= x <= 1.679999940097332000732421875e-2; absolute error 2^-51.9375.
 inline constexpr double kLog10[] = {
     -0x1.26bb1bbb55516p0, 0x1.c46dbb451370cp0, -0x1.86a885acd10fep1, 0x1.67cf40c423c82p2,
