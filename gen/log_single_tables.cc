@@ -68,7 +68,7 @@ float Center(float a, float step) {
 
 // A number c of so many bits next to log_e/a on whose logarithm is almost a float: the best of
 // some, the distance counting too.
-Row FactorSearch(long double log_e, int bits, float a, float step = 1.0f / 16) {
+Row FactorSearch(long double log_e, int bits, float a, float step) {
   const float scale = static_cast<float>(log_e);
   if (a == 1) return {scale, 0};
   const float center = scale / Center(a, step);
@@ -123,11 +123,11 @@ int main() {
   Table("kLnSingleTable", PointSearch);
   std::printf(
       "\n// Factors: c near log(e)/a and -log(c/log(e)), log(e) itself as a float; for ln of 12 "
-      "bits, "
-      "rows i for\n// a = i/8, i = 6 .. 12.");
+      "bits. Rows\n// i for a = i/8, i = 6 .. 12.");
   Table(
       "kLnSingleEighths", [](float a) { return FactorSearch(1, 12, a, 1.0f / 8); }, 8);
   std::printf("\n");
-  Table("kLog10SingleFactors", [](float a) { return FactorSearch(kLog10E, 24, a); });
+  Table(
+      "kLog10SingleEighths", [](float a) { return FactorSearch(kLog10E, 24, a, 1.0f / 8); }, 8);
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_LOG_SINGLE_TABLES_H_\n");
 }

@@ -136,17 +136,22 @@ Row ExactSearch(int i) {
   }
 }
 
-// A factor c of 26 bits close to 16/i at which -log(c) is a double to within 2^-9 of its ulp. Beside
-// 1, where the logarithm is smallest and an error weighs most, c is better for that side of i.
-Row FactorSearch(int i, bool decimal) {
+// A factor c of 26 bits close to scale 16/i at which -log(c/scale) is a double to within 2^-9 of
+// its ulp. Beside 1, where the logarithm is smallest and an error weighs most, c is better for that
+// side of i; with a scale it is in the middle of what there is at both ends.
+Row FactorSearch(int i, bool decimal, double scale = 1) {
   mpfr_t log;
   mpfr_init2(log, 200);
-  const double center = 16 / (i + (i == 15 ? 1.0 : i == 17 ? -1.0 : 0) / 32);
+  double point = i + (i == 15 ? 1.0 : i == 17 ? -1.0 : 0) / 32;
+  if (scale != 1) point += i == 12 ? 0.25 : i == 24 ? -0.25 : 0;
+  const double center = scale * 16 / point;
   const double ulp = std::ldexp(1.0, std::ilogb(center) - 25);
   for (double n = std::nearbyint(center / ulp);; ++n) {
     Row row = {};
     row.c = n * ulp;
-    Log(log, row.c, decimal);
+    mpfr_set_d(log, row.c, MPFR_RNDN);
+    mpfr_div_d(log, log, scale, MPFR_RNDN);
+    decimal ? mpfr_log10(log, log, MPFR_RNDN) : mpfr_log(log, log, MPFR_RNDN);
     mpfr_neg(log, log, MPFR_RNDN);
     row.log = mpfr_get_d(log, MPFR_RNDN);
     mpfr_sub_d(log, log, row.log, MPFR_RNDN);
@@ -157,14 +162,14 @@ Row FactorSearch(int i, bool decimal) {
   }
 }
 
-// Factors by rows; 1, with the logarithm 0, for `first` to `last`.
+// Factors by rows; `one`, with the logarithm 0, for `first` to `last`.
 template <class Search>
-void FactorTable(const char* name, int first, int last, Search search) {
+void FactorTable(const char* name, int first, int last, Search search, double one = 1) {
   std::printf("\ninline constexpr LogFactors %s = {{\n", name);
   for (int j = 0; j < 16; ++j) {
     const int i = j < 12 ? j + 16 : j;
     Row row = {};
-    row.c = 1;
+    row.c = one;
     if (i <= 24 && (i < first || i > last)) row = search(i);
     std::printf("%s{%a, %a},\n", "    ", row.c, row.log);
   }
@@ -195,5 +200,12 @@ int main() {
   std::printf("\n// c of at most 26 bits, 1 for i = 16 alone, with the double next to -log(c).");
   FactorTable("kLnShortFactors", 16, 16, [](int i) { return FactorSearch(i, false); });
   FactorTable("kLog10ShortFactors", 16, 16, [](int i) { return FactorSearch(i, true); });
+  constexpr double kLogE = 0x1.bcb7b1526e50ep-2;
+  std::printf(
+      "\n// c of at most 26 bits next to log10(e) 16/i, log10(e) as a double for i = 16 alone, "
+      "with\n"
+      "// the double next to -log10(c/log10(e)).");
+  FactorTable(
+      "kLog10Factors", 16, 16, [](int i) { return FactorSearch(i, true, kLogE); }, kLogE);
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_LOG_TABLES_H_\n");
 }

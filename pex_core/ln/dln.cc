@@ -17,12 +17,13 @@ struct dLnCommon : Kernel<double> {
   static HWY_INLINE int Rare(double x, double* r) { return dLnScalar(x, r); }
 };
 
+// Numbers from 1.5 * 2^1023 on are rare too: the exponent next to them has no room above it.
 struct dLnEP : dLnCommon {
-  using Rarity = LogShortRarity<0x7FEFFFFF>;
+  using Rarity = LogShortRarity<0x7FE7FFFF>;
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    LogEP<NaturalLog>(d, x, r);
+    LogEP<NaturalLog, true>(d, x, r);
   }
 };
 
@@ -33,13 +34,12 @@ struct dLnHA : dLnCommon {
   }
 };
 
-// Numbers from 1.5 * 2^1023 on are rare too: the exponent next to them has no room above it.
 struct dLnLA : dLnCommon {
   using Rarity = LogShortRarity<0x7FE7FFFF>;
   static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    LogBelowOne(d, x, r);
+    LnLA(d, x, r);
   }
 };
 

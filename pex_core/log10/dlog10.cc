@@ -17,21 +17,23 @@ struct dLog10Common : Kernel<double> {
   static HWY_INLINE int Rare(double x, double* r) { return dLog10Scalar(x, r); }
 };
 
+// Numbers from 1.5 * 2^1023 on are rare too: the exponent next to them has no room above it.
 struct dLog10EP : dLog10Common {
-  using Rarity = LogShortRarity<0x7FEFFFFF>;
+  using Rarity = LogShortRarity<0x7FE7FFFF>;
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    LogEP<DecimalLog>(d, x, r);
+    LogEP<DecimalLog, true>(d, x, r);
   }
 };
 
 struct dLog10LA : dLog10Common {
-  using Rarity = LogShortRarity<0x7FEFFFFF>;
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 6 : 4;
+  using Rarity = LogShortRarity<0x7FE7FFFF>;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : HWY_TARGET == HWY_AVX2 ? 16 : 4;
+  static constexpr int kRestUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    LogLA<DecimalLog>(d, x, r);
+    Log10LA(d, x, r);
   }
 };
 

@@ -6,6 +6,7 @@
 //
 #include "pex_core/_heap/real/trig_single-inl.h"
 #include "pex_core/_heap/real/trig_turn-inl.h"
+#include "pex_core/_kernel/fused_single-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
@@ -30,44 +31,6 @@ struct sTanEP {
   }
 };
 
-// c0 + s (c1 + s (c2 + s c3)), each step rounded once: the polynomial's partial sums keep their
-// binades, so that without fused operations double precision rounds them by sums with large
-// numbers. Then s p + addend rounded once; where double precision rounds twice no result shows it:
-// every argument has been tried.
-template <class D, class V, size_t K>
-HWY_INLINE void FusedCubic(D d, const V (&s)[K], const float (&c)[4], const V (&addend)[K],
-                           V (&r)[K]) {
-#if HWY_TARGET == HWY_SSE4
-  const hn::Repartition<double, D> wide;
-  const hn::Half<D> half;
-  using W = VecOf<decltype(wide)>;
-  const auto cubic = [&](W x, W last) HWY_ATTR {
-    W p = hn::Set(wide, double{c[3]});
-    for (size_t i = 3; i-- > 0;) {
-      // 2^52 last places of the sum
-      const double large =
-          0x1.8p52 * __builtin_bit_cast(float, (BitsOfNumber(c[i]) & 0x7F800000) - (23 << 23));
-      p = hn::Add(hn::Mul(p, x), hn::Set(wide, c[i] + large));
-      p = hn::Sub(p, hn::Set(wide, large));
-    }
-    return hn::DemoteTo(half, hn::Add(hn::Mul(p, x), last));
-  };
-  for (size_t k = 0; k < K; ++k) {
-    const WideHalves x = InHalves(s[k]), last = InHalves(addend[k]);
-    r[k] = hn::Combine(d, cubic(x.upper, last.upper), cubic(x.lower, last.lower));
-  }
-#else
-  V p[K];
-  for (size_t k = 0; k < K; ++k) p[k] = HiddenMulAdd(s[k], hn::Set(d, c[3]), hn::Set(d, c[2]));
-  EndStep(p);
-  for (size_t k = 0; k < K; ++k) p[k] = HiddenMulAdd(p[k], s[k], hn::Set(d, c[1]));
-  EndStep(p);
-  for (size_t k = 0; k < K; ++k) p[k] = HiddenMulAdd(p[k], s[k], hn::Set(d, c[0]));
-  EndStep(p);
-  for (size_t k = 0; k < K; ++k) r[k] = HiddenMulAdd(p[k], s[k], addend[k]);
-#endif
-}
-
 // y's excess e makes y cot y too small by (y/sin y)^2 e/y; for that over e a rough value does,
 // within 9 % by the bits of 1/y.
 struct sTanLA {
@@ -84,7 +47,7 @@ struct sTanLA {
       c[k] = hn::Mul(u[k].excess, FromBits(d, hn::Sub(SetBits(d, kSlope), Bits(d, u[k].y))));
     }
     EndStep(c);
-    FusedCubic(d, s, sTanLAPolynomial, c, c);
+    FusedCubic(d, s, sTanLAPolynomial, s, c, c);
     EndStep(c);
     for (size_t k = 0; k < K; ++k) c[k] = hn::Add(c[k], hn::Set(d, 1.0f));
     EndStep(c);

@@ -15,6 +15,10 @@ inline constexpr double kLn[] = {
 inline constexpr double kLnEP[] = {
     -0x1.fffffce452761p-2, 0x1.55554aabfd22bp-2, -0x1.00412a6c2313cp-2, 0x1.9a413a4eb808ap-3};
 
+// (ln(1+x) - x)/x^2, -3.86000014841556549072265625e-2 <= x <= 3.86000014841556549072265625e-2; absolute error 2^-24.34375.
+inline constexpr double kLog1pEP[] = {
+    -0x1.fffffce453001p-2, 0x1.55554a8p-2, -0x1.00412a6a415bbp-2, 0x1.9a424fp-3};
+
 // (log10(1 + x/log10(e)) - x)/x^2, -1.679999940097332000732421875e-2 <= x <= 1.679999940097332000732421875e-2; absolute error 2^-51.9375.
 inline constexpr double kLog10[] = {
     -0x1.26bb1bbb55516p0, 0x1.c46dbb451370cp0, -0x1.86a885acd10fep1, 0x1.67cf40c423c82p2,
@@ -38,9 +42,12 @@ inline constexpr double kLnShortHA[] = {
     0x1.5555555555556p-1, 0x1.9999999996221p-2, 0x1.24924948e7e2p-2, 0x1.c71b4a3148349p-3,
     0x1.765c370dd84fp-3};
 
-// log10((1+s)/(1-s))/s^3 - 2 log10(e)/s^2 for x = s^2, 9.31322574615478515625e-10 <= x <= 3.7100000190548598766326904296875e-4; absolute error 2^-42.5.
-inline constexpr double kLog10LA[] = {
-    0x1.287a7636f4e37p-2, 0x1.63c6267445c69p-3, 0x1.fc77fc7d620b8p-4};
+// log10(1 + x/log10(e)) = x + x^2 (kLog10Square + x S(x)); error 2^-54.3125 x for |x| <= log10(e)/31.9, 2^-50.6875 x for
+// |x| <= 1.676177978515625e-2. S of degree 6 by AdaptedSextic.
+inline constexpr double kLog10Square = -0x1.26bb1bbb554b6p0;
+inline constexpr double kLog10Long[] = {
+    -0x1.29b83a7f80663p-2, 0x1.d64a7d8bd0ccep-3, -0x1.d0916b49dadb5p-2, 0x1.62abb0c379563p-6,
+    -0x1.d0bc2da1b8165p-3, 0x1.ba91e29f39be8p-7, 0x1.5fce9a2cac3edp6};
 
 // (e^x - 1 - x)/x^2, -3.3859998802654445171356201171875e-4 <= x <= 3.3859998802654445171356201171875e-4; absolute error 2^-43.4375.
 inline constexpr double kExpHA[] = {

@@ -174,33 +174,17 @@ HWY_INLINE void LogPlain(D d, const LogReduced<D> (&x)[K], const V (&p)[K], cons
 }
 
 // head + log(1 + p) on a division instead of a long polynomial: log(1 + p) = p - s (p - s^2 R(s^2))
-// for s = p/(2 + p). `low` is what p lacks. In steps of all vectors or in the compiler's order.
-template <class Base, bool kInSteps = false, class D, class V, size_t K>
+// for s = p/(2 + p). `low` is what p lacks.
+template <class Base, class D, class V, size_t K>
 HWY_INLINE void LogDivisionSum(D d, const V (&head)[K], const V (&p)[K], const V (&s)[K], V (&r)[K],
                                const V* low = nullptr) {
-  const auto end_step = [](V(&v)[K]) HWY_ATTR {
-    if constexpr (kInSteps) EndStep(v);
-  };
-  V s2[K], rest[K], tail[K];
-  for (size_t k = 0; k < K; ++k) s2[k] = hn::Mul(s[k], s[k]);
-  end_step(s2);
-  if constexpr (kInSteps) {
-    HornerInSteps(d, s2, Base::kLA, rest);
-  } else {
-    for (size_t k = 0; k < K; ++k) rest[k] = Horner(d, s2[k], Base::kLA);
-  }
-  for (size_t k = 0; k < K; ++k) rest[k] = hn::Mul(s2[k], rest[k]);
-  end_step(rest);
-  for (size_t k = 0; k < K; ++k) rest[k] = hn::Sub(p[k], rest[k]);
-  end_step(rest);
   for (size_t k = 0; k < K; ++k) {
-    tail[k] = hn::Mul(s[k], rest[k]);
-    if (low != nullptr) tail[k] = hn::Sub(tail[k], low[k]);
+    const V s2 = hn::Mul(s[k], s[k]);
+    const V rest = hn::Sub(p[k], hn::Mul(s2, Horner(d, s2, Base::kLA)));
+    V tail = hn::Mul(s[k], rest);
+    if (low != nullptr) tail = hn::Sub(tail, low[k]);
+    r[k] = hn::Add(head[k], hn::Sub(p[k], tail));
   }
-  end_step(tail);
-  for (size_t k = 0; k < K; ++k) tail[k] = hn::Sub(p[k], tail[k]);
-  end_step(tail);
-  for (size_t k = 0; k < K; ++k) r[k] = hn::Add(head[k], tail[k]);
 }
 
 // The same for the row of a point a: s = t/(m + a). `low` is what t lacks, of weight next to a = 1
@@ -232,8 +216,8 @@ HWY_INLINE void FullLog(D d, const V (&x)[K], V (&r)[K]) {
 }
 
 // Rare: x + kPlus not from 1.5 * 2^-1022 to what has the high word kHigh. Below AVX-512 the key is
-// the sum that the reduction starts from; there keys are joined by their high words alone, for the
-// 64-bit maximum is two operations on some processors.
+// the sum that the reduction starts from; there keys of sums are joined by their high words alone,
+// for the 64-bit maximum is two operations on some processors.
 template <int32_t kHigh, int kPlus = 0>
 struct LogShortRarity : RareOutside<double, 0x00180000, kHigh> {
   using Outside = RareOutside<double, 0x00180000, kHigh>;
@@ -243,7 +227,7 @@ struct LogShortRarity : RareOutside<double, 0x00180000, kHigh> {
   }
 #if HWY_TARGET == HWY_AVX3
   template <class D>
-  static HWY_INLINE BitsOf<D> Joined(D d, BitsOf<D> key, VecOf<D> x) {
+  requires(kPlus != 0) static HWY_INLINE BitsOf<D> Joined(D d, BitsOf<D> key, VecOf<D> x) {
     return BitsOf<D>{_mm512_max_epi32(key.raw, Key(d, x).raw)};
   }
   template <class D>
@@ -253,16 +237,19 @@ struct LogShortRarity : RareOutside<double, 0x00180000, kHigh> {
   }
 #endif
 };
+template <int32_t kHigh>
+struct OfHighWords<LogShortRarity<kHigh>> : OfHighWords<RareOutside<double, 0x00180000, kHigh>> {};
 
 // Reduction by a factor: x = 2^e m, 3/4 <= m < 3/2, for positive normal x, a factor c of the table
-// next to 1/m, and -log(c).
-template <class D>
+// next to 1/m, and -log(c). kNumber: e as a number alone, for x below 1.5 * 2^1023.
+template <class D, bool kNumber = false>
 struct LogShort {
-  VecOf<D> e, m, c, log;    // e in units of kExponentUnit
+  VecOf<D> e, m, c, log;    // e in units of kUnit
   BitsOf<D> exponent_bits;  // e << 52
+  static constexpr double kUnit = HWY_TARGET == HWY_AVX3 && !kNumber ? 0x1p-52 : 1;
 };
 
-inline constexpr double kExponentUnit = HWY_TARGET == HWY_AVX3 ? 0x1p-52 : 1;
+inline constexpr double kExponentUnit = LogShort<hn::ScalableTag<double>>::kUnit;
 
 template <class Table, class D, class V>
 HWY_INLINE void LogFactorAt(D d, V sixteenths, V& c, V& log) {
@@ -314,16 +301,23 @@ HWY_INLINE void LogFactorAt(D d, V sixteenths, V& c, V& log) {
 }
 
 // kLess: -e, +0 for 0, and its bits instead of e.
-template <class Table = LnExtractedFactors, bool kLess = false, class D, class V, size_t K>
-HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D> (&r)[K]) {
+template <class Table = LnExtractedFactors, bool kLess = false, bool kNumber = false, class D,
+          class V, size_t K>
+HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D, kNumber> (&r)[K]) {
   for (size_t k = 0; k < K; ++k) {
     const auto bits = Bits(d, x[k]);
 #if HWY_TARGET == HWY_AVX3
     r[k].m = V{_mm512_getmant_round_pd(x[k].raw, _MM_MANT_NORM_p75_1p5, _MM_MANT_SIGN_src,
                                        _MM_FROUND_NO_EXC)};
-    const auto scaled = Bits(d, r[k].m);
-    r[k].exponent_bits = kLess ? hn::Sub(scaled, bits) : hn::Sub(bits, scaled);
-    r[k].e = hn::ConvertTo(d, r[k].exponent_bits);
+    if constexpr (kNumber) {
+      // From 1.5 on the mantissa carries.
+      const auto carried = hn::Add(bits, SetBits(d, BitsOfNumber(1.5) - BitsOfNumber(1.0)));
+      r[k].e = V{_mm512_getexp_round_pd(FromBits(d, carried).raw, _MM_FROUND_NO_EXC)};
+    } else {
+      const auto scaled = Bits(d, r[k].m);
+      r[k].exponent_bits = kLess ? hn::Sub(scaled, bits) : hn::Sub(bits, scaled);
+      r[k].e = hn::ConvertTo(d, r[k].exponent_bits);
+    }
 #else
     const hn::RebindToUnsigned<D> du;
     const auto above = hn::Add(bits, SetBits(d, kBias - static_cast<uint64_t>(BitsOfNumber(0.75))));
@@ -350,44 +344,89 @@ HWY_INLINE V ShortProductLessOne(D d, V m, V c) {
 }
 
 // The argument of the sums, log(e) t, and e log(2) - log(c).
-template <class Base, class D, class V, size_t K>
-HWY_INLINE void LogTerms(D d, const LogShort<D> (&u)[K], const V (&t)[K], V (&p)[K], V (&head)[K]) {
+template <class Base, class D, class V, size_t K, bool kNumber>
+HWY_INLINE void LogTerms(D d, const LogShort<D, kNumber> (&u)[K], const V (&t)[K], V (&p)[K],
+                         V (&head)[K]) {
   for (size_t k = 0; k < K; ++k) {
     p[k] = t[k];
     if constexpr (Base::kLogE != 1) p[k] = hn::Mul(t[k], hn::Set(d, Base::kLogE));
-    constexpr double kLog2 = (Base::kLog2Hi + Base::kLog2Lo) * kExponentUnit;
+    constexpr double kLog2 = (Base::kLog2Hi + Base::kLog2Lo) * LogShort<D, kNumber>::kUnit;
     head[k] = hn::Add(hn::Mul(u[k].e, hn::Set(d, kLog2)), u[k].log);
   }
 }
 
-// log(2^e (1 + t)/c) for LA, s = t/(2 + t): at most 1.99 ulp, of which the exponent's share and
-// -log(c) make 1.44.
-template <class Base, bool kInSteps, class D, class V, size_t K>
-HWY_INLINE void LogLASum(D d, const LogShort<D> (&u)[K], const V (&t)[K], const V (&s)[K],
-                         V (&r)[K]) {
-  V p[K], head[K];
-  LogTerms<Base>(d, u, t, p, head);
-  LogDivisionSum<Base, kInSteps>(d, head, p, s, r);
-}
-
-template <class Base, class D, class V, size_t K>
-HWY_INLINE void LogLA(D d, const V (&x)[K], V (&r)[K]) {
-  LogShort<D> u[K];
-  V t[K], s[K];
-  LogShortReduce<typename Base::Factors>(d, x, u);
-  for (size_t k = 0; k < K; ++k) t[k] = ShortProductLessOne(d, u[k].m, u[k].c);
-  for (size_t k = 0; k < K; ++k) s[k] = hn::Div(t[k], hn::Add(t[k], hn::Set(d, 2.0)));
-  LogLASum<Base, true>(d, u, t, s, r);
-}
-
-template <class Base, class D, class V, size_t K>
+// kNumber: for x below 1.5 * 2^1023.
+template <class Base, bool kNumber = false, class D, class V, size_t K>
 HWY_INLINE void LogEP(D d, const V (&x)[K], V (&r)[K]) {
-  LogShort<D> u[K];
+  LogShort<D, kNumber> u[K];
   V t[K], p[K], head[K];
   LogShortReduce<typename Base::Factors>(d, x, u);
   for (size_t k = 0; k < K; ++k) t[k] = ShortProductLessOne(d, u[k].m, u[k].c);
   LogTerms<Base>(d, u, t, p, head);
   LogPlainSum(d, head, p, Base::kEP, r);
+}
+
+// The decimal logarithm for LA is free of divisions, whose unit is what limits AVX-512 on some
+// processors. Its argument: c m - log10(e) rounded once, for a c of 26 bits next to log10(e)/m, and
+// for log10(e) itself next to m = 1.
+template <class D, class V>
+HWY_INLINE V Log10Argument(D d, V m, V c) {
+  const V log_e = hn::Set(d, DecimalLog::kLogE);
+  const V argument = ShortMulSub(d, m, c, log_e);
+#if HWY_TARGET == HWY_SSE4  // log10(e) is not short
+  const V next_to_one = hn::Mul(hn::Sub(m, hn::Set(d, 1.0)), log_e);
+  return hn::IfThenElse(hn::Eq(c, log_e), next_to_one, argument);
+#else
+  return argument;
+#endif
+}
+
+// A part of a group. At most 1.81 ulp, seen where the logarithm lies just below a power of two and
+// the rounded argument just above.
+template <class D, size_t K>
+struct Log10Part {
+  using V = VecOf<D>;
+  static constexpr size_t kSize = K;
+  V head[K], p[K], q[K];
+
+  HWY_INLINE void Reduce(const V* x) {
+    const D d;
+    V in[K];
+    LogShort<D, true> u[K];
+    for (size_t k = 0; k < K; ++k) in[k] = x[k];
+    LogShortReduce<Log10Factors>(d, in, u);
+    for (size_t k = 0; k < K; ++k) p[k] = Log10Argument(d, u[k].m, u[k].c);
+    EndStep(p);
+    for (size_t k = 0; k < K; ++k) {
+      constexpr double kLog2 = DecimalLog::kLog2Hi + DecimalLog::kLog2Lo;
+      head[k] = hn::Add(hn::Mul(u[k].e, hn::Set(d, kLog2)), u[k].log);
+    }
+  }
+  HWY_INLINE void Evaluate() {
+    AdaptedSextic(D(), p, kLog10Long, q);
+    EndStep(q);
+  }
+  HWY_INLINE void Result(const V*, V* r) {
+    const D d;
+    V s[K];
+    for (size_t k = 0; k < K; ++k) q[k] = hn::Mul(q[k], p[k]);
+    for (size_t k = 0; k < K; ++k) s[k] = hn::Mul(p[k], p[k]);
+    EndStep(q);
+    for (size_t k = 0; k < K; ++k) q[k] = hn::Add(q[k], hn::Set(d, kLog10Square));
+    EndStep(q);
+    for (size_t k = 0; k < K; ++k) s[k] = hn::Mul(s[k], q[k]);
+    EndStep(s);
+    for (size_t k = 0; k < K; ++k) s[k] = hn::Add(s[k], p[k]);
+    EndStep(s);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::Add(head[k], s[k]);
+  }
+};
+
+template <class D, class V, size_t K>
+HWY_INLINE void Log10LA(D, const V (&x)[K], V (&r)[K]) {
+  constexpr size_t kEach = K % 4 == 0 ? 4 : K;
+  Log10Part<D, kEach> parts[K / kEach];
+  SomeInTurn(parts, x, r);
 }
 
 // The natural logarithm below 1 ulp, without a full sum.
@@ -464,6 +503,45 @@ HWY_INLINE void LogBelowOne(D d, const V (&x)[K], V (&r)[K]) {
   LogShortReduce<LnExactFactors>(d, x, u);
   for (size_t k = 0; k < K; ++k) t[k] = ProductLessOne(d, u[k].m, u[k].c);
   LogShortSum<false, true>(d, u, t, r);
+}
+
+// The same, bit for bit, for x below 1.5 * 2^1023. On AVX-512, where the divisions take most of the
+// time, they begin two vectors ahead.
+template <class D>
+struct LnPart {
+  using V = VecOf<D>;
+  static constexpr size_t kSize = 1;
+  LogShort<D, true> u[1];
+  V t, s, s2, rest;
+
+  HWY_INLINE void Reduce(const V* x) {
+    const D d;
+    LogShortReduce<LnExactFactors>(d, {x[0]}, u);
+    t = ProductLessOne(d, u[0].m, u[0].c);
+    V quotient[1] = {hn::Div(t, hn::Add(t, hn::Set(d, 2.0)))};
+    EndPart(quotient);
+    s = quotient[0];
+  }
+  HWY_INLINE void Evaluate() {
+    s2 = hn::Mul(s, s);
+    rest = Horner(D(), s2, kLnShort);
+  }
+  HWY_INLINE void Result(const V*, V* r) const {
+    const D d;
+    const V log = hn::Sub(t, hn::Mul(s, hn::Sub(t, hn::Mul(s2, rest))));
+    const V head = AddExactProduct(u[0].e, hn::Set(d, NaturalLog::kLog2Hi), u[0].log);
+    r[0] = hn::Add(head, AddExactProduct(u[0].e, hn::Set(d, kLn2Rest), log));
+  }
+};
+
+template <class D, class V, size_t K>
+HWY_INLINE void LnLA(D d, const V (&x)[K], V (&r)[K]) {
+  if constexpr (HWY_TARGET == HWY_AVX3) {
+    LnPart<D> parts[K];
+    SomeInTurn<2>(parts, x, r);
+  } else {
+    LogBelowOne(d, x, r);
+  }
 }
 
 }  // namespace pex::HWY_NAMESPACE

@@ -66,10 +66,12 @@ inline constexpr LogFactorColumns kLnColumns = ByColumns(kLnFactors);
 inline constexpr LogFactorColumns kLnPointColumns = ByColumns(kLnPoints);
 inline constexpr LogFactorColumns kLnShortColumns = ByColumns(kLnShortFactors);
 inline constexpr LogFactorColumns kLog10ShortColumns = ByColumns(kLog10ShortFactors);
+inline constexpr LogFactorColumns kLog10Columns = ByColumns(kLog10Factors);
 inline constexpr LogSixteenths kLnSixteenths = BySixteenths(kLnFactors);
 inline constexpr LogSixteenths kLnPointSixteenths = BySixteenths(kLnPoints);
 inline constexpr LogSixteenths kLnShortSixteenths = BySixteenths(kLnShortFactors);
 inline constexpr LogSixteenths kLog10ShortSixteenths = BySixteenths(kLog10ShortFactors);
+inline constexpr LogSixteenths kLog10Sixteenths = BySixteenths(kLog10Factors);
 inline constexpr LogRows kLnRows = ByRows(kLnTable);
 inline constexpr LogRows kLog10Rows = ByRows(kLog10Table);
 
@@ -109,6 +111,14 @@ struct Log10ShortFactors {
   static constexpr auto& kSixteenths = kLog10ShortSixteenths;
 };
 
+// For c m - log10(e).
+struct Log10Factors {
+  static constexpr bool kHalfByMemory = true;
+  static constexpr auto& kRows = kLog10Factors;
+  static constexpr auto& kColumns = kLog10Columns;
+  static constexpr auto& kSixteenths = kLog10Sixteenths;
+};
+
 // log2_hi is a multiple of 2^-42, so that its product with an exponent, and the sum with log(a),
 // are exact; log2_lo the rest of log(2).
 struct NaturalLog {
@@ -133,7 +143,6 @@ struct DecimalLog {
   static constexpr auto& kPolynomial = kLog10;
   using Factors = Log10ShortFactors;
   static constexpr double kLogE = 0x1.bcb7b1526e50ep-2;
-  static constexpr auto& kLA = kLog10LA;
   static constexpr auto& kEP = kLog10EP;
 };
 

@@ -39,7 +39,8 @@ constexpr LogSingleEight Folded(const LogSingleTable& t) {
 
 inline constexpr auto kLnSingleEight = Folded(kLnSingleEighths);
 inline constexpr auto kLnSingleRows = ByRows<float>(kLnSingleEighths);
-inline constexpr auto kLog10SingleRows = ByRows<double>(kLog10SingleFactors);
+inline constexpr auto kLog10SingleEight = Folded(kLog10SingleEighths);
+inline constexpr auto kLog10SingleRows = ByRows<double>(kLog10SingleEighths);
 
 // Powers of it go along with the argument where products of a tiny one would underflow.
 inline constexpr float kLog1pScale = 0x1p27f;
@@ -50,18 +51,16 @@ inline constexpr float kSingleLn2Hi = 0x1.62e4p-24f, kSingleLn2Lo = 0x1.7f7ep-43
 struct sNaturalLog {
   static constexpr float kLogE = 1;
   static constexpr float kLog2 = 0x1.62e430p-24f;  // 2^-23 ln 2
-  static constexpr float kLog2Hi = kLog2, kLog2Lo = 0;
+  static constexpr float kLog2Hi = kSingleLn2Hi;
   static constexpr auto& kTable = kLnSingleTable;
-  static constexpr auto& kLA = kLnSingleEighthLA;
   static constexpr auto& kEP = kLnSingleEP;
   static constexpr auto& kHA = kLnSingleHA;
 };
 
 struct sDecimalLog {
   static constexpr float kLogE = 0x1.bcb7b2p-2f;
-  static constexpr float kLog2 = 0x1.344136p-25f;                          // 2^-23 log10 2
-  static constexpr float kLog2Hi = 0x1.344p-25f, kLog2Lo = 0x1.350ap-41f;  // 16 bits each
-  static constexpr auto& kLA = kLog10SingleLA;
+  // 2^-23 log10 2 in two parts of 16 bits
+  static constexpr float kLog2Hi = 0x1.344p-25f, kLog2Lo = 0x1.350ap-41f;
   static constexpr auto& kEP = kLog10SingleEP;
   static constexpr auto& kHA = kLog10SingleHA;
 };

@@ -13,9 +13,9 @@ inline constexpr float kLnSingleLA[] = {
 inline constexpr float kLnSingleEighthLA[] = {
     -0x1.ffffb2p-2f, 0x1.5551c6p-2f, -0x1.0105c4p-2f, 0x1.a3342ap-3f};
 
-// log10(1 + x/nearest(log10(e))) = x (1 + c[0] x + ...), |x| <= 1.3614654541015625e-2; error 2^-24.125 x.
-inline constexpr float kLog10SingleLA[] = {
-    -0x1.26bb46p0f, 0x1.c49696p0f, -0x1.852278p1f};
+// log10(1 + x/nearest(log10(e))) = x (1 + c[0] x + ...), -3.28826904296875e-2 <= x <= 2.896881103515625e-2; error 2^-25.125 x.
+inline constexpr float kLog10SingleEighthLA[] = {
+    -0x1.26bbp0f, 0x1.c464f8p0f, -0x1.880acap1f, 0x1.7314e2p2f};
 
 // ln(1 + x) = x (1 + c[0] x + ...), -3.2257080078125e-2 <= x <= 3.33404541015625e-2; error 2^-49.375 x.
 inline constexpr double kLnSingleHA[] = {

@@ -22,8 +22,8 @@ inline constexpr LogSingleTable kLnSingleTable = {
      -0x1.08598cp-4f},
 };
 
-// Factors: c near log(e)/a and -log(c/log(e)), log(e) itself as a float; for ln of 12 bits, rows i for
-// a = i/8, i = 6 .. 12.
+// Factors: c near log(e)/a and -log(c/log(e)), log(e) itself as a float; for ln of 12 bits. Rows
+// i for a = i/8, i = 6 .. 12.
 inline constexpr LogSingleTable kLnSingleEighths = {
     {0x0p+0f, 0x0p+0f, 0x0p+0f, 0x0p+0f, 0x0p+0f,
      0x0p+0f, 0x1.484p+0f, 0x1.238p+0f, 0x1p+0f, 0x1.c84p-1f,
@@ -36,15 +36,15 @@ inline constexpr LogSingleTable kLnSingleEighths = {
 };
 
 
-inline constexpr LogSingleTable kLog10SingleFactors = {
-    {0x1.bcb7b2p-2f, 0x1.a3540ap-2f, 0x1.8b4e14p-2f, 0x1.767fdap-2f, 0x1.63c648p-2f,
-     0x1.52d51ap-2f, 0x1.436e7p-2f, 0x1.355e8p-2f, 0x1.2b9972p-2f, 0x0p+0f,
-     0x0p+0f, 0x0p+0f, 0x1.226d84p-1f, 0x1.11ac1ep-1f, 0x1.fc3fa6p-2f,
-     0x1.d9611ep-2f},
-    {0x0p+0f, 0x1.a2491ep-6f, 0x1.a3097ap-5f, 0x1.31b282p-4f, 0x1.8cf0e4p-4f,
-     0x1.e3bc1ap-4f, 0x1.1b3e22p-3f, 0x1.42c79cp-3f, 0x1.5f521ep-3f, 0x0p+0f,
-     0x0p+0f, 0x0p+0f, -0x1.db11eep-4f, -0x1.715d08p-4f, -0x1.db11e8p-5f,
-     -0x1.bc6aaep-6f},
+inline constexpr LogSingleTable kLog10SingleEighths = {
+    {0x0p+0f, 0x0p+0f, 0x0p+0f, 0x0p+0f, 0x0p+0f,
+     0x0p+0f, 0x1.1c9ea4p-1f, 0x1.f9fd66p-2f, 0x1.bcb7b2p-2f, 0x1.8caeap-2f,
+     0x1.63c648p-2f, 0x1.436e7p-2f, 0x1.2ec96ep-2f, 0x0p+0f, 0x0p+0f,
+     0x0p+0f},
+    {0x0p+0f, 0x0p+0f, 0x0p+0f, 0x0p+0f, 0x0p+0f,
+     0x0p+0f, -0x1.b72286p-4f, -0x1.cb3922p-5f, 0x0p+0f, 0x1.96aa12p-5f,
+     0x1.8cf0e4p-4f, 0x1.1b3e22p-3f, 0x1.55e876p-3f, 0x0p+0f, 0x0p+0f,
+     0x0p+0f},
 };
 
 }  // namespace pex

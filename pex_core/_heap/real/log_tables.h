@@ -129,6 +129,27 @@ inline constexpr LogFactors kLog10ShortFactors = {{
     {0x1.107fcd8p+0, -0x1.bc6bcf48d80bep-6},
 }};
 
+// c of at most 26 bits next to log10(e) 16/i, log10(e) as a double for i = 16 alone, with
+// the double next to -log10(c/log10(e)).
+inline constexpr LogFactors kLog10Factors = {{
+    {0x1.bcb7b1526e50ep-2, 0x0p+0},
+    {0x1.a3541bp-2, 0x1.a247f2afcbcbbp-6},
+    {0x1.8b4ep-2, 0x1.a30a27f41375bp-5},
+    {0x1.767fe48p-2, 0x1.31b24d4609db7p-4},
+    {0x1.63c6ab8p-2, 0x1.8ceeef5298484p-4},
+    {0x1.52d5fep-2, 0x1.e3b76a7c2fc7ap-4},
+    {0x1.436f4dp-2, 0x1.1b3bc0d27c8bcp-3},
+    {0x1.355ed58p-2, 0x1.42c6a4d35717ap-3},
+    {0x1.2b99d2p-2, 0x1.5f50ffa76db83p-3},
+    {0x1.bcb7b1526e50ep-2, 0x0p+0},
+    {0x1.bcb7b1526e50ep-2, 0x0p+0},
+    {0x1.bcb7b1526e50ep-2, 0x0p+0},
+    {0x1.226d948p-1, -0x1.db1255bcae6d6p-4},
+    {0x1.11ac24p-1, -0x1.715d3199ae0b4p-4},
+    {0x1.fc3fd98p-2, -0x1.db135562e6038p-5},
+    {0x1.d96141p-2, -0x1.bc6cc6f276755p-6},
+}};
+
 }  // namespace pex
 
 #endif  // PEX_CORE__HEAP_REAL_LOG_TABLES_H_

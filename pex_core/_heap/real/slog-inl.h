@@ -6,6 +6,7 @@
 #include "pex_core/_heap/real/log_single.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/_kernel/fused_single-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 
 #if defined(PEX_CORE__HEAP_REAL_SLOG_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -103,10 +104,10 @@ HWY_INLINE V sLogLASum(D d, V scaled, V t, sLogIndex<D> row) {
                  hn::Add(row.LookUp(Base::kTable.log), s));
 }
 
-// The number of sixteenths next to m, in the low bits.
+// The number of eighths next to m, in the low bits.
 template <class D, class V>
-HWY_INLINE BitsOf<D> sLogSixteenths(D d, V m) {
-  return Bits(d, hn::Add(m, hn::Set(d, 0x1.8p19f)));
+HWY_INLINE BitsOf<D> sLogEighths(D d, V m) {
+  return Bits(d, hn::Add(m, hn::Set(d, 0x1.8p20f)));
 }
 
 #if HWY_TARGET == HWY_SSE4
@@ -128,7 +129,7 @@ HWY_INLINE void sLogRows(D d, const Rows& rows, BitsOf<D> i, const char* (&at)[4
 // A factor c of 12 bits next to 1/m, and -ln(c), for the eighth next to m.
 template <class D, class V>
 HWY_INLINE void sLnFactorAt(D d, V m, V& c, V& log) {
-  const auto i = Bits(d, hn::Add(m, hn::Set(d, 0x1.8p20f)));  // ends in the number of eighths
+  const auto i = sLogEighths(d, m);
 #if HWY_TARGET == HWY_SSE4
   const char* at[4];
   sLogRows(d, kLnSingleRows, i, at);
@@ -148,57 +149,70 @@ HWY_INLINE void sLnFactorAt(D d, V m, V& c, V& log) {
 #endif
 }
 
-// The argument of the polynomial, c m - log(e) rounded once, and -log(c/log(e)).
-template <class Base, class D, class V>
-HWY_INLINE void sLogArgument(D d, V m, V& p, V& log) {
-  if constexpr (Base::kLogE == 1) {
-    V c;
-    sLnFactorAt(d, m, c, log);
-    p = ShortMulAdd(d, m, c, hn::Set(d, -1.0f));
-  } else {
-    const auto i = sLogSixteenths(d, m);
-#if HWY_TARGET == HWY_SSE4  // in double the products are exact
-    const char* at[4];
-    sLogRows(d, kLog10SingleRows, i, at);
-    const auto row = [&at](int k)
-                         HWY_ATTR { return _mm_load_pd(reinterpret_cast<const double*>(at[k])); };
-    const __m128d r0 = row(0), r1 = row(1), r2 = row(2), r3 = row(3);
-    const __m128d log_e = _mm_set1_pd(double{Base::kLogE});
-    const __m128d low = _mm_cvtps_pd(m.raw), high = _mm_cvtps_pd(_mm_movehl_ps(m.raw, m.raw));
-    const __m128d p0 = _mm_sub_pd(_mm_mul_pd(low, _mm_unpacklo_pd(r0, r1)), log_e);
-    const __m128d p1 = _mm_sub_pd(_mm_mul_pd(high, _mm_unpacklo_pd(r2, r3)), log_e);
-    p = V{_mm_movelh_ps(_mm_cvtpd_ps(p0), _mm_cvtpd_ps(p1))};
-    const __m128 log0 = _mm_castpd_ps(_mm_unpackhi_pd(r0, r1));
-    const __m128 log1 = _mm_castpd_ps(_mm_unpackhi_pd(r2, r3));
-    log = V{_mm_shuffle_ps(log0, log1, 0x88)};
-#else
-    const sLogIndex<D> row(d, i);
-    p = ShortMulSub(d, m, row.LookUp(kLog10SingleFactors.factor), hn::Set(d, Base::kLogE));
-    log = row.LookUp(kLog10SingleFactors.log);
-#endif
-  }
+// ln(2^e m), m next to 1/c: the products are exact or separate.
+template <class D, class V>
+HWY_INLINE V sLnSumLA(D d, V scaled, V m) {
+  V c, log;
+  sLnFactorAt(d, m, c, log);
+  const V p = ShortMulAdd(d, m, c, hn::Set(d, -1.0f));
+  const V p2 = hn::Mul(p, p);
+  const V s = hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, kLnSingleEighthLA)));
+  return hn::Add(hn::Add(hn::Mul(scaled, hn::Set(d, sNaturalLog::kLog2)), log), s);
 }
 
-// e log(2) + log + log(1 + p/log(e)), log(e) as a float. The products of e and the parts of
-// log10(2), which lies far from a float, are exact, so that they may be fused.
-template <class Base, class D, class V>
-HWY_INLINE V sLogFactorSum(D d, V scaled, V log, V p) {
-  const V p2 = hn::Mul(p, p);
-  const V s = hn::Add(p, hn::Mul(p2, EvenOdd(d, p, p2, Base::kLA)));
-  if constexpr (Base::kLog2Lo == 0) {
-    return hn::Add(hn::Add(hn::Mul(scaled, hn::Set(d, Base::kLog2)), log), s);
-  } else {
-    return hn::Add(AddExactProduct(scaled, hn::Set(d, Base::kLog2Hi), log),
-                   AddExactProduct(scaled, hn::Set(d, Base::kLog2Lo), s));
-  }
+// c m - log10(e) rounded once for a float c next to log10(e)/m, and -log10(c/log10(e)), for the
+// eighth next to m.
+template <class D, class V>
+HWY_INLINE void sLog10Argument(D d, V m, V& p, V& log) {
+  const auto i = sLogEighths(d, m);
+#if HWY_TARGET == HWY_SSE4  // in double the products are exact
+  const char* at[4];
+  sLogRows(d, kLog10SingleRows, i, at);
+  const auto row = [&at](int k)
+                       HWY_ATTR { return _mm_load_pd(reinterpret_cast<const double*>(at[k])); };
+  const __m128d r0 = row(0), r1 = row(1), r2 = row(2), r3 = row(3);
+  const __m128d log_e = _mm_set1_pd(double{sDecimalLog::kLogE});
+  const WideHalves halves = InHalves(m);
+  const __m128d p0 = _mm_sub_pd(_mm_mul_pd(halves.lower.raw, _mm_unpacklo_pd(r0, r1)), log_e);
+  const __m128d p1 = _mm_sub_pd(_mm_mul_pd(halves.upper.raw, _mm_unpacklo_pd(r2, r3)), log_e);
+  p = V{_mm_movelh_ps(_mm_cvtpd_ps(p0), _mm_cvtpd_ps(p1))};
+  const __m128 log0 = _mm_castpd_ps(_mm_unpackhi_pd(r0, r1));
+  const __m128 log1 = _mm_castpd_ps(_mm_unpackhi_pd(r2, r3));
+  log = V{_mm_shuffle_ps(log0, log1, 0x88)};
+#else
+  V c;
+#if HWY_TARGET == HWY_AVX2
+  c = V{_mm256_permutevar8x32_ps(_mm256_load_ps(kLog10SingleEight.factor), i.raw)};
+  log = V{_mm256_permutevar8x32_ps(_mm256_load_ps(kLog10SingleEight.log), i.raw)};
+#else
+  const sLogIndex<D> row(d, i);
+  c = row.LookUp(kLog10SingleEighths.factor);
+  log = row.LookUp(kLog10SingleEighths.log);
+#endif
+  p = ShortMulSub(d, m, c, hn::Set(d, sDecimalLog::kLogE));
+#endif
+}
+
+// log10(2^e m), scaled = 2^23 e. The products of e and the parts of log10(2), which lies far from a
+// float, are exact.
+template <class D, class V>
+HWY_INLINE V sLog10SumLA(D d, V scaled, V m) {
+  V p[1], log, s[1];
+  sLog10Argument(d, m, p[0], log);
+  const V p2[1] = {hn::Mul(p[0], p[0])};
+  FusedCubic(d, p, kLog10SingleEighthLA, p2, p, s);
+  return hn::Add(AddExactProduct(scaled, hn::Set(d, sDecimalLog::kLog2Hi), log),
+                 AddExactProduct(scaled, hn::Set(d, sDecimalLog::kLog2Lo), s[0]));
 }
 
 template <class Base, class D, class V>
 HWY_INLINE V sLogLA(D d, V x) {
   const auto u = sLogReduce(d, x);
-  V p, log;
-  sLogArgument<Base>(d, u.m, p, log);
-  return sLogFactorSum<Base>(d, u.scaled, log, p);
+  if constexpr (Base::kLogE == 1) {
+    return sLnSumLA(d, u.scaled, u.m);
+  } else {
+    return sLog10SumLA(d, u.scaled, u.m);
+  }
 }
 
 // e log(2) + log(1 + t), -1/4 <= t <= 1/2.
@@ -208,10 +222,13 @@ HWY_INLINE V sLogEPSum(D d, V scaled, V t) {
   return hn::Add(hn::Mul(scaled, hn::Set(d, Base::kLog2)), s);
 }
 
+// The same by the fewest operations: the products with log(2) in 16 bits are exact.
 template <class Base, class D, class V>
 HWY_INLINE V sLogEP(D d, V x) {
   const auto u = sLogReduce(d, x);
-  return sLogEPSum<Base>(d, u.scaled, hn::Sub(u.m, hn::Set(d, 1.0f)));
+  const V t = hn::Sub(u.m, hn::Set(d, 1.0f));
+  const V s = hn::Mul(t, Horner(d, t, Base::kEP));
+  return AddExactProduct(u.scaled, hn::Set(d, Base::kLog2Hi), s);
 }
 
 // HA computes in double, with the table of the double logarithms. The exponent and the row come
