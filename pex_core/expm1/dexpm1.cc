@@ -19,6 +19,7 @@ static char _PEX_THISFUNC_NAME[] = "vdExpm1";
 
 constexpr double kLn2Hi = 0x1.62e42fefa38p-1;           // ln2, 42 bits: its product with n is exact
 constexpr double kLn2Lo = 0x1.ef35793c7673p-45;         // the rest
+constexpr double kLn2Middle = 0x1.ef35793c768p-45;      // 42 bits of that
 constexpr double kLeast = -60;                          // below it the result is -1 to nearest
 inline constexpr bool kFused = HWY_TARGET != HWY_SSE4;  // exact products with their sums
 
@@ -39,10 +40,11 @@ HWY_INLINE Expm1Reduced<D> Expm1Reduce(D d, V x) {
     u.x = hn::IfThenZeroElse(u.tiny, x);
   }
   if constexpr (kProducts) u.x = hn::Max(u.x, hn::Set(d, kLeast));
-  const V shifter = hn::Set(d, 0x1.8p52);
+  const V shifter = hn::Set(d, kSilent ? 0x1.8p52 + 1023 : 0x1.8p52);
   const V kf = hn::Add(SilentMul(u.x, hn::Set(d, 0x1.71547652b82fep+0)), shifter);  // 1/ln2
   u.n = hn::Sub(kf, shifter);
-  u.power = FromBits(d, hn::Add(hn::ShiftLeft<52>(Bits(d, kf)), SetBits(d, 0x3FF0000000000000)));
+  const auto exponent = hn::ShiftLeft<52>(Bits(d, kf));
+  u.power = FromBits(d, kSilent ? exponent : hn::Add(exponent, SetBits(d, 0x3FF0000000000000)));
   return u;
 }
 
@@ -50,7 +52,7 @@ HWY_INLINE Expm1Reduced<D> Expm1Reduce(D d, V x) {
 template <class D, class V>
 HWY_INLINE V Expm1Result([[maybe_unused]] D d, const Expm1Reduced<D>& u, V x, V y) {
   if constexpr (kHasSilentMul<V>) return hn::CopySign(y, x);  // of zeros
-  return hn::IfThenElse(u.tiny, x, y);
+  return hn::Or(y, hn::IfThenElseZero(u.tiny, x));            // y is 0 there
 }
 
 template <class Groups>
@@ -58,6 +60,18 @@ struct dExpm1Common : Groups {
   using Rarity = RareAbove<double, 0x4086232A>;  // |x| >= 708.39599609375
   static HWY_INLINE int Rare(double x, double* r) { return Expm1Rare(x, r, dExpScalar); }
 };
+
+// A polynomial with its signs changed.
+template <size_t N>
+struct Polynomial {
+  double c[N];
+};
+template <size_t N>
+constexpr Polynomial<N> Negated(const double (&c)[N]) {
+  Polynomial<N> negated = {};
+  for (size_t i = 0; i < N; ++i) negated.c[i] = -c[i];
+  return negated;
+}
 
 struct dExpm1EP : dExpm1Common<LargeGroups<double>> {
   template <class D, class V, size_t K>
@@ -79,24 +93,26 @@ struct dExpm1EP : dExpm1Common<LargeGroups<double>> {
 };
 
 struct dExpm1LA : dExpm1Common<LargeGroups<double>> {
+  static constexpr auto kLess = Negated(kExpm1LA);
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    const V low = hn::Set(d, kLn2Middle);
     Expm1Reduced<D> u[K];
-    V r[K], r0[K], r1[K], r2[K], q[K];
+    V r0[K], r[K], r2[K], q[K];
     for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce<!kFused, true>(d, x[k]);
     for (size_t k = 0; k < K; ++k) {
       r0[k] = SubExactProduct(u[k].n, hn::Set(d, kLn2Hi), u[k].x);  // exact
-      r1[k] = hn::Mul(u[k].n, hn::Set(d, kLn2Lo));
-      r[k] = hn::Sub(r0[k], r1[k]);
+      r[k] = SubExactProduct(u[k].n, low, r0[k]);
       r2[k] = SilentMul(r[k], r[k]);
     }
-    SilentEvenOdd(d, r, r2, kExpm1LA, q);
+    SilentEvenOdd(d, r, r2, kLess.c, q);
     for (size_t k = 0; k < K; ++k) {
       // The rounding of r would tell in 2^n (e^r - 1), so r0 goes its own way. Products with
-      // powers of two are exact.
-      const V rest = hn::Sub(SilentMul(r2[k], q[k]), r1[k]);
-      const V head = AddExactProduct(u[k].power, r0[k], hn::Sub(u[k].power, hn::Set(d, 1.0)));
-      out[k] = Expm1Result(d, u[k], x[k], AddExactProduct(u[k].power, rest, head));
+      // powers of two are exact. The signs are such that zeros keep theirs.
+      const V rest = AddExactProduct(u[k].n, low, SilentMul(r2[k], q[k]));
+      const V head = ExactProductLess(u[k].power, r0[k], hn::Sub(hn::Set(d, 1.0), u[k].power));
+      const V y = SubExactProduct(u[k].power, rest, head);
+      out[k] = kHasSilentMul<V> ? y : Expm1Result(d, u[k], x[k], y);
     }
   }
 };

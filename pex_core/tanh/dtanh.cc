@@ -29,7 +29,7 @@ struct dTanhEP : dTanhCommon<> {
     for (size_t k = 0; k < K; ++k) {
       const V m = TanhMagnitude(d, x[k]);
       const auto [step, number] = ToNearestStep(d, m, 0x1.71547652b82fep+4);
-      const auto power = EighthLookup<D>(step)(dHyperbolicTangentGrow);
+      const auto power = EighthLookup<D>(step).template Pattern<dHyperbolicTangentGrow>();
       half_power[k] = FromBits(d, hn::Add(power, hn::ShiftLeft<49>(step)));
       h[k] = hn::Sub(m, hn::Mul(number, hn::Set(d, 0x1.62e42fefa39efp-5)));
     }

@@ -21,8 +21,8 @@ struct sTanhCommon : Groups {
   static HWY_INLINE int Rare(float x, float* r) { return TanhRare(x, r); }
 };
 
-// AVX-512 takes a minimum without a flag, and of a NaN and a number the second operand: a NaN
-// passes through the sums and products below as it does through x + x, and no lane is rare.
+// AVX-512 takes minima and maxima without a flag, and of a NaN and a number the second operand: a
+// NaN passes through the sums and products below as it does through x + x, and no lane is rare.
 #if HWY_TARGET == HWY_AVX3
 struct NoneRare : RareAbove<float, 0x7F7FFFFF> {
   template <class D, class V>
@@ -41,72 +41,80 @@ template <class V>
 HWY_INLINE V AtMost(V limit, V x) {
   return V{_mm512_min_round_ps(limit.raw, x.raw, _MM_FROUND_NO_EXC)};
 }
+template <class V>
+HWY_INLINE V AtLeast(V limit, V x) {
+  return V{_mm512_max_round_ps(limit.raw, x.raw, _MM_FROUND_NO_EXC)};
+}
 #else
 using sTanhVector = sTanhCommon<>;
 template <class V>
 HWY_INLINE V AtMost(V limit, V x) {
   return hn::Min(x, limit);
 }
+template <class V>
+HWY_INLINE V AtLeast(V limit, V x) {
+  return hn::Max(x, limit);
+}
 #endif
 
-// Where n = 1 begins: beyond the middle of the steps, so that the number of the step is found
-// without an underflow; for LA later still, for the first results have the largest errors.
-inline constexpr float kFirstEP = 0.19f, kFirst = 0.28f;
-
-// |x| = n ln2/2 + h with n = 0 up to `first`. ln2/2 is a float of 21 bits to 2^-29 of itself, so h
-// is exact as long as its error could tell. Arguments from 10 on give 1, as 10 does.
-template <class V>
-struct Halves {
-  V half_power;  // 2^n/2
-  V h;
-};
-
-template <class D, class V>
-HWY_INLINE Halves<V> ToHalves(D d, V x, float first) {
-  const V m = AtMost(hn::Set(d, 10.0f), hn::Abs(x));
-  const V turn = hn::Sub(m, hn::Set(d, first - 0x1.62e43p-3f));
-  const auto [n, nd] = ToNearestStep(d, turn, 0x1.715476p+1f);
-  return {FromBits(d, hn::Add(hn::ShiftLeft<23>(n), SetBits(d, 0x3F000000))),
-          hn::Sub(m, hn::Mul(nd, hn::Set(d, 0x1.62e43p-2f)))};
-}
-
-// tanh h = h (1 + h2 odd(h2)).
-template <class D, class V, size_t N>
-HWY_INLINE V TanhOfHalf(D d, V h, const float (&odd)[N]) {
-  const V h2 = SquareNearZero(d, h);
-  return hn::Mul(h, hn::Add(SilentMul(h2, SilentHorner(d, h2, odd)), hn::Set(d, 1.0f)));
-}
-
-// With P = 2^n and t = tanh h the result is (g + t)/(g + 1), g = (P - 1)/2 (1 + t).
+// A quotient of polynomials, 1 at the limit.
 struct sTanhEP : sTanhVector {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    Halves<V> u[K];
-    for (size_t k = 0; k < K; ++k) u[k] = ToHalves(d, x[k], kFirstEP);
+    const auto& [a, b, c, limit] = sTanhEPQuotient;
+    const V unit = hn::Set(d, 1024.0f);
     for (size_t k = 0; k < K; ++k) {
-      const V t = TanhOfHalf(d, u[k].h, sTanhEPPolynomial);
-      const V a = hn::Sub(u[k].half_power, hn::Set(d, 0.5f));
-      const V g = hn::Add(a, hn::Mul(a, t));
-      const V y = hn::Div(hn::Add(g, t), hn::Add(g, hn::Set(d, 1.0f)));
-      out[k] = hn::CopySignToAbs(y, x[k]);
+      const V w = AtLeast(hn::Set(d, -limit), AtMost(hn::Set(d, limit), x[k]));
+      const V s = SquareNearZero(d, w);
+      const V p = hn::Add(SilentMul(hn::Add(s, hn::Set(d, a)), s), unit);
+      const V q = hn::Add(SilentMul(hn::Add(SilentMul(s, hn::Set(d, c)), hn::Set(d, b)), s), unit);
+      out[k] = hn::Div(hn::Mul(w, p), q);
     }
   }
 };
 
-// g is the rounded divisor less 1, so that the rounding of the divisor, in both sides of the
-// quotient, weighs little where the result is close to 1.
+// |x| = n ln2/2 + h. As n is the integer next to somewhat less than |x|/(ln2/2), the steps begin
+// late, for the first results of each have the largest errors. Arguments from 10 on give 1, as 10
+// does.
+template <class V>
+struct Halves {
+  V power;  // 2^n
+  V h;
+};
+
+template <class D, class V>
+HWY_INLINE Halves<V> ToHalves(D d, V x) {
+  const V m = AtMost(hn::Set(d, 10.0f), hn::Abs(x));
+  const V shifter = hn::Set(d, 0x1.8p23f + 127);  // leaves the exponent of 2^n in the low bits
+  const V kf = hn::Add(StepsFromZero(d, m, 0x1.5ap+1f), shifter);  // 0.938 times 2/ln2
+  const V n = hn::Sub(kf, shifter);
+  // ln2/2 is a float of 21 bits to 2^-29 of itself, and what comes of it is rounded once: its upper
+  // 17 bits leave an exact difference.
+#if HWY_TARGET == HWY_SSE4
+  const V upper = hn::Sub(m, hn::Mul(n, hn::Set(d, 0x1.62e4p-2f)));
+  const V h = hn::Sub(upper, hn::Mul(n, hn::Set(d, 0x1.8p-21f)));
+#else
+  const V h = HiddenNegMulAdd(n, hn::Set(d, 0x1.62e43p-2f), m);
+#endif
+  return {FromBits(d, hn::ShiftLeft<23>(Bits(d, kf))), h};
+}
+
+// With P = 2^n, c = h/tanh h and a = (P - 1)/2 the result is s/(s + c - h), s = P h + a (c - h):
+// the rounding of s, in both sides of the quotient, weighs little where the result is close to 1.
 struct sTanhLA : sTanhVector {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    const V one = hn::Set(d, 1.0f), half = hn::Set(d, 0.5f);
     Halves<V> u[K];
-    for (size_t k = 0; k < K; ++k) u[k] = ToHalves(d, x[k], kFirst);
+    for (size_t k = 0; k < K; ++k) u[k] = ToHalves(d, x[k]);
     for (size_t k = 0; k < K; ++k) {
-      const V half = hn::Set(d, 0.5f);
-      const V t = TanhOfHalf(d, u[k].h, sTanhLAPolynomial);
-      const V a = hn::Sub(u[k].half_power, half), b = hn::Add(u[k].half_power, half);
-      const V below = hn::Add(b, hn::Mul(a, t));
-      const V above = hn::Add(hn::Sub(below, hn::Set(d, 1.0f)), t);
-      out[k] = hn::CopySignToAbs(hn::Div(above, below), x[k]);
+      const auto& [power, h] = u[k];
+      const V h2 = SquareNearZero(d, h);
+      const V c = hn::Add(SilentMul(SilentHorner(d, h2, sTanhLAPolynomial), h2), one);
+      const V a = ExactProductLess(power, half, half);
+      const V rest = hn::Sub(c, h);
+      const V s = AddExactProduct(power, h, hn::Mul(a, rest));
+      out[k] = hn::CopySignToAbs(hn::Div(s, hn::Add(s, rest)), x[k]);
     }
   }
 };

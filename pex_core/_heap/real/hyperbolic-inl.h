@@ -32,39 +32,57 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Entries k & 7 of tables of 8 doubles; the other bits of k are of no concern.
+#if HWY_TARGET == HWY_AVX2
+// The lower and the upper words of a table of 8 numbers of 64 bits.
+struct EighthWords {
+  alignas(32) uint32_t lower[8], upper[8];
+  template <typename T>
+  constexpr explicit EighthWords(const T (&table)[8]) : lower(), upper() {
+    for (int j = 0; j < 8; ++j) {
+      const auto bits = __builtin_bit_cast(uint64_t, table[j]);
+      lower[j] = static_cast<uint32_t>(bits);
+      upper[j] = static_cast<uint32_t>(bits >> 32);
+    }
+  }
+};
+template <const auto& kTable>
+inline constexpr EighthWords kEighthWords{kTable};
+#endif
+
+// Entries k & 7 of tables of 8 doubles or of their bits; the other bits of k are of no concern.
 template <class D>
 struct EighthLookup {
 #if HWY_TARGET == HWY_AVX3
   __m512i index;
   explicit HWY_INLINE EighthLookup(BitsOf<D> k) : index(k.raw) {}
-  HWY_INLINE VecOf<D> operator()(const double* table) const {
-    return VecOf<D>{_mm512_permutexvar_pd(index, _mm512_load_pd(table))};
+  template <const auto& kTable>
+  HWY_INLINE VecOf<D> Number() const {
+    return VecOf<D>{_mm512_permutexvar_pd(index, _mm512_load_pd(kTable))};
   }
 #elif HWY_TARGET == HWY_AVX2
-  __m256i index;  // of the 32-bit halves in four doubles
-  __m256d upper;  // whether in the upper four: in the sign
-  explicit HWY_INLINE EighthLookup(BitsOf<D> k) {
-    const __m256i twice = _mm256_slli_epi32(_mm256_shuffle_epi32(k.raw, 0xA0), 1);
-    index = _mm256_add_epi32(twice, _mm256_set1_epi64x(int64_t{1} << 32));
-    upper = _mm256_castsi256_pd(_mm256_slli_epi64(k.raw, 61));
-  }
-  HWY_INLINE VecOf<D> operator()(const double* table) const {
-    const auto four = [&](const double* t) HWY_ATTR {
-      const __m256 halves = _mm256_castpd_ps(_mm256_load_pd(t));
-      return _mm256_castps_pd(_mm256_permutevar8x32_ps(halves, index));
+  __m256i index;  // of both words
+  explicit HWY_INLINE EighthLookup(BitsOf<D> k) : index(_mm256_shuffle_epi32(k.raw, 0xA0)) {}
+  template <const auto& kTable>
+  HWY_INLINE VecOf<D> Number() const {
+    const auto words = [&](const uint32_t* table) HWY_ATTR {
+      const auto eight = _mm256_load_si256(reinterpret_cast<const __m256i*>(table));
+      return _mm256_castsi256_ps(_mm256_permutevar8x32_epi32(eight, index));
     };
-    return VecOf<D>{_mm256_blendv_pd(four(table), four(table + 4), upper)};
+    constexpr const EighthWords& kWords = kEighthWords<kTable>;
+    return VecOf<D>{
+        _mm256_castps_pd(_mm256_blend_ps(words(kWords.lower), words(kWords.upper), 0xAA))};
   }
 #else
   BitsOf<D> index;
   explicit HWY_INLINE EighthLookup(BitsOf<D> k) : index(hn::And(k, SetBits(D(), 7))) {}
-  HWY_INLINE VecOf<D> operator()(const double* table) const {
-    return hn::GatherIndex(D(), table, index);
+  template <const auto& kTable>
+  HWY_INLINE VecOf<D> Number() const {
+    return hn::GatherIndex(D(), reinterpret_cast<const double*>(kTable), index);
   }
 #endif
-  HWY_INLINE BitsOf<D> operator()(const int64_t* table) const {
-    return Bits(D(), (*this)(reinterpret_cast<const double*>(table)));
+  template <const auto& kTable>
+  HWY_INLINE BitsOf<D> Pattern() const {
+    return Bits(D(), Number<kTable>());
   }
 };
 
@@ -73,9 +91,13 @@ template <class D>
 struct SingleEighthLookup {
   BitsOf<D> k;
   explicit HWY_INLINE SingleEighthLookup(BitsOf<D> number) : k(number) {}
-  HWY_INLINE VecOf<D> operator()(const float* table) const { return LookupEighth(D(), table, k); }
-  HWY_INLINE BitsOf<D> operator()(const int32_t* table) const {
-    return Bits(D(), (*this)(reinterpret_cast<const float*>(table)));
+  template <const auto& kTable>
+  HWY_INLINE VecOf<D> Number() const {
+    return LookupEighth(D(), reinterpret_cast<const float*>(kTable), k);
+  }
+  template <const auto& kTable>
+  HWY_INLINE BitsOf<D> Pattern() const {
+    return Bits(D(), Number<kTable>());
   }
 };
 
@@ -209,10 +231,10 @@ HWY_INLINE HyperbolicSplit<V> Split(D d, V x) {
   const auto [k, kd] = ToNearestStep(d, steps);
   const typename Steps::template Lookup<D> lookup(k);
   const auto n = hn::ShiftLeft<Steps::kToExponent>(k);
-  const auto& grow = kAccurate ? Steps::kGrow : Steps::kPlainGrow;
-  const auto& decay = kAccurate ? Steps::kDecay : Steps::kPlainDecay;
-  u.grow = FromBits(d, hn::Add(lookup(grow), n));
-  u.decay = FromBits(d, hn::Sub(lookup(decay), n));
+  constexpr const auto& kGrow = kAccurate ? Steps::kGrow : Steps::kPlainGrow;
+  constexpr const auto& kDecay = kAccurate ? Steps::kDecay : Steps::kPlainDecay;
+  u.grow = FromBits(d, hn::Add(lookup.template Pattern<kGrow>(), n));
+  u.decay = FromBits(d, hn::Sub(lookup.template Pattern<kDecay>(), n));
   if constexpr (kPoints == Points::kRough || kPoints == Points::kRoughFromZero) {
     // In double precision the first part alone is good to 2^-29 for any k.
     if constexpr (sizeof(hn::TFromD<D>) == 8) {
@@ -223,7 +245,7 @@ HWY_INLINE HyperbolicSplit<V> Split(D d, V x) {
     u.r_rest = u.r;
   } else {
     V r0 = SubExactProduct(kd, hn::Set(d, Steps::kHi), x);
-    if constexpr (kAccurate) r0 = hn::Sub(r0, lookup(Steps::kOffset));  // exact
+    if constexpr (kAccurate) r0 = hn::Sub(r0, lookup.template Number<Steps::kOffset>());  // exact
     const V r1 = hn::Mul(kd, hn::Set(d, Steps::kLo));
     u.r = hn::Sub(r0, r1);
     u.r_rest = hn::Sub(hn::Sub(r0, u.r), r1);
@@ -363,10 +385,10 @@ HWY_INLINE TanhSplit<V> SplitForTanh(D d, V m) {
   const V shifted = hn::Sub(m, hn::Set(d, 0x1.62e4p-7));
   const auto [k, kd] = ToNearestStep(d, shifted, 0x1.71547652b82fep+4);
   const EighthLookup<D> lookup(k);
-  const auto power = lookup(dHyperbolicTangentGrow);
+  const auto power = lookup.template Pattern<dHyperbolicTangentGrow>();
   u.half_power = FromBits(d, hn::Add(power, hn::ShiftLeft<49>(k)));
   const V h0 = hn::Sub(SubExactProduct(kd, hn::Set(d, kHi), m),
-                       lookup(dHyperbolicTangentHalfOffset));  // exact
+                       lookup.template Number<dHyperbolicTangentHalfOffset>());  // exact
   const V h1 = hn::Mul(kd, hn::Set(d, kLo));
   u.h = hn::Sub(h0, h1);
   u.h_rest = hn::Sub(hn::Sub(h0, u.h), h1);

@@ -45,13 +45,9 @@ inline constexpr float sCoshPolynomial[] = {
 inline constexpr float sSinhPolynomial[] = {
     0x1.555c5p-3f};
 
-// tanh x = x + p(x^2) x^3, |x| <= 0.19009999930858612060546875; relative error 2^-15.046875.
-inline constexpr float sTanhEPPolynomial[] = {
-    -0x1.514bbp-2f};
-
-// tanh x = x + p(x^2) x^3, |x| <= 0.28009998798370361328125; relative error 2^-27.03125.
+// x/tanh x = 1 + p(x^2) x^2, |x| <= 0.189999997615814208984375; relative error 2^-27.96875.
 inline constexpr float sTanhLAPolynomial[] = {
-    -0x1.5554dcp-2f, 0x1.10c704p-3f, -0x1.a04316p-5f};
+    0x1.555506p-2f, -0x1.6a5a5cp-6f};
 
 // atanh x = x + p(x^2) x^3, |x| <= 0.203999996185302734375; relative error 2^-28.15625.
 inline constexpr double dAtanhEPPolynomial[] = {
@@ -74,6 +70,11 @@ inline constexpr float sAtanhLAPolynomial[] = {
 inline constexpr float sAsinhPolynomial[] = {
     -0x1.555528p-3f, 0x1.33203cp-4f, -0x1.6b199p-5f, 0x1.c8699cp-6f,
     -0x1.9fe50ap-7f};
+
+// tanh x = x (1024 + c[0] x^2 + x^4)/(1024 + c[1] x^2 + c[2] x^4) up to c[3], where that comes out as 1;
+// relative error 2^-12.125.
+inline constexpr float sTanhEPQuotient[] = {
+    0x1.cc3bbap6f, 0x1.c905b2p8f, 0x1.03e5fep4f, 0x1.2349b6p2f};
 
 }  // namespace pex
 
