@@ -1,6 +1,6 @@
 // Writes pex_core/_heap/real/trig_tables.h: points near the multiples of pi/16 with their sines and
-// cosines, the binary expansion of 2/pi in the two forms of the reductions, and the sines and
-// cosines of the multiples of pi/32.
+// cosines, the tangents of those multiples, the binary expansion of 2/pi in the two forms of the
+// reductions, and the sines and cosines of the multiples of pi/32.
 #include <mpfr.h>
 
 #include <cmath>
@@ -132,6 +132,50 @@ void Points() {
   std::printf("},\n};\n\n");
 }
 
+void Tangents() {
+  double tan[16], cos2[16], sin_cos[16], infinite[16];
+  mpfr_t angle, s, c, t;
+  mpfr_inits2(200, angle, s, c, t, nullptr);
+  for (int j = -8; j < 8; ++j) {
+    const int row = j + 8;
+    infinite[row] = 0;
+    if (j == -8) {
+      tan[row] = 0x1p-60;
+      cos2[row] = 0;
+      sin_cos[row] = infinite[row] = 0x1p60;
+      continue;
+    }
+    mpfr_const_pi(angle, MPFR_RNDN);
+    mpfr_mul_si(angle, angle, j, MPFR_RNDN);
+    mpfr_div_ui(angle, angle, 16, MPFR_RNDN);
+    mpfr_sin_cos(s, c, angle, MPFR_RNDN);
+    mpfr_div(t, s, c, MPFR_RNDN);
+    tan[row] = Double(t);
+    mpfr_mul(t, c, c, MPFR_RNDN);
+    cos2[row] = Double(t);
+    mpfr_mul(t, s, c, MPFR_RNDN);
+    sin_cos[row] = Double(t);
+  }
+  mpfr_clears(angle, s, c, t, nullptr);
+  std::printf(
+      "// tan(a), cos(a)^2 and sin(a) cos(a) for a = j pi/16, j = -8 .. 7, in row j + 8. For "
+      "-pi/2,\n"
+      "// with `infinite`, they are those of -cot(y) = t + (1/t + y)/(0 - y/t), t = 2^-60, where "
+      "y\n"
+      "// and t are lost in the sums.\n"
+      "struct TangentTable {\n  alignas(64) double tan[16], cos2[16], sin_cos[16], "
+      "infinite[16];\n};\n\n"
+      "inline constexpr TangentTable kTangentTable = {\n    {");
+  Print(tan, 16);
+  std::printf("},\n    {");
+  Print(cos2, 16);
+  std::printf("},\n    {");
+  Print(sin_cos, 16);
+  std::printf("},\n    {");
+  Print(infinite, 16);
+  std::printf("},\n};\n\n");
+}
+
 void TwoOverPi(mpfr_t x) {
   mpfr_const_pi(x, MPFR_RNDN);
   mpfr_ui_div(x, 2, x, MPFR_RNDN);
@@ -237,6 +281,7 @@ int main() {
       "#ifndef PEX_CORE__HEAP_REAL_TRIG_TABLES_H_\n#define PEX_CORE__HEAP_REAL_TRIG_TABLES_H_\n\n"
       "#include <cstdint>\n\nnamespace pex {\n\n");
   Points();
+  Tangents();
   Expansions();
   Circle();
   std::printf("}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_TRIG_TABLES_H_\n");

@@ -62,71 +62,190 @@ struct dTanFormulaEP {
   }
 };
 
-// Two quadratic polynomials in steps.
-template <class D, class V, size_t K>
-HWY_INLINE void TwoQuadratics(D d, const V (&x)[K], const double (&a)[3], const double (&b)[3],
-                              V (&p)[K], V (&q)[K]) {
-  for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(hn::Set(d, a[2]), x[k]);
-  for (size_t k = 0; k < K; ++k) q[k] = hn::Mul(hn::Set(d, b[2]), x[k]);
-  EndStep(q);
-  EndStep(p);
-  for (size_t k = 0; k < K; ++k) p[k] = hn::Add(p[k], hn::Set(d, a[1]));
-  EndStep(p);
-  for (size_t k = 0; k < K; ++k) q[k] = hn::Add(q[k], hn::Set(d, b[1]));
-  EndStep(q);
-  for (size_t k = 0; k < K; ++k) q[k] = hn::Mul(q[k], x[k]);
-  for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(p[k], x[k]);
-  EndStep(q);
-  EndStep(p);
-  for (size_t k = 0; k < K; ++k) p[k] = hn::Add(p[k], hn::Set(d, a[0]));
-  EndStep(p);
-  for (size_t k = 0; k < K; ++k) q[k] = hn::Add(q[k], hn::Set(d, b[0]));
-  EndStep(q);
-}
+struct dTanEP : dTanQuarter<dTanFormulaEP> {};
 
-// tan(y) = y - y^3 N/D', D' = 1 - y^2 D. In even quadrants the quotient is small beside y, in odd
-// ones it is D'/W, W = y - y^3 (N + D); what W loses in rounding returns to first order, for a
-// slope of 1/y^2 within 12 % by its bits. The signs of both are the tangent's own. Largest error
-// seen: 1.88 ulp.
-struct dTanFormulaLA {
-  using Quarter = QuarterLA;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 6;
-  static constexpr uint64_t kSlope = 0x7FDC580000000000;
-  template <class D, class V, size_t K>
-  static HWY_INLINE void Tangent(D d, const Quarters<D, K>& u, V (&r)[K]) {
-    V y2[K], above[K], below[K];
-    for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(u.y[k], u.y[k]);
-    EndStep(y2);
-    TwoQuadratics(d, y2, kTanLANumerator, kTanLADenominator, above, below);
+// Tangents of some vectors about the next multiples a of pi/16, x = a + y, in parts:
+//   tan(x) = tan(a) + y/(cos(a)^2 y cot(y) - sin(a) cos(a) y),
+// in which the divisor, the quotient and the sum are rounded by much. The poles are in the table.
+template <class D, size_t K>
+struct TangentPart {
+  static constexpr size_t kSize = K;
+  using V = VecOf<D>;
+  V y[K], w[K];  // w = 1 - y cot(y)
+#if HWY_TARGET == HWY_AVX2
+  HWY_ALIGN uint8_t row[K][32];  // in each lane's first byte sixteen times the row
+#else
+  BitsOf<D> row[K];  // in the low four bits
+#endif
+
+  // Usual arguments.
+  HWY_INLINE void Reduce(const V* arguments) {
+    V x[K], n[K];
+    for (size_t k = 0; k < K; ++k) x[k] = arguments[k];
+    Nearest(x, n);
+    SetRows(n);
+    SubtractFirst(x, n);
+    SubtractLast(n);
+  }
+
+  // Lanes of every kind. Of a large one first the quadrants are taken off, each eight steps.
+  HWY_INLINE void ReduceWide(const TrigLanes<D, K>& lanes, const V (&x)[K]) {
+    const D d;
+    V x1[K], n[K], low[K], last[K];
+    BitsOf<D> steps[K];
     for (size_t k = 0; k < K; ++k) {
-      above[k] = hn::Add(above[k], OddElseEven(d, u.quadrant[k], below[k], hn::Zero(d)));
+      const auto large = ReduceLargeLanes(d, lanes.large[k], x[k]);
+      x1[k] = hn::IfThenElse(lanes.large[k], large.r.hi, lanes.x[k]);
+      low[k] = large.r.lo;
+      steps[k] = hn::ShiftLeft<3>(
+          Bits(d, hn::IfThenElseZero(lanes.large[k], FromBits(d, large.quadrant))));
     }
-    for (size_t k = 0; k < K; ++k) below[k] = hn::Mul(y2[k], below[k]);
-    for (size_t k = 0; k < K; ++k) r[k] = hn::Mul(u.y[k], y2[k]);
-    EndStep(above);
-    EndStep(below);
-    EndStep(r);
-    for (size_t k = 0; k < K; ++k) above[k] = hn::Mul(r[k], above[k]);
-    EndStep(above);
-    for (size_t k = 0; k < K; ++k) above[k] = hn::Sub(above[k], u.rest[k]);
-    for (size_t k = 0; k < K; ++k) below[k] = hn::Sub(hn::Set(d, 1.0), below[k]);
-    EndStep(above);
-    EndStep(below);
+    Nearest(x1, n);
+    V rows[K];
+    for (size_t k = 0; k < K; ++k) rows[k] = FromBits(d, hn::Add(Bits(d, n[k]), steps[k]));
+    SetRows(rows);
+    SubtractFirst(x1, n);
     for (size_t k = 0; k < K; ++k) {
-      const V whole = hn::Sub(u.y[k], above[k]);
-      const V lost = hn::Sub(hn::Sub(u.y[k], whole), above[k]);
-      const V slope = FromBits(d, hn::Sub(SetBits(d, kSlope), Bits(d, y2[k])));
-      r[k] = hn::Div(OddElseEven(d, u.quadrant[k], below[k], above[k]),
-                     OddElseEven(d, u.quadrant[k], whole, below[k]));
-      y2[k] = OddElseEven(d, u.quadrant[k], hn::Mul(lost, slope), u.y[k]);
+      last[k] = hn::Add(y[k], SubExactProduct(n[k], hn::Set(d, kPart2), low[k]));
     }
-    EndStep(r);
-    for (size_t k = 0; k < K; ++k) r[k] = hn::Sub(y2[k], r[k]);
+    SubtractLast(n);
+    for (size_t k = 0; k < K; ++k) y[k] = hn::IfThenElse(lanes.large[k], last[k], y[k]);
+  }
+
+  HWY_INLINE void Evaluate() {
+    constexpr size_t kTop = sizeof(kTanLA) / sizeof(kTanLA[0]) - 1;
+    const D d;
+    V y2[K];
+    for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(y[k], y[k]);
+    EndPart(y2);
+    for (size_t k = 0; k < K; ++k) w[k] = hn::Mul(y2[k], hn::Set(d, kTanLA[kTop]));
+    EndPart(w);
+    for (size_t i = kTop; i-- > 0;) {
+      for (size_t k = 0; k < K; ++k) w[k] = hn::Add(w[k], hn::Set(d, kTanLA[i]));
+      EndPart(w);
+      for (size_t k = 0; k < K; ++k) w[k] = hn::Mul(w[k], y2[k]);
+      EndPart(w);
+    }
+  }
+
+  HWY_INLINE void Result(const V*, V* r) {
+    for (size_t k = 0; k < K; ++k) {
+      V tan, cos2, sin_cos, infinite;
+      Row(k, tan, cos2, sin_cos, infinite);
+      const V below = hn::Sub(cos2, hn::Add(hn::Mul(cos2, w[k]), hn::Mul(sin_cos, y[k])));
+      const V above = SubExactProduct(infinite, w[k], hn::Add(infinite, y[k]));
+      V quotient[1] = {hn::Div(above, below)};
+      EndPart(quotient);
+      r[k] = hn::Add(tan, quotient[0]);
+    }
+  }
+
+ private:
+  static constexpr double kPart2 = 0x1.1a6263314p-57;
+
+  // The steps of pi/16 in the low bits; n is their numbers after SetRows.
+  HWY_INLINE void Nearest(const V (&x)[K], V (&n)[K]) {
+    const D d;
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(x[k], hn::Set(d, 0x1.45f306dc9c883p+2));
+    EndPart(n);
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Add(n[k], hn::Set(d, kShifter + 8));
+    EndPart(n);  // the table begins at -8
+  }
+
+  HWY_INLINE void SetRows(const V (&n)[K]) {
+    const D d;
+#if HWY_TARGET == HWY_AVX2
+    const hn::Repartition<uint8_t, D> d8;
+    for (size_t k = 0; k < K; ++k) {
+      hn::Store(hn::BitCast(d8, hn::ShiftLeft<4>(Bits(d, n[k]))), d8, row[k]);
+    }
+    asm volatile("" : "+m"(row));  // else GCC takes the lanes out one by one
+#else
+    for (size_t k = 0; k < K; ++k) row[k] = Bits(d, n[k]);
+#endif
+  }
+
+  // y = x - n pi/16, with pi/16 in three parts, for |x| < 2^12. What the first leaves is exact, a
+  // multiple of 2^-56 below 1/8; n times the others is exact.
+  HWY_INLINE void SubtractFirst(const V (&x)[K], V (&n)[K]) {
+    const D d;
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Sub(n[k], hn::Set(d, kShifter + 8));
+    EndPart(n);
+    SubProductsExactly(d, x, n, 0x1.921fb54442d18p-3, 0x1.921fb5444p-3, y);
+    EndPart(y);
+  }
+  HWY_INLINE void SubtractLast(const V (&n)[K]) {
+    const D d;
+    SubExactProducts(y, n, hn::Set(d, kPart2), y);
+    EndPart(y);
+    SubExactProducts(y, n, hn::Set(d, 0x1.701b839a2p-95), y);
+    EndPart(y);
+  }
+
+  HWY_INLINE void Row(size_t k, V& tan, V& cos2, V& sin_cos, V& infinite) {
+#if HWY_TARGET == HWY_AVX3
+    const auto column = [this, k](const double* c) HWY_ATTR {
+      return V{_mm512_permutex2var_pd(_mm512_load_pd(c), row[k].raw, _mm512_load_pd(c + 8))};
+    };
+    tan = column(kTangentTable.tan);
+    cos2 = column(kTangentTable.cos2);
+    sin_cos = column(kTangentTable.sin_cos);
+    infinite = column(kTangentTable.infinite);
+#elif HWY_TARGET == HWY_AVX2
+    const auto halves = [this, k](int lane, int column) HWY_ATTR {
+      const auto half = [this, k, column](int lane) HWY_ATTR {
+        const auto* first = reinterpret_cast<const char*>(kTangentRows.row[0] + column);
+        return _mm_load_pd(reinterpret_cast<const double*>(first + 2 * size_t{row[k][8 * lane]}));
+      };
+      return _mm256_insertf128_pd(_mm256_castpd128_pd256(half(lane)), half(lane + 2), 1);
+    };
+    const __m256d low02 = halves(0, 0), low13 = halves(1, 0);
+    const __m256d high02 = halves(0, 2), high13 = halves(1, 2);
+    tan = V{_mm256_unpacklo_pd(low02, low13)};
+    cos2 = V{_mm256_unpackhi_pd(low02, low13)};
+    sin_cos = V{_mm256_unpacklo_pd(high02, high13)};
+    infinite = V{_mm256_unpackhi_pd(high02, high13)};
+#else
+    const auto i = hn::And(row[k], SetBits(D(), 15));
+    const double* r0 = kTangentRows.row[_mm_cvtsi128_si64(i.raw)];
+    const double* r1 = kTangentRows.row[_mm_extract_epi64(i.raw, 1)];
+    const __m128d low0 = _mm_load_pd(r0), low1 = _mm_load_pd(r1);
+    const __m128d high0 = _mm_load_pd(r0 + 2), high1 = _mm_load_pd(r1 + 2);
+    tan = V{_mm_unpacklo_pd(low0, low1)};
+    cos2 = V{_mm_unpackhi_pd(low0, low1)};
+    sin_cos = V{_mm_unpacklo_pd(high0, high1)};
+    infinite = V{_mm_unpackhi_pd(high0, high1)};
+#endif
   }
 };
 
-struct dTanEP : dTanQuarter<dTanFormulaEP> {};
-struct dTanLA : dTanQuarter<dTanFormulaLA> {};
+// Largest error seen: 1.97 ulp.
+struct dTanLA {
+  static constexpr int kResults = 1;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX2 ? 16 : 8;
+  using Usual = UsualExponents<-20, 5>;
+
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Group(D, const V (&x)[K], V (&r)[K]) {
+    constexpr size_t kSize = HWY_TARGET == HWY_AVX2 ? HWY_MIN(K, 4) : 1;
+    constexpr size_t kLag = HWY_TARGET == HWY_AVX2 || K == 2 ? 1 : 2;
+    TangentPart<D, kSize> parts[K / kSize];
+    SomeInTurn<kLag>(parts, x, r);
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Wide(D d, const V (&x)[K], V (&r)[K]) {
+    const auto lanes = SortLanes(d, x, 0x1p-27, Usual::kLimit);
+    TangentPart<D, K> part;
+    if (lanes.any_large) {
+      part.ReduceWide(lanes, x);
+    } else {
+      part.Reduce(lanes.x);
+    }
+    part.Evaluate();
+    part.Result(x, r);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::IfThenElse(lanes.tiny[k], x[k], r[k]);
+  }
+};
 
 // The quotient of the unevaluated sums for sine and cosine, corrected by its remainder.
 struct dTanHA {

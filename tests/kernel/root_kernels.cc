@@ -17,7 +17,7 @@ void RootsOfArray(size_t n, const double* t, [[maybe_unused]] const double* esti
     hn::Vec<decltype(d)> x[4];
     for (size_t k = 0; k < 4; ++k) x[k] = hn::LoadU(d, t + i + k * lanes);
     bool done = false;
-#if HWY_TARGET == HWY_AVX3
+#if HWY_TARGET != HWY_SSE4
     if (estimates != nullptr) {
       hn::Vec<decltype(d)> y[4];
       for (size_t k = 0; k < 4; ++k) y[k] = hn::LoadU(d, estimates + i + k * lanes);

@@ -103,8 +103,8 @@ HWY_INLINE void PowReduce(D d, const V (&x)[K], PowReduced<D> (&r)[K]) {
   constexpr uint64_t kBias = uint64_t{1024} << 52;  // keeps biased exponents positive
   for (size_t k = 0; k < K; ++k) {
     const auto bits = Bits(d, x[k]);
-    const auto row =
-        hn::ShiftRight<kRowShift>(hn::Add(bits, SetBits(d, uint64_t{1} << (kRowShift - 1))));
+    const auto row = ShiftBitsRight<kRowShift>(
+        d, FromBits(d, hn::Add(bits, SetBits(d, uint64_t{1} << (kRowShift - 1)))));
     const Pair<V> entry =
         PowLookUp<Tier::kRows>(d, Tier::kFactor, Tier::kLog, Tier::kLogPairs, row);
     r[k].factor = entry.hi;
@@ -119,35 +119,48 @@ HWY_INLINE void PowReduce(D d, const V (&x)[K], PowReduced<D> (&r)[K]) {
   }
 }
 
-// ln(x) as two doubles, the second at most 2^-12 of the first.
-template <class Tier, class D, class V, size_t K>
-HWY_INLINE void PowLog(D d, const V (&x)[K], Pair<V> (&r)[K]) {
+// ln(x) as two doubles, the second at most 2^-12 of the first, in two parts.
+template <class D, size_t K>
+struct PowLog {
+  using V = VecOf<D>;
   PowReduced<D> u[K];
-  V z[K], z_rest[K], square[K], q[K];
-  Pair<V> half_square[K];
-  PowReduce<Tier>(d, x, u);
-  for (size_t k = 0; k < K; ++k) {
-    const Pair<V> product = TwoProduct(d, u[k].m, u[k].factor);
-    z[k] = hn::Sub(product.hi, hn::Set(d, 1.0));
-    z_rest[k] = product.lo;
+  V z[K], z_rest[K], square[K], square_rest[K];
+
+  template <class Tier>
+  HWY_INLINE void Begin(D d, const V (&x)[K]) {
+    PowReduce<Tier>(d, x, u);
+    for (size_t k = 0; k < K; ++k) {
+      const Pair<V> product = TwoProduct(d, u[k].m, u[k].factor);
+      z[k] = hn::Sub(product.hi, hn::Set(d, 1.0));
+      z_rest[k] = product.lo;
+    }
+    for (size_t k = 0; k < K; ++k) {
+      const Pair<V> product = TwoProduct(d, z[k], z[k]);
+      square[k] = product.hi;
+      square_rest[k] = product.lo;
+    }
   }
-  for (size_t k = 0; k < K; ++k) {
-    half_square[k] = TwoProduct(d, z[k], hn::Mul(z[k], hn::Set(d, 0.5)));
-    square[k] = hn::Add(half_square[k].hi, half_square[k].hi);
+
+  template <class Tier>
+  HWY_INLINE void End(D d, Pair<V> (&r)[K]) const {
+    const V half = hn::Set(d, 0.5);
+    V q[K];
+    EvenOdd(d, z, square, Tier::kLogPolynomial, q);
+    for (size_t k = 0; k < K; ++k) {
+      const V head = AddExactProduct(u[k].e, hn::Set(d, kPowLn2Hi), u[k].log);  // exact
+      const Pair<V> s = FastTwoSum(head, z[k]);
+      // FastTwoSum(s.hi, -square/2)
+      const V hi = SubExactProduct(half, square[k], s.hi);
+      const V lo = SubExactProduct(half, square[k], hn::Sub(s.hi, hi));
+      const V cubic = hn::Mul(square[k], hn::Mul(z[k], q[k]));
+      // 1/(1 + z) times what z lacks.
+      const V slope = hn::Sub(hn::Set(d, 1.0), hn::Sub(z[k], square[k]));
+      const V rest = SubExactProduct(half, square_rest[k], hn::Mul(z_rest[k], slope));
+      const V small = hn::Add(rest, hn::Mul(u[k].e, hn::Set(d, kPowLn2Lo)));
+      r[k] = {hi, hn::Add(hn::Add(hn::Add(s.lo, lo), small), cubic)};
+    }
   }
-  EvenOdd(d, z, square, Tier::kLogPolynomial, q);
-  for (size_t k = 0; k < K; ++k) {
-    const V head = hn::Add(hn::Mul(u[k].e, hn::Set(d, kPowLn2Hi)), u[k].log);  // exact
-    const Pair<V> s = FastTwoSum(head, z[k]);
-    const Pair<V> t = FastTwoSum(s.hi, hn::Neg(half_square[k].hi));
-    const V cubic = hn::Mul(half_square[k].hi, hn::Mul(z[k], q[k]));
-    // 1/(1 + z) times what z lacks.
-    const V slope = hn::Sub(hn::Set(d, 1.0), hn::Sub(z[k], square[k]));
-    const V rest = hn::Sub(hn::Mul(z_rest[k], slope), half_square[k].lo);
-    const V small = hn::Add(rest, hn::Mul(u[k].e, hn::Set(d, kPowLn2Lo)));
-    r[k] = {t.hi, hn::Add(hn::Add(hn::Add(s.lo, t.lo), small), cubic)};
-  }
-}
+};
 
 // e^p, normal.
 template <class Tier, class D, class V, size_t K>
@@ -161,7 +174,7 @@ HWY_INLINE void PowExp(D d, const Pair<V> (&p)[K], V (&r)[K]) {
                 shifter);
     const V kd = hn::Sub(kf, shifter);
     steps[k] = Bits(d, kf);
-    x[k] = hn::Add(hn::Sub(p[k].hi, hn::Mul(kd, hn::Set(d, Tier::kStepHi))),
+    x[k] = hn::Add(SubExactProduct(kd, hn::Set(d, Tier::kStepHi), p[k].hi),
                    hn::Sub(p[k].lo, hn::Mul(kd, hn::Set(d, Tier::kStepLo))));
     square[k] = hn::Mul(x[k], x[k]);
   }
@@ -179,47 +192,85 @@ HWY_INLINE void PowExp(D d, const Pair<V> (&p)[K], V (&r)[K]) {
 template <class D, class V, size_t K>
 HWY_INLINE bool AnyBeyond(D d, const V (&p)[K], double limit) {
   V most = hn::Abs(p[0]);
-  for (size_t k = 1; k < K; ++k) most = hn::Max(most, hn::Abs(p[k]));
+  for (size_t k = 1; k < K; ++k) {
+#if HWY_TARGET == HWY_AVX3
+    most = V{_mm512_range_pd(most.raw, p[k].raw, 0xB)};  // the larger magnitude
+#else
+    most = hn::Max(most, hn::Abs(p[k]));
+#endif
+  }
   return !hn::AllFalse(d, hn::Gt(most, hn::Set(d, limit)));
 }
+
+// x^y of some vectors in parts. What is beyond the limit gives results of no use, and no flag.
+template <class Tier, class D, size_t K>
+struct PowPart {
+  static constexpr size_t kSize = K;
+  using V = VecOf<D>;
+  const V* y;
+  PowLog<D, K> log;
+  Pair<V> p[K];
+
+  HWY_INLINE void Reduce(const V* from) {
+    V x[K];
+    for (size_t k = 0; k < K; ++k) x[k] = from[k];
+    log.template Begin<Tier>(D(), x);
+  }
+  HWY_INLINE void Evaluate() {
+    const D d;
+    log.template End<Tier>(d, p);
+    for (size_t k = 0; k < K; ++k) {
+      const V log_rest = p[k].lo;
+      p[k] = TwoProduct(d, y[k], p[k].hi);
+      p[k].lo = hn::Add(p[k].lo, hn::Mul(y[k], log_rest));
+    }
+    // Left alone, GCC mixes this part with the next one.
+    V hi[K];
+    for (size_t k = 0; k < K; ++k) hi[k] = p[k].hi;
+    EndPart(hi);
+    for (size_t k = 0; k < K; ++k) p[k].hi = hi[k];
+  }
+  HWY_INLINE void Result(const V*, V* r) {
+    V e[K];
+    PowExp<Tier>(D(), p, e);
+    EndPart(e);
+    for (size_t k = 0; k < K; ++k) r[k] = e[k];
+  }
+};
 
 // HA and LA: x^y for positive normal x and y = 0 or 2^-70 <= |y| < 2^63; false where some result
 // may not be normal.
 template <class Tier>
 struct PowByPairs {
   static constexpr double kLimit = 708;  // less than the logarithms of the normal numbers' ends
-  template <class D, class V, size_t K>
-  static HWY_INLINE void Exponent(D d, const V (&x)[K], const V (&y)[K], Pair<V> (&p)[K]) {
-    Pair<V> log[K];
-    PowLog<Tier>(d, x, log);
-    for (size_t k = 0; k < K; ++k) {
-      p[k] = TwoProduct(d, y[k], log[k].hi);
-      p[k].lo = hn::Add(p[k].lo, hn::Mul(y[k], log[k].lo));
-    }
-  }
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE bool Power(D d, const V (&x)[K], const V (&y)[K], V (&r)[K]) {
-    Pair<V> p[K];
-    V head[K];
-    Exponent(d, x, y, p);
-    for (size_t k = 0; k < K; ++k) head[k] = p[k].hi;
+    constexpr size_t kSize = K % 4 == 0 ? 4 : 1;
+    PowPart<Tier, D, kSize> parts[K / kSize];
+    for (size_t k = 0; k < K / kSize; ++k) parts[k].y = y + k * kSize;
+    V power[K], head[K];
+    SomeInTurn(parts, x, power);
+    for (size_t k = 0; k < K; ++k) head[k] = parts[k / kSize].p[k % kSize].hi;
     if (AnyBeyond(d, head, kLimit)) [[unlikely]]
       return false;
-    PowExp<Tier>(d, p, r);
+    for (size_t k = 0; k < K; ++k) r[k] = power[k];
     return true;
   }
   template <class D, class V>
   static HWY_INLINE MaskOf<D> Beyond(D d, V x, V y) {
-    const V in1[1] = {x}, in2[1] = {y};
-    Pair<V> p[1];
-    Exponent(d, in1, in2, p);
-    return hn::Gt(hn::Abs(p[0].hi), hn::Set(d, kLimit));
+    PowPart<Tier, D, 1> part;
+    part.y = &y;
+    part.Reduce(&x);
+    part.Evaluate();
+    return hn::Gt(hn::Abs(part.p[0].hi), hn::Set(d, kLimit));
   }
 };
 
 // EP: the same in plain doubles of base 2; powers of 2 are exact.
 struct PowPlain {
   static constexpr double kLimit = 1021.5;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 5;
   template <class D, class V, size_t K>
   static HWY_INLINE void Exponent(D d, const V (&x)[K], const V (&y)[K], V (&p)[K]) {
     PowReduced<D> u[K];

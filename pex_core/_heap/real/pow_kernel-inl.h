@@ -46,7 +46,7 @@ HWY_INLINE V SignOfPower(D d, V x, V y) {
 template <class Method, bool kKeepsFirstPower>
 struct PowKernel : Kernel<double> {
   static constexpr int kArguments = 2;
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 5;
+  static constexpr int kUnroll = Method::kUnroll;
   using XRarity = RareOutside<double, 0x00100000, 0x7FEFFFFF>;  // of |x|
   using YRarity = RareAbove<double, 0x43DFFFFF>;
 
@@ -69,8 +69,51 @@ struct PowKernel : Kernel<double> {
                   Method::Beyond(d, hn::Abs(x), WithoutTiny(d, y)));
   }
 
+  // Whether every x is positive and normal, and every y neither tiny nor large.
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AllUsual([[maybe_unused]] D d, const V (&x)[K], const V (&y)[K]) {
+    using YUsual = RareByMagnitude<RareOutside<double, 0x3B900000, 0x43DFFFFF>>;
+#if HWY_TARGET == HWY_AVX3
+    using XKey = typename OfHighWords<XRarity>::Type;
+    using YKey = typename OfHighWords<YUsual>::Type;
+    const hn::Repartition<float, D> dk;
+    const auto word = [&](const V(&v)[K], size_t k)
+                          HWY_ATTR { return HighWords(d, v[k], v[k + 1 < K ? k + 1 : k]); };
+    constexpr size_t kStep = 2;
+#else
+    using XKey = XRarity;
+    using YKey = YUsual;
+    const D dk;
+    const auto word = [](const V(&v)[K], size_t k) HWY_ATTR { return v[k]; };
+    constexpr size_t kStep = 1;
+#endif
+    auto x_key = XKey::Key(dk, word(x, 0));
+    auto y_key = YKey::Key(dk, word(y, 0));
+    for (size_t k = kStep; k < K; k += kStep) {
+      x_key = JoinKeys(dk, x_key, XKey::Key(dk, word(x, k)));
+      y_key = JoinKeys(dk, y_key, YKey::Key(dk, word(y, k)));
+    }
+    return hn::AllFalse(
+        dk, hn::Or(KeyAbove(dk, x_key, XKey::kLimit), KeyAbove(dk, y_key, YKey::kLimit)));
+  }
+
   template <class D, class V, size_t K>
   static HWY_INLINE bool TryGroup(D d, const V (&x)[K], const V (&y)[K], V (&r)[K]) {
+    if (!AllUsual(d, x, y)) [[unlikely]]
+      return TryOther(d, x, y, r);
+    V power[K];
+    if (!Method::Power(d, x, y, power)) [[unlikely]]
+      return false;
+    for (size_t k = 0; k < K; ++k) {
+      r[k] = kKeepsFirstPower ? hn::IfThenElse(hn::Eq(y[k], hn::Set(d, 1.0)), x[k], power[k])
+                              : power[k];
+    }
+    return true;
+  }
+
+  // The same for negative x and tiny y too.
+  template <class D, class V, size_t K>
+  static HWY_NOINLINE bool TryOther(D d, const V (&x)[K], const V (&y)[K], V (&r)[K]) {
     V magnitude[K], power[K], sign[K];
     for (size_t k = 0; k < K; ++k) magnitude[k] = hn::Abs(x[k]);
     auto x_key = XRarity::Key(d, magnitude[0]);

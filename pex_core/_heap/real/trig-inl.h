@@ -215,6 +215,18 @@ HWY_INLINE void SubExactProducts(const V (&x)[K], const V (&n)[K], V p, V (&r)[K
   for (size_t k = 0; k < K; ++k) r[k] = SubExactProduct(n[k], p, x[k]);
 }
 
+// x - n p where that is exact, if n p is not: n times `upper` is, and times what it leaves of p.
+template <class D, class V, size_t K>
+HWY_INLINE void SubProductsExactly(D d, const V (&x)[K], const V (&n)[K], double p,
+                                   [[maybe_unused]] double upper, V (&r)[K]) {
+#if HWY_TARGET == HWY_SSE4
+  SubExactProducts(x, n, hn::Set(d, upper), r);
+  SubExactProducts(r, n, hn::Set(d, p - upper), r);
+#else
+  SubExactProducts(x, n, hn::Set(d, p), r);
+#endif
+}
+
 // The lanes of some vectors by magnitude, and the arguments of those in between, 0 in the others.
 // Large are those of which neither x nor x + shift is below the limit.
 template <class D, size_t K>

@@ -36,13 +36,10 @@ inline constexpr double kSinQuarterEP[] = {
 inline constexpr double kCosQuarterEP[] = {
     -0x1.fffffffab502fp-2, 0x1.55554cbe24438p-5, -0x1.6c0e0a0c970fep-10, 0x1.9a6f96dd95ef9p-16};
 
-// N for tan(y)/y = 1 - x N(x)/(1 - x D(x)) in x = y^2, |y| <= pi/4; error 2^-55.1875.
-inline constexpr double kTanLANumerator[] = {
-    -0x1.5555555555537p-2, 0x1.507fef9efdc15p-6, -0x1.a5650e432d266p-13};
-
-// D.
-inline constexpr double kTanLADenominator[] = {
-    0x1.d8b1968769e32p-2, -0x1.7e77f0f59fad4p-6, 0x1.b515b97a275cep-13};
+// (1 - y cot(y))/y^2 in x = y^2, |y| <= 9.81757640838623046875e-2;
+// error of y cot(y) 2^-58.625 for |y| <= 0.0645, 2^-56.125 beyond.
+inline constexpr double kTanLA[] = {
+    0x1.55555555554c7p-2, 0x1.6c16c16ea0367p-6, 0x1.15668f6af8152p-9, 0x1.bccc8a5f37e42p-13};
 
 // N for tan(y)/y = (1 + x N(x))/(1 + x D(x)) in x = y^2, |y| <= pi/4; error 2^-34.75.
 inline constexpr double kTanEPNumerator[] = {

@@ -35,7 +35,8 @@ HWY_INLINE void NearestQuadrant(D d, const V (&x)[K], Quarters<D, K>& u, V (&n)[
   EndStep(n);
 }
 
-// pi/2 in two parts, of which n times the first is exact, for |x| < 2^12: good to 2^-28 of y.
+// pi/2 in two parts, for |x| < 2^12: what the first leaves is exact, a multiple of 2^-53 below 1,
+// and n times the second is exact. Good to 2^-28 of y.
 struct QuarterEP {
   static constexpr bool kBrief = true;
   template <class D, class V, size_t K>
@@ -93,16 +94,6 @@ HWY_INLINE MaskOf<D> OddLanes(D d, BitsOf<D> quadrant) {
 #else
   return hn::MaskFromVec(
       FromBits(d, hn::ShiftLeft<63>(quadrant)));  // blends look at the sign alone
-#endif
-}
-
-// The first of two vectors in lanes whose quadrant is odd, the second in the others.
-template <class D, class V>
-HWY_INLINE V OddElseEven(D d, BitsOf<D> quadrant, V odd, V even) {
-#if HWY_TARGET == HWY_AVX3
-  return hn::IfThenElse(OddLanes(d, quadrant), odd, even);
-#else
-  return hn::IfNegativeThenElse(FromBits(d, hn::ShiftLeft<63>(quadrant)), odd, even);
 #endif
 }
 

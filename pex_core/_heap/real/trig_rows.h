@@ -1,4 +1,4 @@
-// The table of accurate points by rows, for levels that load rows and transpose them.
+// The tables by rows, for levels that load rows and transpose them.
 #ifndef PEX_CORE__HEAP_REAL_TRIG_ROWS_H_
 #define PEX_CORE__HEAP_REAL_TRIG_ROWS_H_
 
@@ -21,6 +21,23 @@ constexpr TrigRows ByRows(const TrigTable& t) {
 }
 
 inline constexpr TrigRows kTrigRows = ByRows(kTrigTable);
+
+struct TangentRows {
+  alignas(64) double row[16][4];  // tan, cos2, sin_cos, infinite
+};
+
+constexpr TangentRows ByRows(const TangentTable& t) {
+  TangentRows r{};
+  for (int j = 0; j < 16; ++j) {
+    r.row[j][0] = t.tan[j];
+    r.row[j][1] = t.cos2[j];
+    r.row[j][2] = t.sin_cos[j];
+    r.row[j][3] = t.infinite[j];
+  }
+  return r;
+}
+
+inline constexpr TangentRows kTangentRows = ByRows(kTangentTable);
 
 }  // namespace pex
 

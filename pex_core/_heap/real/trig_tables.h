@@ -33,6 +33,40 @@ inline constexpr TrigTable kTrigTable = {
      0x1.8f8b967773bb6p-3},
 };
 
+// tan(a), cos(a)^2 and sin(a) cos(a) for a = j pi/16, j = -8 .. 7, in row j + 8. For -pi/2,
+// with `infinite`, they are those of -cot(y) = t + (1/t + y)/(0 - y/t), t = 2^-60, where y
+// and t are lost in the sums.
+struct TangentTable {
+  alignas(64) double tan[16], cos2[16], sin_cos[16], infinite[16];
+};
+
+inline constexpr TangentTable kTangentTable = {
+    {0x1p-60, -0x1.41bfee2424771p+2, -0x1.3504f333f9de6p+1,
+     -0x1.7f218e25a7461p+0, -0x1p+0, -0x1.561b82ab7f99p-1,
+     -0x1.a827999fcef32p-2, -0x1.975f5e0553158p-3, 0x0p+0,
+     0x1.975f5e0553158p-3, 0x1.a827999fcef32p-2, 0x1.561b82ab7f99p-1,
+     0x1p+0, 0x1.7f218e25a7461p+0, 0x1.3504f333f9de6p+1,
+     0x1.41bfee2424771p+2},
+    {0x0p+0, 0x1.37ca1866b95cfp-5, 0x1.2bec333018867p-3,
+     0x1.3c10eaca8ab4fp-2, 0x1p-1, 0x1.61f78a9abaa59p-1,
+     0x1.b504f333f9de6p-1, 0x1.ec835e79946a3p-1, 0x1p+0,
+     0x1.ec835e79946a3p-1, 0x1.b504f333f9de6p-1, 0x1.61f78a9abaa59p-1,
+     0x1p-1, 0x1.3c10eaca8ab4fp-2, 0x1.2bec333018867p-3,
+     0x1.37ca1866b95cfp-5},
+    {0x1p+60, -0x1.87de2a6aea963p-3, -0x1.6a09e667f3bcdp-2,
+     -0x1.d906bcf328d46p-2, -0x1p-1, -0x1.d906bcf328d46p-2,
+     -0x1.6a09e667f3bcdp-2, -0x1.87de2a6aea963p-3, 0x0p+0,
+     0x1.87de2a6aea963p-3, 0x1.6a09e667f3bcdp-2, 0x1.d906bcf328d46p-2,
+     0x1p-1, 0x1.d906bcf328d46p-2, 0x1.6a09e667f3bcdp-2,
+     0x1.87de2a6aea963p-3},
+    {0x1p+60, 0x0p+0, 0x0p+0,
+     0x0p+0, 0x0p+0, 0x0p+0,
+     0x0p+0, 0x0p+0, 0x0p+0,
+     0x0p+0, 0x0p+0, 0x0p+0,
+     0x0p+0, 0x0p+0, 0x0p+0,
+     0x0p+0},
+};
+
 // The bits of 2/pi after the binary point, the first one at the top of the first word.
 inline constexpr uint64_t kTwoOverPiBits[19] = {
     0xa2f9836e4e441529, 0xfc2757d1f534ddc0, 0xdb6295993c439041, 0xfe5163abdebbc561,
