@@ -26,8 +26,14 @@ struct sCoshEP : sCoshCommon<> {
     for (size_t k = 0; k < K; ++k) {
       const auto [grow, decay, r, rest] = Split<Points::kRough>(d, BesideOne(d, x[k]));
       const V a = hn::Add(grow, decay), b = hn::Sub(grow, decay);
-      const V slope = hn::Add(b, SilentMul(a, SilentMul(r, hn::Set(d, 0.5f))));
-      out[k] = hn::Add(a, SilentMul(r, slope));
+      const V half = hn::Set(d, 0.5f), two = hn::Set(d, 2.0f);
+#if HWY_TARGET == HWY_SSE4  // the same, for products on their own
+      out[k] = hn::Add(a, hn::Mul(r, hn::Add(b, hn::Mul(a, hn::Mul(r, half)))));
+      (void)two;
+#else
+      const V twice = AddExactProduct(b, two, SilentMul(a, r));  // 2 S + C r
+      out[k] = AddExactProduct(SilentMul(r, twice), half, a);
+#endif
     }
   }
 };

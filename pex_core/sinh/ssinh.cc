@@ -26,7 +26,7 @@ struct sSinhEP : sSinhCommon<> {
     for (size_t k = 0; k < K; ++k) {
       const auto [grow, decay, r, rest] = Split<Points::kRoughFromZero>(d, hn::Abs(x[k]));
       const V a = hn::Sub(grow, decay), b = hn::Add(grow, decay);
-      const V slope = hn::Add(b, hn::Mul(hn::Mul(a, r), hn::Set(d, 0.5f)));
+      const V slope = AddExactProduct(hn::Mul(a, r), hn::Set(d, 0.5f), b);
       out[k] = hn::CopySignToAbs(hn::Add(a, hn::Mul(r, slope)), x[k]);
     }
   }

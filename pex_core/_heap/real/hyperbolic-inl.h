@@ -86,20 +86,51 @@ struct EighthLookup {
   }
 };
 
-// The same of floats, each table standing twice in memory.
-template <class D>
-struct SingleEighthLookup {
-  BitsOf<D> k;
-  explicit HWY_INLINE SingleEighthLookup(BitsOf<D> number) : k(number) {}
-  template <const auto& kTable>
-  HWY_INLINE VecOf<D> Number() const {
-    return LookupEighth(D(), reinterpret_cast<const float*>(kTable), k);
-  }
-  template <const auto& kTable>
-  HWY_INLINE BitsOf<D> Pattern() const {
-    return Bits(D(), Number<kTable>());
+// Entries k & 7 of three tables of floats or of their bits, each standing twice in memory.
+template <class V>
+struct EighthRow {
+  V first, second, third;
+};
+#if HWY_TARGET == HWY_SSE4
+// The tables' rows, 16 bytes each.
+struct EighthRows {
+  alignas(16) uint32_t row[8][4];
+  template <typename T1, typename T2, typename T3>
+  constexpr EighthRows(const T1 (&first)[16], const T2 (&second)[16], const T3 (&third)[16])
+      : row() {
+    for (int j = 0; j < 8; ++j) {
+      row[j][0] = __builtin_bit_cast(uint32_t, first[j]);
+      row[j][1] = __builtin_bit_cast(uint32_t, second[j]);
+      row[j][2] = __builtin_bit_cast(uint32_t, third[j]);
+    }
   }
 };
+template <const auto& kFirst, const auto& kSecond, const auto& kThird>
+inline constexpr EighthRows kEighthRows{kFirst, kSecond, kThird};
+#endif
+
+template <const auto& kFirst, const auto& kSecond, const auto& kThird, class D>
+HWY_INLINE EighthRow<VecOf<D>> LookUpEighths(D d, BitsOf<D> k) {
+#if HWY_TARGET == HWY_SSE4  // whole rows, then a transposition
+  using V = VecOf<D>;
+  const auto offsets = hn::ShiftLeft<4>(hn::And(k, SetBits(d, 7)));
+  const auto row = [](uint64_t offset) HWY_ATTR {
+    const auto rows = reinterpret_cast<const char*>(kEighthRows<kFirst, kSecond, kThird>.row);
+    return _mm_load_ps(reinterpret_cast<const float*>(rows + offset));
+  };
+  const uint64_t lower = _mm_cvtsi128_si64(offsets.raw), upper = _mm_extract_epi64(offsets.raw, 1);
+  const __m128 r0 = row(static_cast<uint32_t>(lower)), r1 = row(lower >> 32);
+  const __m128 r2 = row(static_cast<uint32_t>(upper)), r3 = row(upper >> 32);
+  const __m128 r01 = _mm_unpacklo_ps(r0, r1), r23 = _mm_unpacklo_ps(r2, r3);
+  return {V{_mm_movelh_ps(r01, r23)}, V{_mm_movehl_ps(r23, r01)},
+          V{_mm_movelh_ps(_mm_unpackhi_ps(r0, r1), _mm_unpackhi_ps(r2, r3))}};
+#else
+  const auto at = [&](const auto& table) HWY_ATTR {
+    return LookupEighth(d, reinterpret_cast<const float*>(table), k);
+  };
+  return {at(kFirst), at(kSecond), at(kThird)};
+#endif
+}
 
 // x and 2^-300 (single: 2^-38), for products that must not underflow and matter only beside 1. It
 // changes no x whose square or product does matter there.
@@ -152,9 +183,10 @@ struct NearestStep {
   VecOf<D> kd;
 };
 
-template <class D, class V>
+// kUnit: a power of two by which both are multiplied.
+template <int kUnit = 1, class D, class V>
 HWY_INLINE NearestStep<D> ToNearestStep(D d, V steps) {
-  const V shifter = hn::Set(d, sizeof(hn::TFromD<D>) == 8 ? 0x1.8p52 : 0x1.8p23f);
+  const V shifter = hn::Set(d, kUnit * (sizeof(hn::TFromD<D>) == 8 ? 0x1.8p52 : 0x1.8p23f));
   const V kf = hn::Add(steps, shifter);
   return {Bits(d, kf), hn::Sub(kf, shifter)};
 }
@@ -172,11 +204,16 @@ struct EighthSteps;
 
 template <>
 struct EighthSteps<double> {
-  template <class D>
-  using Lookup = EighthLookup<D>;
+  template <const auto& kFirst, const auto& kSecond, const auto& kThird, class D>
+  static HWY_INLINE EighthRow<VecOf<D>> Row(D, BitsOf<D> k) {
+    const EighthLookup<D> lookup(k);
+    return {lookup.template Number<kFirst>(), lookup.template Number<kSecond>(),
+            lookup.template Number<kThird>()};
+  }
   static constexpr double kPerUnit = 0x1.71547652b82fep+3;
-  static constexpr double kHi = 0x1.62e42fefap-4, kLo = 0x1.cf79abc9e3b3ap-43;
-  static constexpr double kDelay = 0x1.0a2bp-6;  // 3/16 of a step
+  static constexpr double kHi = 0x1.62e42fefap-4, kLoInFull = 0x1.cf79abc9e3b3ap-43;
+  static constexpr double kLo = 0x1.cf79abc9e4p-43;  // its product too, and good to 2^-84
+  static constexpr double kDelay = 0x1.0a2bp-6;      // 3/16 of a step
   static constexpr int kToExponent = 49;
   static constexpr auto& kOffset = dHyperbolicOffset;
   static constexpr auto& kGrow = dHyperbolicGrow;
@@ -187,10 +224,12 @@ struct EighthSteps<double> {
 
 template <>
 struct EighthSteps<float> {
-  template <class D>
-  using Lookup = SingleEighthLookup<D>;
+  template <const auto& kFirst, const auto& kSecond, const auto& kThird, class D>
+  static HWY_INLINE EighthRow<VecOf<D>> Row(D d, BitsOf<D> k) {
+    return LookUpEighths<kFirst, kSecond, kThird>(d, k);
+  }
   static constexpr float kPerUnit = 0x1.715476p+3f;
-  static constexpr float kHi = 0x1.62ep-4f, kLo = 0x1.0bfbe8p-18f;
+  static constexpr float kHi = 0x1.62ep-4f, kLo = 0x1.0bfcp-18f, kLoUpper = 0x1.0cp-18f;
   static constexpr float kDelay = 0x1.3ap-6f;  // the first step ends next to 1/16
   static constexpr int kToExponent = 20;
   static constexpr auto& kOffset = sHyperbolicOffset;
@@ -202,7 +241,7 @@ struct EighthSteps<float> {
 
 enum class Points {
   kRoughFromZero,  // as kRough, for tiny x too, whose product with the steps would underflow
-  kRough,          // the eighths of ln2 in one part: r is good to 2^-29 (single: 2^-18)
+  kRough,          // the eighths of ln2 in one part: r is good to 2^-29 of them
   kPlain,          // the eighths, A and B rounded: good enough for their sum
   kLate,           // the points beside them, A and B exact, each point a little after its turn
   kAccurate,       // the same each in its turn
@@ -216,6 +255,37 @@ struct HyperbolicSplit {
   V r_rest;  // of accurate points: what is below the double of r
 };
 
+// r0 less the second part of the steps, rounded once: its product with their number is exact, or
+// (single) the sum of two that are, the first of which leaves an exact difference, for r0 is a
+// multiple of 2^-28.
+template <int kUnit, class D, class V>
+HWY_INLINE V LessSecondPart(D d, V r0, V kd) {
+  using Steps = EighthSteps<hn::TFromD<D>>;
+#if HWY_TARGET == HWY_SSE4
+  if constexpr (sizeof(hn::TFromD<D>) == 4) {
+    const V r1 = hn::Sub(r0, hn::Mul(kd, hn::Set(d, Steps::kLoUpper / kUnit)));
+    return hn::Sub(r1, hn::Mul(kd, hn::Set(d, (Steps::kLo - Steps::kLoUpper) / kUnit)));
+  }
+#endif
+  return HiddenNegMulAdd(kd, hn::Set(d, Steps::kLo / kUnit), r0);
+}
+
+// x less the steps to 2^-29 of them.
+template <int kUnit, class D, class V>
+HWY_INLINE V LessRoughly(D d, V x, V kd) {
+  using Steps = EighthSteps<hn::TFromD<D>>;
+  if constexpr (sizeof(hn::TFromD<D>) == 8) {
+    return SubExactProduct(kd, hn::Set(d, Steps::kHi / kUnit), x);
+  } else {
+#if HWY_TARGET == HWY_SSE4
+    const V r0 = hn::Sub(x, hn::Mul(kd, hn::Set(d, Steps::kHi / kUnit)));  // exact
+    return hn::Sub(r0, hn::Mul(kd, hn::Set(d, Steps::kLoUpper / kUnit)));
+#else
+    return HiddenNegMulAdd(kd, hn::Set(d, (Steps::kHi + Steps::kLoUpper) / kUnit), x);
+#endif
+  }
+}
+
 template <Points kPoints, class D, class V>
 HWY_INLINE HyperbolicSplit<V> Split(D d, V x) {
   using Steps = EighthSteps<hn::TFromD<D>>;
@@ -226,29 +296,31 @@ HWY_INLINE HyperbolicSplit<V> Split(D d, V x) {
   HyperbolicSplit<V> u;
   V turn = x;
   if constexpr (kPoints == Points::kLate) turn = hn::Sub(x, hn::Set(d, Steps::kDelay));
-  const V steps = kFromZero ? StepsFromZero(d, x, Steps::kPerUnit)
-                            : SilentMul(turn, hn::Set(d, Steps::kPerUnit));
-  const auto [k, kd] = ToNearestStep(d, steps);
-  const typename Steps::template Lookup<D> lookup(k);
-  const auto n = hn::ShiftLeft<Steps::kToExponent>(k);
+  // Of floats, kUnit times k: the factor keeps products with tiny x from underflow.
+  constexpr int kUnit = kFromZero && sizeof(hn::TFromD<D>) == 4 ? 1 << 24 : 1;
+  const V steps = kFromZero && kUnit == 1 ? StepsFromZero(d, x, Steps::kPerUnit)
+                                          : SilentMul(turn, hn::Set(d, kUnit * Steps::kPerUnit));
+  const auto [k, kd] = ToNearestStep<kUnit>(d, steps);
   constexpr const auto& kGrow = kAccurate ? Steps::kGrow : Steps::kPlainGrow;
   constexpr const auto& kDecay = kAccurate ? Steps::kDecay : Steps::kPlainDecay;
-  u.grow = FromBits(d, hn::Add(lookup.template Pattern<kGrow>(), n));
-  u.decay = FromBits(d, hn::Sub(lookup.template Pattern<kDecay>(), n));
+  const auto [grow, decay, offset] = Steps::template Row<kGrow, kDecay, Steps::kOffset>(d, k);
+  const auto n = hn::ShiftLeft<Steps::kToExponent>(k);
+  u.grow = FromBits(d, hn::Add(Bits(d, grow), n));
+  u.decay = FromBits(d, hn::Sub(Bits(d, decay), n));
   if constexpr (kPoints == Points::kRough || kPoints == Points::kRoughFromZero) {
-    // In double precision the first part alone is good to 2^-29 for any k.
-    if constexpr (sizeof(hn::TFromD<D>) == 8) {
-      u.r = SubExactProduct(kd, hn::Set(d, Steps::kHi), x);
-    } else {
-      u.r = hn::Sub(x, hn::Mul(kd, hn::Set(d, Steps::kHi + Steps::kLo)));
-    }
+    u.r = LessRoughly<kUnit>(d, x, kd);
     u.r_rest = u.r;
-  } else {
-    V r0 = SubExactProduct(kd, hn::Set(d, Steps::kHi), x);
-    if constexpr (kAccurate) r0 = hn::Sub(r0, lookup.template Number<Steps::kOffset>());  // exact
-    const V r1 = hn::Mul(kd, hn::Set(d, Steps::kLo));
+    return u;
+  }
+  V r0 = SubExactProduct(kd, hn::Set(d, Steps::kHi / kUnit), x);
+  if constexpr (kAccurate) r0 = hn::Sub(r0, offset);  // exact
+  if constexpr (kPoints == Points::kAccurate) {
+    const V r1 = hn::Mul(kd, hn::Set(d, Steps::kLoInFull));
     u.r = hn::Sub(r0, r1);
     u.r_rest = hn::Sub(hn::Sub(r0, u.r), r1);
+  } else {
+    u.r = LessSecondPart<kUnit>(d, r0, kd);
+    u.r_rest = u.r;
   }
   return u;
 }
