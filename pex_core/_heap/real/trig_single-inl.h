@@ -112,21 +112,6 @@ HWY_INLINE InversePi<VecOf<D>> InversePiAt(D d, BitsOf<hn::Rebind<float, D>> row
 #endif
 }
 
-#if HWY_TARGET == HWY_SSE4
-// Floats in double precision. From memory a conversion takes no shuffle.
-struct WideHalves {
-  hn::Vec128<double> lower, upper;
-};
-HWY_INLINE WideHalves InHalves(hn::Vec128<float> x) {
-  WideHalves wide;
-  alignas(16) double memory[2];
-  _mm_store_pd(memory, _mm_castps_pd(x.raw));
-  asm("cvtps2pd %1, %0" : "=x"(wide.lower.raw) : "m"(memory[0]));
-  asm("cvtps2pd %1, %0" : "=x"(wide.upper.raw) : "m"(memory[1]));
-  return wide;
-}
-#endif
-
 inline constexpr float kWideLimit = 0x1p22f;
 
 template <Turn kTurn>
