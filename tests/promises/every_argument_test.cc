@@ -20,6 +20,10 @@ struct Kernel {
 };
 
 constexpr Kernel kKernels[] = {
+    {"sAcos_11", _pexsAcos_11, 1},
+    {"sAcos_21", _pexsAcos_21, 1},
+    {"sAsin_11", _pexsAsin_11, 1},
+    {"sAsin_21", _pexsAsin_21, 1},
     {"sAtan_11", _pexsAtan_11, 0x1.fffffep+127f},
     {"sAtan_21", _pexsAtan_21, 0x1.fffffep+127f},
     {"sTan_21", _pexsTan_21, 0x1.fffffep+127f},
