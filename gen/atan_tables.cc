@@ -191,9 +191,100 @@ struct AtanPlainBins {
 // Quarters of octaves: |t| < 0.0627 below 1/4, 0.0872 below 4.625, 0.1067 beyond.)");
   PlainTable<double>("kAtanBinsOfDouble", 2, 16, 0.5);
   std::printf(R"(
-// Halves of octaves, twice over: |t| <= 0.125 below 1/8, from -0.095 to 0.141 below 3/8, less than
+// Halves of octaves, twice over: |t| <= 0.125 below 1/8, from -0.092 to 0.145 below 3/8, less than
 // 0.145 beyond.)");
-  PlainTable<float>("kAtanBinsOfFloat", 1, 8, 0.4);
+  PlainTable<float>("kAtanBinsOfFloat", 1, 8, 0.387);
+}
+
+// a (n[0] + n[1] a + n[2] a^2)/(d[0] + d[1] a + d[2] a^2 + a^3) with the least relative error as
+// atan(a), for all a = u/(1 - u), by Remez's exchange of the seven points of the largest errors.
+// The denominator of the round before makes the conditions linear.
+struct Ratio {
+  long double n[3], d[3], error;
+};
+
+long double ErrorOf(const Ratio& r, long double u) {
+  const long double a = u / (1 - u);
+  return a * (r.n[0] + a * (r.n[1] + a * r.n[2])) / (r.d[0] + a * (r.d[1] + a * (r.d[2] + a))) /
+             std::atan(a) -
+         1;
+}
+
+Ratio Solved(const Ratio& before, const long double (&points)[7]) {
+  long double m[7][8];
+  for (int i = 0; i < 7; ++i) {
+    const long double u = points[i], v = 1 - u, y = std::atan(u / v) / u;
+    const long double denominator =
+        before.d[0] * v * v * v + u * (before.d[1] * v * v + u * (before.d[2] * v + u));
+    const long double row[8] = {v * v,
+                                u * v,
+                                u * u,
+                                -y * v * v * v,
+                                -y * u * v * v,
+                                -y * u * u * v,
+                                (i % 2 ? -1 : 1) * y * denominator,
+                                y * u * u * u};
+    std::copy(row, row + 8, m[i]);
+  }
+  for (int i = 0; i < 7; ++i) {  // Gauss and Jordan
+    int pivot = i;
+    for (int j = i; j < 7; ++j) {
+      if (std::fabs(m[j][i]) > std::fabs(m[pivot][i])) pivot = j;
+    }
+    std::swap(m[i], m[pivot]);
+    for (int j = 0; j < 7; ++j) {
+      const long double factor = j == i ? 0 : m[j][i] / m[i][i];
+      for (int k = i; k < 8; ++k) m[j][k] -= factor * m[i][k];
+    }
+  }
+  long double x[7];
+  for (int i = 0; i < 7; ++i) x[i] = m[i][7] / m[i][i];
+  return {{x[0], x[1], x[2]}, {x[3], x[4], x[5]}, std::fabs(x[6])};
+}
+
+Ratio BestRatio() {
+  Ratio r = {{1.4L, 2, 1.6L}, {1.4L, 2, 1.9L}, 0};
+  long double points[7];
+  for (int i = 0; i < 7; ++i) points[i] = 0.5L - 0.49999L * std::cos(i * 3.14159265L / 6);
+  for (int round = 0; round < 30; ++round) {
+    for (int i = 0; i < 8; ++i) r = Solved(r, points);
+    int at = 0;
+    long double most = 0;
+    bool positive = ErrorOf(r, points[0]) > 0;
+    for (int i = 1; i < 100000 && at < 7; ++i) {
+      const long double u = i * 1e-5L, e = ErrorOf(r, u);
+      if ((e > 0) != positive) {
+        positive = !positive;
+        most = 0;
+        ++at;
+      }
+      if (at < 7 && std::fabs(e) > most) {
+        most = std::fabs(e);
+        points[at] = u;
+      }
+    }
+  }
+  return r;
+}
+
+// The same as a (c[0] v + c[1])/((a + c[3]) (v + c[4]) + c[5]) with v = a (a + c[2]).
+void RatioTable() {
+  const Ratio r = BestRatio();
+  const long double linear = r.n[1] / r.n[2], shift = r.d[2] - linear,
+                    lift = r.d[1] - shift * linear;
+  const long double c[6] = {r.n[2], r.n[0], linear, shift, lift, r.d[0] - shift * lift};
+  std::printf(R"(
+// atan(a) = a (c[0] v + c[1])/((a + c[3]) (v + c[4]) + c[5]) with v = a (a + c[2]), for all a >= 0
+// with an error of 2^%.3f.
+inline constexpr float kAtanRatioSingle[] = {
+    )",
+              static_cast<double>(std::log2(r.error)));
+  for (int i = 0; i < 6; ++i) {
+    std::printf("%af%s", static_cast<double>(static_cast<float>(c[i])),
+                i == 5   ? "};\n"
+                : i == 3 ? ",\n    "
+                         : ", ");
+  }
 }
 
 void ScalarTable() {
@@ -237,6 +328,7 @@ struct AtanBins {
   Middle<double>("double", "kAtanOctantMiddle", 0.56, 0x1p-51);
   OctantTable();
   PlainTables();
+  RatioTable();
   ScalarTable();
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_ATAN_TABLES_H_\n");
 }

@@ -9,6 +9,7 @@
 //   MayBeRare(d, x, y)     optional: a cheaper mask that covers IsRare and decides for a group; its
 //                          masks are tested together and not used by lane;
 //   AnyMayBeRare(d, x)     optional, for one argument: the same of an array of vectors, at once;
+//   AnyOutside(d, x, y)    optional, the same for two arguments;
 //   Main(d, x...)          the result of common lanes; (d, x, r1, r2) where there are two results;
 //   or MainGroup(d, x..., r)  the same for arrays of several vectors, step by step for all of them:
 //                          long chains of dependent operations then overlap; r may be an x;
@@ -177,6 +178,11 @@ inline constexpr bool HasAnyMayBeRare1 = requires(D d, VecOf<D> (&v)[N]) {
   K::AnyMayBeRare(d, v);
 };
 
+template <class K, class D, size_t N>
+inline constexpr bool HasAnyOutside = requires(D d, VecOf<D> (&v)[N]) {
+  K::AnyOutside(d, v, v);
+};
+
 // A Rarity may tell its lanes, and join keys, its own way: Lanes(d, x); Joined(d, key, x), Any(d,
 // key).
 template <class K, class D>
@@ -225,6 +231,9 @@ template <class K, int kVectors, class D, class V>
 HWY_INLINE bool AnyRare(D d, const V* x, const V* y) {
   if constexpr (HasAnyMayBeRare1<K, D, kVectors>) {
     return K::AnyMayBeRare(d, *reinterpret_cast<const V(*)[kVectors]>(x));
+  } else if constexpr (HasAnyOutside<K, D, kVectors>) {
+    return K::AnyOutside(d, *reinterpret_cast<const V(*)[kVectors]>(x),
+                         *reinterpret_cast<const V(*)[kVectors]>(y));
   } else if constexpr (HasOwnJoin<K, D>) {
     auto key = K::Rarity::Key(d, x[0]);
     for (int k = 1; k < kVectors; ++k) key = K::Rarity::Joined(d, key, x[k]);

@@ -100,6 +100,29 @@ HWY_INLINE V HiddenNegMulAdd(V a, V b, V c) {
   return hn::NegMulAdd(a, b, c);
 }
 
+#if HWY_TARGET == HWY_SSE4
+// Floats in double precision, where their products are exact: the fused steps of floats, but that a
+// sum is rounded twice. From memory a conversion takes no shuffle.
+struct WideHalves {
+  hn::Vec128<double> lower, upper;
+};
+HWY_INLINE WideHalves InHalves(hn::Vec128<float> x) {
+  WideHalves wide;
+  alignas(16) double memory[2];
+  _mm_store_pd(memory, _mm_castps_pd(x.raw));
+  asm("cvtps2pd %1, %0" : "=x"(wide.lower.raw) : "m"(memory[0]));
+  asm("cvtps2pd %1, %0" : "=x"(wide.upper.raw) : "m"(memory[1]));
+  return wide;
+}
+
+// f of both halves, rounded to floats.
+template <class F, class... W>
+HWY_INLINE hn::Vec128<float> ByHalves(F f, const W&... x) {
+  return hn::Vec128<float>{
+      _mm_movelh_ps(_mm_cvtpd_ps(f(x.lower...).raw), _mm_cvtpd_ps(f(x.upper...).raw))};
+}
+#endif
+
 // c - a * b rounded once, where that, a * b or c less the rounded product is representable: what a
 // quotient, a square root, a reduction or a rounded sum leaves.
 template <class D, class V>

@@ -18,31 +18,15 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-#if HWY_TARGET == HWY_SSE4
-// Floats in double precision. From memory a conversion takes no shuffle.
-struct WideHalves {
-  hn::Vec128<double> lower, upper;
-};
-HWY_INLINE WideHalves InHalves(hn::Vec128<float> x) {
-  WideHalves wide;
-  alignas(16) double memory[2];
-  _mm_store_pd(memory, _mm_castps_pd(x.raw));
-  asm("cvtps2pd %1, %0" : "=x"(wide.lower.raw) : "m"(memory[0]));
-  asm("cvtps2pd %1, %0" : "=x"(wide.upper.raw) : "m"(memory[1]));
-  return wide;
-}
-#endif
-
 // p = c0 + x (c1 + x (c2 + x c3)), each step rounded once, for partial sums that keep the binades
 // of c0, c1 and c2: without fused operations double precision rounds them by sums with large
 // numbers. Then p factor + addend rounded once; where double precision rounds twice no result shows
 // it: every argument has been tried.
 template <class D, class V, size_t K>
-HWY_INLINE void FusedCubic(D d, const V (&x)[K], const float (&c)[4], const V (&factor)[K],
-                           const V (&addend)[K], V (&r)[K]) {
+HWY_INLINE void FusedCubic([[maybe_unused]] D d, const V (&x)[K], const float (&c)[4],
+                           const V (&factor)[K], const V (&addend)[K], V (&r)[K]) {
 #if HWY_TARGET == HWY_SSE4
   const hn::Repartition<double, D> wide;
-  const hn::Half<D> half;
   using W = VecOf<decltype(wide)>;
   const auto cubic = [&](W y, W by, W last) HWY_ATTR {
     W p = hn::Set(wide, double{c[3]});
@@ -53,12 +37,10 @@ HWY_INLINE void FusedCubic(D d, const V (&x)[K], const float (&c)[4], const V (&
       p = hn::Add(hn::Mul(p, y), hn::Set(wide, c[i] + large));
       p = hn::Sub(p, hn::Set(wide, large));
     }
-    return hn::DemoteTo(half, hn::Add(hn::Mul(p, by), last));
+    return hn::Add(hn::Mul(p, by), last);
   };
   for (size_t k = 0; k < K; ++k) {
-    const WideHalves y = InHalves(x[k]), by = InHalves(factor[k]), last = InHalves(addend[k]);
-    r[k] =
-        hn::Combine(d, cubic(y.upper, by.upper, last.upper), cubic(y.lower, by.lower, last.lower));
+    r[k] = ByHalves(cubic, InHalves(x[k]), InHalves(factor[k]), InHalves(addend[k]));
   }
 #else
   V p[K];

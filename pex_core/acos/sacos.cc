@@ -17,11 +17,60 @@ struct sAcosCommon : AsinRareGroups<float, kDomain, AsinGroups<float>> {
   static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
 };
 
+// EP: acos(|x|) = sqrt(1 - |x|) p(|x|), and half of pi as a float for |x| below the
+// common arguments.
+template <auto& c, AsinDomain kDomain, class D, size_t kVectors>
+struct AcosShortPart {
+  using V = VecOf<D>;
+  static constexpr size_t kSize = kVectors;
+  V root[kVectors], p[kVectors];
+
+  // As in PlainAsinPart.
+  static constexpr size_t kReduceKinds = 2;
+  static constexpr bool kMixed =
+      HWY_TARGET == HWY_AVX3 && kVectors == 2 && kDomain == AsinDomain::kCommon;
+  template <size_t kKind>
+  HWY_INLINE void Reduce(const V* x) {
+    const D d;
+    for (size_t k = 0; k < kVectors; ++k) {
+      const V ax = hn::Abs(x[k]);
+      const auto usual = hn::Ge(ax, hn::Set(d, 0x1p-32f));
+      const V a = kDomain == AsinDomain::kWhole ? hn::IfThenElseZero(usual, ax) : ax;
+      p[k] = Horner(d, a, c);
+      if (kDomain == AsinDomain::kWhole) {
+        p[k] = hn::IfThenElse(usual, p[k], hn::Set(d, static_cast<float>(kPi / 2)));
+      }
+      root[k] = hn::Sub(Whole<1>(d), a);
+      if (kMixed && kKind == 0 && k == 0) {
+        root[k] = RootByEstimate(d, root[k]);
+      } else {
+        root[k] = hn::Sqrt(root[k]);
+      }
+    }
+    EndPart(root);
+  }
+  HWY_INLINE void Evaluate() {}
+  HWY_INLINE void Result(const V* x, V* r) const {
+    const D d;
+    const V pi = Whole<kPi>(d);
+    for (size_t k = 0; k < kVectors; ++k) {
+      const V y = hn::Mul(root[k], p[k]);
+#if HWY_TARGET == HWY_AVX3
+      r[k] = SubFromWhere(d, hn::MaskFromVec(x[k]), pi, y);
+#else
+      const V base = hn::And(pi, FromBits(d, hn::ShiftRight<31>(Bits(d, x[k]))));
+      r[k] = hn::Add(base, hn::Xor(y, hn::And(x[k], hn::SignBit(d))));
+#endif
+    }
+  }
+};
+
 template <AsinDomain kDomain>
 struct sAcosForEP : sAcosCommon<kDomain> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    PlainInTurn<PlainAcos, kAsinSingleEP, kDomain, sAcosCommon<kDomain>::kTogether>(d, x, r);
+    PlainInTurn<AcosShortPart, kAcosShortSingleEP, kDomain, sAcosCommon<kDomain>::kTogether>(d, x,
+                                                                                             r);
   }
 };
 using sAcosEP = AsinKernel<sAcosForEP>;

@@ -4,7 +4,9 @@
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/atan_polynomials.h"
 #include "pex_core/_heap/real/atan_tables.h"
+#include "pex_core/_heap/real/quotient_correct-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/_kernel/exact-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 #include "pex_core/atan/atan_rare.h"
 
@@ -145,48 +147,121 @@ struct AtanPlainPart {
   }
 };
 
-// The same for EP in single precision, with no other c than 0 and 2: |t| < 0.62.
+// The same in single precision, in the fewest roundings. Every argument has been tried: no result
+// shows that SSE4 rounds 1 + c a and the last sum in double precision first.
 template <auto& kC, class D, size_t kVectors>
-struct AtanShortPart {
+struct AtanHiddenPart {
   using V = VecOf<D>;
   static constexpr size_t kSize = kVectors;
-  V t[kVectors];
-  MaskOf<D> high[kVectors];
+  V t[kVectors], angle[kVectors], z[kVectors], q[kVectors];
 
   HWY_INLINE void Reduce(const V* x) {
     const D d;
     for (size_t k = 0; k < kVectors; ++k) {
       const V a = hn::Abs(x[k]);
-      high[k] = hn::Gt(a, hn::Set(d, 0.62f));
-      t[k] = hn::Div(SubWhere(d, high[k], a, hn::Set(d, 2.0f)),
-                     AddWhere(d, high[k], hn::Set(d, 1.0f), hn::Add(a, a)));
+      const AtanBin<V> bin = AtanBinOf(d, a);
+#if HWY_TARGET == HWY_SSE4
+      using W = hn::Vec128<double>;
+      const V m =
+          ByHalves([](W c, W b) HWY_ATTR { return hn::Add(hn::Mul(c, b), W{_mm_set1_pd(1)}); },
+                   InHalves(bin.c), InHalves(a));
+#else
+      const V m = HiddenMulAdd(bin.c, a, hn::Set(d, 1.0f));
+#endif
+      // The difference is exact where it is not much less than c.
+      t[k] = hn::Div(hn::Sub(a, bin.c), m);
+      angle[k] = bin.angle;
     }
     EndPart(t);
   }
-  HWY_INLINE void Evaluate() { AtanSeries<kC>(D(), t); }
-  HWY_INLINE void Result(const V* x, V* r) const {
+  // q = 1 + z (c[0] + z c[1]) with z = t^2.
+  HWY_INLINE void Evaluate() {
+    for (size_t k = 0; k < kVectors; ++k) z[k] = hn::Mul(t[k], t[k]);
+#if HWY_TARGET != HWY_SSE4
     const D d;
     for (size_t k = 0; k < kVectors; ++k) {
-      r[k] = hn::CopySignToAbs(AddWhere(d, high[k], t[k], hn::Set(d, 0x1.1b6e1ap+0f)), x[k]);
+      q[k] = HiddenMulAdd(z[k], hn::Set(d, kC[1]), hn::Set(d, kC[0]));
+      q[k] = HiddenMulAdd(z[k], q[k], hn::Set(d, 1.0f));
     }
+    EndPart(q);
+#endif
+  }
+  HWY_INLINE V Sum(size_t k) const {
+#if HWY_TARGET == HWY_SSE4
+    using W = hn::Vec128<double>;
+    const auto number = [](double x) HWY_ATTR { return W{_mm_set1_pd(x)}; };
+    return ByHalves(
+        [&](W t, W angle, W z) HWY_ATTR {
+          // What is added has the last place of a float in [1/4, 1/2) and in [1/2, 1].
+          constexpr double kQuarters = 0x1.8p27, kHalves = 0x1.8p28;
+          W q = hn::Add(hn::Mul(z, number(kC[1])), number(kC[0] + kQuarters));
+          q = hn::Mul(z, hn::Sub(q, number(kQuarters)));
+          q = hn::Sub(hn::Add(q, number(1 + kHalves)), number(kHalves));
+          return hn::Add(hn::Mul(t, q), angle);
+        },
+        InHalves(t[k]), InHalves(angle[k]), InHalves(z[k]));
+#else
+    return HiddenMulAdd(t[k], q[k], angle[k]);
+#endif
+  }
+  HWY_INLINE void Result(const V* x, V* r) const {
+    for (size_t k = 0; k < kVectors; ++k) r[k] = hn::CopySignToAbs(Sum(k), x[k]);
   }
 };
 
-// What Main covers. Below, products underflow, and the arctangent is the argument; above, it is
-// half of pi.
+// EP in single precision, without a table: x (c[0] v + c[1])/((a + c[3]) (v + c[4]) + c[5]) with v
+// = a (a + c[2]).
+template <auto& kC, class D, size_t kVectors>
+struct AtanRatioPart {
+  using V = VecOf<D>;
+  static constexpr size_t kSize = kVectors;
+  V r[kVectors];
+
+  // The division takes AVX-512 longer than all the rest: of some vectors one goes without.
+  static constexpr size_t kReduceKinds = HWY_TARGET == HWY_AVX3 ? 4 : 1;
+  template <size_t kKind>
+  HWY_INLINE void Reduce(const V* x) {
+    const D d;
+    const auto c = [d](size_t i) HWY_ATTR { return hn::Set(d, kC[i]); };
+    for (size_t k = 0; k < kVectors; ++k) {
+      const V a = hn::Abs(x[k]);
+      const V v = hn::Mul(a, hn::Add(a, c(2)));
+      const V n = hn::Mul(x[k], hn::Add(hn::Mul(v, c(0)), c(1)));
+      const V m = hn::Add(hn::Mul(hn::Add(a, c(3)), hn::Add(v, c(4))), c(5));
+      r[k] = kReduceKinds > 1 && kKind == 0 ? QuotientBySteps(d, n, m) : hn::Div(n, m);
+    }
+    EndPart(r);
+  }
+  HWY_INLINE void Evaluate() {}
+  HWY_INLINE void Result(const V*, V* to) const {
+    for (size_t k = 0; k < kVectors; ++k) to[k] = r[k];
+  }
+};
+
+// What Main covers: kOctaves from kLeast on. Below, products underflow, and the arctangent is the
+// argument; from kHuge on it is half of pi.
 template <typename T>
 struct AtanRange {
   static constexpr T kLeast = sizeof(T) == 8 ? T(0x1p-196) : T(0x1p-40);
   static constexpr T kHuge = sizeof(T) == 8 ? T(0x1p60) : T(0x1p26);
+  static constexpr int kOctaves = sizeof(T) == 8 ? 256 : 64;
 };
 
-// Whether some number is outside the 64 octaves of floats or 256 of doubles from the least on.
-template <class D, size_t K>
+// For the ratio, which has no cubes beyond the numbers and is not the argument for small ones.
+struct AtanRatioRange : AtanRange<float> {
+  static constexpr float kLeast = 0x1p-16f;
+  static constexpr int kOctaves = 32;
+};
+
+// Whether some number is outside.
+template <class Range, class D, size_t K>
 HWY_INLINE bool AnyOutsideAtanRange(D d, const VecOf<D> (&x)[K]) {
   using T = hn::TFromD<D>;
-  const auto least = SetBits(d, static_cast<uint64_t>(BitsOfNumber(AtanRange<T>::kLeast)));
-  constexpr uint64_t kAbove = sizeof(T) == 8 ? uint64_t{7} << 60 : uint64_t{3} << 29;
-  return AnyKeyHas(d, x, kAbove, [&](VecOf<D> v) HWY_ATTR { return hn::Sub(Bits(d, v), least); });
+  constexpr uint64_t kInside = uint64_t{Range::kOctaves} << (sizeof(T) == 8 ? 52 : 23);
+  constexpr uint64_t kSign = uint64_t{1} << (8 * sizeof(T) - 1);
+  const auto least = SetBits(d, static_cast<uint64_t>(BitsOfNumber(Range::kLeast)));
+  return AnyKeyHas(d, x, kSign - kInside,
+                   [&](VecOf<D> v) HWY_ATTR { return hn::Sub(Bits(d, v), least); });
 }
 
 template <typename Element>
@@ -202,11 +277,11 @@ struct AtanCommon : Kernel<Element> {
   }
 };
 
-template <typename T, template <class, size_t> class Part>
+template <typename T, template <class, size_t> class Part, class Range = AtanRange<T>>
 struct AtanPlain : AtanCommon<T> {
   template <class D, class V, size_t K>
   static HWY_INLINE bool AnyMayBeRare(D d, const V (&x)[K]) {
-    return AnyOutsideAtanRange(d, x);
+    return AnyOutsideAtanRange<Range>(d, x);
   }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D, const V (&x)[K], V (&r)[K]) {
@@ -219,8 +294,8 @@ struct AtanPlain : AtanCommon<T> {
     using Rarity = RareAbove<T, sizeof(T) == 8 ? 0x7FEFFFFF : 0x7F7FFFFF>;  // infinity or NaN
     template <class D, class V>
     static HWY_INLINE V Main(D d, V x) {
-      const auto tiny = MagnitudeBelow(d, x, AtanRange<T>::kLeast);
-      const auto below = MagnitudeBelow(d, x, AtanRange<T>::kHuge);
+      const auto tiny = MagnitudeBelow(d, x, Range::kLeast);
+      const auto below = MagnitudeBelow(d, x, Range::kHuge);
       const auto common = hn::AndNot(tiny, below);
       const V half_pi = hn::CopySign(hn::Set(d, T(0x1.921fb54442d18p+0)), x);
       const V group[1] = {hn::IfThenElse(common, x, hn::Set(d, T(1)))};

@@ -13,11 +13,11 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vsAtan";
 
 template <class D, size_t kVectors>
-using sAtanPartEP = AtanShortPart<kAtanPlainSingleEP, D, kVectors>;
-using sAtanEP = AtanPlain<float, sAtanPartEP>;
+using sAtanPartEP = AtanRatioPart<kAtanRatioSingle, D, kVectors>;
+using sAtanEP = AtanPlain<float, sAtanPartEP, AtanRatioRange>;
 
 template <class D, size_t kVectors>
-using sAtanPartLA = AtanPlainPart<kAtanPlainSingleLA, D, kVectors>;
+using sAtanPartLA = AtanHiddenPart<kAtanPlainSingleLA, D, kVectors>;
 using sAtanLA = AtanPlain<float, sAtanPartLA>;
 
 // kAtanHA, the first coefficient raised. The arctangent of 0x1.1ad646p-4 lies 0.13 ulp of double

@@ -20,25 +20,22 @@ struct sAtan2Rare {
   }
 };
 
-struct sAtan2Common : Kernel<float>, sAtan2Domain, sAtan2Rare {
+template <auto& kC, bool kFree, bool kTiny, class Domain, int kVectors>
+struct sAtan2Unit : Kernel<float>, Domain, sAtan2Rare {
   static constexpr int kArguments = 2;
-};
-
-struct sAtan2EP : sAtan2Common {
-  static constexpr int kUnroll = 8;
+  static constexpr int kUnroll = kVectors;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    UnitAtan2<true>(d, y, x, kAtanUnitSingleEP, r);
+    UnitAtan2<kC, kFree, kTiny>(d, y, x, r);
   }
 };
 
-struct sAtan2LA : sAtan2Common {
-  static constexpr int kUnroll = 8;
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    UnitAtan2<false>(d, y, x, kAtan2SingleLA, r);
-  }
+template <auto& kC, bool kFree>
+struct sAtan2Plain : sAtan2Unit<kC, kFree, false, sAtan2ModestDomain, 8> {
+  using Wide = sAtan2Unit<kC, kFree, true, sAtan2Domain, 4>;
 };
+using sAtan2EP = sAtan2Plain<kAtanUnitSingleEP, true>;
+using sAtan2LA = sAtan2Plain<kAtan2SingleLA, false>;
 
 // In double precision, for all numbers from 2^-125 on: below 0.5094 ulp.
 struct sAtan2HA : Kernel<float>, sAtan2WideDomain, sAtan2Rare {

@@ -14,7 +14,7 @@ struct sArgEP {
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    UnitAtan2<true>(d, y, x, kAtanUnitSingleEP, r);
+    UnitAtan2<kAtanUnitSingleEP, true, true>(d, y, x, r);
   }
 };
 
@@ -22,7 +22,7 @@ struct sArgLA {
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    UnitAtan2<false>(d, y, x, kAtan2SingleLA, r);
+    UnitAtan2<kAtan2SingleLA, false, true>(d, y, x, r);
   }
 };
 

@@ -30,16 +30,37 @@ void RootsOfArray(size_t n, const double* t, [[maybe_unused]] const double* esti
   }
 }
 
+size_t WrongRootsFrom([[maybe_unused]] float t, [[maybe_unused]] int32_t first,
+                      [[maybe_unused]] int32_t last) {
+  size_t wrong = 0;
+#if HWY_TARGET == HWY_AVX3
+  const hn::ScalableTag<float> d;
+  const hn::ScalableTag<int32_t> di;
+  const auto x = hn::Set(d, t), root = hn::Sqrt(x);
+  for (int32_t pattern = first; pattern <= last; pattern += static_cast<int32_t>(hn::Lanes(d))) {
+    const auto y = hn::BitCast(d, hn::Iota(di, pattern));
+    wrong += hn::CountTrue(d, hn::Ne(RootByEstimate(d, x, y), root));
+  }
+#endif
+  return wrong;
+}
+
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace pex {
 HWY_EXPORT(RootsOfArray);
+HWY_EXPORT(WrongRootsFrom);
 }  // namespace pex
 
 void RunRoots(size_t n, const double* t, const double* estimates, double* r) {
   using namespace pex;
   HWY_DYNAMIC_DISPATCH(RootsOfArray)(n, t, estimates, r);
+}
+
+size_t WrongRoots(float t, int32_t first, int32_t last) {
+  using namespace pex;
+  return HWY_DYNAMIC_DISPATCH(WrongRootsFrom)(t, first, last);
 }
 #endif

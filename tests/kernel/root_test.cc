@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <set>
 #include <vector>
@@ -93,6 +94,20 @@ TEST_P(Roots, NextToTheMiddleOfTwoNumbers) {
       }
     }
     Check(t, y.data());
+  }
+}
+
+// All of [1, 4), from all estimates.
+TEST(RootsOfFloats, FromEveryEstimate) {
+  SKIP_WITHOUT(kLevels[2]);
+  const auto pattern = [](double y) { return std::bit_cast<int32_t>(static_cast<float>(y)); };
+  for (int32_t bits = pattern(1); bits < pattern(4); ++bits) {
+    const float t = std::bit_cast<float>(bits);
+    const double inverse = 1 / std::sqrt(double{t});
+    ASSERT_EQ(
+        WrongRoots(t, pattern(inverse * (1 - 0x1p-14)) - 1, pattern(inverse * (1 + 0x1p-14)) + 1),
+        0u)
+        << std::hexfloat << t;
   }
 }
 

@@ -167,9 +167,10 @@ HWY_INLINE AsinParts<D> AsinReduce(D d, V x) {
   const V rest = hn::Add(Whole<2>(d), twice);  // exact where it is used
   const auto large = hn::Lt(minus, Whole<-0.5>(d));
 #if HWY_TARGET == HWY_AVX3
-  // One operation less than with a minimum.
+  // Two comparisons: the complement of a mask takes another one of the few places.
   if constexpr (kDomain == AsinDomain::kCommon) {
-    return {minus, large, rest, MulWhere(d, hn::Not(large), twice, twice, rest)};
+    const auto small = hn::Ge(minus, Whole<-0.5>(d));
+    return {minus, large, rest, MulWhere(d, small, twice, twice, rest)};
   }
 #endif
   const V square = kDomain == AsinDomain::kCommon
@@ -188,7 +189,8 @@ HWY_INLINE AsinParts<D> AsinReduceHalf(D d, V x) {
   const auto large = hn::Lt(minus, Whole<-0.5>(d));
 #if HWY_TARGET == HWY_AVX3
   if constexpr (kDomain == AsinDomain::kCommon) {
-    return {minus, large, rest, MulWhere(d, hn::Not(large), minus, minus, rest)};
+    const auto small = hn::Ge(minus, Whole<-0.5>(d));
+    return {minus, large, rest, MulWhere(d, small, minus, minus, rest)};
   }
 #endif
   const V square = kDomain == AsinDomain::kCommon
@@ -230,21 +232,54 @@ HWY_INLINE VecOf<D> OneOrMinusTwo(D d, MaskOf<D> mask) {
   return hn::IfThenElse(mask, hn::Set(d, T(-2)), hn::Set(d, T(1)));
 }
 
-// Horner's scheme in steps, with coefficients spread. The compiler must not see what it loads, or
-// it makes broadcasts of it again.
+// Horner's scheme in hidden steps, with coefficients spread on AVX-512. The compiler must not see
+// what it loads, or it makes broadcasts of it again.
 template <auto& kC, class D, class V, size_t K>
-HWY_INLINE void SpreadHorner(D d, const V (&x)[K], V (&p)[K]) {
+HWY_INLINE void HiddenHorner(D d, const V (&x)[K], V (&p)[K]) {
+#if HWY_TARGET == HWY_AVX3
   static constexpr auto kSpread = SpreadOf(kC);
   auto* s = kSpread.c;
   asm("" : "+r"(s));
-  for (size_t k = 0; k < K; ++k) p[k] = hn::Load(d, s[std::size(kC) - 1]);
+  const auto term = [&](size_t i) HWY_ATTR { return hn::Load(d, s[i]); };
+#else
+  const auto term = [d](size_t i) HWY_ATTR { return hn::Set(d, kC[i]); };
+#endif
+  for (size_t k = 0; k < K; ++k) p[k] = term(std::size(kC) - 1);
   for (size_t i = std::size(kC) - 1; i-- > 0;) {
-    for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(p[k], x[k]);
-    EndStep(p);
-    for (size_t k = 0; k < K; ++k) p[k] = hn::Add(p[k], hn::Load(d, s[i]));
+    for (size_t k = 0; k < K; ++k) p[k] = HiddenMulAdd(p[k], x[k], term(i));
     EndStep(p);
   }
 }
+
+#if HWY_TARGET == HWY_SSE4
+// The same in double precision, rounded to floats at each step, as s p + lead is at last. From c[2]
+// on the sums keep the binades of their coefficients, so that sums with large numbers round them;
+// where s p + lead is rounded twice no result shows it: every argument has been tried.
+template <auto& kC, class V>
+HWY_INLINE V HiddenAsinSum(V u, V s, V lead) {
+  using W = hn::Vec128<double>;
+  const auto number = [](double x) HWY_ATTR { return W{_mm_set1_pd(x)}; };
+  return ByHalves(
+      [&](W x, W sx, W first) HWY_ATTR {
+        constexpr size_t N = std::size(kC);
+        W p = number(kC[N - 1]);
+        for (size_t i = N - 1; i-- > 0;) {
+          p = hn::Mul(p, x);
+          if (i > 2) {
+            p = W{_mm_cvtps_pd(_mm_cvtpd_ps(hn::Add(p, number(kC[i])).raw))};
+          } else {
+            // 2^52 last places of the sum
+            const double large =
+                0x1.8p52 *
+                __builtin_bit_cast(float, (BitsOfNumber(kC[i]) & 0x7F800000) - (23 << 23));
+            p = hn::Sub(hn::Add(p, number(kC[i] + large)), number(large));
+          }
+        }
+        return hn::Add(hn::Mul(sx, p), first);
+      },
+      InHalves(u), InHalves(s), InHalves(lead));
+}
+#endif
 
 // EvenOdd with them.
 template <auto& kC, class D, class V, size_t K>
@@ -269,8 +304,10 @@ HWY_INLINE void SpreadEvenOdd(D d, const V (&x)[K], const V (&x2)[K], V (&p)[K])
 template <bool kEstimated, bool kPlenty, class D>
 HWY_INLINE VecOf<D> AsinRoot(D d, const AsinParts<D>& v) {
 #if HWY_TARGET == HWY_AVX3
-  constexpr bool kPossible = sizeof(hn::TFromD<D>) == 8 && sizeof(v.rest) == 64;
+  constexpr bool kPossible = sizeof(v.rest) == 64;
   if constexpr (!kEstimated || !kPossible) {
+  } else if constexpr (sizeof(hn::TFromD<D>) == 4) {
+    return RootByEstimate(d, v.u);  // of a square it is |x|
   } else if (!kPlenty || __builtin_cpu_is("intel")) {
     const __mmask8 positive =
         _mm512_mask_test_epi64_mask(v.large.raw, Bits(d, v.rest).raw, Bits(d, v.rest).raw);
@@ -283,9 +320,10 @@ HWY_INLINE VecOf<D> AsinRoot(D d, const AsinParts<D>& v) {
   return SqrtWhere(d, v.large, v.rest, v.minus);
 }
 
-// Both functions by plain sums, for kVectors vectors: below 2 ulp with the coefficients of LA (Asin
-// 1.83 seen, single 1.75, Acos 1.20 and 1.89). Result() has acos(|x|) for large x, -asin(|x|) for
-// others. kHalf: of half of that, asin(sqrt((1 - |x|)/2)), and without sign where kRoots.
+// Both functions by plain sums, single by hidden steps, for kVectors vectors: below 2 ulp with the
+// coefficients of LA (Asin 1.83 seen, single 1.71, Acos 1.20 and 1.88). Result() has acos(|x|) for
+// large x, -asin(|x|) for others. kHalf: of half of that, asin(sqrt((1 - |x|)/2)), and without sign
+// where kRoots.
 template <auto& c, AsinDomain kDomain, class D, size_t kVectors, bool kHalf = false>
 struct PlainAsinPart {
   using V = VecOf<D>;
@@ -296,8 +334,12 @@ struct PlainAsinPart {
   MaskOf<D> large[kVectors];
   V lead[kVectors], u[kVectors], p[kVectors];
 
-  // Roots of doubles take Golden Cove longer than all the rest: of four vectors one goes without.
-  static constexpr size_t kReduceKinds = std::size(c) < 6 ? 3 : 4;
+  // Roots of doubles, and with few coefficients those of floats, take Golden Cove longer than all
+  // the rest: of four vectors one goes without.
+  static constexpr bool kSingle = sizeof(T) == 4;
+  static constexpr size_t kReduceKinds = kSingle ? 2 : std::size(c) < 6 ? 3 : 4;
+  static constexpr bool kMixed =
+      !kSingle || (std::size(c) < 5 && kVectors == 2 && kDomain == AsinDomain::kCommon);
   template <size_t kKind>
   HWY_INLINE void Reduce(const V* x) {
     const D d;
@@ -310,17 +352,21 @@ struct PlainAsinPart {
       }
       large[k] = v.large;
       u[k] = v.u;
-      lead[k] = kRoots ? hn::Sqrt(v.u) : AsinRoot<kKind == 0, (std::size(c) > 5)>(d, v);
+      if constexpr (kRoots) {
+        lead[k] = hn::Sqrt(v.u);
+      } else if (kMixed && k == 0) {
+        lead[k] = AsinRoot<kKind == 0, (std::size(c) > 5)>(d, v);
+      } else {
+        lead[k] = AsinRoot<false, false>(d, v);
+      }
     }
     EndPart(lead);
   }
   HWY_INLINE void Evaluate() {
     const D d;
-    if constexpr (sizeof(T) == 4) {
-#if HWY_TARGET == HWY_AVX3
-      SpreadHorner<c>(d, u, p);
-#else
-      Horner(d, u, c, p);
+    if constexpr (kSingle) {
+#if HWY_TARGET != HWY_SSE4
+      HiddenHorner<c>(d, u, p);
 #endif
     } else {
       V u2[kVectors];
@@ -334,7 +380,15 @@ struct PlainAsinPart {
     EndPart(p);
   }
   HWY_INLINE V Sum(size_t k) const {
-    return hn::Add(lead[k], hn::Mul(hn::Mul(lead[k], u[k]), p[k]));
+    const V s = hn::Mul(lead[k], u[k]);
+    if constexpr (kSingle) {
+#if HWY_TARGET == HWY_SSE4
+      return HiddenAsinSum<c>(u[k], s, lead[k]);
+#else
+      return HiddenMulAdd(s, p[k], lead[k]);
+#endif
+    }
+    return hn::Add(lead[k], hn::Mul(s, p[k]));
   }
 };
 

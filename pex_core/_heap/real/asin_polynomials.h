@@ -40,6 +40,12 @@ inline constexpr float kAsinSingleLA[] = {
 inline constexpr float kAsinSingleEP[] = {
     0x1.52014cp-5f, 0x1.829128p-8f};
 
+// acos(x) = sqrt(1 - x) (c[0] + c[1] x ...) for 0 <= x <= 1.
+
+// Error 2^-11.3125 of the whole.
+inline constexpr float kAcosShortSingleEP[] = {
+    0x1.91f772p0f, -0x1.9d71bp-3f, 0x1.7c9d5ap-5f};
+
 }  // namespace pex
 
 #endif  // PEX_CORE__HEAP_REAL_ASIN_POLYNOMIALS_H_

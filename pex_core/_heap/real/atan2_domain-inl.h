@@ -84,6 +84,20 @@ struct Atan2ModestDomain : Atan2Outside<double, 0x3BF00000, 0x43EFFFFF> {
   }
 };
 
+// The same of floats, from 2^-32 below 2^32, whose exponents less 95 have five bits.
+struct sAtan2ModestDomain : sAtan2Domain {
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyOutside(D d, const V (&y)[K], const V (&x)[K]) {
+    const auto shift = SetBits(d, uint64_t{95} << 23);
+    auto joined = SetBits(d, 0);
+    for (size_t k = 0; k < K; ++k) {
+      const auto ys = hn::Sub(Bits(d, y[k]), shift), xs = hn::Sub(Bits(d, x[k]), shift);
+      joined = hn::Or3(joined, ys, xs);
+    }
+    return HasAnyBit(joined, SetBits(d, uint64_t{3} << 29));
+  }
+};
+
 // A mask of floats for their lower or upper half as doubles.
 template <bool kUpper, class D, class Half = hn::Half<D>, class Wide = hn::Rebind<double, Half>>
 HWY_INLINE MaskOf<Wide> WideMask(D d, MaskOf<D> mask) {

@@ -18,39 +18,76 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Angles of the first eighth moved to where the point is: steep for |y| > |x|.
+// x with its sign changed where y is negative.
 template <class D, class V>
-HWY_INLINE V AngleInPlane(D d, V angle, MaskOf<D> steep, V y, V x) {
-  const V half_pi = hn::Set(d, 0x1.921fb6p+0f), pi = hn::Set(d, 0x1.921fb6p+1f);
-  const V right = hn::IfThenElse(steep, hn::Sub(half_pi, angle), angle);
-  return hn::CopySignToAbs(hn::IfNegativeThenElse(x, hn::Sub(pi, right), right), y);
+HWY_INLINE V FlipWith(D d, V x, V y) {
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(V) == 64) {
+    const auto sign = SetBits(d, 1ull << 31);
+    return FromBits(d, BitsOf<D>{_mm512_ternarylogic_epi32(Bits(d, x).raw, Bits(d, y).raw, sign.raw,
+                                                           0x78)});  // x ^ (y & sign)
+  }
+#endif
+  return hn::Xor(x, hn::And(y, hn::SignBit(d)));
 }
 
-// atan2(y, x) for |x| and |y| in [2^-60, 2^60]; one of them may be 0. kFree: c[0] is the factor of
-// t, not of t^3.
-template <bool kFree, class D, class V, size_t K, size_t N>
-HWY_INLINE void UnitAtan2(D d, const V (&y)[K], const V (&x)[K], const float (&c)[N], V (&r)[K]) {
-  V t[K], z[K], p[K];
-  for (size_t k = 0; k < K; ++k) {
-    const auto ay = Bits(d, hn::Abs(y[k])), ax = Bits(d, hn::Abs(x[k]));
-    t[k] = hn::Div(FromBits(d, hn::Min(ay, ax)), FromBits(d, hn::Max(ay, ax)));
+// Angles of the first eighth moved to where the point is, by one sum: steep for |y| > |x|.
+template <class D, class V>
+HWY_INLINE V AngleInPlane(D d, V angle, MaskOf<D> steep, V y, V x) {
+  const V half_pi = hn::Set(d, 0x1.921fb6p+0f);
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(V) == 64) {
+    const V turned = FlipWith(d, angle, x);
+    const V flat = MergedAdd(turned, hn::MaskFromVec(x), turned, hn::Set(d, 0x1.921fb6p+1f));
+    return hn::CopySignToAbs(MergedSub(flat, steep, half_pi, turned), y);
+  }
+#endif
+  // Without selections, which Golden Cove makes of three operations. The corner is half of pi less
+  // 0 or half of pi with the sign of x.
+  const V sign = hn::SignBit(d), over = hn::VecFromMask(d, steep), x_sign = hn::And(x, sign);
+  const V corner = hn::Sub(half_pi, hn::AndNot(over, hn::Or(x_sign, half_pi)));
+  const V turn = hn::Xor(x_sign, hn::And(over, sign));
+  return hn::CopySignToAbs(hn::Add(corner, hn::Xor(angle, turn)), y);
+}
+
+// atan2(y, x) of one vector in three parts, by the ratio t: for |x| and |y| in [2^-32, 2^32];
+// kTiny: in [2^-60, 2^60], and one of them may be 0. kFree: c[0] is the factor of t, not of t^3.
+template <auto& kC, bool kFree, bool kTiny, class D>
+struct UnitAtan2Part {
+  using V = VecOf<D>;
+  V t[1], angle[1];
+
+  HWY_INLINE void Reduce(V y, V x) {
+    const D d;
+    const auto ay = Bits(d, hn::Abs(y)), ax = Bits(d, hn::Abs(x));
+    t[0] = hn::Div(FromBits(d, hn::Min(ay, ax)), FromBits(d, hn::Max(ay, ax)));
+    EndPart(t);
   }
   // No product of tiny t shall underflow where it counts for nothing.
-  for (size_t k = 0; k < K; ++k) {
-    if constexpr (kFree) {
-      const V u = hn::Max(t[k], hn::Set(d, 0x1p-30f));
-      z[k] = hn::Mul(u, u);
+  HWY_INLINE void Evaluate() {
+    const D d;
+    V z[1], z2[1], p[1];
+    if constexpr (kTiny && !kFree) {
+      z[0] = SquareWhere(d, hn::Ge(t[0], hn::Set(d, 0x1p-20f)), t[0]);
     } else {
-      z[k] = SquareWhere(d, hn::Ge(t[k], hn::Set(d, 0x1p-20f)), t[k]);
+      const V u = hn::Max(t[0], hn::Set(d, kFree ? 0x1p-30f : 0x1p-20f));
+      z[0] = hn::Mul(u, u);
     }
+    z2[0] = hn::Mul(z[0], z[0]);
+    EvenOdd(d, z, z2, kC, p);
+    const V tail = hn::Mul(t[0], kFree ? p[0] : hn::Mul(z[0], p[0]));
+    angle[0] = kFree ? tail : hn::Add(t[0], tail);
+    EndPart(angle);
   }
-  HornerInSteps(d, z, c, p);
-  for (size_t k = 0; k < K; ++k) {
-    const V tail = hn::Mul(t[k], kFree ? p[k] : hn::Mul(z[k], p[k]));
-    const V angle = kFree ? tail : hn::Add(t[k], tail);
-    const auto steep = hn::Gt(hn::Abs(y[k]), hn::Abs(x[k]));
-    r[k] = AngleInPlane(d, angle, steep, y[k], x[k]);
+  HWY_INLINE V Result(V y, V x) const {
+    return AngleInPlane(D(), angle[0], hn::Gt(hn::Abs(y), hn::Abs(x)), y, x);
   }
+};
+
+template <auto& kC, bool kFree, bool kTiny, class D, class V, size_t K>
+HWY_INLINE void UnitAtan2(D, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
+  UnitAtan2Part<kC, kFree, kTiny, D> parts[K];
+  InTurn(parts, r, y, x);
 }
 
 // The same in double precision, for |x| and |y| in [2^-450, 2^450]. kTiny: they may be outside

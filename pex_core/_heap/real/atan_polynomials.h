@@ -33,17 +33,11 @@ inline constexpr double kAtanPlainLA[] = {
 inline constexpr double kAtanPlainEP[] = {
     -0x1.555301a410b58p-2, 0x1.94b967efd997ap-3};
 
-// The same for |t| < 0.141.
+// The same for |t| < 0.147, above 0.13 with less weight.
 
-// Error 2^-24.46875 of the whole.
+// Error 2^-24.625 of the whole for |t| < 0.13, 2^-22.46875 beyond.
 inline constexpr float kAtanPlainSingleLA[] = {
-    -0x1.554f0ap-2f, 0x1.91991ap-3f};
-
-// The same for |t| <= 0.62.
-
-// Error 2^-12.359375 of the whole.
-inline constexpr float kAtanPlainSingleEP[] = {
-    -0x1.4f3022p-2f, 0x1.256872p-3f};
+    -0x1.55502p-2f, 0x1.923e5cp-3f};
 
 // The same for |t| < 0.2829.
 

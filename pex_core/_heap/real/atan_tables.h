@@ -71,18 +71,24 @@ inline constexpr AtanPlainBins<double> kAtanBinsOfDouble = {
      0x1.47059b8aba8fap-1, 0x1.901fb7eee7186p-1, 0x1.c94163e967c5ap-1, 0x1.f60d5c9de30b9p-1},
 };
 
-// Halves of octaves, twice over: |t| <= 0.125 below 1/8, from -0.095 to 0.141 below 3/8, less than
+// Halves of octaves, twice over: |t| <= 0.125 below 1/8, from -0.092 to 0.145 below 3/8, less than
 // 0.145 beyond.
 inline constexpr AtanPlainBins<float> kAtanBinsOfFloat = {
     {0x1.03c786p+1f, 0x1.86bbbcp+1f, 0x1.d8aab8p+2f, 0x0p+0f,
-     0x1.c5effep-3f, 0x1.f9ab1ap-2f, 0x1.b0762ap-1f, 0x1.5872e2p+0f,
+     0x1.bf66cap-3f, 0x1.f9ab1ap-2f, 0x1.b0762ap-1f, 0x1.5872e2p+0f,
      0x1.03c786p+1f, 0x1.86bbbcp+1f, 0x1.d8aab8p+2f, 0x0p+0f,
-     0x1.c5effep-3f, 0x1.f9ab1ap-2f, 0x1.b0762ap-1f, 0x1.5872e2p+0f},
+     0x1.bf66cap-3f, 0x1.f9ab1ap-2f, 0x1.b0762ap-1f, 0x1.5872e2p+0f},
     {0x1.1cec96p+0f, 0x1.4114dap+0f, 0x1.6faba6p+0f, 0x0p+0f,
-     0x1.beb728p-3f, 0x1.d5b284p-2f, 0x1.671b62p-1f, 0x1.dd0156p-1f,
+     0x1.b87b3cp-3f, 0x1.d5b284p-2f, 0x1.671b62p-1f, 0x1.dd0156p-1f,
      0x1.1cec96p+0f, 0x1.4114dap+0f, 0x1.6faba6p+0f, 0x0p+0f,
-     0x1.beb728p-3f, 0x1.d5b284p-2f, 0x1.671b62p-1f, 0x1.dd0156p-1f},
+     0x1.b87b3cp-3f, 0x1.d5b284p-2f, 0x1.671b62p-1f, 0x1.dd0156p-1f},
 };
+
+// atan(a) = a (c[0] v + c[1])/((a + c[3]) (v + c[4]) + c[5]) with v = a (a + c[2]), for all a >= 0
+// with an error of 2^-11.923.
+inline constexpr float kAtanRatioSingle[] = {
+    0x1.923a3ap+0f, 0x1.6622dap+0f, 0x1.41294p+0f, 0x1.4d3e6cp-1f,
+    0x1.2c2a2p+0f, 0x1.455a7ep-1f};
 
 // Row j for the breakpoint c in the middle of the half octave j above 1/8, that is 1.25 2^(j/2 - 3)
 // for even j and 1.75 2^((j-1)/2 - 3) for odd j: atan(c) in two parts.

@@ -49,6 +49,27 @@ HWY_INLINE void RootsByEstimates(D d, V* HWY_RESTRICT t, V (&y)[N]) {
   for (size_t k = 0; k < N; ++k) r[k] = Remainder(d, t[k], g[k], g[k]);
   for (size_t k = 0; k < N; ++k) t[k] = HiddenMulAdd(r[k], h[k], g[k]);
 }
+
+// The correctly rounded root of floats: 0 < t whose last place is no subnormal number. A test takes
+// all t, but for powers of 4, from every y within 2^-14 of 1/sqrt(t).
+template <class D, class V>
+HWY_INLINE V RootByEstimate(D d, V t, V y) {
+  const V half = hn::Set(d, 0.5f);
+  V g = hn::Mul(t, y), h = hn::Mul(y, half);
+  const V r = HiddenNegMulAdd(g, h, half);
+  g = HiddenMulAdd(g, r, g);
+  h = HiddenMulAdd(h, r, h);
+  return HiddenMulAdd(Remainder(d, t, g, g), h, g);
+}
+template <class D, class V>
+HWY_INLINE V RootByEstimate(D d, V t) {
+  return RootByEstimate(d, t, V{_mm512_rsqrt14_ps(t.raw)});
+}
+#else
+template <class D, class V>
+HWY_INLINE V RootByEstimate(D, V t) {
+  return hn::Sqrt(t);
+}
 #endif
 
 #if HWY_TARGET == HWY_AVX2
