@@ -93,13 +93,6 @@ HWY_INLINE VecOf<D> SquareWhere([[maybe_unused]] D d, MaskOf<D> mask, VecOf<D> x
   return hn::Mul(y, y);
 }
 
-// x + y for the lanes of the mask; the others are x + 0.
-template <class D>
-HWY_INLINE VecOf<D> AddWhere(D, MaskOf<D> mask, VecOf<D> x, VecOf<D> y) {
-  PEX_ONE_INSTRUCTION(MergedAdd(x, mask, x, y));
-  return hn::Add(x, hn::IfThenElseZero(mask, y));
-}
-
 // x - y for the lanes of the mask; the others are x - 0.
 template <class D>
 HWY_INLINE VecOf<D> SubWhere(D, MaskOf<D> mask, VecOf<D> x, VecOf<D> y) {

@@ -49,7 +49,9 @@ HWY_INLINE void RootsByEstimates(D d, V* HWY_RESTRICT t, V (&y)[N]) {
   for (size_t k = 0; k < N; ++k) r[k] = Remainder(d, t[k], g[k], g[k]);
   for (size_t k = 0; k < N; ++k) t[k] = HiddenMulAdd(r[k], h[k], g[k]);
 }
+#endif
 
+#if HWY_TARGET == HWY_AVX3
 // The correctly rounded root of floats: 0 < t whose last place is no subnormal number. A test takes
 // all t, but for powers of 4, from every y within 2^-14 of 1/sqrt(t).
 template <class D, class V>
