@@ -15,13 +15,11 @@ template <typename Kernel, typename T>
 int32_t DrawUniform(Kernel kernel, int32_t method, QuoStream* stream, int64_t n, T* r, T a, T b) {
   constexpr auto kAccurate = static_cast<int32_t>(QUO_METHOD_ACCURATE);
   const Request<T> request{method == kAccurate ? 0 : method, 1, stream, n, r};
-  if (a < b && std::isfinite(b - a) && std::isfinite(a + b) && IsPlain(request)) [[likely]] {
-    return kernel(static_cast<uint32_t>(method), stream, static_cast<int32_t>(n), r, a, b);
-  }
-  if (const int32_t status = First({Refusal(request), Range(a, b)})) return status;
-  return InPieces(n, r, 1, [&](int32_t count, T* part) {
-    return kernel(static_cast<uint32_t>(method), stream, count, part, a, b);
-  });
+  const auto draw = [kernel, method](uint32_t, QuoStream* from, int32_t count, T* part, T least,
+                                     T most) {
+    return kernel(static_cast<uint32_t>(method), from, count, part, least, most);
+  };
+  return Draw(draw, request, Range(a, b), a, b);
 }
 
 // How many numbers a factor of a dimension has.

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 
 namespace {
 
@@ -23,6 +24,17 @@ void Split(mpfr_t x, double* hi, double* lo) {
 
 void Print(const double* x, int n) {
   for (int i = 0; i < n; ++i) std::printf("%s%a", i == 0 ? "" : i % 3 ? ", " : ",\n     ", x[i]);
+}
+
+// The columns of 16 that end a table.
+void PrintColumns(std::initializer_list<const double*> columns) {
+  const char* between = "\n    {";
+  for (const double* column : columns) {
+    std::printf("%s", between);
+    Print(column, 16);
+    between = "},\n    {";
+  }
+  std::printf("},\n};\n\n");
 }
 
 constexpr double kGrid = 0x1p-44;
@@ -123,13 +135,8 @@ void Points() {
       "// Points a near j pi/16, j = -8 .. 7, in row j + 8: a - j pi/16, a multiple of 2^-44, and\n"
       "// sin(a) and cos(a) to within 2^-64 of themselves.\n"
       "struct TrigTable {\n  alignas(64) double offset[16], sin[16], cos[16];\n};\n\n"
-      "inline constexpr TrigTable kTrigTable = {\n    {");
-  Print(offset, 16);
-  std::printf("},\n    {");
-  Print(sin, 16);
-  std::printf("},\n    {");
-  Print(cos, 16);
-  std::printf("},\n};\n\n");
+      "inline constexpr TrigTable kTrigTable = {");
+  PrintColumns({offset, sin, cos});
 }
 
 void Tangents() {
@@ -165,15 +172,8 @@ void Tangents() {
       "// and t are lost in the sums.\n"
       "struct TangentTable {\n  alignas(64) double tan[16], cos2[16], sin_cos[16], "
       "infinite[16];\n};\n\n"
-      "inline constexpr TangentTable kTangentTable = {\n    {");
-  Print(tan, 16);
-  std::printf("},\n    {");
-  Print(cos2, 16);
-  std::printf("},\n    {");
-  Print(sin_cos, 16);
-  std::printf("},\n    {");
-  Print(infinite, 16);
-  std::printf("},\n};\n\n");
+      "inline constexpr TangentTable kTangentTable = {");
+  PrintColumns({tan, cos2, sin_cos, infinite});
 }
 
 void TwoOverPi(mpfr_t x) {

@@ -18,6 +18,17 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+#if HWY_TARGET == HWY_SSE4
+// p + c rounded to a float, for a sum that keeps the binade of c: by a sum with a large number.
+HWY_INLINE hn::Vec128<double> SumInBinade(hn::Vec128<double> p, float c) {
+  using W = hn::Vec128<double>;
+  // 2^52 last places of the sum
+  const double large =
+      0x1.8p52 * __builtin_bit_cast(float, (BitsOfNumber(c) & 0x7F800000) - (23 << 23));
+  return hn::Sub(hn::Add(p, W{_mm_set1_pd(c + large)}), W{_mm_set1_pd(large)});
+}
+#endif
+
 // p = c0 + x (c1 + x (c2 + x c3)), each step rounded once, for partial sums that keep the binades
 // of c0, c1 and c2: without fused operations double precision rounds them by sums with large
 // numbers. Then p factor + addend rounded once; where double precision rounds twice no result shows
@@ -30,13 +41,7 @@ HWY_INLINE void FusedCubic([[maybe_unused]] D d, const V (&x)[K], const float (&
   using W = VecOf<decltype(wide)>;
   const auto cubic = [&](W y, W by, W last) HWY_ATTR {
     W p = hn::Set(wide, double{c[3]});
-    for (size_t i = 3; i-- > 0;) {
-      // 2^52 last places of the sum
-      const double large =
-          0x1.8p52 * __builtin_bit_cast(float, (BitsOfNumber(c[i]) & 0x7F800000) - (23 << 23));
-      p = hn::Add(hn::Mul(p, y), hn::Set(wide, c[i] + large));
-      p = hn::Sub(p, hn::Set(wide, large));
-    }
+    for (size_t i = 3; i-- > 0;) p = SumInBinade(hn::Mul(p, y), c[i]);
     return hn::Add(hn::Mul(p, by), last);
   };
   for (size_t k = 0; k < K; ++k) {

@@ -7,6 +7,7 @@
 #include "pex_core/_heap/real/quotient_correct-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/_kernel/fused_single-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 #include "pex_core/atan/atan_rare.h"
 
@@ -192,10 +193,8 @@ struct AtanHiddenPart {
     const auto number = [](double x) HWY_ATTR { return W{_mm_set1_pd(x)}; };
     return ByHalves(
         [&](W t, W angle, W z) HWY_ATTR {
-          // What is added has the last place of a float in [1/4, 1/2) and in [1/2, 1].
-          constexpr double kQuarters = 0x1.8p27, kHalves = 0x1.8p28;
-          W q = hn::Add(hn::Mul(z, number(kC[1])), number(kC[0] + kQuarters));
-          q = hn::Mul(z, hn::Sub(q, number(kQuarters)));
+          constexpr double kHalves = 0x1.8p28;  // 2^52 last places of floats in [1/2, 1]
+          W q = hn::Mul(z, SumInBinade(hn::Mul(z, number(kC[1])), kC[0]));
           q = hn::Sub(hn::Add(q, number(1 + kHalves)), number(kHalves));
           return hn::Add(hn::Mul(t, q), angle);
         },

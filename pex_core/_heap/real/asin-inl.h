@@ -12,6 +12,7 @@
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/_kernel/fused_single-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 
 #if defined(PEX_CORE__HEAP_REAL_ASIN_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -268,11 +269,7 @@ HWY_INLINE V HiddenAsinSum(V u, V s, V lead) {
           if (i > 2) {
             p = W{_mm_cvtps_pd(_mm_cvtpd_ps(hn::Add(p, number(kC[i])).raw))};
           } else {
-            // 2^52 last places of the sum
-            const double large =
-                0x1.8p52 *
-                __builtin_bit_cast(float, (BitsOfNumber(kC[i]) & 0x7F800000) - (23 << 23));
-            p = hn::Sub(hn::Add(p, number(kC[i] + large)), number(large));
+            p = SumInBinade(p, kC[i]);
           }
         }
         return hn::Add(hn::Mul(sx, p), first);

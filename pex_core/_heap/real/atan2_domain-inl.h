@@ -68,19 +68,23 @@ using Atan2NarrowDomain = Atan2Outside<double, 0x30500000, 0x4F8FFFFF>;  // 2^-2
 using sAtan2Domain = Atan2Outside<float, 0x21800000, 0x5D7FFFFF>;
 using sAtan2WideDomain = Atan2Outside<float, 0x01000000, 0x7F7FFFFF>;  // from 2^-125 on
 
+// Whether of any y and x, as integers, the difference to `shift` has a bit of `beyond`.
+template <class D, class V, size_t K>
+HWY_INLINE bool AnyBeyond(D d, const V (&y)[K], const V (&x)[K], uint64_t shift, uint64_t beyond) {
+  const auto from = SetBits(d, shift);
+  auto joined = SetBits(d, 0);
+  for (size_t k = 0; k < K; ++k) {
+    joined = hn::Or3(joined, hn::Sub(Bits(d, y[k]), from), hn::Sub(Bits(d, x[k]), from));
+  }
+  return HasAnyBit(joined, SetBits(d, beyond));
+}
+
 // From 2^-64 below 2^64: exponents whose leading four bits are 0 once 959 is taken from them, by
 // subtractions that any unit does.
 struct Atan2ModestDomain : Atan2Outside<double, 0x3BF00000, 0x43EFFFFF> {
   template <class D, class V, size_t K>
   static HWY_INLINE bool AnyMayBeRare(D d, const V (&y)[K], const V (&x)[K]) {
-    const auto shift = SetBits(d, uint64_t{959} << 52);
-    auto joined = SetBits(d, 0);
-    for (size_t k = 0; k < K; ++k) {
-      const auto ys = hn::Sub(Bits(d, y[k]), shift), xs = hn::Sub(Bits(d, x[k]), shift);
-      joined = hn::Or3(joined, ys, xs);
-    }
-    const auto beyond = hn::And(joined, SetBits(d, uint64_t{15} << 59));
-    return !hn::AllTrue(hn::RebindToSigned<D>(), hn::Eq(beyond, SetBits(d, 0)));
+    return AnyBeyond(d, y, x, uint64_t{959} << 52, uint64_t{15} << 59);
   }
 };
 
@@ -88,13 +92,7 @@ struct Atan2ModestDomain : Atan2Outside<double, 0x3BF00000, 0x43EFFFFF> {
 struct sAtan2ModestDomain : sAtan2Domain {
   template <class D, class V, size_t K>
   static HWY_INLINE bool AnyOutside(D d, const V (&y)[K], const V (&x)[K]) {
-    const auto shift = SetBits(d, uint64_t{95} << 23);
-    auto joined = SetBits(d, 0);
-    for (size_t k = 0; k < K; ++k) {
-      const auto ys = hn::Sub(Bits(d, y[k]), shift), xs = hn::Sub(Bits(d, x[k]), shift);
-      joined = hn::Or3(joined, ys, xs);
-    }
-    return HasAnyBit(joined, SetBits(d, uint64_t{3} << 29));
+    return AnyBeyond(d, y, x, uint64_t{95} << 23, uint64_t{3} << 29);
   }
 };
 

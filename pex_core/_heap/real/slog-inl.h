@@ -126,6 +126,22 @@ HWY_INLINE void sLogRows(D d, const Rows& rows, BitsOf<D> i, const char* (&at)[4
 }
 #endif
 
+#if HWY_TARGET != HWY_SSE4
+// Factor and logarithm of eighth i, of a table for either level.
+template <class D, class Eight, class Eighths, class V>
+HWY_INLINE void sLogEighthAt([[maybe_unused]] D d, BitsOf<D> i, [[maybe_unused]] const Eight& eight,
+                             [[maybe_unused]] const Eighths& eighths, V& c, V& log) {
+#if HWY_TARGET == HWY_AVX2
+  c = V{_mm256_permutevar8x32_ps(_mm256_load_ps(eight.factor), i.raw)};
+  log = V{_mm256_permutevar8x32_ps(_mm256_load_ps(eight.log), i.raw)};
+#else
+  const sLogIndex<D> row(d, i);
+  c = row.LookUp(eighths.factor);
+  log = row.LookUp(eighths.log);
+#endif
+}
+#endif
+
 // A factor c of 12 bits next to 1/m, and -ln(c), for the eighth next to m.
 template <class D, class V>
 HWY_INLINE void sLnFactorAt(D d, V m, V& c, V& log) {
@@ -139,13 +155,8 @@ HWY_INLINE void sLnFactorAt(D d, V m, V& c, V& log) {
   const __m128 r1 = _mm_loadh_pi(_mm_loadl_pi(none, row(2)), row(3));
   c = V{_mm_shuffle_ps(r0, r1, 0x88)};
   log = V{_mm_shuffle_ps(r0, r1, 0xDD)};
-#elif HWY_TARGET == HWY_AVX2
-  c = V{_mm256_permutevar8x32_ps(_mm256_load_ps(kLnSingleEight.factor), i.raw)};
-  log = V{_mm256_permutevar8x32_ps(_mm256_load_ps(kLnSingleEight.log), i.raw)};
 #else
-  const sLogIndex<D> row(d, i);
-  c = row.LookUp(kLnSingleEighths.factor);
-  log = row.LookUp(kLnSingleEighths.log);
+  sLogEighthAt(d, i, kLnSingleEight, kLnSingleEighths, c, log);
 #endif
 }
 
@@ -181,14 +192,7 @@ HWY_INLINE void sLog10Argument(D d, V m, V& p, V& log) {
   log = V{_mm_shuffle_ps(log0, log1, 0x88)};
 #else
   V c;
-#if HWY_TARGET == HWY_AVX2
-  c = V{_mm256_permutevar8x32_ps(_mm256_load_ps(kLog10SingleEight.factor), i.raw)};
-  log = V{_mm256_permutevar8x32_ps(_mm256_load_ps(kLog10SingleEight.log), i.raw)};
-#else
-  const sLogIndex<D> row(d, i);
-  c = row.LookUp(kLog10SingleEighths.factor);
-  log = row.LookUp(kLog10SingleEighths.log);
-#endif
+  sLogEighthAt(d, i, kLog10SingleEight, kLog10SingleEighths, c, log);
   p = ShortMulSub(d, m, c, hn::Set(d, sDecimalLog::kLogE));
 #endif
 }
