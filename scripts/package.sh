@@ -10,7 +10,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/setup.sh
-install_packages dpkg-dev fakeroot file lintian
+packages=(dpkg-dev fakeroot file lintian)
+if [[ ${1:-} == --clean-root ]]; then packages+=(debootstrap); fi
+install_packages "${packages[@]}"
 build=${PEXQUO_PACKAGE_BUILD:-build/package}
 launcher=()
 if command -v ccache > /dev/null; then launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache); fi

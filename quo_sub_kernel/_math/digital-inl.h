@@ -189,4 +189,16 @@ inline void DigitalWords(DigitalState& s, size_t n, uint32_t* r) {
 }  // namespace quo::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
+// The bodies that QUO_EXPORT_DIGITAL of digital.h calls. Within quo::HWY_NAMESPACE.
+#undef QUO_DIGITAL_BODIES
+#define QUO_DIGITAL_BODIES(Name)                                                         \
+  void u##Name(DigitalState* state, size_t n, double* r) { DigitalUnits(*state, n, r); } \
+  void d##Name(DigitalState* state, size_t n, double* r, double a, double b) {           \
+    DigitalDoubles(*state, n, r, a, b);                                                  \
+  }                                                                                      \
+  void s##Name(DigitalState* state, size_t n, float* r, double a, double b) {            \
+    DigitalFloats(*state, n, r, a, b);                                                   \
+  }                                                                                      \
+  void i##Name(DigitalState* state, size_t n, uint32_t* r) { DigitalWords(*state, n, r); }
+
 #endif  // QUO_SUB_KERNEL__MATH_DIGITAL_INL_H_

@@ -17,6 +17,7 @@
 #include <cstdint>
 
 #include "pexquo/quo.h"
+#include "quo_sub_kernel/_math/quiet_guard.h"
 
 namespace quo {
 
@@ -105,6 +106,48 @@ inline DigitalState* DigitalOf(StreamState* stream) {
   return reinterpret_cast<DigitalState*>(stream + 1);
 }
 
+// Uniforms on [a, b) by the body of a vector level.
+template <typename T, class Body>
+inline void DigitalUniforms(Body& body, DigitalState* state, int32_t n, T* r, T a, T b) {
+  const QuietGuard guard(ArePlainBounds(a, b));
+  body(state, static_cast<size_t>(n), r, a, b);
+}
+
 }  // namespace quo
+
+// The entries of the outputs of a generator of this kind, by the bodies of QUO_DIGITAL_BODIES.
+// Within namespace quo under HWY_ONCE.
+#define QUO_EXPORT_DIGITAL(Name, shape)                                                            \
+  HWY_EXPORT(u##Name);                                                                             \
+  HWY_EXPORT(d##Name);                                                                             \
+  HWY_EXPORT(s##Name);                                                                             \
+  HWY_EXPORT(i##Name);                                                                             \
+  extern "C" QUO_API int32_t __quodBRng##Name(StreamState* stream, int32_t n, double* r, double a, \
+                                              double b) {                                          \
+    if (n < 1) return QUO_OK;                                                                      \
+    DigitalState* const state = DigitalOf(stream);                                                 \
+    Repair(shape, *state);                                                                         \
+    if (IsUnitInterval(a, b)) {                                                                    \
+      HWY_DYNAMIC_DISPATCH(u##Name)(state, static_cast<size_t>(n), r);                             \
+    } else {                                                                                       \
+      DigitalUniforms(HWY_DYNAMIC_DISPATCH(d##Name), state, n, r, a, b);                           \
+    }                                                                                              \
+    return QUO_OK;                                                                                 \
+  }                                                                                                \
+  extern "C" QUO_API int32_t __quosBRng##Name(StreamState* stream, int32_t n, float* r, float a,   \
+                                              float b) {                                           \
+    if (n < 1) return QUO_OK;                                                                      \
+    DigitalState* const state = DigitalOf(stream);                                                 \
+    Repair(shape, *state);                                                                         \
+    DigitalUniforms(HWY_DYNAMIC_DISPATCH(s##Name), state, n, r, a, b);                             \
+    return QUO_OK;                                                                                 \
+  }                                                                                                \
+  extern "C" QUO_API int32_t __quoiBRng##Name(StreamState* stream, int32_t n, uint32_t* r) {       \
+    if (n < 1) return QUO_OK;                                                                      \
+    DigitalState* const state = DigitalOf(stream);                                                 \
+    Repair(shape, *state);                                                                         \
+    HWY_DYNAMIC_DISPATCH(i##Name)(state, static_cast<size_t>(n), r);                               \
+    return QUO_OK;                                                                                 \
+  }
 
 #endif  // QUO_SUB_KERNEL__MATH_DIGITAL_H_

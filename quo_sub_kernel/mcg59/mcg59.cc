@@ -12,8 +12,8 @@
 
 #include "pexquo/quo.h"
 #include "quo_sub_kernel/_math/fill-inl.h"
+#include "quo_sub_kernel/_math/outputs.h"
 #include "quo_sub_kernel/_math/params.h"
-#include "quo_sub_kernel/_math/quiet_guard.h"
 #include "quo_sub_kernel/mcg59/mcg59.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -161,10 +161,6 @@ uint64_t Seed(int32_t n, const uint32_t* params) {
 
 }  // namespace
 
-HWY_EXPORT(dMCG59);
-HWY_EXPORT(sMCG59);
-HWY_EXPORT(iMCG59);
-
 extern "C" QUO_API int32_t __quoBRngMCG59InitStream(int32_t method, StreamState* stream, int32_t n,
                                                     const uint32_t* params) {
   StateMCG59* const s = State(stream);
@@ -185,21 +181,9 @@ extern "C" QUO_API int32_t __quoBRngMCG59InitStream(int32_t method, StreamState*
   }
 }
 
-extern "C" QUO_API int32_t __quodBRngMCG59(StreamState* stream, int32_t n, double* r, double a,
-                                           double b) {
-  if (n < 1) return QUO_OK;
-  const QuietGuard guard(ArePlainBounds(a, b));
-  HWY_DYNAMIC_DISPATCH(dMCG59)(State(stream), static_cast<size_t>(n), r, a, b);
-  return QUO_OK;
-}
+QUO_EXPORT_UNIFORMS(MCG59)
 
-extern "C" QUO_API int32_t __quosBRngMCG59(StreamState* stream, int32_t n, float* r, float a,
-                                           float b) {
-  if (n < 1) return QUO_OK;
-  const QuietGuard guard(ArePlainBounds(a, b));
-  HWY_DYNAMIC_DISPATCH(sMCG59)(State(stream), static_cast<size_t>(n), r, a, b);
-  return QUO_OK;
-}
+HWY_EXPORT(iMCG59);
 
 extern "C" QUO_API int32_t __quoiBRngMCG59(StreamState* stream, int32_t n, uint32_t* r) {
   if (n < 1) return QUO_OK;

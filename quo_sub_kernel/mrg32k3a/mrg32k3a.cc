@@ -15,6 +15,7 @@
 
 #include "pex_core/_kernel/exact-inl.h"
 #include "pexquo/quo.h"
+#include "quo_sub_kernel/_math/outputs.h"
 #include "quo_sub_kernel/_math/params.h"
 #include "quo_sub_kernel/_math/powmod.h"
 #include "quo_sub_kernel/_math/quiet_guard.h"
@@ -281,10 +282,6 @@ void Seed(uint32_t* w, int32_t n, const uint32_t* params, uint32_t m) {
 
 }  // namespace
 
-HWY_EXPORT(dMRG32K3A);
-HWY_EXPORT(sMRG32K3A);
-HWY_EXPORT(iMRG32K3A);
-
 extern "C" QUO_API int32_t __quoBRngMRG32K3AInitStream(int32_t method, StreamState* stream,
                                                        int32_t n, const uint32_t* params) {
   StateMRG32K3A* const s = State(stream);
@@ -304,21 +301,9 @@ extern "C" QUO_API int32_t __quoBRngMRG32K3AInitStream(int32_t method, StreamSta
   }
 }
 
-extern "C" QUO_API int32_t __quodBRngMRG32K3A(StreamState* stream, int32_t n, double* r, double a,
-                                              double b) {
-  if (n < 1) return QUO_OK;
-  const QuietGuard guard(ArePlainBounds(a, b));
-  HWY_DYNAMIC_DISPATCH(dMRG32K3A)(State(stream), static_cast<size_t>(n), r, a, b);
-  return QUO_OK;
-}
+QUO_EXPORT_UNIFORMS(MRG32K3A)
 
-extern "C" QUO_API int32_t __quosBRngMRG32K3A(StreamState* stream, int32_t n, float* r, float a,
-                                              float b) {
-  if (n < 1) return QUO_OK;
-  const QuietGuard guard(ArePlainBounds(a, b));
-  HWY_DYNAMIC_DISPATCH(sMRG32K3A)(State(stream), static_cast<size_t>(n), r, a, b);
-  return QUO_OK;
-}
+HWY_EXPORT(iMRG32K3A);
 
 extern "C" QUO_API int32_t __quoiBRngMRG32K3A(StreamState* stream, int32_t n, uint32_t* r) {
   if (n < 1) return QUO_OK;

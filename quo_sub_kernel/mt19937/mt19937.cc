@@ -9,7 +9,7 @@
 //
 #include "pexquo/quo.h"
 #include "quo_sub_kernel/_math/mersenne-inl.h"
-#include "quo_sub_kernel/_math/quiet_guard.h"
+#include "quo_sub_kernel/_math/outputs.h"
 #include "quo_sub_kernel/mt19937/mt19937.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -83,38 +83,13 @@ StateMT19937* State(StreamState* stream) { return reinterpret_cast<StateMT19937*
 
 }  // namespace
 
-HWY_EXPORT(dMT19937);
-HWY_EXPORT(sMT19937);
-HWY_EXPORT(iMT19937);
-
 extern "C" QUO_API int32_t __quoBRngMT19937InitStream(int32_t method, StreamState* stream,
                                                       int32_t n, const uint32_t* params) {
   return InitTwister(method, State(stream), n, params);
 }
 
-extern "C" QUO_API int32_t __quodBRngMT19937(StreamState* stream, int32_t n, double* r, double a,
-                                             double b) {
-  if (n < 1) return QUO_OK;
-  if (FewUniforms(*State(stream), n, r, a, b)) return QUO_OK;
-  const QuietGuard guard(ArePlainBounds(a, b));
-  HWY_DYNAMIC_DISPATCH(dMT19937)(State(stream), static_cast<size_t>(n), r, a, b);
-  return QUO_OK;
-}
-
-extern "C" QUO_API int32_t __quosBRngMT19937(StreamState* stream, int32_t n, float* r, float a,
-                                             float b) {
-  if (n < 1) return QUO_OK;
-  if (FewUniforms(*State(stream), n, r, a, b)) return QUO_OK;
-  const QuietGuard guard(ArePlainBounds(a, b));
-  HWY_DYNAMIC_DISPATCH(sMT19937)(State(stream), static_cast<size_t>(n), r, a, b);
-  return QUO_OK;
-}
-
-extern "C" QUO_API int32_t __quoiBRngMT19937(StreamState* stream, int32_t n, uint32_t* r) {
-  if (n < 1) return QUO_OK;
-  HWY_DYNAMIC_DISPATCH(iMT19937)(State(stream), static_cast<size_t>(n), r);
-  return QUO_OK;
-}
+QUO_EXPORT_UNIFORMS(MT19937)
+QUO_EXPORT_WORDS(MT19937)
 
 }  // namespace quo
 #endif

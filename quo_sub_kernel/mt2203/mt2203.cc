@@ -12,7 +12,7 @@
 //
 #include "pexquo/quo.h"
 #include "quo_sub_kernel/_math/mersenne-inl.h"
-#include "quo_sub_kernel/_math/quiet_guard.h"
+#include "quo_sub_kernel/_math/outputs.h"
 #include "quo_sub_kernel/mt2203/mt2203.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -113,10 +113,6 @@ StateMT2203* State(StreamState* stream) { return reinterpret_cast<StateMT2203*>(
 
 }  // namespace
 
-HWY_EXPORT(dMT2203);
-HWY_EXPORT(sMT2203);
-HWY_EXPORT(iMT2203);
-
 // A stream whose identifier names no member, as none that passed validation does, is member 0.
 extern "C" QUO_API int32_t __quoBRngMT2203InitStream(int32_t method, StreamState* stream, int32_t n,
                                                      const uint32_t* params) {
@@ -131,29 +127,8 @@ extern "C" QUO_API int32_t __quoBRngMT2203InitStream(int32_t method, StreamState
   return InitTwister(method, s, n, params);
 }
 
-extern "C" QUO_API int32_t __quodBRngMT2203(StreamState* stream, int32_t n, double* r, double a,
-                                            double b) {
-  if (n < 1) return QUO_OK;
-  if (FewUniforms(*State(stream), n, r, a, b)) return QUO_OK;
-  const QuietGuard guard(ArePlainBounds(a, b));
-  HWY_DYNAMIC_DISPATCH(dMT2203)(State(stream), static_cast<size_t>(n), r, a, b);
-  return QUO_OK;
-}
-
-extern "C" QUO_API int32_t __quosBRngMT2203(StreamState* stream, int32_t n, float* r, float a,
-                                            float b) {
-  if (n < 1) return QUO_OK;
-  if (FewUniforms(*State(stream), n, r, a, b)) return QUO_OK;
-  const QuietGuard guard(ArePlainBounds(a, b));
-  HWY_DYNAMIC_DISPATCH(sMT2203)(State(stream), static_cast<size_t>(n), r, a, b);
-  return QUO_OK;
-}
-
-extern "C" QUO_API int32_t __quoiBRngMT2203(StreamState* stream, int32_t n, uint32_t* r) {
-  if (n < 1) return QUO_OK;
-  HWY_DYNAMIC_DISPATCH(iMT2203)(State(stream), static_cast<size_t>(n), r);
-  return QUO_OK;
-}
+QUO_EXPORT_UNIFORMS(MT2203)
+QUO_EXPORT_WORDS(MT2203)
 
 }  // namespace quo
 #endif

@@ -14,7 +14,7 @@
 #include <cstring>
 
 #include "pexquo/quo.h"
-#include "quo_sub_kernel/_math/quiet_guard.h"
+#include "quo_sub_kernel/_math/outputs.h"
 #include "quo_sub_kernel/_math/words-inl.h"
 #include "quo_sub_kernel/r250/r250.h"
 
@@ -171,10 +171,6 @@ void Seed(StateR250& state, int32_t n, const uint32_t* params) {
 
 }  // namespace
 
-HWY_EXPORT(dR250);
-HWY_EXPORT(sR250);
-HWY_EXPORT(iR250);
-
 extern "C" QUO_API int32_t __quoBRngR250InitStream(int32_t method, StreamState* stream, int32_t n,
                                                    const uint32_t* params) {
   switch (method) {
@@ -190,27 +186,8 @@ extern "C" QUO_API int32_t __quoBRngR250InitStream(int32_t method, StreamState* 
   }
 }
 
-extern "C" QUO_API int32_t __quodBRngR250(StreamState* stream, int32_t n, double* r, double a,
-                                          double b) {
-  if (n < 1) return QUO_OK;
-  const QuietGuard guard(ArePlainBounds(a, b));
-  HWY_DYNAMIC_DISPATCH(dR250)(State(stream), static_cast<size_t>(n), r, a, b);
-  return QUO_OK;
-}
-
-extern "C" QUO_API int32_t __quosBRngR250(StreamState* stream, int32_t n, float* r, float a,
-                                          float b) {
-  if (n < 1) return QUO_OK;
-  const QuietGuard guard(ArePlainBounds(a, b));
-  HWY_DYNAMIC_DISPATCH(sR250)(State(stream), static_cast<size_t>(n), r, a, b);
-  return QUO_OK;
-}
-
-extern "C" QUO_API int32_t __quoiBRngR250(StreamState* stream, int32_t n, uint32_t* r) {
-  if (n < 1) return QUO_OK;
-  HWY_DYNAMIC_DISPATCH(iR250)(State(stream), static_cast<size_t>(n), r);
-  return QUO_OK;
-}
+QUO_EXPORT_UNIFORMS(R250)
+QUO_EXPORT_WORDS(R250)
 
 }  // namespace quo
 #endif

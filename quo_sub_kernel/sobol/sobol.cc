@@ -11,21 +11,13 @@
 #include "quo_sub_kernel/_math/digital-inl.h"
 #include "quo_sub_kernel/_math/gf2.h"
 #include "quo_sub_kernel/_math/params.h"
-#include "quo_sub_kernel/_math/quiet_guard.h"
 #include "quo_sub_kernel/sobol/sobol.h"
 #include "quo_sub_kernel/sobol/sobol_table.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace quo::HWY_NAMESPACE {
 
-void uSobol(DigitalState* state, size_t n, double* r) { DigitalUnits(*state, n, r); }
-void dSobol(DigitalState* state, size_t n, double* r, double a, double b) {
-  DigitalDoubles(*state, n, r, a, b);
-}
-void sSobol(DigitalState* state, size_t n, float* r, double a, double b) {
-  DigitalFloats(*state, n, r, a, b);
-}
-void iSobol(DigitalState* state, size_t n, uint32_t* r) { DigitalWords(*state, n, r); }
+QUO_DIGITAL_BODIES(Sobol)
 
 }  // namespace quo::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -132,45 +124,13 @@ int32_t Seed(StreamState* stream, int32_t n, const uint32_t* params) {
 
 }  // namespace
 
-HWY_EXPORT(uSobol);
-HWY_EXPORT(dSobol);
-HWY_EXPORT(sSobol);
-HWY_EXPORT(iSobol);
-
 extern "C" QUO_API int32_t __quoBRngSobolInitStream(int32_t method, StreamState* stream, int32_t n,
                                                     const uint32_t* params) {
   if (method == QUO_INIT_STANDARD) return Seed(stream, n, params);
   return MoveDigital(kSobolShape, method, *DigitalOf(stream), n, params);
 }
 
-extern "C" QUO_API int32_t __quodBRngSobol(StreamState* stream, int32_t n, double* r, double a,
-                                           double b) {
-  if (n < 1) return QUO_OK;
-  Repair(kSobolShape, *DigitalOf(stream));
-  if (IsUnitInterval(a, b)) {
-    HWY_DYNAMIC_DISPATCH(uSobol)(DigitalOf(stream), static_cast<size_t>(n), r);
-    return QUO_OK;
-  }
-  const QuietGuard guard(ArePlainBounds(a, b));
-  HWY_DYNAMIC_DISPATCH(dSobol)(DigitalOf(stream), static_cast<size_t>(n), r, a, b);
-  return QUO_OK;
-}
-
-extern "C" QUO_API int32_t __quosBRngSobol(StreamState* stream, int32_t n, float* r, float a,
-                                           float b) {
-  if (n < 1) return QUO_OK;
-  Repair(kSobolShape, *DigitalOf(stream));
-  const QuietGuard guard(ArePlainBounds(a, b));
-  HWY_DYNAMIC_DISPATCH(sSobol)(DigitalOf(stream), static_cast<size_t>(n), r, a, b);
-  return QUO_OK;
-}
-
-extern "C" QUO_API int32_t __quoiBRngSobol(StreamState* stream, int32_t n, uint32_t* r) {
-  if (n < 1) return QUO_OK;
-  Repair(kSobolShape, *DigitalOf(stream));
-  HWY_DYNAMIC_DISPATCH(iSobol)(DigitalOf(stream), static_cast<size_t>(n), r);
-  return QUO_OK;
-}
+QUO_EXPORT_DIGITAL(Sobol, kSobolShape)
 
 }  // namespace quo
 #endif
