@@ -541,8 +541,8 @@ call, and with a tier and an error field. The eight that add most.
 """
 
 PARALLEL_INTRODUCTION = """`pexquo::parallel` with one thread and with all; and oneTBB giving out the same blocks. Two cores can
-do no more than memory lets them: see the copy. A generator that cannot skip ahead (MT19937, R250) is
-drawn from by one thread after the other.
+do no more than memory lets them: see the copy. A generator that cannot skip ahead (MT19937, R250)
+is drawn from up to where a thread's share begins.
 """
 
 

@@ -88,12 +88,11 @@ class parallel {
   /// - mcg31m1, mcg59, wh, mrg32k3a, sobol, niederr, and registered generators that skip ahead by
   ///   their outputs: all distributions that take a fixed number of outputs;
   /// - mt19937, mt2203 and r250, which cannot skip: the same without uniform, uniform_int,
-  ///   uniform_bits and bernoulli; one thread after the other draws the words that lead on, and
-  ///   what is made of them is done at once;
+  ///   uniform_bits and bernoulli; each thread has one share, later ones a smaller one, as they
+  ///   draw the words that lead there first;
   /// - abstract and other registered streams, and gamma, beta, binomial, poisson, hypergeometric
-  /// and
-  ///   negative_binomial, whose numbers take as many outputs as they need, and normal_mv of more
-  ///   than 10 dimensions in full storage, which the system's BLAS multiplies: by the calling
+  ///   and negative_binomial, whose numbers take as many outputs as they need, and normal_mv of
+  ///   more than 10 dimensions in full storage, which the system's BLAS multiplies: by the calling
   ///   thread. Members of a family serve there: see for_each.
   /// \throws argument_error before the stream has moved; stream_error, and then the stream stands
   ///         somewhere ahead and the range is filled in part
@@ -226,54 +225,49 @@ class parallel {
       }
     }
     const std::size_t tail = n % multiple;
-    // Skipping takes some microseconds however far it goes: a few large blocks for each thread.
-    std::size_t block = block_;
-    if (how == detail::Advance::skip) {
-      block = std::clamp(n * unit / (std::size_t{4} * threads_), block_, 8 * block_);
-    }
-    block = std::max<std::size_t>(block / unit / multiple, 1) * multiple;
-    DrawBlocks(d, s, r, n - tail, block, how, outputs, where);
+    DrawShares(d, s, r,
+               detail::Shares(how, (n - tail) / multiple, multiple * unit, block_, threads_),
+               multiple, how, outputs, where);
     r += (n - tail) * unit;
     n = tail;
     if (n != 0) draw(s, n);
   }
 
+  // Whoever takes a share moves the stream on to it, over the one that was taken before, so that
+  // the first begins at once. The last share is drawn from the stream itself. Shares count in so
+  // many units, of so many outputs each.
   template <typename D, typename T>
-  void DrawBlocks(const D& d, stream& s, T* r, std::size_t n, std::size_t block,
+  void DrawShares(const D& d, stream& s, T* r, detail::Shares shares, std::size_t multiple,
                   detail::Advance how, std::size_t outputs, std::source_location where) const {
-    const std::size_t unit = d.unit(s);
-    std::mutex taking;  // for the stream and `done`
-    std::size_t done = 0;
+    const std::size_t step = multiple * d.unit(s);
+    const unsigned others = Others(shares.Count());
+    std::mutex taking;  // for the stream and `shares`
     detail::FirstException failure;
     detail::FloatingPoint environment;
-    // A copy of the stream and the units to draw from it; none when there are none left.
-    const auto take = [&](std::size_t& first, std::size_t& count) -> std::optional<stream> {
-      const auto lock = detail::LockSoon(taking);
-      if (done == n) return std::nullopt;
-      first = done;
-      count = std::min(block, n - done);
-      std::optional<stream> copy(s);
-      detail::MoveOn(s, how, static_cast<std::uint64_t>(count) * outputs, where);
-      done += count;
-      return copy;
-    };
     auto work = [&] {
       environment.Run([&] {
         try {
           while (!failure.IsThere()) {
-            std::size_t first = 0, count = 0;
-            const std::optional<stream> from = take(first, count);
-            if (!from) break;
-            detail::CheckStatus(
-                D::kName,
-                d.draw(from->handle(), static_cast<std::int64_t>(count), r + first * unit), where);
+            std::optional<stream> copy;
+            detail::Share share;
+            {
+              const auto lock = detail::LockSoon(taking);
+              if (shares.IsEmpty()) break;
+              share = shares.Take();
+              detail::MoveOn(s, how, std::uint64_t{share.passed} * multiple * outputs, where);
+              if (!shares.IsEmpty()) copy.emplace(s);
+            }
+            const stream& from = copy ? *copy : s;
+            const auto count = static_cast<std::int64_t>(share.count * multiple);
+            detail::CheckStatus(D::kName, d.draw(from.handle(), count, r + share.first * step),
+                                where);
           }
         } catch (...) {
           failure.Keep();
         }
       });
     };
-    detail::Helpers::Shared().Run(Others((n + block - 1) / block), work);
+    detail::Helpers::Shared().Run(others, work);
     environment.SetFlags();
     failure.Rethrow();
   }

@@ -8,6 +8,7 @@
 #include <array>
 #include <atomic>
 #include <cfenv>
+#include <cmath>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
@@ -375,11 +376,12 @@ inline Advance AdvanceOf(const stream& s, Takes takes, bool is_light) {
 }
 
 inline void MoveOn(stream& s, Advance how, std::uint64_t outputs, std::source_location where) {
+  if (outputs == 0) return;
   if (how == Advance::skip) {
     s.skip(outputs, where);
     return;
   }
-  std::array<std::uint32_t, 1024> words;
+  std::array<std::uint32_t, 4992> words;  // whole blocks of the twisters' and in the nearest cache
   while (outputs != 0) {
     const std::uint64_t n = std::min<std::uint64_t>(outputs, words.size());
     CheckStatus("pexquo::parallel",
@@ -388,6 +390,56 @@ inline void MoveOn(stream& s, Advance how, std::uint64_t outputs, std::source_lo
     outputs -= n;
   }
 }
+
+// A piece of an array that is filled; counts are steps, as many numbers as have to be drawn
+// together.
+struct Share {
+  std::size_t first, count;
+  std::size_t passed;  // steps between the shares that were taken before and before that
+};
+
+// An array of n steps in shares that are taken one by one from its beginning.
+class Shares {
+ public:
+  // Of a step's `size` numbers a thread is to have at least `block`.
+  Shares(Advance how, std::size_t n, std::size_t size, std::size_t block, unsigned threads)
+      : n_(n) {
+    const std::size_t least = std::max<std::size_t>(block / size, 1);
+    if (how == Advance::draw) {
+      left_ = std::clamp<std::size_t>(n / least, 1, threads);
+    } else {
+      // Skipping takes some microseconds however far it goes: a few large shares for each thread.
+      const std::size_t most = std::max<std::size_t>(8 * block / size, 1);
+      size_ = std::clamp(n / (std::size_t{4} * threads), least, most);
+    }
+  }
+
+  std::size_t Count() const { return size_ == 0 ? left_ : (n_ + size_ - 1) / size_; }
+  bool IsEmpty() const { return next_ == n_; }
+  Share Take() {
+    const std::size_t rest = n_ - next_;
+    const std::size_t count = size_ != 0 ? std::min(size_, rest) : Falling(rest);
+    const Share share{next_, count, std::exchange(last_, count)};
+    next_ += count;
+    return share;
+  }
+
+ private:
+  // Shares that are ended at the same time, when the words up to a share are drawn beforehand: each
+  // is smaller than the one before by what its words take of its time, about a tenth.
+  std::size_t Falling(std::size_t rest) {
+    constexpr double kAhead = 0.1;
+    const auto shares = static_cast<double>(left_--);
+    if (left_ == 0) return rest;
+    const double part = kAhead / (1 - std::pow(1 - kAhead, shares));
+    return std::clamp<std::size_t>(static_cast<std::size_t>(part * static_cast<double>(rest)), 1,
+                                   rest);
+  }
+
+  std::size_t n_, next_ = 0, last_ = 0;
+  std::size_t size_ = 0;  // of a share; 0: shares become smaller, and there are `left_`
+  std::size_t left_ = 0;
+};
 
 // Whether a normal number of type T waits in the stream to be drawn: the stream keeps its pair of
 // uniforms, the first of which is -1 when there is none.
