@@ -56,6 +56,17 @@ HWY_INLINE hn::Mask<D> MagnitudeBelow(D d, hn::Vec<D> x, T limit) {
   return hn::RebindMask(d, hn::Lt(Bits(d, hn::Abs(x)), SetBits(d, BitsOfNumber(limit))));
 }
 
+// A number that is computed with alone: no operation on it is carried out for its neighbours in an
+// array, whose flags it might raise, or before it is asked for.
+HWY_INLINE double Single(double x) {
+  __asm__("" : "+x"(x));
+  return x;
+}
+HWY_INLINE float Single(float x) {
+  __asm__("" : "+x"(x));
+  return x;
+}
+
 #if HWY_TARGET == HWY_AVX3
 // Operations of whole registers that leave `other` in the lanes without the mask.
 #define PEX_MERGED(Name, operation)                                                      \

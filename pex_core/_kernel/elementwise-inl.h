@@ -348,8 +348,8 @@ HWY_NOINLINE void CarefulVector(C call, size_t i, size_t count) {
   hn::StoreMaskBits(d, rare, bits);
   for (size_t lane = 0; lane < count; ++lane) {
     if (!(bits[lane / 8] >> (lane % 8) & 1)) continue;
-    const T arg1 = xs[lane];
-    const T arg2 = K::kArguments == 2 ? ys[lane] : arg1;
+    const T arg1 = Single(xs[lane]);
+    const T arg2 = K::kArguments == 2 ? Single(ys[lane]) : arg1;
     T* const r1 = call.r1 + i + lane;
     T* const r2 = call.r2 + i + lane;
     if (const int code = RareElement<K>(arg1, arg2, r1, r2)) {

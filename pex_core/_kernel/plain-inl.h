@@ -95,13 +95,18 @@ struct PlainArrays {
 };
 
 // Loads and stores at any address: pairs of floats pass as doubles, and single lanes would go
-// through a pointer that has to be aligned.
-template <class D, typename T>
+// through a pointer that has to be aligned. Beside a single lane stands kBeyond: some operations
+// take the whole register and some leave the rest of it.
+template <class K, class D, typename T>
 HWY_INLINE VecOf<D> LoadAnywhere(D d, const T* from) {
   if constexpr (hn::MaxLanes(D()) == 1) {
     T x;
     std::memcpy(&x, from, sizeof(T));
-    return hn::Set(d, x);
+    if constexpr (sizeof(T) == 8) {
+      return VecOf<D>{_mm_set_pd(K::kBeyond, x)};
+    } else {
+      return VecOf<D>{_mm_set_ps(K::kBeyond, K::kBeyond, K::kBeyond, x)};
+    }
   } else {
     return hn::LoadU(d, from);
   }
@@ -130,8 +135,8 @@ HWY_INLINE void PlainGroup(D d, const PlainArrays<K>& p, size_t i) {
     return;
   }
   for (int k = 0; k < kVectors; ++k) {
-    x[k] = LoadAnywhere(d, p.a + i + k * lanes);
-    y[k] = K::kArguments == 2 ? LoadAnywhere(d, p.b + i + k * lanes) : x[k];
+    x[k] = LoadAnywhere<K>(d, p.a + i + k * lanes);
+    y[k] = K::kArguments == 2 ? LoadAnywhere<K>(d, p.b + i + k * lanes) : x[k];
   }
   if constexpr (HasPairGroup<K, D>) {
     K::MainGroup(d, x, y, x);

@@ -2,6 +2,7 @@
 // however it is called, against one call on the lowest level.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <thread>
@@ -93,6 +94,49 @@ TEST_P(SameBits, AllLengthsAlignmentsAndPlaces) {
           CallEntry(entry(), Part(arguments, from, length), kDefaultControl, offset);
       ASSERT_EQ(Difference(got, Part(whole, from, length, result_parts())), "")
           << "length " << length << " offset " << offset << " from " << from;
+    }
+  }
+}
+
+// An element somewhere among ordinary ones has the result, the record and the flags that it has
+// alone on the lowest level.
+TEST_P(SameBits, AmongOrdinaryElementsAsAlone) {
+  constexpr size_t kLength = 200;  // more than a group of any kernel
+  constexpr uint32_t kCounted = ~uint32_t{kInexact | kDenormal};
+  const auto put = [](Numbers& to, size_t at, const Numbers& from) {
+    std::copy_n(from.at(0), from.size() * from.width(), to.at(at * from.size()));
+  };
+  Random random(kSeed + 4);
+  const std::vector<Arguments> sets = EveryKind(entry(), kSeed + 4, 100);
+  // All of a function of one argument, some of the pairs.
+  const size_t per_set = std::max<size_t>(10, 1500 / sets.size());
+  for (const Arguments& arguments : sets) {
+    const bool has_scalar = arguments.has_scalar();
+    const size_t step = std::max<size_t>(1, arguments.size() / per_set);
+    std::vector<Arguments> elements;
+    for (size_t i = random.Below(static_cast<uint32_t>(step)); i < arguments.size(); i += step) {
+      elements.push_back(Part(arguments, i, 1));
+    }
+    std::vector<Outcome> alone;
+    {
+      const UseLevel lowest(kLevels[0]);
+      for (const Arguments& one : elements)
+        alone.push_back(CallEntry(entry(), one, kDefaultControl));
+    }
+    const UseLevel use(level());
+    Arguments ordinary = Ordinary(entry(), kSeed, kLength);
+    if (has_scalar) ordinary.b = arguments.b;
+    const uint32_t others = CallEntry(entry(), ordinary, kDefaultControl).flags;
+    for (size_t i = 0; i < elements.size(); ++i) {
+      const size_t at = random.Below(kLength);
+      Arguments mixed = ordinary;
+      put(mixed.a, at, elements[i].a);
+      if (!has_scalar && elements[i].b.size() > 0) put(mixed.b, at, elements[i].b);
+      const Outcome got = CallEntry(entry(), mixed, kDefaultControl);
+      ASSERT_EQ(Difference(Part(got, at, 1, result_parts()), alone[i]), "")
+          << elements[i].a.value(0) << " at " << at;
+      ASSERT_EQ(got.flags & ~others & kCounted, alone[i].flags & ~others & kCounted)
+          << elements[i].a.value(0) << " at " << at;
     }
   }
 }

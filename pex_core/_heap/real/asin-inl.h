@@ -74,7 +74,8 @@ using AsinRarity =
     std::conditional_t<kDomain == AsinDomain::kCommon, AboveOneOrTiny<T>, AboveOne<T>>;
 
 // What a kernel for kDomain calls rare, and of groups of common arguments whether one may be: not
-// in the 32 octaves below 1 (of doubles 128) or at 1.
+// in the 32 octaves below 1 (of doubles 128) or at 1. On AVX-512 the floats that are at 1 may be:
+// the root of 0 by an estimate would be none.
 template <typename T, AsinDomain kDomain, class Groups>
 struct AsinRareGroups : Groups {
   using Rarity = AsinRarity<T, kDomain>;
@@ -82,9 +83,10 @@ struct AsinRareGroups : Groups {
   static HWY_INLINE bool AnyMayBeRare(D d,
                                       const V (&x)[K]) requires(kDomain == AsinDomain::kCommon) {
     constexpr uint64_t kBeyond = sizeof(T) == 8 ? uint64_t{31} << 59 : uint64_t{15} << 28;
-    const auto one = Bits(d, hn::Set(d, T(-1)));
+    constexpr bool kBelow = HWY_TARGET == HWY_AVX3 && sizeof(T) == 4;
+    const auto last = SetBits(d, static_cast<uint64_t>(BitsOfNumber(T(-1)) - kBelow));
     return AnyKeyHas(d, x, kBeyond,
-                     [&](V v) HWY_ATTR { return hn::Sub(one, Bits(d, NegAbs(d, v))); });
+                     [&](V v) HWY_ATTR { return hn::Sub(last, Bits(d, NegAbs(d, v))); });
   }
 };
 
