@@ -55,15 +55,22 @@ HWY_INLINE V ScaleByPower(D d, V y, const ExpReduced<D>& u) {
 
 // table[i] by lane. Loads one by one are faster than AVX2's gather; their addresses go through
 // memory, as the units that take numbers from vector registers are busier than those that load.
-template <class D>
+// kSpread: by loads into all lanes and blends, where units that shuffle are busy.
+template <bool kSpread = false, class D>
 HWY_INLINE VecOf<D> LoadEach(D d, const double* table, BitsOf<D> i) {
 #if HWY_TARGET == HWY_AVX2
   (void)d;
   __m256i at;
   asm("vmovdqa %1, %0" : "=m"(at) : "x"(i.raw));
+  const int64_t* const j = reinterpret_cast<const int64_t*>(&at);
+  if constexpr (kSpread) {
+    const auto all = [&](int k) HWY_ATTR { return _mm256_broadcast_sd(table + j[k]); };
+    const __m256d lower = _mm256_blend_pd(all(0), all(1), 2);
+    const __m256d upper = _mm256_blend_pd(all(2), all(3), 8);
+    return VecOf<D>{_mm256_blend_pd(lower, upper, 12)};
+  }
   const auto pair = [&](int k) HWY_ATTR {
-    const int64_t* const j = reinterpret_cast<const int64_t*>(&at) + k;
-    return _mm_loadh_pd(_mm_load_sd(table + j[0]), table + j[1]);
+    return _mm_loadh_pd(_mm_load_sd(table + j[k]), table + j[k + 1]);
   };
   return VecOf<D>{_mm256_insertf128_pd(_mm256_castpd128_pd256(pair(0)), pair(2), 1)};
 #else
@@ -105,7 +112,7 @@ HWY_INLINE VecOf<D> HalfPower(D d, BitsOf<D> k) {
       _mm512_permutex2var_pd(_mm512_load_pd(dExpFine), k.raw, _mm512_load_pd(dExpFine + 8));
   return VecOf<D>{_mm512_fmadd_pd(coarse, fine, coarse)};
 #else
-  return LoadEach(d, dExp_EP_Table, hn::And(k, SetBits(d, 127)));
+  return LoadEach<true>(d, dExp_EP_Table, hn::And(k, SetBits(d, 127)));
 #endif
 }
 

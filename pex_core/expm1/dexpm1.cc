@@ -1,10 +1,13 @@
-// e^x - 1 in double precision: 2^n (e^r - 1) + (2^n - 1), |r| <= ln2/2. For n = 0 the second term
-// is exactly 0 and r exactly x, so small results keep their relative accuracy.
+// e^x - 1 in double precision: s (e^r - 1) + (s - 1), s a power of 2^(1/8) or 2^(1/16), in HA of 2.
+// For s = 1 the second term is exactly 0 and r exactly x, so small results keep their relative
+// accuracy.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/expm1/dexpm1.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/exp_log_polynomials.h"
+#include "pex_core/_heap/real/exp_single_tables.h"
+#include "pex_core/_heap/real/exp_tables.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
@@ -17,43 +20,7 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdExpm1";
 
-constexpr double kLn2Hi = 0x1.62e42fefa38p-1;           // ln2, 42 bits: its product with n is exact
-constexpr double kLn2Lo = 0x1.ef35793c7673p-45;         // the rest
-constexpr double kLn2Middle = 0x1.ef35793c768p-45;      // 42 bits of that
-constexpr double kLeast = -60;                          // below it the result is -1 to nearest
-inline constexpr bool kFused = HWY_TARGET != HWY_SSE4;  // exact products with their sums
-
-template <class D>
-struct Expm1Reduced {
-  MaskOf<D> tiny;  // x is its own result, signed zeros and subnormals without a flag
-  VecOf<D> x, n, power;
-};
-
-// kProducts: products with small powers are formed on their own, and would underflow below kLeast.
-// kSilent: tiny arguments take part where products can be silent.
-template <bool kProducts, bool kSilent, class D, class V>
-HWY_INLINE Expm1Reduced<D> Expm1Reduce(D d, V x) {
-  Expm1Reduced<D> u;
-  u.x = x;
-  if constexpr (!(kSilent && kHasSilentMul<V>)) {
-    u.tiny = MagnitudeBelow(d, x, 0x1p-54);
-    u.x = hn::IfThenZeroElse(u.tiny, x);
-  }
-  if constexpr (kProducts) u.x = hn::Max(u.x, hn::Set(d, kLeast));
-  const V shifter = hn::Set(d, kSilent ? 0x1.8p52 + 1023 : 0x1.8p52);
-  const V kf = hn::Add(SilentMul(u.x, hn::Set(d, 0x1.71547652b82fep+0)), shifter);  // 1/ln2
-  u.n = hn::Sub(kf, shifter);
-  const auto exponent = hn::ShiftLeft<52>(Bits(d, kf));
-  u.power = FromBits(d, kSilent ? exponent : hn::Add(exponent, SetBits(d, 0x3FF0000000000000)));
-  return u;
-}
-
-// The result y of a kSilent reduction of x.
-template <class D, class V>
-HWY_INLINE V Expm1Result([[maybe_unused]] D d, const Expm1Reduced<D>& u, V x, V y) {
-  if constexpr (kHasSilentMul<V>) return hn::CopySign(y, x);  // of zeros
-  return hn::Or(y, hn::IfThenElseZero(u.tiny, x));            // y is 0 there
-}
+constexpr double kLeast = -60;  // below it the result is -1 to nearest
 
 template <class Groups>
 struct dExpm1Common : Groups {
@@ -61,74 +28,163 @@ struct dExpm1Common : Groups {
   static HWY_INLINE int Rare(double x, double* r) { return Expm1Rare(x, r, dExpScalar); }
 };
 
-// A polynomial with its signs changed.
-template <size_t N>
-struct Polynomial {
-  double c[N];
+// k = round(x 2^kLog/ln2). On the levels without silent products it comes in units of 2^60, which
+// keep the product with a tiny argument from underflow.
+template <class D>
+struct Expm1Steps {
+  VecOf<D> x, k;
+  BitsOf<D> bits;  // k + kBias in the low bits
 };
-template <size_t N>
-constexpr Polynomial<N> Negated(const double (&c)[N]) {
-  Polynomial<N> negated = {};
-  for (size_t i = 0; i < N; ++i) negated.c[i] = -c[i];
-  return negated;
+
+template <class V>
+inline constexpr double kStepUnit = kHasSilentMul<V> ? 1 : 0x1p60;
+
+// kProducts: products with small powers are formed on their own, and would underflow below kLeast.
+template <int kLog, int kBias, bool kProducts, class D, class V>
+HWY_INLINE Expm1Steps<D> Expm1Reduce(D d, V x) {
+  constexpr double kUnit = kStepUnit<V>;
+  if constexpr (kProducts) x = hn::Max(x, hn::Set(d, kLeast));
+  const V shifter = hn::Set(d, (0x1.8p52 + kBias) * kUnit);
+  const V over_ln2 = hn::Set(d, 0x1.71547652b82fep+0 * (1 << kLog) * kUnit);
+  const V kf = hn::Add(SilentMul(x, over_ln2), shifter);
+  return {x, hn::Sub(kf, shifter), Bits(d, kf)};
 }
 
+// Bits of 2^(j/8) less j << 49, to which k << 49 is added; as they are, and in halves.
+struct ShiftedEighths {
+  alignas(64) int64_t entry[8];
+  alignas(32) int32_t low[8], high[8];
+};
+constexpr ShiftedEighths MakeShiftedEighths() {
+  ShiftedEighths t = {};
+  for (int j = 0; j < 8; ++j) {
+    t.entry[j] = sExpShiftedSixteenthsHA[2 * j];
+    t.low[j] = static_cast<int32_t>(t.entry[j]);
+    t.high[j] = static_cast<int32_t>(t.entry[j] >> 32);
+  }
+  return t;
+}
+inline constexpr ShiftedEighths kShiftedEighths = MakeShiftedEighths();
+
+// Entry k & 7.
+template <class D>
+HWY_INLINE BitsOf<D> ShiftedEighth([[maybe_unused]] D d, BitsOf<D> k) {
+  constexpr auto& t = kShiftedEighths;
+#if HWY_TARGET == HWY_AVX3
+  return BitsOf<D>{_mm512_permutexvar_epi64(k.raw, _mm512_load_si512(t.entry))};
+#elif HWY_TARGET == HWY_AVX2
+  const auto half = [k](const int32_t* from) HWY_ATTR {
+    const __m256i all = _mm256_load_si256(reinterpret_cast<const __m256i*>(from));
+    return _mm256_permutevar8x32_epi32(all, k.raw);
+  };
+  return BitsOf<D>{_mm256_blend_epi32(half(t.low), _mm256_slli_epi64(half(t.high), 32), 0xAA)};
+#else
+  return hn::GatherIndex(hn::RebindToSigned<D>(), t.entry, hn::And(k, SetBits(d, 7)));
+#endif
+}
+
+// s p - (1 - s), |r| <= ln2/16: a difference, for it keeps the sign of zero. The product of k and
+// ln2/8 in 39 bits is exact, and what those lack is of no weight here. Without silent products a
+// factor in the polynomial keeps products of tiny arguments from underflow: their result is the
+// argument itself, without a flag.
 struct dExpm1EP : dExpm1Common<LargeGroups<double>> {
+  template <class D, class V>
+  static HWY_INLINE V Main(D d, V x) {
+    constexpr int kScale = kHasSilentMul<V> ? 0 : 60;
+    constexpr double kOne = kScale == 0 ? 1 : 0x1p60;
+    const auto u = Expm1Reduce<3, 0, !kHasSilentMul<V>>(d, x);
+    const V r = SubExactProduct(u.k, hn::Set(d, 0x1.62e42fefa4p-4 / kStepUnit<V>), u.x);
+    const auto c = [&](int i) HWY_ATTR { return hn::Set(d, kOne * kExpm1EP[i]); };
+    const V q = hn::Add(SilentMul(hn::Add(SilentMul(c(2), r), c(1)), r), c(0));
+    const V p = SilentMul(hn::Add(SilentMul(q, r), hn::Set(d, kOne)), r);
+    const auto s = hn::Add(ShiftedEighth(d, u.bits), hn::ShiftLeft<49>(u.bits));
+    const auto scaled = kScale == 0 ? s : hn::Sub(s, SetBits(d, uint64_t{kScale} << 52));
+    const V less = hn::Sub(hn::Set(d, 1.0), FromBits(d, s));
+    return hn::Sub(SilentMul(FromBits(d, scaled), p), less);
+  }
+};
+
+// Entry k & 15.
+template <class D>
+HWY_INLINE VecOf<D> PowerOverChord(D d, BitsOf<D> k) {
+#if HWY_TARGET == HWY_AVX3
+  (void)d;
+  const double* const t = dExpOverChord;
+  return VecOf<D>{_mm512_permutex2var_pd(_mm512_load_pd(t), k.raw, _mm512_load_pd(t + 8))};
+#else
+  return Gather(d, dExpOverChord, hn::And(k, SetBits(d, 15)));
+#endif
+}
+
+// Where tiny numbers must not be multiplied: 0 for them, others up to 1 as they are, or nearly so
+// where their squares count for nothing.
+template <class D, class V>
+HWY_INLINE V WithoutTiny([[maybe_unused]] D d, V r) {
+  if constexpr (kHasSilentMul<V>) return r;
+  const V least = hn::Set(d, 0x1p-400);
+  return hn::Sub(hn::Add(r, least), least);
+}
+
+// |r| <= ln2/32. The bits of k, moved to the exponent, are those of c = 2^n (1 + j/16), k = 16 n +
+// j, and s - 1 = (c - 1) + c t, t = 2^(j/16)/(1 + j/16) - 1 from a table, the same rounded once or
+// twice for every k. The sum begins with the small terms of s p = (s - 1) p + p; the rounding of r
+// would tell next to zero, so r0 goes its own way.
+struct dExpm1LA : dExpm1Common<LargeGroups<double>> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    Expm1Reduced<D> u[K];
-    V r[K], r2[K], q[K];
-    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce<!kFused, true>(d, x[k]);
+    constexpr double kUnit = kStepUnit<V>;
+    const V low = hn::Set(d, 0x1.cf79abc9e4p-44 / kUnit);
+    Expm1Steps<D> u[K];
+    V r0[K], r[K], y[K], y2[K], q[K], less[K];
     for (size_t k = 0; k < K; ++k) {
-      r[k] = hn::Sub(u[k].x, hn::Mul(u[k].n, hn::Set(d, kLn2Hi + kLn2Lo)));
-      r2[k] = SilentMul(r[k], r[k]);
+      u[k] = Expm1Reduce<4, 16 * 1023, HWY_TARGET == HWY_SSE4>(d, x[k]);
     }
-    SilentEvenOdd(d, r, r2, kExpm1EP, q);
     for (size_t k = 0; k < K; ++k) {
-      const V e = hn::Add(r[k], SilentMul(r2[k], q[k]));
-      const V less_one = hn::Sub(u[k].power, hn::Set(d, 1.0));
-      out[k] = Expm1Result(d, u[k], x[k], AddExactProduct(u[k].power, e, less_one));
+      // ln2/16 in 37 bits and 39 more, both products exact, and the first difference, too.
+      r0[k] = SubExactProduct(u[k].k, hn::Set(d, 0x1.62e42fefap-5 / kUnit), u[k].x);
+      r[k] = SubExactProduct(u[k].k, low, r0[k]);
+      y[k] = WithoutTiny(d, r[k]);
+      y2[k] = SilentMul(y[k], y[k]);
+    }
+    for (size_t k = 0; k < K; ++k) {
+      const V c = FromBits(d, hn::ShiftLeft<48>(u[k].bits));
+      const V t = PowerOverChord(d, u[k].bits);
+      less[k] = HiddenNegMulAdd(c, t, hn::Sub(hn::Set(d, 1.0), c));  // 1 - s
+    }
+    SilentEvenOdd(d, y, y2, kExpm1LA, q);
+    for (size_t k = 0; k < K; ++k) {
+      const V e = SilentMul(y2[k], q[k]);  // e^r - 1 - r
+      // Differences such that zeros keep their sign.
+      const V rest = hn::Sub(SilentMul(less[k], hn::Add(e, r[k])), SubExactProduct(u[k].k, low, e));
+      out[k] = hn::Sub(hn::Sub(r0[k], rest), less[k]);
     }
   }
 };
 
-struct dExpm1LA : dExpm1Common<LargeGroups<double>> {
-  static constexpr auto kLess = Negated(kExpm1LA);
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    const V low = hn::Set(d, kLn2Middle);
-    Expm1Reduced<D> u[K];
-    V r0[K], r[K], r2[K], q[K];
-    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce<!kFused, true>(d, x[k]);
-    for (size_t k = 0; k < K; ++k) {
-      r0[k] = SubExactProduct(u[k].n, hn::Set(d, kLn2Hi), u[k].x);  // exact
-      r[k] = SubExactProduct(u[k].n, low, r0[k]);
-      r2[k] = SilentMul(r[k], r[k]);
-    }
-    SilentEvenOdd(d, r, r2, kLess.c, q);
-    for (size_t k = 0; k < K; ++k) {
-      // The rounding of r would tell in 2^n (e^r - 1), so r0 goes its own way. Products with
-      // powers of two are exact. The signs are such that zeros keep theirs.
-      const V rest = AddExactProduct(u[k].n, low, SilentMul(r2[k], q[k]));
-      const V head = ExactProductLess(u[k].power, r0[k], hn::Sub(hn::Set(d, 1.0), u[k].power));
-      const V y = SubExactProduct(u[k].power, rest, head);
-      out[k] = kHasSilentMul<V> ? y : Expm1Result(d, u[k], x[k], y);
-    }
-  }
-};
+constexpr double kLn2Hi = 0x1.62e42fefa38p-1;    // ln2, 42 bits: its product with n is exact
+constexpr double kLn2Lo = 0x1.ef35793c7673p-45;  // the rest
 
 // r, r^2/2 and 2^n - 1 with their rounding errors.
 struct dExpm1HA : dExpm1Common<Kernel<double>> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     const V half = hn::Set(d, 0.5);
-    Expm1Reduced<D> u[K];
-    V r[K], r_rest[K], square[K], q[K];
+    MaskOf<D> tiny[K];  // x is its own result, signed zeros and subnormals without a flag
+    V n[K], power[K], r[K], r_rest[K], square[K], q[K];
     Pair<V> r2[K];
-    for (size_t k = 0; k < K; ++k) u[k] = Expm1Reduce<true, false>(d, x[k]);
     for (size_t k = 0; k < K; ++k) {
-      const V r0 = SubExactProduct(u[k].n, hn::Set(d, kLn2Hi), u[k].x);  // exact
-      const V r1 = hn::Mul(u[k].n, hn::Set(d, kLn2Lo));
+      tiny[k] = MagnitudeBelow(d, x[k], 0x1p-54);
+      const V y = hn::Max(hn::IfThenZeroElse(tiny[k], x[k]), hn::Set(d, kLeast));
+      const V shifter = hn::Set(d, 0x1.8p52);
+      const V kf = hn::Add(hn::Mul(y, hn::Set(d, 0x1.71547652b82fep+0)), shifter);  // 1/ln2
+      n[k] = hn::Sub(kf, shifter);
+      power[k] =
+          FromBits(d, hn::Add(hn::ShiftLeft<52>(Bits(d, kf)), SetBits(d, 0x3FF0000000000000)));
+      r[k] = SubExactProduct(n[k], hn::Set(d, kLn2Hi), y);  // exact
+    }
+    for (size_t k = 0; k < K; ++k) {
+      const V r0 = r[k];
+      const V r1 = hn::Mul(n[k], hn::Set(d, kLn2Lo));
       r[k] = hn::Sub(r0, r1);
       r_rest[k] = hn::Sub(hn::Sub(r0, r[k]), r1);
       r2[k] = TwoProduct(d, r[k], r[k]);
@@ -140,10 +196,10 @@ struct dExpm1HA : dExpm1Common<Kernel<double>> {
       const Pair<V> e = FastTwoSum(r[k], hn::Mul(half, square[k]));
       const V rest = hn::Add(hn::Add(r_rest[k], hn::Mul(r_rest[k], r[k])), hn::Mul(half, r2[k].lo));
       const V e_rest = hn::Add(e.lo, hn::Add(cubic, rest));
-      const Pair<V> less_one = TwoSum(u[k].power, hn::Set(d, -1.0));
-      const Pair<V> sum = TwoSum(less_one.hi, hn::Mul(u[k].power, e.hi));
-      const V sum_rest = hn::Add(sum.lo, hn::Add(less_one.lo, hn::Mul(u[k].power, e_rest)));
-      out[k] = hn::IfThenElse(u[k].tiny, x[k], hn::Add(sum.hi, sum_rest));
+      const Pair<V> less_one = TwoSum(power[k], hn::Set(d, -1.0));
+      const Pair<V> sum = TwoSum(less_one.hi, hn::Mul(power[k], e.hi));
+      const V sum_rest = hn::Add(sum.lo, hn::Add(less_one.lo, hn::Mul(power[k], e_rest)));
+      out[k] = hn::IfThenElse(tiny[k], x[k], hn::Add(sum.hi, sum_rest));
     }
   }
 };

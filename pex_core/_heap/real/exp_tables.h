@@ -314,6 +314,15 @@ alignas(64) inline constexpr double dExpFine[16] = {
     0x1.766360bcd54e7p-6, 0x1.d1627432f62c7p-6, 0x1.1670028b87462p-5, 0x1.446e619e89d22p-5,
 };
 
+// 2^(j/16)/(1 + j/16) - 1, the last bits such that (1 - c) - c t, c = 2^n (1 + j/16), is the
+// same rounded once and twice for -1022 <= n <= 1022.
+alignas(64) inline constexpr double dExpOverChord[16] = {
+    0x0p+0, -0x1.190d74cd0b116p-6, -0x1.f6547e426c841p-6, -0x1.500960e975861p-5,
+    -0x1.8e69894a0e448p-5, -0x1.b8ea36bfb08efp-5, -0x1.d1aa6cc87cde6p-5, -0x1.da645cd305573p-5,
+    -0x1.d48222010599fp-5, -0x1.c12d801adf535p-5, -0x1.a15bfd5561682p-5, -0x1.75d848b8f5d9fp-5,
+    -0x1.3f4999e15739dp-5, -0x1.fc730e4c877b5p-6, -0x1.66315bc507683p-6, -0x1.7909c38a0d02p-7,
+};
+
 // Low 52 bits: significand of 2^(j/1024), j = 0 .. 1023. Above: 2048 + the rest below that
 // double in units of 2^-64 of it.
 alignas(64) inline constexpr uint64_t dExpPackedTable[1024] = {
