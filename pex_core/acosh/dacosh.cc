@@ -17,10 +17,21 @@ struct dAcoshCommon : Kernel<double> {
   static HWY_INLINE int Rare(double x, double* r) { return AcoshRare(x, r); }
 };
 
-struct dAcoshEP : dAcoshCommon {
+struct dAcoshWideEP : dAcoshCommon {
+  static constexpr int kUnroll = 2;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    InverseEP<AcoshSum>(d, x, r);
+    InverseEP<AcoshSum, true>(d, x, r);
+  }
+};
+
+struct dAcoshEP : dAcoshCommon {
+  using Rarity = RareOutside<double, 0x3FF00000, 0x5EEFFFFF>;
+  using Wide = dAcoshWideEP;
+  static constexpr int kUnroll = 8;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    InverseEP<AcoshSum, false>(d, x, r);
   }
 };
 

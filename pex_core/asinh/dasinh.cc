@@ -18,15 +18,31 @@ struct dAsinhCommon : Kernel<double> {
 };
 
 // A tiny x is its own result to the tier's accuracy.
-inline constexpr double kTiny = 0x1p-28, kTinyEP = 0x1p-16;
+inline constexpr double kTiny = 0x1p-28;
 
-struct dAsinhEP : dAsinhCommon {
+struct dAsinhWideEP : dAsinhCommon {
+  static constexpr int kUnroll = 2;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], y[K];
-    for (size_t k = 0; k < K; ++k) a[k] = MagnitudeUnlessTiny(d, x[k], kTinyEP);
-    InverseEP<AsinhSum>(d, a, y);
-    for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kTinyEP);
+    for (size_t k = 0; k < K; ++k) {
+      a[k] = hn::IfThenElse(MagnitudeBelow(d, x[k], kLeastEP), hn::Set(d, 1.0), hn::Abs(x[k]));
+    }
+    InverseEP<AsinhSum, true>(d, a, y);
+    for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kLeastEP);
+  }
+};
+
+struct dAsinhEP : dAsinhCommon {
+  using Rarity = RareByMagnitude<RareOutside<double, 0x3E900000, 0x5EEFFFFF>>;
+  using Wide = dAsinhWideEP;
+  static constexpr int kUnroll = 8;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    V a[K], y[K];
+    for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
+    InverseEP<AsinhSum, false>(d, a, y);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(y[k], x[k]);
   }
 };
 

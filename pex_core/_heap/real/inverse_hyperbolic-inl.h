@@ -7,6 +7,7 @@
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/hyperbolic-inl.h"
 #include "pex_core/_heap/real/log_of_sum-inl.h"
+#include "pex_core/_heap/real/root_correct-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 
@@ -35,6 +36,11 @@ HWY_INLINE LogArgument<V> OrLarge(D d, M large, V a, V u, V rest) {
           hn::IfThenElseZero(large, hn::Set(d, T(3)))};
 }
 
+// Of how many vectors' roots EP's sums go by estimates: where the processor's take longer than all
+// the rest.
+template <class V, size_t K>
+inline constexpr size_t kEstimatedRoots = sizeof(V) == 64 && K >= 4 ? K / 2 : 0;
+
 // u = a + sqrt(1 + a^2), a >= 0. The root's rounding error belongs to the rest: for small a it is
 // most of what u - 1 lacks.
 struct AsinhSum {
@@ -52,6 +58,12 @@ struct AsinhSum {
     const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<hn::TFromD<D>>));
     const LogArgument<V> r = NotLarge(d, hn::IfThenZeroElse(large, a));
     return OrLarge(d, large, a, r.u, r.rest);
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Sums(D d, const V (&a)[K], V (&u)[K]) {
+    for (size_t k = 0; k < K; ++k) u[k] = hn::Add(hn::Mul(a[k], a[k]), hn::Set(d, 1.0));
+    MixedRoots<kEstimatedRoots<V, K>>(d, u);
+    for (size_t k = 0; k < K; ++k) u[k] = hn::Add(a[k], u[k]);
   }
   template <bool kFull, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
@@ -95,6 +107,16 @@ struct AcoshSum {
     const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<T>));
     const LogArgument<V> r = NotLarge(d, hn::IfThenElse(large, hn::Set(d, T(1)), a));
     return OrLarge(d, large, a, r.u, r.rest);
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Sums(D d, const V (&a)[K], V (&u)[K]) {
+    const V one = hn::Set(d, 1.0);
+    // The root of 0 is none of the estimates'.
+    for (size_t k = 0; k < K; ++k) {
+      u[k] = hn::Max(hn::Mul(hn::Sub(a[k], one), hn::Add(a[k], one)), hn::Set(d, 0x1p-200));
+    }
+    MixedRoots<kEstimatedRoots<V, K>>(d, u);
+    for (size_t k = 0; k < K; ++k) u[k] = hn::Add(a[k], u[k]);
   }
   template <bool kFull, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
@@ -145,22 +167,38 @@ struct AtanhSum {
   }
 };
 
-// The tiers in double precision. EP's sums of positive numbers need no rest.
-template <class F, class D, class V, size_t K>
+// EP in double precision. Common arguments are those from kLeastEP (asinh) or 1 on (acosh) below
+// kLargeEP, where nothing overflows and the plain sum has the bits; kWide takes all others that are
+// not rare, with large ones as ln(2a) and tiny ones as themselves.
+inline constexpr double kLeastEP = 0x1p-22, kLargeEP = 0x1p496;
+
+template <class F, bool kWide, class D, class V, size_t K>
 HWY_INLINE void InverseEP(D d, const V (&a)[K], V (&r)[K]) {
-  V u[K], shift[K], p[K];
-  LogReduced<D> v[K];
-  for (size_t k = 0; k < K; ++k) {
-    const LogArgument<V> x = F::Plain(d, a[k]);
-    u[k] = x.u;
-    shift[k] = x.shift;
+  V u[K], t[K], p[K], head[K];
+  LogShort<D, true> v[K];
+  if constexpr (kWide) {
+    V y[K];
+    for (size_t k = 0; k < K; ++k) {
+      y[k] = hn::IfThenElse(hn::Ge(a[k], hn::Set(d, kLargeEP)), hn::Set(d, 1.0), a[k]);
+    }
+    F::Sums(d, y, u);
+    for (size_t k = 0; k < K; ++k) {
+      const auto large = hn::Ge(a[k], hn::Set(d, kLargeEP));
+      u[k] = hn::IfThenElse(large, hn::Mul(a[k], hn::Set(d, 0.25)), u[k]);
+    }
+  } else {
+    F::Sums(d, a, u);
   }
-  LogReduce<NaturalLog>(d, u, v);
+  LogShortReduce<NaturalLog::Factors>(d, u, v);
   for (size_t k = 0; k < K; ++k) {
-    p[k] = hn::Mul(hn::Sub(v[k].m, v[k].row.a), v[k].row.factor);
-    if constexpr (F::kHasLarge) v[k].e = hn::Add(v[k].e, shift[k]);
+    t[k] = ShortProductLessOne(d, v[k].m, v[k].c);
+    if constexpr (kWide) {
+      const auto large = hn::Ge(a[k], hn::Set(d, kLargeEP));
+      v[k].e = hn::Add(v[k].e, hn::IfThenElseZero(large, hn::Set(d, 3.0)));
+    }
   }
-  LogPlain<NaturalLog>(d, v, p, kLnEP, r);
+  LogTerms<NaturalLog>(d, v, t, p, head);
+  LogPlainSum(d, head, p, kLnEP, r);
 }
 
 template <class F, class D, class V, size_t K>

@@ -162,17 +162,6 @@ HWY_INLINE void LogPlainSum(D d, const V (&head)[K], const V (&p)[K], const doub
   }
 }
 
-// The plain sum: a few roundings more, log(2) in one part.
-template <class Base, class D, class V, size_t K, size_t N>
-HWY_INLINE void LogPlain(D d, const LogReduced<D> (&x)[K], const V (&p)[K], const double (&c)[N],
-                         V (&r)[K]) {
-  V head[K];
-  for (size_t k = 0; k < K; ++k) {
-    head[k] = hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x[k].row.log);
-  }
-  LogPlainSum(d, head, p, c, r);
-}
-
 // head + log(1 + p) on a division instead of a long polynomial: log(1 + p) = p - s (p - s^2 R(s^2))
 // for s = p/(2 + p). `low` is what p lacks.
 template <class Base, class D, class V, size_t K>
