@@ -67,9 +67,22 @@ template <class D, class V>
 HWY_INLINE V RootByEstimate(D d, V t) {
   return RootByEstimate(d, t, V{_mm512_rsqrt14_ps(t.raw)});
 }
+// The same, of 0 too.
+template <class D, class V>
+HWY_INLINE V RootByEstimateOrZero(D d, V t) {
+  if constexpr (sizeof(V) == 64) {
+    const __mmask16 positive = _mm512_test_epi32_mask(Bits(d, t).raw, Bits(d, t).raw);
+    return RootByEstimate(d, t, V{_mm512_maskz_rsqrt14_ps(positive, t.raw)});
+  }
+  return hn::Sqrt(t);
+}
 #else
 template <class D, class V>
 HWY_INLINE V RootByEstimate(D, V t) {
+  return hn::Sqrt(t);
+}
+template <class D, class V>
+HWY_INLINE V RootByEstimateOrZero(D, V t) {
   return hn::Sqrt(t);
 }
 #endif
