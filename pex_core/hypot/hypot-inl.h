@@ -41,8 +41,7 @@ struct HypotConstants {
 // The tiers: roots of a^2 + b^2 as main parts and corrections to be added at last, for moderate
 // numbers.
 
-// The root of the rounded sum: below 1.3 ulp. In single precision nothing is faster than the
-// processor's.
+// The root of the rounded sum: below 1.3 ulp. In single precision no shorter one is faster.
 template <typename T>
 struct HypotPlain {
   static constexpr bool kCorrected = false;

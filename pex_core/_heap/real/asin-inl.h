@@ -202,6 +202,12 @@ HWY_INLINE AsinParts<D> AsinReduceHalf(D d, V x) {
   return {minus, large, rest, hn::Min(rest, square)};
 }
 
+template <typename T, size_t N>
+constexpr size_t AsinTerms(const T (&)[N]) {
+  return N;
+}
+constexpr size_t AsinTerms(const AsinSteps&) { return 12; }
+
 // Coefficients for a fourth of u.
 template <auto& c>
 struct AsinOfHalf {
@@ -216,6 +222,18 @@ struct AsinOfHalf {
     return n;
   }();
   static constexpr auto& kC = kNumbers.of;
+};
+template <auto& steps>
+requires(std::is_same_v<decltype(steps), const AsinSteps&>) struct AsinOfHalf<steps> {
+  static constexpr AsinSteps kC = [] {
+    constexpr auto& c = steps.c;
+    AsinSteps n = {{c[0] * 4, c[1] / 4, c[2] * 0x1p20, c[3] * 0x1p22, c[4] * 0x1p24}};
+    for (size_t i = 5; i < std::size(c); i += 2) {
+      n.c[i] = c[i] / 16;
+      n.c[i + 1] = c[i + 1] * (0x1p16 / (uint64_t{1} << (2 * i - 10)));
+    }
+    return n;
+  }();
 };
 
 // 1 in the lanes without the mask, -2 in those with it.
@@ -298,15 +316,35 @@ HWY_INLINE void SpreadEvenOdd(D d, const V (&x)[K], const V (&x2)[K], V (&p)[K])
   }
 }
 
+// The sum in steps.
+template <auto& kSteps, class D, class V, size_t K>
+HWY_INLINE void SpreadSteps([[maybe_unused]] D d, const V (&u)[K], V (&p)[K]) {
+  constexpr auto& kC = kSteps.c;
+#if HWY_TARGET == HWY_AVX3
+  static constexpr auto kSpread = SpreadOf(kC);
+  auto* s = kSpread.c;
+  asm("" : "+r"(s));
+  const auto term = [&](size_t i) HWY_ATTR { return hn::Load(d, s[i]); };
+#else
+  const auto term = [d](size_t i) HWY_ATTR { return hn::Set(d, kC[i]); };
+#endif
+  for (size_t k = 0; k < K; ++k) {
+    const V w = hn::Add(u[k], term(1)), y = hn::Mul(w, w);
+    V r = hn::Add(hn::Add(hn::Mul(w, term(3)), term(2)), hn::Mul(y, term(4)));
+    for (size_t i = 5; i < std::size(kC); i += 2) {
+      r = hn::Add(hn::Mul(hn::Add(y, term(i)), r), term(i + 1));
+    }
+    p[k] = hn::Add(hn::Mul(r, u[k]), term(0));
+  }
+}
+
 // The root where it is large, or else minus. kEstimated: by estimates; with kPlenty of other work
 // only where the processor's root takes longer than that, on Golden Cove.
 template <bool kEstimated, bool kPlenty, class D>
 HWY_INLINE VecOf<D> AsinRoot(D d, const AsinParts<D>& v) {
 #if HWY_TARGET == HWY_AVX3
-  constexpr bool kPossible = sizeof(v.rest) == 64;
+  constexpr bool kPossible = sizeof(v.rest) == 64 && sizeof(hn::TFromD<D>) == 8;
   if constexpr (!kEstimated || !kPossible) {
-  } else if constexpr (sizeof(hn::TFromD<D>) == 4) {
-    return RootByEstimate(d, v.u);  // of a square it is |x|
   } else if (!kPlenty || __builtin_cpu_is("intel")) {
     const __mmask8 positive =
         _mm512_mask_test_epi64_mask(v.large.raw, Bits(d, v.rest).raw, Bits(d, v.rest).raw);
@@ -320,7 +358,7 @@ HWY_INLINE VecOf<D> AsinRoot(D d, const AsinParts<D>& v) {
 }
 
 // Both functions by plain sums, single by hidden steps, for kVectors vectors: below 2 ulp with the
-// coefficients of LA (Asin 1.83 seen, single 1.71, Acos 1.20 and 1.88). Result() has acos(|x|) for
+// coefficients of LA (Asin 1.89 seen, single 1.71, Acos 1.24 and 1.88). Result() has acos(|x|) for
 // large x, -asin(|x|) for others. kHalf: of half of that, asin(sqrt((1 - |x|)/2)), and without sign
 // where kRoots.
 template <auto& c, AsinDomain kDomain, class D, size_t kVectors, bool kHalf = false>
@@ -333,12 +371,9 @@ struct PlainAsinPart {
   MaskOf<D> large[kVectors];
   V lead[kVectors], u[kVectors], p[kVectors];
 
-  // Roots of doubles, and with few coefficients those of floats, take Golden Cove longer than all
-  // the rest: of four vectors one goes without.
+  // Roots of doubles take Golden Cove longer than all the rest: of some vectors one goes without.
   static constexpr bool kSingle = sizeof(T) == 4;
-  static constexpr size_t kReduceKinds = kSingle ? 2 : std::size(c) < 6 ? 3 : 4;
-  static constexpr bool kMixed =
-      !kSingle || (std::size(c) < 5 && kVectors == 2 && kDomain == AsinDomain::kCommon);
+  static constexpr size_t kReduceKinds = AsinTerms(c) < 6 ? 3 : 4;
   template <size_t kKind>
   HWY_INLINE void Reduce(const V* x) {
     const D d;
@@ -353,8 +388,8 @@ struct PlainAsinPart {
       u[k] = v.u;
       if constexpr (kRoots) {
         lead[k] = hn::Sqrt(v.u);
-      } else if (kMixed && k == 0) {
-        lead[k] = AsinRoot<kKind == 0, (std::size(c) > 5)>(d, v);
+      } else if (!kSingle && k == 0) {
+        lead[k] = AsinRoot<kKind == 0, (AsinTerms(c) > 5)>(d, v);
       } else {
         lead[k] = AsinRoot<false, false>(d, v);
       }
@@ -367,6 +402,8 @@ struct PlainAsinPart {
 #if HWY_TARGET != HWY_SSE4
       HiddenHorner<c>(d, u, p);
 #endif
+    } else if constexpr (std::is_same_v<decltype(c), const AsinSteps&>) {
+      SpreadSteps<c>(d, u, p);
     } else {
       V u2[kVectors];
       for (size_t k = 0; k < kVectors; ++k) u2[k] = hn::Mul(u[k], u[k]);
@@ -445,7 +482,7 @@ struct PlainAcos : PlainAcosTo<c, kDomain, D, kVectors> {};
 template <typename T>
 struct AsinGroups : LargeGroups<T> {
   static constexpr bool kWide = HWY_TARGET == HWY_AVX3 || sizeof(T) == 8;
-  static constexpr int kUnroll = kWide ? 8 : 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 && sizeof(T) == 8 ? 12 : kWide ? 8 : 4;
   static constexpr int kRestUnroll = kWide ? LargeGroups<T>::kRestUnroll : 2;
   static constexpr size_t kTogether = sizeof(T) == 4 ? 2 : 1;
 };

@@ -14,18 +14,6 @@ inline constexpr double kAsinHA[] = {
     0x1.6178650f6895fp-25, 0x1.e27f6641a8208p-29, 0x1.64a4dd069ba7bp-28, -0x1.596cfbf2af2c3p-30,
     0x1.0bb7b2f0e7644p-31};
 
-// Error 2^-55.8125 of the whole, but for the bias.
-inline constexpr double kAsinLA[] = {
-    0x1.55555555552d2p-5, 0x1.33333333725aep-8, 0x1.6db6db4151c29p-11, 0x1.f1c72c7fe331ep-14,
-    0x1.6e89ee747a688p-16, 0x1.1c6c32662c783p-18, 0x1.c6f7dce9b5288p-21, 0x1.8ee800ddef47fp-23,
-    0x1.aa9b1d48d928ap-26, 0x1.40c084d389125p-26, -0x1.0b09435520ce1p-28, 0x1.05d4ad384320fp-29};
-
-// Error 2^-55.8125 of the whole.
-inline constexpr double kAcosLA[] = {
-    0x1.5555555555387p-5, 0x1.333333336f87cp-8, 0x1.6db6db41d459ap-11, 0x1.f1c72c6d2536p-14,
-    0x1.6e89ef7dd8c59p-16, 0x1.1c6c278083131p-18, 0x1.c6f8829f6097bp-21, 0x1.8ee485e5f3277p-23,
-    0x1.aab4c9efb1596p-26, 0x1.40b11cbfed6cp-26, -0x1.0af3a02f9225dp-28, 0x1.05cdf04fb6092p-29};
-
 // Error 2^-27.5625 of the whole.
 inline constexpr double kAsinEP[] = {
     0x1.5555ca7415a2dp-5, 0x1.33014e6c24c95p-8, 0x1.748c639b1b28dp-11, 0x1.8ba26052d4a13p-14,
@@ -36,9 +24,33 @@ inline constexpr float kAsinSingleLA[] = {
     0x1.555752p-5f, 0x1.32ca82p-8f, 0x1.77eb1ap-11f, 0x1.730fccp-14f,
     0x1.6aac9ap-15f};
 
-// Error 2^-14.65625 of the whole.
-inline constexpr float kAsinSingleEP[] = {
-    0x1.52014cp-5f, 0x1.829128p-8f};
+// asin(x) = x (1 + c[0] u + u^2 r), where r begins as c[2] + c[3] w + c[4] y with w = u + c[1],
+// y = w^2, and becomes r (y + c[5]) + c[6] and so on to c[12] (Knuth, Eve).
+struct AsinSteps {
+  double c[13];
+};
+
+// Error 2^-55.8125 of the whole, but for the bias.
+inline constexpr AsinSteps kAsinLA = {
+    0x1.55555555552d2p-5, 0x1.199999999999ap1, 0x1.8ba5eabf9269dp-22, -0x1.896596980020bp-25,
+    0x1.05d4ad3842f5fp-29, 0x1.d078838bbb6bbp5, -0x1.dd617d8306cf6p-17, 0x1.124cc0bc5b7d5p3,
+    -0x1.727b17a1508bbp-15, -0x1.62646547bd38bp0, 0x1.99bd55374a07ap-13, 0x1.2a5227b8da274p3,
+    0x1.0460797ff4edp-9};
+
+// Error 2^-55.8125 of the whole.
+inline constexpr AsinSteps kAcosLA = {
+    0x1.5555555555387p-5, 0x1.199999999999ap1, 0x1.8b981977d2806p-22, -0x1.89599e738c915p-25,
+    0x1.05cdf04fb6092p-29, 0x1.d07466fcb50b6p5, -0x1.dd4c87e5c0d0ep-17, 0x1.1274f4b6fa9fep3,
+    -0x1.72675462971cdp-15, -0x1.627849dac9aabp0, 0x1.99361439126a6p-13, 0x1.2a274edb66c89p3,
+    0x1.04dd70f222ab2p-9};
+
+// asin(x) = x (c[0] + (c[1] + c[2] t) (c[3] + c[4] t + w)) for t = 1 - |x|, w = sqrt(t): the
+// nearest floats to 1 and pi/2 where both are 1 or 0.
+
+// Error 2^-12.1875 of the whole.
+inline constexpr float kAsinOfRootSingleEP[] = {
+    0x1.7da93p-3f, -0x1.66f57cp0f, -0x1.dcf4dcp-1f, -0x1.f98544p-1f,
+    -0x1.71f83p-2f};
 
 // acos(x) = sqrt(1 - x) (c[0] + c[1] x ...) for 0 <= x <= 1.
 

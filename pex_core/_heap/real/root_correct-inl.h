@@ -67,9 +67,22 @@ template <class D, class V>
 HWY_INLINE V RootByEstimate(D d, V t) {
   return RootByEstimate(d, t, V{_mm512_rsqrt14_ps(t.raw)});
 }
+// The same, of 0 too.
+template <class D, class V>
+HWY_INLINE V RootByEstimateOrZero(D d, V t) {
+  if constexpr (sizeof(V) == 64) {
+    const __mmask16 positive = _mm512_test_epi32_mask(Bits(d, t).raw, Bits(d, t).raw);
+    return RootByEstimate(d, t, V{_mm512_maskz_rsqrt14_ps(positive, t.raw)});
+  }
+  return hn::Sqrt(t);
+}
 #else
 template <class D, class V>
 HWY_INLINE V RootByEstimate(D, V t) {
+  return hn::Sqrt(t);
+}
+template <class D, class V>
+HWY_INLINE V RootByEstimateOrZero(D, V t) {
   return hn::Sqrt(t);
 }
 #endif
@@ -105,7 +118,7 @@ HWY_INLINE void MixedRoots(D d, V (&t)[K]) {
 #endif
 }
 
-// t becomes its root, correctly rounded; for doubles 2^-900 < t < 2^1010.
+// t becomes its root, correctly rounded; for doubles 2^-900 < t < 2^1010, for floats 2^-100 < t.
 template <class D, class V, size_t K>
 HWY_INLINE void Roots(D d, V (&t)[K]) {
   constexpr bool kLong = sizeof(hn::TFromD<D>) == 8 && sizeof(V) == 64;  // AVX-512's doubles
@@ -117,6 +130,8 @@ HWY_INLINE void Roots(D d, V (&t)[K]) {
     }
   } else if constexpr (sizeof(hn::TFromD<D>) == 8 && sizeof(V) == 32 && K >= 4) {
     MixedRoots<K / 2>(d, t);
+  } else if constexpr (sizeof(hn::TFromD<D>) == 4 && sizeof(V) == 64 && K >= 4) {
+    for (size_t k = 0; k < K; ++k) t[k] = k % 2 == 0 ? RootByEstimate(d, t[k]) : hn::Sqrt(t[k]);
   } else {
     MixedRoots<0>(d, t);
   }
