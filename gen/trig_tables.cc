@@ -1,6 +1,6 @@
 // Writes pex_core/_heap/real/trig_tables.h: points near the multiples of pi/16 with their sines and
-// cosines, the tangents of those multiples, the binary expansion of 2/pi in the two forms of the
-// reductions, and the sines and cosines of the multiples of pi/32.
+// cosines, the tangents of those multiples and of points next to them, the binary expansion of 2/pi
+// in the two forms of the reductions, and the sines and cosines of the multiples of pi/32.
 #include <mpfr.h>
 
 #include <cmath>
@@ -176,6 +176,43 @@ void Tangents() {
   PrintColumns({tan, cos2, sin_cos, infinite});
 }
 
+// Points whose tangents are doubles, some 2^-23 from the multiples of pi/16: common arguments are
+// next to those, but then not next to the points.
+void TangentPoints() {
+  double offset[16], tan[16];
+  mpfr_t angle, t;
+  mpfr_inits2(200, angle, t, nullptr);
+  for (int j = -8; j < 8; ++j) {
+    const int row = j + 8;
+    offset[row] = 0;
+    tan[row] = j == -8 ? 0x1p130 : 0;
+    if (j % 8 == 0) continue;
+    mpfr_const_pi(angle, MPFR_RNDN);
+    mpfr_mul_si(angle, angle, j, MPFR_RNDN);
+    mpfr_div_ui(angle, angle, 16, MPFR_RNDN);
+    mpfr_add_d(t, angle, j < 0 ? -0x1p-23 : 0x1p-23, MPFR_RNDN);
+    mpfr_tan(t, t, MPFR_RNDN);
+    tan[row] = Double(t);
+    mpfr_set_d(t, tan[row], MPFR_RNDN);
+    mpfr_atan(t, t, MPFR_RNDN);
+    mpfr_sub(t, t, angle, MPFR_RNDN);
+    mpfr_mul_2ui(t, t, 73, MPFR_RNDN);
+    mpfr_rint(t, t, MPFR_RNDN);
+    mpfr_div_2ui(t, t, 73, MPFR_RNDN);
+    offset[row] = Double(t);
+  }
+  mpfr_clears(angle, t, nullptr);
+  std::printf(
+      "// Points a near j pi/16, j = -8 .. 7, in row j + 8: a - j pi/16 to a multiple of 2^-73, "
+      "and\n"
+      "// tan(a), a double. For -pi/2 it is so large that in (t + tan(y))/(1 - t tan(y)) what is "
+      "added\n"
+      "// to it or to its products is lost.\n"
+      "struct TangentPointTable {\n  alignas(64) double offset[16], tan[16];\n};\n\n"
+      "inline constexpr TangentPointTable kTangentPointTable = {");
+  PrintColumns({offset, tan});
+}
+
 void TwoOverPi(mpfr_t x) {
   mpfr_const_pi(x, MPFR_RNDN);
   mpfr_ui_div(x, 2, x, MPFR_RNDN);
@@ -282,6 +319,7 @@ int main() {
       "#include <cstdint>\n\nnamespace pex {\n\n");
   Points();
   Tangents();
+  TangentPoints();
   Expansions();
   Circle();
   std::printf("}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_TRIG_TABLES_H_\n");

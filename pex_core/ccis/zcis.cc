@@ -22,8 +22,15 @@ struct zCISKernel : ComplexKernel<double> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], Complex<V> (&r)[K]) {
     V sin[K], cos[K];
-    SineCosineHA::Group(d, x, sin, cos);
+    if (!SineCosineHA::Group(d, x, sin, cos)) [[unlikely]]
+      NearZeros(d, x, sin, cos);
     for (size_t k = 0; k < K; ++k) r[k] = {cos[k], sin[k]};
+  }
+
+ private:
+  template <class D, class V, size_t K>
+  static HWY_NOINLINE void NearZeros(D d, const V (&x)[K], V (&sin)[K], V (&cos)[K]) {
+    SineCosineHA::Wide(d, x, sin, cos);
   }
 };
 

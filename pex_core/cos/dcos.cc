@@ -3,6 +3,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/cos/dcos.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
+#include "pex_core/_heap/real/trig_fine-inl.h"
 #include "pex_core/_heap/real/trig_sine-inl.h"
 
 HWY_BEFORE_NAMESPACE();

@@ -3,8 +3,8 @@
 #define HWY_TARGET_INCLUDE "pex_core/tan/dtan.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
+#include "pex_core/_heap/real/trig_fine-inl.h"
 #include "pex_core/_heap/real/trig_quarter-inl.h"
-#include "pex_core/_heap/real/trig_sixteenth-inl.h"
 #include "pex_core/_heap/real/trig_turn-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -247,42 +247,113 @@ struct dTanLA {
   }
 };
 
-// The quotient of the unevaluated sums for sine and cosine, corrected by its remainder.
+// About points near multiples of pi/16.
+template <class D, size_t K>
+struct TangentAngles {
+  VecOf<D> high[K], low[K], y[K], tan[K];
+  BitsOf<D> index[K];
+  HWY_INLINE void Rows() {
+#if HWY_TARGET == HWY_AVX2
+    RowPlaces<2, K> places(index);
+#endif
+    for (size_t k = 0; k < K; ++k) {
+#if HWY_TARGET == HWY_AVX3
+      const auto column = [this, k](const double* c) HWY_ATTR {
+        return VecOf<D>{
+            _mm512_permutex2var_pd(_mm512_load_pd(c), index[k].raw, _mm512_load_pd(c + 8))};
+      };
+      low[k] = column(kTangentPointTable.offset);
+      tan[k] = column(kTangentPointTable.tan);
+#elif HWY_TARGET == HWY_AVX2
+      places.Columns(kTangentPointRows.row[0], k, low[k], tan[k]);
+#else
+      const auto i = hn::And(index[k], SetBits(D(), 15));
+      const __m128d r0 = _mm_load_pd(kTangentPointRows.row[_mm_cvtsi128_si64(i.raw)]);
+      const __m128d r1 = _mm_load_pd(kTangentPointRows.row[_mm_extract_epi64(i.raw, 1)]);
+      low[k] = VecOf<D>{_mm_unpacklo_pd(r0, r1)};
+      tan[k] = VecOf<D>{_mm_unpackhi_pd(r0, r1)};
+#endif
+    }
+  }
+};
+
+// With t = tan(a) and w = 1 - y cot(y)
+//   tan(a + y) = (t + y - t w)/(1 - t y - w),
+// both as unevaluated sums: the quotient is corrected by what it leaves of them.
+template <class D, size_t K>
+struct TangentFinePart {
+  static constexpr size_t kSize = K;
+  using V = VecOf<D>;
+  TangentAngles<D, K> u;
+  V y2[K], w[K], below[K], below_more[K], inverse[K];
+
+  HWY_INLINE void Reduce(const V* arguments) {
+    const D d;
+    V x[K], n[K];
+    for (size_t k = 0; k < K; ++k) x[k] = arguments[k];
+    FineSteps(d, x, n);
+    NearestFine(d, u, n);
+    SubtractFine(d, x, n, u);
+    for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(u.y[k], u.y[k]);
+    EndPart(y2);
+  }
+  HWY_INLINE void Evaluate() {
+    const D d;
+    const V one = hn::Set(d, 1.0);
+    Horner(d, y2, kTanFine, w);
+    V product[K];
+    for (size_t k = 0; k < K; ++k) w[k] = hn::Mul(w[k], y2[k]);
+    for (size_t k = 0; k < K; ++k) product[k] = hn::Mul(u.tan[k], u.y[k]);
+    for (size_t k = 0; k < K; ++k) below[k] = hn::Sub(one, product[k]);
+    for (size_t k = 0; k < K; ++k) {
+      below_more[k] = Remainder(d, hn::Sub(one, below[k]), u.tan[k], u.high[k]);
+    }
+    for (size_t k = 0; k < K; ++k) {
+      below_more[k] = hn::Sub(hn::Add(below_more[k], hn::Mul(u.tan[k], u.low[k])), w[k]);
+    }
+    EndPart(below_more);
+    for (size_t k = 0; k < K; ++k) inverse[k] = hn::Div(one, hn::Add(below[k], below_more[k]));
+    EndPart(inverse);
+  }
+  HWY_INLINE void Result(const V*, V* r) {
+    const D d;
+    V above[K], above_less[K];
+    for (size_t k = 0; k < K; ++k) above[k] = hn::Add(u.tan[k], u.y[k]);
+    for (size_t k = 0; k < K; ++k) {
+      const V less = hn::Add(hn::Sub(hn::Sub(above[k], u.tan[k]), u.high[k]), u.low[k]);
+      above_less[k] = hn::Add(less, hn::Mul(u.tan[k], w[k]));
+    }
+    EndPart(above_less);
+    for (size_t k = 0; k < K; ++k) {
+      const V q = hn::Mul(hn::Sub(above[k], above_less[k]), inverse[k]);
+      const V rest = hn::Sub(Remainder(d, above[k], q, below[k]),
+                             hn::Add(above_less[k], hn::Mul(q, below_more[k])));
+      r[k] = hn::Add(q, hn::Mul(rest, inverse[k]));
+    }
+  }
+};
+
 struct dTanHA {
   static constexpr int kResults = 1;
-  static constexpr size_t kUnroll = 4;
+  static constexpr size_t kUnroll = 8;
   using Usual = UsualExponents<-20, 5>;
 
   template <class D, class V, size_t K>
-  static HWY_INLINE void Group(D d, const V (&x)[K], V (&r)[K]) {
-    Sixteenth<D> u[K];
-    ReduceToSixteenth(d, x, u);
-    Finish(d, u, r);
+  static HWY_INLINE bool Group(D d, const V (&x)[K], V (&r)[K]) {
+    TangentFinePart<D, 1> parts[K];
+    SomeInTurn<HWY_MIN(K, 3)>(parts, x, r);
+    V y2[K];
+    for (size_t k = 0; k < K; ++k) y2[k] = parts[k].y2[0];
+    return !AnyNear(d, y2);
   }
   template <class D, class V, size_t K>
   static HWY_INLINE void Wide(D d, const V (&x)[K], V (&r)[K]) {
-    const auto lanes = SortLanes(d, x, 0x1p-27, Usual::kLimit);
-    Sixteenth<D> u[K];
-    ReduceWide(d, lanes, x, u);
-    Finish(d, u, r);
+    const auto lanes = SortLanes(d, x, 0x1p-27, kFineLimit);
+    TangentFinePart<D, K> part;
+    ReduceFineWide(d, lanes, x, part.u, part.y2);
+    part.Evaluate();
+    part.Result(x, r);
     for (size_t k = 0; k < K; ++k) r[k] = hn::IfThenElse(lanes.tiny[k], x[k], r[k]);
-  }
-
- private:
-  template <class D, class V, size_t K>
-  static HWY_INLINE void Finish(D d, const Sixteenth<D> (&u)[K], V (&r)[K]) {
-    V small_sin[K], small_cos[K];
-    SmallSineCosine(d, u, small_sin, small_cos);
-    for (size_t k = 0; k < K; ++k) {
-      const Pair<V> s = SumOfAngles<Wave::kSine>(d, u[k], small_sin[k], small_cos[k]);
-      const Pair<V> c = SumOfAngles<Wave::kCosine>(d, u[k], small_sin[k], small_cos[k]);
-      const V inverse = hn::Div(hn::Set(d, 1.0), hn::Add(c.hi, c.lo));
-      const V q = hn::Mul(hn::Add(s.hi, s.lo), inverse);
-      // s.hi - q c.hi exactly, and the small terms.
-      const Pair<V> p = TwoProduct(d, q, c.hi);
-      const V rest = hn::Sub(hn::Sub(hn::Sub(s.hi, p.hi), p.lo), hn::Sub(hn::Mul(q, c.lo), s.lo));
-      r[k] = hn::Add(q, hn::Mul(rest, inverse));
-    }
   }
 };
 

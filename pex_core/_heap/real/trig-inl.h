@@ -7,6 +7,7 @@
 // exactly, and the lanes are blended, so that no lane's result depends on its neighbours.
 
 #include <cstdint>
+#include <type_traits>
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/trig_polynomials.h"
@@ -128,10 +129,18 @@ HWY_INLINE bool UsualVectors(const C& call, size_t i, size_t count) {
   }
   if (!F::Usual::All(d, x)) [[unlikely]]
     return false;
-  if constexpr (F::kResults == 2) {
-    F::Group(d, x, x, y);
+  const auto group = [&]() HWY_ATTR {
+    if constexpr (F::kResults == 2) {
+      return F::Group(d, x, x, y);
+    } else {
+      return F::Group(d, x, x);
+    }
+  };
+  if constexpr (std::is_void_v<decltype(group())>) {
+    group();
   } else {
-    F::Group(d, x, x);
+    if (!group()) [[unlikely]]
+      return false;
   }
   for (size_t k = 0; k < kVectors; ++k) {
     StoreResults<K>(d, call, i + k * lanes, k + 1 < kVectors ? lanes : count, x[k],

@@ -13,6 +13,14 @@ inline constexpr double kSinHA[] = {
 inline constexpr double kCosHA[] = {
     -0x1p-1, 0x1.5555555553b18p-5, -0x1.6c16c0eccbf4fp-10, 0x1.a003f3b55d586p-16};
 
+// (sin(y)/y - 1)/y^2 in x = y^2, |y| <= 9.829998016357421875e-2; error of the function 2^-67.125.
+inline constexpr double kSinFine[] = {
+    -0x1.5555555555555p-3, 0x1.111111110f5b3p-7, -0x1.a01a01097bd37p-13, 0x1.71cad5p-19};
+
+// (cos(y) - 1)/y^2 in x = y^2, |y| <= 9.829998016357421875e-2; error of the function 2^-64.
+inline constexpr double kCosFine[] = {
+    -0x1.ffffffffffffdp-2, 0x1.555555554f6c4p-5, -0x1.6c16c084ca118p-10, 0x1.9ffe278p-16};
+
 // sin(y)/y in x = y^2, |y| <= 1.570796966552734375; error of the function 2^-27.78125.
 inline constexpr double kSinEP[] = {
     0x1.ffffffdb58471p-1, -0x1.555549b0b2602p-3, 0x1.110eb2e50098cp-7, -0x1.9f6d29ab0ed1cp-13,
@@ -40,6 +48,10 @@ inline constexpr double kCosQuarterEP[] = {
 // error of y cot(y) 2^-58.625 for |y| <= 0.0645, 2^-56.125 beyond.
 inline constexpr double kTanLA[] = {
     0x1.55555555554c7p-2, 0x1.6c16c16ea0367p-6, 0x1.15668f6af8152p-9, 0x1.bccc8a5f37e42p-13};
+
+// (1 - y cot(y))/y^2 in x = y^2, |y| <= 9.829998016357421875e-2; error of y cot(y) 2^-57.75.
+inline constexpr double kTanFine[] = {
+    0x1.555555555546ap-2, 0x1.6c16c16fb2259p-6, 0x1.1566888c00fa2p-9, 0x1.bce642301b51cp-13};
 
 // N for tan(y)/y = (1 + x N(x))/(1 + x D(x)) in x = y^2, |y| <= pi/4; error 2^-34.75.
 inline constexpr double kTanEPNumerator[] = {

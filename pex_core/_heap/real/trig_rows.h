@@ -7,20 +7,35 @@
 namespace pex {
 
 struct TrigRows {
-  alignas(64) double row[16][4];  // offset, sin, cos, nothing
+  alignas(64) double row[16][4];  // offset, nothing, sin, cos
 };
 
 constexpr TrigRows ByRows(const TrigTable& t) {
   TrigRows r{};
   for (int j = 0; j < 16; ++j) {
     r.row[j][0] = t.offset[j];
-    r.row[j][1] = t.sin[j];
-    r.row[j][2] = t.cos[j];
+    r.row[j][2] = t.sin[j];
+    r.row[j][3] = t.cos[j];
   }
   return r;
 }
 
-inline constexpr TrigRows kTrigRows = ByRows(kTrigTable);
+inline constexpr TrigRows kTrigPointRows = ByRows(kTrigTable);
+
+struct TangentPointRows {
+  alignas(64) double row[16][2];  // offset, tan
+};
+
+constexpr TangentPointRows ByRows(const TangentPointTable& t) {
+  TangentPointRows r{};
+  for (int j = 0; j < 16; ++j) {
+    r.row[j][0] = t.offset[j];
+    r.row[j][1] = t.tan[j];
+  }
+  return r;
+}
+
+inline constexpr TangentPointRows kTangentPointRows = ByRows(kTangentPointTable);
 
 struct TangentRows {
   alignas(64) double row[16][4];  // tan, cos2, sin_cos, infinite

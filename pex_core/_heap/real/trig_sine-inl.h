@@ -2,7 +2,6 @@
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/trig-inl.h"
-#include "pex_core/_heap/real/trig_sixteenth-inl.h"
 
 #if defined(PEX_CORE__HEAP_REAL_TRIG_SINE_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef PEX_CORE__HEAP_REAL_TRIG_SINE_INL_H_
@@ -158,44 +157,6 @@ struct SineEP {
     for (size_t k = 0; k < K; ++k) s[k] = hn::Mul(y[k], y[k]);
     HornerInSteps(d, s, kSinEP, p);
     for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(y[k], p[k]);
-  }
-};
-
-// Sine or cosine in full: one rounding, and a few hundredths of an ulp before.
-template <Wave kWave>
-struct WaveHA {
-  static constexpr int kResults = 1;
-  static constexpr size_t kUnroll = 4;
-  static constexpr double kTiny = 0x1p-27;
-  using Usual = UsualExponents<-20, 5>;
-
-  template <class D, class V, size_t K>
-  static HWY_INLINE void Group(D d, const V (&x)[K], V (&r)[K]) {
-    Sixteenth<D> u[K];
-    ReduceToSixteenth(d, x, u);
-    Finish(d, u, r);
-  }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void Wide(D d, const V (&x)[K], V (&r)[K]) {
-    const auto lanes = SortLanes(d, x, kTiny, Usual::kLimit);
-    Sixteenth<D> u[K];
-    ReduceWide(d, lanes, x, u);
-    Finish(d, u, r);
-    for (size_t k = 0; k < K; ++k) {
-      const V limit = kWave == Wave::kSine ? x[k] : hn::Set(d, 1.0);
-      r[k] = hn::IfThenElse(lanes.tiny[k], limit, r[k]);
-    }
-  }
-
- private:
-  template <class D, class V, size_t K>
-  static HWY_INLINE void Finish(D d, const Sixteenth<D> (&u)[K], V (&r)[K]) {
-    V small_sin[K], small_cos[K];
-    SmallSineCosine(d, u, small_sin, small_cos);
-    for (size_t k = 0; k < K; ++k) {
-      const Pair<V> sum = SumOfAngles<kWave>(d, u[k], small_sin[k], small_cos[k]);
-      r[k] = FlipSign<4>(d, hn::Add(sum.hi, sum.lo), u[k].index);
-    }
   }
 };
 

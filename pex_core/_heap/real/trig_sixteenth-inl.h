@@ -26,6 +26,37 @@ struct Sixteenth {
   BitsOf<D> index;
 };
 
+#if HWY_TARGET == HWY_AVX2
+// Rows of kWidth doubles by lane. In each lane's first byte sixteen times the row, of sixteen.
+template <size_t kWidth, size_t K>
+struct RowPlaces {
+  HWY_ALIGN uint8_t row[K][32];
+  template <class I>
+  HWY_INLINE explicit RowPlaces(const I (&index)[K]) {
+    const hn::ScalableTag<uint8_t> d8;
+    for (size_t k = 0; k < K; ++k) {
+      hn::Store(hn::BitCast(d8, hn::ShiftLeft<4>(index[k])), d8, row[k]);
+    }
+    asm volatile("" : "+m"(row));  // else GCC takes the lanes out one by one
+  }
+  // A column of the table and the one after it, transposed.
+  template <class V>
+  HWY_INLINE void Columns(const double* column, size_t k, V& even, V& odd) const {
+    const auto half = [&](int lane) HWY_ATTR {
+      const auto* first = reinterpret_cast<const char*>(column);
+      return _mm_load_pd(
+          reinterpret_cast<const double*>(first + kWidth / 2 * size_t{row[k][8 * lane]}));
+    };
+    const auto halves = [&](int lane) HWY_ATTR {
+      return _mm256_insertf128_pd(_mm256_castpd128_pd256(half(lane)), half(lane + 2), 1);
+    };
+    const __m256d lanes02 = halves(0), lanes13 = halves(1);
+    even = V{_mm256_unpacklo_pd(lanes02, lanes13)};
+    odd = V{_mm256_unpackhi_pd(lanes02, lanes13)};
+  }
+};
+#endif
+
 template <class D, class V>
 HWY_INLINE void TrigRowsAt(D d, BitsOf<D> index, V& offset, V& sin, V& cos) {
 #if HWY_TARGET == HWY_AVX3
@@ -42,23 +73,40 @@ HWY_INLINE void TrigRowsAt(D d, BitsOf<D> index, V& offset, V& sin, V& cos) {
   const __m128i upper = _mm256_extracti128_si256(bytes.raw, 1);
   const auto row = [](int64_t at) HWY_ATTR {
     return _mm256_load_pd(
-        reinterpret_cast<const double*>(reinterpret_cast<const char*>(kTrigRows.row) + at));
+        reinterpret_cast<const double*>(reinterpret_cast<const char*>(kTrigPointRows.row) + at));
   };
   const __m256d r0 = row(_mm_cvtsi128_si64(lower)), r1 = row(_mm_extract_epi64(lower, 1));
   const __m256d r2 = row(_mm_cvtsi128_si64(upper)), r3 = row(_mm_extract_epi64(upper, 1));
   const __m256d even01 = _mm256_unpacklo_pd(r0, r1), odd01 = _mm256_unpackhi_pd(r0, r1);
   const __m256d even23 = _mm256_unpacklo_pd(r2, r3), odd23 = _mm256_unpackhi_pd(r2, r3);
   offset = V{_mm256_permute2f128_pd(even01, even23, 0x20)};
-  sin = V{_mm256_permute2f128_pd(odd01, odd23, 0x20)};
-  cos = V{_mm256_permute2f128_pd(even01, even23, 0x31)};
+  sin = V{_mm256_permute2f128_pd(even01, even23, 0x31)};
+  cos = V{_mm256_permute2f128_pd(odd01, odd23, 0x31)};
 #else
   const auto i = hn::And(index, SetBits(d, 15));
-  const double* r0 = kTrigRows.row[_mm_cvtsi128_si64(i.raw)];
-  const double* r1 = kTrigRows.row[_mm_extract_epi64(i.raw, 1)];
-  const __m128d low0 = _mm_load_pd(r0), low1 = _mm_load_pd(r1);
-  offset = V{_mm_unpacklo_pd(low0, low1)};
-  sin = V{_mm_unpackhi_pd(low0, low1)};
-  cos = V{_mm_unpacklo_pd(_mm_load_pd(r0 + 2), _mm_load_pd(r1 + 2))};
+  const double* r0 = kTrigPointRows.row[_mm_cvtsi128_si64(i.raw)];
+  const double* r1 = kTrigPointRows.row[_mm_extract_epi64(i.raw, 1)];
+  const __m128d high0 = _mm_load_pd(r0 + 2), high1 = _mm_load_pd(r1 + 2);
+  offset = V{_mm_unpacklo_pd(_mm_load_pd(r0), _mm_load_pd(r1))};
+  sin = V{_mm_unpacklo_pd(high0, high1)};
+  cos = V{_mm_unpackhi_pd(high0, high1)};
+#endif
+}
+
+// The rows of some vectors.
+template <class D, class V, size_t K>
+HWY_INLINE void TrigRowsAt(D d, const BitsOf<D> (&index)[K], V (&offset)[K], V (&sin)[K],
+                           V (&cos)[K]) {
+#if HWY_TARGET == HWY_AVX2
+  (void)d;
+  RowPlaces<4, K> places(index);
+  for (size_t k = 0; k < K; ++k) {
+    V nothing;
+    places.Columns(kTrigPointRows.row[0], k, offset[k], nothing);
+    places.Columns(kTrigPointRows.row[0] + 2, k, sin[k], cos[k]);
+  }
+#else
+  for (size_t k = 0; k < K; ++k) TrigRowsAt(d, index[k], offset[k], sin[k], cos[k]);
 #endif
 }
 
@@ -125,34 +173,6 @@ HWY_INLINE Pair<V> SumOfAngles(D d, const Sixteenth<D>& u, V small_sin, V small_
     const V more = Remainder(d, hn::Sub(u.cos, hi), u.sin, u.y);
     const V tail = hn::Sub(hn::Mul(u.cos, small_cos), hn::Mul(u.sin, small_sin));
     return {hi, hn::Add(more, tail)};
-  }
-}
-
-// Lanes of every kind, reduced. Of a large one first the quadrants are taken off, each eight steps.
-template <class D, class V, size_t K>
-HWY_INLINE void ReduceWide(D d, const TrigLanes<D, K>& lanes, const V (&x)[K],
-                           Sixteenth<D> (&u)[K]) {
-  if (!lanes.any_large) {
-    ReduceToSixteenth(d, lanes.x, u);
-    return;
-  }
-  V x1[K], rest[K], n[K];
-  BitsOf<D> quadrant[K];
-  for (size_t k = 0; k < K; ++k) {
-    const auto large = ReduceLargeLanes(d, lanes.large[k], x[k]);
-    x1[k] = hn::IfThenElse(lanes.large[k], large.r.hi, lanes.x[k]);
-    rest[k] = hn::IfThenElseZero(lanes.large[k], large.r.lo);
-    quadrant[k] = Bits(d, hn::IfThenElseZero(lanes.large[k], FromBits(d, large.quadrant)));
-  }
-  NearestSixteenth(d, x1, u, n);
-  for (size_t k = 0; k < K; ++k) {
-    u[k].index = hn::Add(u[k].index, hn::ShiftLeft<3>(quadrant[k]));
-  }
-  SubtractSixteenths(d, x1, n, u);
-  for (size_t k = 0; k < K; ++k) {
-    const Pair<V> sum = FastTwoSum(u[k].y, hn::Add(u[k].rest, rest[k]));
-    u[k].y = hn::IfThenElse(lanes.large[k], sum.hi, u[k].y);
-    u[k].rest = hn::IfThenElse(lanes.large[k], sum.lo, u[k].rest);
   }
 }
 

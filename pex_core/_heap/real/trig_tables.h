@@ -67,6 +67,28 @@ inline constexpr TangentTable kTangentTable = {
      0x0p+0},
 };
 
+// Points a near j pi/16, j = -8 .. 7, in row j + 8: a - j pi/16 to a multiple of 2^-73, and
+// tan(a), a double. For -pi/2 it is so large that in (t + tan(y))/(1 - t tan(y)) what is added
+// to it or to its products is lost.
+struct TangentPointTable {
+  alignas(64) double offset[16], tan[16];
+};
+
+inline constexpr TangentPointTable kTangentPointTable = {
+    {0x0p+0, -0x1.ffffffff0ee8p-24, -0x1.0000000074ad4p-23,
+     -0x1.000000001840cp-23, -0x1.fffffffffff58p-24, -0x1.0000000152c04p-23,
+     -0x1.00000000c9b54p-23, -0x1.0000000027e3p-23, 0x0p+0,
+     0x1.0000000027e3p-23, 0x1.00000000c9b54p-23, 0x1.0000000152c04p-23,
+     0x1.fffffffffff58p-24, 0x1.000000001840cp-23, 0x1.0000000074ad4p-23,
+     0x1.ffffffff0ee8p-24},
+    {0x1p+130, -0x1.41bffb473c14p+2, -0x1.3504fa080dcc3p+1,
+     -0x1.7f2194a07230fp+0, -0x1.000004000008p+0, -0x1.561b8874ad24ep-1,
+     -0x1.a827a2ff30947p-2, -0x1.975f6ea763344p-3, 0x0p+0,
+     0x1.975f6ea763344p-3, 0x1.a827a2ff30947p-2, 0x1.561b8874ad24ep-1,
+     0x1.000004000008p+0, 0x1.7f2194a07230fp+0, 0x1.3504fa080dcc3p+1,
+     0x1.41bffb473c14p+2},
+};
+
 // The bits of 2/pi after the binary point, the first one at the top of the first word.
 inline constexpr uint64_t kTwoOverPiBits[19] = {
     0xa2f9836e4e441529, 0xfc2757d1f534ddc0, 0xdb6295993c439041, 0xfe5163abdebbc561,
