@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <initializer_list>
 
 namespace {
@@ -23,12 +22,14 @@ void Log(mpfr_t r, double a, bool decimal) {
   decimal ? mpfr_log10(r, r, MPFR_RNDN) : mpfr_log(r, r, MPFR_RNDN);
 }
 
-// 1/a or log10(e)/a as a double and the rest.
-void Factor(double a, bool decimal, double* c, double* rest) {
+constexpr double kLogE = 0x1.bcb7b1526e50ep-2;  // log10(e)
+
+// 1/a or log10(e)/a, or for fine tables kLogE/a, as a double and the rest.
+void Factor(double a, bool decimal, bool fine, double* c, double* rest) {
   mpfr_t x;
   mpfr_init2(x, 200);
-  mpfr_set_ui(x, 1, MPFR_RNDN);
-  if (decimal) {
+  mpfr_set_d(x, decimal && fine ? kLogE : 1, MPFR_RNDN);
+  if (decimal && !fine) {
     mpfr_exp(x, x, MPFR_RNDN);
     mpfr_log10(x, x, MPFR_RNDN);
   }
@@ -40,8 +41,9 @@ void Factor(double a, bool decimal, double* c, double* rest) {
 }
 
 // A point close to center whose log is within 2^-60 of itself of the grid and whose factor is
-// within about 2^-58 of a double.
-Row Search(double center, bool decimal) {
+// within about 2^-58 of a double; `fine`: within a quarter of that beside 1, where what is left of
+// a logarithm may be its half.
+Row Search(double center, bool decimal, bool fine) {
   mpfr_t log;
   mpfr_init2(log, 200);
   Log(log, center, decimal);
@@ -61,7 +63,8 @@ Row Search(double center, bool decimal) {
   const double third = static_cast<double>(scale * step * step * step / 3 * 0x1p64L);
   // A larger logarithm bears a larger error.
   const double slack = std::fabs(std::log(center)) * 16;
-  const auto close = static_cast<uint64_t>(0x1p42 * slack);
+  const double close_slack = fine && slack < 1.1 ? slack / 4 : slack;
+  const auto close = static_cast<uint64_t>(0x1p42 * close_slack);
   for (int64_t n = 1; n < int64_t{1} << 31; ++n) {
     for (const int64_t k : {n, -n}) {
       const auto x = static_cast<double>(k);
@@ -72,36 +75,36 @@ Row Search(double center, bool decimal) {
       Row row;
       row.a = center + x * 0x1p-53;
       if ((row.a - center) * 0x1p53 != x) continue;
-      Factor(row.a, decimal, &row.c, &row.c_rest);
-      if (std::fabs(row.c_rest) > 0x1p-58 * slack * row.c) continue;
+      Factor(row.a, decimal, fine, &row.c, &row.c_rest);
+      if (std::fabs(row.c_rest) > 0x1p-58 * close_slack * row.c) continue;
       Log(log, row.a, decimal);
       mpfr_mul_d(log, log, kGrid, MPFR_RNDN);
       mpfr_rint(whole, log, MPFR_RNDN);
       row.log = mpfr_get_d(whole, MPFR_RNDN) / kGrid;
       mpfr_sub(whole, log, whole, MPFR_RNDN);
-      if (std::fabs(mpfr_get_d(whole, MPFR_RNDN)) > 0x1p-22 * slack) continue;
+      if (std::fabs(mpfr_get_d(whole, MPFR_RNDN)) > 0x1p-22 * close_slack) continue;
       mpfr_clears(log, whole, nullptr);
       return row;
     }
   }
-  std::fprintf(stderr, "no point near %g\n", center);
-  std::exit(1);
+  mpfr_clears(log, whole, nullptr);
+  return Search(center + 0x1p-21, decimal, fine);
 }
 
-void Table(const char* name, bool decimal) {
+void Table(const char* name, const char* type, bool decimal, bool fine) {
   Row rows[16] = {};
-  for (int i = 12; i <= 25; ++i) {
+  for (int i = 12; i <= (fine ? 24 : 25); ++i) {
     Row& row = rows[i & 15];
     if (i == 16) {
       row.a = 1;
       row.log = 0;
-      Factor(1, decimal, &row.c, &row.c_rest);
+      Factor(1, decimal, fine, &row.c, &row.c_rest);
     } else {
-      row =
-          Search(i / 16.0 + 0x1p-19, decimal);  // off the sixteenth, where roundings fall at random
+      // Off the sixteenth, where roundings fall at random.
+      row = Search((fine && i == 12 ? 12.25 : i) / 16 + 0x1p-19, decimal, fine);
     }
   }
-  std::printf("\ninline constexpr LogTable %s = {\n", name);
+  std::printf("\ninline constexpr %s %s = {\n", type, name);
   const auto column = [&](double Row::*field) {
     std::printf("    {");
     for (int j = 0; j < 16; ++j) {
@@ -112,7 +115,7 @@ void Table(const char* name, bool decimal) {
   column(&Row::a);
   column(&Row::c);
   column(&Row::log);
-  column(&Row::c_rest);
+  if (!fine) column(&Row::c_rest);
   std::printf("};\n");
 }
 
@@ -189,8 +192,14 @@ int main() {
       "what it lacks (of\n"
       "// use for a = 1 alone, where the decimal factor is no freer).\n"
       "struct LogTable {\n  alignas(64) double a[16], factor[16], log[16], rest[16];\n};\n");
-  Table("kLnTable", false);
-  Table("kLog10Table", true);
+  Table("kLnTable", "LogTable", false, false);
+  Table("kLog10Table", "LogTable", true, false);
+  std::printf(
+      "\n// The same for i = 12 .. 24, of 12 the upper half alone, and better beside 1; the "
+      "decimal factor\n// is the double next to log10(e) by a.\n"
+      "struct LogFineTable {\n  alignas(64) double a[16], factor[16], log[16];\n};\n");
+  Table("kLnFineTable", "LogFineTable", false, true);
+  Table("kLog10FineTable", "LogFineTable", true, true);
   std::printf(
       "\n// Rows j = i & 15 of factors c near 16/i, i = 12 .. 24, 1 for i = 15, 16, 17, each with "
       "-log(c),\n"
@@ -200,7 +209,6 @@ int main() {
   std::printf("\n// c of at most 26 bits, 1 for i = 16 alone, with the double next to -log(c).");
   FactorTable("kLnShortFactors", 16, 16, [](int i) { return FactorSearch(i, false); });
   FactorTable("kLog10ShortFactors", 16, 16, [](int i) { return FactorSearch(i, true); });
-  constexpr double kLogE = 0x1.bcb7b1526e50ep-2;
   std::printf(
       "\n// c of at most 26 bits next to log10(e) 16/i, log10(e) as a double for i = 16 alone, "
       "with\n"

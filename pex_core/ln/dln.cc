@@ -28,9 +28,11 @@ struct dLnEP : dLnCommon {
 };
 
 struct dLnHA : dLnCommon {
+  using Rarity = LogShortRarity<0x7FE7FFFF>;
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    FullLog<NaturalLog>(d, x, r);
+    FullLog<LongNaturalLog>(d, x, r);
   }
 };
 

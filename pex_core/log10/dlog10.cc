@@ -38,9 +38,11 @@ struct dLog10LA : dLog10Common {
 };
 
 struct dLog10HA : dLog10Common {
+  using Rarity = LogShortRarity<0x7FE7FFFF>;
+  static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    FullLog<DecimalLog>(d, x, r);
+    FullLog<LongDecimalLog>(d, x, r);
   }
 };
 

@@ -20,10 +20,6 @@ struct dLog1pCommon : Kernel<double> {
   static HWY_INLINE int Rare(double x, double* r) { return Log1pRare(x, r, dLnScalar); }
 };
 
-// A tiny x is its own result: to nearest down to 2^-54 below it, signed zeros and subnormals
-// without a flag.
-inline constexpr double kTiny = 0x1p-54;
-
 // 1 + x rounded = 2^e m, and t = 2^-e c x - (1 - 2^-e c), which stands for c m - 1 free of that
 // rounding. No step changes a zero's sign or comes near underflow.
 template <class D>
@@ -116,30 +112,54 @@ struct dLog1pInTurn : dLog1pCommon {
 using dLog1pEP = dLog1pInTurn<Log1pEPPart>;
 using dLog1pLA = dLog1pInTurn<Log1pLAPart>;
 
-struct dLog1pHA : dLog1pCommon {
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+// In full: t = 2^-e (1 + x) - a free of the rounding of 1 + x, and exact, for what that loses is
+// exact below 2^53, and from there on counts for nothing. No step changes a zero's sign, and the
+// polynomial's argument is 0 where x is its own result.
+template <class D>
+struct Log1pHAPart {
+  using V = VecOf<D>;
+  static constexpr size_t kSize = 1;
+  V p[1], sum, less, q[1];
+
+  HWY_INLINE void Reduce(const V* x) {
+    const D d;
     const V one = hn::Set(d, 1.0);
-    LogReduced<D> v[K];
-    V u[K], u_rest[K], log[K];
-    Pair<V> p[K];
-    for (size_t k = 0; k < K; ++k) {
-      const V y = hn::IfThenZeroElse(MagnitudeBelow(d, x[k], kTiny), x[k]);
-      const Pair<V> sum = TwoSum(one, y);
-      u[k] = sum.hi;
-      u_rest[k] = sum.lo;
-    }
-    LogReduce<NaturalLog>(d, u, v);
-    for (size_t k = 0; k < K; ++k) {
-      const Pair<V> t =
-          TwoSum(hn::Sub(v[k].m, v[k].row.a), hn::Mul(InversePower(d, v[k]), u_rest[k]));
-      p[k] = TwoProduct(d, t.hi, v[k].row.factor);
-      p[k].lo = hn::Add(p[k].lo, hn::Mul(t.lo, v[k].row.factor));
-    }
-    LogSum<NaturalLog>(d, v, p, log);
-    for (size_t k = 0; k < K; ++k) {
-      r[k] = hn::IfThenElse(MagnitudeBelow(d, x[k], kTiny), x[k], log[k]);
-    }
+    LogShort<D> u[1];  // -e, +0 for 0
+    const V above = hn::Add(x[0], one);
+    LogScale<true>(d, {above}, u);
+    const LogPoint<V> row = LogPointAt<LongNaturalLog>(d, u[0].m);
+    const V less_one = hn::Sub(above, one);
+    const V inverse_power = FromBits(d, hn::Add(Bits(d, one), u[0].exponent_bits));
+    const V t = ExactProductLess(hn::Sub(x[0], less_one), inverse_power, hn::Sub(row.a, u[0].m));
+    const V argument = hn::Mul(t, row.factor);
+    const V less_head =
+        ExactProductLess(u[0].e, hn::Set(d, LongNaturalLog::kLog2Hi * kExponentUnit), row.log);
+    sum = hn::Sub(argument, less_head);
+    const V rest = Remainder(d, hn::Add(sum, less_head), t, row.factor);
+    less = AddExactProduct(u[0].e, hn::Set(d, LongNaturalLog::kLog2Rest * kExponentUnit), rest);
+    p[0] = hn::IfThenElseZero(hn::Ne(less_one, hn::Zero(d)), argument);
+    V end[1] = {less};
+    EndPart(end);
+    less = end[0];
+  }
+  HWY_INLINE void Evaluate() {
+    const D d;
+    AdaptedSextic(d, p, LongNaturalLog::kSextic, q);
+    q[0] = hn::Add(hn::Mul(q[0], p[0]), hn::Set(d, LongNaturalLog::kPolynomial[1]));
+    EndPart(q);
+  }
+  HWY_INLINE void Result(const V*, V* r) const {
+    const V c = hn::Add(hn::Mul(q[0], p[0]), hn::Set(D(), LongNaturalLog::kPolynomial[0]));
+    r[0] = hn::Sub(sum, hn::Sub(less, hn::Mul(hn::Mul(p[0], p[0]), c)));
+  }
+};
+
+struct dLog1pHA : dLog1pCommon {
+  static constexpr int kUnroll = 8;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D, const V (&x)[K], V (&r)[K]) {
+    Log1pHAPart<D> parts[K];
+    SomeInTurn<2>(parts, x, r);
   }
 };
 

@@ -42,10 +42,27 @@ inline constexpr double kLnShortHA[] = {
     0x1.5555555555556p-1, 0x1.9999999996221p-2, 0x1.24924948e7e2p-2, 0x1.c71b4a3148349p-3,
     0x1.765c370dd84fp-3};
 
+// (ln(1+x) - x)/x^2 = c[0] + x (c[1] + x S(x)); error 2^-54.75 for |x| <= 3.55072021484375e-2, 2^-50.375 for
+// |x| <= 3.8604736328125e-2. S of degree 6 by AdaptedSextic.
+inline constexpr double kLnLong[] = {-0x1p-1, 0x1.55555555554c4p-2};
+inline constexpr double kLnLongSextic[] = {
+    -0x1.415c2219deb8cp0, 0x1.790a5baf76be6p0, 0x1.999d98e16b2b5p-3, -0x1.f3a261bed12fep-5,
+    -0x1.aa8dd4ac1f3cdp1, 0x1.6fbb1ab515b7dp1, -0x1.9abcc06667147p-4};
+
+// log10(1 + x/e10) for the double e10 next to log10(e) is (1 + excess) x + ...
+inline constexpr double kLog10Excess = 0x1.d2837125211fbp-56;
+
+// (log10(1 + x/e10) - (1 + excess) x)/x^2 = c[0] + x (c[1] + x S(x)); error 2^-52.9375 for |x| <= 1.5598297119140625e-2, 2^-49.3125 for
+// |x| <= 1.67999267578125e-2. S of degree 6 by AdaptedSextic.
+inline constexpr double kLog10Long[] = {-0x1.26bb1bbb55516p0, 0x1.c46dbb45137b8p0};
+inline constexpr double kLog10LongSextic[] = {
+    -0x1.158f110881adep-2, 0x1.c5cd08f97af6bp-3, -0x1.e0d758c62be5bp-2, 0x1.9f03c69ec9a7dp-6,
+    -0x1.b51b9c2a0cf87p-3, 0x1.6cdb3f3aad6c2p-7, -0x1.6dbdcfd006878p7};
+
 // log10(1 + x/log10(e)) = x + x^2 (kLog10Square + x S(x)); error 2^-54.3125 x for |x| <= log10(e)/31.9, 2^-50.6875 x for
 // |x| <= 1.676177978515625e-2. S of degree 6 by AdaptedSextic.
 inline constexpr double kLog10Square = -0x1.26bb1bbb554b6p0;
-inline constexpr double kLog10Long[] = {
+inline constexpr double kLog10LASextic[] = {
     -0x1.29b83a7f80663p-2, 0x1.d64a7d8bd0ccep-3, -0x1.d0916b49dadb5p-2, 0x1.62abb0c379563p-6,
     -0x1.d0bc2da1b8165p-3, 0x1.ba91e29f39be8p-7, 0x1.5fce9a2cac3edp6};
 

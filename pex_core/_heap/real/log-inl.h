@@ -142,14 +142,6 @@ HWY_INLINE void LogPair(D d, const LogReduced<D> (&x)[K], const Pair<V> (&p)[K],
   }
 }
 
-// The same rounded: at most 0.53 ulp.
-template <class Base, class D, class V, size_t K>
-HWY_INLINE void LogSum(D d, const LogReduced<D> (&x)[K], const Pair<V> (&p)[K], V (&r)[K]) {
-  Pair<V> sum[K];
-  LogPair<Base>(d, x, p, sum);
-  for (size_t k = 0; k < K; ++k) r[k] = hn::Add(sum[k].hi, sum[k].lo);
-}
-
 // head + p + p^2 q(p).
 template <class D, class V, size_t K, size_t N>
 HWY_INLINE void LogPlainSum(D d, const V (&head)[K], const V (&p)[K], const double (&c)[N],
@@ -188,20 +180,6 @@ HWY_INLINE void LogByDivision(D d, const LogReduced<D> (&x)[K], const V (&t)[K],
     head[k] = hn::Add(hn::Mul(x[k].e, hn::Set(d, Base::kLog2Hi + Base::kLog2Lo)), x[k].row.log);
   }
   LogDivisionSum<Base>(d, head, p, s, r, low);
-}
-
-// The whole logarithm in full. The natural table lacks no rest.
-template <class Base, class D, class V, size_t K>
-HWY_INLINE void FullLog(D d, const V (&x)[K], V (&r)[K]) {
-  LogReduced<D> u[K];
-  Pair<V> p[K];
-  LogReduce<Base>(d, x, u);
-  for (size_t k = 0; k < K; ++k) {
-    const V t = hn::Sub(u[k].m, u[k].row.a);
-    p[k] = TwoProduct(d, t, u[k].row.factor);
-    if constexpr (Base::kHasRest) p[k].lo = hn::Add(p[k].lo, hn::Mul(t, u[k].row.rest));
-  }
-  LogSum<Base>(d, u, p, r);
 }
 
 // Rare: x + kPlus not from 1.5 * 2^-1022 to what has the high word kHigh. Below AVX-512 the key is
@@ -289,10 +267,9 @@ HWY_INLINE void LogFactorAt(D d, V sixteenths, V& c, V& log) {
 #endif
 }
 
-// kLess: -e, +0 for 0, and its bits instead of e.
-template <class Table = LnExtractedFactors, bool kLess = false, bool kNumber = false, class D,
-          class V, size_t K>
-HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D, kNumber> (&r)[K]) {
+// e and m, with its bits. kLess: -e, +0 for 0, and its bits instead of e.
+template <bool kLess = false, class D, class V, bool kNumber, size_t K>
+HWY_INLINE void LogScale(D d, const V (&x)[K], LogShort<D, kNumber> (&r)[K]) {
   for (size_t k = 0; k < K; ++k) {
     const auto bits = Bits(d, x[k]);
 #if HWY_TARGET == HWY_AVX3
@@ -320,6 +297,12 @@ HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D, kNumber> (&r)[K
     r[k].exponent_bits = kLess ? hn::Sub(scaled, bits) : hn::Sub(bits, scaled);
 #endif
   }
+}
+
+template <class Table = LnExtractedFactors, bool kLess = false, bool kNumber = false, class D,
+          class V, size_t K>
+HWY_INLINE void LogShortReduce(D d, const V (&x)[K], LogShort<D, kNumber> (&r)[K]) {
+  LogScale<kLess>(d, x, r);
   for (size_t k = 0; k < K; ++k) {
     // The sum ends in the number of sixteenths.
     LogFactorAt<Table>(d, hn::Add(r[k].m, hn::Set(d, 0x1.8p48)), r[k].c, r[k].log);
@@ -392,7 +375,7 @@ struct Log10Part {
     }
   }
   HWY_INLINE void Evaluate() {
-    AdaptedSextic(D(), p, kLog10Long, q);
+    AdaptedSextic(D(), p, kLog10LASextic, q);
     EndStep(q);
   }
   HWY_INLINE void Result(const V*, V* r) {
@@ -483,6 +466,109 @@ HWY_INLINE void LogShortPair(D d, const LogShort<D> (&x)[K], const Pair<V> (&t)[
     const Pair<V> sum = FastTwoSum(head, t[k].hi);
     r[k] = {sum.hi, hn::Add(sum.lo, hn::Add(hn::Sub(t[k].lo, tail), low))};
   }
+}
+
+// A row of a finer table in each lane.
+template <class V>
+struct LogPoint {
+  V a, factor, log;
+};
+
+// That of the sixteenth next to m.
+template <class Base, class D, class V>
+HWY_INLINE LogPoint<V> LogPointAt(D d, V m) {
+  const auto i = Bits(d, hn::Add(m, hn::Set(d, 0x1.8p48)));  // ends in the number of sixteenths
+#if HWY_TARGET == HWY_AVX3
+  const auto column = [i](const double* c) HWY_ATTR {
+    return V{_mm512_permutex2var_pd(_mm512_load_pd(c), i.raw, _mm512_load_pd(c + 8))};
+  };
+  return {column(Base::kTable.a), column(Base::kTable.factor), column(Base::kTable.log)};
+#else
+  // Rows by lane, in halves.
+  static_assert(sizeof(Base::kRows.row[0]) == 32);
+  const auto half = [](uint32_t bytes) HWY_ATTR {
+    return _mm_load_pd(
+        reinterpret_cast<const double*>(reinterpret_cast<const char*>(Base::kRows.row) + bytes));
+  };
+  const auto bytes = hn::ShiftLeft<5>(i).raw;
+#if HWY_TARGET == HWY_AVX2
+  const __m128i low = _mm256_castsi256_si128(bytes), high = _mm256_extracti128_si256(bytes, 1);
+  const auto i0 = static_cast<uint32_t>(_mm_cvtsi128_si32(low));
+  const auto i2 = static_cast<uint32_t>(_mm_cvtsi128_si32(high));
+  alignas(32) uint32_t memory[8];
+  _mm256_store_si256(reinterpret_cast<__m256i*>(memory), bytes);
+  asm("" : "+m"(memory));  // else the compiler extracts
+  const uint32_t i1 = memory[2], i3 = memory[6];
+  const auto halves = [half](uint32_t at0, uint32_t at2) HWY_ATTR {
+    return _mm256_insertf128_pd(_mm256_castpd128_pd256(half(at0)), half(at2), 1);
+  };
+  const __m256d even = halves(i0, i2), odd = halves(i1, i3);
+  return {V{_mm256_unpacklo_pd(even, odd)}, V{_mm256_unpackhi_pd(even, odd)},
+          V{_mm256_unpacklo_pd(halves(i0 + 16, i2 + 16), halves(i1 + 16, i3 + 16))}};
+#else
+  const auto i0 = static_cast<uint32_t>(_mm_cvtsi128_si32(bytes));
+  const auto i1 = static_cast<uint32_t>(_mm_extract_epi32(bytes, 2));
+  const __m128d even = half(i0), odd = half(i1);
+  return {V{_mm_unpacklo_pd(even, odd)}, V{_mm_unpackhi_pd(even, odd)},
+          V{_mm_unpacklo_pd(half(i0 + 16), half(i1 + 16))}};
+#endif
+#endif
+}
+
+// The whole logarithm with one rounding that counts, in parts: e log(2) + log(a) is exact, its sum
+// with the argument p = (m - a) factor leaves an error that is made good, as is what p's rounding
+// leaves. At most 0.56 ulp.
+template <class Base, class D, size_t K>
+struct LogFullPart {
+  using V = VecOf<D>;
+  static constexpr size_t kSize = K;
+  V p[K], sum[K], low[K], q[K];
+
+  HWY_INLINE void Reduce(const V* x) {
+    const D d;
+    V in[K], t[K];
+    LogShort<D> u[K];
+    LogPoint<V> row[K];
+    for (size_t k = 0; k < K; ++k) in[k] = x[k];
+    LogScale(d, in, u);
+    for (size_t k = 0; k < K; ++k) row[k] = LogPointAt<Base>(d, u[k].m);
+    for (size_t k = 0; k < K; ++k) t[k] = hn::Sub(u[k].m, row[k].a);
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(t[k], row[k].factor);
+    for (size_t k = 0; k < K; ++k) {
+      const V head = AddExactProduct(u[k].e, hn::Set(d, Base::kLog2Hi * kExponentUnit), row[k].log);
+      sum[k] = hn::Add(head, p[k]);
+      const V rest = ProductLess(d, t[k], row[k].factor, hn::Sub(sum[k], head));
+      low[k] = AddExactProduct(u[k].e, hn::Set(d, Base::kLog2Rest * kExponentUnit), rest);
+    }
+    EndPart(low);
+  }
+  HWY_INLINE void Evaluate() {
+    const D d;
+    AdaptedSextic(d, p, Base::kSextic, q);
+    for (size_t k = 0; k < K; ++k) {
+      q[k] = hn::Add(hn::Mul(q[k], p[k]), hn::Set(d, Base::kPolynomial[1]));
+    }
+    EndPart(q);
+  }
+  HWY_INLINE void Result(const V*, V* r) const {
+    const D d;
+    for (size_t k = 0; k < K; ++k) {
+      V tail = hn::Add(hn::Mul(q[k], p[k]), hn::Set(d, Base::kPolynomial[0]));
+      if constexpr (Base::kExcess == 0) {
+        tail = hn::Mul(hn::Mul(p[k], p[k]), tail);
+      } else {
+        tail = hn::Mul(hn::Add(hn::Mul(tail, p[k]), hn::Set(d, Base::kExcess)), p[k]);
+      }
+      r[k] = hn::Add(sum[k], hn::Add(low[k], tail));
+    }
+  }
+};
+
+template <class Base, class D, class V, size_t K>
+HWY_INLINE void FullLog(D, const V (&x)[K], V (&r)[K]) {
+  constexpr size_t kEach = K % 4 == 0 ? 4 : 1;
+  LogFullPart<Base, D, kEach> parts[K / kEach];
+  SomeInTurn(parts, x, r);
 }
 
 template <class D, class V, size_t K>

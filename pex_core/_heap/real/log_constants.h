@@ -25,6 +25,21 @@ constexpr LogRows ByRows(const LogTable& t) {
   return r;
 }
 
+// The same of a finer table, by the number of sixteenths.
+struct LogFineRows {
+  alignas(64) double row[25][4];  // a, factor, log
+};
+
+constexpr LogFineRows ByRows(const LogFineTable& t) {
+  LogFineRows r{};
+  for (int i = 12; i <= 24; ++i) {
+    r.row[i][0] = t.a[i & 15];
+    r.row[i][1] = t.factor[i & 15];
+    r.row[i][2] = t.log[i & 15];
+  }
+  return r;
+}
+
 struct LogFactorColumns {
   alignas(64) double factor[16], log[16];
 };
@@ -74,6 +89,8 @@ inline constexpr LogSixteenths kLog10ShortSixteenths = BySixteenths(kLog10ShortF
 inline constexpr LogSixteenths kLog10Sixteenths = BySixteenths(kLog10Factors);
 inline constexpr LogRows kLnRows = ByRows(kLnTable);
 inline constexpr LogRows kLog10Rows = ByRows(kLog10Table);
+inline constexpr LogFineRows kLnFineRows = ByRows(kLnFineTable);
+inline constexpr LogFineRows kLog10FineRows = ByRows(kLog10FineTable);
 
 // Tables of factors, by rows and by columns. kHalfByMemory: where AVX2 extracts the numbers of rows
 // of half of the lanes alone.
@@ -144,6 +161,28 @@ struct DecimalLog {
   using Factors = Log10ShortFactors;
   static constexpr double kLogE = 0x1.bcb7b1526e50ep-2;
   static constexpr auto& kEP = kLog10EP;
+};
+
+// For the logarithms with one rounding. log2_rest is so short that its product with an exponent is
+// exact; log(1 + (m - a)/a) = p + excess p + p^2 (c[0] + p (c[1] + p S(p))).
+struct LongNaturalLog {
+  static constexpr auto& kTable = kLnFineTable;
+  static constexpr auto& kRows = kLnFineRows;
+  static constexpr double kLog2Hi = NaturalLog::kLog2Hi;
+  static constexpr double kLog2Rest = 0x1.ef35793c76p-45;
+  static constexpr double kExcess = 0;
+  static constexpr auto& kPolynomial = kLnLong;
+  static constexpr auto& kSextic = kLnLongSextic;
+};
+
+struct LongDecimalLog {
+  static constexpr auto& kTable = kLog10FineTable;
+  static constexpr auto& kRows = kLog10FineRows;
+  static constexpr double kLog2Hi = DecimalLog::kLog2Hi;
+  static constexpr double kLog2Rest = -0x1.80433b83b53p-44;
+  static constexpr double kExcess = kLog10Excess;
+  static constexpr auto& kPolynomial = kLog10Long;
+  static constexpr auto& kSextic = kLog10LongSextic;
 };
 
 }  // namespace pex

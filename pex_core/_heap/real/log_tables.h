@@ -65,6 +65,54 @@ inline constexpr LogTable kLog10Table = {
      -0x1.384e70200181cp-67},
 };
 
+// The same for i = 12 .. 24, of 12 the upper half alone, and better beside 1; the decimal factor
+// is the double next to log10(e) by a.
+struct LogFineTable {
+  alignas(64) double a[16], factor[16], log[16];
+};
+
+inline constexpr LogFineTable kLnFineTable = {
+    {0x1p+0, 0x1.100020554ee39p+0, 0x1.20002000391dep+0,
+     0x1.3000200712acdp+0, 0x1.40001ffe8ad82p+0, 0x1.50001ffebdbe3p+0,
+     0x1.6000200007bb3p+0, 0x1.70001fffb624p+0, 0x1.800020001d239p+0,
+     0x0p+0, 0x0p+0, 0x0p+0,
+     0x1.88003ffe209aap-1, 0x1.a0004005a6615p-1, 0x1.c0003ff1467fep-1,
+     0x1.e0003b5cc2588p-1},
+    {0x1p+0, 0x1.e1e1a8999cb56p-1, 0x1.c71c3f3565d46p-1,
+     0x1.af283e5d8599ep-1, 0x1.999970a5b8c62p-1, 0x1.86183c60ad576p-1,
+     0x1.745cf56be182bp-1, 0x1.642c66983e908p-1, 0x1.555538e376b1p-1,
+     0x0p+0, 0x0p+0, 0x0p+0,
+     0x1.4e5dd3dd616cdp+0, 0x1.3b1380bda4b69p+0, 0x1.24921f6274a78p+0,
+     0x1.1110ef4bd0c7ap+0},
+    {0x0p+0, 0x1.f0a6d9cde8p-5, 0x1.e2723e0234p-4,
+     0x1.5ff3dece4ap-3, 0x1.c900493d18p-3, 0x1.16762c3cf8p-2,
+     0x1.461919391ep-2, 0x1.739dd8760dp-2, 0x1.9f32942199p-2,
+     0x0p+0, 0x0p+0, 0x0p+0,
+     -0x1.117840f86bp-2, -0x1.a93d989944p-3, -0x1.1177c3d39ap-3,
+     -0x1.085790cbp-4},
+};
+
+inline constexpr LogFineTable kLog10FineTable = {
+    {0x1p+0, 0x1.10002791cf4cp+0, 0x1.20002000b5a76p+0,
+     0x1.300020020f06cp+0, 0x1.40002000f57d2p+0, 0x1.5000200054f35p+0,
+     0x1.60001ffce6f18p+0, 0x1.70001fffe750cp+0, 0x1.80002000c77a2p+0,
+     0x0p+0, 0x0p+0, 0x0p+0,
+     0x1.880040009d8e8p-1, 0x1.a00040054ecc7p-1, 0x1.c0003ffecde0ap-1,
+     0x1.e0003fd3b60a5p-1},
+    {0x1.bcb7b1526e50ep-2, 0x1.a28e881e6b382p-2, 0x1.8b4dc706c4633p-2,
+     0x1.767f96506583ap-2, 0x1.63c603e046eecp-2, 0x1.52d4f91dff0a1p-2,
+     0x1.436e35063b5f2p-2, 0x1.355e4a3139a68p-2, 0x1.287a5d817d12cp-2,
+     0x0p+0, 0x0p+0, 0x0p+0,
+     0x1.226d540ea1044p-1, 0x1.11abf43c2a40bp-1, 0x1.fc3f5d7b15277p-2,
+     0x1.da5d4adda7ff8p-2},
+    {0x0p+0, 0x1.af639dd22p-6, 0x1.a30c28b74p-5,
+     0x1.31b3c0a828p-4, 0x1.8cf23570c4p-4, 0x1.e3bcc41d28p-4,
+     0x1.1b3ec2c052p-3, 0x1.42c835559ap-3, 0x1.68a2d2d674p-3,
+     0x0p+0, 0x0p+0, 0x0p+0,
+     -0x1.db10cb0634p-4, -0x1.715bfb20acp-4, -0x1.db0ff14068p-5,
+     -0x1.cb354aa34p-6},
+};
+
 // Rows j = i & 15 of factors c near 16/i, i = 12 .. 24, 1 for i = 15, 16, 17, each with -log(c),
 // which is a multiple of 2^-42 to within 2^-61.
 struct LogFactors {
