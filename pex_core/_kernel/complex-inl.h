@@ -49,9 +49,12 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Compute is the type that a vector register holds while it computes, as in Kernel.
-template <typename Element, typename Compute = Element>
+// Compute is the type that a vector register holds while it computes, as in Kernel. Where kWidened,
+// for floats, operands and results are vectors of doubles: the floats are converted as they lie in
+// memory, which takes no shuffle. Not for kernels with rare lanes.
+template <typename Element, typename Compute = Element, bool kWide = false>
 struct ComplexKernel {
+  static constexpr bool kWidened = kWide;
   using T = Element;
   using Tag = hn::Rebind<Element, hn::ScalableTag<Compute>>;
   static constexpr bool kRealArgument = false;
@@ -120,6 +123,32 @@ struct ComplexSource {
   }
 };
 
+// Floats as doubles, for kWidened.
+template <class D>
+using WideOf = hn::Rebind<double, D>;
+struct WidenedSource {
+  const float* p;
+  template <class D>
+  using Operand = Complex<VecOf<WideOf<D>>>;
+  using Number = Complex<float>;
+  template <class D>
+  HWY_INLINE Operand<D> Load(D d, size_t i) const {
+    return Halves(d, hn::LoadU(d, p + 2 * i), hn::LoadU(d, p + 2 * i + hn::Lanes(d)));
+  }
+  template <class D>
+  HWY_INLINE Operand<D> LoadTail(D d, size_t i, size_t count, float fill) const {
+    const size_t lanes = hn::Lanes(d), numbers = 2 * count;
+    return Halves(d, LoadAtMost(d, p + 2 * i, numbers, fill),
+                  numbers <= lanes ? hn::Set(d, fill)
+                                   : LoadAtMost(d, p + 2 * i + lanes, numbers - lanes, fill));
+  }
+  template <class D>
+  static HWY_INLINE Operand<D> Halves(D, VecOf<D> a, VecOf<D> b) {
+    const WideOf<D> wide;
+    return Unzip(wide, hn::PromoteTo(wide, a), hn::PromoteTo(wide, b));
+  }
+};
+
 template <typename T>
 struct RealSource {
   const T* p;
@@ -180,11 +209,16 @@ struct NoSource {
   HWY_INLINE void Copy(size_t, size_t, Number*) const {}
 };
 
-template <class K, class D, class V = VecOf<D>, typename T = hn::TFromD<D>>
-HWY_INLINE void StoreNumbers(D d, Complex<V> v, T* r, size_t i, size_t count) {
+template <class K, class D, class W, class V = VecOf<D>, typename T = hn::TFromD<D>>
+HWY_INLINE void StoreNumbers(D d, Complex<W> v, T* r, size_t i, size_t count) {
   const size_t lanes = hn::Lanes(d);
   V a, b;
-  if constexpr (kInMemoryOrder<K>) {
+  if constexpr (K::kWidened) {
+    W wide_a, wide_b;
+    Zip(WideOf<D>(), v, wide_a, wide_b);
+    a = hn::DemoteTo(d, wide_a);
+    b = hn::DemoteTo(d, wide_b);
+  } else if constexpr (kInMemoryOrder<K>) {
     ZipInOrder(d, v, a, b);
   } else {
     Zip(d, v, a, b);
@@ -223,7 +257,8 @@ template <class K, class A, class B>
 struct ComplexCall {
   using T = typename K::T;
   using D = typename K::Tag;
-  using Result = std::conditional_t<K::kRealResult, VecOf<D>, Complex<VecOf<D>>>;
+  using ResultTag = std::conditional_t<K::kWidened, WideOf<D>, D>;
+  using Result = std::conditional_t<K::kRealResult, VecOf<D>, Complex<VecOf<ResultTag>>>;
   using OperandA = typename A::template Operand<D>;
   using OperandB = typename B::template Operand<D>;
   static constexpr bool kBinary = !std::is_same_v<B, NoSource>;
@@ -561,18 +596,27 @@ HWY_INLINE ComplexScalarSource<double> SourceOf(PexComplex16 a) { return {{a.re,
 HWY_INLINE RealSource<float> SourceOf(const float* a) { return {a}; }
 HWY_INLINE RealSource<double> SourceOf(const double* a) { return {a}; }
 
+template <class K, class A>
+HWY_INLINE auto SourceFor(A a) {
+  if constexpr (K::kWidened) {
+    return WidenedSource{SourceOf(a).p};
+  } else {
+    return SourceOf(a);
+  }
+}
+
 template <class K, class A, class R>
 HWY_INLINE int MapComplex(int32_t n, const A* a, R* r) {
-  using Source = decltype(SourceOf(a));
-  return RunComplex<K>(
-      n, ComplexCall<K, Source, NoSource>{SourceOf(a), {}, reinterpret_cast<typename K::T*>(r)});
+  using Source = decltype(SourceFor<K>(a));
+  return RunComplex<K>(n, ComplexCall<K, Source, NoSource>{
+                              SourceFor<K>(a), {}, reinterpret_cast<typename K::T*>(r)});
 }
 
 template <class K, class A, class B, class R>
 HWY_INLINE int MapComplex(int32_t n, const A* a, B b, R* r) {
-  using SourceA = decltype(SourceOf(a));
-  using SourceB = decltype(SourceOf(b));
-  return RunComplex<K>(n, ComplexCall<K, SourceA, SourceB>{SourceOf(a), SourceOf(b),
+  using SourceA = decltype(SourceFor<K>(a));
+  using SourceB = decltype(SourceFor<K>(b));
+  return RunComplex<K>(n, ComplexCall<K, SourceA, SourceB>{SourceFor<K>(a), SourceFor<K>(b),
                                                            reinterpret_cast<typename K::T*>(r)});
 }
 

@@ -4,6 +4,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/ccis/ccis.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
+#include "pex_core/_heap/complex/complex_single-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
 #include "pex_core/ccis/cis-inl.h"
@@ -32,23 +33,24 @@ HWY_INLINE void HornerForFloat(D d, const V (&x)[K], const double (&c)[N], V (&p
 template <class D>
 struct CISInDouble {
   using V = VecOf<D>;
-  using Half = hn::Half<D>;
-  using Wide = hn::Rebind<double, Half>;
+  using Wide = hn::Rebind<double, hn::Half<D>>;
   using W = VecOf<Wide>;
   V turns;
+  StoredHalves<D> n, arg;
   W y[2], y2[2], sine[2], cosine[2];
 
-  HWY_INLINE void Reduce(V x) {
+  HWY_INLINE void Count(V x) {
     const D d;
-    const Half half;
-    const Wide wide;
     const V rounder = hn::Set(d, 12582912.0f);
     turns = hn::Add(hn::Mul(x, hn::Set(d, 0.63661975f)), rounder);
-    const V n = hn::Sub(turns, rounder);
-    const W ns[] = {hn::PromoteTo(wide, hn::LowerHalf(half, n)),
-                    hn::PromoteTo(wide, hn::UpperHalf(half, n))};
-    const W xs[] = {hn::PromoteTo(wide, hn::LowerHalf(half, x)),
-                    hn::PromoteTo(wide, hn::UpperHalf(half, x))};
+    n.Store(hn::Sub(turns, rounder));
+    arg.Store(x);
+  }
+  HWY_INLINE void Reduce(V) {
+    const Wide wide;
+    W ns[2], xs[2];
+    n.Widen(ns);
+    arg.Widen(xs);
     for (size_t k = 0; k < 2; ++k) {
       const W high = SubExactProduct(ns[k], hn::Set(wide, 0x1.921FB5444p+0), xs[k]);  // exact
       y[k] = HiddenMulAdd(ns[k], hn::Set(wide, -0x1.68C234C4C6629p-39), high);
@@ -65,26 +67,33 @@ struct CISInDouble {
   }
   HWY_INLINE Complex<V> Result(V) const {
     const D d;
-    const Half half;
-    const V sin_y = hn::Combine(d, hn::DemoteTo(half, sine[1]), hn::DemoteTo(half, sine[0]));
-    const V cos_y = hn::Combine(d, hn::DemoteTo(half, cosine[1]), hn::DemoteTo(half, cosine[0]));
-    const auto quadrant = Bits(d, turns), next = hn::Add(quadrant, SetBits(d, 1));
+    const V sin_y = NarrowHalves(d, sine[0], sine[1]);
+    const V cos_y = NarrowHalves(d, cosine[0], cosine[1]);
+    const auto quadrant = Bits(d, turns), turn = hn::ShiftLeft<30>(quadrant);
+    const auto next = hn::Add(turn, SetBits(d, 1 << 30));
+    const auto flipped = [d](V v, BitsOf<D> sign) HWY_ATTR {
+      return hn::Xor(v, hn::And(FromBits(d, sign), hn::SignBit(d)));
+    };
+#if HWY_TARGET == HWY_AVX2  // exchanged, for a selection costs three operations
+    const auto odd = hn::BroadcastSignBit(hn::Add(turn, turn));
+    const V differing = hn::And(hn::Xor(sin_y, cos_y), FromBits(d, odd));
+    return {flipped(hn::Xor(cos_y, differing), next), flipped(hn::Xor(sin_y, differing), turn)};
+#else
 #if HWY_TARGET == HWY_AVX3
     const auto odd = hn::RebindMask(d, hn::TestBit(quadrant, SetBits(d, 1)));
 #else
-    const auto odd = hn::MaskFromVec(FromBits(d, hn::ShiftLeft<31>(quadrant)));
+    const auto odd = hn::MaskFromVec(FromBits(d, hn::Add(turn, turn)));
 #endif
-    const auto flipped = [d](V v, BitsOf<D> turn) HWY_ATTR {
-      return hn::Xor(v, hn::And(FromBits(d, hn::ShiftLeft<30>(turn)), hn::SignBit(d)));
-    };
     return {flipped(hn::IfThenElse(odd, sin_y, cos_y), next),
-            flipped(hn::IfThenElse(odd, cos_y, sin_y), quadrant)};
+            flipped(hn::IfThenElse(odd, cos_y, sin_y), turn)};
+#endif
   }
 };
 
 template <class D, class V, size_t K>
 HWY_INLINE void CISGroup(D, const V (&x)[K], Complex<V> (&r)[K]) {
   CISInDouble<D> parts[K];
+  for (size_t k = 0; k < K; ++k) parts[k].Count(x[k]);
   InTurn(parts, r, x);
 }
 

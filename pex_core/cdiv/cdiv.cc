@@ -10,12 +10,16 @@
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
-struct DivInDouble : ComplexKernel<float, double> {
+struct DivInDouble : ComplexKernel<float, double, HWY_TARGET != HWY_AVX3> {
   static constexpr int kUnroll = 4;
   template <class D, class V>
-  static HWY_INLINE void Main(D d, Complex<V> a, Complex<V> b, Complex<V>& r) {
-    const hn::Rebind<double, D> wide;
-    r = Narrow(d, PlainQuotient(wide, Widen(d, a), Widen(d, b)));
+  static HWY_INLINE void Main([[maybe_unused]] D d, Complex<V> a, Complex<V> b, Complex<V>& r) {
+    const WideOf<D> wide;
+    if constexpr (DivInDouble::kWidened) {
+      r = PlainQuotient(wide, a, b);
+    } else {
+      r = Narrow(d, PlainQuotient(wide, Widen(d, a), Widen(d, b)));
+    }
   }
 };
 

@@ -44,9 +44,9 @@ HWY_INLINE V Turns(D d, V y) {
 template <class D, class V>
 HWY_INLINE Complex<V> TurnBack(D d, BitsOf<D> k, V sine, V cosine) {
   const auto odd = OddQuarter(d, k);
-  const auto next = hn::Add(k, SetBits(d, 1));
-  return {FlipSign(d, hn::IfThenElse(odd, sine, cosine), hn::ShiftLeft<30>(next)),
-          FlipSign(d, hn::IfThenElse(odd, cosine, sine), hn::ShiftLeft<30>(k))};
+  const auto turn = hn::ShiftLeft<30>(k), next = hn::Add(turn, SetBits(d, 1 << 30));
+  return {FlipSign(d, hn::IfThenElse(odd, sine, cosine), next),
+          FlipSign(d, hn::IfThenElse(odd, cosine, sine), turn)};
 }
 
 // In double, |x| <= 512 and |y| < 4096: less than 0.505 ulp of each part. Quarter turns are counted

@@ -10,11 +10,15 @@ HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
 template <bool kConjugate>
-struct MulInDouble : ComplexKernel<float, double> {
+struct MulInDouble : ComplexKernel<float, double, HWY_TARGET == HWY_AVX2> {
   static constexpr int kUnroll = 4;
   template <class D, class V>
-  static HWY_INLINE void Main(D d, Complex<V> a, Complex<V> b, Complex<V>& r) {
-    r = Narrow(d, PlainProduct<kConjugate>(Widen(d, a), Widen(d, b)));
+  static HWY_INLINE void Main([[maybe_unused]] D d, Complex<V> a, Complex<V> b, Complex<V>& r) {
+    if constexpr (MulInDouble::kWidened) {
+      r = PlainProduct<kConjugate>(a, b);
+    } else {
+      r = Narrow(d, PlainProduct<kConjugate>(Widen(d, a), Widen(d, b)));
+    }
   }
 };
 

@@ -84,8 +84,12 @@ struct LogInDouble : ElementaryKernel<F, float> {
       WidenHalves(d, part.more, more[2 * i], more[2 * i + 1]);
       WidenHalves(d, hn::Xor(part.less, turn.sign), less[2 * i], less[2 * i + 1]);
     }
+    // The quotients first: while the unit of divisions is at them, the others compute logarithms.
+    W t[2 * K];
+    for (size_t i = 0; i < 2 * K; ++i) t[i] = hn::Div(less[i], more[i]);
+    EndStep(t);
     LogSquare(wide, more, less, size);
-    Angle(wide, more, less, angle);
+    Angle(wide, t, angle);
     for (size_t i = 0; i < K; ++i) {
       W lower, upper;
       HalfTurns(d, z[i], lower, upper);
@@ -135,7 +139,8 @@ struct LogInDouble : ElementaryKernel<F, float> {
   static HWY_INLINE void LogSquare(D d, const W (&more)[K], const W (&less)[K], W (&size)[K]) {
     W s[K];
     for (size_t i = 0; i < K; ++i) {
-      s[i] = hn::Add(hn::Mul(more[i], more[i]), hn::Mul(less[i], less[i]));
+      // Squares of floats are exact in double.
+      s[i] = AddExactProduct(more[i], more[i], hn::Mul(less[i], less[i]));
     }
     Log(d, s, size);
     if (AnyWithin<OffOne>(d, s)) [[unlikely]] {
@@ -159,9 +164,8 @@ struct LogInDouble : ElementaryKernel<F, float> {
   }
 
   template <class W, size_t K, class D>
-  static HWY_INLINE void Angle(D d, const W (&more)[K], const W (&less)[K], W (&angle)[K]) {
-    W t[K], p[K];
-    for (size_t i = 0; i < K; ++i) t[i] = hn::Div(less[i], more[i]);
+  static HWY_INLINE void Angle(D d, const W (&t)[K], W (&angle)[K]) {
+    W p[K];
     AngleFactor(d, t, p);
     for (size_t i = 0; i < K; ++i) angle[i] = hn::Mul(t[i], p[i]);
   }
