@@ -37,7 +37,7 @@ HWY_INLINE Expm1Reduced<D> Expm1Reduce(D d, V x) {
   u.x = x;
   if constexpr (!(kSilent && kHasSilentMul<V>)) {
     u.tiny = MagnitudeBelow(d, x, 0x1p-54);
-    u.x = hn::IfThenZeroElse(u.tiny, x);
+    u.x = Selected(hn::IfThenZeroElse(u.tiny, x));
   }
   if constexpr (kProducts) u.x = hn::Max(u.x, hn::Set(d, kLeast));
   const V shifter = hn::Set(d, kSilent ? 0x1.8p52 + 1023 : 0x1.8p52);

@@ -124,7 +124,7 @@ struct dLog1pHA : dLog1pCommon {
     V u[K], u_rest[K], log[K];
     Pair<V> p[K];
     for (size_t k = 0; k < K; ++k) {
-      const V y = hn::IfThenZeroElse(MagnitudeBelow(d, x[k], kTiny), x[k]);
+      const V y = Selected(hn::IfThenZeroElse(MagnitudeBelow(d, x[k], kTiny), x[k]));
       const Pair<V> sum = TwoSum(one, y);
       u[k] = sum.hi;
       u_rest[k] = sum.lo;

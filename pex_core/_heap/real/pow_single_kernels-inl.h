@@ -133,7 +133,7 @@ struct sPowNarrowKernel : sPowKernel<float, BitsOfNumber(0x1p-40f), BitsOfNumber
     if (special) [[unlikely]] {
       for (size_t k = 0; k < K; ++k) {
         size[k] = hn::Abs(x[k]);
-        exponent[k] = hn::IfThenZeroElse(is_first(y[k]), y[k]);
+        exponent[k] = Selected(hn::IfThenZeroElse(is_first(y[k]), y[k]));
       }
     }
     kPower(d, size, exponent, power);
