@@ -56,6 +56,18 @@ HWY_INLINE hn::Mask<D> MagnitudeBelow(D d, hn::Vec<D> x, T limit) {
   return hn::RebindMask(d, hn::Lt(Bits(d, hn::Abs(x)), SetBits(d, BitsOfNumber(limit))));
 }
 
+// What a selection leaves, for operations that the other numbers would raise flags in. Clang takes
+// operations for free of side effects and would compute them on both sides of the selection.
+template <class V>
+HWY_INLINE V Selected(V x) {
+#if defined(__clang__) && HWY_TARGET == HWY_SSE4
+  __asm__("" : "+x"(x.raw));
+#elif defined(__clang__)
+  __asm__("" : "+v"(x.raw));
+#endif
+  return x;
+}
+
 // A number that is computed with alone: no operation on it is carried out for its neighbours in an
 // array, whose flags it might raise, or before it is asked for.
 HWY_INLINE double Single(double x) {
@@ -69,6 +81,28 @@ HWY_INLINE float Single(float x) {
 
 #if HWY_TARGET == HWY_AVX3
 // Operations of whole registers that leave `other` in the lanes without the mask.
+#if defined(__clang__)  // which would make an operation of all lanes and a selection of it
+#define PEX_MERGED(Name, operation)                                                      \
+  HWY_INLINE hn::Vec512<float> Name(hn::Vec512<float> other, hn::Mask512<float> mask,    \
+                                    hn::Vec512<float> x, hn::Vec512<float> y) {          \
+    __asm__("v" #operation "ps %3, %2, %0 %{%1%}"                                        \
+            : "+v"(other.raw)                                                            \
+            : "Yk"(mask.raw), "v"(x.raw), "v"(y.raw));                                   \
+    return other;                                                                        \
+  }                                                                                      \
+  HWY_INLINE hn::Vec512<double> Name(hn::Vec512<double> other, hn::Mask512<double> mask, \
+                                     hn::Vec512<double> x, hn::Vec512<double> y) {       \
+    __asm__("v" #operation "pd %3, %2, %0 %{%1%}"                                        \
+            : "+v"(other.raw)                                                            \
+            : "Yk"(mask.raw), "v"(x.raw), "v"(y.raw));                                   \
+    return other;                                                                        \
+  }
+#define PEX_MERGED_ROOT(suffix, T)                                                                 \
+  HWY_INLINE hn::Vec512<T> MergedSqrt(hn::Vec512<T> other, hn::Mask512<T> mask, hn::Vec512<T> x) { \
+    __asm__("vsqrt" #suffix " %2, %0 %{%1%}" : "+v"(other.raw) : "Yk"(mask.raw), "v"(x.raw));      \
+    return other;                                                                                  \
+  }
+#else
 #define PEX_MERGED(Name, operation)                                                      \
   HWY_INLINE hn::Vec512<float> Name(hn::Vec512<float> other, hn::Mask512<float> mask,    \
                                     hn::Vec512<float> x, hn::Vec512<float> y) {          \
@@ -78,18 +112,18 @@ HWY_INLINE float Single(float x) {
                                      hn::Vec512<double> x, hn::Vec512<double> y) {       \
     return {_mm512_mask_##operation##_pd(other.raw, mask.raw, x.raw, y.raw)};            \
   }
+#define PEX_MERGED_ROOT(suffix, T)                                                                 \
+  HWY_INLINE hn::Vec512<T> MergedSqrt(hn::Vec512<T> other, hn::Mask512<T> mask, hn::Vec512<T> x) { \
+    return {_mm512_mask_sqrt_##suffix(other.raw, mask.raw, x.raw)};                                \
+  }
+#endif
 PEX_MERGED(MergedAdd, add)
 PEX_MERGED(MergedSub, sub)
 PEX_MERGED(MergedMul, mul)
+PEX_MERGED_ROOT(ps, float)
+PEX_MERGED_ROOT(pd, double)
 #undef PEX_MERGED
-HWY_INLINE hn::Vec512<float> MergedSqrt(hn::Vec512<float> other, hn::Mask512<float> mask,
-                                        hn::Vec512<float> x) {
-  return {_mm512_mask_sqrt_ps(other.raw, mask.raw, x.raw)};
-}
-HWY_INLINE hn::Vec512<double> MergedSqrt(hn::Vec512<double> other, hn::Mask512<double> mask,
-                                         hn::Vec512<double> x) {
-  return {_mm512_mask_sqrt_pd(other.raw, mask.raw, x.raw)};
-}
+#undef PEX_MERGED_ROOT
 #define PEX_ONE_INSTRUCTION(call) \
   if constexpr (sizeof(x) == 64) return call
 #else
@@ -100,7 +134,7 @@ HWY_INLINE hn::Vec512<double> MergedSqrt(hn::Vec512<double> other, hn::Mask512<d
 template <class D>
 HWY_INLINE VecOf<D> SquareWhere([[maybe_unused]] D d, MaskOf<D> mask, VecOf<D> x) {
   PEX_ONE_INSTRUCTION(MergedMul(hn::Zero(d), mask, x, x));
-  const VecOf<D> y = hn::IfThenElseZero(mask, x);
+  const VecOf<D> y = Selected(hn::IfThenElseZero(mask, x));
   return hn::Mul(y, y);
 }
 
@@ -108,14 +142,14 @@ HWY_INLINE VecOf<D> SquareWhere([[maybe_unused]] D d, MaskOf<D> mask, VecOf<D> x
 template <class D>
 HWY_INLINE VecOf<D> SubWhere(D, MaskOf<D> mask, VecOf<D> x, VecOf<D> y) {
   PEX_ONE_INSTRUCTION(MergedSub(x, mask, x, y));
-  return hn::Sub(x, hn::IfThenElseZero(mask, y));
+  return hn::Sub(x, Selected(hn::IfThenElseZero(mask, y)));
 }
 
 // x - y for the lanes of the mask; the others are y, with any sign.
 template <class D>
 HWY_INLINE VecOf<D> SubFromWhere(D, MaskOf<D> mask, VecOf<D> x, VecOf<D> y) {
   PEX_ONE_INSTRUCTION(MergedSub(y, mask, x, y));
-  return hn::Sub(hn::IfThenElseZero(mask, x), y);
+  return hn::Sub(Selected(hn::IfThenElseZero(mask, x)), y);
 }
 
 // x * y for the lanes of the mask; the others are other.

@@ -240,11 +240,11 @@ HWY_INLINE void StoreNumbers(D d, V v, T* r, size_t i, size_t count) {
 template <class D, class V = VecOf<D>>
 HWY_INLINE Complex<V> Replace(D d, MaskOf<D> mask, Complex<V> x, hn::TFromD<D> value) {
   const V v = hn::Set(d, value);
-  return {hn::IfThenElse(mask, v, x.re), hn::IfThenElse(mask, v, x.im)};
+  return {Selected(hn::IfThenElse(mask, v, x.re)), Selected(hn::IfThenElse(mask, v, x.im))};
 }
 template <class D, class V = VecOf<D>>
 HWY_INLINE V Replace(D d, MaskOf<D> mask, V x, hn::TFromD<D> value) {
-  return hn::IfThenElse(mask, hn::Set(d, value), x);
+  return Selected(hn::IfThenElse(mask, hn::Set(d, value), x));
 }
 template <class D>
 HWY_INLINE NoSource::Operand<D> Replace(D, MaskOf<D>, NoSource::Operand<D> x, hn::TFromD<D>) {

@@ -333,10 +333,10 @@ HWY_NOINLINE void CarefulVector(C call, size_t i, size_t count) {
   if (any) {
     const auto harmless = hn::Set(d, K::kHarmless);
     hn::Store(x, d, xs);
-    x = hn::IfThenElse(rare, harmless, x);
+    x = Selected(hn::IfThenElse(rare, harmless, x));
     if constexpr (K::kArguments == 2) {
       hn::Store(y, d, ys);
-      y = hn::IfThenElse(rare, harmless, y);
+      y = Selected(hn::IfThenElse(rare, harmless, y));
     }
   }
   auto v1 = x, v2 = x;

@@ -33,6 +33,15 @@ enum Rounding {
 // One arithmetic instruction on these operands in this order. Compilers may swap the operands of a
 // sum or a product otherwise, though of two NaNs the first one's payload comes out, and may compute
 // a difference first and select afterwards, though only the selected operands raise nothing.
+// Clang's assembler swaps them too, where a shorter encoding of the instruction is to be had: it
+// gets none.
+#if !defined(__clang__)
+#define PEX_ENCODING ""
+#elif HWY_TARGET == HWY_AVX2
+#define PEX_ENCODING "%{vex3%} "
+#else
+#define PEX_ENCODING "%{evex%} "
+#endif
 // clang-format off
 #if HWY_TARGET == HWY_SSE4
 #define PEX_INSTRUCTION(Name, V, mnemonic)                                          \
@@ -43,7 +52,8 @@ enum Rounding {
 #else
 #define PEX_INSTRUCTION(Name, V, mnemonic)                                          \
   HWY_INLINE V Name(V a, V b) {                                                     \
-    __asm__("v" mnemonic " %2, %1, %0" : "=v"(a.raw) : "v"(a.raw), "v"(b.raw));     \
+    __asm__(PEX_ENCODING "v" mnemonic " %2, %1, %0"                                 \
+            : "=v"(a.raw) : "v"(a.raw), "v"(b.raw));                                \
     return a;                                                                       \
   }
 #endif
@@ -80,6 +90,7 @@ PEX_HARDWARE(hn::Vec512<float>, "ps", _mm512_roundscale_ps)
 
 #undef PEX_HARDWARE
 #undef PEX_INSTRUCTION
+#undef PEX_ENCODING
 
 // Products that raise no flag, where whole registers can have them: what is lost by an underflow
 // must not matter. The other levels' callers put tiny numbers aside, or add something to them.

@@ -35,7 +35,7 @@ struct AcosShortPart {
     for (size_t k = 0; k < kVectors; ++k) {
       const V ax = hn::Abs(x[k]);
       const auto usual = hn::Ge(ax, hn::Set(d, 0x1p-32f));
-      const V a = kDomain == AsinDomain::kWhole ? hn::IfThenElseZero(usual, ax) : ax;
+      const V a = kDomain == AsinDomain::kWhole ? Selected(hn::IfThenElseZero(usual, ax)) : ax;
       p[k] = Horner(d, a, c);
       if (kDomain == AsinDomain::kWhole) {
         p[k] = hn::IfThenElse(usual, p[k], hn::Set(d, static_cast<float>(kPi / 2)));

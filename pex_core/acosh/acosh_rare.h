@@ -4,7 +4,11 @@
 
 #include <cmath>
 
+#include "pex_core/_kernel/exceptions.h"
+
 namespace pex {
+
+PEX_EXCEPTIONS_COUNT
 
 // Status 1 below 1 (NaN, invalid), 0 otherwise.
 template <typename T>
@@ -16,6 +20,8 @@ inline int AcoshRare(T x, T* r) {
   *r = (x - x) / T(0);
   return 1;
 }
+
+PEX_EXCEPTIONS_COUNT_END
 
 }  // namespace pex
 

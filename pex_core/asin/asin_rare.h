@@ -4,9 +4,12 @@
 
 #include <limits>
 
+#include "pex_core/_kernel/exceptions.h"
 #include "pexquo/pex.h"
 
 namespace pex {
+
+PEX_EXCEPTIONS_COUNT
 
 // NaN: itself, quiet, status 0. |x| > 1: NaN (the pattern 0xFFF8...), status 1.
 template <typename T>
@@ -18,6 +21,8 @@ inline int AsinRare(T x, T* r) {
   *r = -std::numeric_limits<T>::quiet_NaN();
   return PEX_STATUS_DOMAIN;
 }
+
+PEX_EXCEPTIONS_COUNT_END
 
 }  // namespace pex
 

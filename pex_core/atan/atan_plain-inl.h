@@ -297,7 +297,7 @@ struct AtanPlain : AtanCommon<T> {
       const auto below = MagnitudeBelow(d, x, Range::kHuge);
       const auto common = hn::AndNot(tiny, below);
       const V half_pi = hn::CopySign(hn::Set(d, T(0x1.921fb54442d18p+0)), x);
-      const V group[1] = {hn::IfThenElse(common, x, hn::Set(d, T(1)))};
+      const V group[1] = {Selected(hn::IfThenElse(common, x, hn::Set(d, T(1))))};
       V r[1];
       MainGroup(d, group, r);
       return hn::IfThenElse(common, r[0], hn::IfThenElse(tiny, x, half_pi));

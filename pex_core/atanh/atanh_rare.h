@@ -4,7 +4,11 @@
 
 #include <cmath>
 
+#include "pex_core/_kernel/exceptions.h"
+
 namespace pex {
+
+PEX_EXCEPTIONS_COUNT
 
 // Status 2 for 1 and -1 (an infinity, divide by zero), 1 beyond (NaN, invalid), 0 for NaN.
 template <typename T>
@@ -20,6 +24,8 @@ inline int AtanhRare(T x, T* r) {
   *r = (x - x) / T(0);
   return 1;
 }
+
+PEX_EXCEPTIONS_COUNT_END
 
 }  // namespace pex
 

@@ -110,7 +110,7 @@ struct cCISWide : ComplexKernel<float> {
     const auto large = LanesAbove(d, Range::Key(d, x), Range::kLimit);
     const auto tiny = MagnitudeBelow(d, x, 0x1p-60f);
     const V harmless = hn::Set(d, kHarmless);
-    const V in[1] = {hn::IfThenElse(hn::Or(large, tiny), harmless, x)};
+    const V in[1] = {Selected(hn::IfThenElse(hn::Or(large, tiny), harmless, x))};
     Complex<V> common[1];
     CISGroup(d, in, common);
     r = {hn::IfThenElse(tiny, hn::Set(d, 1.0f), common[0].re),
@@ -118,7 +118,7 @@ struct cCISWide : ComplexKernel<float> {
     if (hn::AllFalse(d, large)) return;
     const hn::Half<D> half;
     using H = VecOf<decltype(half)>;
-    const V reduced = hn::IfThenElse(large, x, harmless);
+    const V reduced = Selected(hn::IfThenElse(large, x, harmless));
     Complex<H> low, high;
     WideCIS<float>::Main(half, hn::LowerHalf(half, reduced), low);
     WideCIS<float>::Main(half, hn::UpperHalf(half, reduced), high);

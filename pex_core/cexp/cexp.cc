@@ -129,7 +129,8 @@ HWY_INLINE V QuietMul(D, V a, V b) {
 // first coefficient is negative.
 template <class D, class V>
 HWY_INLINE V Tame(D d, V y) {
-  return HWY_TARGET == HWY_AVX3 ? y : hn::IfThenZeroElse(MagnitudeBelow(d, y, 0x1p-40f), y);
+  return HWY_TARGET == HWY_AVX3 ? y
+                                : Selected(hn::IfThenZeroElse(MagnitudeBelow(d, y, 0x1p-40f), y));
 }
 
 // e^x by the table and the cubic of the real function's LA, with what the table's floats are off;

@@ -116,7 +116,7 @@ HWY_INLINE SteppedRoots<V, K> BeginRoots(D d, const Complex<V> (&z)[K]) {
       const V x = hn::Abs(parts.re), y = hn::Abs(parts.im);
       const V more = hn::Max(x, y), less = hn::Min(x, y);
       const auto nothing = hn::Lt(less, hn::Mul(more, hn::Set(d, kNothing<T>)));
-      parts = {more, hn::IfThenZeroElse(nothing, less)};
+      parts = {more, Selected(hn::IfThenZeroElse(nothing, less))};
     }
     begun.square[k] = SumOfSquares(d, parts);
     begun.root[k] = hn::Sqrt(begun.square[k].hi);

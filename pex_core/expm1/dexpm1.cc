@@ -174,7 +174,7 @@ struct dExpm1HA : dExpm1Common<Kernel<double>> {
     Pair<V> r2[K];
     for (size_t k = 0; k < K; ++k) {
       tiny[k] = MagnitudeBelow(d, x[k], 0x1p-54);
-      const V y = hn::Max(hn::IfThenZeroElse(tiny[k], x[k]), hn::Set(d, kLeast));
+      const V y = hn::Max(Selected(hn::IfThenZeroElse(tiny[k], x[k])), hn::Set(d, kLeast));
       const V shifter = hn::Set(d, 0x1.8p52);
       const V kf = hn::Add(hn::Mul(y, hn::Set(d, 0x1.71547652b82fep+0)), shifter);  // 1/ln2
       n[k] = hn::Sub(kf, shifter);

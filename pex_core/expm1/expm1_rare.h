@@ -5,10 +5,13 @@
 #include <cmath>
 #include <limits>
 
+#include "pex_core/_kernel/exceptions.h"
 #include "pex_core/exp/exp_rare.h"
 #include "pexquo/pex.h"
 
 namespace pex {
+
+PEX_EXCEPTIONS_COUNT
 
 // Where the 1 is beyond the last place of e^x, or e^x beyond that of 1. Status 3 for overflow
 // alone.
@@ -21,6 +24,8 @@ inline int Expm1Rare(T x, T* r, int (*exp)(T, T*)) {
   }
   return exp(x, r) == PEX_STATUS_OVERFLOW ? PEX_STATUS_OVERFLOW : PEX_STATUS_OK;
 }
+
+PEX_EXCEPTIONS_COUNT_END
 
 }  // namespace pex
 

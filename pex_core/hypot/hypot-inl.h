@@ -203,7 +203,7 @@ struct HypotKernel : PlainKernel<Element, 2> {
     // holds up the lanes beyond the end.
     const auto is_zero = hn::RebindMask(d, hn::Eq(x.m, hn::Zero(di)));
     scaled_m = hn::IfThenElse(is_zero, hn::Set(d, T(2)), hn::Mul(FromBits(d, x.m), up));
-    scaled_n = hn::Mul(FromBits(d, hn::IfThenZeroElse(negligible, x.n)), up);
+    scaled_n = hn::Mul(Selected(FromBits(d, hn::IfThenZeroElse(negligible, x.n))), up);
     return x;
   }
 

@@ -137,7 +137,7 @@ struct Log1pHAPart {
     sum = hn::Sub(argument, less_head);
     const V rest = Remainder(d, hn::Add(sum, less_head), t, row.factor);
     less = AddExactProduct(u[0].e, hn::Set(d, LongNaturalLog::kLog2Rest * kExponentUnit), rest);
-    p[0] = hn::IfThenElseZero(hn::Ne(less_one, hn::Zero(d)), argument);
+    p[0] = Selected(hn::IfThenElseZero(hn::Ne(less_one, hn::Zero(d)), argument));
     V end[1] = {less};
     EndPart(end);
     less = end[0];

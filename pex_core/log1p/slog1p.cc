@@ -108,7 +108,7 @@ struct sLog1pHA : Kernel<float, double> {
     const hn::Rebind<double, D> wide;
     const auto one = hn::Set(d, 1.0f);
     const auto tiny = MagnitudeBelow(d, x, kTiny);
-    const auto y = hn::IfThenZeroElse(tiny, x);
+    const auto y = Selected(hn::IfThenZeroElse(tiny, x));
     const auto u = sLogReduce(d, hn::Add(x, one));
     const auto scale = hn::PromoteTo(wide, FromBits(d, hn::Sub(Bits(d, one), u.exponent_bits)));
     const auto sum = hn::Add(hn::PromoteTo(wide, y), hn::Set(wide, 1.0));

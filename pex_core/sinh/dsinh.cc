@@ -59,7 +59,7 @@ struct dSinhHA : dSinhCommon<Kernel<double>> {
     MaskOf<D> tiny[K];
     for (size_t k = 0; k < K; ++k) {
       tiny[k] = MagnitudeBelow(d, x[k], 0x1p-54);
-      m[k] = hn::IfThenZeroElse(tiny[k], hn::Abs(x[k]));
+      m[k] = Selected(hn::IfThenZeroElse(tiny[k], hn::Abs(x[k])));
     }
     HyperbolicHA<false>(d, m, y);
     for (size_t k = 0; k < K; ++k) {

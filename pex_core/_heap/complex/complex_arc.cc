@@ -73,7 +73,7 @@ ComplexExtended AtanhSpecial(double x, double y) {
   if (IsInfinite(x)) {
     return {WithSign(0, x), IsNaN(y) ? Quiet(y, y) : WithSign(kHalfPi, y)};
   }
-  const long double nan = Quiet(x, y);
+  const long double nan = QuietFirst(x, y);
   return {IsZero(x) ? x : nan, nan};
 }
 

@@ -48,7 +48,7 @@ ComplexExtended SinhSpecial(double x, double y) {
     return {IsNegative(x) ? -r.re : r.re, r.im};
   }
   if (IsZero(y)) return {Quiet(x, x), y};
-  const long double nan = NaNOf(x, y);
+  const long double nan = IsInfinite(y) && !IsNaN(x) ? pex::ldbl::Invalid() : QuietFirst(x, y);
   return {nan, nan};
 }
 

@@ -30,9 +30,20 @@ inline long double WithSign(long double r, double x) {
   return IsNegative(x) ? -__builtin_fabsl(r) : __builtin_fabsl(r);
 }
 
-// A quiet NaN of a NaN part, or of both.
+// A quiet NaN of a NaN part, or of both: the one with the larger significand. The processor's rule
+// for signalling NaNs depends on where the operands come from, so they are loaded first, which
+// makes them quiet.
 inline long double Quiet(double x, double y) {
-  return static_cast<long double>(x) + static_cast<long double>(y);
+  long double a = x, b = y;
+  __asm__("" : "+t"(a), "+u"(b));
+  return a + b;
+}
+
+// The same with y from memory: beside a signalling y it is x that counts, if it is a NaN.
+inline long double QuietFirst(double x, double y) {
+  long double sum = x;
+  __asm__("faddl %1" : "+t"(sum) : "m"(y));
+  return sum;
 }
 
 // From here on e^x times any sine or cosine of a double overflows or underflows a double.

@@ -48,10 +48,10 @@ struct PowKernel : ComplexKernel<Element, double> {
         hn::Or(ExponentPartRange::LanesOutside(d, b.re), ExponentPartRange::LanesOutside(d, b.im)));
     const auto rare = hn::Or(outside, hn::Or(IsPoint(d, a, 0), IsPoint(d, b, 0)));
     const V one = hn::Set(d, T(1));
-    const V size =
-        hn::Max(hn::IfThenElse(rare, one, hn::Abs(a.re)), hn::IfThenElse(rare, one, hn::Abs(a.im)));
-    const V b_re = hn::IfThenZeroElse(rare, hn::Abs(b.re));
-    const V b_im = hn::IfThenZeroElse(rare, hn::Abs(b.im));
+    const V size = hn::Max(Selected(hn::IfThenElse(rare, one, hn::Abs(a.re))),
+                           Selected(hn::IfThenElse(rare, one, hn::Abs(a.im))));
+    const V b_re = Selected(hn::IfThenZeroElse(rare, hn::Abs(b.re)));
+    const V b_im = Selected(hn::IfThenZeroElse(rare, hn::Abs(b.im)));
     const V exponent = hn::Add(b_re, b_im);
     // |ln a| <= (|e| + 3/2) ln 2 + pi.
     const V log =

@@ -308,7 +308,7 @@ HWY_INLINE SineCosine<VecOf<D>> SinCosOf(D d, VecOf<D> y) {
 template <class D>
 HWY_INLINE PairOf<D> LogOf(D d, PairOf<D> u, MaskOf<D> near, PairOf<D> t) {
   using V = VecOf<D>;
-  const V in[1] = {hn::IfThenElse(near, hn::Set(d, 1.0), u.hi)};
+  const V in[1] = {Selected(hn::IfThenElse(near, hn::Set(d, 1.0), u.hi))};
   LogReduced<D> v[1];
   LogReduce<NaturalLog>(d, in, v);
   const PairOf<D> far = TwoSum(hn::Sub(v[0].m, v[0].row.a), hn::Mul(InversePower(d, v[0]), u.lo));
@@ -322,7 +322,7 @@ template <class D>
 HWY_INLINE VecOf<D> LogOf(D d, VecOf<D> u, MaskOf<D> near, VecOf<D> t) {
   using V = VecOf<D>;
   const V one = hn::Set(d, 1.0);
-  const V in[1] = {hn::IfThenElse(near, one, u)};
+  const V in[1] = {Selected(hn::IfThenElse(near, one, u))};
   LogReduced<D> v[1];
   LogReduce<NaturalLog>(d, in, v);
   v[0].m = hn::IfThenElse(near, hn::Add(one, t), v[0].m);

@@ -14,7 +14,7 @@ pex::ComplexExtended Special(double x, double y) {
     if (!IsNegative(x)) return {kInfinity, other};
     return {IsNaN(y) ? other : 0, WithSign(kInfinity, y)};
   }
-  const long double nan = Quiet(x, y);
+  const long double nan = QuietFirst(x, y);
   return {nan, nan};
 }
 

@@ -109,7 +109,7 @@ HWY_INLINE void AtanTail(D d, const V (&t)[K], const T (&c)[N], V (&r)[K]) {
 #if HWY_TARGET == HWY_AVX3
     z[k] = SquareWhere(d, hn::Ge(hn::Abs(t[k]), hn::Set(d, kTiny)), t[k]);
 #else
-    const V u = hn::IfThenZeroElse(MagnitudeBelow(d, t[k], kTiny), t[k]);
+    const V u = Selected(hn::IfThenZeroElse(MagnitudeBelow(d, t[k], kTiny), t[k]));
     z[k] = hn::Mul(u, u);
 #endif
   }

@@ -121,7 +121,7 @@ HWY_INLINE void FullAtan2(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
   }
   for (size_t k = 0; k < K; ++k) {
     V u = q[k];
-    if constexpr (kTiny) u = hn::IfThenZeroElse(MagnitudeBelow(d, u, 0x1p-250), u);
+    if constexpr (kTiny) u = Selected(hn::IfThenZeroElse(MagnitudeBelow(d, u, 0x1p-250), u));
     z[k] = hn::Mul(u, u);
     z2[k] = hn::Mul(z[k], z[k]);
   }

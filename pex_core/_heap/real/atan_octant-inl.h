@@ -67,7 +67,7 @@ HWY_INLINE void AtanOctantTail(D d, const V (&q)[K], const double (&c)[N], V (&r
   V z[K], z2[K], p[K];
   for (size_t k = 0; k < K; ++k) {
     V u = q[k];
-    if constexpr (kTiny) u = hn::IfThenZeroElse(MagnitudeBelow(d, u, 0x1p-250), u);
+    if constexpr (kTiny) u = Selected(hn::IfThenZeroElse(MagnitudeBelow(d, u, 0x1p-250), u));
     z[k] = hn::Mul(u, u);
   }
   if constexpr (N > 4) {

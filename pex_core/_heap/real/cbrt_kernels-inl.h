@@ -8,6 +8,7 @@
 #include "pex_core/_heap/real/cbrt_single-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/_kernel/exceptions.h"
 #include "pexquo/pex.h"
 
 #if defined(PEX_CORE__HEAP_REAL_CBRT_KERNELS_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -65,6 +66,7 @@ HWY_INLINE float NormalRoot(float x) {
   return hn::GetLane(v[0]);
 }
 
+PEX_EXCEPTIONS_COUNT
 // The root of a rare element; its status code. Subnormal numbers are raised by a cube of 2^18 or
 // 2^8 to normal ones.
 template <class Form, typename T>
@@ -87,6 +89,7 @@ HWY_NOINLINE int RareRoot(T x, T* r) {
   }
   return PEX_STATUS_OK;
 }
+PEX_EXCEPTIONS_COUNT_END
 
 template <class Form, typename T>
 struct RootKernel : Kernel<T> {

@@ -169,7 +169,7 @@ HWY_INLINE V SquareNearZero(D d, V r) {
 // tiny x is its own result.
 template <class D, class V>
 HWY_INLINE V MagnitudeUnlessTiny(D d, V x, hn::TFromD<D> tiny) {
-  return hn::IfThenZeroElse(MagnitudeBelow(d, x, tiny), hn::Abs(x));
+  return Selected(hn::IfThenZeroElse(MagnitudeBelow(d, x, tiny), hn::Abs(x)));
 }
 template <class D, class V>
 HWY_INLINE V SignedUnlessTiny(D d, V x, V magnitude, hn::TFromD<D> tiny) {

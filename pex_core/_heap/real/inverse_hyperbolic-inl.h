@@ -56,7 +56,7 @@ struct AsinhSum {
   template <class D, class V>
   static HWY_INLINE LogArgument<V> Plain(D d, V a) {
     const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<hn::TFromD<D>>));
-    const LogArgument<V> r = NotLarge(d, hn::IfThenZeroElse(large, a));
+    const LogArgument<V> r = NotLarge(d, Selected(hn::IfThenZeroElse(large, a)));
     return OrLarge(d, large, a, r.u, r.rest);
   }
   template <class D, class V, size_t K>
@@ -70,7 +70,7 @@ struct AsinhSum {
     using T = hn::TFromD<D>;
     const V one = hn::Set(d, T(1));
     const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<T>));
-    const V y = hn::IfThenZeroElse(large, a);
+    const V y = Selected(hn::IfThenZeroElse(large, a));
     Pair<V> square{hn::Mul(y, y), hn::Zero(d)};
     if constexpr (kFull) square = TwoProduct(d, y, y);
     const Pair<V> sum = kFull ? TwoSum(one, square.hi) : FastTwoSum(one, square.hi);
@@ -105,7 +105,7 @@ struct AcoshSum {
   static HWY_INLINE LogArgument<V> Plain(D d, V a) {
     using T = hn::TFromD<D>;
     const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<T>));
-    const LogArgument<V> r = NotLarge(d, hn::IfThenElse(large, hn::Set(d, T(1)), a));
+    const LogArgument<V> r = NotLarge(d, Selected(hn::IfThenElse(large, hn::Set(d, T(1)), a)));
     return OrLarge(d, large, a, r.u, r.rest);
   }
   template <class D, class V, size_t K>
@@ -123,7 +123,7 @@ struct AcoshSum {
     using T = hn::TFromD<D>;
     const V one = hn::Set(d, T(1));
     const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<T>));
-    const V y = hn::IfThenElse(large, one, a);
+    const V y = Selected(hn::IfThenElse(large, one, a));
     const Pair<V> square = TwoProduct(d, y, y);
     const Pair<V> less = FastTwoSum(square.hi, hn::Neg(one));
     const Pair<V> w = FastTwoSum(less.hi, hn::Add(less.lo, square.lo));
@@ -283,7 +283,7 @@ HWY_INLINE void InverseSingleLA(D d, const V (&a)[K], V (&r)[K]) {
     if constexpr (kWide) {
       large =
           hn::RebindMask(d, hn::Gt(Bits(d, x), SetBits(d, BitsOfNumber(kLargeArgument<float>))));
-      x = hn::IfThenElse(large, hn::Set(d, F::kZero), x);
+      x = Selected(hn::IfThenElse(large, hn::Set(d, F::kZero), x));
     }
     const V root = F::Root(d, x);
     const Pair<V> sum = F::Sum(x, root);
@@ -368,7 +368,7 @@ HWY_INLINE void AtanhByHalves(D d, const V (&x)[K], hn::TFromD<D> first,
   for (size_t k = 0; k < K; ++k) {
     const auto tiny = BitsOfNumber(sizeof(T) == 8 ? T(0x1p-28) : T(0x1p-13));
     const auto counts = hn::RebindMask(d, hn::Gt(Bits(d, a[k]), SetBits(d, tiny)));
-    const V w = hn::IfThenElseZero(counts, u[k].s);
+    const V w = Selected(hn::IfThenElseZero(counts, u[k].s));
     s2[k] = hn::Mul(w, w);
   }
   Horner(d, s2, c, p);

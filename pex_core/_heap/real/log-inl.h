@@ -410,7 +410,7 @@ inline constexpr double kLn2Rest = 0x1.ef35793c76p-45;  // 41 bits of NaturalLog
 // x without lanes whose square would underflow, and counts for nothing.
 template <class D, class V>
 HWY_INLINE V ToBeSquared(D d, V x) {
-  return hn::IfThenZeroElse(MagnitudeBelow(d, x, 0x1p-300), x);
+  return Selected(hn::IfThenZeroElse(MagnitudeBelow(d, x, 0x1p-300), x));
 }
 
 // kTiny: t may be below 2^-300. In steps of all vectors or in the compiler's order.

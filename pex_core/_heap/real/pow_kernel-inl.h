@@ -21,7 +21,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 // y, or 0 where it is so small that every power is 1.
 template <class D, class V>
 HWY_INLINE V WithoutTiny(D d, V y) {
-  return hn::IfThenZeroElse(MagnitudeBelow(d, y, 0x1p-70), y);
+  return Selected(hn::IfThenZeroElse(MagnitudeBelow(d, y, 0x1p-70), y));
 }
 
 // x is negative, and y not an integer below 2^52 in magnitude.
@@ -63,8 +63,8 @@ struct PowKernel : Kernel<double> {
   static HWY_INLINE MaskOf<D> IsRare(D d, V x, V y) {
     const auto signs = Unfit(d, XRarity::Key(d, hn::Abs(x)), YRarity::Key(d, y));
     const auto unfit = hn::RebindMask(d, hn::Lt(Bits(d, signs), SetBits(d, 0)));
-    x = hn::IfThenElse(unfit, hn::Set(d, 1.0), x);
-    y = hn::IfThenElse(unfit, hn::Set(d, 1.0), y);
+    x = Selected(hn::IfThenElse(unfit, hn::Set(d, 1.0), x));
+    y = Selected(hn::IfThenElse(unfit, hn::Set(d, 1.0), y));
     return hn::Or(hn::Or(unfit, LacksSign(d, x, y)),
                   Method::Beyond(d, hn::Abs(x), WithoutTiny(d, y)));
   }

@@ -175,7 +175,7 @@ HWY_INLINE hn::Mask<hn::RebindToSigned<D>> sPowBeyond(D d, V x, float limit) {
 // For every high, one vector.
 template <bool kFull, class D, class V, size_t N>
 HWY_NOINLINE V sPowExp2Far(D d, V high, V low, const float (&c)[N]) {
-  low = hn::IfThenZeroElse(hn::RebindMask(d, sPowBeyond(d, high, 200.0f)), low);
+  low = Selected(hn::IfThenZeroElse(hn::RebindMask(d, sPowBeyond(d, high, 200.0f)), low));
   high = hn::Min(hn::Max(high, hn::Set(d, -200.0f)), hn::Set(d, 200.0f));
   const V highs[1] = {high}, lows[1] = {low};
   sPowExp2Parts<D> parts[1];
@@ -304,7 +304,8 @@ HWY_INLINE void sPowShort(D d, const V (&x)[K], const V (&y)[K], V (&r)[K]) {
   const hn::Half<D> half;
   for (size_t k = 0; k < K; ++k) {
     const auto edge = hn::RebindMask(d, at_edge(z[k]));
-    const V power = sPowExp2Far<false>(d, hn::IfThenZeroElse(edge, z[k]), none[k], kPowExp2EP);
+    const V power =
+        sPowExp2Far<false>(d, Selected(hn::IfThenZeroElse(edge, z[k])), none[k], kPowExp2EP);
     const V wide =
         hn::Combine(d, PowWide(half, hn::UpperHalf(half, x[k]), hn::UpperHalf(half, y[k])),
                     PowWide(half, hn::LowerHalf(half, x[k]), hn::LowerHalf(half, y[k])));

@@ -8,6 +8,7 @@
 #include "pex_core/_heap/real/pow_single-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
+#include "pex_core/_kernel/exceptions.h"
 #include "pexquo/pex.h"
 
 #if defined(PEX_CORE__HEAP_REAL_POW_SINGLE_KERNELS_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -22,6 +23,7 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+PEX_EXCEPTIONS_COUNT
 // The power of positive finite numbers. Subnormal x is raised by 2^24.
 HWY_INLINE float PowOfPositive(float x, float y) {
   const bool subnormal = x < 0x1p-126f;
@@ -64,6 +66,7 @@ static HWY_NOINLINE int sPowRare(float x, float y, float* r) {
   }
   return code;
 }
+PEX_EXCEPTIONS_COUNT_END
 
 // kLeast and kMost bound |y|: patterns of floats.
 template <typename Compute, int32_t kLeast, int32_t kMost>
@@ -133,7 +136,7 @@ struct sPowNarrowKernel : sPowKernel<float, BitsOfNumber(0x1p-40f), BitsOfNumber
     if (special) [[unlikely]] {
       for (size_t k = 0; k < K; ++k) {
         size[k] = hn::Abs(x[k]);
-        exponent[k] = hn::IfThenZeroElse(is_first(y[k]), y[k]);
+        exponent[k] = Selected(hn::IfThenZeroElse(is_first(y[k]), y[k]));
       }
     }
     kPower(d, size, exponent, power);

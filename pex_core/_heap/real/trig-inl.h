@@ -256,7 +256,7 @@ HWY_INLINE TrigLanes<D, K> SortLanes(D d, const V (&x)[K], double least, double 
       const V shifted = hn::Add(x[k], hn::Set(d, shift));
       lanes.large[k] = hn::AndNot(MagnitudeBelow(d, shifted, limit), lanes.large[k]);
     }
-    lanes.x[k] = hn::IfThenZeroElse(hn::Or(lanes.tiny[k], lanes.large[k]), x[k]);
+    lanes.x[k] = Selected(hn::IfThenZeroElse(hn::Or(lanes.tiny[k], lanes.large[k]), x[k]));
   }
   auto any = lanes.large[0];
   for (size_t k = 1; k < K; ++k) any = hn::Or(any, lanes.large[k]);
@@ -267,7 +267,7 @@ HWY_INLINE TrigLanes<D, K> SortLanes(D d, const V (&x)[K], double least, double 
 // The large lanes reduced; harmless arguments in the others.
 template <bool kBrief = false, class D, class V>
 HWY_INLINE ReducedByPiOver2<D> ReduceLargeLanes(D d, MaskOf<D> large, V x) {
-  return ReduceLarge<kBrief>(d, hn::IfThenElse(large, x, hn::Set(d, 1.0)));
+  return ReduceLarge<kBrief>(d, Selected(hn::IfThenElse(large, x, hn::Set(d, 1.0))));
 }
 
 // x with its sign flipped where the bit `kBit` of `bits` is set.

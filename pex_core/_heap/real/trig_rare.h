@@ -2,9 +2,12 @@
 #ifndef PEX_CORE__HEAP_REAL_TRIG_RARE_H_
 #define PEX_CORE__HEAP_REAL_TRIG_RARE_H_
 
+#include "pex_core/_kernel/exceptions.h"
 #include "pexquo/pex.h"
 
 namespace pex {
+
+PEX_EXCEPTIONS_COUNT
 
 // An infinity: the default NaN, raising invalid, and code 1. A NaN: itself, quiet, and code 0.
 template <typename T>
@@ -23,6 +26,8 @@ inline int TrigRare(T x, T* r1, T* r2) {
   *r2 = *r1;
   return code;
 }
+
+PEX_EXCEPTIONS_COUNT_END
 
 }  // namespace pex
 

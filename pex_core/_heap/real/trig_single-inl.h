@@ -292,8 +292,9 @@ struct Reduction {
   static HWY_INLINE Reduced<hn::Rebind<double, D>> WholeWide(D d, V x) {
     const hn::Rebind<double, D> wide;
     const auto near_mask = MagnitudeBelow(d, x, kWideLimit);
-    const auto near = NearWide(wide, hn::PromoteTo(wide, hn::IfThenElseZero(near_mask, x)));
-    const auto far = FarWide(d, hn::IfThenElse(near_mask, hn::Set(d, 1.0f), x));
+    const auto near =
+        NearWide(wide, hn::PromoteTo(wide, Selected(hn::IfThenElseZero(near_mask, x))));
+    const auto far = FarWide(d, Selected(hn::IfThenElse(near_mask, hn::Set(d, 1.0f), x)));
     const auto select = MagnitudeBelow(wide, hn::PromoteTo(wide, x), double{kWideLimit});
     const auto y = hn::IfThenElse(select, near.y, far.y);
     return {y, Bits(wide, hn::IfThenElse(select, FromBits(wide, near.k), FromBits(wide, far.k)))};
@@ -304,9 +305,9 @@ struct Reduction {
   static HWY_INLINE Reduced<D> Whole(D d, V x) {
     const V one = hn::Set(d, 1.0f);
     const auto near_mask = MagnitudeBelow(d, x, kLimit);
-    const Reduced<D> near = Near<kCare>(d, hn::IfThenElse(near_mask, x, one));
+    const Reduced<D> near = Near<kCare>(d, Selected(hn::IfThenElse(near_mask, x, one)));
     if (hn::AllTrue(d, near_mask)) return near;
-    const V far_x = hn::IfThenElse(near_mask, one, x);
+    const V far_x = Selected(hn::IfThenElse(near_mask, one, x));
     const hn::Half<D> half;
     const auto lower = FarNarrow(half, hn::LowerHalf(half, far_x));
     const auto upper = FarNarrow(half, hn::UpperHalf(half, far_x));
@@ -368,7 +369,7 @@ struct TrigNarrow : Kernel<float> {
       const V one = hn::Set(d, 1.0f);
       const auto tiny = MagnitudeBelow(d, x, Reduce::kLeast);
       const Reduced<D> u[1] = {
-          Reduce::template Whole<Formula::kCare>(d, hn::IfThenElse(tiny, one, x))};
+          Reduce::template Whole<Formula::kCare>(d, Selected(hn::IfThenElse(tiny, one, x)))};
       V r[1];
       Formula::Group(d, u, r);
       return hn::IfThenElse(tiny, Formula::kTurn == Turn::kCosine ? one : x, r[0]);
@@ -377,8 +378,9 @@ struct TrigNarrow : Kernel<float> {
     static HWY_INLINE void Main(D d, V x, V& sine, V& cosine) {
       const V one = hn::Set(d, 1.0f);
       const auto tiny = MagnitudeBelow(d, x, Reduce::kLeast);
-      Formula::Of(d, Reduce::template Whole<Formula::kCare>(d, hn::IfThenElse(tiny, one, x)), sine,
-                  cosine);
+      Formula::Of(d,
+                  Reduce::template Whole<Formula::kCare>(d, Selected(hn::IfThenElse(tiny, one, x))),
+                  sine, cosine);
       sine = hn::IfThenElse(tiny, x, sine);
       cosine = hn::IfThenElse(tiny, one, cosine);
     }
