@@ -35,18 +35,41 @@ struct dAcoshEP : dAcoshCommon {
   }
 };
 
-struct dAcoshLA : dAcoshCommon {
+// Up to kLargeArgument there are no cases.
+using RareOrLarge = RareOutside<double, 0x3FF00000, 0x41AFFFFF>;
+
+struct dAcoshWideLA : dAcoshCommon {
+  static constexpr int kUnroll = 2;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    InverseLA<AcoshSum>(d, x, r);
+    InverseLA<AcoshSum, true>(d, x, r);
+  }
+};
+
+struct dAcoshLA : dAcoshCommon {
+  using Rarity = RareOrLarge;
+  using Wide = dAcoshWideLA;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    InverseLA<AcoshSum, false>(d, x, r);
+  }
+};
+
+struct dAcoshWideHA : dAcoshCommon {
+  static constexpr int kUnroll = 2;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    InverseHA<AcoshSum, true>(d, x, r);
   }
 };
 
 struct dAcoshHA : dAcoshCommon {
+  using Rarity = RareOrLarge;
+  using Wide = dAcoshWideHA;
   static constexpr int kUnroll = 4;  // more vectors do not fit the registers
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    InverseHA<AcoshSum>(d, x, r);
+    InverseHA<AcoshSum, false>(d, x, r);
   }
 };
 

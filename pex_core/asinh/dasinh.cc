@@ -46,24 +46,53 @@ struct dAsinhEP : dAsinhCommon {
   }
 };
 
-struct dAsinhLA : dAsinhCommon {
+// From kTiny to kLargeArgument there are no cases.
+using TinyOrLarge = RareByMagnitude<RareOutside<double, 0x3E300000, 0x41AFFFFF>>;
+
+struct dAsinhWideLA : dAsinhCommon {
+  static constexpr int kUnroll = 2;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], y[K];
     for (size_t k = 0; k < K; ++k) a[k] = MagnitudeUnlessTiny(d, x[k], kTiny);
-    InverseLA<AsinhSum>(d, a, y);
+    InverseLA<AsinhSum, true>(d, a, y);
+    for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kTiny);
+  }
+};
+
+struct dAsinhLA : dAsinhCommon {
+  using Rarity = TinyOrLarge;
+  using Wide = dAsinhWideLA;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    V a[K], y[K];
+    for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
+    InverseLA<AsinhSum, false>(d, a, y);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(y[k], x[k]);
+  }
+};
+
+struct dAsinhWideHA : dAsinhCommon {
+  static constexpr int kUnroll = 2;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    V a[K], y[K];
+    for (size_t k = 0; k < K; ++k) a[k] = MagnitudeUnlessTiny(d, x[k], kTiny);
+    InverseHA<AsinhSum, true>(d, a, y);
     for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kTiny);
   }
 };
 
 struct dAsinhHA : dAsinhCommon {
+  using Rarity = TinyOrLarge;
+  using Wide = dAsinhWideHA;
   static constexpr int kUnroll = 4;  // more vectors do not fit the registers
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], y[K];
-    for (size_t k = 0; k < K; ++k) a[k] = MagnitudeUnlessTiny(d, x[k], kTiny);
-    InverseHA<AsinhSum>(d, a, y);
-    for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kTiny);
+    for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
+    InverseHA<AsinhSum, false>(d, a, y);
+    for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(y[k], x[k]);
   }
 };
 

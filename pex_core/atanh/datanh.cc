@@ -42,7 +42,7 @@ struct dAtanhHA : dAtanhCommon<Kernel<double>> {
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], y[K];
     for (size_t k = 0; k < K; ++k) a[k] = MagnitudeUnlessTiny(d, x[k], kTiny);
-    InverseHA<AtanhSum>(d, a, y);
+    InverseHA<AtanhSum, true>(d, a, y);
     for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kTiny);
   }
 };

@@ -23,7 +23,7 @@ namespace pex::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 // From here on asinh(a) and acosh(a) are ln(2a) to 2^-62 of themselves, and squares may overflow.
-// In single precision only kernels of the wide kind have such arguments.
+// Only kernels of the wide kind have such arguments.
 template <typename T>
 inline constexpr T kLargeArgument = sizeof(T) == 8 ? T(0x1p28) : T(0x1p60);
 
@@ -65,12 +65,12 @@ struct AsinhSum {
     MixedRoots<kEstimatedRoots<V, K>>(d, u);
     for (size_t k = 0; k < K; ++k) u[k] = hn::Add(a[k], u[k]);
   }
-  template <bool kFull, class D, class V>
+  template <bool kFull, bool kWide = true, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
     using T = hn::TFromD<D>;
     const V one = hn::Set(d, T(1));
     const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<T>));
-    const V y = Selected(hn::IfThenZeroElse(large, a));
+    const V y = kWide ? Selected(hn::IfThenZeroElse(large, a)) : a;
     Pair<V> square{hn::Mul(y, y), hn::Zero(d)};
     if constexpr (kFull) square = TwoProduct(d, y, y);
     const Pair<V> sum = kFull ? TwoSum(one, square.hi) : FastTwoSum(one, square.hi);
@@ -85,7 +85,9 @@ struct AsinhSum {
           hn::IfThenElseZero(hn::Lt(y, hn::Set(d, T(2))), hn::Mul(residual, hn::Set(d, T(0.5))));
     }
     const Pair<V> u = FastTwoSum(root, y);
-    return OrLarge(d, large, a, u.hi, hn::Add(u.lo, residual));
+    const V rest = hn::Add(u.lo, residual);
+    if constexpr (!kWide) return {u.hi, rest, hn::Zero(d)};
+    return OrLarge(d, large, a, u.hi, rest);
   }
 };
 
@@ -118,12 +120,12 @@ struct AcoshSum {
     MixedRoots<kEstimatedRoots<V, K>>(d, u);
     for (size_t k = 0; k < K; ++k) u[k] = hn::Add(a[k], u[k]);
   }
-  template <bool kFull, class D, class V>
+  template <bool kFull, bool kWide = true, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
     using T = hn::TFromD<D>;
     const V one = hn::Set(d, T(1));
     const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<T>));
-    const V y = Selected(hn::IfThenElse(large, one, a));
+    const V y = kWide ? Selected(hn::IfThenElse(large, one, a)) : a;
     const Pair<V> square = TwoProduct(d, y, y);
     const Pair<V> less = FastTwoSum(square.hi, hn::Neg(one));
     const Pair<V> w = FastTwoSum(less.hi, hn::Add(less.lo, square.lo));
@@ -136,6 +138,7 @@ struct AcoshSum {
       rest =
           hn::Add(rest, hn::Div(residual, hn::Add(hn::Add(root, root), hn::Set(d, T(0x1p-100)))));
     }
+    if constexpr (!kWide) return {u.hi, rest, hn::Zero(d)};
     return OrLarge(d, large, a, u.hi, rest);
   }
 };
@@ -145,7 +148,7 @@ struct AtanhSum {
   static constexpr double kFactor = 0.5;
   static constexpr bool kHasLarge = false;
   static constexpr bool kExactSum = false;
-  template <bool kFull, class D, class V>
+  template <bool kFull, bool kWide = true, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
     using T = hn::TFromD<D>;
     const V one = hn::Set(d, T(1));
@@ -201,19 +204,20 @@ HWY_INLINE void InverseEP(D d, const V (&a)[K], V (&r)[K]) {
   LogPlainSum(d, head, p, kLnEP, r);
 }
 
-template <class F, class D, class V, size_t K>
+// LA and HA. Without kWide for arguments up to kLargeArgument.
+template <class F, bool kWide, class D, class V, size_t K>
 HWY_INLINE void InverseLA(D d, const V (&a)[K], V (&r)[K]) {
   LogArgument<V> argument[K];
-  for (size_t k = 0; k < K; ++k) argument[k] = F::template Argument<false>(d, a[k]);
-  LogOfSumLA<F::kHasLarge, F::kExactSum>(d, argument, r);
+  for (size_t k = 0; k < K; ++k) argument[k] = F::template Argument<false, kWide>(d, a[k]);
+  LogOfSumLA<F::kHasLarge && kWide, F::kExactSum>(d, argument, r);
 }
 
-template <class F, class D, class V, size_t K>
+template <class F, bool kWide, class D, class V, size_t K>
 HWY_INLINE void InverseHA(D d, const V (&a)[K], V (&r)[K]) {
   LogArgument<V> argument[K];
   Pair<V> sum[K];
-  for (size_t k = 0; k < K; ++k) argument[k] = F::template Argument<true>(d, a[k]);
-  LogOfSumPair(d, argument, sum);
+  for (size_t k = 0; k < K; ++k) argument[k] = F::template Argument<true, kWide>(d, a[k]);
+  LogOfSumPair<F::kHasLarge && kWide>(d, argument, sum);
   for (size_t k = 0; k < K; ++k) {
     r[k] = hn::Mul(hn::Add(sum[k].hi, sum[k].lo), hn::Set(d, F::kFactor));
   }

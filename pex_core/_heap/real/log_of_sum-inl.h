@@ -23,7 +23,7 @@ struct LogArgument {
 };
 
 // Within 2^-57 of itself.
-template <class D, class V, size_t K>
+template <bool kShift, class D, class V, size_t K>
 HWY_INLINE void LogOfSumPair(D d, const LogArgument<V> (&x)[K], Pair<V> (&r)[K]) {
   V u[K];
   LogReduced<D> v[K];
@@ -35,7 +35,7 @@ HWY_INLINE void LogOfSumPair(D d, const LogArgument<V> (&x)[K], Pair<V> (&r)[K])
         TwoSum(hn::Sub(v[k].m, v[k].row.a), hn::Mul(InversePower(d, v[k]), x[k].rest));
     p[k] = TwoProduct(d, t.hi, v[k].row.factor);
     p[k].lo = hn::Add(p[k].lo, hn::Mul(t.lo, v[k].row.factor));
-    v[k].e = hn::Add(v[k].e, x[k].shift);
+    if constexpr (kShift) v[k].e = hn::Add(v[k].e, x[k].shift);
   }
   LogPair<NaturalLog>(d, v, p, r);
 }
@@ -65,7 +65,7 @@ template <class F, class D, class W, class V>
 HWY_NOINLINE VecOf<D> LogOfSumInFull(D d, W wide, V x) {
   const LogArgument<V> argument[1] = {F::template Argument<true>(wide, x)};
   Pair<V> sum[1];
-  LogOfSumPair(wide, argument, sum);
+  LogOfSumPair<F::kHasLarge>(wide, argument, sum);
   const Pair<V> r = FastTwoSum(hn::Mul(sum[0].hi, hn::Set(wide, F::kFactor)),
                                hn::Mul(sum[0].lo, hn::Set(wide, F::kFactor)));
   return RoundPair(d, wide, r.hi, r.lo);
