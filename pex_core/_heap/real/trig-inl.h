@@ -224,7 +224,8 @@ HWY_INLINE void SubExactProducts(const V (&x)[K], const V (&n)[K], V p, V (&r)[K
   for (size_t k = 0; k < K; ++k) r[k] = SubExactProduct(n[k], p, x[k]);
 }
 
-// x - n p where that is exact, if n p is not: n times `upper` is, and times what it leaves of p.
+// x - n p rounded once, if n p is not exact: n times `upper` is, and what that leaves of x, and n
+// times the rest of p.
 template <class D, class V, size_t K>
 HWY_INLINE void SubProductsExactly(D d, const V (&x)[K], const V (&n)[K], double p,
                                    [[maybe_unused]] double upper, V (&r)[K]) {

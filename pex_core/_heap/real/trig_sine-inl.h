@@ -102,14 +102,17 @@ struct SineLA {
                                              -0.00019841269825056256, 2.7557316600552628e-06,
                                              -2.505188027386288e-08,  1.6048095404959637e-10,
                                              -7.373344533110665e-13};
+  static constexpr double kPart1 = 3.141592502593994, kPart2 = 1.5099578831723193e-7;
 
   template <Wave kWave, class D, class V, size_t K>
   static HWY_INLINE void Reduce(D d, const V (&x)[K], BitsOf<D> (&sign)[K], V (&y)[K]) {
     V n[K];
     NearestHalfTurn<kWave>(d, x, sign, n);
-    SubExactProducts(x, n, hn::Set(d, 3.141592502593994), y);
-    EndStep(y);
-    SubExactProducts(y, n, hn::Set(d, 1.5099578831723193e-7), y);
+    // Two parts at once. What the first leaves is below 2, and a number where x has no bits below
+    // 2^-52, so that the second's rounding is the only one. Else n is 0, or it is 1/2 or -1/2: what
+    // is left is a number below 1, or a multiple of 2^-52 next to it, and the second part leaves a
+    // multiple too; both halves are even ones, so that x alone says how to round.
+    SubProductsExactly(d, x, n, kPart1 + kPart2, kPart1, y);
     EndStep(y);
     SubExactProducts(y, n, hn::Set(d, 1.078060505991553e-14), y);
     EndStep(y);
