@@ -10,19 +10,21 @@
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
+template <bool kTiny>
 struct sArgEP {
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    UnitAtan2<kAtanUnitSingleEP, true, true>(d, y, x, r);
+    UnitAtan2<kAtanUnitSingleEP, true, kTiny>(d, y, x, r);
   }
 };
 
+template <bool kTiny>
 struct sArgLA {
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-    UnitAtan2<kAtan2SingleLA, false, true>(d, y, x, r);
+    UnitAtan2<kAtan2SingleLA, false, kTiny>(d, y, x, r);
   }
 };
 
@@ -39,11 +41,24 @@ struct sArg : ArgKernel<float, Compute, Domain, Formula> {
   static float Rare(Complex<float> a) { return _pexsatan2_scalar(a.im, a.re); }
 };
 
+// Most numbers have parts whose exponents few operations tell; all others are left to the rest of
+// the domain, by the same formula.
+struct sArgCommonDomain : sAtan2ModestDomain {
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyMayBeRare(D d, const V (&y)[K], const V (&x)[K]) {
+    return AnyOutside(d, y, x);
+  }
+};
+template <template <bool kTiny> class Formula>
+struct sArgCommon : sArg<float, sArgCommonDomain, Formula<false>> {
+  using Wide = sArg<float, sAtan2Domain, Formula<true>>;
+};
+
 int cArg_11(int32_t n, const PexComplex8* a, float* r) {
-  return MapComplex<sArg<float, sAtan2Domain, sArgEP>>(n, a, r);
+  return MapComplex<sArgCommon<sArgEP>>(n, a, r);
 }
 int cArg_21(int32_t n, const PexComplex8* a, float* r) {
-  return MapComplex<sArg<float, sAtan2Domain, sArgLA>>(n, a, r);
+  return MapComplex<sArgCommon<sArgLA>>(n, a, r);
 }
 int cArg_HA(int32_t n, const PexComplex8* a, float* r) {
   return MapComplex<sArg<float, sAtan2WideDomain, sArgHA>>(n, a, r);

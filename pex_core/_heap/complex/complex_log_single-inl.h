@@ -72,7 +72,7 @@ template <class F>
 struct LogInDouble : ElementaryKernel<F, float> {
   using Tag = typename ComplexKernel<float>::Tag;
   static constexpr bool kDecimal = std::is_same_v<F, ComplexLog10>;
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 3 : 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
     const hn::Rebind<double, hn::Half<D>> wide;

@@ -59,6 +59,18 @@ struct UnitAtan2Part {
 
   HWY_INLINE void Reduce(V y, V x) {
     const D d;
+#if HWY_TARGET == HWY_AVX3
+    if constexpr (sizeof(V) == 64) {
+      // Operands 10 and 11: the one of the smaller and of the larger magnitude, without sign.
+      // Minima and maxima of integers would go to the unit that divides.
+      (void)d;
+      const V less = {_mm512_range_round_ps(y.raw, x.raw, 10, _MM_FROUND_NO_EXC)};
+      const V more = {_mm512_range_round_ps(y.raw, x.raw, 11, _MM_FROUND_NO_EXC)};
+      t[0] = hn::Div(less, more);
+      EndPart(t);
+      return;
+    }
+#endif
     const auto ay = Bits(d, hn::Abs(y)), ax = Bits(d, hn::Abs(x));
     t[0] = hn::Div(FromBits(d, hn::Min(ay, ax)), FromBits(d, hn::Max(ay, ax)));
     EndPart(t);
