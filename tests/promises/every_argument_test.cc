@@ -28,6 +28,7 @@ constexpr Kernel kKernels[] = {
     {"sAsin_21", _pexsAsin_21, -1, 1},
     {"sAtan_11", _pexsAtan_11, -kLargest, kLargest},
     {"sAtan_21", _pexsAtan_21, -kLargest, kLargest},
+    {"sExpm1_21", _pexsExpm1_21, -88, 88},
     {"sLog10_21", _pexsLog10_21, 0, kLargest},
     {"sTan_21", _pexsTan_21, -kLargest, kLargest},
     {"sTanh_11", _pexsTanh_11, -kLargest, kLargest},

@@ -9,9 +9,9 @@ namespace pex {
 inline constexpr float sExpLAPolynomial[] = {
     0x1.00087cp-1f, 0x1.555d8ap-3f};
 
-// (e^x - 1 - x)/x, |x| <= 4.332999885082244873046875e-2; absolute error 2^-27.53125.
+// a and b with (e^x - 1 - x)/x^2 = a + b (4 x + x^2), |x| <= 4.332999885082244873046875e-2; absolute error 2^-22.46875.
 inline constexpr float sExpm1LAPolynomial[] = {
-    0x1p-1f, 0x1.555c22p-3f, 0x1.555a56p-5f};
+    0x1p-1f, 0x1.555b7ep-5f};
 
 // (e^x - 1 - x)/x^2, |x| <= 2.167000062763690948486328125e-2; absolute error 2^-25.46875.
 inline constexpr float sExpSixteenthPolynomial[] = {

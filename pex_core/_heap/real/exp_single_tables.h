@@ -23,6 +23,15 @@ alignas(64) inline constexpr float sExpEighthsRest[16] = {
     0x1.26055cp-26f, 0x1.67a1cap-28f, -0x1.f9c306p-27f, -0x1.a5217cp-28f,
 };
 
+// 2^(j/8)/(1 + j/8) - 1, twice: (1 - c) - c t, c = 2^n (1 + j/8), is the same rounded once and
+// twice for -127 < n < 128.
+alignas(64) inline constexpr float sExpEighthsOverChord[16] = {
+    0x0p+0f, -0x1.f6547ep-6f, -0x1.8e698ap-5f, -0x1.d1aa6cp-5f,
+    -0x1.d48222p-5f, -0x1.a15bfep-5f, -0x1.3f499ap-5f, -0x1.66315cp-6f,
+    0x0p+0f, -0x1.f6547ep-6f, -0x1.8e698ap-5f, -0x1.d1aa6cp-5f,
+    -0x1.d48222p-5f, -0x1.a15bfep-5f, -0x1.3f499ap-5f, -0x1.66315cp-6f,
+};
+
 // Bits of 2^(j/8) less j << 20, twice: adding k << 20 gives those of 2^(k/8).
 alignas(64) inline constexpr int32_t sExpShiftedEighths[16] = {
     0x3F800000, 0x3F7B95C2, 0x3F7837F0, 0x3F75FED7,
