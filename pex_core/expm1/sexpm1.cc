@@ -79,7 +79,7 @@ struct sExpm1EP : sExpm1Common<float, sExpm1EPRarity> {
 
 // The bits of k, moved to the exponent, are those of c = 2^n (1 + j/8), k = 8 n + j, and s - 1 =
 // (c - 1) + c t, t = 2^(j/8)/(1 + j/8) - 1 from a table, the same rounded once or twice for every
-// k. e^r - 1 as a quartic, |r| <= ln2/16. Largest error 1.77 ulp (0x1.bf1a7ap-5).
+// k. e^r - 1 as a quartic, |r| <= ln2/16. Largest error 1.75 ulp (0x1.b6488cp-5).
 struct sExpm1LA : sExpm1Common<float, sExpm1LARarity> {
   static constexpr int kUnroll = 8;
 #if HWY_TARGET == HWY_AVX2  // registers are few
