@@ -18,7 +18,7 @@ struct dAcoshCommon : Kernel<double> {
 };
 
 struct dAcoshWideEP : dAcoshCommon {
-  static constexpr int kUnroll = 2;
+  static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     InverseEP<AcoshSum, true>(d, x, r);
@@ -39,7 +39,6 @@ struct dAcoshEP : dAcoshCommon {
 using RareOrLarge = RareOutside<double, 0x3FF00000, 0x41AFFFFF>;
 
 struct dAcoshWideLA : dAcoshCommon {
-  static constexpr int kUnroll = 2;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     InverseLA<AcoshSum, true>(d, x, r);
@@ -56,7 +55,7 @@ struct dAcoshLA : dAcoshCommon {
 };
 
 struct dAcoshWideHA : dAcoshCommon {
-  static constexpr int kUnroll = 2;
+  static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     InverseHA<AcoshSum, true>(d, x, r);

@@ -21,7 +21,7 @@ struct dAsinhCommon : Kernel<double> {
 inline constexpr double kTiny = 0x1p-28;
 
 struct dAsinhWideEP : dAsinhCommon {
-  static constexpr int kUnroll = 2;
+  static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], y[K];
@@ -50,7 +50,6 @@ struct dAsinhEP : dAsinhCommon {
 using TinyOrLarge = RareByMagnitude<RareOutside<double, 0x3E300000, 0x41AFFFFF>>;
 
 struct dAsinhWideLA : dAsinhCommon {
-  static constexpr int kUnroll = 2;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], y[K];
@@ -73,7 +72,7 @@ struct dAsinhLA : dAsinhCommon {
 };
 
 struct dAsinhWideHA : dAsinhCommon {
-  static constexpr int kUnroll = 2;
+  static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     V a[K], y[K];

@@ -23,7 +23,7 @@ namespace pex::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 // From here on asinh(a) and acosh(a) are ln(2a) to 2^-62 of themselves, and squares may overflow.
-// Only kernels of the wide kind have such arguments.
+// Only kernels of the wide kind have such arguments, and the plain sums of EP.
 template <typename T>
 inline constexpr T kLargeArgument = sizeof(T) == 8 ? T(0x1p28) : T(0x1p60);
 
@@ -65,7 +65,7 @@ struct AsinhSum {
     MixedRoots<kEstimatedRoots<V, K>>(d, u);
     for (size_t k = 0; k < K; ++k) u[k] = hn::Add(a[k], u[k]);
   }
-  template <bool kFull, bool kWide = true, class D, class V>
+  template <bool kFull, bool kWide = true, bool kEstimated = false, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
     using T = hn::TFromD<D>;
     const V one = hn::Set(d, T(1));
@@ -74,7 +74,7 @@ struct AsinhSum {
     Pair<V> square{hn::Mul(y, y), hn::Zero(d)};
     if constexpr (kFull) square = TwoProduct(d, y, y);
     const Pair<V> sum = kFull ? TwoSum(one, square.hi) : FastTwoSum(one, square.hi);
-    const V root = hn::Sqrt(sum.hi);
+    const V root = kEstimated ? RootByEstimateOrZero(d, sum.hi) : hn::Sqrt(sum.hi);
     V residual = hn::Add(Remainder(d, sum.hi, root, root), sum.lo);
     // It weighs where the root is close to 1; LA takes it for 1, and leaves the residual out beyond
     // a = 2.
@@ -120,7 +120,7 @@ struct AcoshSum {
     MixedRoots<kEstimatedRoots<V, K>>(d, u);
     for (size_t k = 0; k < K; ++k) u[k] = hn::Add(a[k], u[k]);
   }
-  template <bool kFull, bool kWide = true, class D, class V>
+  template <bool kFull, bool kWide = true, bool kEstimated = false, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
     using T = hn::TFromD<D>;
     const V one = hn::Set(d, T(1));
@@ -129,7 +129,7 @@ struct AcoshSum {
     const Pair<V> square = TwoProduct(d, y, y);
     const Pair<V> less = FastTwoSum(square.hi, hn::Neg(one));
     const Pair<V> w = FastTwoSum(less.hi, hn::Add(less.lo, square.lo));
-    const V root = hn::Sqrt(w.hi);
+    const V root = kEstimated ? RootByEstimateOrZero(d, w.hi) : hn::Sqrt(w.hi);
     const Pair<V> u = FastTwoSum(y, root);
     V rest = u.lo;
     if constexpr (kFull) {
@@ -148,7 +148,7 @@ struct AtanhSum {
   static constexpr double kFactor = 0.5;
   static constexpr bool kHasLarge = false;
   static constexpr bool kExactSum = false;
-  template <bool kFull, bool kWide = true, class D, class V>
+  template <bool kFull, bool kWide = true, bool kEstimated = false, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
     using T = hn::TFromD<D>;
     const V one = hn::Set(d, T(1));
@@ -204,11 +204,23 @@ HWY_INLINE void InverseEP(D d, const V (&a)[K], V (&r)[K]) {
   LogPlainSum(d, head, p, kLnEP, r);
 }
 
-// LA and HA. Without kWide for arguments up to kLargeArgument.
+// The arguments of LA and HA. Without kWide for a up to kLargeArgument, and every other root of
+// many by an estimate, where that is possible: the processor has divisions to make, too.
+template <class F, bool kFull, bool kWide, class D, class V, size_t K>
+HWY_INLINE void InverseArguments(D d, const V (&a)[K], LogArgument<V> (&r)[K]) {
+  for (size_t k = 0; k < K; ++k) {
+    if (!kWide && K >= 4 && k % 2 == 0) {
+      r[k] = F::template Argument<kFull, false, true>(d, a[k]);
+    } else {
+      r[k] = F::template Argument<kFull, kWide>(d, a[k]);
+    }
+  }
+}
+
 template <class F, bool kWide, class D, class V, size_t K>
 HWY_INLINE void InverseLA(D d, const V (&a)[K], V (&r)[K]) {
   LogArgument<V> argument[K];
-  for (size_t k = 0; k < K; ++k) argument[k] = F::template Argument<false, kWide>(d, a[k]);
+  InverseArguments<F, false, kWide>(d, a, argument);
   LogOfSumLA<F::kHasLarge && kWide, F::kExactSum>(d, argument, r);
 }
 
@@ -216,7 +228,7 @@ template <class F, bool kWide, class D, class V, size_t K>
 HWY_INLINE void InverseHA(D d, const V (&a)[K], V (&r)[K]) {
   LogArgument<V> argument[K];
   Pair<V> sum[K];
-  for (size_t k = 0; k < K; ++k) argument[k] = F::template Argument<true, kWide>(d, a[k]);
+  InverseArguments<F, true, kWide>(d, a, argument);
   LogOfSumPair<F::kHasLarge && kWide>(d, argument, sum);
   for (size_t k = 0; k < K; ++k) {
     r[k] = hn::Mul(hn::Add(sum[k].hi, sum[k].lo), hn::Set(d, F::kFactor));

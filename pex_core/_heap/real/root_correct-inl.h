@@ -70,7 +70,12 @@ HWY_INLINE V RootByEstimate(D d, V t) {
 // The same, of 0 too.
 template <class D, class V>
 HWY_INLINE V RootByEstimateOrZero(D d, V t) {
-  if constexpr (sizeof(V) == 64) {
+  if constexpr (sizeof(V) == 64 && sizeof(hn::TFromD<D>) == 8) {
+    const __mmask8 positive = _mm512_test_epi64_mask(Bits(d, t).raw, Bits(d, t).raw);
+    V root[1] = {t}, inverse[1] = {{_mm512_maskz_rsqrt14_pd(positive, t.raw)}};
+    RootsByEstimates(d, root, inverse);
+    return root[0];
+  } else if constexpr (sizeof(V) == 64) {
     const __mmask16 positive = _mm512_test_epi32_mask(Bits(d, t).raw, Bits(d, t).raw);
     return RootByEstimate(d, t, V{_mm512_maskz_rsqrt14_ps(positive, t.raw)});
   }
