@@ -25,30 +25,25 @@ namespace pex::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 #if HWY_TARGET == HWY_AVX3
-// c[i % kRows]
-template <int kRows>
+// c[i % kRows], or c[(i + kRows/2) % kRows]
+template <int kRows, bool kFromMiddle = false>
 HWY_INLINE __m512d PowColumn(const double* c, __m512i i) {
   if constexpr (kRows == 16) {
     return _mm512_permutex2var_pd(_mm512_load_pd(c), i, _mm512_load_pd(c + 8));
   } else {
     const __mmask8 upper = _mm512_test_epi64_mask(i, _mm512_set1_epi64(kRows / 2));
-    return _mm512_mask_blend_pd(upper, PowColumn<kRows / 2>(c, i),
-                                PowColumn<kRows / 2>(c + kRows / 2, i));
+    constexpr int kLower = kFromMiddle ? kRows / 2 : 0;
+    return _mm512_mask_blend_pd(upper, PowColumn<kRows / 2>(c + kLower, i),
+                                PowColumn<kRows / 2>(c + kRows / 2 - kLower, i));
   }
 }
 #endif
 
-// Row i % kRows of two columns, which also stand side by side.
+#if HWY_TARGET != HWY_AVX3
+// Rows of two columns side by side, by their offsets in bytes.
 template <int kRows, class D>
-HWY_INLINE Pair<VecOf<D>> PowLookUp(D d, const double* first, const double* second,
-                                    const PowPairs<kRows>& pairs, BitsOf<D> i) {
+HWY_INLINE Pair<VecOf<D>> PowRowsAt(D, const PowPairs<kRows>& pairs, BitsOf<D> offset) {
   using V = VecOf<D>;
-#if HWY_TARGET == HWY_AVX3
-  (void)d, (void)pairs;
-  return {V{PowColumn<kRows>(first, i.raw)}, V{PowColumn<kRows>(second, i.raw)}};
-#else
-  (void)first, (void)second;
-  const auto offset = hn::And(hn::ShiftLeft<4>(i), SetBits(d, (kRows - 1) * 16));
   const auto row = [&pairs](int64_t bytes) HWY_ATTR {
     return _mm_load_pd(
         reinterpret_cast<const double*>(reinterpret_cast<const char*>(pairs.row) + bytes));
@@ -66,6 +61,20 @@ HWY_INLINE Pair<VecOf<D>> PowLookUp(D d, const double* first, const double* seco
   const __m128d odd = row(_mm_extract_epi64(offset.raw, 1));
   return {V{_mm_unpacklo_pd(even, odd)}, V{_mm_unpackhi_pd(even, odd)}};
 #endif
+}
+#endif
+
+// Row i % kRows of two columns, which also stand side by side.
+template <int kRows, class D>
+HWY_INLINE Pair<VecOf<D>> PowLookUp(D d, const double* first, const double* second,
+                                    const PowPairs<kRows>& pairs, BitsOf<D> i) {
+#if HWY_TARGET == HWY_AVX3
+  using V = VecOf<D>;
+  (void)d, (void)pairs;
+  return {V{PowColumn<kRows>(first, i.raw)}, V{PowColumn<kRows>(second, i.raw)}};
+#else
+  (void)first, (void)second;
+  return PowRowsAt<kRows>(d, pairs, hn::And(hn::ShiftLeft<4>(i), SetBits(d, (kRows - 1) * 16)));
 #endif
 }
 
@@ -88,27 +97,33 @@ HWY_INLINE V PowScale(D d, V y, BitsOf<D> k) {
       d, hn::Add(Bits(d, y), hn::And(hn::ShiftLeft<kShift>(k), SetBits(d, 0xFFF0000000000000))));
 }
 
+// kUnit: what e counts in, the bits of an exponent where integers of 64 bits become doubles.
 template <class D>
 struct PowReduced {
   VecOf<D> e, m, factor, log;
+  static constexpr double kUnit = HWY_TARGET == HWY_AVX3 ? 0x1p-52 : 1;
 };
+inline constexpr double kPowUnit = PowReduced<hn::ScalableTag<double>>::kUnit;
 
 // For positive normal x. The exponent passes to the next one half a step before 3/2, where the
-// table does.
+// table does; the rows begin there.
 template <class Tier, class D, class V, size_t K>
 HWY_INLINE void PowReduce(D d, const V (&x)[K], PowReduced<D> (&r)[K]) {
-  const hn::RebindToUnsigned<D> du;
   constexpr int kRowShift = Tier::kRows == 64 ? 46 : 47;
   constexpr uint64_t kLeastM = 0x3FE8000000000000 - (uint64_t{1} << (kRowShift - 1));
-  constexpr uint64_t kBias = uint64_t{1024} << 52;  // keeps biased exponents positive
   for (size_t k = 0; k < K; ++k) {
     const auto bits = Bits(d, x[k]);
-    const auto row = ShiftBitsRight<kRowShift>(
-        d, FromBits(d, hn::Add(bits, SetBits(d, uint64_t{1} << (kRowShift - 1)))));
-    const Pair<V> entry =
-        PowLookUp<Tier::kRows>(d, Tier::kFactor, Tier::kLog, Tier::kLogPairs, row);
-    r[k].factor = entry.hi;
-    r[k].log = entry.lo;
+#if HWY_TARGET == HWY_AVX3
+    const auto above = hn::Sub(bits, SetBits(d, kLeastM));
+    const auto exponent_bits = hn::And(above, SetBits(d, 0xFFF0000000000000));  // e << 52
+    r[k].e = hn::ConvertTo(d, exponent_bits);
+    r[k].m = FromBits(d, hn::Sub(bits, exponent_bits));
+    const auto row = ShiftBitsRight<kRowShift>(d, FromBits(d, above));
+    r[k].factor = V{PowColumn<Tier::kRows, true>(Tier::kFactor, row.raw)};
+    r[k].log = V{PowColumn<Tier::kRows, true>(Tier::kLog, row.raw)};
+#else
+    const hn::RebindToUnsigned<D> du;
+    constexpr uint64_t kBias = uint64_t{1024} << 52;  // keeps biased exponents positive
     const auto above = hn::Add(bits, SetBits(d, kBias - kLeastM));
     // 2^52 + 1024 + e, made by the bits.
     const auto biased =
@@ -116,6 +131,12 @@ HWY_INLINE void PowReduce(D d, const V (&x)[K], PowReduced<D> (&r)[K]) {
     r[k].e = hn::Sub(hn::BitCast(d, biased), hn::Set(d, 0x1p52 + 1024));
     r[k].m =
         FromBits(d, hn::Add(hn::And(above, SetBits(d, 0x000FFFFFFFFFFFFF)), SetBits(d, kLeastM)));
+    const auto offset = hn::And(ShiftBitsRight<kRowShift - 4>(d, FromBits(d, above)),
+                                SetBits(d, (Tier::kRows - 1) * 16));
+    const Pair<V> entry = PowRowsAt<Tier::kRows>(d, Tier::kLogPairs, offset);
+    r[k].factor = entry.hi;
+    r[k].log = entry.lo;
+#endif
   }
 }
 
@@ -147,23 +168,22 @@ struct PowLog {
     V q[K];
     EvenOdd(d, z, square, Tier::kLogPolynomial, q);
     for (size_t k = 0; k < K; ++k) {
-      const V head = AddExactProduct(u[k].e, hn::Set(d, kPowLn2Hi), u[k].log);  // exact
-      const Pair<V> s = FastTwoSum(head, z[k]);
-      // FastTwoSum(s.hi, -square/2)
-      const V hi = SubExactProduct(half, square[k], s.hi);
-      const V lo = SubExactProduct(half, square[k], hn::Sub(s.hi, hi));
+      const V head = AddExactProduct(u[k].e, hn::Set(d, kPowLn2Hi * kPowUnit), u[k].log);  // exact
+      // head + z - square/2 = hi + lo exactly: every difference is a number.
+      const V hi = SubExactProduct(half, square[k], hn::Add(head, z[k]));
+      const V lo = SubExactProduct(half, square[k], hn::Sub(z[k], hn::Sub(hi, head)));
       const V cubic = hn::Mul(square[k], hn::Mul(z[k], q[k]));
       // 1/(1 + z) times what z lacks.
       const V slope = hn::Sub(hn::Set(d, 1.0), hn::Sub(z[k], square[k]));
       const V rest = SubExactProduct(half, square_rest[k], hn::Mul(z_rest[k], slope));
-      const V small = hn::Add(rest, hn::Mul(u[k].e, hn::Set(d, kPowLn2Lo)));
-      r[k] = {hi, hn::Add(hn::Add(hn::Add(s.lo, lo), small), cubic)};
+      const V small = AddExactProduct(u[k].e, hn::Set(d, kPowLn2Rest * kPowUnit), rest);
+      r[k] = {hi, hn::Add(hn::Add(lo, small), cubic)};
     }
   }
 };
 
-// e^p, normal.
-template <class Tier, class D, class V, size_t K>
+// e^p, normal. kExactSteps: by the short rest of a step.
+template <class Tier, bool kExactSteps = false, class D, class V, size_t K>
 HWY_INLINE void PowExp(D d, const Pair<V> (&p)[K], V (&r)[K]) {
   const V shifter = hn::Set(d, 0x1.8p52);  // leaves the rounded integer in the low bits
   BitsOf<D> steps[K];
@@ -174,8 +194,13 @@ HWY_INLINE void PowExp(D d, const Pair<V> (&p)[K], V (&r)[K]) {
                 shifter);
     const V kd = hn::Sub(kf, shifter);
     steps[k] = Bits(d, kf);
-    x[k] = hn::Add(SubExactProduct(kd, hn::Set(d, Tier::kStepHi), p[k].hi),
-                   hn::Sub(p[k].lo, hn::Mul(kd, hn::Set(d, Tier::kStepLo))));
+    V rest;
+    if constexpr (kExactSteps) {
+      rest = SubExactProduct(kd, hn::Set(d, Tier::kStepRest), p[k].lo);
+    } else {
+      rest = hn::Sub(p[k].lo, hn::Mul(kd, hn::Set(d, Tier::kStepLo)));
+    }
+    x[k] = hn::Add(SubExactProduct(kd, hn::Set(d, Tier::kStepHi), p[k].hi), rest);
     square[k] = hn::Mul(x[k], x[k]);
   }
   EvenOdd(d, x, square, Tier::kExpPolynomial, q);
@@ -232,7 +257,7 @@ struct PowPart {
   }
   HWY_INLINE void Result(const V*, V* r) {
     V e[K];
-    PowExp<Tier>(D(), p, e);
+    PowExp<Tier, true>(D(), p, e);
     EndPart(e);
     for (size_t k = 0; k < K; ++k) r[k] = e[k];
   }
@@ -282,7 +307,8 @@ struct PowPlain {
     }
     EvenOdd(d, z, square, PowEP::kLogPolynomial, q);
     for (size_t k = 0; k < K; ++k) {
-      const V log = hn::Add(hn::Add(u[k].e, u[k].log), hn::Mul(z[k], q[k]));
+      const V log =
+          hn::Add(AddExactProduct(u[k].e, hn::Set(d, kPowUnit), u[k].log), hn::Mul(z[k], q[k]));
       p[k] = hn::Mul(y[k], log);
     }
   }
