@@ -113,7 +113,11 @@ struct sLog1pHA : Kernel<float, double> {
     const auto scale = hn::PromoteTo(wide, FromBits(d, hn::Sub(Bits(d, one), u.exponent_bits)));
     const auto sum = hn::Add(hn::PromoteTo(wide, y), hn::Set(wide, 1.0));
     const V r = sLogWide<NaturalLog, sNaturalLog>(d, u, hn::Mul(sum, scale));
+#if HWY_TARGET == HWY_AVX2
+    return hn::Or(r, hn::IfThenElseZero(tiny, x));  // r is +0 there
+#else
     return hn::IfThenElse(tiny, x, r);
+#endif
   }
 };
 

@@ -245,14 +245,27 @@ struct sLogWideKernel : Kernel<float, double> {
 // Rows `i & 15`.
 template <class Base, class D>
 HWY_INLINE LogRow<VecOf<hn::Rebind<double, D>>> sLogLookUp(D, BitsOf<D> i) {
-  const hn::Rebind<double, D> wide;
 #if HWY_TARGET == HWY_AVX2
   const auto offset = hn::And(hn::ShiftLeft<5>(i), SetBits(D(), 15 * 32));
   const uint64_t lower = static_cast<uint64_t>(_mm_cvtsi128_si64(offset.raw));
   const uint64_t upper = static_cast<uint64_t>(_mm_extract_epi64(offset.raw, 1));
-  return LogRowsAt<Base>(wide, static_cast<uint32_t>(lower), lower >> 32,
-                         static_cast<uint32_t>(upper), upper >> 32);
+  // Rows by lane, in halves.
+  using V = VecOf<hn::Rebind<double, D>>;
+  const auto halves = [](uint64_t at0, uint64_t at1) HWY_ATTR {
+    const auto half = [](uint64_t bytes) HWY_ATTR {
+      return _mm_load_pd(
+          reinterpret_cast<const double*>(reinterpret_cast<const char*>(Base::kRows.row) + bytes));
+    };
+    return _mm256_insertf128_pd(_mm256_castpd128_pd256(half(at0)), half(at1), 1);
+  };
+  const uint64_t b0 = static_cast<uint32_t>(lower), b1 = lower >> 32;
+  const uint64_t b2 = static_cast<uint32_t>(upper), b3 = upper >> 32;
+  const __m256d even = halves(b0, b2), odd = halves(b1, b3);
+  const __m256d even_log = halves(b0 + 16, b2 + 16), odd_log = halves(b1 + 16, b3 + 16);
+  return {V{_mm256_unpacklo_pd(even, odd)}, V{_mm256_unpackhi_pd(even, odd)},
+          V{_mm256_unpacklo_pd(even_log, odd_log)}, V{_mm256_unpackhi_pd(even_log, odd_log)}};
 #else
+  const hn::Rebind<double, D> wide;
   return LogLookUp<Base>(wide, hn::PromoteTo(hn::RebindToSigned<decltype(wide)>(), i));
 #endif
 }
