@@ -143,6 +143,37 @@ void OverChord(const char* name) {
   mpfr_clear(x);
 }
 
+// 2^(j/16) as a number s of 21 bits, less j << 48 in its bits, and ln(2^(j/16)/s).
+void ShortPowers(const char* name) {
+  std::printf(
+      "\n// Bits of s = 2^(j/16) in 21 bits, less j << 48; ln(2^(j/16)/s). By columns.\n"
+      "struct ExpShortPowers {\n  int64_t bits[16];\n  double rest[16];\n};\n"
+      "alignas(64) inline constexpr ExpShortPowers %s = {\n    {\n",
+      name);
+  double rest[16];
+  mpfr_t x, y;
+  mpfr_init2(x, 300);
+  mpfr_init2(y, 21);
+  for (int64_t j = 0; j < 16; ++j) {
+    mpfr_set_si(x, j, MPFR_RNDN);
+    mpfr_div_si(x, x, 16, MPFR_RNDN);
+    mpfr_exp2(x, x, MPFR_RNDN);
+    mpfr_set(y, x, MPFR_RNDN);
+    mpfr_div(x, x, y, MPFR_RNDN);
+    mpfr_log(x, x, MPFR_RNDN);
+    rest[j] = mpfr_get_d(x, MPFR_RNDN);
+    const int64_t bits = std::bit_cast<int64_t>(mpfr_get_d(y, MPFR_RNDN)) - (j << 48);
+    std::printf("%s0x%016" PRIX64 ",%s", j % 4 ? "" : "        ", bits, j % 4 == 3 ? "\n" : " ");
+  }
+  std::printf("    },\n    {\n");
+  for (int j = 0; j < 16; ++j) {
+    std::printf("%s%a,%s", j % 4 ? "" : "        ", rest[j], j % 4 == 3 ? "\n" : " ");
+  }
+  std::printf("    },\n};\n");
+  mpfr_clear(x);
+  mpfr_clear(y);
+}
+
 // The significand of 2^(j/1024) in the low 52 bits; above it, plus 2048, how far the power is from
 // that double in 2^-64 of it.
 void Packed(const char* name) {
@@ -186,6 +217,7 @@ int main() {
   Single("dExp_EP_Table", 128, 0.5);
   Factors();
   OverChord("dExpOverChord");
+  ShortPowers("kExpShortPowers");
   Packed("dExpPackedTable");
   Pairs("_pexdExpHATab", 64, Rest::kRelative);
   Pairs("dHyperbolicTable", 64, Rest::kAbsolute);

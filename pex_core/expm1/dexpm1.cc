@@ -1,10 +1,11 @@
-// e^x - 1 in double precision: s (e^r - 1) + (s - 1), s a power of 2^(1/8) or 2^(1/16), in HA of 2.
+// e^x - 1 in double precision: s (e^r - 1) + (s - 1), s a power of 2^(1/16) or, in EP, 2^(1/8).
 // For s = 1 the second term is exactly 0 and r exactly x, so small results keep their relative
 // accuracy.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pex_core/expm1/dexpm1.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
+#include "pex_core/_heap/real/erf_rows-inl.h"
 #include "pex_core/_heap/real/exp_log_polynomials.h"
 #include "pex_core/_heap/real/exp_single_tables.h"
 #include "pex_core/_heap/real/exp_tables.h"
@@ -151,7 +152,7 @@ struct dExpm1LA : dExpm1Common<LargeGroups<double>> {
       const V t = PowerOverChord(d, u[k].bits);
       less[k] = HiddenNegMulAdd(c, t, hn::Sub(hn::Set(d, 1.0), c));  // 1 - s
     }
-    SilentEvenOdd(d, y, y2, kExpm1LA, q);
+    SilentEvenOdd(d, y, y2, kExpm1, q);
     for (size_t k = 0; k < K; ++k) {
       const V e = SilentMul(y2[k], q[k]);  // e^r - 1 - r
       // Differences such that zeros keep their sign.
@@ -161,47 +162,87 @@ struct dExpm1LA : dExpm1Common<LargeGroups<double>> {
   }
 };
 
-constexpr double kLn2Hi = 0x1.62e42fefa38p-1;    // ln2, 42 bits: its product with n is exact
-constexpr double kLn2Lo = 0x1.ef35793c7673p-45;  // the rest
+// The table by rows, for the levels that read whole rows.
+struct ExpShortPowerRows {
+  alignas(64) double row[16][2];
+};
+inline constexpr ExpShortPowerRows kExpShortPowerRows = [] {
+  ExpShortPowerRows rows = {};
+  for (int j = 0; j < 16; ++j) {
+    rows.row[j][0] = __builtin_bit_cast(double, kExpShortPowers.bits[j]);
+    rows.row[j][1] = kExpShortPowers.rest[j];
+  }
+  return rows;
+}();
 
-// r, r^2/2 and 2^n - 1 with their rounding errors.
-struct dExpm1HA : dExpm1Common<Kernel<double>> {
+// Entries k & 15.
+template <class D>
+HWY_INLINE Row2<VecOf<D>> ShortPower([[maybe_unused]] D d, BitsOf<D> k) {
+#if HWY_TARGET == HWY_AVX3
+  const auto& t = kExpShortPowers;
+  const __m512d bits =
+      _mm512_permutex2var_pd(_mm512_load_pd(t.bits), k.raw, _mm512_load_pd(t.bits + 8));
+  const __m512d rest =
+      _mm512_permutex2var_pd(_mm512_load_pd(t.rest), k.raw, _mm512_load_pd(t.rest + 8));
+  return {VecOf<D>{bits}, VecOf<D>{rest}};
+#else
+  return LoadRows2(d, &kExpShortPowerRows.row[0][0],
+                   RowOffsets<16, D>(d, hn::And(k, SetBits(d, 15))));
+#endif
+}
+
+// s is 2^(k/16) in 21 bits, and what these lack of it is in r = x - k ln2/16 + ln(2^(k/16)/s) =
+// r0 + rest, |r| < ln2/32 + 2^-21; r0 leaves out the last bits of ln2. The sum (s - 1) + s r0 is
+// kept with what its roundings leave, and the small terms, s (r^2 q + rest), join that.
+//
+// kExact: for |x| < 22, where s - 1 leaves nothing, and nothing is below kLeast. Its bits are those
+// of the other.
+template <bool kExact>
+struct dExpm1HAPart : dExpm1Common<Kernel<double>> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    const V half = hn::Set(d, 0.5);
-    MaskOf<D> tiny[K];  // x is its own result, signed zeros and subnormals without a flag
-    V n[K], power[K], r[K], r_rest[K], square[K], q[K];
-    Pair<V> r2[K];
+    constexpr double kUnit = kStepUnit<V>;
+    const V one = hn::Set(d, 1.0);
+    V s[K], r0[K], rest[K], y[K], y2[K], q[K];
     for (size_t k = 0; k < K; ++k) {
-      tiny[k] = MagnitudeBelow(d, x[k], 0x1p-54);
-      const V y = hn::Max(Selected(hn::IfThenZeroElse(tiny[k], x[k])), hn::Set(d, kLeast));
-      const V shifter = hn::Set(d, 0x1.8p52);
-      const V kf = hn::Add(hn::Mul(y, hn::Set(d, 0x1.71547652b82fep+0)), shifter);  // 1/ln2
-      n[k] = hn::Sub(kf, shifter);
-      power[k] =
-          FromBits(d, hn::Add(hn::ShiftLeft<52>(Bits(d, kf)), SetBits(d, 0x3FF0000000000000)));
-      r[k] = SubExactProduct(n[k], hn::Set(d, kLn2Hi), y);  // exact
+      const auto u = Expm1Reduce<4, 0, !kExact>(d, x[k]);
+      const auto row = ShortPower(d, u.bits);
+      s[k] = FromBits(d, hn::Add(Bits(d, row.a), hn::ShiftLeft<48>(u.bits)));
+      // ln2/16 in 37 bits and 39 more, both products exact, and the first difference, too.
+      r0[k] = SubExactProduct(u.k, hn::Set(d, 0x1.62e42fefap-5 / kUnit), u.x);
+      rest[k] = SubExactProduct(u.k, hn::Set(d, 0x1.cf79abc9e4p-44 / kUnit), row.b);
+      y[k] = WithoutTiny(d, hn::Add(r0[k], rest[k]));
+      y2[k] = SilentMul(y[k], y[k]);
+    }
+    // 1/2 comes last, so that one rounding alone is next to it.
+    const auto c = [&](int i) HWY_ATTR { return hn::Set(d, kExpm1[i]); };
+    for (size_t k = 0; k < K; ++k) {
+      q[k] = hn::Add(SilentMul(hn::Add(SilentMul(c(5), y[k]), c(4)), y2[k]),
+                     hn::Add(SilentMul(c(3), y[k]), c(2)));
     }
     for (size_t k = 0; k < K; ++k) {
-      const V r0 = r[k];
-      const V r1 = hn::Mul(n[k], hn::Set(d, kLn2Lo));
-      r[k] = hn::Sub(r0, r1);
-      r_rest[k] = hn::Sub(hn::Sub(r0, r[k]), r1);
-      r2[k] = TwoProduct(d, r[k], r[k]);
-      square[k] = r2[k].hi;
+      q[k] = hn::Add(hn::Add(SilentMul(q[k], y2[k]), SilentMul(c(1), y[k])), c(0));
     }
-    EvenOdd(d, r, square, kExpm1HA, q);
     for (size_t k = 0; k < K; ++k) {
-      const V cubic = hn::Mul(hn::Mul(r[k], square[k]), q[k]);
-      const Pair<V> e = FastTwoSum(r[k], hn::Mul(half, square[k]));
-      const V rest = hn::Add(hn::Add(r_rest[k], hn::Mul(r_rest[k], r[k])), hn::Mul(half, r2[k].lo));
-      const V e_rest = hn::Add(e.lo, hn::Add(cubic, rest));
-      const Pair<V> less_one = TwoSum(power[k], hn::Set(d, -1.0));
-      const Pair<V> sum = TwoSum(less_one.hi, hn::Mul(power[k], e.hi));
-      const V sum_rest = hn::Add(sum.lo, hn::Add(less_one.lo, hn::Mul(power[k], e_rest)));
-      out[k] = hn::IfThenElse(tiny[k], x[k], hn::Add(sum.hi, sum_rest));
+      const V small = hn::Add(SilentMul(y2[k], q[k]), rest[k]);
+      // Differences such that zeros keep their sign.
+      const V less = hn::Sub(one, s[k]);
+      // s - 1 is 0 or more than s r0, so that adding it again is exact.
+      const V sum = hn::Sub(SilentMul(s[k], r0[k]), less);
+      V over = ShortNegMulAdd(d, r0[k], s[k], hn::Add(sum, less));
+      if constexpr (!kExact) {
+        const V back = hn::Sub(less, one);
+        const V error = hn::Sub(hn::Sub(one, hn::Sub(less, back)), hn::Add(s[k], back));
+        over = hn::Add(over, error);
+      }
+      out[k] = hn::Sub(sum, hn::Sub(over, SilentMul(s[k], small)));
     }
   }
+};
+
+struct dExpm1HA : dExpm1HAPart<true> {
+  using Rarity = RareAbove<double, 0x4035FFFF>;  // |x| >= 22
+  using Wide = dExpm1HAPart<false>;
 };
 
 PEX_UNARY(double, dExpm1_26, dExpm1EP)

@@ -70,14 +70,8 @@ inline constexpr double kLog10LASextic[] = {
 inline constexpr double kExpHA[] = {
     0x1p-1, 0x1.5555556df4481p-3, 0x1.555555696511ap-5};
 
-// (e^x - 1 - x - x^2/2)/x^3, -0.346700012683868408203125 <= x <= 0.346700012683868408203125; absolute error 2^-55.5625.
-inline constexpr double kExpm1HA[] = {
-    0x1.5555555555556p-3, 0x1.5555555555556p-5, 0x1.1111111110708p-7, 0x1.6c16c16c15f3bp-10,
-    0x1.a01a01a90510dp-13, 0x1.a01a01a8a2b57p-16, 0x1.71de0a30df396p-19, 0x1.27e4d64395a24p-22,
-    0x1.af3f2405a8b31p-26, 0x1.1f7cb0d513799p-29};
-
 // (e^x - 1 - x)/x^2, -2.167000062763690948486328125e-2 <= x <= 2.167000062763690948486328125e-2; absolute error 2^-52.9375.
-inline constexpr double kExpm1LA[] = {
+inline constexpr double kExpm1[] = {
     0x1.0000000000001p-1, 0x1.5555555555557p-3, 0x1.55555554dfdf5p-5, 0x1.11111110b297ep-7,
     0x1.6c17f5391fdd7p-10, 0x1.a01b5ab05f1dcp-13};
 

@@ -323,6 +323,26 @@ alignas(64) inline constexpr double dExpOverChord[16] = {
     -0x1.3f4999e15739dp-5, -0x1.fc730e4c877b5p-6, -0x1.66315bc507683p-6, -0x1.7909c38a0d02p-7,
 };
 
+// Bits of s = 2^(j/16) in 21 bits, less j << 48; ln(2^(j/16)/s). By columns.
+struct ExpShortPowers {
+  int64_t bits[16];
+  double rest[16];
+};
+alignas(64) inline constexpr ExpShortPowers kExpShortPowers = {
+    {
+        0x3FF0000000000000, 0x3FEFB55800000000, 0x3FEF72B800000000, 0x3FEF387A00000000,
+        0x3FEF06FE00000000, 0x3FEEDEA600000000, 0x3FEEBFDB00000000, 0x3FEEAB0800000000,
+        0x3FEEA09E00000000, 0x3FEEA11400000000, 0x3FEEACE500000000, 0x3FEEC49200000000,
+        0x3FEEE8A000000000, 0x3FEF199C00000000, 0x3FEF581900000000, 0x3FEFA4B000000000,
+    },
+    {
+        0x0p+0, 0x1.a16b1b3ebe462p-22, 0x1.bbc0ceba37fb1p-23, 0x1.83fc73454cebfp-22,
+        0x1.1250015761931p-25, 0x1.ea0c14c2cd638p-23, -0x1.07f47d5773458p-23, -0x1.9a2c5b6dd05f4p-24,
+        0x1.21e7c52134643p-22, 0x1.39f71838aa85fp-22, 0x1.573abd6fffb45p-23, -0x1.375b8a3f064ccp-22,
+        -0x1.e843fda5ced1ap-23, -0x1.3a1dc164964e4p-24, -0x1.317d9aded4da2p-24, -0x1.85f6337862c14p-23,
+    },
+};
+
 // Low 52 bits: significand of 2^(j/1024), j = 0 .. 1023. Above: 2048 + the rest below that
 // double in units of 2^-64 of it.
 alignas(64) inline constexpr uint64_t dExpPackedTable[1024] = {
