@@ -65,7 +65,7 @@ PEXQUO_API int _pexsExp_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsExp_HA(int32_t n, const float* a, float* r);
 
 /* Expm1: r[i] = e^a - 1. Keeps the sign of zero; -1 for -inf. Reports overflow (code 3, result
-   inf). Bounds in double: HA 0.63 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly
+   inf). Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly
    rounded, _21 2 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdExpm1_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdExpm1_50(int32_t n, const double* a, double* r);

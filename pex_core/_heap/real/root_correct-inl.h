@@ -72,8 +72,9 @@ template <class D, class V>
 HWY_INLINE V RootByEstimateOrZero(D d, V t) {
   if constexpr (sizeof(V) == 64 && sizeof(hn::TFromD<D>) == 8) {
     const __mmask8 positive = _mm512_test_epi64_mask(Bits(d, t).raw, Bits(d, t).raw);
-    V root[1] = {t}, inverse[1] = {{_mm512_maskz_rsqrt14_pd(positive, t.raw)}};
-    RootsByEstimates(d, root, inverse);
+    // Any number but 0, whose half is not to be had by its exponent.
+    V root[1] = {t}, y[1] = {{_mm512_mask_rsqrt14_pd(hn::Set(d, 1.0).raw, positive, t.raw)}};
+    RootsByEstimates(d, root, y);
     return root[0];
   } else if constexpr (sizeof(V) == 64) {
     const __mmask16 positive = _mm512_test_epi32_mask(Bits(d, t).raw, Bits(d, t).raw);
