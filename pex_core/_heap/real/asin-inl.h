@@ -253,18 +253,24 @@ HWY_INLINE VecOf<D> OneOrMinusTwo(D d, MaskOf<D> mask) {
   return hn::IfThenElse(mask, hn::Set(d, T(-2)), hn::Set(d, T(1)));
 }
 
-// Horner's scheme in hidden steps, with coefficients spread on AVX-512. The compiler must not see
-// what it loads, or it makes broadcasts of it again.
-template <auto& kC, class D, class V, size_t K>
-HWY_INLINE void HiddenHorner(D d, const V (&x)[K], V (&p)[K]) {
+// What gives coefficient i of kC, spread on AVX-512. The compiler must not see what it loads, or it
+// makes broadcasts of it again.
+template <auto& kC, class D>
+HWY_INLINE auto TermsOf(D d) {
 #if HWY_TARGET == HWY_AVX3
   static constexpr auto kSpread = SpreadOf(kC);
   auto* s = kSpread.c;
   asm("" : "+r"(s));
-  const auto term = [&](size_t i) HWY_ATTR { return hn::Load(d, s[i]); };
+  return [d, s](size_t i) HWY_ATTR { return hn::Load(d, s[i]); };
 #else
-  const auto term = [d](size_t i) HWY_ATTR { return hn::Set(d, kC[i]); };
+  return [d](size_t i) HWY_ATTR { return hn::Set(d, kC[i]); };
 #endif
+}
+
+// Horner's scheme in hidden steps.
+template <auto& kC, class D, class V, size_t K>
+HWY_INLINE void HiddenHorner(D d, const V (&x)[K], V (&p)[K]) {
+  const auto term = TermsOf<kC>(d);
   for (size_t k = 0; k < K; ++k) p[k] = term(std::size(kC) - 1);
   for (size_t i = std::size(kC) - 1; i-- > 0;) {
     for (size_t k = 0; k < K; ++k) p[k] = HiddenMulAdd(p[k], x[k], term(i));
@@ -318,16 +324,9 @@ HWY_INLINE void SpreadEvenOdd(D d, const V (&x)[K], const V (&x2)[K], V (&p)[K])
 
 // The sum in steps.
 template <auto& kSteps, class D, class V, size_t K>
-HWY_INLINE void SpreadSteps([[maybe_unused]] D d, const V (&u)[K], V (&p)[K]) {
+HWY_INLINE void SpreadSteps(D d, const V (&u)[K], V (&p)[K]) {
   constexpr auto& kC = kSteps.c;
-#if HWY_TARGET == HWY_AVX3
-  static constexpr auto kSpread = SpreadOf(kC);
-  auto* s = kSpread.c;
-  asm("" : "+r"(s));
-  const auto term = [&](size_t i) HWY_ATTR { return hn::Load(d, s[i]); };
-#else
-  const auto term = [d](size_t i) HWY_ATTR { return hn::Set(d, kC[i]); };
-#endif
+  const auto term = TermsOf<kC>(d);
   for (size_t k = 0; k < K; ++k) {
     const V w = hn::Add(u[k], term(1)), y = hn::Mul(w, w);
     V r = hn::Add(hn::Add(hn::Mul(w, term(3)), term(2)), hn::Mul(y, term(4)));
