@@ -318,7 +318,7 @@ class Stream(_pexquo.Stream):
         if high is None:
             low, high = 0, low
         if endpoint:
-            high = np.add(high, 1, dtype=np.float64)
+            high = np.add(_numbers(high), 1, dtype=np.float64)
         return _draw(self, _INTEGERS, dtype, None, size, out, low, high)
 
     # ---- Normal. ----
@@ -409,7 +409,7 @@ class Stream(_pexquo.Stream):
         beta = (
             scale * _SQRT2
             if isinstance(scale, float)
-            else np.multiply(scale, _SQRT2, dtype=np.float64)
+            else np.multiply(_numbers(scale), _SQRT2, dtype=np.float64)
         )
         return _draw(self, _RAYLEIGH, dtype, None, size, out, 0.0, beta)
 
@@ -463,7 +463,7 @@ class Stream(_pexquo.Stream):
 
         def chisquare(self, df, size=None, *, dtype=np.float64, out=None):
             """Chi-square with df degrees of freedom."""
-            shape = np.divide(df, 2.0, dtype=np.float64)
+            shape = np.divide(_numbers(df), 2.0, dtype=np.float64)
             return _draw(self, _CHISQUARE, dtype, None, size, out, shape, 0.0, 2.0)
 
     if _BETA is not None:
@@ -494,6 +494,7 @@ class Stream(_pexquo.Stream):
 
         def hypergeometric(self, ngood, nbad, nsample, size=None, *, dtype=np.int64, out=None):
             """Good ones among nsample drawn, without putting back, from ngood and nbad."""
+            ngood, nbad, nsample = _numbers(ngood), _numbers(nbad), _numbers(nsample)
             total = np.add(ngood, nbad, dtype=np.float64)
             if np.less(nbad, 0).any():
                 raise ValueError("hypergeometric: nbad must be an integer from 0 to 2147483647")

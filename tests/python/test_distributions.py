@@ -344,6 +344,17 @@ def test_parameters_of_other_types():
     for bad in (None, [None, 1.0], 1j, ["1"]):
         with pytest.raises(TypeError):
             s.normal(bad)
+    third = Fraction(3)
+    for name, args in (("rayleigh", (third,)), ("chisquare", (third,)), ("exponential", (third,)),
+                       ("hypergeometric", (third, third, third)), ("integers", (0, third))):
+        wanted = first(name, *map(float, args))
+        assert first(name, *args) == first(name, *([a] for a in args))[0] == wanted
+    assert first("integers", 0, third, None, np.int64, True) == first("integers", 4)
+    with pytest.raises(ValueError, match="integer of 32 bits"):
+        first("integers", 0, 10**30, None, np.int64, True)
+    for name in ("rayleigh", "chisquare"):
+        with pytest.raises(TypeError, match="parameters must be real numbers"):
+            first(name, 1j)
     # Narrow types do not overflow, and round nothing.
     assert first("integers", 0, np.uint8(255), 9, np.int64, True).max() > 100
     assert first("integers", 0, np.array([127], np.int8), 9, np.int64, True).max() > 60
