@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "pexquo/pex.h"
+#include "quo_kernel/discrete/_kernel/ends.h"
 
 namespace pex {
 namespace {
@@ -223,6 +224,11 @@ struct Call<kEntry> {
     (std::index_sequence_for<P...>());
   }
 };
+// What the program and the Python module promise.
+template <>
+struct Call<_quoiRngUniform> : Call<DrawIntegers> {};
+template <>
+struct Call<_quoiRngBernoulli> : Call<DrawBernoulli> {};
 
 constexpr const Distribution* Named(std::string_view name) {
   for (const Distribution& d : kDistributions) {

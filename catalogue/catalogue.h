@@ -161,7 +161,8 @@ struct Sampler {
   const Distribution* distribution = nullptr;
   char type = 'd';  // d, s, i, or w: words of the generator
   // n results at r: double, float, int32_t, or the generator's words. The parameters are converted
-  // to the entry's own types.
+  // to the entry's own types. Integers are below b, and all 1 for p = 1, also where the entry
+  // rounds a uniform to its bound.
   int32_t (*draw)(uint32_t method, StreamState* stream, int32_t n, void* r,
                   const double* parameters) = nullptr;
 };

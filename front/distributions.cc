@@ -4,6 +4,7 @@
 
 #include "front/draw.h"
 #include "pexquo/pexquo.h"
+#include "quo_kernel/discrete/_kernel/ends.h"
 
 namespace pexquo_front {
 namespace {
@@ -96,7 +97,7 @@ int32_t quosRngUniform(int32_t method, QuoStream* stream, int64_t n, float* r, f
 int32_t quoiRngUniform(int32_t method, QuoStream* stream, int64_t n, int32_t* r, int32_t a,
                        int32_t b) {
   const Request<int32_t> request{method, 1, stream, n, r};
-  return Draw(_quoiRngUniform, request, Unless(a < b, QUO_EMPTY_RANGE), a, b);
+  return Draw(quo::DrawIntegers, request, Unless(a < b, QUO_EMPTY_RANGE), a, b);
 }
 
 int32_t quoiRngUniformBits(int32_t method, QuoStream* stream, int64_t n, uint32_t* r) {
@@ -138,7 +139,7 @@ int32_t quosRngGaussianMV(int32_t method, QuoStream* stream, int64_t n, float* r
 
 int32_t quoiRngBernoulli(int32_t method, QuoStream* stream, int64_t n, int32_t* r, double p) {
   const Request<int32_t> request{method, 1, stream, n, r};
-  return Draw(_quoiRngBernoulli, request, Probability(p), p);
+  return Draw(quo::DrawBernoulli, request, Probability(p), p);
 }
 int32_t quoiRngGeometric(int32_t method, QuoStream* stream, int64_t n, int32_t* r, double p) {
   const Request<int32_t> request{method, 1, stream, n, r};

@@ -223,7 +223,8 @@ PEXQUO_API int32_t quoRegisterBrng(const BrngProperties* properties);
  *
  * The method is 0 where a distribution has one. */
 
-/* Uniform on [a, b), a < b; by QUO_METHOD_ACCURATE clamped into [a, b]. Integers: a .. b - 1. */
+/* Uniform on [a, b), a < b, but that rounding may give b (of floats on [0, 1) one of 2^25); by
+ * QUO_METHOD_ACCURATE clamped into [a, b]. Integers: a .. b - 1. */
 PEXQUO_API int32_t quodRngUniform(int32_t method, QuoStream* stream, int64_t n, double* r, double a,
                                   double b);
 PEXQUO_API int32_t quosRngUniform(int32_t method, QuoStream* stream, int64_t n, float* r, float a,

@@ -392,8 +392,9 @@ QUO_API int32_t _quodRngUniform(uint32_t method, StreamState* stream, int32_t n,
 QUO_API int32_t _quosRngUniform(uint32_t method, StreamState* stream, int32_t n, float* r, float a,
                                 float b);
 /* n integers from a to b - 1: the floor of the double uniform on [a, b), generated in blocks of
- * 1024. Nothing, and 0, for n < 1. A negative status ends the call; finished blocks stay in r. What
- * a user's generator returns outside the 32-bit range becomes the nearest end, NaN 2^31 - 1. */
+ * 1024; rounding may give b itself. Nothing, and 0, for n < 1. A negative status ends the call;
+ * finished blocks stay in r. What a user's generator returns outside the 32-bit range becomes the
+ * nearest end, NaN 2^31 - 1. */
 QUO_API int32_t _quoiRngUniform(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
                                 int32_t a, int32_t b);
 /* The generator's raw output: n times its word size. */
@@ -523,7 +524,8 @@ QUO_API int32_t _quosRngGumbel(uint32_t method, StreamState* stream, int32_t n, 
 /* n integers at r, an array at any address, from one single-precision uniform u on [0, 1) each. The
  * method word is not looked at and p, the probability of a success, is not checked. */
 
-/* Bernoulli: 1 if u < p, else 0, with p rounded to single precision. p = 0 gives zeros, p = 1 ones.
+/* Bernoulli: 1 if u < p, else 0, with p rounded to single precision. p = 0 gives zeros, p = 1 ones
+ * unless u is rounded to 1 (one of 2^25), p = 2 ones always.
  * After a negative status r holds what the generator left there, floats. */
 QUO_API int32_t _quoiRngBernoulli(uint32_t method, StreamState* stream, int32_t n, int32_t* r,
                                   double p);

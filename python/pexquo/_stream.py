@@ -289,7 +289,8 @@ class Stream(_pexquo.Stream):
         return int(out) if out.ndim == 0 else out
 
     def random(self, size=None, dtype=np.float64, out=None):
-        """Uniform on [0, 1): the generator's own scaled output.
+        """Uniform on [0, 1): the generator's own scaled output, which rounding may make 1 (in float32
+        one of 2^25).
 
         >>> import pexquo
         >>> pexquo.Stream("mcg59").random((2, 2)).shape

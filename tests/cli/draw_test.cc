@@ -89,6 +89,12 @@ TEST_F(DrawTest, AccurateKeepsTheBounds) {
   EXPECT_EQ(Drawn(command + " --accurate"), "0.43\n");
 }
 
+TEST_F(DrawTest, IntegersEndBelowTheUpperBound) {
+  EXPECT_EQ(Drawn("uniform --generator mcg59 --seed 4294967295 134217727 --count 1 --a 1 --b 7 "
+                  "--type i"),
+            "6\n");
+}
+
 TEST_F(DrawTest, SkipAndLeapfrogPickFromTheSameSequence) {
   for (const char* generator : {"mcg31m1", "mcg59", "wh:136"}) {
     SCOPED_TRACE(generator);

@@ -9,6 +9,7 @@
 #include <limits>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "front/thread_state.h"
@@ -394,6 +395,63 @@ TEST(GeneratorsStatus, EndsARequestInPieces) {
   EXPECT_EQ(r[19], 0.5);
   EXPECT_EQ(r[20], 4711);
   EXPECT_EQ(r[49], 4711);
+}
+
+// The first output of all ones: its uniforms round to the upper bound.
+OwnedStream FromTheTop() {
+  std::vector<uint32_t> words(250);
+  words[0] = ~0u;
+  QuoStream* stream = nullptr;
+  EXPECT_EQ(quoNewStreamEx(&stream, QUO_BRNG_R250, 250, words.data()), QUO_OK);
+  return OwnedStream(stream);
+}
+
+TEST(IntegerUniform, EndsBelowItsUpperBound) {
+  const auto first = [](const OwnedStream& stream, int32_t a, int32_t b) {
+    int32_t r = 0;
+    EXPECT_EQ(quoiRngUniform(0, stream.get(), 1, &r, a, b), QUO_OK);
+    return r;
+  };
+  for (const int32_t b : {INT32_MAX, 1 << 30, INT32_MIN + 1, 7}) {
+    EXPECT_EQ(first(FromTheTop(), b - 1, b), b - 1);
+  }
+  const std::vector<uint32_t> ones(2, ~0u);
+  for (const auto& [a, b] : {std::pair(0, 6), std::pair(-5, 0), std::pair(INT32_MIN, INT32_MAX)}) {
+    QuoStream* made = nullptr;
+    ASSERT_EQ(quoNewStreamEx(&made, QUO_BRNG_MCG59, 2, ones.data()), QUO_OK);
+    EXPECT_EQ(first(OwnedStream(made), a, b), b - 1);
+  }
+}
+
+int32_t JustBelowOneTwice(StreamState*, int32_t* n, double* buffer, int32_t*, int32_t* nmax,
+                          int32_t*) {
+  if (++refills > 2) return 0;
+  std::fill(buffer, buffer + *n, 1 - 0x1p-53);
+  return *nmax;
+}
+
+TEST(IntegerUniform, LeavesWhatIsNotDrawnAlone) {
+  double buffer[1024];
+  std::vector<int32_t> r(4000, INT32_MAX);
+  QuoStream* made = nullptr;
+  ASSERT_EQ(quodNewAbstractStream(&made, 1024, buffer, 0, 1, JustBelowOneTwice), QUO_OK);
+  const OwnedStream stream(made);
+  refills = 0;
+  EXPECT_EQ(quoiRngUniform(0, made, 4000, r.data(), INT32_MAX - 1, INT32_MAX), QUO_EMPTY_REFILL);
+  std::vector<int32_t> expected(4000, INT32_MAX);
+  std::fill(expected.begin(), expected.begin() + 2048, INT32_MAX - 1);
+  EXPECT_EQ(r, expected);
+}
+
+TEST(Bernoulli, OfProbabilityOneAreAllOnes) {
+  for (const double p : {1.0, 1 - 0x1p-53, 1 - 0x1p-25}) {
+    int32_t r = 0;
+    EXPECT_EQ(quoiRngBernoulli(0, FromTheTop().get(), 1, &r, p), QUO_OK);
+    EXPECT_EQ(r, 1) << p;
+  }
+  int32_t r = 1;
+  EXPECT_EQ(quoiRngBernoulli(0, FromTheTop().get(), 1, &r, std::nextafter(1 - 0x1p-25, 0)), QUO_OK);
+  EXPECT_EQ(r, 0);
 }
 
 #ifdef PEXQUO_HAS_POISSON

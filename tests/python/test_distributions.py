@@ -407,6 +407,10 @@ def test_out_of_any_equal_type():
 
 
 def test_extremes():
+    top = pexquo.Stream("r250", seed=[2**32 - 1] + [0] * 249)  # the first uniforms are rounded to 1
+    assert top.copy().random(dtype=np.float32) == 1 and top.copy().bernoulli(1.0) == 1
+    assert top.copy().integers(2**31 - 2, 2**31 - 1) == 2**31 - 2
+    assert pexquo.Stream("mcg59", seed=2**64 - 1).integers([6, 6]).max() == 5
     s = pexquo.Stream("mt19937")
     assert s.integers(-(2**31), 2**31 - 1, 1000).min() < -(2**30)
     assert (s.geometric(1.0, 10) == 1).all()
