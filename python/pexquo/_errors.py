@@ -11,6 +11,7 @@ from . import _pexquo
 __all__ = ["ElementError", "errors"]
 
 _REASONS = {1: "domain", 2: "singularity", 3: "overflow", 4: "underflow"}
+_SCALARS = (int, float, complex, np.generic)
 _blocks = contextvars.ContextVar("pexquo_errors", default=None)
 
 
@@ -86,13 +87,21 @@ def errors():
         _blocks.set(_innermost())
 
 
-def _loop_types(ufunc, arguments, dtype):
-    """The types of the loop that the ufunc takes for these arguments."""
-    wanted = np.result_type(*arguments) if dtype is None else np.dtype(dtype)
+def _loop_types(ufunc, args, arguments, dtype):
+    """The types of the loop that the ufunc takes for these arguments, `args` as they were given: those
+    that it takes for arrays of no elements in place of theirs."""
+    probes = [
+        np.empty(0, a.dtype) if a.ndim else given if isinstance(given, _SCALARS) else a
+        for given, a in zip(args, arguments)
+    ]
+    with np.errstate(all="ignore"):  # scalars are computed
+        made = ufunc(*probes) if dtype is None else ufunc(*probes, dtype=dtype)
+    wanted = "".join(r.dtype.char for r in (made if ufunc.nout > 1 else (made,)))
     for types in ufunc.types:
         given, results = types.split("->")
-        fits = wanted.char == results[0] if dtype is not None else np.can_cast(wanted, given[0])
-        if fits:
+        if results == wanted and all(
+            np.can_cast(a.dtype, t, "same_kind") for a, t in zip(arguments, given)
+        ):
             return [np.dtype(t) for t in given + results]
     raise TypeError(f"ufunc {ufunc.__name__!r} not supported for the input types")
 
@@ -132,9 +141,11 @@ def _collect(function, tier, ufunc, args, kwargs):
     ):
         return ufunc(*args, out=out)  # raises the usual exception
     arguments = [a if isinstance(a, np.ndarray) else np.asarray(a) for a in args[:nin]]
-    types = _loop_types(ufunc, arguments if dtype is None else args[:nin], dtype)
+    types = _loop_types(ufunc, args[:nin], arguments, dtype)
+    # Buffered iterators of NumPy 1 leave out single numbers of another type.
+    whole = [a.reshape(1) if a is not None and a.ndim == 0 else a for a in arguments + results]
     iterator = np.nditer(
-        arguments + results,
+        whole,
         flags=["external_loop", "buffered", "zerosize_ok", "copy_if_overlap"],
         op_flags=[["readonly", "contig", "aligned", "nbo"]] * nin
         + [["writeonly", "allocate", "no_broadcast", "no_subtype", "contig", "aligned", "nbo"]]
@@ -160,7 +171,7 @@ def _collect(function, tier, ufunc, args, kwargs):
                     )
                 )
             base += len(operands[0])
-        made = iterator.operands[nin:]
+        made = [r.reshape(shape) for r in iterator.operands[nin:]]
     wrap = _wrap_of(args[:nin])
 
     def finished(i):

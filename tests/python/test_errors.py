@@ -2,6 +2,7 @@
 
 import asyncio
 import ctypes
+import itertools
 import os
 import threading
 
@@ -121,6 +122,39 @@ def test_results_are_those_of_outside():
     np.testing.assert_array_equal(cosine, pexquo.cos(x))
     assert [e.index for e in errors] == [(1,)] * 4
     assert all(e.arguments == (-1.0,) for e in errors)
+
+
+MIXED = [2, 100000, 2.5, 1e300, 1 + 2j, True, np.int8(3), np.uint16(9), np.float16(2), np.float32(2.5),
+         np.complex64(1j), np.array(3), np.array(2.5, "f4"), np.array(2.5, ">f8"), [1, 2], [1.5, 2],
+         *(np.array([1, 2], t) for t in ("i1", "u2", "i4", "f2", "f4", ">f4", "f8", "c8", "?"))]
+
+
+@pytest.mark.parametrize("name", ["add", "power", "arctan2", "exp", "absolute", "cis", "sincos"])
+def test_types_and_numbers_are_those_of_outside(name):
+    """Of arguments of different types, and of single numbers among arrays."""
+    function = getattr(pexquo, name)
+
+    def outcome(args, dtype):
+        try:
+            with np.errstate(all="ignore"):
+                results = function(*args) if dtype is None else function(*args, dtype=dtype)
+        except TypeError:
+            return TypeError
+        results = results if isinstance(results, tuple) else (results,)
+        return [(type(r), np.asarray(r).dtype, np.asarray(r).tobytes()) for r in results]
+
+    for args in itertools.product(MIXED, repeat=function.nin):
+        for dtype in (None, "f4", "f8", "c16"):
+            with pexquo.errors():
+                within = outcome(args, dtype)
+            assert within == outcome(args, dtype), (args, dtype)
+
+
+def test_single_result_of_another_type():
+    out = np.array(7, np.float32)
+    with pexquo.errors() as errors:
+        assert pexquo.log(0, out=out) is out
+    assert out == -np.inf and errors[0].index == () and errors[0].arguments == (0.0,)
 
 
 def test_wrong_calls():
