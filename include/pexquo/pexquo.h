@@ -215,10 +215,11 @@ PEXQUO_API int32_t quoRegisterBrng(const BrngProperties* properties);
  *
  * n numbers at r, drawn from the stream; pexquo/quo.h says by which formulas and from how many
  * uniforms. Numbers do not depend on how they are asked for: two calls for n and m numbers give the
- * same as one for n + m. All return 0 or a negative status. Checked in this order: the stream
- * (QUO_NULL_STREAM, QUO_DEAD_STREAM), n (QUO_BAD_COUNT), r (QUO_NULL_ARRAY, unless n is 0), the
- * method (QUO_UNKNOWN_METHOD), the parameters, each with the status of its condition and all
- * numbers with QUO_NOT_FINITE. A generator's own status comes back as it is (QUO_WRONG_OUTPUT,
+ * same as one for n + m (but for the last bits of vectors of more than 10 dimensions by a full
+ * factor, which the system's BLAS multiplies). All return 0 or a negative status. Checked in this
+ * order: the stream (QUO_NULL_STREAM, QUO_DEAD_STREAM), n (QUO_BAD_COUNT), r (QUO_NULL_ARRAY,
+ * unless n is 0), the method (QUO_UNKNOWN_METHOD), the parameters, each with the status of its
+ * condition and all numbers with QUO_NOT_FINITE. A generator's own status comes back as it is (QUO_WRONG_OUTPUT,
  * ...); what was drawn by then is at r.
  *
  * The method is 0 where a distribution has one. */

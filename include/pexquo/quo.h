@@ -441,7 +441,7 @@ QUO_API int32_t _quosRngGaussian(uint32_t method, StreamState* stream, int32_t n
  * has dimen numbers, the covariance of x is T T'. Element i of x is, summed from the left:
  *   full      T[i][i] z[i] + T[i][0] z[0] + ... + T[i][i-1] z[i-1] + a[i], for dimensions to 10;
  *             beyond, the system's BLAS multiplies (DTRMM, STRMM) in an order of its own, so that
- *             the last bits may depend on the processor;
+ *             the last bits may depend on the processor and on the number of vectors of a call;
  *   packed    T[i][0] z[0] + T[i][1] z[1] + ... + T[i][i] z[i] + a[i];
  *   diagonal  T[i][i] z[i] + a[i].
  * Dimension 1 is _quo*RngGaussian(method, stream, n, r, a[0], t[0]), whatever the storage. For an
