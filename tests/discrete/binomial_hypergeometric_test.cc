@@ -265,6 +265,23 @@ TEST(Counts, OfTheLeastAndTheLargestUniforms) {
   }
 }
 
+// Words next to 2^59 make MCG59's uniform 1.
+TEST(Counts, OfUniformsRoundedToOneDoNotDependOnTheRequest) {
+  Script ones, last;
+  ones.values = {1};
+  last.values = {kLastUniform};
+  for (const Law& law : kLaws) {
+    SCOPED_TRACE(testing::PrintToString(law));
+    if (law.Variance() > 60) continue;
+    const int32_t one = law.Draw(Stream(scripted::Start(ones)), 1)[0];
+    EXPECT_EQ(law.Draw(Stream(scripted::Start(ones)), 100), std::vector<int32_t>(100, one));
+    const bool mirrored =
+        law.l == 0 ? law.p > 0.5 : (law.s > law.l - law.s) != (law.m > law.l - law.m);
+    const int32_t before = law.Draw(Stream(scripted::Start(last)), 1)[0];
+    EXPECT_GE(mirrored ? before : one, mirrored ? one : before);
+  }
+}
+
 // So far out that no other test comes here: v next to its bound, for some k of the whole range.
 TEST(Counts, AreTestedExactlyFarOut) {
   for (const Law& law :

@@ -116,16 +116,16 @@ class ThresholdIndex {
     uint32_t x = 0;
     for (int i = 0; i < kCells; ++i) {
       const uint32_t first = x;
-      while (x <= count_ && threshold_[x] * kCells < i + 1) ++x;
+      while (x <= count_ && threshold_[x] * kScale < i + 1) ++x;
       threshold_in_[i] = threshold_[first];
       first_[i] = static_cast<uint8_t>(x - first > 1 ? kSeveral : first);
     }
   }
 
   // In two comparisons: x, or something else beyond 1 to count for Search to tell. Anything where u
-  // is not from [0, 1).
+  // is not from [0, 1].
   uint32_t At(double u) const {
-    const int cell = _mm_cvttsd_si32(_mm_set_sd(u * kCells)) & (kCells - 1);
+    const int cell = _mm_cvttsd_si32(_mm_set_sd(u * kScale)) & (kCells - 1);
     return first_[cell] + (threshold_in_[cell] <= u);
   }
 
@@ -136,12 +136,14 @@ class ThresholdIndex {
 
  private:
   static constexpr int kCells = 256;
+  // A uniform that was rounded to 1 is in the last cell.
+  static constexpr double kScale = kCells - 0x1p-45;
   static constexpr uint32_t kSeveral = 128;
   static_assert(kSeveral > ValueTable::kMost + 1);
 
   const uint32_t count_;
   double threshold_[ValueTable::kMost + 2];
-  double threshold_in_[kCells];  // cell i of u, from i/kCells: the first threshold in it or above
+  double threshold_in_[kCells];  // cell i of u, from i/kScale: the first threshold in it or above
   uint8_t first_[kCells];        // the number of the thresholds before that one
 };
 
