@@ -21,7 +21,7 @@ namespace pexquo {
 /// try {
 ///   pexquo::stream("mt19937", 1).skip(100);
 /// } catch (const pexquo::error& e) {
-///   std::puts(e.what());  // ... the generator does not support skip-ahead
+///   std::puts(e.what());  // ...: the generator cannot skip ahead
 /// }
 /// \endcode
 class error : public std::runtime_error {
