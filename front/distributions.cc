@@ -79,7 +79,6 @@ using pexquo_front::First;
 using pexquo_front::kGaussianMethods;
 using pexquo_front::Probability;
 using pexquo_front::ProbabilityOfSuccess;
-using pexquo_front::Range;
 using pexquo_front::Request;
 using pexquo_front::Scaled;
 using pexquo_front::Shapes;

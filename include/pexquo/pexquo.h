@@ -219,7 +219,8 @@ PEXQUO_API int32_t quoRegisterBrng(const BrngProperties* properties);
  * factor, which the system's BLAS multiplies). All return 0 or a negative status. Checked in this
  * order: the stream (QUO_NULL_STREAM, QUO_DEAD_STREAM), n (QUO_BAD_COUNT), r (QUO_NULL_ARRAY,
  * unless n is 0), the method (QUO_UNKNOWN_METHOD), the parameters, each with the status of its
- * condition and all numbers with QUO_NOT_FINITE. A generator's own status comes back as it is (QUO_WRONG_OUTPUT,
+ * condition and all numbers with QUO_NOT_FINITE. A generator's own status comes back as it is
+ * (QUO_WRONG_OUTPUT,
  * ...); what was drawn by then is at r.
  *
  * The method is 0 where a distribution has one. */
