@@ -557,6 +557,32 @@ TEST(ComplexElementary, LogarithmsNextToTheUnitCircle) {
   }
 }
 
+// On the circle's tangents at 1 and i the real part is y^2/2, of floats rounded once where it is
+// subnormal.
+TEST(ComplexElementary, SubnormalLogarithmsNextToOne) {
+  constexpr int kCount = 1000;
+  const uint64_t seed = 6;
+  Random random(seed);
+  std::vector<float> a(2 * kCount), r(2 * kCount), wanted(kCount);
+  for (int i = 0; i < kCount; ++i) {
+    const double y =
+        static_cast<float>(std::ldexp(1 + random.Unit(), -63 - static_cast<int>(random.Below(10))));
+    const bool swap = random.Below(2);
+    a[2 * i + swap] = random.Below(2) ? 1 : -1;
+    a[2 * i + !swap] = static_cast<float>(y);
+    wanted[i] = static_cast<float>(y * y / 2);
+  }
+  for (const Level& level : kLevels) {
+    if (!ProcessorHas(level)) continue;
+    const UseLevel use(level);
+    EntryOf("Ln", 'c').Call(kCount, a.data(), nullptr, r.data(), nullptr);
+    for (int i = 0; i < kCount; ++i) {
+      EXPECT_EQ(r[2 * i], wanted[i])
+          << Text({a[2 * i], a[2 * i + 1]}) << " on " << level.name << ", seed " << seed;
+    }
+  }
+}
+
 // Its error times the exponent would be that of a power.
 TEST(ComplexElementary, LargePowersOfNumbersInsideTheUnitCircle) {
   const Number a = {0x1.68d6bf298599p-1, -0x1.68c32b968681fp-1}, b = {1e5, 3};
