@@ -325,6 +325,26 @@ TEST(ComplexElementary, PowersOfSpecialValues) {
   }
 }
 
+// In every range of bases and exponents: ln a = ln |a| +- 0 i, and b times as much.
+TEST(ComplexElementary, RealPowersKeepTheSignOfZero) {
+  for (const char type : {'z', 'c'}) {
+    for (const double x : {0x1p-130, 0.5, 1.0, 3.0, 0x1p125}) {
+      for (const double k : {1.0, 3.0, 15.5, 25.0, 150.0, 400.0, 0x1p40}) {
+        for (const double exponent : {k, -k}) {
+          for (const double zero : {0.0, -0.0}) {
+            for (const double b_im : {0.0, -0.0}) {
+              const Number a = {x, zero}, b = {exponent, b_im};
+              const Number r = Call(EntryOf("Pow", type), a, b).r;
+              EXPECT_TRUE(Same({0, r.im}, {0, zero * exponent}))
+                  << type << Text(a) << Text(b) << Text(r);
+            }
+          }
+        }
+      }
+    }
+  }
+}
+
 // Special values, thresholds of the vector kernels, and random numbers of all sizes.
 std::vector<Number> Arguments(bool is_double) {
   std::vector<double> parts = {0,    -0.0,     1,        -1,         0.5,    2,
