@@ -38,7 +38,7 @@ struct dAtan2EP : Kernel<double>, Atan2NarrowDomain {
 };
 
 struct dAtan2LA : dAtan2Common {
-  static constexpr int kUnroll = 8;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
     OctantAtan2LA<true>(d, y, x, r);

@@ -325,6 +325,26 @@ TEST(ComplexElementary, PowersOfSpecialValues) {
   }
 }
 
+// In every range of bases and exponents: ln a = ln |a| +- 0 i, and b times as much.
+TEST(ComplexElementary, RealPowersKeepTheSignOfZero) {
+  for (const char type : {'z', 'c'}) {
+    for (const double x : {0x1p-130, 0.5, 1.0, 3.0, 0x1p125}) {
+      for (const double k : {1.0, 3.0, 15.5, 25.0, 150.0, 400.0, 0x1p40}) {
+        for (const double exponent : {k, -k}) {
+          for (const double zero : {0.0, -0.0}) {
+            for (const double b_im : {0.0, -0.0}) {
+              const Number a = {x, zero}, b = {exponent, b_im};
+              const Number r = Call(EntryOf("Pow", type), a, b).r;
+              EXPECT_TRUE(Same({0, r.im}, {0, zero * exponent}))
+                  << type << Text(a) << Text(b) << Text(r);
+            }
+          }
+        }
+      }
+    }
+  }
+}
+
 // Special values, thresholds of the vector kernels, and random numbers of all sizes.
 std::vector<Number> Arguments(bool is_double) {
   std::vector<double> parts = {0,    -0.0,     1,        -1,         0.5,    2,
@@ -553,6 +573,32 @@ TEST(ComplexElementary, LogarithmsNextToTheUnitCircle) {
       const long double wanted = modulus[i] * want.factor;
       EXPECT_LE(std::fabs(r[2 * i] - wanted), want.bound * std::fabs(wanted))
           << entry.symbol << Text({a[2 * i], a[2 * i + 1]}) << " " << r[2 * i] << ", seed " << seed;
+    }
+  }
+}
+
+// On the circle's tangents at 1 and i the real part is y^2/2, of floats rounded once where it is
+// subnormal.
+TEST(ComplexElementary, SubnormalLogarithmsNextToOne) {
+  constexpr int kCount = 1000;
+  const uint64_t seed = 6;
+  Random random(seed);
+  std::vector<float> a(2 * kCount), r(2 * kCount), wanted(kCount);
+  for (int i = 0; i < kCount; ++i) {
+    const double y =
+        static_cast<float>(std::ldexp(1 + random.Unit(), -63 - static_cast<int>(random.Below(10))));
+    const bool swap = random.Below(2);
+    a[2 * i + swap] = random.Below(2) ? 1 : -1;
+    a[2 * i + !swap] = static_cast<float>(y);
+    wanted[i] = static_cast<float>(y * y / 2);
+  }
+  for (const Level& level : kLevels) {
+    if (!ProcessorHas(level)) continue;
+    const UseLevel use(level);
+    EntryOf("Ln", 'c').Call(kCount, a.data(), nullptr, r.data(), nullptr);
+    for (int i = 0; i < kCount; ++i) {
+      EXPECT_EQ(r[2 * i], wanted[i])
+          << Text({a[2 * i], a[2 * i + 1]}) << " on " << level.name << ", seed " << seed;
     }
   }
 }

@@ -139,7 +139,12 @@ ComplexExtended _pexcpow_scalar(double a_re, double a_im, double b_re, double b_
   if (!(__builtin_fabsl(re.hi) < kBeyond)) re = {re.hi < 0 ? -kBeyond : kBeyond, 0};
   const Scaled e = ExpPair(re);
   const long double scale = PowerOfTwo(e.n);
-  if (im.hi == 0) return {e.value.hi * scale, im.hi};
+  if (im.hi == 0) {
+    // The sign that the products of pairs lose.
+    const long double turned = angle.hi * b_re;
+    return {e.value.hi * scale,
+            __builtin_copysignl(0, IsZero(b_im) ? turned : turned + size.hi * b_im)};
+  }
   const SinCosPair v = SinCosOf(im);
   return {Mul(e.value, v.cos).hi * scale, Mul(e.value, v.sin).hi * scale};
 }

@@ -96,17 +96,18 @@ struct LogInDouble : ElementaryKernel<F, float> {
       lower = hn::Add(lower, angle[2 * i]);
       upper = hn::Add(upper, angle[2 * i + 1]);
       if constexpr (kDecimal) {
-        // 1/ln 10, and half of it.
-        const W whole_factor = hn::Set(wide, 0x1.bcb7b1526e50ep-2);
-        const W half_factor = hn::Set(wide, 0x1.bcb7b1526e50ep-3);
-        lower = hn::Mul(lower, whole_factor);
-        upper = hn::Mul(upper, whole_factor);
-        size[2 * i] = hn::Mul(size[2 * i], half_factor);
-        size[2 * i + 1] = hn::Mul(size[2 * i + 1], half_factor);
+        const W per_e = hn::Set(wide, 0x1.bcb7b1526e50ep-2);  // 1/ln 10
+        lower = hn::Mul(lower, per_e);
+        upper = hn::Mul(upper, per_e);
       }
+      // Of the square's logarithm the half, or that over ln 10, before it is rounded: next to the
+      // unit circle the result may be subnormal.
+      const W of_square = hn::Set(wide, kDecimal ? 0x1.bcb7b1526e50ep-3 : 0.5);
+      size[2 * i] = hn::Mul(size[2 * i], of_square);
+      size[2 * i + 1] = hn::Mul(size[2 * i + 1], of_square);
       const V log = NarrowHalves(d, size[2 * i], size[2 * i + 1]);
       const V turned = NarrowHalves(d, lower, upper);
-      r[i] = {kDecimal ? log : hn::Mul(log, hn::Set(d, 0.5f)), hn::CopySignToAbs(turned, z[i].im)};
+      r[i] = {log, hn::CopySignToAbs(turned, z[i].im)};
     }
   }
 

@@ -17,10 +17,12 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// The angle is base + atan(q), atan(q) with the sign bit of `turn` flipped.
+// The angle is base + atan(q), atan(q) with the sign bit of `turn` flipped, and where steep the
+// rest of pi/2.
 template <class V>
 struct AtanOctant {
   V q, base, turn;
+  MaskOf<hn::DFromV<V>> steep;
 };
 
 // What both accuracies begin with: the magnitudes, c, and the base without its rest.
@@ -57,7 +59,7 @@ HWY_INLINE AtanOctant<V> AtanOctantOf(D d, V y, V x) {
 #else
   const V n = Remainder(d, u.low, u.c, u.high);
 #endif
-  return {hn::Div(n, hn::Add(u.high, hn::Mul(u.c, u.low))), u.base, u.turn};
+  return {hn::Div(n, hn::Add(u.high, hn::Mul(u.c, u.low))), u.base, u.turn, u.steep};
 }
 
 // atan(q) - q. kTiny: x and y may be outside [2^-64, 2^64) or 0. Of a q below 2^-250, which other
@@ -79,7 +81,17 @@ HWY_INLINE void AtanOctantTail(D d, const V (&q)[K], const double (&c)[N], V (&r
   for (size_t k = 0; k < K; ++k) r[k] = hn::Mul(q[k], hn::Mul(z[k], p[k]));
 }
 
-// The angle, with the sign of y.
+// x and, where steep, the rest of pi/2, which is up to 0.55 ulp of an angle below 1.
+template <class D, class V>
+HWY_INLINE V AddHalfPiRest(D d, MaskOf<D> steep, V x) {
+  const V rest = hn::Set(d, 0x1.1a62633145c07p-54);
+#if HWY_TARGET == HWY_AVX3
+  if constexpr (sizeof(V) == 64) return MergedAdd(x, steep, x, rest);
+#endif
+  return hn::Add(x, hn::IfThenElseZero(steep, rest));
+}
+
+// The angle, with the sign of y; of EP's precision with a c of few coefficients.
 template <bool kTiny, class D, class V, size_t K, size_t N>
 HWY_INLINE void AtanOctantSum(D d, const AtanOctant<V> (&x)[K], const V (&y)[K],
                               const double (&c)[N], V (&r)[K]) {
@@ -87,7 +99,8 @@ HWY_INLINE void AtanOctantSum(D d, const AtanOctant<V> (&x)[K], const V (&y)[K],
   for (size_t k = 0; k < K; ++k) q[k] = x[k].q;
   AtanOctantTail<kTiny>(d, q, c, tail);
   for (size_t k = 0; k < K; ++k) {
-    const V turned = hn::Xor(hn::Add(q[k], tail[k]), x[k].turn);
+    V turned = hn::Xor(hn::Add(q[k], tail[k]), x[k].turn);
+    if constexpr (N > 4) turned = AddHalfPiRest(d, x[k].steep, turned);
     r[k] = hn::CopySignToAbs(hn::Add(x[k].base, turned), y[k]);
   }
 }
