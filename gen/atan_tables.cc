@@ -196,6 +196,75 @@ struct AtanPlainBins {
   PlainTable<float>("kAtanBinsOfFloat", 1, 8, 0.387);
 }
 
+// The same by longer steps, for a small one hardly changes what the arctangent lacks of a double.
+double FineBreakpoint(double center, double* angle) {
+  for (double c = center;; c += 0x1.23456p-33 * center) {
+    double rest;
+    *angle = Arctangent(c, &rest);
+    if (std::fabs(rest) <= 0x1p-64 * *angle) return c;
+  }
+}
+
+// Rows of a >= 0 by its exponent and the five leading bits of its mantissa from 2^-7 to 2^6; one
+// row for what is below, another one for what is beyond.
+void FineTable() {
+  std::printf(R"(
+// Rows c, angle of atan(a) = angle + atan((a - c)/(1 + c a)), 32 of each octave from 2^-7 to 2^6 by
+// the leading bits of a, between one with c = 0 for what is below and one for what is beyond. The
+// angle is atan(c) to within 2^-64 of itself; the fraction is below 0.0079, and in the rows between
+// below 1/64 of a.
+alignas(64) inline constexpr double kAtanFineRows[418][2] = {
+    {0x0p+0, 0x0p+0},
+)");
+  for (int row = 0; row <= 416; ++row) {
+    const double step = std::ldexp(1.0, row / 32 - 12),
+                 foot = std::ldexp(1.0, row / 32 - 7) + row % 32 * step;
+    const double head = row < 416 ? foot + step : INFINITY;
+    double angle;
+    const double c = FineBreakpoint(std::tan((std::atan(foot) + std::atan(head)) / 2), &angle);
+    std::printf("    {%a, %a},\n", c, angle);
+  }
+  std::printf("};\n");
+}
+
+// A number of 26 bits near `center` whose arctangent is almost a multiple of pi's last place.
+double ShortBreakpoint(double center, double* angle) {
+  const double step = std::ldexp(1.0, std::ilogb(center) - 25);
+  const double middle = std::nearbyint(center / step) * step;
+  for (int64_t k = 0;; k = k > 0 ? -k : 1 - k) {
+    const double c = middle + static_cast<double>(k) * step;
+    const long double places = std::atan(static_cast<long double>(c)) * 0x1p51L;
+    *angle = static_cast<double>(std::nearbyint(places)) * 0x1p-51;
+    const double slack = 0x1p-60 * *angle;
+    if (std::fabs(places - std::nearbyint(places)) > 2 * slack * 0x1p51) continue;
+    double rest;
+    const double nearest = Arctangent(c, &rest);
+    if (std::fabs(nearest - *angle + rest) <= slack) return c;
+  }
+}
+
+// Rows of a ratio up to 1 by its exponent and the five leading bits of its mantissa from 2^-7 on;
+// one row for what is below, and the last one twice, for 1.
+void FineOctantTable() {
+  std::printf(R"(
+// Rows c, angle of atan(low/high) = angle + atan((low - c high)/(high + c low)), 32 of each octave
+// from 2^-7 to 1 by the leading bits of the ratio, one with c = 0 for what is below before them, and
+// the last one twice. c has 26 bits, the angle is a multiple of pi's last place and atan(c) to within
+// 2^-60 of itself; the fraction is below 0.0079, and in the rows after the first one below 1/64 of
+// the ratio.
+alignas(64) inline constexpr double kAtanFineOctantRows[226][2] = {
+    {0x0p+0, 0x0p+0},
+)");
+  double c = 0, angle = 0;
+  for (int row = 0; row <= 224; ++row) {
+    const double step = std::ldexp(1.0, row / 32 - 12);
+    const double foot = std::ldexp(1.0, row / 32 - 7) + row % 32 * step;
+    if (row < 224) c = ShortBreakpoint(foot + step / 2, &angle);
+    std::printf("    {%a, %a},\n", c, angle);
+  }
+  std::printf("};\n");
+}
+
 // a (n[0] + n[1] a + n[2] a^2)/(d[0] + d[1] a + d[2] a^2 + a^3) with the least relative error as
 // atan(a), for all a = u/(1 - u), by Remez's exchange of the seven points of the largest errors.
 // The denominator of the round before makes the conditions linear.
@@ -328,6 +397,8 @@ struct AtanBins {
   Middle<double>("double", "kAtanOctantMiddle", 0.56, 0x1p-51);
   OctantTable();
   PlainTables();
+  FineTable();
+  FineOctantTable();
   RatioTable();
   ScalarTable();
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_ATAN_TABLES_H_\n");

@@ -4,6 +4,7 @@
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/atan_polynomials.h"
 #include "pex_core/_heap/real/atan_tables.h"
+#include "pex_core/_heap/real/erf_rows-inl.h"
 #include "pex_core/_heap/real/quotient_correct-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
@@ -79,17 +80,11 @@ HWY_INLINE AtanBin<V> AtanBinOf(D d, V a) {
     return {V{_mm256_permutevar8x32_ps(_mm256_load_ps(B::kBins.c), i)},
             V{_mm256_permutevar8x32_ps(_mm256_load_ps(B::kBins.angle), i)}};
   } else {
-    // The scalar unit takes the numbers out.
-    alignas(32) uint64_t bits[4];
-    hn::Store(Bits(d, sum), hn::RebindToSigned<D>(), reinterpret_cast<int64_t*>(bits));
-    const auto row = [&bits](size_t lane) HWY_ATTR {
-      return _mm_load_pd(kAtanPlainRows<T>.row[bits[lane] >> B::kBit & 15]);
-    };
-    const auto rows = [&row](size_t lane) HWY_ATTR {
-      return _mm256_insertf128_pd(_mm256_castpd128_pd256(row(lane)), row(lane + 2), 1);
-    };
-    const __m256d even = rows(0), odd = rows(1);
-    return {V{_mm256_unpacklo_pd(even, odd)}, V{_mm256_unpackhi_pd(even, odd)}};
+    constexpr uint64_t kRow = 15 * sizeof(kAtanPlainRows<T>.row[0]);
+    RowOffsets<16, D> offsets;
+    offsets.SetBytes(hn::And(ShiftBitsRight<B::kBit - 4>(d, sum), SetBits(d, kRow)));
+    const Row2<V> row = LoadRows2(d, kAtanPlainRows<T>.row[0], offsets);
+    return {row.a, row.b};
   }
 #else
   const auto i = hn::ShiftRight<B::kBit>(Bits(d, sum)).raw;

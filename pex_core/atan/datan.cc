@@ -3,7 +3,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/atan/datan.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
-#include "pex_core/_heap/real/atan-inl.h"
+#include "pex_core/atan/atan_fine-inl.h"
 #include "pex_core/atan/atan_plain-inl.h"
 #include "pex_core/atan/atan_rare.h"
 
@@ -20,17 +20,7 @@ template <class D, size_t kVectors>
 using dAtanPartLA = AtanPlainPart<kAtanPlainLA, D, kVectors>;
 using dAtanLA = AtanPlain<double, dAtanPartLA>;
 
-struct dAtanHA : Kernel<double> {
-  using Rarity = RareAbove<double, 0x783FFFFF>;  // |x| >= 2^900, where 1/x nears underflow
-  static HWY_INLINE int Rare(double x, double* r) { return dAtanRare(x, r); }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    V a[K], v[K];
-    for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
-    FullAtan(d, a, kAtanHA, v);
-    for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(v[k], x[k]);
-  }
-};
+using dAtanHA = AtanPlain<double, AtanFinePart>;
 
 PEX_UNARY(double, dAtan_26, dAtanEP)
 PEX_UNARY(double, dAtan_50, dAtanLA)

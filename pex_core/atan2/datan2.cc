@@ -37,15 +37,26 @@ struct dAtan2EP : Kernel<double>, Atan2NarrowDomain {
   }
 };
 
-struct dAtan2LA : dAtan2Common {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 8;
+struct dAtan2WideLA : dAtan2Common {
+  static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
     OctantAtan2LA<true>(d, y, x, r);
   }
 };
 
+struct dAtan2LA : Kernel<double>, Atan2ModestDomain {
+  static constexpr int kArguments = 2;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 8;
+  using Wide = dAtan2WideLA;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
+    OctantAtan2LA<false>(d, y, x, r);
+  }
+};
+
 struct dAtan2WideHA : dAtan2Common {
+  static constexpr int kUnroll = 2;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
     FullAtan2<true>(d, y, x, r);
@@ -54,7 +65,7 @@ struct dAtan2WideHA : dAtan2Common {
 
 struct dAtan2HA : Kernel<double>, Atan2ModestDomain {
   static constexpr int kArguments = 2;
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = 8;
   using Wide = dAtan2WideHA;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {

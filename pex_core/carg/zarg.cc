@@ -23,7 +23,7 @@ struct dArgLA {
 
 template <bool kTiny>
 struct dArgHA {
-  static constexpr int kUnroll = kTiny ? 1 : 4;
+  static constexpr int kUnroll = kTiny ? 1 : 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void Of(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
     FullAtan2<kTiny>(d, y, x, r);

@@ -64,7 +64,6 @@ struct Atan2Outside {
 // Common lanes have |x| and |y| from 2^-450 to 2^450, single from 2^-60 to 2^60, so that no product
 // and no quotient overflows or underflows; one of them may be 0.
 using Atan2Domain = Atan2Outside<double, 0x23D00000, 0x5C0FFFFF>;
-using Atan2NarrowDomain = Atan2Outside<double, 0x30500000, 0x4F8FFFFF>;  // 2^-250 to 2^250
 using sAtan2Domain = Atan2Outside<float, 0x21800000, 0x5D7FFFFF>;
 using sAtan2WideDomain = Atan2Outside<float, 0x01000000, 0x7F7FFFFF>;  // from 2^-125 on
 
@@ -79,14 +78,24 @@ HWY_INLINE bool AnyBeyond(D d, const V (&y)[K], const V (&x)[K], uint64_t shift,
   return HasAnyBit(joined, SetBits(d, beyond));
 }
 
-// From 2^-64 below 2^64: exponents whose leading four bits are 0 once 959 is taken from them, by
-// subtractions that any unit does.
-struct Atan2ModestDomain : Atan2Outside<double, 0x3BF00000, 0x43EFFFFF> {
+// 2^kBits octaves around 1: exponents of which, less the first one, the leading bits are 0, found
+// by subtractions that any unit does. The drivers of real and of complex functions ask by different
+// names.
+template <int kBits>
+struct Atan2Octaves : Atan2Outside<double, (1023 - (1 << (kBits - 1))) << 20,
+                                   ((1023 + (1 << (kBits - 1))) << 20) - 1> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyOutside(D d, const V (&y)[K], const V (&x)[K]) {
+    constexpr uint64_t kFirst = 1023 - (1 << (kBits - 1));
+    return AnyBeyond(d, y, x, kFirst << 52, (uint64_t{1} << 63) - (uint64_t{1} << (52 + kBits)));
+  }
   template <class D, class V, size_t K>
   static HWY_INLINE bool AnyMayBeRare(D d, const V (&y)[K], const V (&x)[K]) {
-    return AnyBeyond(d, y, x, uint64_t{959} << 52, uint64_t{15} << 59);
+    return AnyOutside(d, y, x);
   }
 };
+using Atan2ModestDomain = Atan2Octaves<7>;  // from 2^-64 below 2^64
+using Atan2NarrowDomain = Atan2Octaves<8>;  // from 2^-128 below 2^128
 
 // The same of floats, from 2^-32 below 2^32, whose exponents less 95 have five bits.
 struct sAtan2ModestDomain : sAtan2Domain {

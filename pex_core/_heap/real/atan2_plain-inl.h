@@ -111,7 +111,7 @@ HWY_INLINE void OctantAtan2LA(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) 
   AtanOctantSum<kTiny>(d, octant, y, kAtanOctantLA, r);
 }
 
-// Without the care for the numerator's last bits. kTiny: x and y may be outside [2^-250, 2^250].
+// Without the care for the numerator's last bits. kTiny: x and y may be outside [2^-128, 2^128).
 template <bool kTiny, class D, class V, size_t K>
 HWY_INLINE void OctantAtan2EP(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
   V q[K], z[K], p[K], base[K], turn[K];

@@ -12,6 +12,12 @@ inline constexpr double kAtanHA[] = {
     -0x1.555555555554cp-2, 0x1.9999999990a43p-3, -0x1.2492490dbe0a9p-3, 0x1.c71c3c573f803p-4,
     -0x1.743d75eb18636p-4, 0x1.31d7e39ec89acp-4};
 
+// The same for |t| < 0.0079.
+
+// Error 2^-65.75 of the whole.
+inline constexpr double kAtanFineHA[] = {
+    -0x1.55555555554fcp-2, 0x1.9999998909c9p-3, -0x1.248b4d3a5f215p-3};
+
 // The same for |t| <= 1/2.
 
 // Error 2^-57.8125 of the whole.
