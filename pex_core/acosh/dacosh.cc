@@ -35,42 +35,14 @@ struct dAcoshEP : dAcoshCommon {
   }
 };
 
-// Up to kLargeArgument there are no cases.
-using RareOrLarge = RareOutside<double, 0x3FF00000, 0x41AFFFFF>;
-
-struct dAcoshWideLA : dAcoshCommon {
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    InverseLA<AcoshSum, true>(d, x, r);
-  }
+template <bool kFull>
+struct dAcoshInFull : InverseFull<AcoshRootSum<kFull, false>, dAcoshCommon> {
+  using Rarity = RareOutside<double, 0x3FF00000, 0x418FFFFF>;  // up to 2^26
+  using Wide = InverseFull<AcoshRootSum<kFull, true>, dAcoshCommon>;
 };
 
-struct dAcoshLA : dAcoshCommon {
-  using Rarity = RareOrLarge;
-  using Wide = dAcoshWideLA;
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    InverseLA<AcoshSum, false>(d, x, r);
-  }
-};
-
-struct dAcoshWideHA : dAcoshCommon {
-  static constexpr int kUnroll = 4;
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    InverseHA<AcoshSum, true>(d, x, r);
-  }
-};
-
-struct dAcoshHA : dAcoshCommon {
-  using Rarity = RareOrLarge;
-  using Wide = dAcoshWideHA;
-  static constexpr int kUnroll = 4;  // more vectors do not fit the registers
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    InverseHA<AcoshSum, false>(d, x, r);
-  }
-};
+using dAcoshLA = dAcoshInFull<false>;
+using dAcoshHA = dAcoshInFull<true>;
 
 PEX_UNARY(double, dAcosh_26, dAcoshEP)
 PEX_UNARY(double, dAcosh_50, dAcoshLA)

@@ -17,9 +17,6 @@ struct dAsinhCommon : Kernel<double> {
   static HWY_INLINE int Rare(double x, double* r) { return AsinhRare(x, r); }
 };
 
-// A tiny x is its own result to the tier's accuracy.
-inline constexpr double kTiny = 0x1p-28;
-
 struct dAsinhWideEP : dAsinhCommon {
   static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>
@@ -46,54 +43,14 @@ struct dAsinhEP : dAsinhCommon {
   }
 };
 
-// From kTiny to kLargeArgument there are no cases.
-using TinyOrLarge = RareByMagnitude<RareOutside<double, 0x3E300000, 0x41AFFFFF>>;
-
-struct dAsinhWideLA : dAsinhCommon {
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    V a[K], y[K];
-    for (size_t k = 0; k < K; ++k) a[k] = MagnitudeUnlessTiny(d, x[k], kTiny);
-    InverseLA<AsinhSum, true>(d, a, y);
-    for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kTiny);
-  }
+template <bool kFull>
+struct dAsinhInFull : InverseFull<AsinhRootSum<kFull, false>, dAsinhCommon> {
+  using Rarity = RareByMagnitude<RareOutside<double, 0x3E300000, 0x418FFFFF>>;  // 2^-28 to 2^26
+  using Wide = InverseFull<AsinhRootSum<kFull, true>, dAsinhCommon>;
 };
 
-struct dAsinhLA : dAsinhCommon {
-  using Rarity = TinyOrLarge;
-  using Wide = dAsinhWideLA;
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    V a[K], y[K];
-    for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
-    InverseLA<AsinhSum, false>(d, a, y);
-    for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(y[k], x[k]);
-  }
-};
-
-struct dAsinhWideHA : dAsinhCommon {
-  static constexpr int kUnroll = 4;
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    V a[K], y[K];
-    for (size_t k = 0; k < K; ++k) a[k] = MagnitudeUnlessTiny(d, x[k], kTiny);
-    InverseHA<AsinhSum, true>(d, a, y);
-    for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kTiny);
-  }
-};
-
-struct dAsinhHA : dAsinhCommon {
-  using Rarity = TinyOrLarge;
-  using Wide = dAsinhWideHA;
-  static constexpr int kUnroll = 4;  // more vectors do not fit the registers
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    V a[K], y[K];
-    for (size_t k = 0; k < K; ++k) a[k] = hn::Abs(x[k]);
-    InverseHA<AsinhSum, false>(d, a, y);
-    for (size_t k = 0; k < K; ++k) r[k] = hn::CopySignToAbs(y[k], x[k]);
-  }
-};
+using dAsinhLA = dAsinhInFull<false>;
+using dAsinhHA = dAsinhInFull<true>;
 
 PEX_UNARY(double, dAsinh_26, dAsinhEP)
 PEX_UNARY(double, dAsinh_50, dAsinhLA)

@@ -33,19 +33,7 @@ struct dAtanhLA : dAtanhCommon<> {
   }
 };
 
-// A tiny x is its own result.
-inline constexpr double kTiny = 0x1p-28;
-
-struct dAtanhHA : dAtanhCommon<Kernel<double>> {
-  static constexpr int kUnroll = 4;  // more vectors do not fit the registers
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    V a[K], y[K];
-    for (size_t k = 0; k < K; ++k) a[k] = MagnitudeUnlessTiny(d, x[k], kTiny);
-    InverseHA<AtanhSum, true>(d, a, y);
-    for (size_t k = 0; k < K; ++k) r[k] = SignedUnlessTiny(d, x[k], y[k], kTiny);
-  }
-};
+using dAtanhHA = InverseFull<AtanhQuotient, dAtanhCommon<Kernel<double>>>;
 
 PEX_UNARY(double, dAtanh_26, dAtanhEP)
 PEX_UNARY(double, dAtanh_50, dAtanhLA)

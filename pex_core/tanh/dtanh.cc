@@ -3,7 +3,9 @@
 #define HWY_TARGET_INCLUDE "pex_core/tanh/dtanh.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
+#include "pex_core/_heap/real/erf_rows-inl.h"
 #include "pex_core/_heap/real/hyperbolic-inl.h"
+#include "pex_core/_heap/real/tanh_tables.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
@@ -43,50 +45,62 @@ struct dTanhEP : dTanhCommon<> {
   }
 };
 
-struct dTanhLA : dTanhCommon<> {
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    V m[K], y[K];
-    for (size_t k = 0; k < K; ++k) m[k] = TanhMagnitude(d, x[k]);
-    TanhOfMagnitudeLA(d, m, y);
-    for (size_t k = 0; k < K; ++k) out[k] = TanhResult(y[k], x[k]);
+// With the row of a point c next to |x|, T = tanh(c), S = 1 - T^2 and t = tanh(|x| - c)
+//   tanh |x| = T + S t/(1 + T t),
+// where T is good to 2^-64 and the other term at most a 127th of it; for |x| < 2^-6 T is 0 and S 1.
+// Tiny arguments are their own results, and their products must not underflow.
+template <class D>
+struct TanhRows {
+  using V = VecOf<D>;
+  static constexpr double kEnd = 0x1.31p+4;   // from here on the result is 1
+  static constexpr double kNone = 0x1.fcp-7;  // of the last 64th of an octave before the rows
+  static constexpr size_t kFirst = BitsOfNumber(kNone) >> 46 << 5;
+  V magnitude;
+  RowOffsets<32, D, kFirst> at;
+
+  HWY_INLINE void Find(D d, V x) {
+    magnitude = hn::Min(hn::Abs(x), hn::Set(d, kEnd));
+    if constexpr (!kHasSilentMul<V>) magnitude = hn::Max(magnitude, hn::Set(d, 0x1p-100));
+    const V key = hn::Max(magnitude, hn::Set(d, kNone));
+    at.SetBytes(hn::And(ShiftBitsRight<41>(d, key), SetBits(d, ~uint64_t{31})));
   }
 };
 
-// Both sides of the quotient as pairs.
-struct dTanhHA : dTanhCommon<Kernel<double>> {
+// The quotient as t (1 - u)/(1 - u^2), u = T t, with a series that ends with u^6 or, in full, u^10.
+template <bool kFull>
+struct dTanhByRows : dTanhCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    TanhSplit<V> u[K];
-    V low[K];
-    for (size_t k = 0; k < K; ++k) u[k] = SplitForTanh(d, TanhMagnitude(d, x[k]));
+    TanhRows<D> rows[K];
+    V u[K], s[K], value[K];
+    const V one = hn::Set(d, 1.0);
+    for (size_t k = 0; k < K; ++k) rows[k].Find(d, x[k]);
     for (size_t k = 0; k < K; ++k) {
-      const V h2 = hn::Mul(u[k].h, u[k].h);  // tanh h - h
-      const V cubic = hn::Mul(hn::Mul(u[k].h, h2), Horner(d, h2, dTanhPolynomial));
-      low[k] = hn::Add(cubic, u[k].h_rest);
+      const auto row = LoadRows4(d, kTanhRows[0], rows[k].at);
+      const V h = hn::Sub(rows[k].magnitude, row.a);
+      const V h2 = SilentMul(h, h);
+      const V cubic = SilentMul(h, SilentMul(h2, SilentHorner(d, h2, dTanhRowPolynomial)));
+      const V t = hn::Add(h, cubic);
+      value[k] = row.b;
+      u[k] = SilentMul(row.b, t);
+      s[k] = SilentMul(row.c, t);
     }
     for (size_t k = 0; k < K; ++k) {
-      const V half = hn::Set(d, 0.5), h = u[k].h;
-      const Pair<V> a = FastTwoSum(u[k].half_power, hn::Neg(half));
-      const Pair<V> b = FastTwoSum(u[k].half_power, half);
-      const Pair<V> bh = TwoProduct(d, b.hi, h), ah = TwoProduct(d, a.hi, h);
-      const Pair<V> above = FastTwoSum(a.hi, bh.hi), wide = FastTwoSum(b.hi, ah.hi);
-      const V above_rest =
-          hn::Add(hn::Add(hn::Add(above.lo, bh.lo), hn::Add(a.lo, hn::Mul(b.lo, h))),
-                  hn::Mul(b.hi, low[k]));
-      const V wide_rest = hn::Add(hn::Add(hn::Add(wide.lo, ah.lo), hn::Add(b.lo, hn::Mul(a.lo, h))),
-                                  hn::Mul(a.hi, low[k]));
-      const Pair<V> below = FastTwoSum(wide.hi, wide_rest);
-      // The difference of the quotient from q, a 2^-11th of it, by its remainder.
-      const V inverse = hn::Div(hn::Set(d, 1.0), below.hi);
-      const V q = hn::Mul(above.hi, inverse);
-      const Pair<V> p = TwoProduct(d, q, below.hi);
-      const V remainder = hn::Add(hn::Sub(hn::Sub(above.hi, p.hi), p.lo),
-                                  hn::Sub(above_rest, hn::Mul(q, below.lo)));
-      out[k] = TanhResult(hn::Add(q, hn::Mul(remainder, inverse)), x[k]);
+      const V u2 = hn::Mul(u[k], u[k]), u4 = hn::Mul(u2, u2);
+      const V even = hn::Add(one, kFull ? hn::Mul(u4, hn::Add(one, u4)) : u4);
+      const V factor = hn::Mul(hn::Sub(one, u[k]), hn::Mul(hn::Add(one, u2), even));
+      const V y = hn::Add(value[k], SilentMul(s[k], factor));
+      if constexpr (kHasSilentMul<V>) {
+        out[k] = hn::CopySignToAbs(y, x[k]);
+      } else {
+        out[k] = TanhResult(y, x[k]);
+      }
     }
   }
 };
+
+using dTanhLA = dTanhByRows<false>;
+using dTanhHA = dTanhByRows<true>;
 
 PEX_UNARY(double, dTanh_26, dTanhEP)
 PEX_UNARY(double, dTanh_50, dTanhLA)

@@ -431,7 +431,6 @@ template <class V>
 struct TanhSplit {
   V half_power;  // P/2
   V h;
-  V h_rest;  // what is below the double of h
 };
 
 // The magnitude for which tanh is computed, 2^-100 to 22: below, the argument is its own result,
@@ -461,41 +460,18 @@ HWY_INLINE TanhSplit<V> SplitForTanh(D d, V m) {
   u.half_power = FromBits(d, hn::Add(power, hn::ShiftLeft<49>(k)));
   const V h0 = hn::Sub(SubExactProduct(kd, hn::Set(d, kHi), m),
                        lookup.template Number<dHyperbolicTangentHalfOffset>());  // exact
-  const V h1 = hn::Mul(kd, hn::Set(d, kLo));
-  u.h = hn::Sub(h0, h1);
-  u.h_rest = hn::Sub(hn::Sub(h0, u.h), h1);
+  u.h = hn::Sub(h0, hn::Mul(kd, hn::Set(d, kLo)));
   return u;
 }
 
-// tanh m for m of TanhMagnitude, within 2 ulp. The divisor is a + 1 + a t with a = (P - 1)/2 as it
-// is rounded; what the divisor's roundings lose goes into the other side in due proportion, which
-// is about m up to 1, and 1 beyond.
-template <class D, class V, size_t K>
-HWY_INLINE void TanhOfMagnitudeLA(D d, const V (&m)[K], V (&out)[K]) {
-  TanhSplit<V> u[K];
-  for (size_t k = 0; k < K; ++k) u[k] = SplitForTanh(d, m[k]);
-  for (size_t k = 0; k < K; ++k) {
-    const auto& [half_power, h, h_rest] = u[k];
-    const V one = hn::Set(d, 1.0);
-    const V h2 = hn::Mul(h, h);
-    const V cubic = hn::Mul(h, hn::Mul(h2, Horner(d, h2, dTanhPolynomial)));
-    const V a = hn::Sub(half_power, hn::Set(d, 0.5));
-    const V at = hn::Mul(a, hn::Add(h, cubic));
-    const V below = hn::Add(hn::Add(a, one), at);
-    const V rest = hn::Add(hn::Sub(a, hn::Sub(below, one)), at);
-    const V low = hn::Add(cubic, hn::Sub(at, hn::Mul(rest, hn::Min(m[k], one))));
-    out[k] = hn::Div(hn::Add(a, hn::Add(h, low)), below);
-  }
-}
-
-// The same closer. What is rounded away from both sides of the quotient comes back at the end,
-// divided by roughly the divisor.
+// tanh m for m of TanhMagnitude. What is rounded away from both sides of the quotient comes back at
+// the end, divided by roughly the divisor.
 template <class D, class V, size_t K>
 HWY_INLINE void TanhOfMagnitude(D d, const V (&m)[K], V (&out)[K]) {
   TanhSplit<V> u[K];
   for (size_t k = 0; k < K; ++k) u[k] = SplitForTanh(d, m[k]);
   for (size_t k = 0; k < K; ++k) {
-    const auto& [half_power, h, h_rest] = u[k];
+    const auto& [half_power, h] = u[k];
     const V half = hn::Set(d, 0.5);
     const V h2 = hn::Mul(h, h);
     const V t = hn::Add(hn::Mul(h, hn::Mul(h2, Horner(d, h2, dTanhPolynomial))), h);

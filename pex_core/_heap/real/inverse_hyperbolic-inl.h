@@ -1,6 +1,6 @@
-// The inverse hyperbolic functions. As logarithms: u + rest with asinh(a) = ln(u + rest), a >= 0,
-// and so on, in double precision for one tier each; atanh in EP and LA and the single asinh and
-// acosh in LA by a quotient and an odd polynomial instead.
+// The inverse hyperbolic functions. As logarithms, asinh(a) = ln(u + rest), a >= 0, and so on;
+// atanh in EP and LA and the single asinh and acosh in LA by a quotient and an odd polynomial
+// instead.
 
 #include <type_traits>
 
@@ -65,16 +65,16 @@ struct AsinhSum {
     MixedRoots<kEstimatedRoots<V, K>>(d, u);
     for (size_t k = 0; k < K; ++k) u[k] = hn::Add(a[k], u[k]);
   }
-  template <bool kFull, bool kWide = true, bool kEstimated = false, class D, class V>
+  template <bool kFull, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
     using T = hn::TFromD<D>;
     const V one = hn::Set(d, T(1));
     const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<T>));
-    const V y = kWide ? Selected(hn::IfThenZeroElse(large, a)) : a;
+    const V y = Selected(hn::IfThenZeroElse(large, a));
     Pair<V> square{hn::Mul(y, y), hn::Zero(d)};
     if constexpr (kFull) square = TwoProduct(d, y, y);
     const Pair<V> sum = kFull ? TwoSum(one, square.hi) : FastTwoSum(one, square.hi);
-    const V root = kEstimated ? RootByEstimateOrZero(d, sum.hi) : hn::Sqrt(sum.hi);
+    const V root = hn::Sqrt(sum.hi);
     V residual = hn::Add(Remainder(d, sum.hi, root, root), sum.lo);
     // It weighs where the root is close to 1; LA takes it for 1, and leaves the residual out beyond
     // a = 2.
@@ -86,7 +86,6 @@ struct AsinhSum {
     }
     const Pair<V> u = FastTwoSum(root, y);
     const V rest = hn::Add(u.lo, residual);
-    if constexpr (!kWide) return {u.hi, rest, hn::Zero(d)};
     return OrLarge(d, large, a, u.hi, rest);
   }
 };
@@ -120,16 +119,16 @@ struct AcoshSum {
     MixedRoots<kEstimatedRoots<V, K>>(d, u);
     for (size_t k = 0; k < K; ++k) u[k] = hn::Add(a[k], u[k]);
   }
-  template <bool kFull, bool kWide = true, bool kEstimated = false, class D, class V>
+  template <bool kFull, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
     using T = hn::TFromD<D>;
     const V one = hn::Set(d, T(1));
     const auto large = hn::Gt(a, hn::Set(d, kLargeArgument<T>));
-    const V y = kWide ? Selected(hn::IfThenElse(large, one, a)) : a;
+    const V y = Selected(hn::IfThenElse(large, one, a));
     const Pair<V> square = TwoProduct(d, y, y);
     const Pair<V> less = FastTwoSum(square.hi, hn::Neg(one));
     const Pair<V> w = FastTwoSum(less.hi, hn::Add(less.lo, square.lo));
-    const V root = kEstimated ? RootByEstimateOrZero(d, w.hi) : hn::Sqrt(w.hi);
+    const V root = hn::Sqrt(w.hi);
     const Pair<V> u = FastTwoSum(y, root);
     V rest = u.lo;
     if constexpr (kFull) {
@@ -138,7 +137,6 @@ struct AcoshSum {
       rest =
           hn::Add(rest, hn::Div(residual, hn::Add(hn::Add(root, root), hn::Set(d, T(0x1p-100)))));
     }
-    if constexpr (!kWide) return {u.hi, rest, hn::Zero(d)};
     return OrLarge(d, large, a, u.hi, rest);
   }
 };
@@ -148,7 +146,7 @@ struct AtanhSum {
   static constexpr double kFactor = 0.5;
   static constexpr bool kHasLarge = false;
   static constexpr bool kExactSum = false;
-  template <bool kFull, bool kWide = true, bool kEstimated = false, class D, class V>
+  template <bool kFull, class D, class V>
   static HWY_INLINE LogArgument<V> Argument(D d, V a) {
     using T = hn::TFromD<D>;
     const V one = hn::Set(d, T(1));
@@ -204,36 +202,138 @@ HWY_INLINE void InverseEP(D d, const V (&a)[K], V (&r)[K]) {
   LogPlainSum(d, head, p, kLnEP, r);
 }
 
-// The arguments of LA and HA. Without kWide for a up to kLargeArgument, and every other root of
-// many by an estimate, where that is possible: the processor has divisions to make, too.
-template <class F, bool kFull, bool kWide, class D, class V, size_t K>
-HWY_INLINE void InverseArguments(D d, const V (&a)[K], LogArgument<V> (&r)[K]) {
-  for (size_t k = 0; k < K; ++k) {
-    if (!kWide && K >= 4 && k % 2 == 0) {
-      r[k] = F::template Argument<kFull, false, true>(d, a[k]);
-    } else {
-      r[k] = F::template Argument<kFull, kWide>(d, a[k]);
+// LA and HA: the logarithm of u = a + r, r the root of w = a^2 + 1 or a^2 - 1. What the rounded
+// numbers leave of these is worth (rest(u) + rest(w)/(2r))/u, and 1/u = |r - a|, of which below
+// 2^26 enough is left. From there on asinh(a) and acosh(a) are ln(2a) to 2^-54.
+inline constexpr double kLargeFull = 0x1p26;
+
+template <bool kFullTier, bool kWide>
+struct RootSum {
+  static constexpr bool kFull = kFullTier, kRest = false, kShift = kWide;
+  template <class D, class V>
+  static HWY_INLINE FullLogArgument<V> OrLarge(D d, MaskOf<D> large, V a, V u, V extra) {
+    if constexpr (!kWide) return {u, extra, extra, extra};
+    // ln(a/4) + 3 ln(2): a/4 leaves room for the reduction's exponents.
+    const V shift = hn::IfThenElseZero(large, hn::Set(d, 3 / kExponentUnit));
+    const V quarter = hn::Mul(Selected(hn::IfThenElseZero(large, a)), hn::Set(d, 0.25));
+    return {hn::IfThenElse(large, quarter, u), hn::IfThenZeroElse(large, extra), shift, shift};
+  }
+  template <class D, class V>
+  static HWY_INLINE V Counting(D, const FullLogArgument<V>&, V argument) {
+    return argument;
+  }
+};
+
+// kWide takes large arguments too, and tiny ones, which are their own results.
+template <bool kFull, bool kWide>
+struct AsinhRootSum : RootSum<kFull, kWide> {
+  static constexpr double kTiny = 0x1p-28;
+  template <class D, class V>
+  static HWY_INLINE FullLogArgument<V> Find(D d, V x) {
+    const V one = hn::Set(d, 1.0), a = hn::Abs(x);
+    const auto large = hn::Gt(a, hn::Set(d, kLargeFull));
+    V y = a;
+    if constexpr (kWide) {
+      y = Selected(hn::IfThenZeroElse(hn::Or(large, MagnitudeBelow(d, x, kTiny)), a));
     }
+    Pair<V> square = {hn::Mul(y, y), one};
+    if constexpr (kFull) square = TwoProduct(d, y, y);
+    const Pair<V> w = FastTwoSum(one, square.hi);  // w - 1 is exact below 2^53
+    const V root = hn::Sqrt(w.hi);
+    const V lost = kFull ? hn::Add(w.lo, square.lo) : w.lo;
+    const V residual = hn::Add(Remainder(d, w.hi, root, root), lost);
+    const Pair<V> u = FastTwoSum(root, y);
+    // r = (u + 1/u)/2, and for i = 1/u 1/(2r) = i/(1 + i^2): next to 1 to the second order, and
+    // else in HA to 3 % for i > 1/3, below which it counts for little.
+    const V i = hn::Sub(root, y);
+    V half_inverse = hn::Min(i, hn::Set(d, 0.5));
+    if constexpr (kFull) {
+      const V slope = hn::Sub(hn::Set(d, 0.9), hn::Mul(i, hn::Set(d, 0.2)));
+      half_inverse = hn::Mul(i, hn::Sub(hn::Set(d, 1.2), hn::Mul(i, slope)));
+    }
+    const V rest = hn::Add(u.lo, hn::Mul(residual, half_inverse));
+    return RootSum<kFull, kWide>::OrLarge(d, large, a, u.hi, hn::Mul(rest, i));
   }
+  template <class D, class V>
+  static HWY_INLINE V Result(D d, V r, V x) {
+    return kWide ? SignedUnlessTiny(d, x, r, kTiny) : hn::CopySignToAbs(r, x);
+  }
+};
+
+// 1/(2r) within 2^-11: a straight line through the bits, within 2 %, and a step.
+template <class D, class V>
+HWY_INLINE V HalfInverse(D d, V r) {
+  const V y = FromBits(d, hn::Sub(SetBits(d, 0x7FD6009E00000000), Bits(d, r)));
+  return hn::Mul(y, hn::Sub(hn::Set(d, 1.4145), hn::Mul(r, y)));
 }
 
-template <class F, bool kWide, class D, class V, size_t K>
-HWY_INLINE void InverseLA(D d, const V (&a)[K], V (&r)[K]) {
-  LogArgument<V> argument[K];
-  InverseArguments<F, false, kWide>(d, a, argument);
-  LogOfSumLA<F::kHasLarge && kWide, F::kExactSum>(d, argument, r);
-}
-
-template <class F, bool kWide, class D, class V, size_t K>
-HWY_INLINE void InverseHA(D d, const V (&a)[K], V (&r)[K]) {
-  LogArgument<V> argument[K];
-  Pair<V> sum[K];
-  InverseArguments<F, true, kWide>(d, a, argument);
-  LogOfSumPair<F::kHasLarge && kWide>(d, argument, sum);
-  for (size_t k = 0; k < K; ++k) {
-    r[k] = hn::Mul(hn::Add(sum[k].hi, sum[k].lo), hn::Set(d, F::kFactor));
+template <bool kFull, bool kWide>
+struct AcoshRootSum : RootSum<kFull, kWide> {
+  template <class D, class V>
+  static HWY_INLINE FullLogArgument<V> Find(D d, V a) {
+    const V one = hn::Set(d, 1.0);
+    const auto large = hn::Gt(a, hn::Set(d, kLargeFull));
+    const V y = kWide ? Selected(hn::IfThenElse(large, one, a)) : a;
+    const V less = hn::Sub(y, one);  // exact
+    V root, rest;
+    if constexpr (kFull) {
+      const Pair<V> more = FastTwoSum(y, one);
+      const Pair<V> w = TwoProduct(d, less, more.hi);
+      root = hn::Sqrt(w.hi);
+      const V lost = hn::Add(w.lo, hn::Mul(less, more.lo));
+      rest = hn::Mul(hn::Add(Remainder(d, w.hi, root, root), lost), HalfInverse(d, root));
+    } else {
+      root = hn::Sqrt(hn::Add(hn::Mul(less, less), hn::Add(less, less)));
+    }
+    const Pair<V> u = FastTwoSum(y, root);
+    rest = kFull ? hn::Add(u.lo, rest) : u.lo;
+    return RootSum<kFull, kWide>::OrLarge(d, large, a, u.hi, hn::Mul(rest, hn::Sub(y, root)));
   }
-}
+  template <class D, class V>
+  static HWY_INLINE V Result(D, V r, V) {
+    return r;
+  }
+};
+
+// HA: half the logarithm of u = 1 + q, q = 2a/(1 - a) rounded. What q lacks is to 1 + q as its
+// residual to 1 + a. Where u is 1, q is the result's double, and its products would underflow.
+struct AtanhQuotient {
+  static constexpr bool kFull = true, kRest = true, kShift = false;
+  template <class D, class V>
+  static HWY_INLINE FullLogArgument<V> Find(D d, V x) {
+    const V one = hn::Set(d, 1.0), a = hn::Abs(x);
+    const V twice = hn::Add(a, a), less = hn::Sub(one, a);
+    const V q = hn::Div(twice, less);
+    const V u = hn::Add(q, one);
+    const V less_lost =
+        Selected(hn::IfThenElseZero(hn::Ne(u, one), hn::Sub(hn::Sub(one, less), a)));
+    const V residual = hn::Sub(Remainder(d, twice, q, less), hn::Mul(q, less_lost));
+    // 1/(1 + a) = 1/(2 - less), exact for less = 1 and else within 5 %.
+    const V slope = hn::Add(hn::Mul(less, hn::Set(d, 0.34)), hn::Set(d, 0.18));
+    const V inverse = hn::Add(hn::Mul(less, slope), hn::Set(d, 0.48));
+    return {u, hn::Mul(residual, inverse), q, hn::Sub(q, hn::Sub(u, one))};
+  }
+  template <class D, class V>
+  static HWY_INLINE V Counting(D d, const FullLogArgument<V>& of, V argument) {
+    return Selected(hn::IfThenElseZero(hn::Ne(of.u, hn::Set(d, 1.0)), argument));
+  }
+  template <class D, class V>
+  static HWY_INLINE V Result(D d, V r, V x) {
+    return hn::CopySignToAbs(hn::Mul(r, hn::Set(d, 0.5)), x);
+  }
+};
+
+// The kernels' groups, a part at a time.
+template <class F, class Common>
+struct InverseFull : Common {
+  static constexpr int kUnroll = 8;
+  static constexpr int kRestUnroll = 4;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D, const V (&x)[K], V (&r)[K]) {
+    LogOfSumPart<F, D> parts[K];
+    SomeInTurn<2>(parts, x, r);
+  }
+};
 
 // The same in single precision. kWide takes large arguments too.
 template <class F, bool kWide, class D, class V>

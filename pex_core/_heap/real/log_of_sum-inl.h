@@ -58,6 +58,68 @@ HWY_INLINE void LogOfSumLA(D d, const LogArgument<V> (&x)[K], V (&r)[K]) {
   LogByDivision<NaturalLog>(d, v, t, r, kExact ? low : nullptr);
 }
 
+// ln(u) + shift ln(2) + extra with one rounding that counts, for 1 <= u below 1.5 * 2^1023: the
+// logarithm's sum in full. The shift is in units of kExponentUnit. F::Find(d, x) gives them,
+// F::Result(d, r, x) what becomes of the sum r. Without F::kFull the roundings of p and of its sum
+// with the smaller terms remain, and the table's logarithm comes last.
+template <class V>
+struct FullLogArgument {
+  V u, extra, shift;
+  V rest;  // with F::kRest, what is added to u, such that 2^-e (u + rest) - a is exact
+};
+
+template <class F, class D>
+struct LogOfSumPart {
+  using V = VecOf<D>;
+  static constexpr size_t kSize = 1;
+  V p[1], head, less, q[1];  // head: the sum so far, or less the table's logarithm
+
+  HWY_INLINE void Reduce(const V* x) {
+    const D d;
+    const FullLogArgument<V> of = F::Find(d, x[0]);
+    LogShort<D> u[1];  // -e
+    LogScale<true>(d, {of.u}, u);
+    const LogPoint<V> row = LogPointAt<LongNaturalLog>(d, u[0].m);
+    V t = hn::Sub(u[0].m, row.a);
+    if constexpr (F::kRest) {
+      const auto one = SetBits(d, BitsOfNumber(1.0));
+      const V inverse_power = FromBits(d, hn::Add(one, u[0].exponent_bits));
+      t = ExactProductLess(of.rest, inverse_power, hn::Sub(row.a, u[0].m));
+    }
+    const V argument = hn::Mul(t, row.factor);
+    if constexpr (F::kShift) u[0].e = hn::Sub(u[0].e, of.shift);
+    const V less_head =
+        ExactProductLess(u[0].e, hn::Set(d, LongNaturalLog::kLog2Hi * kExponentUnit), row.log);
+    head = F::kFull ? hn::Sub(argument, less_head) : less_head;
+    const V rest_of_log2 = hn::Set(d, LongNaturalLog::kLog2Rest * kExponentUnit);
+    if constexpr (F::kFull) {
+      const V lost = Remainder(d, hn::Add(head, less_head), t, row.factor);
+      less = hn::Sub(AddExactProduct(u[0].e, rest_of_log2, lost), of.extra);
+    } else {
+      less = ExactProductLess(u[0].e, rest_of_log2, of.extra);
+    }
+    p[0] = F::Counting(d, of, argument);
+    V end[1] = {less};
+    EndPart(end);
+    less = end[0];
+  }
+  HWY_INLINE void Evaluate() {
+    const D d;
+    AdaptedSextic(d, p, LongNaturalLog::kSextic, q);
+    q[0] = hn::Add(hn::Mul(q[0], p[0]), hn::Set(d, LongNaturalLog::kPolynomial[1]));
+    EndPart(q);
+  }
+  HWY_INLINE void Result(const V* x, V* r) const {
+    const D d;
+    // The polynomial's first coefficient is -1/2.
+    const V square = hn::Mul(p[0], p[0]);
+    const V bent = SubExactProduct(square, hn::Set(d, LongNaturalLog::kPolynomial[0]), less);
+    const V low = hn::Sub(bent, hn::Mul(square, hn::Mul(q[0], p[0])));
+    const V y = F::kFull ? hn::Sub(head, low) : hn::Sub(hn::Sub(p[0], low), head);
+    r[0] = F::Result(d, y, x[0]);
+  }
+};
+
 // The function F of x correctly rounded to single precision, x given in double: by LA's sum, and in
 // full where that leaves the rounding in doubt. F::template Argument<true> makes the argument of
 // the full sum.
