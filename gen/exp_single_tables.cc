@@ -11,14 +11,15 @@
 
 namespace {
 
-// 2^(j/steps) rounded to T, and the rest below it over the power.
+// 2^(j/steps)/scale rounded to T, and the rest below it over the power.
 template <typename T>
-T Power(int j, int steps, double* rest = nullptr) {
+T Power(int j, int steps, double* rest = nullptr, double scale = 1) {
   mpfr_t x, y;
   mpfr_inits2(200, x, y, nullptr);
   mpfr_set_si(x, j, MPFR_RNDN);
   mpfr_div_si(x, x, steps, MPFR_RNDN);
   mpfr_exp2(x, x, MPFR_RNDN);
+  mpfr_div_d(x, x, scale, MPFR_RNDN);
   const T power = sizeof(T) == 4 ? static_cast<T>(mpfr_get_flt(x, MPFR_RNDN))
                                  : static_cast<T>(mpfr_get_d(x, MPFR_RNDN));
   mpfr_set_d(y, power, MPFR_RNDN);
@@ -35,14 +36,15 @@ void Head(const char* what, const char* type, const char* name, int size = 16) {
 
 void Separate(int j, int per_line) { std::printf(j % per_line ? " " : "\n    "); }
 
-// Bits of 2^(j/steps) less j << shift, so that adding k << shift, k = steps * n + j, gives those of
-// 2^(k/steps).
-void Shifted(const char* what, const char* name, int steps, int shift) {
+// Bits of 2^(j/steps)/scale less j << shift, so that adding k << shift, k = steps * n + j, gives
+// those of 2^(k/steps)/scale.
+void Shifted(const char* what, const char* name, int steps, int shift, double scale = 1) {
   Head(what, "int32_t", name);
   for (int i = 0; i < 16; ++i) {
     const uint32_t j = i % steps;
     Separate(i, 4);
-    std::printf("0x%08" PRIX32 ",", std::bit_cast<uint32_t>(Power<float>(j, steps)) - (j << shift));
+    std::printf("0x%08" PRIX32 ",",
+                std::bit_cast<uint32_t>(Power<float>(j, steps, nullptr, scale)) - (j << shift));
   }
   std::printf("\n};\n");
 }
@@ -134,6 +136,8 @@ int main() {
   OverChord();
   Shifted("Bits of 2^(j/8) less j << 20, twice: adding k << 20 gives those of 2^(k/8).",
           "sExpShiftedEighths", 8, 20);
+  // Of the c with which 1/p, p = (23/32)^2 + c, gives 1 for 0, that with the least error.
+  Shifted("The same of 2^(j/8)/p, p = 0x1.096p0.", "sExpShiftedEighthsEP", 8, 20, 0x1.096p0);
   Shifted("Bits of 2^(j/16) less j << 19: adding k << 19 gives those of 2^(k/16).",
           "sExpShiftedSixteenths", 16, 19);
   InTwoParts("2^(j/16).", "sExpSixteenths", "sExpSixteenthsRest", 16);

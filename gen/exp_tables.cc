@@ -1,4 +1,4 @@
-// Writes pex_core/_heap/real/exp_tables.h: powers of two in steps of 1/1024, 1/128 and 1/64 octave.
+// Writes pex_core/_heap/real/exp_tables.h: powers of two in steps of 1/1024 octave and larger ones.
 #include <mpfr.h>
 
 #include <bit>
@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 
 namespace {
 
@@ -174,23 +175,42 @@ void ShortPowers(const char* name) {
   mpfr_clear(y);
 }
 
-// The significand of 2^(j/1024) in the low 52 bits; above it, plus 2048, how far the power is from
-// that double in 2^-64 of it.
-void Packed(const char* name) {
+// 2^(j/256), j = 16 a + b, as products of numbers of 26 and 27 bits, and their logarithms less
+// those of 2^(a/16) and 2^(b/256), multiples of 2^-76, so that the sums of these are exact.
+void ShortFactors(const char* name) {
   std::printf(
-      "\n// Low 52 bits: significand of 2^(j/1024), j = 0 .. 1023. Above: 2048 + the rest below "
-      "that\n"
-      "// double in units of 2^-64 of it.\n");
-  std::printf("alignas(64) inline constexpr uint64_t %s[1024] = {\n", name);
-  for (int j = 0; j < 1024; ++j) {
-    double hi, lo;
-    Power(j, 1024, &hi, &lo);
-    const int64_t rest = std::llround(lo / hi * 0x1p64) + 2048;
-    const uint64_t word =
-        (std::bit_cast<uint64_t>(hi) & 0x000FFFFFFFFFFFFF) | static_cast<uint64_t>(rest) << 52;
-    std::printf("%s0x%016" PRIX64 ",%s", j % 4 ? "" : "    ", word, j % 4 == 3 ? "\n" : " ");
+      "\n// 2^(a/16) in 26 bits, 2^(b/256) in 27 bits, and their logarithms less ln2 a/16 and ln2\n"
+      "// b/256.\n"
+      "struct ExpFactors {\n  double coarse[16], fine[16], coarse_log[16], fine_log[16];\n};\n"
+      "alignas(64) inline constexpr ExpFactors %s = {\n",
+      name);
+  double factor[32], log[32];
+  mpfr_t x, y;
+  mpfr_init2(x, 300);
+  for (int i = 0; i < 32; ++i) {
+    mpfr_init2(y, i < 16 ? 26 : 27);
+    mpfr_set_si(x, i & 15, MPFR_RNDN);
+    mpfr_div_si(x, x, i < 16 ? 16 : 256, MPFR_RNDN);
+    mpfr_exp2(x, x, MPFR_RNDN);
+    mpfr_set(y, x, MPFR_RNDN);
+    mpfr_div(x, y, x, MPFR_RNDN);
+    mpfr_log(x, x, MPFR_RNDN);
+    mpfr_mul_2si(x, x, 76, MPFR_RNDN);
+    mpfr_rint(x, x, MPFR_RNDN);
+    mpfr_mul_2si(x, x, -76, MPFR_RNDN);
+    factor[i] = mpfr_get_d(y, MPFR_RNDN);
+    log[i] = mpfr_get_d(x, MPFR_RNDN);
+    mpfr_clear(y);
+  }
+  for (const double* column : {factor, factor + 16, log, log + 16}) {
+    std::printf("    {\n");
+    for (int j = 0; j < 16; ++j) {
+      std::printf("%s%a,%s", j % 4 ? "" : "        ", column[j], j % 4 == 3 ? "\n" : " ");
+    }
+    std::printf("    },\n");
   }
   std::printf("};\n");
+  mpfr_clear(x);
 }
 
 void Pairs(const char* name, int steps, Rest kind) {
@@ -218,7 +238,7 @@ int main() {
   Factors();
   OverChord("dExpOverChord");
   ShortPowers("kExpShortPowers");
-  Packed("dExpPackedTable");
+  ShortFactors("kExpFactors");
   Pairs("_pexdExpHATab", 64, Rest::kRelative);
   Pairs("dHyperbolicTable", 64, Rest::kAbsolute);
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_EXP_TABLES_H_\n");

@@ -4,6 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/exp_log_polynomials.h"
+#include "pex_core/_heap/real/exp_rows.h"
 #include "pex_core/_heap/real/exp_tables.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
@@ -134,28 +135,55 @@ struct dExpEP : Kernel<double> {
   }
 };
 
-// 2^(k/1024) from a table with 12 bits below the double, times a quartic in |r| <= ln2/2048. A
-// table word holds the significand of the power in its low 52 bits, and above them how far the
-// power is from that double, in 2^-64 of it, plus 2048.
+// 2^(k/256) as a number t, and ln(t) - ln2 k/256.
+template <class D>
+struct ExpPoint {
+  VecOf<D> t, log;
+};
+template <class D>
+HWY_INLINE ExpPoint<D> ExpPointAt(D, BitsOf<D> k) {
+  using V = VecOf<D>;
+#if HWY_TARGET == HWY_AVX3
+  // The factors' product and the sum of their logarithms are exact.
+  const auto at = [](BitsOf<D> i, const double* c) HWY_ATTR {
+    return V{_mm512_permutex2var_pd(_mm512_load_pd(c), i.raw, _mm512_load_pd(c + 8))};
+  };
+  const auto a = hn::ShiftRight<4>(k);
+  return {hn::Mul(at(a, kExpFactors.coarse), at(k, kExpFactors.fine)),
+          hn::Add(at(a, kExpFactors.coarse_log), at(k, kExpFactors.fine_log))};
+#elif HWY_TARGET == HWY_AVX2
+  HWY_ALIGN uint8_t j[32];  // in each lane's first byte the row
+  hn::Store(k, hn::RebindToSigned<D>(), reinterpret_cast<int64_t*>(j));
+  asm volatile("" : "+m"(j));  // else GCC takes the lanes out one by one
+  const auto halves = [&](int lane) HWY_ATTR {
+    const __m256d lower = _mm256_castpd128_pd256(_mm_load_pd(kExpRows.row[j[8 * lane]]));
+    return _mm256_insertf128_pd(lower, _mm_load_pd(kExpRows.row[j[8 * lane + 16]]), 1);
+  };
+  const __m256d even = halves(0), odd = halves(1);
+  return {V{_mm256_unpacklo_pd(even, odd)}, V{_mm256_unpackhi_pd(even, odd)}};
+#else
+  const auto row = [](uint64_t i)
+                       HWY_ATTR { return _mm_load_pd(kExpRows.row[static_cast<uint8_t>(i)]); };
+  const __m128d r0 = row(static_cast<uint64_t>(_mm_cvtsi128_si64(k.raw)));
+  const __m128d r1 = row(static_cast<uint64_t>(_mm_extract_epi64(k.raw, 1)));
+  return {V{_mm_unpacklo_pd(r0, r1)}, V{_mm_unpackhi_pd(r0, r1)}};
+#endif
+}
+
+// t, a number next to 2^(k/256), times e^r by a quartic in |r| <= ln2/512; k
+// times both parts of ln2 is exact.
 struct dExpHA : Kernel<double> {
   using Rarity = RareAbove<double, 0x4086232A>;  // |x| >= 708.39599609375
   static HWY_INLINE int Rare(double x, double* r) { return dExpScalar(x, r); }
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const hn::RebindToUnsigned<D> du;
-    x = hn::Add(x, hn::Set(d, 0x1p-300));  // no tiny square
-    const auto u = ExpReduce(d, x, 0x1.71547652b82fep+10, 0x1p-10);
-    const auto word = Gather(du, dExpPackedTable, hn::And(u.k, SetBits(d, 1023)));
-    // 2^52 + rest + 2048, made by the bits.
-    const auto rest = hn::Or(hn::ShiftRight<52>(word), hn::Set(du, 0x4330000000000000));
-    const V delta =
-        hn::Mul(hn::Sub(hn::BitCast(d, rest), hn::Set(d, 0x1p52 + 2048)), hn::Set(d, 0x1p-64));
-    const V t = hn::BitCast(
-        d, hn::Or(hn::And(word, hn::Set(du, 0x000FFFFFFFFFFFFF)), hn::Set(du, 0x3FF0000000000000)));
-    const V r = hn::Sub(SubExactProduct(u.n, hn::Set(d, kL1), x), hn::Mul(u.n, hn::Set(d, kL2)));
-    const V q = Horner(d, r, kExpHA);
-    const V p = hn::Add(hn::Add(hn::Mul(q, hn::Mul(r, r)), delta), r);
-    return ScaleByPower<10>(d, hn::Add(hn::Mul(t, p), t), u);
+    x = AboveUnderflow(d, x);
+    const auto u = ExpReduce(d, x, 0x1.71547652b82fep+8, 0x1p-8);
+    const ExpPoint<D> point = ExpPointAt(d, u.k);
+    const V low = AddExactProduct(u.n, hn::Set(d, 0x1.1cf79abc8p-36), point.log);
+    const V r = hn::Sub(SubExactProduct(u.n, hn::Set(d, 0x1.62e42fef8p-1), x), low);
+    const V p = SilentMul(SilentHorner(d, r, kExpHA), r);
+    return ScaleByPower<8>(d, hn::Add(hn::Mul(point.t, p), point.t), u);
   }
 };
 

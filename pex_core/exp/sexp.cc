@@ -20,19 +20,39 @@ struct sExpCommon : Kernel<float, Compute> {
   static HWY_INLINE int Rare(float x, float* r) { return sExpScalar(x, r); }
 };
 
-// 2^(k/16) from a table, times 1 + r, -0.584 ln2/16 <= r <= 0.417 ln2/16: k is the integer next to
-// (x + 1) 16/ln2 - 23, so that 1 + x alone needs to be formed. 11.56 correct bits (0x1.ff5732p+5).
+// Silent products need no more; on the other levels x has 2^-100 added where there is a product
+// that may underflow, which changes no result.
+template <class D, class V>
+HWY_INLINE V AboveUnderflow(D d, V x) {
+  if constexpr (kHasSilentMul<V>) return x;
+  return hn::Add(x, hn::Set(d, 0x1p-100f));
+}
+
+// n - 0x1.8p19 - 23/32, rounded once: seven times a number.
+template <class D, class V>
+HWY_INLINE V LessShifterAndVertex(D d, V n) {
+#if HWY_TARGET == HWY_SSE4
+  return hn::Sub(hn::Sub(n, hn::Set(d, 0x1.8p19f)), hn::Set(d, 0.71875f));
+#else
+  constexpr float kSeventh = 0x1.b6db88p16f;
+  static_assert(7 * double{kSeventh} == 0x1.8p19 + 0.71875);
+  return SubExactProduct(hn::Set(d, 7.0f), hn::Set(d, kSeventh), n);
+#endif
+}
+
+// 2^(k/8) from a table, times 2^(f/8) as (f/16 + 23/32)^2 + c, over its value for f = 0, |f| <=
+// 1/2. 16.59 correct bits (-0x1.5b2754p+6).
 struct sExpEP : sExpCommon<> {
   static constexpr int kUnroll = 8;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const V w = hn::Add(x, hn::Set(d, 1.0f));
-    const V kf = hn::Add(hn::Mul(w, hn::Set(d, 0x1.715476p+4f)), hn::Set(d, 0x1.8p23f - 23));
-    const V kd = hn::Sub(kf, hn::Set(d, 0x1.8p23f));
+    const V y = SilentMul(AboveUnderflow(d, x), hn::Set(d, 0x1.715476p-1f));  // 1/(2 ln2)
+    const V kf = hn::Add(y, hn::Set(d, 0x1.8p19f));  // leaves the rounded integer in the low bits
     const auto k = Bits(d, kf);
-    const V s =
-        FromBits(d, hn::Add(LookupSixteenth(d, sExpShiftedSixteenths, k), hn::ShiftLeft<19>(k)));
-    return hn::Mul(s, hn::Sub(w, hn::Mul(kd, hn::Set(d, 0x1.62e43p-5f))));
+    const V g = hn::Sub(y, LessShifterAndVertex(d, kf));
+    const V s = LookupEighth(d, reinterpret_cast<const float*>(sExpShiftedEighthsEP), k);
+    const V power = FromBits(d, hn::Add(Bits(d, s), hn::ShiftLeft<20>(k)));
+    return hn::Mul(power, hn::Add(hn::Mul(g, g), hn::Set(d, 0x1.0a4p-1f)));
   }
 };
 

@@ -102,7 +102,7 @@ template <class Form>
 struct dRootEP : RootKernel<Form, double> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    constexpr size_t kVectors = HWY_TARGET == HWY_AVX2 && std::is_same_v<Form, CbrtForm> ? 8 : 4;
+    constexpr size_t kVectors = HWY_TARGET != HWY_SSE4 && std::is_same_v<Form, CbrtForm> ? 8 : 4;
     Together<kVectors>(x, r, [&](const auto& in, auto& out) HWY_ATTR { RootEP<Form>(d, in, out); });
   }
 };

@@ -40,6 +40,14 @@ alignas(64) inline constexpr int32_t sExpShiftedEighths[16] = {
     0x3F7504F3, 0x3F75672A, 0x3F7744FD, 0x3F7AC0C7,
 };
 
+// The same of 2^(j/8)/p, p = 0x1.096p0.
+alignas(64) inline constexpr int32_t sExpShiftedEighthsEP[16] = {
+    0x3F76F4C9, 0x3F76A761, 0x3F72D74E, 0x3F70219C,
+    0x3F6E9FD9, 0x3F6E6DE4, 0x3F6FAA22, 0x3F7275B7,
+    0x3F76F4C9, 0x3F76A761, 0x3F72D74E, 0x3F70219C,
+    0x3F6E9FD9, 0x3F6E6DE4, 0x3F6FAA22, 0x3F7275B7,
+};
+
 // Bits of 2^(j/16) less j << 19: adding k << 19 gives those of 2^(k/16).
 alignas(64) inline constexpr int32_t sExpShiftedSixteenths[16] = {
     0x3F800000, 0x3F7DAAC3, 0x3F7B95C2, 0x3F79C3D3,

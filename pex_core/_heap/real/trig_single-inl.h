@@ -167,6 +167,18 @@ struct Reduction {
 #endif
   }
 
+  // n - kShifter - 1/2, a number: kShifter + 1/2 has a bit too many, but is five times a number.
+  template <class D, class V>
+  static HWY_INLINE V LessShifterAndHalf(D d, V n) {
+#if HWY_TARGET == HWY_SSE4
+    return hn::Sub(hn::Sub(n, hn::Set(d, kShifter)), hn::Set(d, 0.5f));
+#else
+    constexpr float kFifth = 2516582.5f;
+    static_assert(5 * double{kFifth} == double{kShifter} + 0.5);
+    return Remainder(d, n, hn::Set(d, 5.0f), hn::Set(d, kFifth));
+#endif
+  }
+
   // x less n times u's high part, a number.
   template <class D, class V>
   static HWY_INLINE V LessHigh(D d, V x, V n) {
@@ -213,12 +225,11 @@ struct Reduction {
     for (size_t k = 0; k < K; ++k) n[k] = hn::Add(n[k], hn::Set(d, kShifter));
     EndStep(n);
     for (size_t k = 0; k < K; ++k) u[k].k = Bits(d, n[k]);
-    for (size_t k = 0; k < K; ++k) n[k] = hn::Sub(n[k], hn::Set(d, kShifter));
-    EndStep(n);
-    if (kTurn == Turn::kCosine) {
-      for (size_t k = 0; k < K; ++k) n[k] = hn::Sub(n[k], hn::Set(d, 0.5f));
-      EndStep(n);
+    for (size_t k = 0; k < K; ++k) {
+      n[k] =
+          kTurn == Turn::kCosine ? LessShifterAndHalf(d, n[k]) : hn::Sub(n[k], hn::Set(d, kShifter));
     }
+    EndStep(n);
     for (size_t k = 0; k < K; ++k) y[k] = Remainder(d, x[k], n[k], hn::Set(d, kPiHigh * kUnit));
     EndStep(y);
     if constexpr (kCare == Care::kRough) {
