@@ -29,6 +29,7 @@ constexpr Kernel kKernels[] = {
     {"sAtan_11", _pexsAtan_11, -kLargest, kLargest},
     {"sAtan_21", _pexsAtan_21, -kLargest, kLargest},
     {"sAtan_HA", _pexsAtan_HA, -kLargest, kLargest},
+    {"sAtanh_HA", _pexsAtanh_HA, -1, 1},
     {"sExpm1_21", _pexsExpm1_21, -88, 88},
     {"sLn_HA", _pexsLn_HA, 0, kLargest},
     {"sLog10_21", _pexsLog10_21, 0, kLargest},
