@@ -265,6 +265,42 @@ alignas(64) inline constexpr double kAtanFineOctantRows[226][2] = {
   std::printf("};\n");
 }
 
+// Quarters of octaves from 1/16 to 16, in rows by the exponent and the two leading bits of the
+// mantissa; the first bin goes from 0 on, the last one to infinity.
+void ShortTable() {
+  const int N = 32;
+  float c[N], finite[N], angle[N], rest[N];
+  for (int bin = 0; bin < N; ++bin) {
+    const double foot = std::ldexp(1 + 0.25 * (bin % 4), bin / 4 - 4);
+    const double head = foot + std::ldexp(0.25, bin / 4 - 4);
+    const int row = (bin + 4 * (127 - 4)) % N;
+    double more = 0;
+    c[row] = bin == 0       ? 0.0f
+             : bin == N - 1 ? 1.0f
+                            : static_cast<float>(std::tan((std::atan(foot) + std::atan(head)) / 2));
+    finite[row] = bin == N - 1 ? 0.0f : 1.0f;
+    // atan(1/0) is twice atan(1).
+    angle[row] = Arctangent(c[row], &more);
+    if (bin == N - 1) angle[row] *= 2, more *= 2;
+    rest[row] = static_cast<float>(more);
+  }
+  std::printf(R"(
+// Quarters of octaves from 1/16 to 16, rows i & 31 for the exponent and the two leading bits of the
+// mantissa, i: atan(a) = angle + rest + atan((finite a - c)/(finite + c a)) with a fraction below
+// 0.0782. The lowest bin, with all that is below it, has c = 0, the highest one stands for infinity.
+struct AtanShortBins {
+  alignas(64) float c[32], finite[32], angle[32], rest[32];
+};
+
+inline constexpr AtanShortBins kAtanShortBins = {
+)");
+  Column(c);
+  Column(finite);
+  Column(angle);
+  Column(rest);
+  std::printf("};\n");
+}
+
 // a (n[0] + n[1] a + n[2] a^2)/(d[0] + d[1] a + d[2] a^2 + a^3) with the least relative error as
 // atan(a), for all a = u/(1 - u), by Remez's exchange of the seven points of the largest errors.
 // The denominator of the round before makes the conditions linear.
@@ -399,6 +435,7 @@ struct AtanBins {
   PlainTables();
   FineTable();
   FineOctantTable();
+  ShortTable();
   RatioTable();
   ScalarTable();
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_ATAN_TABLES_H_\n");

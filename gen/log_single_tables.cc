@@ -7,6 +7,9 @@
 //
 // Where it is that of the factor, a float c near log(e)/a at which -log(c/log(e)) is almost a
 // float.
+//
+// Where c m - 1 has to be exact, the c that keeps it smallest of those so short that it is, and
+// -ln(c) in two parts, the first a multiple of 2^-16.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -86,6 +89,52 @@ Row FactorSearch(long double log_e, int bits, float a, float step) {
   return best;
 }
 
+struct ExactRow {
+  float factor, hi, lo;
+};
+
+// For the m within half a step of a, from 0.75 to 1.5: their last place is 2^-24, from 1 on 2^-23.
+ExactRow ExactSearch(double a, double step) {
+  if (a == 1) return {1, 0, 0};
+  const double first = std::max(0.75, a - step / 2), last = std::min(1.5, a + step / 2);
+  const int place = a < 1 ? -24 : -23;
+  ExactRow best = {};
+  double least = 1;
+  for (int bits = 2; bits < 9; ++bits) {
+    for (int k = 1; k < 3 << bits; k += 2) {
+      const double c = std::ldexp(k, -bits);
+      const double most = std::max(std::fabs(first * c - 1), std::fabs(last * c - 1));
+      if (most > std::ldexp(1, 24 + place - bits) || most >= least) continue;
+      least = most;
+      const long double log = -std::log(static_cast<long double>(c));
+      const long double hi = std::ldexp(std::nearbyint(std::ldexp(log, 16)), -16);
+      best = {static_cast<float>(c), static_cast<float>(hi), static_cast<float>(log - hi)};
+    }
+  }
+  return best;
+}
+
+template <int kSize>
+void ExactTable(const char* name, int steps) {
+  ExactRow rows[kSize] = {};
+  for (int i = steps * 3 / 4; i <= steps * 3 / 2; ++i) {
+    rows[i % kSize] = ExactSearch(static_cast<double>(i) / steps, 1.0 / steps);
+  }
+  std::printf("\ninline constexpr LogExactTable<%d> %s = {\n", kSize, name);
+  for (const auto field : {&ExactRow::factor, &ExactRow::hi, &ExactRow::lo}) {
+    std::printf("    {");
+    for (int j = 0; j < kSize; ++j) {
+      std::printf("%s%af",
+                  j == 0  ? ""
+                  : j % 4 ? ", "
+                          : ",\n     ",
+                  static_cast<double>(rows[j].*field));
+    }
+    std::printf("},\n");
+  }
+  std::printf("};\n");
+}
+
 template <class Search>
 void Table(const char* name, Search search, int steps = 16) {
   Row rows[16] = {};
@@ -129,5 +178,16 @@ int main() {
   std::printf("\n");
   Table(
       "kLog10SingleEighths", [](float a) { return FactorSearch(kLog10E, 24, a, 1.0f / 8); }, 8);
+  std::printf(
+      "\n// Factors c near 1/a so short that c m - 1 is exact for the m next to a, and -ln(c) in "
+      "two "
+      "parts,\n// the first a multiple of 2^-16. Rows i mod 8 for a = i/8, i = 6 .. 12, and i mod "
+      "32 "
+      "for a = i/32,\n// i = 24 .. 48.\n"
+      "template <int kSize>\nstruct LogExactTable {\n"
+      "  alignas(64) float factor[kSize], hi[kSize], lo[kSize];\n};\n");
+  ExactTable<8>("kLogExactEighths", 8);
+  std::printf("\n");
+  ExactTable<32>("kLogExactThirtySeconds", 32);
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_LOG_SINGLE_TABLES_H_\n");
 }

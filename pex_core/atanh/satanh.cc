@@ -4,6 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/inverse_hyperbolic-inl.h"
+#include "pex_core/_heap/real/slog_short-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/atanh/atanh_rare.h"
 
@@ -37,15 +38,63 @@ struct sAtanhLA : sAtanhCommon<> {
 inline constexpr float kTiny = 0x1p-13f;
 
 // In double precision. Correctly rounded for all floats.
+template <class D, class V>
+HWY_INLINE V sAtanhWide(D d, V x) {
+  const hn::Rebind<double, D> wide;
+  const V a = MagnitudeUnlessTiny(d, x, kTiny);
+  const V y = LogOfSumSingle<AtanhSum>(d, hn::PromoteTo(wide, a));
+  return SignedUnlessTiny(d, x, y, kTiny);
+}
+
+#if HWY_TARGET == HWY_SSE4
 struct sAtanhHA : sAtanhCommon<Kernel<float, double>> {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const hn::Rebind<double, D> wide;
-    const V a = MagnitudeUnlessTiny(d, x, kTiny);
-    const V y = LogOfSumSingle<AtanhSum>(d, hn::PromoteTo(wide, a));
-    return SignedUnlessTiny(d, x, y, kTiny);
+    return sAtanhWide(d, x);
   }
 };
+#else
+// By floats: half of ln(1 + 2a/(1 - a)), the quotient with its rest by the exact remainder. Where x
+// is its own result the quotient gives way to 0.
+struct sAtanhHA : sAtanhCommon<Kernel<float>> {
+  static constexpr int kUnroll = 2;
+  template <class D, class V>
+  static HWY_INLINE V Wide(D d, V x) {
+    return sAtanhWide(d, x);
+  }
+  template <class D, class V>
+  static HWY_INLINE V Short(D d, V x, BitsOf<D>& doubt) {
+    const V one = hn::Set(d, 1.0f), half = hn::Set(d, 0.5f);
+    const V a = hn::Abs(x);
+#if HWY_TARGET == HWY_AVX3
+    const auto whole = hn::RebindMask(d, hn::Gt(Bits(d, a), SetBits(d, BitsOfNumber(kTiny) - 1)));
+    const V twice = MergedAdd(hn::Zero(d), whole, a, a);
+#else
+    const auto tiny = MagnitudeBelow(d, x, kTiny);
+    const V twice = hn::IfThenZeroElse(tiny, hn::Add(a, a));
+#endif
+    const V less = hn::Sub(one, a), less_rest = hn::Sub(hn::Sub(one, less), a);
+    const V inverse = hn::Div(one, less);
+    const V quotient = hn::Mul(twice, inverse);
+    const V remainder =
+        HiddenNegMulAdd(quotient, less_rest, HiddenNegMulAdd(quotient, less, twice));
+    const V u = hn::Add(quotient, one);
+    const V t = HiddenMulAdd(remainder, inverse, hn::Sub(quotient, hn::Sub(u, one)));
+    const auto s = sLnOfSumShort(d, u, t);
+    const V least = sLogRounded<sNaturalLog>(d, s, doubt);
+#if HWY_TARGET == HWY_AVX3
+    return hn::IfVecThenElse(hn::SignBit(d), x, MergedMul(x, whole, least, half));
+#else
+    const V from_x = hn::Or(hn::SignBit(d), hn::VecFromMask(d, tiny));
+    return hn::Or(hn::Mul(least, half), hn::And(x, from_x));
+#endif
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    ShortGroup<sAtanhHA>(d, x, r);
+  }
+};
+#endif
 
 PEX_UNARY(float, sAtanh_11, sAtanhEP)
 PEX_UNARY(float, sAtanh_21, sAtanhLA)

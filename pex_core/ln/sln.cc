@@ -3,7 +3,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/ln/sln.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
-#include "pex_core/_heap/real/slog-inl.h"
+#include "pex_core/_heap/real/slog_short-inl.h"
 #include "pex_core/ln/ln_rare.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -28,12 +28,8 @@ struct sLnLA : sLogKernel {
   }
 };
 
-struct sLnHA : sLogWideKernel {
+struct sLnHA : sLogHAKernel<NaturalLog, sNaturalLog> {
   static HWY_INLINE int Rare(float x, float* r) { return sLnScalar(x, r); }
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return sLogHA<NaturalLog, sNaturalLog>(d, x);
-  }
 };
 
 PEX_UNARY(float, sLn_11, sLnEP)

@@ -3,7 +3,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/log10/slog10.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
-#include "pex_core/_heap/real/slog-inl.h"
+#include "pex_core/_heap/real/slog_short-inl.h"
 #include "pex_core/ln/ln_rare.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -27,12 +27,8 @@ struct sLog10LA : sLogKernel {
   }
 };
 
-struct sLog10HA : sLogWideKernel {
+struct sLog10HA : sLogHAKernel<DecimalLog, sDecimalLog> {
   static HWY_INLINE int Rare(float x, float* r) { return sLog10Scalar(x, r); }
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return sLogHA<DecimalLog, sDecimalLog>(d, x);
-  }
 };
 
 PEX_UNARY(float, sLog10_11, sLog10EP)

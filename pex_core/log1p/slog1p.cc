@@ -3,7 +3,7 @@
 #define HWY_TARGET_INCLUDE "pex_core/log1p/slog1p.cc"
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
-#include "pex_core/_heap/real/slog-inl.h"
+#include "pex_core/_heap/real/slog_short-inl.h"
 #include "pex_core/log1p/log1p_rare.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -99,27 +99,80 @@ struct sLog1pLA : sLog1pKernel {
 inline constexpr float kTiny = 0x1p-25f;
 
 // 1 + x is exact in double, up to 2^53.
+template <class D, class V>
+HWY_INLINE V sLog1pWide(D d, V x) {
+  const hn::Rebind<double, D> wide;
+  const auto one = hn::Set(d, 1.0f);
+  const auto tiny = MagnitudeBelow(d, x, kTiny);
+  const auto y = Selected(hn::IfThenZeroElse(tiny, x));
+  const auto u = sLogReduce(d, hn::Add(x, one));
+  const auto scale = hn::PromoteTo(wide, FromBits(d, hn::Sub(Bits(d, one), u.exponent_bits)));
+  const auto sum = hn::Add(hn::PromoteTo(wide, y), hn::Set(wide, 1.0));
+  const V r = sLogWide<NaturalLog, sNaturalLog>(d, u, hn::Mul(sum, scale));
+#if HWY_TARGET == HWY_AVX2
+  return hn::Or(r, hn::IfThenElseZero(tiny, x));  // r is +0 there
+#else
+  return hn::IfThenElse(tiny, x, r);
+#endif
+}
+
+#if HWY_TARGET == HWY_SSE4
 struct sLog1pHA : Kernel<float, double> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 6 : Kernel::kUnroll;
   using Rarity = sLog1pRarity;
   static HWY_INLINE int Rare(float x, float* r) { return sLog1pRare(x, r); }
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const hn::Rebind<double, D> wide;
-    const auto one = hn::Set(d, 1.0f);
-    const auto tiny = MagnitudeBelow(d, x, kTiny);
-    const auto y = Selected(hn::IfThenZeroElse(tiny, x));
-    const auto u = sLogReduce(d, hn::Add(x, one));
-    const auto scale = hn::PromoteTo(wide, FromBits(d, hn::Sub(Bits(d, one), u.exponent_bits)));
-    const auto sum = hn::Add(hn::PromoteTo(wide, y), hn::Set(wide, 1.0));
-    const V r = sLogWide<NaturalLog, sNaturalLog>(d, u, hn::Mul(sum, scale));
-#if HWY_TARGET == HWY_AVX2
-    return hn::Or(r, hn::IfThenElseZero(tiny, x));  // r is +0 there
-#else
-    return hn::IfThenElse(tiny, x, r);
-#endif
+    return sLog1pWide(d, x);
   }
 };
+#else
+// By floats. Where x is its own result the sum gives way to 1.
+struct sLog1pHA : Kernel<float> {
+  static constexpr int kUnroll = 2;
+  // 1 + x < 0.75 2^126, for sLnOfSumShort.
+  struct Rarity : RareOutside<float, 0x35800000, 0x7E3FFFFF> {
+    template <class D>
+    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+      return RareOutside::Key(d, hn::Add(x, hn::Set(d, 1.0f)));
+    }
+  };
+  static HWY_INLINE int Rare(float x, float* r) { return sLog1pRare(x, r); }
+  template <class D, class V>
+  static HWY_INLINE V Wide(D d, V x) {
+    return sLog1pWide(d, x);
+  }
+  template <class D, class V>
+  static HWY_INLINE V Short(D d, V x, BitsOf<D>& doubt) {
+    const V one = hn::Set(d, 1.0f);
+    const V larger = hn::Max(x, one), smaller = hn::Min(x, one);
+    const V u = hn::Add(x, one);
+    const V over = hn::Sub(u, larger);
+#if HWY_TARGET == HWY_AVX3
+    const auto whole =
+        hn::RebindMask(d, hn::Gt(Bits(d, hn::Abs(x)), SetBits(d, BitsOfNumber(kTiny) - 1)));
+    const V t = MergedSub(hn::Zero(d), whole, smaller, over);
+#else
+    const auto tiny = MagnitudeBelow(d, x, kTiny);
+    const V t = hn::IfThenZeroElse(tiny, hn::Sub(smaller, over));
+#endif
+    const auto s = sLnOfSumShort(d, u, t);
+    const auto [below, above] = sLogLowerParts<sNaturalLog>(d, s);
+#if HWY_TARGET == HWY_AVX3
+    const V least = MergedAdd(x, whole, s.high, below);
+    doubt = hn::Xor(Bits(d, least), Bits(d, MergedAdd(x, whole, s.high, above)));
+    return least;
+#else
+    const V least = hn::Add(s.high, below);
+    doubt = hn::Xor(Bits(d, least), Bits(d, hn::Add(s.high, above)));
+    return hn::Or(least, hn::IfThenElseZero(tiny, x));
+#endif
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    ShortGroup<sLog1pHA>(d, x, r);
+  }
+};
+#endif
 
 PEX_UNARY(float, sLog1p_11, sLog1pEP)
 PEX_UNARY(float, sLog1p_21, sLog1pLA)

@@ -80,6 +80,12 @@ inline constexpr float kAtan2SingleLA[] = {
     -0x1.5554e4p-2f, 0x1.997ac2p-3f, -0x1.231aa4p-3f, 0x1.b56368p-4f,
     -0x1.367574p-4f, 0x1.64b2cp-5f, -0x1.0f8efcp-6f, 0x1.85ae24p-9f};
 
+// atan(t) = t (1 + z (c[0] + c[1] z ...)) for |t| < 0.0782.
+
+// Error 2^-36.6875 of the whole.
+inline constexpr float kAtanShort[] = {
+    -0x1.555556p-2f, 0x1.999abep-3f, -0x1.236bd4p-3f};
+
 // atan(t) = t (c[0] + c[1] z ...) for |t| <= 1.
 
 // Error 2^-12.1875 of the whole.

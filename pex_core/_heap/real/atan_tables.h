@@ -743,6 +743,48 @@ alignas(64) inline constexpr double kAtanFineOctantRows[226][2] = {
     {0x1.fc0026p-1, 0x1.901dc71514624p-1},
 };
 
+// Quarters of octaves from 1/16 to 16, rows i & 31 for the exponent and the two leading bits of the
+// mantissa, i: atan(a) = angle + rest + atan((finite a - c)/(finite + c a)) with a fraction below
+// 0.0782. The lowest bin, with all that is below it, has c = 0, the highest one stands for infinity.
+struct AtanShortBins {
+  alignas(64) float c[32], finite[32], angle[32], rest[32];
+};
+
+inline constexpr AtanShortBins kAtanShortBins = {
+    {0x1.1d0938p+1f, 0x1.5d6edp+1f, 0x1.9dc09ep+1f, 0x1.de0244p+1f,
+     0x1.1c9d18p+2f, 0x1.5d2f4ap+2f, 0x1.9d988p+2f, 0x1.dde772p+2f,
+     0x1.1c7d04p+3f, 0x1.5d1d6ep+3f, 0x1.9d8d94p+3f, 0x1p+0f,
+     0x0p+0f, 0x1.5ffa8ap-4f, 0x1.9ff992p-4f, 0x1.dff89ap-4f,
+     0x1.1fee5ap-3f, 0x1.5feaa2p-3f, 0x1.9fe70ap-3f, 0x1.dfe392p-3f,
+     0x1.1fbd56p-2f, 0x1.5fb15cp-2f, 0x1.9fa6ccp-2f, 0x1.df9daep-2f,
+     0x1.1f25b8p-1f, 0x1.5f1168p-1f, 0x1.9f05c6p-1f, 0x1.df00dp-1f,
+     0x1.1e0514p+0f, 0x1.5e19d2p+0f, 0x1.9e377ap+0f, 0x1.de5722p+0f},
+    {0x1p+0f, 0x1p+0f, 0x1p+0f, 0x1p+0f,
+     0x1p+0f, 0x1p+0f, 0x1p+0f, 0x1p+0f,
+     0x1p+0f, 0x1p+0f, 0x1p+0f, 0x0p+0f,
+     0x1p+0f, 0x1p+0f, 0x1p+0f, 0x1p+0f,
+     0x1p+0f, 0x1p+0f, 0x1p+0f, 0x1p+0f,
+     0x1p+0f, 0x1p+0f, 0x1p+0f, 0x1p+0f,
+     0x1p+0f, 0x1p+0f, 0x1p+0f, 0x1p+0f,
+     0x1p+0f, 0x1p+0f, 0x1p+0f, 0x1p+0f},
+    {0x1.261278p+0f, 0x1.383c28p+0f, 0x1.455144p+0f, 0x1.4f24ecp+0f,
+     0x1.597ffep+0f, 0x1.63b7dcp+0f, 0x1.6ad27p+0f, 0x1.700b2ap+0f,
+     0x1.7572e6p+0f, 0x1.7ab964p+0f, 0x1.7e5abcp+0f, 0x1.921fb6p+0f,
+     0x0p+0f, 0x1.5f1dbap-4f, 0x1.9e8db8p-4f, 0x1.ddcacap-4f,
+     0x1.1e0e62p-3f, 0x1.5c835p-3f, 0x1.9a5296p-3f, 0x1.d7626ap-3f,
+     0x1.188192p-2f, 0x1.52c484p-2f, 0x1.8ad84p-2f, 0x1.c08aaep-2f,
+     0x1.05b1fap-1f, 0x1.33bcdap-1f, 0x1.5cc1bap-1f, 0x1.811518p-1f,
+     0x1.ae73bcp-1f, 0x1.e0fc42p-1f, 0x1.0468a8p+0f, 0x1.145386p+0f},
+    {0x1.73375cp-26f, -0x1.a36db6p-25f, -0x1.6cf672p-25f, 0x1.1b5fp-25f,
+     -0x1.b18afap-25f, -0x1.01b71cp-26f, -0x1.fb8e0ap-25f, -0x1.aca85p-25f,
+     0x1.886a6cp-25f, 0x1.b4867ap-25f, -0x1.0f017cp-26f, -0x1.777a5cp-25f,
+     0x0p+0f, -0x1.8686c8p-29f, 0x1.5a7906p-33f, 0x1.53d792p-29f,
+     -0x1.70546ap-28f, 0x1.9d2d4cp-28f, -0x1.0f8c04p-29f, 0x1.ac9334p-28f,
+     0x1.12ffa8p-29f, -0x1.2eb684p-27f, 0x1.90812ep-29f, -0x1.5217dap-29f,
+     0x1.90eb16p-28f, 0x1.e1e624p-27f, 0x1.b352a6p-26f, 0x1.ed97ep-27f,
+     0x1.dc9156p-26f, -0x1.6e3bdp-26f, 0x1.80c2d4p-25f, -0x1.b15f22p-27f},
+};
+
 // atan(a) = a (c[0] v + c[1])/((a + c[3]) (v + c[4]) + c[5]) with v = a (a + c[2]), for all a >= 0
 // with an error of 2^-11.923.
 inline constexpr float kAtanRatioSingle[] = {

@@ -58,7 +58,8 @@ struct sNaturalLog {
 };
 
 struct sDecimalLog {
-  static constexpr float kLogE = 0x1.bcb7b2p-2f;
+  static constexpr float kLogE = 0x1.bcb7b2p-2f,
+                         kLogELo = static_cast<float>(0x1.bcb7b1526e50ep-2 - 0x1.bcb7b2p-2);
   // 2^-23 log10 2 in two parts of 16 bits
   static constexpr float kLog2Hi = 0x1.344p-25f, kLog2Lo = 0x1.350ap-41f;
   static constexpr auto& kEP = kLog10SingleEP;

@@ -32,6 +32,15 @@ inline constexpr double kLog10SingleHA[] = {
     -0x1.26bb1bbb555fp0, 0x1.c46dbb45a67edp0, -0x1.86a885a6be4a9p1, 0x1.67cf2ff4fbb5fp2,
     -0x1.5934c4c5c42b9p3, 0x1.5533b68ce1c1ep4, -0x1.56946b5c25433p5};
 
+// ln(1 + x) = x - x^2/2 + x^3 (c[0] + c[1] x + ...), -8.599853515625e-2 <= x <= 6.6986083984375e-2; error 2^-36.75 x.
+inline constexpr float kLogExactEighthHA[] = {
+    0x1.555556p-2f, -0x1.fffffep-3f, 0x1.9994aep-3f, -0x1.556052p-3f,
+    0x1.28ee86p-3f, -0x1.ede716p-4f};
+
+// ln(1 + x) = x - x^2/2 + x^3 (c[0] + c[1] x + ...), -2.8900146484375e-2 <= x <= 2.98004150390625e-2; error 2^-36.5 x.
+inline constexpr float kLogExactThirtySecondHA[] = {
+    0x1.555554p-2f, -0x1.000004p-2f, 0x1.99df74p-3f, -0x1.552d4cp-3f};
+
 // ln(1 + x) = x (c[0] + c[1] x + ...), -1/4 <= x <= 1/2.
 inline constexpr float kLnSingleEP[] = {
     0x1.fff2acp-1f, -0x1.020d84p-1f, 0x1.6040fcp-2f, -0x1.7bc53cp-3f};
