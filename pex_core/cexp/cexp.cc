@@ -5,6 +5,7 @@
 //
 #include "pex_core/_heap/complex/complex_single-inl.h"
 #include "pex_core/_heap/real/exp_single-inl.h"
+#include "pex_core/_heap/real/pow-inl.h"
 #include "pex_core/_heap/real/trig_single-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -31,87 +32,188 @@ struct ExpRange {
   }
 };
 
-// The number of quarter turns next to y, in the low bits of a float. The product of a tiny number
-// would underflow.
+// The number of quarter turns next to y, in the low bits of a float. A tiny number is added, or the
+// product raises no flag: that of a tiny y would underflow. The sum with the rounder is the same.
 inline constexpr float kTurnRounder = 0x1.8p23f;
 template <class D, class V>
 HWY_INLINE V Turns(D d, V y) {
+  const V rounder = hn::Set(d, kTurnRounder);
+  if constexpr (kHasSilentMul<V>) return hn::Add(SilentMul(y, hn::Set(d, 0x1.45f306p-1f)), rounder);
   const V quiet = hn::Add(y, hn::Set(d, 0x1p-40f));
-  return hn::Add(hn::Mul(quiet, hn::Set(d, 0x1.45f306p-1f)), hn::Set(d, kTurnRounder));
+  return hn::Add(hn::Mul(quiet, hn::Set(d, 0x1.45f306p-1f)), rounder);
 }
 
 // (cos, sin) of k pi/2 + y, times what both are multiplied by, from those of y.
 template <class D, class V>
 HWY_INLINE Complex<V> TurnBack(D d, BitsOf<D> k, V sine, V cosine) {
-  const auto odd = OddQuarter(d, k);
   const auto turn = hn::ShiftLeft<30>(k), next = hn::Add(turn, SetBits(d, 1 << 30));
+#if HWY_TARGET == HWY_AVX2  // exchanged, for a selection costs three operations
+  const auto odd = hn::BroadcastSignBit(hn::Add(turn, turn));
+  const V differing = hn::And(hn::Xor(sine, cosine), FromBits(d, odd));
+  return {FlipSign(d, hn::Xor(cosine, differing), next),
+          FlipSign(d, hn::Xor(sine, differing), turn)};
+#else
+  const auto odd = OddQuarter(d, k);
   return {FlipSign(d, hn::IfThenElse(odd, sine, cosine), next),
           FlipSign(d, hn::IfThenElse(odd, cosine, sine), turn)};
+#endif
+}
+
+// Powers of 2^(1/16) without the exponents' own share of the steps, as often as a byte counts.
+constexpr auto kShiftedPowers = [] {
+  struct {
+    alignas(64) double power[256];
+  } t{};
+  for (int64_t i = 0; i < 256; ++i) {
+    t.power[i] = __builtin_bit_cast(double, BitsOfNumber(kPowPowers16.hi[i % 16]) - (i % 16 << 48));
+  }
+  return t;
+}();
+
+// 2^(n/16), n in the low bits.
+template <class D, size_t K, class V = VecOf<D>>
+HWY_INLINE void SixteenthPowers(D d, const BitsOf<D> (&n)[K], V (&r)[K]) {
+  const double* const power = kShiftedPowers.power;
+#if HWY_TARGET == HWY_AVX2
+  const hn::ScalableTag<uint8_t> d8;
+  HWY_ALIGN uint8_t row[K][32];
+  for (size_t i = 0; i < K; ++i) hn::Store(hn::BitCast(d8, n[i]), d8, row[i]);
+  asm volatile("" : "+m"(row));  // else GCC takes the lanes out one by one
+  for (size_t i = 0; i < K; ++i) {
+    const auto half = [&](size_t lane) HWY_ATTR {
+      return _mm_loadh_pd(_mm_load_sd(power + row[i][8 * lane]), power + row[i][8 * lane + 8]);
+    };
+    r[i] = V{_mm256_insertf128_pd(_mm256_castpd128_pd256(half(0)), half(2), 1)};
+  }
+#elif HWY_TARGET == HWY_AVX3
+  for (size_t i = 0; i < K; ++i) r[i] = V{PowColumn<16>(power, n[i].raw)};
+#else
+  for (size_t i = 0; i < K; ++i) {
+    const auto row = [](int bits) { return static_cast<uint8_t>(bits); };
+    r[i] = V{_mm_loadh_pd(_mm_load_sd(power + row(_mm_cvtsi128_si32(n[i].raw))),
+                          power + row(_mm_extract_epi16(n[i].raw, 4)))};
+  }
+#endif
+  for (size_t i = 0; i < K; ++i) {
+    r[i] = FromBits(d, hn::Add(Bits(d, r[i]), hn::ShiftLeft<48>(n[i])));
+  }
+}
+
+// The upper 26 bits of a number.
+constexpr double Upper26(double x) {
+  return __builtin_bit_cast(double, BitsOfNumber(x) & ~int64_t{0} << 27);
 }
 
 // In double, |x| <= 512 and |y| < 4096: less than 0.505 ulp of each part. Quarter turns are counted
-// in floats, N low enough for its product with the first part of pi/2 to be exact.
+// in floats.
 struct SingleExpHA : ComplexKernel<float>, ExpRange<BitsOfNumber(512.0f), BitsOfNumber(4096.0f)> {
-  static constexpr int kUnroll = 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 4 : 8;
   static Complex<float> Rare(Complex<float> z) {
     return ElementaryKernel<ComplexExp, float>::Rare(z);
   }
+#if HWY_TARGET == HWY_AVX3
+  // By sums that carry into the sign where a magnitude is a limit or more.
   template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
-    const hn::Rebind<double, hn::Half<D>> wide;
-    using W = VecOf<decltype(wide)>;
-    V turns[K];
-    W x[2 * K], n[2 * K], y[2 * K], e[2 * K], sine[2 * K], cosine[2 * K];
-    for (size_t i = 0; i < K; ++i) {
-      turns[i] = Turns(d, z[i].im);
-      WidenHalves(d, hn::Sub(turns[i], hn::Set(d, kTurnRounder)), n[2 * i], n[2 * i + 1]);
-      WidenHalves(d, z[i].re, x[2 * i], x[2 * i + 1]);
-      WidenHalves(d, z[i].im, y[2 * i], y[2 * i + 1]);
+  static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&z)[K]) {
+    const auto re_to_end = SetBits(d, 0x80000000 - BitsOfNumber(512.0f));
+    const auto im_to_end = SetBits(d, 0x80000000 - BitsOfNumber(4096.0f));
+    __m512i joined = _mm512_setzero_si512();
+    const auto join = [&](BitsOf<D> x, BitsOf<D> to_end) HWY_ATTR {
+      joined = _mm512_ternarylogic_epi32(joined, x.raw, hn::Add(x, to_end).raw, 0xF6);  // a | b ^ c
+    };
+    for (size_t k = 0; k < K; ++k) {
+      join(Bits(d, z[k].re), re_to_end);
+      join(Bits(d, z[k].im), im_to_end);
     }
-    for (size_t i = 0; i < 2 * K; ++i) {
-      const W high = SubExactProduct(n[i], hn::Set(wide, 0x1.921fb5444p+0), y[i]);
-      y[i] = hn::Sub(high, hn::Mul(n[i], hn::Set(wide, 0x1.68c234c4c6629p-39)));
-    }
-    Exp(wide, x, e);
-    SineCosine(wide, y, sine, cosine);
-    for (size_t i = 0; i < 2 * K; ++i) {
-      sine[i] = hn::Mul(e[i], sine[i]);
-      cosine[i] = hn::Mul(e[i], cosine[i]);
-    }
-    for (size_t i = 0; i < K; ++i) {
-      r[i] = TurnBack(d, Bits(d, turns[i]), NarrowHalves(d, sine[2 * i], sine[2 * i + 1]),
-                      NarrowHalves(d, cosine[2 * i], cosine[2 * i + 1]));
-    }
+    return _mm512_movepi32_mask(joined) != 0;
+  }
+#endif
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
+    Parts<D> parts[K];
+    for (size_t k = 0; k < K; ++k) parts[k].Count(z[k]);
+    InTurn(parts, r, z);
   }
 
  private:
-  template <class W, size_t K, class D>
-  static HWY_INLINE void Exp(D d, const W (&x)[K], W (&e)[K]) {
-    const W shifter = hn::Set(d, 0x1.8p52);  // leaves the rounded integer in the low bits
-    W f[K], p[K];
-    BitsOf<D> n[K];
-    for (size_t i = 0; i < K; ++i) {
-      f[i] = hn::Mul(x[i], hn::Set(d, 0x1.71547652b82fep+0));  // 1/ln2
-      const W nf = hn::Add(f[i], shifter);
-      n[i] = hn::ShiftLeft<52>(Bits(d, nf));
-      f[i] = hn::Sub(f[i], hn::Sub(nf, shifter));
-    }
-    Horner(d, f, sExpComplexHAPolynomial, p);
-    for (size_t i = 0; i < K; ++i) p[i] = hn::Add(hn::Mul(p[i], f[i]), hn::Set(d, 1.0));
-    for (size_t i = 0; i < K; ++i) e[i] = FromBits(d, hn::Add(Bits(d, p[i]), n[i]));
-  }
+  // The results of one vector in three parts.
+  template <class D>
+  struct Parts {
+    using V = VecOf<D>;
+    using Wide = hn::Rebind<double, hn::Half<D>>;
+    using W = VecOf<Wide>;
+    V turns;
+    StoredHalves<D> count, re, im;
+    W x[2], y[2], e[2], sine[2], cosine[2];
 
-  template <class W, size_t K, class D>
-  static HWY_INLINE void SineCosine(D d, const W (&y)[K], W (&sine)[K], W (&cosine)[K]) {
-    const W one = hn::Set(d, 1.0);
-    W s[K];
-    for (size_t i = 0; i < K; ++i) s[i] = hn::Mul(y[i], y[i]);
-    Horner(d, s, sQuarterSinComplexHAPolynomial, sine);
-    for (size_t i = 0; i < K; ++i) sine[i] = hn::Add(hn::Mul(sine[i], s[i]), one);
-    for (size_t i = 0; i < K; ++i) sine[i] = hn::Mul(sine[i], y[i]);
-    Horner(d, s, sQuarterCosComplexHAPolynomial, cosine);
-    for (size_t i = 0; i < K; ++i) cosine[i] = hn::Add(hn::Mul(cosine[i], s[i]), one);
-  }
+    HWY_INLINE void Count(Complex<V> z) {
+      const D d;
+      turns = Turns(d, z.im);
+      count.Store(hn::Sub(turns, hn::Set(d, kTurnRounder)));
+      re.Store(z.re);
+      im.Store(z.im);
+    }
+    // Of pi/2 there are parts of 37 and 41 bits, of ln2/16 39, and of 16/ln2 29: their products
+    // with counts and with floats are exact.
+    HWY_INLINE void Reduce(Complex<V>) {
+      const Wide d;
+      const W shifter = hn::Set(d, 0x1.8p52);  // leaves the rounded integer in the low bits
+      W n[2];
+      BitsOf<Wide> steps[2];
+      count.Widen(n);
+      re.Widen(x);
+      im.Widen(y);
+      for (size_t i = 0; i < 2; ++i) {
+        const W high = SubExactProduct(n[i], hn::Set(d, 0x1.921fb5444p+0), y[i]);
+        y[i] = SubExactProduct(n[i], hn::Set(d, 0x1.68c234c4c6p-39), high);
+      }
+      for (size_t i = 0; i < 2; ++i) {
+        n[i] = AddExactProduct(x[i], hn::Set(d, 0x1.7154765p+4), shifter);
+        steps[i] = Bits(d, n[i]);
+        n[i] = hn::Sub(n[i], shifter);
+        x[i] = SubExactProduct(n[i], hn::Set(d, 0x1.62e42fefa4p-5), x[i]);
+      }
+      SixteenthPowers(d, steps, e);
+    }
+    HWY_INLINE void Evaluate() {
+      const Wide d;
+      const W one = hn::Set(d, 1.0);
+      W p[2], y2[2];
+      Horner(d, x, sExpComplexHAPolynomial, p);
+      for (size_t i = 0; i < 2; ++i) p[i] = hn::Add(hn::Mul(p[i], x[i]), one);
+      for (size_t i = 0; i < 2; ++i) p[i] = hn::Add(hn::Mul(p[i], x[i]), one);
+      for (size_t i = 0; i < 2; ++i) e[i] = hn::Mul(e[i], p[i]);
+
+      for (size_t i = 0; i < 2; ++i) y2[i] = hn::Mul(y[i], y[i]);
+      // The first products are exact: of the square 26 bits.
+      for (size_t i = 0; i < 2; ++i) {
+        const auto& s = sQuarterSinComplexHAPolynomial;
+        const auto& c = sQuarterCosComplexHAPolynomial;
+        const W w = FromBits(d, hn::And(Bits(d, y2[i]), SetBits(d, ~uint64_t{0} << 27)));
+        sine[i] = AddExactProduct(w, hn::Set(d, Upper26(s[3])), hn::Set(d, s[2]));
+        cosine[i] = AddExactProduct(w, hn::Set(d, Upper26(c[3])), hn::Set(d, c[2]));
+      }
+      Rest(d, y2, sQuarterSinComplexHAPolynomial, sine);
+      for (size_t i = 0; i < 2; ++i) sine[i] = hn::Mul(sine[i], y[i]);
+      Rest(d, y2, sQuarterCosComplexHAPolynomial, cosine);
+    }
+    HWY_INLINE Complex<V> Result(Complex<V>) const {
+      const D d;
+      const auto times_e = [&](const W(&v)[2]) HWY_ATTR {
+        return NarrowHalves(d, hn::Mul(e[0], v[0]), hn::Mul(e[1], v[1]));
+      };
+      return TurnBack(d, Bits(d, turns), times_e(sine), times_e(cosine));
+    }
+
+   private:
+    // What follows the first step of Horner's scheme for 1 + x (c[0] + x (c[1] + ...)).
+    static HWY_INLINE void Rest(Wide d, const W (&x)[2], const double (&c)[4], W (&p)[2]) {
+      for (const double next : {c[1], c[0], 1.0}) {
+        for (size_t i = 0; i < 2; ++i) p[i] = hn::Mul(p[i], x[i]);
+        for (size_t i = 0; i < 2; ++i) p[i] = hn::Add(p[i], hn::Set(d, next));
+      }
+    }
+  };
 };
 
 // The product without a flag where that costs nothing: on AVX-512.
