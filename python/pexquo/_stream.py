@@ -146,7 +146,8 @@ class Stream(_pexquo.Stream):
         such as [run, member], and let "wh" skip 1000 numbers first.
     seed : int, sequence of int or None
         Words of 32 bits; larger integers count as several, low words first. None asks the operating
-        system for a seed that nobody else has. The default, 1, makes programs repeatable.
+        system for a seed that nobody else has. The default, 1, makes programs repeatable. Each factor
+        of 2 in the seed halves the period of "mcg59", which is 2**57 of odd ones.
     dimension : int
         Of quasi-random generators, instead of a seed: the length of a point, whose coordinates come
         one after the other. 1 by default.
