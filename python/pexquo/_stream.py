@@ -310,8 +310,9 @@ class Stream(_pexquo.Stream):
         return _draw(self, _UNIFORM, dtype, None, size, out, low, high)
 
     def integers(self, low, high=None, size=None, dtype=np.int64, endpoint=False, *, out=None):
-        """Integers from low to high - 1 (high with endpoint=True), or from 0 to low - 1. All bounds
-        lie within 32 bits; for wider ones see `bit_generator`. One double uniform each.
+        """Integers from low to high - 1 (high with endpoint=True), or from 0 to low - 1. All bounds,
+        high + 1 too with endpoint=True, lie within 32 bits; for wider ones see `bit_generator`. One
+        double uniform each.
 
         >>> import pexquo
         >>> sorted(set(pexquo.Stream("mt19937").integers(1, 6, 1000, endpoint=True).tolist()))
