@@ -81,9 +81,9 @@ inline int32_t Probability(double p) {
   return First({Finite(p), QUO_BAD_PROBABILITY});
 }
 
-// Of waiting for successes: in (0, 1], and not so small that 1 - p is 1.
+// Of waiting for successes: in (0, 1], and not so small that 1 - p, to nearest, is 1.
 inline int32_t ProbabilityOfSuccess(double p) {
-  return First({Probability(p), Unless(1 - p < 1, QUO_BAD_PROBABILITY)});
+  return First({Probability(p), Unless(p > 0x1p-54, QUO_BAD_PROBABILITY)});
 }
 
 }  // namespace pexquo_front

@@ -141,8 +141,7 @@ class normal_mv : public detail::Distribution<normal_mv, double> {
                              static_cast<std::int32_t>(storage_), mean_.data(), factor_.data());
   }
   std::int32_t draw(QuoStream* s, std::int64_t n, float* r) const {
-    const std::vector<float> mean(mean_.begin(), mean_.end());
-    const std::vector<float> factor(factor_.begin(), factor_.end());
+    const std::vector<float> mean = detail::Floats(mean_), factor = detail::Floats(factor_);
     return quosRngGaussianMV(static_cast<std::int32_t>(method_), s, n, r,
                              static_cast<std::int32_t>(dimension()),
                              static_cast<std::int32_t>(storage_), mean.data(), factor.data());

@@ -3,6 +3,7 @@
 #ifndef PEXQUO_DISTRIBUTION_HPP_
 #define PEXQUO_DISTRIBUTION_HPP_
 
+#include <bit>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -36,8 +37,33 @@ enum class Takes {
   varying,  // as many as it needs
 };
 
-// Rounded to float as the single-precision calls take it.
-constexpr float F(double x) { return static_cast<float>(x); }
+// A parameter as the single-precision calls take it: the nearest float, of two the even one,
+// whatever the thread's rounding and flush modes.
+constexpr float F(double x) {
+  constexpr int kPlaces = 52, kFloatPlaces = 23, kBiases = 1023 - 127;
+  constexpr std::uint32_t kInfinity = 0x7F800000;
+  const auto bits = std::bit_cast<std::uint64_t>(x);
+  const auto sign = static_cast<std::uint32_t>(bits >> 32) & 0x80000000;
+  const int exponent = static_cast<int>(bits >> kPlaces & 0x7FF) - kBiases;  // as floats have it
+  if (exponent == 0x7FF - kBiases) return static_cast<float>(x);  // infinite or not a number
+  if (exponent >= 0xFF) return std::bit_cast<float>(sign | kInfinity);
+  if (exponent < -kFloatPlaces) return std::bit_cast<float>(sign);
+  // With the first 1; in places of the float, and what is beyond them.
+  const std::uint64_t one = std::uint64_t{1} << kPlaces, fraction = (bits & (one - 1)) | one;
+  const int beyond = kPlaces - kFloatPlaces + (exponent < 1 ? 1 - exponent : 0);
+  const std::uint64_t half = std::uint64_t{1} << (beyond - 1), rest = fraction & (2 * half - 1);
+  auto magnitude = static_cast<std::uint32_t>(fraction >> beyond);
+  if (rest > half || (rest == half && magnitude % 2 == 1)) ++magnitude;
+  if (exponent > 1) magnitude += static_cast<std::uint32_t>(exponent - 1) << kFloatPlaces;
+  return std::bit_cast<float>(sign | magnitude);
+}
+
+inline std::vector<float> Floats(const std::vector<double>& numbers) {
+  std::vector<float> floats;
+  floats.reserve(numbers.size());
+  for (const double x : numbers) floats.push_back(F(x));
+  return floats;
+}
 
 // What distributions share. D has a `kName`, `kTakes`, and for each type T that it can fill
 // draw(handle, n, T* r), which draws n units; a unit is one element unless D says otherwise by

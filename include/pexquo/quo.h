@@ -171,7 +171,8 @@ QUO_API int32_t __quoDeleteChunks(StreamState* stream);
 /* x' = 1132489760 x mod 2^31 - 1. One seed word. The integer output is x, from 1 to 2^31 - 2. */
 QUO_BRNG_FUNCTIONS(MCG31M1)
 /* x' = 13^13 x mod 2^59. One or two seed words. The integer output is x, two words each, low first.
- */
+ * From odd seeds the period is 2^57. Of a seed that 2^k divides it is 2^(57-k), and the last k bits
+ * of all x are 0: let the first word be odd. */
 QUO_BRNG_FUNCTIONS(MCG59)
 /* 273 members, each the sum modulo 1 of four multiplicative generators with primes near 2^24 as
  * moduli. Up to four seed words. The integer output is x1, x2, x3, x4, four words each. */

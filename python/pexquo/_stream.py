@@ -146,7 +146,8 @@ class Stream(_pexquo.Stream):
         such as [run, member], and let "wh" skip 1000 numbers first.
     seed : int, sequence of int or None
         Words of 32 bits; larger integers count as several, low words first. None asks the operating
-        system for a seed that nobody else has. The default, 1, makes programs repeatable.
+        system for a seed that nobody else has. The default, 1, makes programs repeatable. Each factor
+        of 2 in the seed halves the period of "mcg59", which is 2**57 of odd ones.
     dimension : int
         Of quasi-random generators, instead of a seed: the length of a point, whose coordinates come
         one after the other. 1 by default.
@@ -309,8 +310,9 @@ class Stream(_pexquo.Stream):
         return _draw(self, _UNIFORM, dtype, None, size, out, low, high)
 
     def integers(self, low, high=None, size=None, dtype=np.int64, endpoint=False, *, out=None):
-        """Integers from low to high - 1 (high with endpoint=True), or from 0 to low - 1. All bounds
-        lie within 32 bits; for wider ones see `bit_generator`. One double uniform each.
+        """Integers from low to high - 1 (high with endpoint=True), or from 0 to low - 1. All bounds,
+        high + 1 too with endpoint=True, lie within 32 bits; for wider ones see `bit_generator`. One
+        double uniform each.
 
         >>> import pexquo
         >>> sorted(set(pexquo.Stream("mt19937").integers(1, 6, 1000, endpoint=True).tolist()))

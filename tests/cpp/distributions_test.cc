@@ -2,8 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cfenv>
+#include <cmath>
 #include <cstdint>
 #include <limits>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -68,6 +71,64 @@ TEST(Distributions, GiveWhatTheCCallsGive) {
   COMPARE_INTEGER((pexquo::poisson{3.5}), Poisson, 3.5);
   COMPARE_INTEGER((pexquo::negative_binomial{2.5, 0.25}), Negbinomial, 2.5, 0.25);
 #endif
+}
+
+TEST(Distributions, FloatsDoNotDependOnTheRoundingMode) {
+  const stream start("mt19937", 1);
+  const pexquo::normal numbers{0.3, 0.1};
+  const pexquo::normal_mv vectors({0.3, 0.7}, {0.1, 0, 0.6, 0.9});
+  const auto both = [&] {
+    stream s(start);
+    auto all = numbers.sample<float>(s, 100);
+    for (const float x : vectors.sample<float>(s, 100)) all.push_back(x);
+    return all;
+  };
+  const auto expected = both();
+  for (const int mode : {FE_DOWNWARD, FE_UPWARD, FE_TOWARDZERO}) {
+    std::fesetround(mode);
+    const auto got = both();
+    std::fesetround(FE_TONEAREST);
+    EXPECT_EQ(got, expected) << mode;
+  }
+}
+
+TEST(Distributions, ParametersAreRoundedToTheNearestFloat) {
+  using pexquo::detail::F;
+  constexpr double kMost = std::numeric_limits<float>::max();
+  for (const double x : {0.0,
+                         0.1,
+                         1.0,
+                         1 + 0x1p-24,
+                         1 + 0x3p-24,
+                         1 - 0x1p-25,
+                         0x1.fffffffp127,
+                         kMost,
+                         1e300,
+                         kMost + 0x1p102,
+                         kMost + 0x1p103,
+                         1e39,
+                         0x1p-126,
+                         0x1.fffffffp-127,
+                         0x1p-149,
+                         0x3p-150,
+                         0x1p-150,
+                         0x1.1p-150,
+                         0x1p-151,
+                         1e-310,
+                         std::numeric_limits<double>::infinity()}) {
+    EXPECT_EQ(F(x), static_cast<float>(x)) << x;
+    EXPECT_EQ(F(-x), static_cast<float>(-x)) << -x;
+  }
+  EXPECT_TRUE(std::signbit(F(-0.0)));
+  EXPECT_TRUE(std::isnan(F(std::numeric_limits<double>::quiet_NaN())));
+  const std::uint32_t seed = std::random_device()();
+  SCOPED_TRACE(testing::Message() << "seed " << seed);
+  std::mt19937_64 random(seed);
+  for (int i = 0; i < 1000000; ++i) {
+    const double x = std::ldexp(static_cast<double>(static_cast<std::int64_t>(random())),
+                                static_cast<int>(random() % 300) - 220);
+    ASSERT_EQ(F(x), static_cast<float>(x)) << x;
+  }
 }
 
 #ifdef PEXQUO_HAS_POISSON

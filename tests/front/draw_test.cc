@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cfenv>
 #include <cmath>
 #include <cstring>
 #include <functional>
@@ -441,6 +442,19 @@ TEST(IntegerUniform, LeavesWhatIsNotDrawnAlone) {
   std::vector<int32_t> expected(4000, INT32_MAX);
   std::fill(expected.begin(), expected.begin() + 2048, INT32_MAX - 1);
   EXPECT_EQ(r, expected);
+}
+
+TEST(Geometric, RefusesTheSameProbabilitiesInAllRoundingModes) {
+  const OwnedStream stream = NewStream();
+  for (const int mode : {FE_TONEAREST, FE_DOWNWARD, FE_UPWARD, FE_TOWARDZERO}) {
+    int32_t r = 0;
+    std::fesetround(mode);
+    const int32_t least = quoiRngGeometric(0, stream.get(), 1, &r, std::nextafter(0x1p-54, 1));
+    const int32_t less = quoiRngGeometric(0, stream.get(), 1, &r, 0x1p-54);
+    std::fesetround(FE_TONEAREST);
+    EXPECT_EQ(least, QUO_OK) << mode;
+    EXPECT_EQ(less, QUO_BAD_PROBABILITY) << mode;
+  }
 }
 
 TEST(Bernoulli, OfProbabilityOneAreAllOnes) {
