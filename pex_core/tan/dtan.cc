@@ -234,7 +234,7 @@ struct TangentPart {
   }
 };
 
-// Largest error seen: 1.99 ulp, next to a pole.
+// Largest error seen: 2.007 ulp, for tangents just below 32.
 struct dTanLA {
   static constexpr int kResults = 1;
   static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX2 ? 16 : 8;

@@ -54,19 +54,24 @@ struct Unary {
 
 constexpr long double kHalfPi = 0xc.90fdaa22168c235p-3L;
 
+// Edges of the steps of the tables, the first of them more often.
+const Draw kEdges = [](Random& g) {
+  return g.Near((g.Int(0, 1) ? g.Int(-128, 128) : 1) * 0x1p-7L);
+};
+
 const Unary kUnary[] = {
     {"sin",
      _pexsinl_scalar,
      mpfr_sin,
-     {kWhole, kSmall, kTiny, Between(-100, 100), Multiples(kHalfPi)}},
+     {kWhole, kSmall, kTiny, kEdges, Between(-100, 100), Multiples(kHalfPi)}},
     {"cos",
      _pexcosl_scalar,
      mpfr_cos,
-     {kWhole, kSmall, kTiny, Between(-100, 100), Multiples(kHalfPi)}},
+     {kWhole, kSmall, kTiny, kEdges, Between(-100, 100), Multiples(kHalfPi)}},
     {"tan",
      _pextanl_scalar,
      mpfr_tan,
-     {kWhole, kSmall, kTiny, Between(-100, 100), Multiples(kHalfPi)}},
+     {kWhole, kSmall, kTiny, kEdges, Between(-100, 100), Multiples(kHalfPi)}},
     {"sind", _pexsindl_scalar, SineOfDegrees, {kSmall, kTiny, Between(-1000, 1000), Multiples(15)}},
     {"cosd",
      _pexcosdl_scalar,
@@ -74,7 +79,10 @@ const Unary kUnary[] = {
      {kSmall, kTiny, Between(-1000, 1000), Multiples(15)}},
     {"asin", _pexasinl_scalar, mpfr_asin, {kSmall, kTiny, Between(-1, 1)}},
     {"acos", _pexacosl_scalar, mpfr_acos, {kSmall, kTiny, Between(-1, 1)}},
-    {"atan", _pexatanl_scalar, mpfr_atan, {kWhole, kSmall, kTiny, Between(-4, 4), Around(1)}},
+    {"atan",
+     _pexatanl_scalar,
+     mpfr_atan,
+     {kWhole, kSmall, kTiny, kEdges, Between(-4, 4), Around(1)}},
     {"sinh", _pexsinhl_scalar, mpfr_sinh, {kSmall, kTiny, Between(-2, 2), Between(-11357, 11357)}},
     {"cosh", _pexcoshl_scalar, mpfr_cosh, {kSmall, kTiny, Between(-2, 2), Between(-11357, 11357)}},
     {"tanh", _pextanhl_scalar, mpfr_tanh, {kSmall, kTiny, Between(-2, 2), Between(-60, 60)}},
@@ -126,7 +134,10 @@ const Binary kBinary[] = {
     {"atan2",
      _pexatan2l_scalar,
      mpfr_atan2,
-     {{kWhole, kWhole}, {Between(-9, 9), Between(-9, 9)}, {kSmall, Between(-1, 1)}}},
+     {{kWhole, kWhole},
+      {Between(-9, 9), Between(-9, 9)},
+      {kSmall, Between(-1, 1)},
+      {kEdges, [](Random& g) { return g.Near(g.Int(1, 16)); }}}},
     {"atan2d",
      _pexatan2dl_scalar,
      InDegrees,

@@ -21,7 +21,7 @@ constexpr long double ArctangentTail(long double d, long double d2) {
 
 // atan t, 0 <= t <= 1.
 Pair ArctangentBelowOne(Pair t) {
-  const int j = static_cast<int>(t.hi * 64 + 0.5L);
+  const int j = NearestRow(t.hi);
   const long double c = j * 0x1p-6L;
   Pair d = t;
   if (j != 0) {

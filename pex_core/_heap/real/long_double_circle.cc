@@ -181,7 +181,7 @@ int ReduceBody(LongDoubleReduction* record, long double x) {
 SinCosPair SinCos(Pair x) {
   const bool negative = x.hi < 0;
   const Pair a = negative ? Negate(x) : x;
-  const int j = static_cast<int>(a.hi * 64 + 0.5L);
+  const int j = NearestRow(a.hi);
   const Pair d = FastTwoSum(a.hi - j * 0x1p-6L, a.lo);  // the difference is exact
   const Pair square = TwoSquare(d.hi);
   const long double d2 = square.hi;

@@ -62,6 +62,9 @@ namespace pex::ldbl {
 struct SinCosPair {
   Pair sin, cos;
 };
+// j of the j/64 nearest to x >= 0, from which x differs by a number: not 1 for the number below
+// 2^-7, to which the sum would be rounded.
+inline int NearestRow(long double x) { return x < 0x1p-7L ? 0 : static_cast<int>(x * 64 + 0.5L); }
 SinCosPair SinCos(Pair x);     // |x| <= pi/4
 Pair AngleOf(Pair y, Pair x);  // atan(y/x) for y >= 0, x > 0, both from 2^-4000 to 2^4000 or y = 0
 inline constexpr Pair kPiOver2 = {0xc.90fdaa22168c235p-3L, -0xe.ce675d1fc8f8cbbp-69L};
