@@ -4,6 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/asin-inl.h"
+#include "pex_core/_heap/real/asin_full-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/asin/asin_rare.h"
 
@@ -36,10 +37,10 @@ struct dAcosForLA : dAcosCommon<kDomain> {
 using dAcosLA = AsinKernel<dAcosForLA>;
 
 template <AsinDomain kDomain>
-struct dAcosForHA : dAcosCommon<kDomain, Kernel<double>> {
+struct dAcosForHA : dAcosCommon<kDomain> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    FullAcos<kDomain>(d, x, r);
+    FullInTurn<FullAcosPart, kDomain>(d, x, r);
   }
 };
 using dAcosHA = AsinKernel<dAcosForHA>;

@@ -4,6 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/asin-inl.h"
+#include "pex_core/_heap/real/asin_full-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/asin/asin_rare.h"
 
@@ -36,10 +37,10 @@ struct dAsinForLA : dAsinCommon<kDomain> {
 using dAsinLA = AsinKernel<dAsinForLA>;
 
 template <AsinDomain kDomain>
-struct dAsinForHA : dAsinCommon<kDomain, Kernel<double>> {
+struct dAsinForHA : dAsinCommon<kDomain> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    FullAsin<kDomain>(d, x, r);
+    FullInTurn<FullAsinPart, kDomain>(d, x, r);
   }
 };
 using dAsinHA = AsinKernel<dAsinForHA>;

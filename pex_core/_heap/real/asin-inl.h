@@ -236,21 +236,24 @@ requires(std::is_same_v<decltype(steps), const AsinSteps&>) struct AsinOfHalf<st
   }();
 };
 
-// 1 in the lanes without the mask, -2 in those with it.
-template <class D>
+// 1 in the lanes without the mask, -2 in those with it, or both times kSign.
+template <int kSign = 1, class D>
 HWY_INLINE VecOf<D> OneOrMinusTwo(D d, MaskOf<D> mask) {
+  constexpr int kOne = kSign, kMinusTwo = -2 * kSign;
 #if HWY_TARGET == HWY_AVX2
   // A selection would be three operations on Golden Cove.
   if constexpr (sizeof(mask) == 32 && sizeof(hn::TFromD<D>) == 8) {
     const __m256i chooser = hn::BitCast(hn::RebindToSigned<D>(), hn::VecFromMask(d, mask)).raw;
-    return VecOf<D>{_mm256_permutevar_pd(_mm256_setr_pd(1, -2, 1, -2), chooser)};
+    return VecOf<D>{
+        _mm256_permutevar_pd(_mm256_setr_pd(kOne, kMinusTwo, kOne, kMinusTwo), chooser)};
   } else if constexpr (sizeof(mask) == 32) {
     const __m256i chooser = hn::BitCast(hn::RebindToSigned<D>(), hn::VecFromMask(d, mask)).raw;
-    return VecOf<D>{_mm256_permutevar_ps(_mm256_setr_ps(1, 1, 1, -2, 1, 1, 1, -2), chooser)};
+    return VecOf<D>{_mm256_permutevar_ps(
+        _mm256_setr_ps(kOne, kOne, kOne, kMinusTwo, kOne, kOne, kOne, kMinusTwo), chooser)};
   }
 #endif
   using T = hn::TFromD<D>;
-  return hn::IfThenElse(mask, hn::Set(d, T(-2)), hn::Set(d, T(1)));
+  return hn::IfThenElse(mask, hn::Set(d, T(kMinusTwo)), hn::Set(d, T(kOne)));
 }
 
 // What gives coefficient i of kC, spread on AVX-512. The compiler must not see what it loads, or it
@@ -493,101 +496,6 @@ HWY_INLINE void PlainInTurn(D, const V (&x)[K], V (&r)[K]) {
   constexpr size_t kEach = K % kSize == 0 ? kSize : 1;
   Part<c, kDomain, D, kEach> parts[K / kEach];
   SomeInTurn<kSize == 1 ? 2 : 1>(parts, x, r);
-}
-
-// pi/2 - x ..., s ... or pi - s ...: what the leading term is added to, a quarter of pi at a time.
-template <class D, class V>
-HWY_INLINE V AcosBase(D d, MaskOf<D> large, V x, hn::TFromD<D> pi) {
-  using T = hn::TFromD<D>;
-  const V left = hn::IfNegativeThenElse(x, hn::Set(d, pi), hn::Zero(d));
-  return hn::IfThenElse(large, left, hn::Set(d, pi * T(0.5)));
-}
-
-// What the root lacks of sqrt(rest): its exact remainder over twice the root, by a division of
-// floats, both scaled by 2^60 so that none underflows.
-template <class D, class V>
-HWY_INLINE V RootRest(D d, V rest, V root) {
-  const hn::Rebind<float, D> df;
-  const V remainder = Remainder(d, rest, root, root);
-  const auto n = hn::DemoteTo(df, hn::Mul(remainder, hn::Set(d, 0x1p60)));
-  // The lower bound is for a root of 0, and for the lanes of the register beyond the vector.
-  const auto m = hn::Max(hn::DemoteTo(df, hn::Mul(root, hn::Set(d, 0x1p61))), hn::Set(df, 1.0f));
-  return hn::PromoteTo(d, hn::Div(n, m));
-}
-
-// The coefficients of HA from c[1].
-struct AsinHARest {
-  double c[std::size(kAsinHA) - 1];
-};
-inline constexpr AsinHARest kAsinHARest = [] {
-  AsinHARest rest = {};
-  for (size_t i = 1; i < std::size(kAsinHA); ++i) rest.c[i - 1] = kAsinHA[i];
-  return rest;
-}();
-
-// The parts and u P(u) as a pair: the product with c[0] exact, for it is up to a tenth of the
-// result.
-template <AsinDomain kDomain, class D, class V, size_t K>
-HWY_INLINE void FullAsinReduce(D d, const V (&x)[K], AsinParts<D> (&r)[K], V (&root)[K],
-                               Pair<V> (&up)[K]) {
-  V u[K], u2[K], p[K];
-  for (size_t k = 0; k < K; ++k) {
-    r[k] = AsinReduce<kDomain>(d, x[k]);
-    root[k] = hn::Sqrt(r[k].rest);
-    u[k] = r[k].u;
-  }
-  for (size_t k = 0; k < K; ++k) u2[k] = hn::Mul(u[k], u[k]);
-  EvenOdd(d, u, u2, kAsinHARest.c, p);
-  for (size_t k = 0; k < K; ++k) {
-    const Pair<V> first = TwoProduct(d, u[k], hn::Set(d, kAsinHA[0]));
-    up[k] = FastTwoSum(first.hi, hn::Mul(u2[k], p[k]));
-    up[k].lo = hn::Add(up[k].lo, first.lo);
-  }
-}
-
-// base + lead (1 + up) for |base.hi| >= |lead.hi| or base = 0.
-template <class D, class V = VecOf<D>>
-HWY_INLINE V FullAsinSum(D d, Pair<VecOf<D>> base, Pair<VecOf<D>> lead, Pair<VecOf<D>> up) {
-  const Pair<V> s = FastTwoSum(base.hi, lead.hi);
-  const Pair<V> p = TwoProduct(d, lead.hi, up.hi);
-  const Pair<V> q = FastTwoSum(s.hi, p.hi);
-  const V cross = hn::Add(hn::Mul(lead.hi, up.lo), hn::Mul(lead.lo, up.hi));
-  const V low = hn::Add(hn::Add(p.lo, cross), hn::Add(lead.lo, base.lo));
-  return hn::Add(q.hi, hn::Add(q.lo, hn::Add(s.lo, low)));
-}
-
-template <AsinDomain kDomain, class D, class V, size_t K>
-HWY_INLINE void FullAsin(D d, const V (&x)[K], V (&r)[K]) {
-  AsinParts<D> v[K];
-  V root[K];
-  Pair<V> up[K];
-  FullAsinReduce<kDomain>(d, x, v, root, up);
-  for (size_t k = 0; k < K; ++k) {
-    const V zero = hn::Zero(d), root_rest = RootRest(d, v[k].rest, root[k]);
-    const auto large = v[k].large;
-    const Pair<V> lead = {hn::Neg(hn::IfThenElse(large, root[k], v[k].minus)),
-                          hn::IfThenElseZero(large, hn::Sub(zero, root_rest))};
-    const Pair<V> base = {hn::IfThenElseZero(large, hn::Set(d, kPi / 2)),
-                          hn::IfThenElseZero(large, hn::Set(d, kPiRest / 2))};
-    r[k] = hn::CopySignToAbs(FullAsinSum(d, base, lead, up[k]), x[k]);
-  }
-}
-
-template <AsinDomain kDomain, class D, class V, size_t K>
-HWY_INLINE void FullAcos(D d, const V (&x)[K], V (&r)[K]) {
-  AsinParts<D> v[K];
-  V root[K];
-  Pair<V> up[K];
-  FullAsinReduce<kDomain>(d, x, v, root, up);
-  for (size_t k = 0; k < K; ++k) {
-    const V root_rest = RootRest(d, v[k].rest, root[k]);
-    const auto large = v[k].large;
-    const V sign = hn::And(x[k], hn::SignBit(d));
-    const Pair<V> lead = {hn::Xor(hn::IfThenElse(large, root[k], v[k].minus), sign),
-                          hn::Xor(hn::IfThenElseZero(large, root_rest), sign)};
-    const Pair<V> base = {AcosBase(d, large, x[k], kPi), AcosBase(d, large, x[k], kPiRest)};
-    r[k] = FullAsinSum(d, base, lead, up[k]);
-  }
 }
 
 }  // namespace pex::HWY_NAMESPACE
