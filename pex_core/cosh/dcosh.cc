@@ -19,12 +19,6 @@ struct dCoshCommon : Groups {
   static HWY_INLINE int Rare(double x, double* r) { return dCoshScalar(x, r); }
 };
 
-// |x| and 2^-300, which changes no result and keeps squares from underflow.
-template <class D, class V, size_t K>
-HWY_INLINE void Magnitudes(D d, const V (&x)[K], V (&m)[K]) {
-  for (size_t k = 0; k < K; ++k) m[k] = AboveUnderflow(d, hn::Abs(x[k]));
-}
-
 struct dCoshEP : dCoshCommon<> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
@@ -54,7 +48,7 @@ struct dCoshHA : dCoshCommon<Kernel<double>> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V m[K];
-    Magnitudes(d, x, m);
+    for (size_t k = 0; k < K; ++k) m[k] = BesideOne(d, hn::Abs(x[k]));
     HyperbolicHA<true>(d, m, out);
   }
 };

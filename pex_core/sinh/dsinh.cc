@@ -49,21 +49,22 @@ struct dSinhLA : dSinhCommon<> {
   }
 };
 
-// Tiny arguments are their own results; products with them would underflow.
+// Tiny arguments are their own results; where products with them would tell of an underflow they
+// are put aside.
 struct dSinhHA : dSinhCommon<Kernel<double>> {
   static constexpr int kUnroll = 4;              // more vectors do not fit the registers
   using Rarity = RareAbove<double, 0x40857FFF>;  // |x| >= 688: halves of e^x would overflow
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
+    constexpr double kTiny = 0x1p-54;
     V m[K], y[K];
-    MaskOf<D> tiny[K];
     for (size_t k = 0; k < K; ++k) {
-      tiny[k] = MagnitudeBelow(d, x[k], 0x1p-54);
-      m[k] = Selected(hn::IfThenZeroElse(tiny[k], hn::Abs(x[k])));
+      m[k] = kHasSilentMul<V> ? hn::Abs(x[k]) : MagnitudeUnlessTiny(d, x[k], kTiny);
     }
     HyperbolicHA<false>(d, m, y);
     for (size_t k = 0; k < K; ++k) {
-      out[k] = hn::IfThenElse(tiny[k], x[k], hn::CopySignToAbs(y[k], x[k]));
+      out[k] =
+          kHasSilentMul<V> ? hn::CopySignToAbs(y[k], x[k]) : SignedUnlessTiny(d, x[k], y[k], kTiny);
     }
   }
 };

@@ -244,7 +244,8 @@ enum class Points {
   kRough,          // the eighths of ln2 in one part: r is good to 2^-29 of them
   kPlain,          // the eighths, A and B rounded: good enough for their sum
   kLate,           // the points beside them, A and B exact, each point a little after its turn
-  kAccurate,       // the same each in its turn
+  kAccurate,       // the same each in its turn, with what the double of r lacks
+  kAccurateRounded,
   kAccurateFromZero
 };
 
@@ -292,6 +293,7 @@ HWY_INLINE HyperbolicSplit<V> Split(D d, V x) {
   constexpr bool kFromZero =
       kPoints == Points::kRoughFromZero || kPoints == Points::kAccurateFromZero;
   constexpr bool kAccurate = kPoints == Points::kAccurate || kPoints == Points::kLate ||
+                             kPoints == Points::kAccurateRounded ||
                              kPoints == Points::kAccurateFromZero;
   HyperbolicSplit<V> u;
   V turn = x;
@@ -389,35 +391,35 @@ HWY_INLINE void SinhOfMagnitude(D d, const V (&x)[K], V (&out)[K], const hn::TFr
   }
 }
 
-// The HA tier: a cosh r + b sinh r with a = C, b = S (kCosh) or the reverse, all of them with the
-// rests below their doubles. a, b r and their sum have no rounding error; what is left is below
-// 2^-9 of the result.
+// The HA tier: a cosh r + b sinh r with a = C, b = S (kCosh) or the reverse. a and its sum with b r
+// have no rounding error, nor has r where it counts, for sinh; what is left is below 2^-9 of the
+// result. Tiny x must not be multiplied but by silent products.
 template <bool kCosh, class D, class V, size_t K>
 HWY_INLINE void HyperbolicHA(D d, const V (&x)[K], V (&out)[K]) {
   HyperbolicSplit<V> u[K];
   V r2[K], even[K], odd[K];
   for (size_t k = 0; k < K; ++k) {
-    u[k] = Split<Points::kAccurate>(d, x[k]);
-    // Far beyond the last place, but what is left of it must not underflow when r multiplies it.
-    u[k].decay = hn::Max(u[k].decay, hn::Set(d, 0x1p-200));
-    r2[k] = hn::Mul(u[k].r, u[k].r);
+    u[k] = Split < kCosh ? Points::kAccurateRounded : Points::kAccurate > (d, x[k]);
+    r2[k] = SilentMul(u[k].r, u[k].r);
   }
   for (size_t k = 0; k < K; ++k) {
-    even[k] = Horner(d, r2[k], dCoshHAPolynomial);
-    odd[k] = Horner(d, r2[k], dSinhPolynomial);
+    even[k] = SilentHorner(d, r2[k], dCoshHAPolynomial);
+    odd[k] = SilentHorner(d, r2[k], dSinhPolynomial);
   }
   for (size_t k = 0; k < K; ++k) {
-    const V r = u[k].r;
-    const V cosh = hn::Mul(r2[k], hn::Add(hn::Set(d, 0.5), hn::Mul(r2[k], even[k])));  // cosh r - 1
-    const V sinh = hn::Add(hn::Mul(hn::Mul(r, r2[k]), odd[k]), u[k].r_rest);           // sinh r - r
-    const Pair<V> sum = FastTwoSum(u[k].grow, u[k].decay);
-    const V difference = hn::Sub(u[k].grow, u[k].decay);
-    const Pair<V> rest = {difference, hn::Sub(hn::Sub(u[k].grow, difference), u[k].decay)};
-    const Pair<V> a = kCosh ? sum : rest, b = kCosh ? rest : sum;
-    const Pair<V> product = TwoProduct(d, b.hi, r);
-    const Pair<V> head = FastTwoSum(a.hi, product.hi);
-    const V low = hn::Add(hn::Add(a.lo, head.lo), hn::Add(product.lo, hn::Mul(b.lo, r)));
-    const V high = hn::Add(hn::Mul(a.hi, cosh), hn::Mul(b.hi, sinh));
+    const auto& [grow, decay, r, r_rest] = u[k];
+    const V cosh =
+        SilentMul(r2[k], hn::Add(hn::Set(d, 0.5), SilentMul(r2[k], even[k])));  // cosh r - 1
+    V sinh = SilentMul(SilentMul(r, r2[k]), odd[k]);                            // sinh r - r
+    if constexpr (!kCosh) sinh = hn::Add(sinh, r_rest);
+    const V sum = hn::Add(grow, decay), difference = hn::Sub(grow, decay);
+    const V a = kCosh ? sum : difference, b = kCosh ? difference : sum;
+    const V a_lost = hn::Sub(grow, a);
+    const V a_rest = kCosh ? hn::Add(a_lost, decay) : hn::Sub(a_lost, decay);
+    const Pair<V> product = TwoProduct(d, b, r);
+    const Pair<V> head = FastTwoSum(a, product.hi);
+    const V low = hn::Add(hn::Add(a_rest, head.lo), product.lo);
+    const V high = hn::Add(SilentMul(a, cosh), SilentMul(b, sinh));
     out[k] = hn::Add(head.hi, hn::Add(high, low));
   }
 }

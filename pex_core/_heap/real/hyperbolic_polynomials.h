@@ -41,10 +41,6 @@ inline constexpr double dTanhPolynomial[] = {
 inline constexpr double dTanhRowPolynomial[] = {
     -0x1.555555555513ap-2, 0x1.111110df3660dp-3, -0x1.ba0620aee60dap-5};
 
-// tanh x = x + p(x^2) x^3, |x| <= 1.5625e-2; relative error 2^-29.4375.
-inline constexpr double dTanhRowEPPolynomial[] = {
-    -0x1.554e43c1ec47fp-2};
-
 // cosh x = 1 + p(x^2) x^2, |x| <= 4.39000017940998077392578125e-2; relative error 2^-25.15625.
 inline constexpr float sCoshPolynomial[] = {
     0x1.0008b8p-1f};
