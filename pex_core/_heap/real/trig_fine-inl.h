@@ -306,9 +306,20 @@ struct WaveHA {
  private:
   template <class D, class V, size_t K>
   static HWY_INLINE void Finish(D d, const FineAngles<D, K>& u, const V (&y2)[K], V (&r)[K]) {
-    V s[K], c[K];
-    FinePolynomials(d, y2, s, c);
-    FineWave<kWave>(d, u, y2, s, c, r);
+    if constexpr (HWY_TARGET == HWY_AVX3 && K > 2) {  // what waits for its turn stays in memory
+#pragma GCC unroll 8
+      for (size_t k = 0; k < K; ++k) {
+        const FineAngles<D, 1> at = {{u.high[k]}, {u.low[k]}, {u.y[k]},
+                                     {u.sin[k]},  {u.cos[k]}, {u.index[k]}};
+        V result[1];
+        Finish(d, at, {y2[k]}, result);
+        r[k] = result[0];
+      }
+    } else {
+      V s[K], c[K];
+      FinePolynomials(d, y2, s, c);
+      FineWave<kWave>(d, u, y2, s, c, r);
+    }
   }
 };
 
