@@ -196,6 +196,18 @@ HWY_INLINE V ShortNegMulAdd(D d, V x, V c, V addend) {
 #endif
 }
 
+// x * c + addend rounded once, for an x so short that its products with the upper part of c and
+// with the rest of it are exact, and an addend whose sum with the former is exact.
+template <class D, class V, typename T>
+HWY_INLINE V PartsMulAdd(D d, V x, T c, [[maybe_unused]] T upper, V addend) {
+#if HWY_TARGET == HWY_SSE4
+  const V sum = hn::Add(hn::Mul(x, hn::Set(d, upper)), addend);
+  return hn::Add(sum, hn::Mul(x, hn::Set(d, c - upper)));  // exact but for this
+#else
+  return hn::MulAdd(x, hn::Set(d, c), addend);
+#endif
+}
+
 // (a.hi + a.lo) + b for |a.hi| >= |b| or a.hi = 0. The error is at most 2 u^2 (|a| + |b|), u half
 // an ulp of 1: twice the working precision, unless the sum cancels.
 template <class V>

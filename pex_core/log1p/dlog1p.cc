@@ -158,8 +158,9 @@ struct dLog1pHA : dLog1pCommon {
   static constexpr int kUnroll = 8;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D, const V (&x)[K], V (&r)[K]) {
+    constexpr size_t kLag = HWY_TARGET == HWY_SSE4 ? 2 : 4;
     Log1pHAPart<D> parts[K];
-    SomeInTurn<2>(parts, x, r);
+    SomeInTurn<HWY_MIN(K, kLag)>(parts, x, r);
   }
 };
 

@@ -356,7 +356,7 @@ struct dTanHA {
   template <class D, class V, size_t K>
   static HWY_INLINE bool Group(D d, const V (&x)[K], V (&r)[K]) {
     TangentFinePart<D, 1> parts[K];
-    SomeInTurn<HWY_MIN(K, 3)>(parts, x, r);
+    SomeInTurn<HWY_MIN(K, 5)>(parts, x, r);
     V y2[K];
     for (size_t k = 0; k < K; ++k) y2[k] = parts[k].y2[0];
     return !AnyNear(d, y2);

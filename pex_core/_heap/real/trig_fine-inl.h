@@ -29,6 +29,7 @@ inline constexpr double kSteps = 0x1.45f306dc9c883p+2 / kUnit;
 inline constexpr double kSixteenth1 = 0x1.921fb54442d18p-3 * kUnit;
 inline constexpr double kSixteenth1Upper = 0x1.921fb5444p-3 * kUnit;
 inline constexpr double kSixteenthRest = 0x1.1a62633145c07p-57 * kUnit;
+inline constexpr double kSixteenthRestUpper = 0x1.1a62p-57 * kUnit;
 inline constexpr double kSixteenth2 = 0x1.1a6263314p-57 * kUnit;
 inline constexpr double kSixteenth3 = 0x1.701b839a2p-95 * kUnit;
 
@@ -46,19 +47,6 @@ struct FineAngles {
   BitsOf<D> index[K];
   HWY_INLINE void Rows() { TrigRowsAt(D(), index, low, sin, cos); }
 };
-
-// offset + n times the rest of pi/16 in full, rounded once: an offset has no bits below 2^-73, and
-// its sum with the upper product is exact.
-template <class D, class V>
-HWY_INLINE V OffsetAndRest(D d, V n, V offset) {
-#if HWY_TARGET == HWY_SSE4
-  constexpr double kUpper = 0x1.1a62p-57 * kUnit;
-  const V upper = hn::Add(hn::Mul(n, hn::Set(d, kUpper)), offset);
-  return hn::Add(upper, hn::Mul(n, hn::Set(d, kSixteenthRest - kUpper)));
-#else
-  return hn::MulAdd(n, hn::Set(d, kSixteenthRest), offset);
-#endif
-}
 
 // Of any arguments, without flags on AVX-512.
 template <class D, class V, size_t K>
@@ -92,7 +80,10 @@ HWY_INLINE void SubtractFine(D d, const V (&x)[K], const V (&n)[K], U& u) {
 #endif
   EndStep(u.high);
   u.Rows();
-  for (size_t k = 0; k < K; ++k) u.low[k] = OffsetAndRest(d, n[k], u.low[k]);
+  // An offset has no bits below 2^-73.
+  for (size_t k = 0; k < K; ++k) {
+    u.low[k] = PartsMulAdd(d, n[k], kSixteenthRest, kSixteenthRestUpper, u.low[k]);
+  }
   EndStep(u.low);
   for (size_t k = 0; k < K; ++k) u.y[k] = hn::Sub(u.high[k], u.low[k]);
   EndStep(u.y);
@@ -306,9 +297,20 @@ struct WaveHA {
  private:
   template <class D, class V, size_t K>
   static HWY_INLINE void Finish(D d, const FineAngles<D, K>& u, const V (&y2)[K], V (&r)[K]) {
-    V s[K], c[K];
-    FinePolynomials(d, y2, s, c);
-    FineWave<kWave>(d, u, y2, s, c, r);
+    if constexpr (HWY_TARGET == HWY_AVX3 && K > 2) {  // what waits for its turn stays in memory
+#pragma GCC unroll 8
+      for (size_t k = 0; k < K; ++k) {
+        const FineAngles<D, 1> at = {{u.high[k]}, {u.low[k]}, {u.y[k]},
+                                     {u.sin[k]},  {u.cos[k]}, {u.index[k]}};
+        V result[1];
+        Finish(d, at, {y2[k]}, result);
+        r[k] = result[0];
+      }
+    } else {
+      V s[K], c[K];
+      FinePolynomials(d, y2, s, c);
+      FineWave<kWave>(d, u, y2, s, c, r);
+    }
   }
 };
 
