@@ -4,6 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/inverse_hyperbolic-inl.h"
+#include "pex_core/_heap/real/inverse_hyperbolic_short-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/asinh/asinh_rare.h"
 
@@ -54,15 +55,40 @@ struct sAsinhLA : sAsinhAnyLA<false> {
 };
 
 // In double precision. Correctly rounded for all floats.
+template <class D, class V>
+HWY_INLINE V sAsinhWide(D d, V x) {
+  const hn::Rebind<double, D> wide;
+  const V a = MagnitudeUnlessTiny(d, x, kTiny);
+  const V y = LogOfSumSingle<AsinhSum>(d, hn::PromoteTo(wide, a));
+  return SignedUnlessTiny(d, x, y, kTiny);
+}
+
+#if HWY_TARGET == HWY_SSE4
 struct sAsinhHA : sAsinhCommon<double> {
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    const hn::Rebind<double, D> wide;
-    const V a = MagnitudeUnlessTiny(d, x, kTiny);
-    const V y = LogOfSumSingle<AsinhSum>(d, hn::PromoteTo(wide, a));
-    return SignedUnlessTiny(d, x, y, kTiny);
+    return sAsinhWide(d, x);
   }
 };
+#else
+struct sAsinhHA : sAsinhCommon<> {
+  static constexpr int kUnroll = 2;
+  template <class D, class V>
+  static HWY_INLINE V InFull(D d, V x) {
+    return sAsinhWide(d, x);
+  }
+  template <class D, class V>
+  static HWY_INLINE V Short(D d, V x, BitsOf<D>& doubt) {
+    const auto s = sLnOfRootShort<false>(d, MagnitudeUnlessTiny(d, x, kTiny));
+    const V least = sLogRounded<sNaturalLog>(d, s, doubt);
+    return SignedUnlessTiny(d, x, least, kTiny);
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    ShortGroup<sAsinhHA>(d, x, r);
+  }
+};
+#endif
 
 PEX_UNARY(float, sAsinh_11, sAsinhEP)
 PEX_UNARY(float, sAsinh_21, sAsinhLA)

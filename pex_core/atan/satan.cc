@@ -121,7 +121,7 @@ HWY_INLINE AtanRow<V> AtanShortRowOf(D d, V a) {
 struct sAtanHA : sAtanCommon<float> {
   static constexpr int kUnroll = 2;
   template <class D, class V>
-  static HWY_INLINE V Wide(D d, V x) {
+  static HWY_INLINE V InFull(D d, V x) {
     V in[1] = {x}, r[1];
     sAtanWide(d, in, r);
     return r[0];

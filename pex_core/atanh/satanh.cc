@@ -59,7 +59,7 @@ struct sAtanhHA : sAtanhCommon<Kernel<float, double>> {
 struct sAtanhHA : sAtanhCommon<Kernel<float>> {
   static constexpr int kUnroll = 2;
   template <class D, class V>
-  static HWY_INLINE V Wide(D d, V x) {
+  static HWY_INLINE V InFull(D d, V x) {
     return sAtanhWide(d, x);
   }
   template <class D, class V>

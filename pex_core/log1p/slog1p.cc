@@ -138,7 +138,7 @@ struct sLog1pHA : Kernel<float> {
   };
   static HWY_INLINE int Rare(float x, float* r) { return sLog1pRare(x, r); }
   template <class D, class V>
-  static HWY_INLINE V Wide(D d, V x) {
+  static HWY_INLINE V InFull(D d, V x) {
     return sLog1pWide(d, x);
   }
   template <class D, class V>

@@ -24,8 +24,12 @@ constexpr float kLargest = 0x1.fffffep+127f;
 constexpr Kernel kKernels[] = {
     {"sAcos_11", _pexsAcos_11, -1, 1},
     {"sAcos_21", _pexsAcos_21, -1, 1},
+    {"sAcos_HA", _pexsAcos_HA, -1, 1},
+    {"sAcosh_HA", _pexsAcosh_HA, 1, kLargest},
     {"sAsin_11", _pexsAsin_11, -1, 1},
     {"sAsin_21", _pexsAsin_21, -1, 1},
+    {"sAsin_HA", _pexsAsin_HA, -1, 1},
+    {"sAsinh_HA", _pexsAsinh_HA, -kLargest, kLargest},
     {"sAtan_11", _pexsAtan_11, -kLargest, kLargest},
     {"sAtan_21", _pexsAtan_21, -kLargest, kLargest},
     {"sAtan_HA", _pexsAtan_HA, -kLargest, kLargest},

@@ -32,12 +32,12 @@ HWY_INLINE V HiddenHorner(D d, V x, const float (&c)[N]) {
 }
 
 // K::Short gives the floats next to the lower bounds of one vector's sums, and by bits of `doubt`
-// whether those next to the upper ones are others: then K::Wide computes half a vector in double.
+// whether those next to the upper ones are others: then K::InFull computes half a vector in double.
 template <class K, class D, class V>
 HWY_NOINLINE V ShortInFull(D d, V x) {
   const hn::Half<D> half;
-  const auto lower = K::Wide(half, hn::LowerHalf(half, x));
-  return hn::Combine(d, K::Wide(half, hn::UpperHalf(half, x)), lower);
+  const auto lower = K::InFull(half, hn::LowerHalf(half, x));
+  return hn::Combine(d, K::InFull(half, hn::UpperHalf(half, x)), lower);
 }
 
 template <class K, class D, class V, size_t N>

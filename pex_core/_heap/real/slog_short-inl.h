@@ -159,7 +159,7 @@ template <class Base, class Single>
 struct sLogHAKernel : sLogKernel {
   static constexpr int kUnroll = 2;
   template <class D, class V>
-  static HWY_INLINE V Wide(D d, V x) {
+  static HWY_INLINE V InFull(D d, V x) {
     return sLogHA<Base, Single>(d, x);
   }
   template <class D, class V>
