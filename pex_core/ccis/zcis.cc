@@ -12,7 +12,7 @@ namespace pex::HWY_NAMESPACE {
 // Common lanes have |x| from 2^-20 below 2^12.
 struct zCISKernel : ComplexKernel<double> {
   static constexpr bool kRealArgument = true;
-  static constexpr int kUnroll = 6;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 3 : 6;
   using Wide = WideCIS<double>;
   using Range = RareOutside<double, 0x3EB00000, 0x40AFFFFF>;
   template <class D, class V>

@@ -33,8 +33,9 @@ struct ExpRange {
 };
 
 // The number of quarter turns next to y, in the low bits of a float. A tiny number is added, or the
-// product raises no flag: that of a tiny y would underflow. The sum with the rounder is the same.
-inline constexpr float kTurnRounder = 0x1.8p23f;
+// product raises no flag: that of a tiny y would underflow. The sum with the rounder is the same, a
+// number of 13 bits more than 2^23 and 2^22, whole turns among them.
+inline constexpr float kTurnRounder = 0x1.8p23f + 4096;
 template <class D, class V>
 HWY_INLINE V Turns(D d, V y) {
   const V rounder = hn::Set(d, kTurnRounder);
@@ -112,20 +113,23 @@ struct SingleExpHA : ComplexKernel<float>, ExpRange<BitsOfNumber(512.0f), BitsOf
     return ElementaryKernel<ComplexExp, float>::Rare(z);
   }
 #if HWY_TARGET == HWY_AVX3
-  // By sums that carry into the sign where a magnitude is a limit or more.
+  // Of x by sums that carry into the sign where the magnitude is 512 or more; of y by the turns,
+  // which have 13 bits above those of the rounder.
   template <class D, class V, size_t K>
   static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&z)[K]) {
-    const auto re_to_end = SetBits(d, 0x80000000 - BitsOfNumber(512.0f));
-    const auto im_to_end = SetBits(d, 0x80000000 - BitsOfNumber(4096.0f));
-    __m512i joined = _mm512_setzero_si512();
-    const auto join = [&](BitsOf<D> x, BitsOf<D> to_end) HWY_ATTR {
-      joined = _mm512_ternarylogic_epi32(joined, x.raw, hn::Add(x, to_end).raw, 0xF6);  // a | b ^ c
+    const auto to_end = SetBits(d, 0x80000000 - BitsOfNumber(512.0f));
+    const auto zero_turns = SetBits(d, BitsOfNumber(kTurnRounder) - 4096);
+    __m512i large = _mm512_setzero_si512(), many = _mm512_setzero_si512();
+    const auto join_differing = [](__m512i joined, BitsOf<D> a, BitsOf<D> b) HWY_ATTR {
+      return _mm512_ternarylogic_epi32(joined, a.raw, b.raw, 0xF6);  // joined | a ^ b
     };
     for (size_t k = 0; k < K; ++k) {
-      join(Bits(d, z[k].re), re_to_end);
-      join(Bits(d, z[k].im), im_to_end);
+      const auto x = Bits(d, z[k].re);
+      large = join_differing(large, x, hn::Add(x, to_end));
+      many = join_differing(many, Bits(d, Turns(d, z[k].im)), zero_turns);
     }
-    return _mm512_movepi32_mask(joined) != 0;
+    const auto beyond = _mm512_test_epi32_mask(many, _mm512_set1_epi32(~0x1FFF));
+    return (_mm512_movepi32_mask(large) | beyond) != 0;
   }
 #endif
   template <class D, class V, size_t K>

@@ -33,16 +33,22 @@ struct ExpInTurn {
 template <bool kWide>
 struct dComplexExp : ElementaryKernel<ComplexExp, double> {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;
-  using Range = PartRange<-100, 9>::Outside<double>;
-  template <class D, class V>
-  static HWY_INLINE MaskOf<D> MayBeRare(D d, Complex<V> z) {
-    if constexpr (kWide) return ElementaryKernel<ComplexExp, double>::MayBeRare(d, z);
-    return KeyAbove(d, JoinKeys(d, Range::Key(d, hn::Abs(z.re)), Range::Key(d, hn::Abs(z.im))),
-                    Range::kLimit);
+  // By the high words of both parts: less the first of the 128 exponents below 2^9, they have only
+  // the lower 7 bits, whatever the sign.
+  template <class D, class V, size_t K>
+  requires(!kWide) static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&z)[K]) {
+    const hn::Repartition<int32_t, D> d32;
+    const auto first = hn::Set(d32, (1023 + 9 - 128) << 20);
+    auto joined = hn::Zero(d32);
+    for (size_t k = 0; k < K; ++k) {
+      const auto words = hn::BitCast(d32, HighWords(d, z[k].re, z[k].im));
+      joined = hn::Or(joined, hn::Sub(words, first));
+    }
+    return HasAnyBit(joined, hn::Set(d32, 0x78000000));
   }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const Complex<V> (&z)[K], Complex<V> (&r)[K]) {
-#if HWY_TARGET == HWY_AVX3
+#if HWY_TARGET != HWY_SSE4
     ExpInTurn<D> parts[K];
     InTurn(parts, r, z);
 #else  // too few registers

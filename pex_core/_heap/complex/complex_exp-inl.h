@@ -47,16 +47,28 @@ HWY_INLINE void ExpFactorsOf(D d, const X (&x)[K], ExpFactors<D> (&r)[K]) {
     const V head = Head(d, x[k]);
     kf[k] = hn::Add(hn::Mul(head, hn::Set(d, Tier::kSteps * 0x1.71547652b82fep+0)), shifter);
     const V kd = hn::Sub(kf[k], shifter);
-    V rest = hn::Mul(kd, hn::Set(d, Tier::kStepLo));
-    if constexpr (kIsPair<X, D>) rest = hn::Sub(rest, x[k].lo);
-    y[k] = hn::Sub(SubExactProduct(kd, hn::Set(d, Tier::kStepHi), head), rest);
+    const V high = SubExactProduct(kd, hn::Set(d, Tier::kStepHi), head);
+    if constexpr (kIsPair<X, D>) {
+      y[k] = hn::Sub(high, hn::Sub(hn::Mul(kd, hn::Set(d, Tier::kStepLo)), x[k].lo));
+    } else {
+      y[k] = SubExactProduct(kd, hn::Set(d, Tier::kStepRest), high);
+    }
     square[k] = hn::Mul(y[k], y[k]);
   }
   EvenOdd(d, y, square, Tier::kExpPolynomial, q);
+  BitsOf<D> steps[K];
+  for (size_t k = 0; k < K; ++k) steps[k] = Bits(d, kf[k]);
+#if HWY_TARGET == HWY_AVX2
+  const RowPlaces<2, K> places(steps);
+#endif
   for (size_t k = 0; k < K; ++k) {
-    const auto steps = Bits(d, kf[k]);
-    const PairOf<D> row = PowLookUp<16>(d, kExpColumns.power, kExpColumns.rest, kExpPairs, steps);
-    r[k].t = FromBits(d, hn::Add(Bits(d, row.hi), hn::ShiftLeft<48>(steps)));
+    PairOf<D> row;
+#if HWY_TARGET == HWY_AVX2
+    places.Columns(kExpPairs.row[0], k, row.hi, row.lo);
+#else
+    row = PowLookUp<16>(d, kExpColumns.power, kExpColumns.rest, kExpPairs, steps[k]);
+#endif
+    r[k].t = FromBits(d, hn::Add(Bits(d, row.hi), hn::ShiftLeft<48>(steps[k])));
     r[k].p = hn::Add(row.lo, hn::Add(y[k], hn::Mul(square[k], q[k])));
   }
 }

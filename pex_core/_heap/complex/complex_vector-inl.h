@@ -146,8 +146,8 @@ using AngleRange = PartRange<-100, 12>;
 
 // The ranges and routines of e^z, as of ln z below; their kernels compute by sums of their own.
 struct ComplexExp {
-  using Re = ExponentRange;
-  using Im = AngleRange;
+  using Re = PartRange<-119, 9>;
+  using Im = PartRange<-119, 12>;
   static constexpr auto Scalar = _pexcexpl_scalar;
 };
 

@@ -5,14 +5,6 @@
 
 namespace pex {
 
-// (sin(y)/y - 1)/y^2 in x = y^2, |y| <= 9.829998016357421875e-2; error of the function 2^-67.
-inline constexpr double kSinHA[] = {
-    -0x1.5555555555555p-3, 0x1.111111110f647p-7, -0x1.a01a010bbef25p-13, 0x1.71caf7889d4ddp-19};
-
-// (cos(y) - 1)/y^2 in x = y^2, |y| <= 9.829998016357421875e-2; error of the function 2^-62.0625.
-inline constexpr double kCosHA[] = {
-    -0x1p-1, 0x1.5555555553b18p-5, -0x1.6c16c0eccbf4fp-10, 0x1.a003f3b55d586p-16};
-
 // (sin(y)/y - 1)/y^2 in x = y^2, |y| <= 9.829998016357421875e-2; error of the function 2^-67.125.
 inline constexpr double kSinFine[] = {
     -0x1.5555555555555p-3, 0x1.111111110f5b3p-7, -0x1.a01a01097bd37p-13, 0x1.71cad5p-19};

@@ -127,9 +127,15 @@ HWY_INLINE void NearestSixteenth(D d, const V (&x)[K], Sixteenth<D> (&u)[K], V (
 template <class D, class V, size_t K>
 HWY_INLINE void SubtractSixteenths(D d, const V (&x)[K], const V (&n)[K], Sixteenth<D> (&u)[K]) {
   const V part2 = hn::Set(d, 0x1.68c234c4c0000p-42);
-  V high[K], offset[K];
+  V high[K], offset[K], sin[K], cos[K];
+  BitsOf<D> index[K];
   SubExactProducts(x, n, hn::Set(d, 0x1.921fb54440000p-3), high);
-  for (size_t k = 0; k < K; ++k) TrigRowsAt(d, u[k].index, offset[k], u[k].sin, u[k].cos);
+  for (size_t k = 0; k < K; ++k) index[k] = u[k].index;
+  TrigRowsAt(d, index, offset, sin, cos);
+  for (size_t k = 0; k < K; ++k) {
+    u[k].sin = sin[k];
+    u[k].cos = cos[k];
+  }
   for (size_t k = 0; k < K; ++k) high[k] = hn::Sub(high[k], offset[k]);
   for (size_t k = 0; k < K; ++k) u[k].y = SubExactProduct(n[k], part2, high[k]);
   for (size_t k = 0; k < K; ++k) high[k] = hn::Sub(high[k], u[k].y);
@@ -151,8 +157,18 @@ template <class D, class V, size_t K>
 HWY_INLINE void SmallSineCosine(D d, const Sixteenth<D> (&u)[K], V (&sin)[K], V (&cos)[K]) {
   V y2[K];
   for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(u[k].y, u[k].y);
-  Horner(d, y2, kSinHA, sin);
-  Horner(d, y2, kCosHA, cos);
+  // The first products are exact: of the square 26 bits.
+  for (size_t k = 0; k < K; ++k) {
+    const V w = FromBits(d, hn::And(Bits(d, y2[k]), SetBits(d, ~uint64_t{0} << 27)));
+    sin[k] = AddExactProduct(w, hn::Set(d, kSinFine[3]), hn::Set(d, kSinFine[2]));
+    cos[k] = AddExactProduct(w, hn::Set(d, kCosFine[3]), hn::Set(d, kCosFine[2]));
+  }
+  for (size_t i = 2; i-- > 0;) {
+    for (size_t k = 0; k < K; ++k)
+      sin[k] = hn::Add(hn::Mul(sin[k], y2[k]), hn::Set(d, kSinFine[i]));
+    for (size_t k = 0; k < K; ++k)
+      cos[k] = hn::Add(hn::Mul(cos[k], y2[k]), hn::Set(d, kCosFine[i]));
+  }
   for (size_t k = 0; k < K; ++k) cos[k] = hn::Mul(y2[k], cos[k]);
   for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(u[k].y, y2[k]);
   for (size_t k = 0; k < K; ++k) sin[k] = hn::Add(hn::Mul(y2[k], sin[k]), u[k].rest);
