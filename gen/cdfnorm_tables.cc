@@ -1,8 +1,9 @@
-// Writes pex_core/_heap/real/cdfnorm_tables.cc: the normal distribution function at points where it
-// is next to a double.
+// Writes pex_core/_heap/real/cdfnorm_tables.cc: the normal distribution function and the
+// complementary error function at points where they are next to a double.
 #include <mpfr.h>
 
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 
 #include "gen/normal_tail.h"
@@ -15,12 +16,32 @@ constexpr mpfr_prec_t kBits = 160;
 // Registers of the working precision.
 mpfr_t value, slope, work;
 
-// value = the normal distribution function at c, slope = its density there, both scaled.
-void At(double c) {
-  NormalTail(-c, value, slope, work);
-  mpfr_mul_2ui(value, value, pex::kCdfNormScale, MPFR_RNDN);
-  mpfr_mul_2ui(slope, slope, pex::kCdfNormScale, MPFR_RNDN);
-}
+// A function whose derivative at c + t is that at c times e^(-kRate (c t + t^2/2)).
+struct Normal {
+  static constexpr double kRate = 1, kVertex = pex::kCdfNormVertex, kSign = -1;
+  static constexpr double kUnit = pex::kCdfNormUnit, kLimit = 1, kFlat = 6.4, kEnd = 8.29;
+  static constexpr int kCount = pex::kCdfNormPointCount;
+  // value = the normal distribution function at c, slope = its density there.
+  static void At(double c) { NormalTail(-c, value, slope, work); }
+};
+
+struct Complement {
+  static constexpr double kRate = 2, kVertex = pex::kErfcVertex, kSign = 1;
+  static constexpr double kUnit = pex::kErfcUnit, kLimit = 2, kFlat = 4.52, kEnd = 5.87;
+  static constexpr int kCount = pex::kErfcPointCount;
+  // value = erfc(c), slope = its derivative.
+  static void At(double c) {
+    mpfr_set_d(work, c, MPFR_RNDN);
+    mpfr_erfc(value, work, MPFR_RNDN);
+    mpfr_sqr(slope, work, MPFR_RNDN);
+    mpfr_neg(slope, slope, MPFR_RNDN);
+    mpfr_exp(slope, slope, MPFR_RNDN);
+    mpfr_const_pi(work, MPFR_RNDN);
+    mpfr_rec_sqrt(work, work, MPFR_RNDN);
+    mpfr_mul(slope, slope, work, MPFR_RNDN);
+    mpfr_mul_si(slope, slope, -2, MPFR_RNDN);
+  }
+};
 
 double Nearest(mpfr_t x) { return mpfr_get_d(x, MPFR_RNDN); }
 
@@ -35,40 +56,76 @@ long double Excess(mpfr_t x) {
 
 long double OffGrid(long double ulps) { return std::fabs(ulps - std::nearbyint(ulps)); }
 
+// The same roughly, for numbers of ulps up to 2^40.
+bool NearGrid(double ulps) {
+  constexpr double kShifter = 0x1.8p52;
+  return std::fabs(ulps - ((ulps + kShifter) - kShifter)) <= 0x1.2p-9;
+}
+
 // A point near the middle of an interval of 2 half where the function is a double to within 2^-9
-// ulp and, where the slope weighs as much, the slope to within 2^-4.
+// ulp and, where the slope weighs as much, the slope to within 2^-5, and with a 0 as its last bit.
+template <class F>
 double AccuratePoint(double middle, double half) {
   const double first = std::nearbyint(middle * 0x1p32) * 0x1p-32;
-  At(first);
-  const bool and_slope = Nearest(slope) * half > 0x1p-7 * Nearest(value);
-  const long double y = Excess(value), s = Excess(slope);
-  const long double value_per_offset = Nearest(slope) / Ulp(value);
-  const long double slope_ulps = Nearest(slope) / Ulp(slope);
-  for (int k = 0;; ++k) {
-    const double offset = (k % 2 ? k / 2 + 1 : -k / 2) * 0x1p-32, e = offset * first;
-    // The mean density on the way, in relation to the slope, and the density's change, as far as
+  F::At(first);
+  const bool and_slope = std::fabs(Nearest(slope)) * half > 0x1p-7 * Nearest(value);
+  const long double y = Excess(value), value_per_offset = Nearest(slope) / Ulp(value);
+  const long double slope_ulps = Nearest(slope) / Ulp(slope), s = slope_ulps + Excess(slope);
+  for (uint32_t k = 0;; ++k) {
+    // In no order, lest the two conditions exclude each other for long.
+    const double offset = (static_cast<int32_t>(k * 0x9E3779B1u) >> 12) * 0x1p-38;
+    const double e = F::kRate * offset * first;
+    // The mean slope on the way, in relation to the slope, and the slope's change, as far as
     // offsets to 2^-19 need them.
-    const long double mean = 1 - (e + offset * offset / 3) / 2 + e * e / 6 - e * e * e / 24;
-    if (OffGrid(y + value_per_offset * offset * mean) > 0x1p-9) continue;
-    const long double change = std::expm1(-(e + 0.5L * offset * offset));
-    if (and_slope && OffGrid(s + slope_ulps * change) > 0x1p-4) continue;
-    At(first + offset);
+    const double square = F::kRate * offset * offset;
+    const double less = (e + square / 3) / 2 - e * e / 6 + e * e * e / 24;
+    const double step = static_cast<double>(value_per_offset) * offset;
+    if (!NearGrid(static_cast<double>(y) + (step - step * less))) continue;
+    if (OffGrid(y + value_per_offset * offset * (1 - static_cast<long double>(less))) > 0x1p-9) {
+      continue;
+    }
+    const long double change = std::expm1(-(e + 0.5L * square));
+    if (and_slope && OffGrid((s + slope_ulps * change) / 2) > 0x1p-6) continue;
+    F::At(first + offset);
     if (OffGrid(Excess(value)) <= 0x1p-9) return first + offset;
   }
 }
 
 // Where the function is so flat that hardly a double lies near: the point whose value is the double
 // next to that of `middle`.
+template <class F>
 double FlatPoint(double middle) {
   double c = middle;
-  At(c);
-  const double target = std::fmin(Nearest(value), std::ldexp(1 - 0x1p-53, pex::kCdfNormScale));
+  F::At(c);
+  const double target = std::fmin(Nearest(value), F::kLimit * (1 - 0x1p-53));
   for (int i = 0; i < 50; ++i) {
-    At(c);
+    F::At(c);
     mpfr_sub_d(value, value, target, MPFR_RNDN);
     c = std::nearbyint((c - Nearest(value) / Nearest(slope)) * 0x1p44) * 0x1p-44;
   }
   return c;
+}
+
+// Distances from the vertex, where the function is flat, grow from row to row.
+template <class F>
+void Write(const char* name) {
+  std::printf("\nalignas(64) const CurvePoint k%sPoints[k%sPointCount] = {", name, name);
+  for (int j = 0; j < F::kCount; ++j) {
+    const double far = std::sqrt((j + 1) / F::kUnit), near = std::sqrt(j / F::kUnit);
+    const double end = F::kVertex + F::kSign * far;
+    if (-F::kSign * end > F::kEnd) {
+      std::printf("\n    {%a, %a, 0, 0},", end, F::kLimit);
+      continue;
+    }
+    const double middle = F::kVertex + F::kSign * (near + far) / 2;
+    const double c = -F::kSign * middle > F::kFlat ? FlatPoint<F>(middle)
+                                                   : AccuratePoint<F>(middle, (far - near) / 2);
+    F::At(c);
+    const double even =
+        std::ldexp(std::nearbyint(Nearest(slope) / (2 * Ulp(slope))), 1) * Ulp(slope);
+    std::printf("\n    {%a, %a, %a, 0},", c, Nearest(value), even);
+  }
+  std::printf("\n};\n");
 }
 
 }  // namespace
@@ -79,18 +136,7 @@ int main() {
       "// Generated by gen/cdfnorm_tables.cc:\n"
       "//   gen_cdfnorm_tables > pex_core/_heap/real/cdfnorm_tables.cc\n"
       "#include \"pex_core/_heap/real/cdfnorm_tables.h\"\n\nnamespace pex {\n");
-  std::printf("\nalignas(64) const CdfNormPoint kCdfNormPoints[kCdfNormPointCount] = {");
-  for (int j = 0; j < pex::kCdfNormPointCount; ++j) {
-    const double from = pex::kCdfNormVertex - std::sqrt(j + 1) / 2;
-    const double to = pex::kCdfNormVertex - std::sqrt(j) / 2;
-    if (from > 8.29) {
-      std::printf("\n    {%a, %a, 0, 0},", from, std::ldexp(1, pex::kCdfNormScale));
-      continue;
-    }
-    const double middle = (from + to) / 2;
-    const double c = middle > 6.4 ? FlatPoint(middle) : AccuratePoint(middle, (to - from) / 2);
-    At(c);
-    std::printf("\n    {%a, %a, %a, 0},", c, Nearest(value), Nearest(slope));
-  }
-  std::printf("\n};\n\n}  // namespace pex\n");
+  Write<Normal>("CdfNorm");
+  Write<Complement>("Erfc");
+  std::printf("\n}  // namespace pex\n");
 }

@@ -46,13 +46,15 @@ double RoundingError(mpfr_t x) {
   return std::fabs(rest) / (std::nextafter(y, INFINITY) - y);
 }
 
-// A point near `grid` where erf is a double to within 2^-9 ulp, and in the first rows, where the
-// slope weighs as much, the slope to within 2^-4.
-double AccuratePoint(double grid, bool and_slope) {
+// A point near `grid` where erf is a double to within 2^-9 ulp, and the slope, divided by
+// `slope_unit`, to within `slope_error`.
+double AccuratePoint(double grid, double slope_error, mpfr_t slope_unit) {
   for (int k = 0;; ++k) {
     const double c = grid + (k % 2 ? k / 2 + 1 : -k / 2) * 0x1p-30;
     At(c, false);
-    if (RoundingError(value) <= 0x1p-9 && (!and_slope || RoundingError(slope) <= 0x1p-4)) return c;
+    if (RoundingError(value) > 0x1p-9) continue;
+    mpfr_div(slope, slope, slope_unit, MPFR_RNDN);
+    if (RoundingError(slope) <= slope_error) return c;
   }
 }
 
@@ -80,13 +82,16 @@ double FlatPoint(double grid) {
 }
 
 void Erf() {
+  mpfr_t one;
+  mpfr_init2(one, kBits);
+  mpfr_set_ui(one, 1, MPFR_RNDN);
   std::printf("\nalignas(64) const ErfRow kErfRows[kErfRowCount] = {");
   for (int j = 0; j < pex::kErfRowCount; ++j) {
     const double grid = j / 128.0;
     double c = 0, f = 0, rest;
     At(0, false);
     if (j > 0) {
-      c = j < 640 ? AccuratePoint(grid, j <= 32) : FlatPoint(grid);
+      c = j < 640 ? AccuratePoint(grid, j <= 32 ? 0x1p-4 : 1, one) : FlatPoint(grid);
       At(c, false);
       f = mpfr_get_d(value, MPFR_RNDN);
     }
@@ -95,6 +100,34 @@ void Erf() {
     std::printf("\n    {%a, %a, %a, %a},", c, f, s, (2 * c * c - 1) / 3);
   }
   std::printf("\n};\n");
+  mpfr_clear(one);
+}
+
+// The slopes are divided by the ratio of 2/sqrt(pi) to the double next to it.
+void ErfFine() {
+  mpfr_t unit;
+  mpfr_init2(unit, kBits);
+  At(0, false);
+  double rest;
+  const double nearest = Round(slope, &rest);
+  mpfr_div_d(unit, slope, nearest, MPFR_RNDN);
+  std::printf("\nalignas(64) const ErfPoint kErfPoints[kErfPointCount] = {");
+  for (int j = 0; j < pex::kErfPointCount; ++j) {
+    const double grid = j / 256.0;
+    double c = 0, f = 0, s = nearest;
+    if (j == pex::kErfPointCount - 1) {
+      c = grid, f = 1, s = 0;
+    } else if (j > 0) {
+      c = j < 1280 ? AccuratePoint(grid, j < 64 ? j * 0x1p-6 : 1, unit) : FlatPoint(grid);
+      At(c, false);
+      f = mpfr_get_d(value, MPFR_RNDN);
+      mpfr_div(slope, slope, unit, MPFR_RNDN);
+      s = mpfr_get_d(slope, MPFR_RNDN);
+    }
+    std::printf("\n    {%a, %a, %a, 0},", c, f, s);
+  }
+  std::printf("\n};\n");
+  mpfr_clear(unit);
 }
 
 // What a value and a slope that are off by these contribute to the error next to c, in ulps of the
@@ -232,6 +265,7 @@ int main() {
       "//   gen_erf_tables > pex_core/_heap/real/erf_tables.cc\n"
       "#include \"pex_core/_heap/real/erf_tables.h\"\n\nnamespace pex {\n");
   Erf();
+  ErfFine();
   ErfPlain();
   ErfShort();
   Erfc(false);

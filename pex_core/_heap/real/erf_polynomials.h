@@ -76,17 +76,6 @@ inline constexpr double kCdfNormMeanHA[] = {
 inline constexpr double kCdfNormRatio[] = {
     0x1.5555555555457p-4, -0x1.6c16c135d9ba3p-12, 0x1.1558f539ab037p-19};
 
-// a, b, c of (y coth(y/2) - 2)/(2 y^2) + v/240 = a + b x^2 + c v + ..., x = 2 y, x <= 0.101; in
-// relation to the result an error of 2^-57.4375.
-inline constexpr double kCdfNormRatioHA[] = {
-    0x1.5555555280011p-4, -0x1.6c117e08333afp-12, 0x1.111ccf8b34c3ap-8};
-
-// (erf(y)/y - 2/sqrt(pi))/y^2 for x = y^2,
-// 9.5367431640625e-7 <= x <= 6.350000202655792236328125e-2; absolute error 2^-56.
-inline constexpr double kErfNear[] = {
-    -0x1.812746b0379e7p-2, 0x1.ce2f21a042e19p-4, -0x1.b82ce312e6e85p-6, 0x1.565bcd7cbfe7ep-8,
-    -0x1.c02e38a5dc404p-11, 0x1.f9f884535767bp-14, -0x1.08623828df4c6p-16, 0x1.57a0faf408bf7p-18};
-
 }  // namespace pex
 
 #endif  // PEX_CORE__HEAP_REAL_ERF_POLYNOMIALS_H_

@@ -17,6 +17,16 @@ struct ErfRow {
 inline constexpr int kErfRowCount = 761;
 extern const ErfRow kErfRows[kErfRowCount];
 
+// Row j: c next to j/256; erf(c), to within 2^-9 of its last place; the slope there over the ratio
+// of 2/sqrt(pi) to the double next to it, which is exact for c = 0 and up to j = 32 to within j
+// 2^-6 of its last place. From j = 1280 on c may lie farther from j/256; the last row is 1. A row
+// fills half a cache line.
+struct ErfPoint {
+  double c, value, slope, unused;
+};
+inline constexpr int kErfPointCount = 1537;
+extern const ErfPoint kErfPoints[kErfPointCount];
+
 // Rows of a function and its slope alone.
 struct ErfcRow {
   double value, slope;
