@@ -17,8 +17,9 @@ inline constexpr uint32_t kInvCbrtSingleMagic = 0x54A10000;
 
 // The same in 12 bits by the 4 bits of the third below its exponent: |x z^3 - 1| < 0.0411.
 alignas(64) inline constexpr int32_t kInvCbrtMagics[16] = {
-    0x549FE000, 0x549FD000, 0x54A13000, 0x54A3A000, 0x54A6D000, 0x54A76000, 0x54A2E000, 0x549FC000,
-    0x549E7000, 0x549E7000, 0x549EE000, 0x549CE000, 0x549B7000, 0x549B9000, 0x549CF000, 0x549F3000};
+    0x549FE000, 0x549FD000, 0x54A13000, 0x54A3A000, 0x54A6D000, 0x54A76000,
+    0x54A2E000, 0x549FC000, 0x549E7000, 0x549E7000, 0x549EE000, 0x549CE000,
+    0x549B7000, 0x549B9000, 0x549CF000, 0x549F3000};
 
 }  // namespace pex
 

@@ -9,32 +9,35 @@ namespace pex {
 
 // 2^(j/8), twice.
 alignas(64) inline constexpr float sExpEighths[16] = {
-    0x1p+0f,        0x1.172b84p+0f, 0x1.306fep+0f,  0x1.4bfdaep+0f, 0x1.6a09e6p+0f, 0x1.8ace54p+0f,
-    0x1.ae89fap+0f, 0x1.d5818ep+0f, 0x1p+0f,        0x1.172b84p+0f, 0x1.306fep+0f,  0x1.4bfdaep+0f,
+    0x1p+0f, 0x1.172b84p+0f, 0x1.306fep+0f, 0x1.4bfdaep+0f,
+    0x1.6a09e6p+0f, 0x1.8ace54p+0f, 0x1.ae89fap+0f, 0x1.d5818ep+0f,
+    0x1p+0f, 0x1.172b84p+0f, 0x1.306fep+0f, 0x1.4bfdaep+0f,
     0x1.6a09e6p+0f, 0x1.8ace54p+0f, 0x1.ae89fap+0f, 0x1.d5818ep+0f,
 };
 
 // How far 2^(j/8) is from its float, in relation to it, twice.
 alignas(64) inline constexpr float sExpEighthsRest[16] = {
-    0x0p+0f,         -0x1.9c0c22p-27f, 0x1.125002p-25f,  -0x1.0a3552p-25f,
-    0x1.26055cp-26f, 0x1.67a1cap-28f,  -0x1.f9c306p-27f, -0x1.a5217cp-28f,
-    0x0p+0f,         -0x1.9c0c22p-27f, 0x1.125002p-25f,  -0x1.0a3552p-25f,
-    0x1.26055cp-26f, 0x1.67a1cap-28f,  -0x1.f9c306p-27f, -0x1.a5217cp-28f,
+    0x0p+0f, -0x1.9c0c22p-27f, 0x1.125002p-25f, -0x1.0a3552p-25f,
+    0x1.26055cp-26f, 0x1.67a1cap-28f, -0x1.f9c306p-27f, -0x1.a5217cp-28f,
+    0x0p+0f, -0x1.9c0c22p-27f, 0x1.125002p-25f, -0x1.0a3552p-25f,
+    0x1.26055cp-26f, 0x1.67a1cap-28f, -0x1.f9c306p-27f, -0x1.a5217cp-28f,
 };
 
 // 2^(j/8)/(1 + j/8) - 1, twice: (1 - c) - c t, c = 2^n (1 + j/8), is the same rounded once and
 // twice for -127 < n < 128.
 alignas(64) inline constexpr float sExpEighthsOverChord[16] = {
-    0x0p+0f,         -0x1.f6547ep-6f, -0x1.8e698ap-5f, -0x1.d1aa6cp-5f,
+    0x0p+0f, -0x1.f6547ep-6f, -0x1.8e698ap-5f, -0x1.d1aa6cp-5f,
     -0x1.d48222p-5f, -0x1.a15bfep-5f, -0x1.3f499ap-5f, -0x1.66315cp-6f,
-    0x0p+0f,         -0x1.f6547ep-6f, -0x1.8e698ap-5f, -0x1.d1aa6cp-5f,
+    0x0p+0f, -0x1.f6547ep-6f, -0x1.8e698ap-5f, -0x1.d1aa6cp-5f,
     -0x1.d48222p-5f, -0x1.a15bfep-5f, -0x1.3f499ap-5f, -0x1.66315cp-6f,
 };
 
 // Bits of 2^(j/8) less j << 20, twice: adding k << 20 gives those of 2^(k/8).
 alignas(64) inline constexpr int32_t sExpShiftedEighths[16] = {
-    0x3F800000, 0x3F7B95C2, 0x3F7837F0, 0x3F75FED7, 0x3F7504F3, 0x3F75672A, 0x3F7744FD, 0x3F7AC0C7,
-    0x3F800000, 0x3F7B95C2, 0x3F7837F0, 0x3F75FED7, 0x3F7504F3, 0x3F75672A, 0x3F7744FD, 0x3F7AC0C7,
+    0x3F800000, 0x3F7B95C2, 0x3F7837F0, 0x3F75FED7,
+    0x3F7504F3, 0x3F75672A, 0x3F7744FD, 0x3F7AC0C7,
+    0x3F800000, 0x3F7B95C2, 0x3F7837F0, 0x3F75FED7,
+    0x3F7504F3, 0x3F75672A, 0x3F7744FD, 0x3F7AC0C7,
 };
 
 // The same of 2^(j/8)/p, p = 0x1.096p0.
@@ -47,44 +50,50 @@ alignas(64) inline constexpr int32_t sExpShiftedEighthsEP[16] = {
 
 // Bits of 2^(j/16) less j << 19: adding k << 19 gives those of 2^(k/16).
 alignas(64) inline constexpr int32_t sExpShiftedSixteenths[16] = {
-    0x3F800000, 0x3F7DAAC3, 0x3F7B95C2, 0x3F79C3D3, 0x3F7837F0, 0x3F76F532, 0x3F75FED7, 0x3F75583F,
-    0x3F7504F3, 0x3F7508A4, 0x3F75672A, 0x3F76248C, 0x3F7744FD, 0x3F78CCDF, 0x3F7AC0C7, 0x3F7D257D,
+    0x3F800000, 0x3F7DAAC3, 0x3F7B95C2, 0x3F79C3D3,
+    0x3F7837F0, 0x3F76F532, 0x3F75FED7, 0x3F75583F,
+    0x3F7504F3, 0x3F7508A4, 0x3F75672A, 0x3F76248C,
+    0x3F7744FD, 0x3F78CCDF, 0x3F7AC0C7, 0x3F7D257D,
 };
 
 // 2^(j/16).
 alignas(64) inline constexpr float sExpSixteenths[16] = {
-    0x1p+0f,        0x1.0b5586p+0f, 0x1.172b84p+0f, 0x1.2387a6p+0f, 0x1.306fep+0f,  0x1.3dea64p+0f,
-    0x1.4bfdaep+0f, 0x1.5ab07ep+0f, 0x1.6a09e6p+0f, 0x1.7a1148p+0f, 0x1.8ace54p+0f, 0x1.9c4918p+0f,
+    0x1p+0f, 0x1.0b5586p+0f, 0x1.172b84p+0f, 0x1.2387a6p+0f,
+    0x1.306fep+0f, 0x1.3dea64p+0f, 0x1.4bfdaep+0f, 0x1.5ab07ep+0f,
+    0x1.6a09e6p+0f, 0x1.7a1148p+0f, 0x1.8ace54p+0f, 0x1.9c4918p+0f,
     0x1.ae89fap+0f, 0x1.c199bep+0f, 0x1.d5818ep+0f, 0x1.ea4afap+0f,
 };
 
 // What the floats lack, in relation to the powers.
 alignas(64) inline constexpr float sExpSixteenthsRest[16] = {
-    0x0p+0f,          0x1.8d96d2p-25f,  -0x1.9c0c22p-27f, 0x1.964902p-25f,
-    0x1.125002p-25f,  0x1.370be4p-25f,  -0x1.0a3552p-25f, -0x1.00d8acp-27f,
-    0x1.26055cp-26f,  -0x1.05cb44p-25f, 0x1.67a1cap-28f,  0x1.a3b5e4p-28f,
+    0x0p+0f, 0x1.8d96d2p-25f, -0x1.9c0c22p-27f, 0x1.964902p-25f,
+    0x1.125002p-25f, 0x1.370be4p-25f, -0x1.0a3552p-25f, -0x1.00d8acp-27f,
+    0x1.26055cp-26f, -0x1.05cb44p-25f, 0x1.67a1cap-28f, 0x1.a3b5e4p-28f,
     -0x1.f9c306p-27f, -0x1.6961b4p-28f, -0x1.a5217cp-28f, 0x1.61428ep-28f,
 };
 
 // 2^(j/32).
 alignas(64) inline constexpr float sExpThirtySeconds[32] = {
-    0x1p+0f,        0x1.059b0ep+0f, 0x1.0b5586p+0f, 0x1.11301ep+0f, 0x1.172b84p+0f, 0x1.1d4874p+0f,
-    0x1.2387a6p+0f, 0x1.29e9ep+0f,  0x1.306fep+0f,  0x1.371a74p+0f, 0x1.3dea64p+0f, 0x1.44e086p+0f,
-    0x1.4bfdaep+0f, 0x1.5342b6p+0f, 0x1.5ab07ep+0f, 0x1.6247ecp+0f, 0x1.6a09e6p+0f, 0x1.71f75ep+0f,
-    0x1.7a1148p+0f, 0x1.82589ap+0f, 0x1.8ace54p+0f, 0x1.93737cp+0f, 0x1.9c4918p+0f, 0x1.a5503cp+0f,
-    0x1.ae89fap+0f, 0x1.b7f77p+0f,  0x1.c199bep+0f, 0x1.cb720ep+0f, 0x1.d5818ep+0f, 0x1.dfc974p+0f,
-    0x1.ea4afap+0f, 0x1.f50766p+0f,
+    0x1p+0f, 0x1.059b0ep+0f, 0x1.0b5586p+0f, 0x1.11301ep+0f,
+    0x1.172b84p+0f, 0x1.1d4874p+0f, 0x1.2387a6p+0f, 0x1.29e9ep+0f,
+    0x1.306fep+0f, 0x1.371a74p+0f, 0x1.3dea64p+0f, 0x1.44e086p+0f,
+    0x1.4bfdaep+0f, 0x1.5342b6p+0f, 0x1.5ab07ep+0f, 0x1.6247ecp+0f,
+    0x1.6a09e6p+0f, 0x1.71f75ep+0f, 0x1.7a1148p+0f, 0x1.82589ap+0f,
+    0x1.8ace54p+0f, 0x1.93737cp+0f, 0x1.9c4918p+0f, 0x1.a5503cp+0f,
+    0x1.ae89fap+0f, 0x1.b7f77p+0f, 0x1.c199bep+0f, 0x1.cb720ep+0f,
+    0x1.d5818ep+0f, 0x1.dfc974p+0f, 0x1.ea4afap+0f, 0x1.f50766p+0f,
 };
 
 // What the floats lack, in relation to the powers.
 alignas(64) inline constexpr float sExpThirtySecondsRest[32] = {
-    0x0p+0f,          -0x1.947416p-25f, 0x1.8d96d2p-25f,  -0x1.dda2fep-25f, -0x1.9c0c22p-27f,
-    -0x1.a2fbb4p-25f, 0x1.964902p-25f,  -0x1.2b0dbcp-25f, 0x1.125002p-25f,  -0x1.cde8cep-26f,
-    0x1.370be4p-25f,  0x1.336de2p-30f,  -0x1.0a3552p-25f, -0x1.c541b6p-26f, -0x1.00d8acp-27f,
-    -0x1.6cb284p-25f, 0x1.26055cp-26f,  0x1.8b2bb8p-26f,  -0x1.05cb44p-25f, -0x1.1c2142p-26f,
-    0x1.67a1cap-28f,  -0x1.348e58p-25f, 0x1.a3b5e4p-28f,  -0x1.0b7ec8p-25f, -0x1.f9c306p-27f,
-    -0x1.e4c886p-26f, -0x1.6961b4p-28f, -0x1.b5151ep-28f, -0x1.a5217cp-28f, -0x1.ab7132p-26f,
-    0x1.61428ep-28f,  -0x1.2ad5f8p-27f,
+    0x0p+0f, -0x1.947416p-25f, 0x1.8d96d2p-25f, -0x1.dda2fep-25f,
+    -0x1.9c0c22p-27f, -0x1.a2fbb4p-25f, 0x1.964902p-25f, -0x1.2b0dbcp-25f,
+    0x1.125002p-25f, -0x1.cde8cep-26f, 0x1.370be4p-25f, 0x1.336de2p-30f,
+    -0x1.0a3552p-25f, -0x1.c541b6p-26f, -0x1.00d8acp-27f, -0x1.6cb284p-25f,
+    0x1.26055cp-26f, 0x1.8b2bb8p-26f, -0x1.05cb44p-25f, -0x1.1c2142p-26f,
+    0x1.67a1cap-28f, -0x1.348e58p-25f, 0x1.a3b5e4p-28f, -0x1.0b7ec8p-25f,
+    -0x1.f9c306p-27f, -0x1.e4c886p-26f, -0x1.6961b4p-28f, -0x1.b5151ep-28f,
+    -0x1.a5217cp-28f, -0x1.ab7132p-26f, 0x1.61428ep-28f, -0x1.2ad5f8p-27f,
 };
 
 // Bits of 2^(j/16) in double precision less j << 48: adding k << 48 gives those of 2^(k/16).

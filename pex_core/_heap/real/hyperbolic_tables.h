@@ -9,8 +9,8 @@ namespace pex {
 
 // How far the points x[j] are from j ln2/8: multiples of 2^-50.
 alignas(64) inline constexpr double dHyperbolicOffset[8] = {
-    0x0p+0,          0x1.3543e4p-28, -0x1.82a7bcp-28, -0x1.01fa1ep-27,
-    -0x1.91cb26p-27, 0x1.53616cp-27, 0x1.fff23ep-27,  0x1.98feep-30,
+    0x0p+0, 0x1.3543e4p-28, -0x1.82a7bcp-28, -0x1.01fa1ep-27,
+    -0x1.91cb26p-27, 0x1.53616cp-27, 0x1.fff23ep-27, 0x1.98feep-30,
 };
 
 // Bits of e^x[j]/2 less j << 49: adding k << 49, k = 8 n + j, gives those of
@@ -39,8 +39,8 @@ alignas(64) inline constexpr int64_t dHyperbolicPlainDecay[8] = {
 // Half of how far other points y[j] are from j ln2/8, at most 2^-35.0: those where e^y[j]/2
 // ends in a zero bit.
 alignas(64) inline constexpr double dHyperbolicTangentHalfOffset[8] = {
-    0x0p+0,       -0x1.efb4p-36, 0x1.bc8p-42,  -0x1.dep-42,
-    -0x1.91cp-41, -0x1.38p-42,   -0x1.494p-40, -0x1.3438p-36,
+    0x0p+0, -0x1.efb4p-36, 0x1.bc8p-42, -0x1.dep-42,
+    -0x1.91cp-41, -0x1.38p-42, -0x1.494p-40, -0x1.3438p-36,
 };
 
 // Bits of e^y[j]/2 less j << 49. Relative distance at most 2^-64.13.
@@ -51,32 +51,41 @@ alignas(64) inline constexpr int64_t dHyperbolicTangentGrow[8] = {
 
 // How far the points x[j] are from j ln2/8, twice: multiples of 2^-28.
 alignas(64) inline constexpr float sHyperbolicOffset[16] = {
-    0x0p+0f,       -0x1.3b4p-16f, 0x1.a0fap-13f, 0x1.03b8p-13f, -0x1.805p-12f, -0x1.fadp-13f,
-    0x1.066dp-12f, 0x1.7abp-14f,  0x0p+0f,       -0x1.3b4p-16f, 0x1.a0fap-13f, 0x1.03b8p-13f,
+    0x0p+0f, -0x1.3b4p-16f, 0x1.a0fap-13f, 0x1.03b8p-13f,
+    -0x1.805p-12f, -0x1.fadp-13f, 0x1.066dp-12f, 0x1.7abp-14f,
+    0x0p+0f, -0x1.3b4p-16f, 0x1.a0fap-13f, 0x1.03b8p-13f,
     -0x1.805p-12f, -0x1.fadp-13f, 0x1.066dp-12f, 0x1.7abp-14f,
 };
 
 // Bits of e^x[j]/2 less j << 20, twice: adding k << 20, k = 8 n + j, gives those of
 // 2^n e^x[j]/2. Relative distance from the exponential, here and below, at most 2^-32.41.
 alignas(64) inline constexpr int32_t sHyperbolicGrow[16] = {
-    0x3F000000, 0x3EFB9516, 0x3EF83FB0, 0x3EF6041A, 0x3EF4F3F8, 0x3EF55AF4, 0x3EF752C8, 0x3EFAC634,
-    0x3F000000, 0x3EFB9516, 0x3EF83FB0, 0x3EF6041A, 0x3EF4F3F8, 0x3EF55AF4, 0x3EF752C8, 0x3EFAC634,
+    0x3F000000, 0x3EFB9516, 0x3EF83FB0, 0x3EF6041A,
+    0x3EF4F3F8, 0x3EF55AF4, 0x3EF752C8, 0x3EFAC634,
+    0x3F000000, 0x3EFB9516, 0x3EF83FB0, 0x3EF6041A,
+    0x3EF4F3F8, 0x3EF55AF4, 0x3EF752C8, 0x3EFAC634,
 };
 
 // Bits of e^-x[j]/2 plus j << 20, twice, from which k << 20 is to be subtracted.
 alignas(64) inline constexpr int32_t sHyperbolicDecay[16] = {
-    0x3F000000, 0x3EFAC1E8, 0x3EF73A08, 0x3EF560E8, 0x3EF515F0, 0x3EF6091C, 0x3EF82E30, 0x3EFB9288,
-    0x3F000000, 0x3EFAC1E8, 0x3EF73A08, 0x3EF560E8, 0x3EF515F0, 0x3EF6091C, 0x3EF82E30, 0x3EFB9288,
+    0x3F000000, 0x3EFAC1E8, 0x3EF73A08, 0x3EF560E8,
+    0x3EF515F0, 0x3EF6091C, 0x3EF82E30, 0x3EFB9288,
+    0x3F000000, 0x3EFAC1E8, 0x3EF73A08, 0x3EF560E8,
+    0x3EF515F0, 0x3EF6091C, 0x3EF82E30, 0x3EFB9288,
 };
 
 // The same for the eighths themselves, without the accuracy.
 alignas(64) inline constexpr int32_t sHyperbolicPlainGrow[16] = {
-    0x3F000000, 0x3EFB95C2, 0x3EF837F0, 0x3EF5FED7, 0x3EF504F3, 0x3EF5672A, 0x3EF744FD, 0x3EFAC0C7,
-    0x3F000000, 0x3EFB95C2, 0x3EF837F0, 0x3EF5FED7, 0x3EF504F3, 0x3EF5672A, 0x3EF744FD, 0x3EFAC0C7,
+    0x3F000000, 0x3EFB95C2, 0x3EF837F0, 0x3EF5FED7,
+    0x3EF504F3, 0x3EF5672A, 0x3EF744FD, 0x3EFAC0C7,
+    0x3F000000, 0x3EFB95C2, 0x3EF837F0, 0x3EF5FED7,
+    0x3EF504F3, 0x3EF5672A, 0x3EF744FD, 0x3EFAC0C7,
 };
 alignas(64) inline constexpr int32_t sHyperbolicPlainDecay[16] = {
-    0x3F000000, 0x3EFAC0C7, 0x3EF744FD, 0x3EF5672A, 0x3EF504F3, 0x3EF5FED7, 0x3EF837F0, 0x3EFB95C2,
-    0x3F000000, 0x3EFAC0C7, 0x3EF744FD, 0x3EF5672A, 0x3EF504F3, 0x3EF5FED7, 0x3EF837F0, 0x3EFB95C2,
+    0x3F000000, 0x3EFAC0C7, 0x3EF744FD, 0x3EF5672A,
+    0x3EF504F3, 0x3EF5FED7, 0x3EF837F0, 0x3EFB95C2,
+    0x3F000000, 0x3EFAC0C7, 0x3EF744FD, 0x3EF5672A,
+    0x3EF504F3, 0x3EF5FED7, 0x3EF837F0, 0x3EFB95C2,
 };
 
 }  // namespace pex

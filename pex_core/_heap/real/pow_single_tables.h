@@ -14,62 +14,56 @@ struct PowSingleTable {
 inline constexpr PowSingleTable<double> kPowWideTable = {
     {0x1.71547652b82fep0, 0x1.5b9ac9b743f0dp0, 0x1.484b13d7c02a9p0, 0x1.3703c1f4d0ffep0,
      0x1.2776c50ef9bfep0, 0x1.1964ec6fc9491p0, 0x1.0c9a84994022dp0, 0x1.00ecd7e080215p0,
-     0x1.ec709dc3a03fdp-1, 0, 0, 0, 0x1.ec709dc3a03fdp0, 0x1.c68f568d3176p0, 0x1.a61762a7aded9p0,
-     0x1.89f3b1694cffep0},
-    {0.0, 0x1.663f6fac91316p-4, 0x1.5c01a39fbd688p-3, 0x1.fbc16b902680ap-3, 0x1.49a784bcd1b8bp-2,
-     0x1.91bba891f1709p-2, 0x1.d6753e032ea0fp-2, 0x1.0c10500d63aa6p-1, 0x1.2b803473f7ad1p-1, 0, 0,
-     0, -0x1.a8ff971810a5ep-2, -0x1.32bfee370ee68p-2, -0x1.8a8980abfbd32p-3, -0x1.7d60496cfbb4cp-4},
+     0x1.ec709dc3a03fdp-1, 0, 0, 0,
+     0x1.ec709dc3a03fdp0, 0x1.c68f568d3176p0, 0x1.a61762a7aded9p0, 0x1.89f3b1694cffep0},
+    {0.0, 0x1.663f6fac91316p-4, 0x1.5c01a39fbd688p-3, 0x1.fbc16b902680ap-3,
+     0x1.49a784bcd1b8bp-2, 0x1.91bba891f1709p-2, 0x1.d6753e032ea0fp-2, 0x1.0c10500d63aa6p-1,
+     0x1.2b803473f7ad1p-1, 0, 0, 0,
+     -0x1.a8ff971810a5ep-2, -0x1.32bfee370ee68p-2, -0x1.8a8980abfbd32p-3, -0x1.7d60496cfbb4cp-4},
 };
 
 inline constexpr PowSingleTable<float> kPowSingleTable = {
-    {0x1.715476p0f, 0x1.5b9acap0f, 0x1.484b14p0f, 0x1.3703c2p0f, 0x1.2776c6p0f, 0x1.1964ecp0f,
-     0x1.0c9a84p0f, 0x1.00ecd8p0f, 0x1.ec709ep-1f, 0, 0, 0, 0x1.ec709ep0f, 0x1.c68f56p0f,
-     0x1.a61762p0f, 0x1.89f3b2p0f},
-    {0.0f, 0x1.663f7p-4f, 0x1.5c01a4p-3f, 0x1.fbc16cp-3f, 0x1.49a784p-2f, 0x1.91bba8p-2f,
-     0x1.d6753ep-2f, 0x1.0c105p-1f, 0x1.2b8034p-1f, 0, 0, 0, -0x1.a8ff98p-2f, -0x1.32bfeep-2f,
-     -0x1.8a898p-3f, -0x1.7d604ap-4f},
+    {0x1.715476p0f, 0x1.5b9acap0f, 0x1.484b14p0f, 0x1.3703c2p0f,
+     0x1.2776c6p0f, 0x1.1964ecp0f, 0x1.0c9a84p0f, 0x1.00ecd8p0f,
+     0x1.ec709ep-1f, 0, 0, 0,
+     0x1.ec709ep0f, 0x1.c68f56p0f, 0x1.a61762p0f, 0x1.89f3b2p0f},
+    {0.0f, 0x1.663f7p-4f, 0x1.5c01a4p-3f, 0x1.fbc16cp-3f,
+     0x1.49a784p-2f, 0x1.91bba8p-2f, 0x1.d6753ep-2f, 0x1.0c105p-1f,
+     0x1.2b8034p-1f, 0, 0, 0,
+     -0x1.a8ff98p-2f, -0x1.32bfeep-2f, -0x1.8a898p-3f, -0x1.7d604ap-4f},
 };
 
 // log2(1 + x ln2) = x (1 + c[0] x + ...), |x| <= 6.011962890625e-2; error 2^-41.0625 x.
-inline constexpr double kPowLog2HA[] = {-0x1.62e42ff07afc9p-2, 0x1.47fd3ffdce751p-3,
-                                        -0x1.55044cb6688f8p-4, 0x1.7a3303063f4d5p-5,
-                                        -0x1.b5e8c8b4d4454p-6, 0x1.045ab411b0d23p-6};
+inline constexpr double kPowLog2HA[] = {
+    -0x1.62e42ff07afc9p-2, 0x1.47fd3ffdce751p-3, -0x1.55044cb6688f8p-4, 0x1.7a3303063f4d5p-5,
+    -0x1.b5e8c8b4d4454p-6, 0x1.045ab411b0d23p-6};
 
-// log2(1 + x ln2) = x (1 - x ln2/2 + c[0] x^2 + ...), |x| <= 6.3873291015625e-2; error 2^-34.3125
-// x.
-inline constexpr float kPowLog2LA[] = {0x1.47fd3p-3f, -0x1.55044cp-4f, 0x1.7af35ep-5f,
-                                       -0x1.b60156p-6f};
+// log2(1 + x ln2) = x (1 - x ln2/2 + c[0] x^2 + ...), |x| <= 6.3873291015625e-2; error 2^-34.3125 x.
+inline constexpr float kPowLog2LA[] = {
+    0x1.47fd3p-3f, -0x1.55044cp-4f, 0x1.7af35ep-5f, -0x1.b60156p-6f};
 
 // log2(1 + x ln2) = x (1 + c[0] x + ...), |x| <= 6.011962890625e-2; error 2^-23.1875 x.
-inline constexpr float kPowLog2EP[] = {-0x1.62e426p-2f, 0x1.4845cap-3f, -0x1.5594c4p-4f};
+inline constexpr float kPowLog2EP[] = {
+    -0x1.62e426p-2f, 0x1.4845cap-3f, -0x1.5594c4p-4f};
 
 // 2^x = 1 + x (c[0] + c[1] x ...), |x| <= 1/32; error 2^-38.5.
-inline constexpr double kPowExp2HA[] = {0x1.62e42fec3ad7ap-1, 0x1.ebfbdff4dea26p-3,
-                                        0x1.c6b3f6f66de17p-5, 0x1.3b2ccd730c081p-7};
+inline constexpr double kPowExp2HA[] = {
+    0x1.62e42fec3ad7ap-1, 0x1.ebfbdff4dea26p-3, 0x1.c6b3f6f66de17p-5, 0x1.3b2ccd730c081p-7};
 
 // 2^x = 1 + x (c[0] + c[1] x ...), |x| <= 1/32; error 2^-29.21875.
-inline constexpr float kPowExp2LA[] = {0x1.62e43p-1f, 0x1.ebfff4p-3f, 0x1.c6ae1cp-5f};
+inline constexpr float kPowExp2LA[] = {
+    0x1.62e43p-1f, 0x1.ebfff4p-3f, 0x1.c6ae1cp-5f};
 
 // 2^x = 1 + x (c[0] + c[1] x ...), |x| <= 1/32; error 2^-21.15625.
-inline constexpr float kPowExp2EP[] = {0x1.62e982p-1f, 0x1.ec00ccp-3f};
+inline constexpr float kPowExp2EP[] = {
+    0x1.62e982p-1f, 0x1.ec00ccp-3f};
 
 // 2^(j/16) is 1 + this times the float next to it.
-alignas(64) inline constexpr float kPowSixteenthRest[] = {0.0f,
-                                                          0x1.8d96d4p-25f,
-                                                          -0x1.9c0c22p-27f,
-                                                          0x1.964904p-25f,
-                                                          0x1.125002p-25f,
-                                                          0x1.370be4p-25f,
-                                                          -0x1.0a355p-25f,
-                                                          -0x1.00d8acp-27f,
-                                                          0x1.26055cp-26f,
-                                                          -0x1.05cb44p-25f,
-                                                          0x1.67a1cap-28f,
-                                                          0x1.a3b5e4p-28f,
-                                                          -0x1.f9c304p-27f,
-                                                          -0x1.6961b4p-28f,
-                                                          -0x1.a5217cp-28f,
-                                                          0x1.61428ep-28f};
+alignas(64) inline constexpr float kPowSixteenthRest[] = {
+    0.0f, 0x1.8d96d4p-25f, -0x1.9c0c22p-27f, 0x1.964904p-25f,
+    0x1.125002p-25f, 0x1.370be4p-25f, -0x1.0a355p-25f, -0x1.00d8acp-27f,
+    0x1.26055cp-26f, -0x1.05cb44p-25f, 0x1.67a1cap-28f, 0x1.a3b5e4p-28f,
+    -0x1.f9c304p-27f, -0x1.6961b4p-28f, -0x1.a5217cp-28f, 0x1.61428ep-28f};
 
 }  // namespace pex
 

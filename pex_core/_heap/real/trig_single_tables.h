@@ -12,23 +12,24 @@ namespace pex {
 
 // Multiples of 2^-5.
 alignas(64) inline constexpr double kInversePiHigh[16] = {
-    0x1.4p-2,        0x1.46p+6,       0x1.45f3p+14,    0x1.45f306ep+22,
+    0x1.4p-2, 0x1.46p+6, 0x1.45f3p+14, 0x1.45f306ep+22,
     0x1.f306dcap+22, 0x1.836e4e4p+23, 0x1.6e4e441p+23, 0x1.391054cp+21,
-    0x1.1054a8p+21,  0x1.529fc2p+19,  0x1.29fc275p+23, 0x1.fc2757dp+23,
+    0x1.1054a8p+21, 0x1.529fc2p+19, 0x1.29fc275p+23, 0x1.fc2757dp+23,
     0x1.3abe8f8p+20, 0x1.57d1f53p+23, 0x1.d1f534ep+23, 0x1.f534ddcp+23};
 
 // Multiples of 2^-34.
 alignas(64) inline constexpr double kInversePiMiddle[16] = {
-    0x1.7cc1b74p-8, -0x1.9f246c6p-7, 0x1.b72722p-8,   -0x1.b1bbebp-9, -0x1.bbead6p-9, 0x1.054a7fp-7,
-    0x1.4a7f09ep-7, -0x1.80f62ap-7,  -0x1.ec5417p-8,  0x1.d5f47d4p-7, 0x1.f47d4d4p-7, 0x1.f534dep-9,
-    0x1.4d37704p-7, 0x1.377036ep-7,  -0x1.1f924ecp-8, 0x1.b6c52bp-10};
+    0x1.7cc1b74p-8, -0x1.9f246c6p-7, 0x1.b72722p-8, -0x1.b1bbebp-9,
+    -0x1.bbead6p-9, 0x1.054a7fp-7, 0x1.4a7f09ep-7, -0x1.80f62ap-7,
+    -0x1.ec5417p-8, 0x1.d5f47d4p-7, 0x1.f47d4d4p-7, 0x1.f534dep-9,
+    0x1.4d37704p-7, 0x1.377036ep-7, -0x1.1f924ecp-8, 0x1.b6c52bp-10};
 
 // What is left, rounded.
 alignas(64) inline constexpr double kInversePiLow[16] = {
-    -0x1.8ddf56b01ec54p-36, -0x1.df56b01ec5417p-36, 0x1.529fc2757d1f5p-37,  0x1.4fe13abe8fa9ap-36,
-    -0x1.ec54170565912p-40, 0x1.3abe8fa9a6eep-36,   -0x1.4170565911f92p-36, -0x1.70565911f924fp-36,
-    -0x1.596447e493ad5p-38, 0x1.a6ee06db14acdp-36,  -0x1.11f924eb53362p-36, -0x1.f924eb53361dep-36,
-    -0x1.24eb53361de38p-36, -0x1.d6a66c3bc6fbep-37, 0x1.5993c439041fep-37,  0x1.93c439041fe51p-37};
+    -0x1.8ddf56b01ec54p-36, -0x1.df56b01ec5417p-36, 0x1.529fc2757d1f5p-37, 0x1.4fe13abe8fa9ap-36,
+    -0x1.ec54170565912p-40, 0x1.3abe8fa9a6eep-36, -0x1.4170565911f92p-36, -0x1.70565911f924fp-36,
+    -0x1.596447e493ad5p-38, 0x1.a6ee06db14acdp-36, -0x1.11f924eb53362p-36, -0x1.f924eb53361dep-36,
+    -0x1.24eb53361de38p-36, -0x1.d6a66c3bc6fbep-37, 0x1.5993c439041fep-37, 0x1.93c439041fe51p-37};
 
 // The same by rows.
 alignas(64) inline constexpr double kInversePiRows[16][4] = {
@@ -50,75 +51,28 @@ alignas(64) inline constexpr double kInversePiRows[16][4] = {
     {0x1.f534ddcp+23, 0x1.b6c52bp-10, 0x1.93c439041fe51p-37}};
 
 // 384 bits of 2/pi, highest first.
-inline constexpr uint64_t sTwoOverPi[6] = {0xA2F9836E4E441529, 0xFC2757D1F534DDC0,
-                                           0xDB6295993C439041, 0xFE5163ABDEBBC561,
-                                           0xB7246E3A424DD2E0, 0x06492EEA09D1921C};
+inline constexpr uint64_t sTwoOverPi[6] = {
+    0xA2F9836E4E441529, 0xFC2757D1F534DDC0, 0xDB6295993C439041,
+    0xFE5163ABDEBBC561, 0xB7246E3A424DD2E0, 0x06492EEA09D1921C};
 
 // sin(j pi/32).
-inline constexpr double kSineOf32nds[64] = {0x0p+0,
-                                            0x1.917a6bc29b42cp-4,
-                                            0x1.8f8b83c69a60bp-3,
-                                            0x1.294062ed59f06p-2,
-                                            0x1.87de2a6aea963p-2,
-                                            0x1.e2b5d3806f63bp-2,
-                                            0x1.1c73b39ae68c8p-1,
-                                            0x1.44cf325091dd6p-1,
-                                            0x1.6a09e667f3bcdp-1,
-                                            0x1.8bc806b151741p-1,
-                                            0x1.a9b66290ea1a3p-1,
-                                            0x1.c38b2f180bdb1p-1,
-                                            0x1.d906bcf328d46p-1,
-                                            0x1.e9f4156c62ddap-1,
-                                            0x1.f6297cff75cbp-1,
-                                            0x1.fd88da3d12526p-1,
-                                            0x1p+0,
-                                            0x1.fd88da3d12526p-1,
-                                            0x1.f6297cff75cbp-1,
-                                            0x1.e9f4156c62ddap-1,
-                                            0x1.d906bcf328d46p-1,
-                                            0x1.c38b2f180bdb1p-1,
-                                            0x1.a9b66290ea1a3p-1,
-                                            0x1.8bc806b151741p-1,
-                                            0x1.6a09e667f3bcdp-1,
-                                            0x1.44cf325091dd6p-1,
-                                            0x1.1c73b39ae68c8p-1,
-                                            0x1.e2b5d3806f63bp-2,
-                                            0x1.87de2a6aea963p-2,
-                                            0x1.294062ed59f06p-2,
-                                            0x1.8f8b83c69a60bp-3,
-                                            0x1.917a6bc29b42cp-4,
-                                            0x0p+0,
-                                            -0x1.917a6bc29b42cp-4,
-                                            -0x1.8f8b83c69a60bp-3,
-                                            -0x1.294062ed59f06p-2,
-                                            -0x1.87de2a6aea963p-2,
-                                            -0x1.e2b5d3806f63bp-2,
-                                            -0x1.1c73b39ae68c8p-1,
-                                            -0x1.44cf325091dd6p-1,
-                                            -0x1.6a09e667f3bcdp-1,
-                                            -0x1.8bc806b151741p-1,
-                                            -0x1.a9b66290ea1a3p-1,
-                                            -0x1.c38b2f180bdb1p-1,
-                                            -0x1.d906bcf328d46p-1,
-                                            -0x1.e9f4156c62ddap-1,
-                                            -0x1.f6297cff75cbp-1,
-                                            -0x1.fd88da3d12526p-1,
-                                            -0x1p+0,
-                                            -0x1.fd88da3d12526p-1,
-                                            -0x1.f6297cff75cbp-1,
-                                            -0x1.e9f4156c62ddap-1,
-                                            -0x1.d906bcf328d46p-1,
-                                            -0x1.c38b2f180bdb1p-1,
-                                            -0x1.a9b66290ea1a3p-1,
-                                            -0x1.8bc806b151741p-1,
-                                            -0x1.6a09e667f3bcdp-1,
-                                            -0x1.44cf325091dd6p-1,
-                                            -0x1.1c73b39ae68c8p-1,
-                                            -0x1.e2b5d3806f63bp-2,
-                                            -0x1.87de2a6aea963p-2,
-                                            -0x1.294062ed59f06p-2,
-                                            -0x1.8f8b83c69a60bp-3,
-                                            -0x1.917a6bc29b42cp-4};
+inline constexpr double kSineOf32nds[64] = {
+    0x0p+0, 0x1.917a6bc29b42cp-4, 0x1.8f8b83c69a60bp-3, 0x1.294062ed59f06p-2,
+    0x1.87de2a6aea963p-2, 0x1.e2b5d3806f63bp-2, 0x1.1c73b39ae68c8p-1, 0x1.44cf325091dd6p-1,
+    0x1.6a09e667f3bcdp-1, 0x1.8bc806b151741p-1, 0x1.a9b66290ea1a3p-1, 0x1.c38b2f180bdb1p-1,
+    0x1.d906bcf328d46p-1, 0x1.e9f4156c62ddap-1, 0x1.f6297cff75cbp-1, 0x1.fd88da3d12526p-1,
+    0x1p+0, 0x1.fd88da3d12526p-1, 0x1.f6297cff75cbp-1, 0x1.e9f4156c62ddap-1,
+    0x1.d906bcf328d46p-1, 0x1.c38b2f180bdb1p-1, 0x1.a9b66290ea1a3p-1, 0x1.8bc806b151741p-1,
+    0x1.6a09e667f3bcdp-1, 0x1.44cf325091dd6p-1, 0x1.1c73b39ae68c8p-1, 0x1.e2b5d3806f63bp-2,
+    0x1.87de2a6aea963p-2, 0x1.294062ed59f06p-2, 0x1.8f8b83c69a60bp-3, 0x1.917a6bc29b42cp-4,
+    0x0p+0, -0x1.917a6bc29b42cp-4, -0x1.8f8b83c69a60bp-3, -0x1.294062ed59f06p-2,
+    -0x1.87de2a6aea963p-2, -0x1.e2b5d3806f63bp-2, -0x1.1c73b39ae68c8p-1, -0x1.44cf325091dd6p-1,
+    -0x1.6a09e667f3bcdp-1, -0x1.8bc806b151741p-1, -0x1.a9b66290ea1a3p-1, -0x1.c38b2f180bdb1p-1,
+    -0x1.d906bcf328d46p-1, -0x1.e9f4156c62ddap-1, -0x1.f6297cff75cbp-1, -0x1.fd88da3d12526p-1,
+    -0x1p+0, -0x1.fd88da3d12526p-1, -0x1.f6297cff75cbp-1, -0x1.e9f4156c62ddap-1,
+    -0x1.d906bcf328d46p-1, -0x1.c38b2f180bdb1p-1, -0x1.a9b66290ea1a3p-1, -0x1.8bc806b151741p-1,
+    -0x1.6a09e667f3bcdp-1, -0x1.44cf325091dd6p-1, -0x1.1c73b39ae68c8p-1, -0x1.e2b5d3806f63bp-2,
+    -0x1.87de2a6aea963p-2, -0x1.294062ed59f06p-2, -0x1.8f8b83c69a60bp-3, -0x1.917a6bc29b42cp-4};
 
 }  // namespace pex
 
