@@ -45,7 +45,7 @@ inline constexpr AsinFullTerms kAsinFull = [] {
   return terms;
 }();
 
-// What both functions are made of (Asin 0.5462 ulp seen, Acos 0.5391), in two parts; lead is -|x|
+// What both functions are made of (Asin 0.5466 ulp seen, Acos 0.5349), in two parts; lead is -|x|
 // for the smaller ones.
 template <AsinDomain kDomain, class D>
 struct FullAsinSum {
@@ -112,12 +112,12 @@ struct FullAsinSum {
     EndPart(end);
     q = end[0];
   }
-  // What the root lacks, with the sign of l = +-lead; 0 where there is none. Half the inverse of l
-  // is taken from its bits, within 2 % of a share; it is made as much larger as 1 + w + ... is next
-  // to |x| = 1/2, where most depends on it.
+  // What the root lacks, with the sign of l = +-lead; 0 where there is none. By its bits near is
+  // 0.7656/l within 2 %; times kShare it stands for half of 1/l, and a part of what 1 + w + ...
+  // makes of that next to |x| = 1/2, where most depends on it.
+  template <double kShare>
   HWY_INLINE V LeadRest(V l) const {
     const D d;
-    constexpr double kShare = 0.69;
     const V near = FromBits(d, hn::Sub(SetBits(d, 0x7FD8000000000000), Bits(d, l)));
     if constexpr (kMerged) {
       const V rest = Remainder(d, square, lead, lead);
@@ -144,7 +144,7 @@ struct FullAsinPart : FullAsinSum<kDomain, D> {
     const D d;
     const V lead = this->lead, half_pi = Whole<kPi / 2>(d), rest = Whole<kPiRest / 2>(d);
     Pair<V> s;
-    V low = this->LeadRest(lead);
+    V low = this->template LeadRest<0.694>(lead);
     if constexpr (this->kRegister) {
 #if HWY_TARGET == HWY_AVX3
       s.hi = MergedSub(lead, this->large, lead, half_pi);
@@ -174,7 +174,7 @@ struct FullAcosPart : FullAsinSum<kDomain, D> {
     const V base = SubWhere(d, this->large, half_pi, signed_half);
     const V base_rest = hn::Mul(base, Whole<kPiRest / kPi>(d));
     const V l = XorAnd(this->lead, *x, sign);
-    const V low = hn::Add(this->LeadRest(l), base_rest);
+    const V low = hn::Add(this->template LeadRest<0.684>(l), base_rest);
     *r = this->Total(FastTwoSum(base, l), l, low);
   }
 };
