@@ -16,7 +16,7 @@ namespace pex::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 // x/sqrt(2) in two parts, x >= 0. To add 2^-200 keeps the products of tiny numbers from underflow
-// and changes nothing else, here and below.
+// and changes nothing else.
 template <class D, class V>
 HWY_INLINE Pair<V> OverRootTwo(D d, V x) {
   const V safe = hn::Add(x, hn::Set(d, 0x1p-200));
