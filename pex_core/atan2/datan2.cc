@@ -47,7 +47,7 @@ struct dAtan2WideLA : dAtan2Common {
 
 struct dAtan2LA : Kernel<double>, Atan2ModestDomain {
   static constexpr int kArguments = 2;
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 8;
+  static constexpr int kUnroll = 8;
   using Wide = dAtan2WideLA;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {

@@ -133,7 +133,8 @@ struct TangentPart {
       V tan, cos2, sin_cos, infinite;
       Row(k, tan, cos2, sin_cos, infinite);
       const V below = hn::Sub(cos2, hn::Add(hn::Mul(cos2, w[k]), hn::Mul(sin_cos, y[k])));
-      const V above = SubExactProduct(infinite, w[k], hn::Add(infinite, y[k]));
+      // Next to a pole 1 + (y - w), rounded once in its last place.
+      const V above = hn::Add(infinite, SubExactProduct(infinite, w[k], y[k]));
       V quotient[1] = {hn::Div(above, below)};
       EndPart(quotient);
       r[k] = hn::Add(tan, quotient[0]);
