@@ -24,14 +24,14 @@ struct sCdfNormInFull {
     const Wide dd;
     using W = VecOf<Wide>;
     ErfcReduced<Wide> u[1];
-    Pair<W> e[1];
+    W e[1];
     // From 7 on the result is 1.
     const W wide = hn::PromoteTo(dd, x), ax = hn::Abs(hn::Min(wide, hn::Set(dd, 7.0)));
     const Pair<W> p = OverRootTwo(dd, ax);
     const W z[1] = {p.hi}, rest[1] = {p.lo};
-    ErfcReduce<ErfcTier::kLA, true>(dd, z, rest, u);
-    ErfcScaled<ErfcTier::kLA>(dd, u, e);
-    const W y = ErfcOrRest<ErfcTier::kLA, false>(dd, wide, e[0], 2.0);
+    ErfcReduce<true>(dd, z, rest, u);
+    ErfcScaled(dd, u, e);
+    const W y = ErfcOrRest<false>(dd, wide, e[0], 2.0);
     // An ulp away from 1/2, for next to 0 the result lies that close to the middle of two floats.
     const W scale = hn::IfNegativeThenElse(wide, hn::Set(dd, 0x1.fffffffffffffp-302),
                                            hn::Set(dd, 0x1.0000000000001p-301));

@@ -20,21 +20,19 @@ struct sErfcInFull {
   // The result times 2^300.
   template <class D, class V, class W, size_t K>
   static HWY_INLINE void Scaled(D, const V (&x)[K], W (&y)[K]) {
-    constexpr ErfcTier kTier = ErfcTier::kLA;
     using Wide = hn::Rebind<double, D>;
     const Wide dd;
     ErfcReduced<Wide> u[K];
-    W wide[K], z[K];
-    Pair<W> e[K];
+    W wide[K], z[K], e[K];
     for (size_t k = 0; k < K; ++k) {
       // From -5 down the result is 2.
       wide[k] = hn::PromoteTo(dd, x[k]);
       const W ax = hn::Abs(hn::Max(wide[k], hn::Set(dd, -5.0)));
       z[k] = hn::Add(ax, hn::Set(dd, 0x1p-200));
     }
-    ErfcReduce<kTier, false>(dd, z, z, u);
-    ErfcScaled<kTier>(dd, u, e);
-    for (size_t k = 0; k < K; ++k) y[k] = ErfcOrRest<kTier, true>(dd, wide[k], e[k], 2.0);
+    ErfcReduce<false>(dd, z, z, u);
+    ErfcScaled(dd, u, e);
+    for (size_t k = 0; k < K; ++k) y[k] = ErfcOrRest<true>(dd, wide[k], e[k], 2.0);
   }
 
   // By 2^-300 less 2^-52 of it: -0x1.d93ec4p-17 has its result so close to the middle of two floats

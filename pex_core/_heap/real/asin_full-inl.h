@@ -145,7 +145,7 @@ struct FullAsinPart : FullAsinSum<kDomain, D> {
     const V lead = this->lead, half_pi = Whole<kPi / 2>(d), rest = Whole<kPiRest / 2>(d);
     Pair<V> s;
     V low = this->template LeadRest<0.694>(lead);
-    if constexpr (this->kRegister) {
+    if constexpr (FullAsinSum<kDomain, D>::kRegister) {
 #if HWY_TARGET == HWY_AVX3
       s.hi = MergedSub(lead, this->large, lead, half_pi);
       s.lo = hn::Sub(lead, MergedAdd(s.hi, this->large, s.hi, half_pi));

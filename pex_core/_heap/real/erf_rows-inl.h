@@ -188,26 +188,6 @@ HWY_INLINE Row4<VecOf<D>> LoadRows4(D, const double* rows, const RowOffsets<32, 
 #endif
 }
 
-// The words of a table beside one of rows of two numbers.
-template <class D>
-HWY_INLINE BitsOf<D> LoadWords(D, const uint64_t* words, const RowOffsets<16, D>& j) {
-  const auto word = [&](size_t lane) HWY_ATTR {
-    return reinterpret_cast<const double*>(reinterpret_cast<const char*>(words) + j.Byte(lane) / 2);
-  };
-  const auto two = [&](size_t lane)
-                       HWY_ATTR { return _mm_loadh_pd(_mm_load_sd(word(lane)), word(lane + 1)); };
-#if HWY_TARGET == HWY_AVX3
-  const __m256d low = _mm256_insertf128_pd(_mm256_castpd128_pd256(two(0)), two(2), 1);
-  const __m256d high = _mm256_insertf128_pd(_mm256_castpd128_pd256(two(4)), two(6), 1);
-  return BitsOf<D>{_mm512_castpd_si512(_mm512_insertf64x4(_mm512_castpd256_pd512(low), high, 1))};
-#elif HWY_TARGET == HWY_AVX2
-  const __m256d all = _mm256_insertf128_pd(_mm256_castpd128_pd256(two(0)), two(2), 1);
-  return BitsOf<D>{_mm256_castpd_si256(all)};
-#else
-  return BitsOf<D>{_mm_castpd_si128(two(0))};
-#endif
-}
-
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 

@@ -26,62 +26,40 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// How far a computation goes: here LA and HA; kShort's results are within 2^-40, in the range of
-// single precision.
-enum class ErfcTier { kEP, kShort, kLA, kHA };
+// How far a computation goes; kShort's results are within 2^-40, in the range of single precision.
+enum class ErfcTier { kEP, kShort, kLA };
 
 template <class D>
 struct ErfcReduced {
   VecOf<D> value, slope, d, w, v;
-  VecOf<D> value_rest, slope_rest, w_rest;  // HA
 };
 
 // For z from 2^-200 to 27.25: to add 2^-200 keeps the products of tiny numbers from underflow and
-// changes nothing else. kSum: the argument is z + rest, not for HA.
-template <ErfcTier kTier, bool kSum, class D, class V, size_t K>
+// changes nothing else. kSum: the argument is z + rest.
+template <bool kSum, class D, class V, size_t K>
 HWY_INLINE void ErfcReduce(D d, const V (&z)[K], const V (&rest)[K], ErfcReduced<D> (&u)[K]) {
-  static_assert(!(kSum && kTier == ErfcTier::kHA));
-  constexpr size_t kRow = sizeof(ErfcRow);
-  using Offsets = RowOffsets<kRow, D>;
   V c[K];
-  Offsets at[K];
+  RowOffsets<sizeof(ErfcRow), D> at[K];
   for (size_t k = 0; k < K; ++k) {
     const V shifter = hn::Set(d, 0x1.8p45);  // the sum ends in the number of 128ths
     const V sum = hn::Add(z[k], shifter);
-    if constexpr (kTier == ErfcTier::kHA && HWY_TARGET != HWY_AVX3) {
-      at[k] = Offsets(d, Bits(d, sum));  // the copies take less time here than waiting for stores
-    } else {
-      at[k].Set(d, Bits(d, sum));
-    }
+    at[k].Set(d, Bits(d, sum));
     c[k] = hn::Sub(sum, shifter);
   }
   for (size_t k = 0; k < K; ++k) {
     const auto row = LoadRows2(d, &kErfcRows[0].value, at[k]);
     u[k].value = row.a;
     u[k].slope = row.b;
-    if constexpr (kTier == ErfcTier::kHA) {
-      const auto word = LoadWords(d, kErfcRests, at[k]);
-      u[k].value_rest = FromBits(d, word);  // bits of the other below the upper half: no matter
-      u[k].slope_rest = FromBits(d, hn::ShiftLeft<32>(word));
-    }
   }
   for (size_t k = 0; k < K; ++k) {
     const V exact = hn::Sub(z[k], c[k]);
     u[k].d = kSum ? hn::Add(exact, rest[k]) : exact;
-    if constexpr (kTier == ErfcTier::kHA) {
-      const Pair<V> sum = FastTwoSum(hn::Add(c[k], c[k]), u[k].d);
-      const Pair<V> w = TwoProduct(d, u[k].d, sum.hi);
-      u[k].w = w.hi;
-      u[k].w_rest = hn::Add(w.lo, hn::Mul(u[k].d, sum.lo));
-    } else {
-      u[k].w = hn::Mul(u[k].d, hn::Add(z[k], c[k]));
-    }
+    u[k].w = hn::Mul(u[k].d, hn::Add(z[k], c[k]));
     u[k].v = hn::Mul(u[k].d, u[k].d);
   }
 }
 
-// T - 1 in HA, T otherwise.
-template <ErfcTier kTier, class D, class V, size_t K>
+template <class D, class V, size_t K>
 HWY_INLINE void ErfcMean(D d, const ErfcReduced<D> (&u)[K], V (&t)[K]) {
   V w[K], w2[K], r[K];
   for (size_t k = 0; k < K; ++k) {
@@ -90,61 +68,30 @@ HWY_INLINE void ErfcMean(D d, const ErfcReduced<D> (&u)[K], V (&t)[K]) {
   }
   for (size_t k = 0; k < K; ++k) {
     const V high = hn::Add(hn::Mul(w2[k], hn::Set(d, -1.0 / 2520)), hn::Set(d, 1.0 / 60));
-    const V low =
-        kTier == ErfcTier::kHA ? Horner(d, w2[k], kErfcRatioHA) : Horner(d, w2[k], kErfcRatio);
-    r[k] = hn::Mul(hn::Add(hn::Mul(high, u[k].v), low), u[k].v);
+    r[k] = hn::Mul(hn::Add(hn::Mul(high, u[k].v), Horner(d, w2[k], kErfcRatio)), u[k].v);
   }
-  if constexpr (kTier == ErfcTier::kHA) {
-    EvenOdd(d, w, w2, kErfcMeanHA, t);
-  } else {
-    EvenOdd(d, w, w2, kErfcMean, t);
-  }
+  EvenOdd(d, w, w2, kErfcMean, t);
   for (size_t k = 0; k < K; ++k) {
-    const V one = hn::Set(d, 1.0);
-    if constexpr (kTier == ErfcTier::kHA) {
-      const V half_w = hn::Mul(w[k], hn::Set(d, 0.5)), rest = hn::Mul(w2[k], t[k]);
-      const V mean = hn::Add(one, hn::Sub(rest, half_w));
-      const V half_rest = hn::Mul(u[k].w_rest, hn::Set(d, 0.5));
-      t[k] = hn::Sub(hn::Add(rest, hn::Sub(hn::Mul(mean, r[k]), half_rest)), half_w);
-    } else {
-      const V mean = hn::Add(one, hn::Mul(w[k], t[k]));
-      t[k] = hn::Add(mean, hn::Mul(mean, r[k]));
-    }
+    const V mean = hn::Add(hn::Set(d, 1.0), hn::Mul(w[k], t[k]));
+    t[k] = hn::Add(mean, hn::Mul(mean, r[k]));
   }
 }
 
-// erfc(z) 2^300. The rest is HA's.
-template <ErfcTier kTier, class D, class V, size_t K>
-HWY_INLINE void ErfcScaled(D d, const ErfcReduced<D> (&u)[K], Pair<V> (&e)[K]) {
+// erfc(z) 2^300.
+template <class D, class V, size_t K>
+HWY_INLINE void ErfcScaled(D d, const ErfcReduced<D> (&u)[K], V (&e)[K]) {
   V t[K];
-  ErfcMean<kTier>(d, u, t);
+  ErfcMean(d, u, t);
   for (size_t k = 0; k < K; ++k) {
-    if constexpr (kTier == ErfcTier::kHA) {
-      Pair<V> p = TwoProduct(d, u[k].slope, u[k].d);
-      p.lo = hn::Add(p.lo, hn::Mul(u[k].slope_rest, u[k].d));
-      const Pair<V> head = FastTwoSum(u[k].value, hn::Neg(p.hi));
-      const V rest = hn::Sub(hn::Sub(u[k].value_rest, p.lo), hn::Mul(p.hi, t[k]));
-      e[k] = {head.hi, hn::Add(head.lo, rest)};
-    } else {
-      e[k].hi = hn::Sub(u[k].value, hn::Mul(hn::Mul(u[k].slope, u[k].d), t[k]));
-    }
+    e[k] = hn::Sub(u[k].value, hn::Mul(hn::Mul(u[k].slope, u[k].d), t[k]));
   }
 }
 
-// Where x has its sign bit, limit 2^300 - erfc(z) 2^300, elsewhere erfc(z) 2^300, or the other way
-// round.
-template <ErfcTier kTier, bool kNegative, class D, class V>
-HWY_INLINE V ErfcOrRest(D d, V x, Pair<V> e, double limit) {
-  const V most = hn::Set(d, limit * 0x1p300);
-  V tail = e.hi, rest;
-  if constexpr (kTier == ErfcTier::kHA) {
-    tail = hn::Add(e.hi, e.lo);
-    const Pair<V> less = FastTwoSum(most, hn::Neg(e.hi));
-    rest = hn::Add(less.hi, hn::Sub(less.lo, e.lo));
-  } else {
-    rest = hn::Sub(most, e.hi);
-  }
-  return kNegative ? hn::IfNegativeThenElse(x, rest, tail) : hn::IfNegativeThenElse(x, tail, rest);
+// Where x has its sign bit, limit 2^300 - e, elsewhere e, erfc(z) 2^300, or the other way round.
+template <bool kNegative, class D, class V>
+HWY_INLINE V ErfcOrRest(D d, V x, V e, double limit) {
+  const V rest = hn::Sub(hn::Set(d, limit * 0x1p300), e);
+  return kNegative ? hn::IfNegativeThenElse(x, rest, e) : hn::IfNegativeThenElse(x, e, rest);
 }
 
 }  // namespace pex::HWY_NAMESPACE

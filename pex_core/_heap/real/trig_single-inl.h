@@ -226,8 +226,8 @@ struct Reduction {
     EndStep(n);
     for (size_t k = 0; k < K; ++k) u[k].k = Bits(d, n[k]);
     for (size_t k = 0; k < K; ++k) {
-      n[k] =
-          kTurn == Turn::kCosine ? LessShifterAndHalf(d, n[k]) : hn::Sub(n[k], hn::Set(d, kShifter));
+      n[k] = kTurn == Turn::kCosine ? LessShifterAndHalf(d, n[k])
+                                    : hn::Sub(n[k], hn::Set(d, kShifter));
     }
     EndStep(n);
     for (size_t k = 0; k < K; ++k) y[k] = Remainder(d, x[k], n[k], hn::Set(d, kPiHigh * kUnit));
