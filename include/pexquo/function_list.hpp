@@ -1057,7 +1057,7 @@ struct erfc_calls {
 }  // namespace detail
 
 /// erfc: 1 - the error function of a. Reports underflow (code 4, result subnormal or 0). Bounds in
-/// double: HA 0.55 ulp, LA 2 ulp, EP at least 26 bits; in single: HA correctly rounded, LA 2 ulp,
+/// double: HA 0.56 ulp, LA 2 ulp, EP at least 26 bits; in single: HA correctly rounded, LA 2 ulp,
 /// EP at least 11 bits.
 inline constexpr unary_function<detail::erfc_calls> erfc{};
 

@@ -370,7 +370,7 @@ PEXQUO_API int _pexsErf_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsErf_HA(int32_t n, const float* a, float* r);
 
 /* Erfc: r[i] = 1 - the error function of a. Reports underflow (code 4, result subnormal or 0).
-   Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded,
+   Bounds in double: HA 0.56 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded,
    _21 2 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdErfc_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdErfc_50(int32_t n, const double* a, double* r);
