@@ -85,52 +85,23 @@ struct sAcosForLA : sAcosCommon<kDomain> {
 };
 using sAcosLA = AsinKernel<sAcosForLA>;
 
-// In double precision, to 2^-52 or better, where no float is tiny. Correctly rounded for all
-// floats.
+// Correctly rounded for all floats.
 // The double above pi/2 instead of the one below, which is nearer: with that one 0x1.110b46p-26
 // and 0x1.04c444p-12 come out in the middle of two floats and go to the even one, the wrong one.
 template <auto& c, AsinDomain kDomain, class D, size_t kVectors>
 struct PlainAcosHA : PlainAcosTo<c, kDomain, D, kVectors, kPi / 2 + 0x1p-52> {};
 
-template <class D, class V, size_t K>
-HWY_INLINE void sAcosWide(D d, const V (&x)[K], V (&r)[K]) {
-  const hn::Rebind<double, D> wide;
-  VecOf<decltype(wide)> v[K], w[K];
-  for (size_t k = 0; k < K; ++k) v[k] = hn::PromoteTo(wide, x[k]);
-  PlainInTurn<PlainAcosHA, kAsinHA, AsinDomain::kCommon, 1>(wide, v, w);
-  for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, w[k]);
-}
-
+struct sAcosPaths {
+  template <auto& c, AsinDomain kDomain, class D, size_t kVectors>
+  using Part = PlainAcosHA<c, kDomain, D, kVectors>;
 #if HWY_TARGET == HWY_AVX3
-struct sAcosHA : Kernel<float> {
-  static constexpr int kUnroll = 2;
-  using Rarity = AboveOne<float>;
-  static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
-  template <class D, class V>
-  static HWY_INLINE V InFull(D d, V x) {
-    V in[1] = {x}, r[1];
-    sAcosWide(d, in, r);
-    return r[0];
-  }
   template <class D, class V>
   static HWY_INLINE V Short(D d, V x, BitsOf<D>& doubt) {
     return sAcosShort(d, x, doubt);
   }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    ShortGroup<sAcosHA>(d, x, r);
-  }
-};
-#else
-struct sAcosHA : LargeGroups<float, double> {
-  using Rarity = AboveOne<float>;
-  static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    sAcosWide(d, x, r);
-  }
-};
 #endif
+};
+using sAcosHA = sAsinHAKernel<sAcosPaths>;
 
 PEX_UNARY(float, sAcos_11, sAcosEP)
 PEX_UNARY(float, sAcos_21, sAcosLA)

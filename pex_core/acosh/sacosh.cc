@@ -47,38 +47,24 @@ struct sAcoshLA : sAcoshAnyLA<false> {
   using Wide = sAcoshAnyLA<true>;
 };
 
-// In double precision. Correctly rounded for all floats.
-template <class D, class V>
-HWY_INLINE V sAcoshWide(D d, V x) {
-  const hn::Rebind<double, D> wide;
-  return LogOfSumSingle<AcoshSum>(d, hn::PromoteTo(wide, x));
-}
-
-#if HWY_TARGET == HWY_SSE4
-struct sAcoshHA : sAcoshCommon<double> {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return sAcoshWide(d, x);
-  }
-};
-#else
-struct sAcoshHA : sAcoshCommon<> {
-  static constexpr int kUnroll = 2;
+// Correctly rounded for all floats.
+struct sAcoshSums {
+  // In double precision.
   template <class D, class V>
   static HWY_INLINE V InFull(D d, V x) {
-    return sAcoshWide(d, x);
+    const hn::Rebind<double, D> wide;
+    return LogOfSumSingle<AcoshSum>(d, hn::PromoteTo(wide, x));
   }
+#if HWY_TARGET != HWY_SSE4
   template <class D, class V>
   static HWY_INLINE V Short(D d, V x, BitsOf<D>& doubt) {
     const auto s = sLnOfRootShort<true>(d, x);
     return sLogRounded<sNaturalLog>(d, s, doubt);
   }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    ShortGroup<sAcoshHA>(d, x, r);
-  }
-};
 #endif
+};
+
+using sAcoshHA = ShortSumKernel<sAcoshSums, sAcoshCommon<ShortSumCompute>>;
 
 PEX_UNARY(float, sAcosh_11, sAcoshEP)
 PEX_UNARY(float, sAcosh_21, sAcoshLA)

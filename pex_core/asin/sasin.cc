@@ -49,47 +49,18 @@ struct sAsinForLA : sAsinCommon<kDomain> {
 };
 using sAsinLA = AsinKernel<sAsinForLA>;
 
-// In double precision, to 2^-52 or better, where no float is tiny. Correctly rounded for all
-// floats.
-template <class D, class V, size_t K>
-HWY_INLINE void sAsinWide(D d, const V (&x)[K], V (&r)[K]) {
-  const hn::Rebind<double, D> wide;
-  VecOf<decltype(wide)> v[K], w[K];
-  for (size_t k = 0; k < K; ++k) v[k] = hn::PromoteTo(wide, x[k]);
-  PlainInTurn<PlainAsin, kAsinHA, AsinDomain::kCommon, 1>(wide, v, w);
-  for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, w[k]);
-}
-
+// Correctly rounded for all floats.
+struct sAsinPaths {
+  template <auto& c, AsinDomain kDomain, class D, size_t kVectors>
+  using Part = PlainAsin<c, kDomain, D, kVectors>;
 #if HWY_TARGET == HWY_AVX3
-struct sAsinHA : Kernel<float> {
-  static constexpr int kUnroll = 2;
-  using Rarity = AboveOne<float>;
-  static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
-  template <class D, class V>
-  static HWY_INLINE V InFull(D d, V x) {
-    V in[1] = {x}, r[1];
-    sAsinWide(d, in, r);
-    return r[0];
-  }
   template <class D, class V>
   static HWY_INLINE V Short(D d, V x, BitsOf<D>& doubt) {
     return sAsinShort(d, x, doubt);
   }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    ShortGroup<sAsinHA>(d, x, r);
-  }
-};
-#else
-struct sAsinHA : LargeGroups<float, double> {
-  using Rarity = AboveOne<float>;
-  static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    sAsinWide(d, x, r);
-  }
-};
 #endif
+};
+using sAsinHA = sAsinHAKernel<sAsinPaths>;
 
 PEX_UNARY(float, sAsin_11, sAsinEP)
 PEX_UNARY(float, sAsin_21, sAsinLA)

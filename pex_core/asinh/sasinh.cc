@@ -54,41 +54,27 @@ struct sAsinhLA : sAsinhAnyLA<false> {
   using Wide = sAsinhAnyLA<true>;
 };
 
-// In double precision. Correctly rounded for all floats.
-template <class D, class V>
-HWY_INLINE V sAsinhWide(D d, V x) {
-  const hn::Rebind<double, D> wide;
-  const V a = MagnitudeUnlessTiny(d, x, kTiny);
-  const V y = LogOfSumSingle<AsinhSum>(d, hn::PromoteTo(wide, a));
-  return SignedUnlessTiny(d, x, y, kTiny);
-}
-
-#if HWY_TARGET == HWY_SSE4
-struct sAsinhHA : sAsinhCommon<double> {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return sAsinhWide(d, x);
-  }
-};
-#else
-struct sAsinhHA : sAsinhCommon<> {
-  static constexpr int kUnroll = 2;
+// Correctly rounded for all floats.
+struct sAsinhSums {
+  // In double precision.
   template <class D, class V>
   static HWY_INLINE V InFull(D d, V x) {
-    return sAsinhWide(d, x);
+    const hn::Rebind<double, D> wide;
+    const V a = MagnitudeUnlessTiny(d, x, kTiny);
+    const V y = LogOfSumSingle<AsinhSum>(d, hn::PromoteTo(wide, a));
+    return SignedUnlessTiny(d, x, y, kTiny);
   }
+#if HWY_TARGET != HWY_SSE4
   template <class D, class V>
   static HWY_INLINE V Short(D d, V x, BitsOf<D>& doubt) {
     const auto s = sLnOfRootShort<false>(d, MagnitudeUnlessTiny(d, x, kTiny));
     const V least = sLogRounded<sNaturalLog>(d, s, doubt);
     return SignedUnlessTiny(d, x, least, kTiny);
   }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    ShortGroup<sAsinhHA>(d, x, r);
-  }
-};
 #endif
+};
+
+using sAsinhHA = ShortSumKernel<sAsinhSums, sAsinhCommon<ShortSumCompute>>;
 
 PEX_UNARY(float, sAsinh_11, sAsinhEP)
 PEX_UNARY(float, sAsinh_21, sAsinhLA)

@@ -37,31 +37,19 @@ struct sAtanhLA : sAtanhCommon<> {
 // A tiny x is its own result.
 inline constexpr float kTiny = 0x1p-13f;
 
-// In double precision. Correctly rounded for all floats.
-template <class D, class V>
-HWY_INLINE V sAtanhWide(D d, V x) {
-  const hn::Rebind<double, D> wide;
-  const V a = MagnitudeUnlessTiny(d, x, kTiny);
-  const V y = LogOfSumSingle<AtanhSum>(d, hn::PromoteTo(wide, a));
-  return SignedUnlessTiny(d, x, y, kTiny);
-}
-
-#if HWY_TARGET == HWY_SSE4
-struct sAtanhHA : sAtanhCommon<Kernel<float, double>> {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return sAtanhWide(d, x);
-  }
-};
-#else
-// By floats: half of ln(1 + 2a/(1 - a)), the quotient with its rest by the exact remainder. Where x
-// is its own result the quotient gives way to 0.
-struct sAtanhHA : sAtanhCommon<Kernel<float>> {
-  static constexpr int kUnroll = 2;
+// Correctly rounded for all floats.
+struct sAtanhSums {
+  // In double precision.
   template <class D, class V>
   static HWY_INLINE V InFull(D d, V x) {
-    return sAtanhWide(d, x);
+    const hn::Rebind<double, D> wide;
+    const V a = MagnitudeUnlessTiny(d, x, kTiny);
+    const V y = LogOfSumSingle<AtanhSum>(d, hn::PromoteTo(wide, a));
+    return SignedUnlessTiny(d, x, y, kTiny);
   }
+#if HWY_TARGET != HWY_SSE4
+  // By floats: half of ln(1 + 2a/(1 - a)), the quotient with its rest by the exact remainder. Where
+  // x is its own result the quotient gives way to 0.
   template <class D, class V>
   static HWY_INLINE V Short(D d, V x, BitsOf<D>& doubt) {
     const V one = hn::Set(d, 1.0f), half = hn::Set(d, 0.5f);
@@ -89,12 +77,10 @@ struct sAtanhHA : sAtanhCommon<Kernel<float>> {
     return hn::Or(hn::Mul(least, half), hn::And(x, from_x));
 #endif
   }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    ShortGroup<sAtanhHA>(d, x, r);
-  }
-};
 #endif
+};
+
+using sAtanhHA = ShortSumKernel<sAtanhSums, sAtanhCommon<Kernel<float, ShortSumCompute>>>;
 
 PEX_UNARY(float, sAtanh_11, sAtanhEP)
 PEX_UNARY(float, sAtanh_21, sAtanhLA)

@@ -4,6 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/exp_single-inl.h"
+#include "pex_core/_heap/real/short_sum-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
@@ -108,13 +109,6 @@ struct sExpHA : sExpCommon<double> {
   }
 };
 #else
-template <class D, class V>
-HWY_NOINLINE V sExpInFull(D d, V x) {
-  const hn::Half<D> half;
-  const auto lower = sExpWide(half, hn::LowerHalf(half, x));
-  return hn::Combine(d, sExpWide(half, hn::UpperHalf(half, x)), lower);
-}
-
 // 2^(j/2^kLog) as a float, what it lacks in relation to it, and a polynomial for half a step.
 #if HWY_TARGET == HWY_AVX3
 struct sExpSteps {
@@ -147,12 +141,13 @@ struct sExpSteps {
 #endif
 
 // Correctly rounded for all floats. The power of the table t (1 + rest) times 1 + r + q, q standing
-// for e^r - 1 - r and the rests, as a sum of two floats that errs by less than t kError; what
-// stands between its bounds and half way of two floats is decided in double precision. As the
-// result is the float next to e^x, operations may be fused here though their bits are not those of
-// two.
+// for e^r - 1 - r and the rests, as a sum of two floats that errs by less than t kError.
 struct sExpHA : sExpCommon<> {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
+  template <class D, class V>
+  static HWY_INLINE V InFull(D d, V x) {
+    return sExpWide(d, x);
+  }
   template <class D, class V>
   static HWY_INLINE V Short(D d, V x, BitsOf<D>& doubt) {
     using S = sExpSteps;
@@ -182,18 +177,7 @@ struct sExpHA : sExpCommon<> {
   }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    const hn::RebindToSigned<D> di;
-    V y[K];
-    BitsOf<D> doubt[K];
-    for (size_t k = 0; k < K; ++k) y[k] = Short(d, x[k], doubt[k]);
-    auto any = doubt[0];
-    for (size_t k = 1; k < K; ++k) any = hn::Or(any, doubt[k]);
-    if (!hn::AllTrue(di, hn::Eq(any, hn::Zero(di)))) [[unlikely]] {
-      for (size_t k = 0; k < K; ++k) {
-        if (!hn::AllTrue(di, hn::Eq(doubt[k], hn::Zero(di)))) y[k] = sExpInFull(d, x[k]);
-      }
-    }
-    for (size_t k = 0; k < K; ++k) r[k] = y[k];
+    ShortGroup<sExpHA>(d, x, r);
   }
 };
 #endif

@@ -190,7 +190,7 @@ struct TangentPart {
       y[k] = hn::Add(s, t);
     }
 #else
-    for (size_t k = 0; k < K; ++k) y[k] = hn::NegMulAdd(n[k], hn::Set(d, kPart2), y[k]);
+    for (size_t k = 0; k < K; ++k) y[k] = HiddenNegMulAdd(n[k], hn::Set(d, kPart2), y[k]);
 #endif
     EndPart(y);
     SubExactProducts(y, n, hn::Set(d, -0x1.f1976b7edp-113), y);

@@ -4,10 +4,13 @@
 #include <immintrin.h>
 
 #include "hwy/highway.h"
+#include "pex_core/_heap/real/asin-inl.h"
 #include "pex_core/_heap/real/asin_short_tables.h"
 #include "pex_core/_heap/real/short_sum-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
+#include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/asin/asin_rare.h"
 
 #if defined(PEX_CORE__HEAP_REAL_ASIN_SHORT_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef PEX_CORE__HEAP_REAL_ASIN_SHORT_INL_H_
@@ -16,12 +19,22 @@
 #define PEX_CORE__HEAP_REAL_ASIN_SHORT_INL_H_
 #endif
 
-#if HWY_TARGET == HWY_AVX3
-
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
+
+// In double precision, to 2^-52 or better, where no float is tiny.
+template <template <auto&, AsinDomain, class, size_t> class Part, class D, class V, size_t K>
+HWY_INLINE void AsinInDouble(D d, const V (&x)[K], V (&r)[K]) {
+  const hn::Rebind<double, D> wide;
+  VecOf<decltype(wide)> v[K], w[K];
+  for (size_t k = 0; k < K; ++k) v[k] = hn::PromoteTo(wide, x[k]);
+  PlainInTurn<Part, kAsinHA, AsinDomain::kCommon, 1>(wide, v, w);
+  for (size_t k = 0; k < K; ++k) r[k] = hn::DemoteTo(d, w[k]);
+}
+
+#if HWY_TARGET == HWY_AVX3
 
 // How much the sums may err in relation to themselves and, beside that, to t; of the latter
 // 2^-24.66 was seen for asin(y) and the inverse cosine, 2^-23.78 for pi/2 - 2 asin(y).
@@ -122,9 +135,41 @@ HWY_INLINE V sAcosShort(D d, V x, BitsOf<D>& doubt) {
   return AsinRounded(d, V{high}, V{low}, s.t, hn::Set(d, kAsinShortErrorOfT), doubt);
 }
 
+// The correctly rounded kernel of a function that has F::Short, and in double precision F::Part.
+template <class F>
+struct sAsinSums {
+  template <class D, class V>
+  static HWY_INLINE V InFull(D d, V x) {
+    V in[1] = {x}, r[1];
+    AsinInDouble<F::template Part>(d, in, r);
+    return r[0];
+  }
+  template <class D, class V>
+  static HWY_INLINE V Short(D d, V x, BitsOf<D>& doubt) {
+    return F::Short(d, x, doubt);
+  }
+};
+template <class F>
+struct sAsinHAKernel : ShortSumKernel<sAsinSums<F>, Kernel<float>> {
+  using Rarity = AboveOne<float>;
+  static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
+};
+
+#else
+
+template <class F>
+struct sAsinHAKernel : LargeGroups<float, double> {
+  using Rarity = AboveOne<float>;
+  static HWY_INLINE int Rare(float x, float* r) { return AsinRare(x, r); }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    AsinInDouble<F::template Part>(d, x, r);
+  }
+};
+
+#endif
+
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
-
-#endif  // HWY_TARGET == HWY_AVX3
 
 #endif  // PEX_CORE__HEAP_REAL_ASIN_SHORT_INL_H_

@@ -16,12 +16,24 @@
 #define PEX_CORE__HEAP_REAL_SHORT_SUM_INL_H_
 #endif
 
-#if HWY_TARGET != HWY_SSE4
-
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
+
+#if HWY_TARGET == HWY_SSE4
+
+// On SSE4, where no operation is fused, double precision is all there is: Sums::InFull.
+using ShortSumCompute = double;
+template <class Sums, class Base>
+struct ShortSumKernel : Base {
+  template <class D, class V>
+  static HWY_INLINE V Main(D d, V x) {
+    return Sums::InFull(d, x);
+  }
+};
+
+#else
 
 // c[0] + x (c[1] + x (c[2] + ...)).
 template <class D, class V, size_t N>
@@ -56,9 +68,21 @@ HWY_INLINE void ShortGroup(D d, const V (&x)[N], V (&r)[N]) {
   for (size_t k = 0; k < N; ++k) r[k] = y[k];
 }
 
+// The kernel of Sums::Short and Sums::InFull. The base, with the domain, computes in
+// ShortSumCompute.
+using ShortSumCompute = float;
+template <class Sums, class Base>
+struct ShortSumKernel : Base {
+  static constexpr int kUnroll = 2;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    ShortGroup<Sums>(d, x, r);
+  }
+};
+
+#endif
+
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
-
-#endif  // HWY_TARGET != HWY_SSE4
 
 #endif  // PEX_CORE__HEAP_REAL_SHORT_SUM_INL_H_
