@@ -83,9 +83,10 @@ HWY_INLINE VecOf<D> LoadEach(D d, const double* table, BitsOf<D> i) {
 constexpr double kL1 = 0x1.62e42fecp-1, kL2 = 0x1.d1cf79abc9e3bp-32;
 
 // 2^(k/1024) from a table, times a cubic in |r| <= ln2/2048. The last octaves above the subnormal
-// numbers belong to the rare routine, whose product with the power rounds there.
+// numbers belong to the rare routine, whose product with the power is subnormal and rounds there;
+// no such rounding shows in a sum above -689.07.
 struct dExpLA : Kernel<double> {
-  using Rarity = RareAbove<double, 0x4085DFFF>;  // |x| >= 700
+  using Rarity = RareAbove<double, 0x40857FFF>;  // |x| >= 688
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 4;
   static HWY_INLINE int Rare(double x, double* r) { return dExpLAScalar(x, r); }
   template <class D, class V>
