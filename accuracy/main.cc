@@ -118,10 +118,11 @@ bool RunLong(const std::vector<const Entry*>& entries, const Options& options) {
   bool within = true;
   for (const auto& [function, list] : Grouped(entries)) {
     const auto progress = ProgressBar(std::string(function->name));
-    const auto& [count, seed, jobs, cases] = options.settings;
-    const auto results = options.pairs > 0 ? ExhaustPairs(list, OracleOf(*function), jobs,
-                                                          options.pairs, seed, progress)
-                                           : Exhaust(list, OracleOf(*function), jobs, progress);
+    const Oracle& oracle = OracleOf(*function);
+    const Settings& settings = options.settings;
+    const auto results = options.pairs > 0 ? ExhaustPairs(list, oracle, settings.jobs,
+                                                          options.pairs, settings.seed, progress)
+                                           : Exhaust(list, oracle, settings.jobs, progress);
     std::vector<ExhaustiveRecord> records;
     for (const ExhaustiveResult& r : results) {
       Print(r);
@@ -200,6 +201,9 @@ void Declare(CLI::App& app, Options& o) {
   app.add_option("--count", o.settings.count, "Points for each regime")
       ->check(CLI::Range(uint64_t{1}, uint64_t{1} << 40))
       ->capture_default_str();
+  auto* search = app.add_option("--search", o.settings.search,
+                                "Points for each of five rounds that narrow in on large errors")
+                     ->check(CLI::Range(uint64_t{1}, uint64_t{1} << 40));
   app.add_option("--seed", o.settings.seed, "Seed of the random points")->capture_default_str();
   app.add_option("--jobs", o.settings.jobs, "Threads")
       ->check(CLI::Range(1, 1024))
@@ -226,6 +230,7 @@ void Declare(CLI::App& app, Options& o) {
                "Add the worst points found to the recorded ones, or the long runs to theirs");
   app.add_flag("--details", o.details, "A line for each regime");
   app.add_option("--markdown", o.markdown, "Write the document to this file")
+      ->excludes(search)
       ->excludes(exhaustive)
       ->excludes(pairs);
   app.add_option("--plot", o.plot, "Write a plot for each function to this folder")

@@ -9,6 +9,7 @@
 #include <mutex>
 #include <thread>
 
+#include "accuracy/search.h"
 #include "pexquo/pex.h"
 
 namespace pex::accuracy {
@@ -211,6 +212,9 @@ EntryResult Measure(const Entry& entry, const Oracle& oracle, const Settings& se
   const auto file = RecordFile(settings.worst_cases, *entry.function);
   const auto regimes = RegimesOf(entry, oracle, settings.count, ReadRecord(file));
   EntryResult result{&entry, MeasureRegimes(entry, oracle, regimes, settings)};
+  if (settings.search > 0 && ArgumentCount(entry.function->shape) == 1) {
+    result.regimes.push_back(Search(entry, oracle, settings));
+  }
   std::vector<double> witnesses;
   for (const RegimeResult& r : result.regimes) {
     if (r.worst.error >= 0 && std::isfinite(r.worst.a)) witnesses.push_back(r.worst.a);

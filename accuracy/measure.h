@@ -36,6 +36,7 @@ struct EntryResult {
 
 struct Settings {
   uint64_t count = 2'000'000;  // points per regime
+  uint64_t search = 0;         // points per round of the search; 0: none
   uint64_t seed = 1;
   int jobs = 1;                       // threads
   std::filesystem::path worst_cases;  // folder of the recorded worst cases
@@ -50,7 +51,8 @@ inline double ErrorOfTier(const Entry& entry, const Error& error) {
 // only the exact way can tell (special values, overflow, sign of zero).
 double EstimateError(long double y, double got, const Format& format, bool relative);
 
-// Measures over RegimesOf(entry) and then around the worst points found. The same for any number of
+// Measures over RegimesOf(entry), by Search where settings ask for it and the function has one
+// argument, and then around the worst points found. The same for any number of
 // threads. Every error that is the largest of its regime and above 1/16 is decided by MPFR.
 EntryResult Measure(const Entry& entry, const Oracle& oracle, const Settings& settings);
 

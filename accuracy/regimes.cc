@@ -13,15 +13,7 @@
 namespace pex::accuracy {
 namespace {
 
-double Unit(Random& random) { return static_cast<double>(random() >> 11) * 0x1p-53; }
-
 double Between(Random& random, double lo, double hi) { return lo + (hi - lo) * Unit(random); }
-
-// Through memory: GCC 12 leaves the conversions of two neighbours to float and back out.
-double ToType(double x, bool single) {
-  const volatile float rounded = static_cast<float>(x);
-  return single ? rounded : x;
-}
 
 // A magnitude with a uniform exponent in [lo, hi) and a uniform mantissa, with a random sign.
 double LogUniform(Random& random, int lo, int hi) {
@@ -135,6 +127,12 @@ std::string Trimmed(const std::string& line) {
 }
 
 }  // namespace
+
+// Through memory: GCC 12 leaves the conversions of two neighbours to float and back out.
+double ToType(double x, bool single) {
+  const volatile float rounded = static_cast<float>(x);
+  return single ? rounded : x;
+}
 
 double Neighbour(double c, int64_t k, bool single) {
   if (k == 0) return c;

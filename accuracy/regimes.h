@@ -58,6 +58,12 @@ std::vector<double> ReadRecord(const std::filesystem::path& file);
 int AppendRecord(const std::filesystem::path& file, const std::string& comment,
                  const std::vector<double>& cases);
 
+// Uniform in [0, 1).
+inline double Unit(Random& random) { return static_cast<double>(random() >> 11) * 0x1p-53; }
+
+// x, or x rounded to single precision.
+double ToType(double x, bool single);
+
 // The k-th number of the type above (below for k < 0) c, infinities at the ends; crosses zero.
 double Neighbour(double c, int64_t k, bool single);
 

@@ -90,6 +90,21 @@ TEST(Measurer, EPIsMeasuredRelatively) {
   EXPECT_NEAR(CorrectBits(WorstOf(result, "typical").error, kDouble), 25, 1e-6);
 }
 
+// An error that grows to more than 5 ulp towards one point, from 0.006 on either side.
+TEST(Measurer, SearchNarrowsDownToAPeak) {
+  const auto entry = FakeEntry<double>("Exp", Tier::LA, [](double x) {
+    const double nearness = std::max(0.0, 1 - std::fabs(x - 1.2345) / 0.006);
+    return GoodExp(x) * (1 + 3 * nearness * 0x1p-52);
+  });
+  Settings settings = Few();
+  settings.search = 200'000;
+  const EntryResult result = Measure(entry, OracleOf(*entry.function), settings);
+  EXPECT_NEAR(WorstOf(result, "search").a, 1.2345, 0.0003);
+  EXPECT_GT(WorstOf(result, "search").error, 5.5);
+  settings.search = 0;
+  EXPECT_LT(Measure(entry, OracleOf(*entry.function), settings).worst().worst.error, 5.5);
+}
+
 TEST(Measurer, ThreadsDoNotChangeTheResult) {
   const auto entry =
       FakeEntry<double>("Exp", Tier::LA, [](double x) { return ::exp(x * (1 + 0x1p-53)); });
