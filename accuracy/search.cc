@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 namespace pex::accuracy {
 namespace {
@@ -11,7 +12,7 @@ struct Cell {
   Worst worst;
 };
 
-std::vector<Cell> Cells(const Range& typical) {
+std::vector<Cell> Cells(const Precision& precision, std::span<const double> near) {
   std::vector<Cell> cells;
   const auto cut = [&](Range whole, int parts) {
     const double width = (whole.hi - whole.lo) / parts;
@@ -20,11 +21,19 @@ std::vector<Cell> Cells(const Range& typical) {
       cells.push_back({{lo, lo + width}, {}});
     }
   };
-  cut(typical, 2048);
-  for (int e = -64; e < 64; ++e) {
-    const double low = std::ldexp(1.0, e);
-    cut({low, 2 * low}, 8);
-    cut({-2 * low, -low}, 8);
+  const auto octaves_beside = [&](double c, int lowest, int highest, int parts) {
+    for (int e = lowest; e < highest; ++e) {
+      const double low = std::ldexp(1.0, e);
+      cut({c + low, c + 2 * low}, parts);
+      cut({c - 2 * low, c - low}, parts);
+    }
+  };
+  cut(precision.typical, 2048);
+  octaves_beside(0, -64, 64, 8);
+  for (const auto& points : {std::span<const double>(precision.marks), near}) {
+    for (const double c : points) {
+      if (c != 0) octaves_beside(c, -40, -2, 1);
+    }
   }
   return cells;
 }
@@ -46,7 +55,7 @@ Regime Within(const Cell& cell, bool single, uint64_t count) {
 }  // namespace
 
 RegimeResult Search(const Entry& entry, const Oracle& oracle, const Settings& settings) {
-  std::vector<Cell> cells = Cells(entry.precision().typical);
+  std::vector<Cell> cells = Cells(entry.precision(), oracle.near);
   RegimeResult result{"search", 0, {}};
   Settings round = settings;
   for (const size_t keep : {cells.size(), size_t{64}, size_t{64}, size_t{8}, size_t{8}}) {
