@@ -118,8 +118,7 @@ HWY_INLINE AtanRow<V> AtanShortRowOf(D d, V a) {
 // By floats: t = (a - c)/(1 + a c), or -1/a, and its rest by the exact remainder, added to atan(c)
 // as two floats. Beyond powers of two where the arctangent is a itself or next to half of pi they
 // stand for a, so that no product underflows.
-struct sAtanHA : sAtanCommon<float> {
-  static constexpr int kUnroll = 2;
+struct sAtanSums {
   template <class D, class V>
   static HWY_INLINE V InFull(D d, V x) {
     V in[1] = {x}, r[1];
@@ -150,11 +149,9 @@ struct sAtanHA : sAtanCommon<float> {
     doubt = hn::Xor(Bits(d, least), Bits(d, hn::Add(high, most)));
     return hn::CopySignToAbs(hn::Min(least, size), x);
   }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    ShortGroup<sAtanHA>(d, x, r);
-  }
 };
+
+using sAtanHA = ShortSumKernel<sAtanSums, sAtanCommon<float> >;
 #endif
 
 PEX_UNARY(float, sAtan_11, sAtanEP)
