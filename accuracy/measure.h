@@ -3,7 +3,6 @@
 #define ACCURACY_MEASURE_H_
 
 #include <functional>
-#include <limits>
 #include <string>
 #include <vector>
 

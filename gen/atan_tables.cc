@@ -4,7 +4,6 @@
 #include <mpfr.h>
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>

@@ -2,7 +2,6 @@
 // special uniforms, requests, failures, splits, alignment, every vector level.
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cmath>
 #include <cstring>
 #include <limits>

@@ -4,7 +4,6 @@
 
 #include <bit>
 #include <cmath>
-#include <cstddef>
 #include <cstdint>
 
 #include "pex_core/_heap/real/erfinv_tables.h"
