@@ -4,6 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/atan-inl.h"
+#include "pex_core/_heap/real/rows.h"
 #include "pex_core/_heap/real/short_sum-inl.h"
 #include "pex_core/atan/atan_plain-inl.h"
 #include "pex_core/atan/atan_rare.h"
@@ -64,20 +65,8 @@ inline constexpr auto kAtanShortBelow = [] {
 }();
 
 #if HWY_TARGET == HWY_AVX2
-// The same by rows.
-struct AtanShortRows {
-  alignas(16) float row[32][4];
-};
-inline constexpr AtanShortRows kAtanShortRows = [] {
-  AtanShortRows rows = {};
-  for (int i = 0; i < 32; ++i) {
-    rows.row[i][0] = kAtanShortBelow.c[i];
-    rows.row[i][1] = kAtanShortBelow.finite[i];
-    rows.row[i][2] = kAtanShortBelow.angle[i];
-    rows.row[i][3] = kAtanShortBelow.rest[i];
-  }
-  return rows;
-}();
+inline constexpr auto kAtanShortRows =
+    ByRows(kAtanShortBelow.c, kAtanShortBelow.finite, kAtanShortBelow.angle, kAtanShortBelow.rest);
 #endif
 
 // The row for a >= 0.
