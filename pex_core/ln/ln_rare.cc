@@ -1,4 +1,5 @@
-// log(x) as the vector kernels' HA tier has it: the same table, polynomial and order of operations.
+// log(x) by a point of the vector kernels' coarser table and a polynomial, rounded once but for
+// small terms.
 #include "pex_core/ln/ln_rare.h"
 
 #include <bit>
