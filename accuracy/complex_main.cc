@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstdio>
 #include <fstream>
-#include <stdexcept>
 #include <string>
 #include <vector>
 

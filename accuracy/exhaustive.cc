@@ -1,7 +1,6 @@
 #include "accuracy/exhaustive.h"
 
 #include <algorithm>
-#include <atomic>
 #include <bit>
 #include <cmath>
 #include <cstdlib>

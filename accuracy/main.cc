@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
-#include <optional>
 #include <string>
 #include <thread>
 #include <vector>

@@ -3,7 +3,6 @@
 #define ACCURACY_MEASURE_H_
 
 #include <functional>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -43,9 +42,6 @@ struct Settings {
 };
 
 inline bool IsRelative(const Entry& entry) { return entry.tier == Tier::EP; }
-inline double ErrorOfTier(const Entry& entry, const Error& error) {
-  return IsRelative(entry) ? error.relative : error.ulp;
-}
 
 // The error by the extended-precision value y, within kExtendedError of it relatively; NaN where
 // only the exact way can tell (special values, overflow, sign of zero).

@@ -5,6 +5,7 @@
 // GENERATOR/OUTPUT/other/NAME/n:N for those with others.
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <iterator>
 #include <sstream>

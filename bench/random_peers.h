@@ -3,7 +3,6 @@
 #ifndef BENCH_RANDOM_PEERS_H_
 #define BENCH_RANDOM_PEERS_H_
 
-#include <cstdint>
 #include <vector>
 
 #include "bench/wh_loop.h"

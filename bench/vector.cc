@@ -1,7 +1,6 @@
 // pexquo_bench: every catalogued function, tier by tier, beside its peers at the same vector level.
 // Rows are named FUNCTION/TYPE/TIER/n:N and FUNCTION/TYPE/peer/NAME/n:N.
 #include <map>
-#include <memory>
 #include <random>
 #include <string>
 #include <utility>

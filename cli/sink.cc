@@ -1,6 +1,7 @@
 #include "cli/sink.h"
 
 #include <bit>
+#include <string_view>
 #include <type_traits>
 
 #include "cli/failure.h"

@@ -4,7 +4,6 @@
 #include <mpfr.h>
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -98,51 +97,6 @@ void Middle(const char* type, const char* name, double near, double grain = 0x1p
   const char* suffix = sizeof(T) == 4 ? "f" : "";
   std::printf("inline constexpr %s %s = %a%s, %sAngle = %a%s;\n", type, name,
               static_cast<double>(c), suffix, name, static_cast<double>(angle), suffix);
-}
-
-// Bins of the ratio low/high <= 1 by the difference of the bit patterns of high and low, half an
-// octave each: |t| below 0.0999 in the first and the last one, below a fifth of the arctangent in
-// those between.
-double OctantCenter(int bin) {
-  if (bin == 7) return 0;
-  const double head = std::ldexp(1.0, -(bin / 2));
-  const double high = std::atan(bin % 2 ? head * 3 / 4 : head);
-  const double low = std::atan(bin % 2 ? head / 2 : head * 2 / 3);
-  const double mean = (low + high) / 2, harmonic = 2 * low * high / (low + high);
-  return std::tan(bin == 0 ? mean : bin == 1 ? (mean + harmonic) / 2 : harmonic);
-}
-
-// The number nearest to `center` with equal words whose arctangent is a multiple of pi's last
-// place, within 2^-63; the steps of one in the upper word are tried on both sides in turn.
-double OctantBreakpoint(double center, double* angle) {
-  const int64_t word = std::bit_cast<int64_t>(center) >> 32;
-  if (center == 0) return *angle = 0;
-  for (int64_t k = 0;; k = k > 0 ? -k : 1 - k) {
-    const double c = std::bit_cast<double>((word + k) << 32 | (word + k));
-    double rest;
-    const double nearest = Arctangent(c, &rest);
-    *angle = std::nearbyint(nearest * 0x1p51) * 0x1p-51;
-    if (std::fabs(nearest - *angle + rest) <= 0x1p-63) return c;
-  }
-}
-
-void OctantTable() {
-  std::printf(R"(
-// Half octaves of low/high from 1 to 1/11, rows i for i half octaves between the bit patterns of
-// high and low: atan(low/high) = angle + atan((low - c high)/(high + c low)) with a fraction below
-// 0.0999. The angle is atan(c) to within 2^-63 and a multiple of pi's last place; the last row,
-// with all that is below it, has c = 0. The two words of each c are equal.
-struct AtanOctantBins {
-  alignas(64) double c[8], angle[8];
-};
-
-inline constexpr AtanOctantBins kAtanOctantBins = {
-)");
-  double c[8], angle[8];
-  for (int bin = 0; bin < 8; ++bin) c[bin] = OctantBreakpoint(OctantCenter(bin), &angle[bin]);
-  Column(c);
-  Column(angle);
-  std::printf("};\n");
 }
 
 // Bins of a >= 0 by the leading bits of a + 3/8: 2^bits of each octave, `count` in all; the last
@@ -431,7 +385,6 @@ struct AtanBins {
   Middle<double>("double", "kAtanMiddle", 0.7502);
   std::printf("// The same near 0.56; the angle is a multiple of pi's last place.\n");
   Middle<double>("double", "kAtanOctantMiddle", 0.56, 0x1p-51);
-  OctantTable();
   PlainTables();
   FineTable();
   FineOctantTable();

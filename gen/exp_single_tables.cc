@@ -4,10 +4,10 @@
 
 #include <bit>
 #include <cinttypes>
-#include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
+
+#include "gen/over_chord.h"
 
 namespace {
 
@@ -66,33 +66,16 @@ void Eighths() {
   std::printf("\n};\n");
 }
 
-// t = 2^(j/8)/(1 + j/8) - 1: (1 - c) - c t, c = 2^n (1 + j/8), has to be the same rounded once and
-// twice for every n.
-void OverChord() {
+void OverChords() {
   Head(
       "2^(j/8)/(1 + j/8) - 1, twice: (1 - c) - c t, c = 2^n (1 + j/8), is the same rounded once "
       "and\n// twice for -127 < n < 128.",
       "float", "sExpEighthsOverChord");
-  mpfr_t x;
-  mpfr_init2(x, 200);
   for (int i = 0; i < 16; ++i) {
-    const int j = i % 8;
-    mpfr_set_si(x, j, MPFR_RNDN);
-    mpfr_div_si(x, x, 8, MPFR_RNDN);
-    mpfr_exp2(x, x, MPFR_RNDN);
-    mpfr_div_d(x, x, 1 + j / 8.0, MPFR_RNDN);
-    mpfr_sub_si(x, x, 1, MPFR_RNDN);
-    const float t = mpfr_get_flt(x, MPFR_RNDN);
-    for (int n = -126; n < 128; ++n) {
-      const float c = std::ldexp(1 + static_cast<float>(j) / 8, n);
-      const volatile float product = c * t;
-      if ((1 - c) - product != std::fma(-c, t, 1 - c)) std::abort();
-    }
     Separate(i, 4);
-    std::printf("%af,", t);
+    std::printf("%af,", OverChord<float>(i % 8, 8));
   }
   std::printf("\n};\n");
-  mpfr_clear(x);
 }
 
 void InTwoParts(const char* what, const char* name, const char* rest_name, int steps) {
@@ -133,7 +116,7 @@ int main() {
       "#define PEX_CORE__HEAP_REAL_EXP_SINGLE_TABLES_H_\n\n#include <cstdint>\n\nnamespace pex "
       "{\n");
   Eighths();
-  OverChord();
+  OverChords();
   Shifted("Bits of 2^(j/8) less j << 20, twice: adding k << 20 gives those of 2^(k/8).",
           "sExpShiftedEighths", 8, 20);
   // Of the c with which 1/p, p = (23/32)^2 + c, gives 1 for 0, that with the least error.

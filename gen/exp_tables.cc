@@ -6,8 +6,9 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <initializer_list>
+
+#include "gen/over_chord.h"
 
 namespace {
 
@@ -110,38 +111,16 @@ void Factors() {
   mpfr_clear(x);
 }
 
-// t = 2^(j/16)/(1 + j/16) - 1 for which (1 - c) - c t, c = 2^n (1 + j/16), is the same rounded once
-// and twice for every n: the number next to it, or one as near as can be.
-void OverChord(const char* name) {
+void OverChords(const char* name) {
   std::printf(
       "\n// 2^(j/16)/(1 + j/16) - 1, the last bits such that (1 - c) - c t, c = 2^n (1 + j/16), is "
-      "the\n// same rounded once and twice for -1022 <= n <= 1022.\n"
+      "the\n// same rounded once and twice for -1023 < n < 1024.\n"
       "alignas(64) inline constexpr double %s[16] = {\n",
       name);
-  mpfr_t x;
-  mpfr_init2(x, 300);
   for (int j = 0; j < 16; ++j) {
-    mpfr_set_si(x, j, MPFR_RNDN);
-    mpfr_div_si(x, x, 16, MPFR_RNDN);
-    mpfr_exp2(x, x, MPFR_RNDN);
-    mpfr_div_d(x, x, 1 + j / 16.0, MPFR_RNDN);
-    mpfr_sub_si(x, x, 1, MPFR_RNDN);
-    const double next = mpfr_get_d(x, MPFR_RNDN);
-    const double ulp = j == 0 ? 0 : std::ldexp(1.0, std::ilogb(next) - 52);
-    const auto same = [j](double t) {
-      for (int n = -1022; n <= 1022; ++n) {
-        const double c = std::ldexp(1 + j / 16.0, n);
-        const volatile double product = c * t;
-        if ((1 - c) - product != std::fma(-c, t, 1 - c)) return false;
-      }
-      return true;
-    };
-    double t = next;
-    for (int i = 1; !same(t); i = i > 0 ? -i : 1 - i) t = next + i * ulp;
-    std::printf("%s%a,%s", j % 4 ? "" : "    ", t, j % 4 == 3 ? "\n" : " ");
+    std::printf("%s%a,%s", j % 4 ? "" : "    ", OverChord<double>(j, 16), j % 4 == 3 ? "\n" : " ");
   }
   std::printf("};\n");
-  mpfr_clear(x);
 }
 
 // 2^(j/16) as a number s of 21 bits, less j << 48 in its bits, and ln(2^(j/16)/s).
@@ -236,7 +215,7 @@ int main() {
   Single("dExp_HA_Table", 1024, 1);
   Single("dExp_EP_Table", 128, 0.5);
   Factors();
-  OverChord("dExpOverChord");
+  OverChords("dExpOverChord");
   ShortPowers("kExpShortPowers");
   ShortFactors("kExpFactors");
   Pairs("_pexdExpHATab", 64, Rest::kRelative);

@@ -14,6 +14,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "gen/column.h"
+
 namespace {
 
 constexpr long double kLog2 = 0.693147180559945309417232121458176568L;
@@ -142,19 +144,8 @@ void Table(const char* name, Search search, int steps = 16) {
     rows[i & 15] = search(static_cast<float>(i) / static_cast<float>(steps));
   }
   std::printf("\ninline constexpr LogSingleTable %s = {\n", name);
-  const auto column = [&](float Row::*field) {
-    std::printf("    {");
-    for (int j = 0; j < 16; ++j) {
-      std::printf("%s%af",
-                  j == 0  ? ""
-                  : j % 5 ? ", "
-                          : ",\n     ",
-                  static_cast<double>(rows[j].*field));
-    }
-    std::printf("},\n");
-  };
-  column(&Row::factor);
-  column(&Row::log);
+  PrintColumn<5>(rows, &Row::factor);
+  PrintColumn<5>(rows, &Row::log);
   std::printf("};\n");
 }
 

@@ -7,9 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <set>
 #include <tuple>
-#include <utility>
 #include <vector>
 
 #include "gen/mt2203_lattice.h"

@@ -6,7 +6,6 @@
 // the order of the distances, each product and sum rounded, at every vector level.
 
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>

@@ -101,53 +101,44 @@ template <class K>
 inline constexpr bool kInMemoryOrder =
     K::kRealArgument ? kShufflesRegisters<typename K::Tag> : false;
 
-template <typename T>
+// The numbers' parts, in Compute.
+template <typename T, typename Compute = T>
 struct ComplexSource {
   const T* p;
   template <class D>
-  using Operand = Complex<VecOf<D>>;
+  using Operand = Complex<VecOf<hn::Rebind<Compute, D>>>;
   using Number = Complex<T>;
   template <class D>
   HWY_INLINE Operand<D> Load(D d, size_t i) const {
-    return Unzip(d, hn::LoadU(d, p + 2 * i), hn::LoadU(d, p + 2 * i + hn::Lanes(d)));
+    return Parts(d, hn::LoadU(d, p + 2 * i), hn::LoadU(d, p + 2 * i + hn::Lanes(d)));
   }
   template <class D>
   HWY_INLINE Operand<D> LoadTail(D d, size_t i, size_t count, T fill) const {
     const size_t lanes = hn::Lanes(d), numbers = 2 * count;
-    return Unzip(d, LoadAtMost(d, p + 2 * i, numbers, fill),
+    return Parts(d, LoadAtMost(d, p + 2 * i, numbers, fill),
                  numbers <= lanes ? hn::Set(d, fill)
                                   : LoadAtMost(d, p + 2 * i + lanes, numbers - lanes, fill));
   }
   HWY_INLINE void Copy(size_t i, size_t count, Number* to) const {
     std::memcpy(to, p + 2 * i, count * sizeof(Number));
   }
+
+ private:
+  template <class D>
+  static HWY_INLINE Operand<D> Parts(D d, VecOf<D> a, VecOf<D> b) {
+    if constexpr (std::is_same_v<T, Compute>) {
+      return Unzip(d, a, b);
+    } else {
+      const hn::Rebind<Compute, D> wide;
+      return Unzip(wide, hn::PromoteTo(wide, a), hn::PromoteTo(wide, b));
+    }
+  }
 };
 
 // Floats as doubles, for kWidened.
 template <class D>
 using WideOf = hn::Rebind<double, D>;
-struct WidenedSource {
-  const float* p;
-  template <class D>
-  using Operand = Complex<VecOf<WideOf<D>>>;
-  using Number = Complex<float>;
-  template <class D>
-  HWY_INLINE Operand<D> Load(D d, size_t i) const {
-    return Halves(d, hn::LoadU(d, p + 2 * i), hn::LoadU(d, p + 2 * i + hn::Lanes(d)));
-  }
-  template <class D>
-  HWY_INLINE Operand<D> LoadTail(D d, size_t i, size_t count, float fill) const {
-    const size_t lanes = hn::Lanes(d), numbers = 2 * count;
-    return Halves(d, LoadAtMost(d, p + 2 * i, numbers, fill),
-                  numbers <= lanes ? hn::Set(d, fill)
-                                   : LoadAtMost(d, p + 2 * i + lanes, numbers - lanes, fill));
-  }
-  template <class D>
-  static HWY_INLINE Operand<D> Halves(D, VecOf<D> a, VecOf<D> b) {
-    const WideOf<D> wide;
-    return Unzip(wide, hn::PromoteTo(wide, a), hn::PromoteTo(wide, b));
-  }
-};
+using WidenedSource = ComplexSource<float, double>;
 
 template <typename T>
 struct RealSource {

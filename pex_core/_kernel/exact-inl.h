@@ -208,6 +208,20 @@ HWY_INLINE V PartsMulAdd(D d, V x, T c, [[maybe_unused]] T upper, V addend) {
 #endif
 }
 
+// addend - x * c rounded once, for an x so short that its products with both parts of c are exact,
+// where what the sum with the upper one leaves takes the lower one exactly.
+template <class D, class V, typename T>
+HWY_INLINE V PartsNegMulAdd(D d, V x, T c, [[maybe_unused]] T upper, V addend) {
+#if HWY_TARGET == HWY_SSE4
+  const V product = hn::Mul(x, hn::Set(d, upper));
+  const V sum = hn::Sub(addend, product);
+  const V rest = hn::Sub(hn::Sub(addend, sum), product);
+  return hn::Add(sum, hn::Sub(rest, hn::Mul(x, hn::Set(d, c - upper))));
+#else
+  return hn::NegMulAdd(x, hn::Set(d, c), addend);
+#endif
+}
+
 // (a.hi + a.lo) + b for |a.hi| >= |b| or a.hi = 0. The error is at most 2 u^2 (|a| + |b|), u half
 // an ulp of 1: twice the working precision, unless the sum cancels.
 template <class V>

@@ -6,6 +6,7 @@
 #include "pex_core/_heap/real/atan_tables.h"
 #include "pex_core/_heap/real/erf_rows-inl.h"
 #include "pex_core/_heap/real/quotient_correct-inl.h"
+#include "pex_core/_heap/real/rows.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
 #include "pex_core/_kernel/fused_single-inl.h"
@@ -38,20 +39,8 @@ struct AtanBinsOf<float> {
   static constexpr auto& kBins = kAtanBinsOfFloat;
 };
 
-// The table by rows, for the levels that read whole rows.
 template <typename T>
-struct AtanPlainRows {
-  alignas(64) T row[16][2];
-};
-template <typename T>
-inline constexpr AtanPlainRows<T> kAtanPlainRows = [] {
-  AtanPlainRows<T> rows = {};
-  for (int i = 0; i < 16; ++i) {
-    rows.row[i][0] = AtanBinsOf<T>::kBins.c[i];
-    rows.row[i][1] = AtanBinsOf<T>::kBins.angle[i];
-  }
-  return rows;
-}();
+inline constexpr auto kAtanPlainRows = ByRows(AtanBinsOf<T>::kBins.c, AtanBinsOf<T>::kBins.angle);
 
 template <class V>
 struct AtanBin {

@@ -4,6 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/atan-inl.h"
+#include "pex_core/_heap/real/rows.h"
 #include "pex_core/_heap/real/short_sum-inl.h"
 #include "pex_core/atan/atan_plain-inl.h"
 #include "pex_core/atan/atan_rare.h"
@@ -64,20 +65,8 @@ inline constexpr auto kAtanShortBelow = [] {
 }();
 
 #if HWY_TARGET == HWY_AVX2
-// The same by rows.
-struct AtanShortRows {
-  alignas(16) float row[32][4];
-};
-inline constexpr AtanShortRows kAtanShortRows = [] {
-  AtanShortRows rows = {};
-  for (int i = 0; i < 32; ++i) {
-    rows.row[i][0] = kAtanShortBelow.c[i];
-    rows.row[i][1] = kAtanShortBelow.finite[i];
-    rows.row[i][2] = kAtanShortBelow.angle[i];
-    rows.row[i][3] = kAtanShortBelow.rest[i];
-  }
-  return rows;
-}();
+inline constexpr auto kAtanShortRows =
+    ByRows(kAtanShortBelow.c, kAtanShortBelow.finite, kAtanShortBelow.angle, kAtanShortBelow.rest);
 #endif
 
 // The row for a >= 0.
@@ -118,8 +107,7 @@ HWY_INLINE AtanRow<V> AtanShortRowOf(D d, V a) {
 // By floats: t = (a - c)/(1 + a c), or -1/a, and its rest by the exact remainder, added to atan(c)
 // as two floats. Beyond powers of two where the arctangent is a itself or next to half of pi they
 // stand for a, so that no product underflows.
-struct sAtanHA : sAtanCommon<float> {
-  static constexpr int kUnroll = 2;
+struct sAtanSums {
   template <class D, class V>
   static HWY_INLINE V InFull(D d, V x) {
     V in[1] = {x}, r[1];
@@ -150,11 +138,9 @@ struct sAtanHA : sAtanCommon<float> {
     doubt = hn::Xor(Bits(d, least), Bits(d, hn::Add(high, most)));
     return hn::CopySignToAbs(hn::Min(least, size), x);
   }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    ShortGroup<sAtanHA>(d, x, r);
-  }
 };
+
+using sAtanHA = ShortSumKernel<sAtanSums, sAtanCommon<float> >;
 #endif
 
 PEX_UNARY(float, sAtan_11, sAtanEP)

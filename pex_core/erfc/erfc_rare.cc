@@ -8,27 +8,11 @@
 
 #include "pex_core/_heap/real/erf_polynomials.h"
 #include "pex_core/_heap/real/erf_tables.h"
+#include "pex_core/_heap/real/exact_scalar.h"
 #include "pexquo/pex.h"
 
 namespace pex {
 namespace {
-
-struct Sum {
-  double hi, lo;
-};
-
-Sum FastTwoSum(double a, double b) {
-  const double hi = a + b;
-  return {hi, b - (hi - a)};
-}
-
-Sum TwoProduct(double a, double b) {
-  constexpr double kSplitter = 134217729;  // 2^27 + 1
-  const double s = a * kSplitter, t = b * kSplitter;
-  const double ah = s - (s - a), al = a - ah, bh = t - (t - b), bl = b - bh;
-  const double hi = a * b;
-  return {hi, al * bl - (((hi - ah * bh) - al * bh) - ah * bl)};
-}
 
 // A product that is carried out and raises its flags.
 double Underflow() {
@@ -38,14 +22,14 @@ double Underflow() {
 }
 
 // z/sqrt(2)
-Sum OverRootTwo(double z) {
-  Sum p = TwoProduct(z, 0x1.6a09e667f3bcdp-1);
+Two OverRootTwo(double z) {
+  Two p = TwoProduct(z, 0x1.6a09e667f3bcdp-1);
   p.lo += z * -0x1.bdd3413b26456p-55;
   return FastTwoSum(p.hi, p.lo);
 }
 
 // erfc(z.hi + z.lo) for 0 <= z <= 27.25, times 2^300.
-Sum Complement(Sum z) {
+Two Complement(Two z) {
   const double shifter = 0x1.8p45;
   const double sum = z.hi + shifter;
   const size_t j = static_cast<uint32_t>(std::bit_cast<uint64_t>(sum));
@@ -62,14 +46,14 @@ Sum Complement(Sum z) {
   const ErfcRow& row = kErfcRows[j];
   const double value_rest = std::bit_cast<double>(kErfcRests[j]);
   const double slope_rest = std::bit_cast<double>(kErfcRests[j] << 32);
-  Sum p = TwoProduct(row.slope, d);
+  Two p = TwoProduct(row.slope, d);
   p.lo += slope_rest * d + row.slope * d_rest;
-  const Sum head = FastTwoSum(row.value, -p.hi);
+  const Two head = FastTwoSum(row.value, -p.hi);
   return FastTwoSum(head.hi, head.lo + ((value_rest - p.lo) - p.hi * t));
 }
 
 // y 2^-300 rounded once; subnormal where it is below 2^-1022.
-double Unscale(Sum y, bool subnormal) {
+double Unscale(Two y, bool subnormal) {
   if (!subnormal) return (y.hi + y.lo) * 0x1p-300;
   Underflow();
   constexpr double kGrid = 0x1p-722;  // its sum with a subnormal number, scaled, is on the grid
@@ -114,7 +98,7 @@ int dCdfNormRare(double x, double* r) {
     return PEX_STATUS_UNDERFLOW;
   }
   const bool subnormal = x < -0x1.2c27b05bf1a0ap+5;
-  const Sum y = Complement(OverRootTwo(-x));
+  const Two y = Complement(OverRootTwo(-x));
   *r = Unscale({y.hi * 0.5, y.lo * 0.5}, subnormal);
   return subnormal ? PEX_STATUS_UNDERFLOW : PEX_STATUS_OK;
 }

@@ -100,15 +100,7 @@ HWY_INLINE V sExpWide(D d, V x) {
   return hn::DemoteTo(d, hn::Add(hn::Mul(s, p), s));
 }
 
-#if HWY_TARGET == HWY_SSE4
-struct sExpHA : sExpCommon<double> {
-  static constexpr int kUnroll = 8;
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return sExpWide(d, x);
-  }
-};
-#else
+#if HWY_TARGET != HWY_SSE4
 // 2^(j/2^kLog) as a float, what it lacks in relation to it, and a polynomial for half a step.
 #if HWY_TARGET == HWY_AVX3
 struct sExpSteps {
@@ -139,15 +131,16 @@ struct sExpSteps {
   }
 };
 #endif
+#endif
 
 // Correctly rounded for all floats. The power of the table t (1 + rest) times 1 + r + q, q standing
 // for e^r - 1 - r and the rests, as a sum of two floats that errs by less than t kError.
-struct sExpHA : sExpCommon<> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 3;
+struct sExpSums {
   template <class D, class V>
   static HWY_INLINE V InFull(D d, V x) {
     return sExpWide(d, x);
   }
+#if HWY_TARGET != HWY_SSE4
   template <class D, class V>
   static HWY_INLINE V Short(D d, V x, BitsOf<D>& doubt) {
     using S = sExpSteps;
@@ -175,12 +168,12 @@ struct sExpHA : sExpCommon<> {
     const auto n = hn::And(hn::ShiftLeft<23 - S::kLog>(k), SetBits(d, 0xFF800000));
     return FromBits(d, hn::Add(least, n));
   }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    ShortGroup<sExpHA>(d, x, r);
-  }
-};
 #endif
+};
+
+struct sExpHA : ShortSumKernel<sExpSums, sExpCommon<ShortSumCompute>> {
+  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 8 : HWY_TARGET == HWY_AVX2 ? 3 : 4;
+};
 
 PEX_UNARY(float, sExp_11, sExpEP)
 PEX_UNARY(float, sExp_21, sExpLA)

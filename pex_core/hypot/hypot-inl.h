@@ -2,8 +2,6 @@
 // moderate size go straight ahead; the others are scaled lane by lane, which changes no bit of the
 // former's lanes: scaling by powers of two is exact.
 
-#include <algorithm>
-
 #include "pex_core/_heap/real/root_correct-inl.h"
 #include "pex_core/_heap/real/root_square-inl.h"
 #include "pex_core/_kernel/plain-inl.h"

@@ -1,4 +1,5 @@
-// log(x) as the vector kernels' HA tier has it: the same table, polynomial and order of operations.
+// log(x) by a point of the vector kernels' coarser table and a polynomial, rounded once but for
+// small terms.
 #include "pex_core/ln/ln_rare.h"
 
 #include <bit>
@@ -6,30 +7,12 @@
 #include <cstdint>
 #include <limits>
 
+#include "pex_core/_heap/real/exact_scalar.h"
 #include "pex_core/_heap/real/log_constants.h"
 #include "pexquo/pex.h"
 
 namespace pex {
 namespace {
-
-struct Two {
-  double hi, lo;
-};
-
-// a * b = hi + lo exactly (Dekker 1971).
-Two Product(double a, double b) {
-  const auto split = [](double x) {
-    const double c = 134217729.0 * x;
-    const double hi = c - (c - x);
-    return Two{hi, x - hi};
-  };
-  const double hi = a * b;
-  const Two x = split(a), y = split(b);
-  const double err1 = hi - x.hi * y.hi;
-  const double err2 = err1 - x.lo * y.hi;
-  const double err3 = err2 - x.hi * y.lo;
-  return {hi, x.lo * y.lo - err3};
-}
 
 template <size_t N>
 double Polynomial(double x, const double (&c)[N]) {
@@ -49,7 +32,7 @@ double PositiveLog(double x, int shift) {
 
   constexpr auto& table = Base::kTable;
   const double t = m - table.a[j];
-  const Two p = Product(t, table.factor[j]);
+  const Two p = TwoProduct(t, table.factor[j]);
   const double p_rest = p.lo + t * table.rest[j];
   const double q = p.hi * p.hi * Polynomial(p.hi, Base::kPolynomial);
   const double head = e * Base::kLog2Hi + table.log[j];

@@ -142,12 +142,7 @@ struct Log1pHAPart {
     EndPart(end);
     less = end[0];
   }
-  HWY_INLINE void Evaluate() {
-    const D d;
-    AdaptedSextic(d, p, LongNaturalLog::kSextic, q);
-    q[0] = hn::Add(hn::Mul(q[0], p[0]), hn::Set(d, LongNaturalLog::kPolynomial[1]));
-    EndPart(q);
-  }
+  HWY_INLINE void Evaluate() { LogFullPolynomial<LongNaturalLog>(D(), p, q); }
   HWY_INLINE void Result(const V*, V* r) const {
     const V c = hn::Add(hn::Mul(q[0], p[0]), hn::Set(D(), LongNaturalLog::kPolynomial[0]));
     r[0] = hn::Sub(sum, hn::Sub(less, hn::Mul(hn::Mul(p[0], p[0]), c)));

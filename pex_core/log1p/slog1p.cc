@@ -13,12 +13,15 @@ static char _PEX_THISFUNC_NAME[] = "vsLog1p";
 
 // Rare: 1 + x is not positive and finite, or is so small or large that sLog1pLA could not scale by
 // its exponent: x < 2^-20 - 1, x >= 2^126, NaN. 1 + x rounded will do for all of them.
-struct sLog1pRarity : RareOutside<float, 0x35800000, 0x7E7FFFFF> {
+template <uint32_t kLast>
+struct sLog1pRareAbove : RareOutside<float, 0x35800000, kLast> {
   template <class D>
   static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-    return RareOutside::Key(d, hn::Add(x, hn::Set(d, 1.0f)));
+    return sLog1pRareAbove::RareOutside::Key(d, hn::Add(x, hn::Set(d, 1.0f)));
   }
 };
+
+using sLog1pRarity = sLog1pRareAbove<0x7E7FFFFF>;
 
 inline int sLog1pRare(float x, float* r) { return Log1pRare(x, r, sLnScalar); }
 
@@ -116,31 +119,22 @@ HWY_INLINE V sLog1pWide(D d, V x) {
 #endif
 }
 
+struct sLog1pHABase : Kernel<float, ShortSumCompute> {
 #if HWY_TARGET == HWY_SSE4
-struct sLog1pHA : Kernel<float, double> {
   using Rarity = sLog1pRarity;
-  static HWY_INLINE int Rare(float x, float* r) { return sLog1pRare(x, r); }
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return sLog1pWide(d, x);
-  }
-};
 #else
-// By floats. Where x is its own result the sum gives way to 1.
-struct sLog1pHA : Kernel<float> {
-  static constexpr int kUnroll = 2;
-  // 1 + x < 0.75 2^126, for sLnOfSumShort.
-  struct Rarity : RareOutside<float, 0x35800000, 0x7E3FFFFF> {
-    template <class D>
-    static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-      return RareOutside::Key(d, hn::Add(x, hn::Set(d, 1.0f)));
-    }
-  };
+  using Rarity = sLog1pRareAbove<0x7E3FFFFF>;  // 1 + x < 0.75 2^126, for sLnOfSumShort
+#endif
   static HWY_INLINE int Rare(float x, float* r) { return sLog1pRare(x, r); }
+};
+
+struct sLog1pSums {
   template <class D, class V>
   static HWY_INLINE V InFull(D d, V x) {
     return sLog1pWide(d, x);
   }
+#if HWY_TARGET != HWY_SSE4
+  // Where x is its own result the sum gives way to 1.
   template <class D, class V>
   static HWY_INLINE V Short(D d, V x, BitsOf<D>& doubt) {
     const V one = hn::Set(d, 1.0f);
@@ -167,12 +161,10 @@ struct sLog1pHA : Kernel<float> {
     return hn::Or(least, hn::IfThenElseZero(tiny, x));
 #endif
   }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    ShortGroup<sLog1pHA>(d, x, r);
-  }
-};
 #endif
+};
+
+using sLog1pHA = ShortSumKernel<sLog1pSums, sLog1pHABase>;
 
 PEX_UNARY(float, sLog1p_11, sLog1pEP)
 PEX_UNARY(float, sLog1p_21, sLog1pLA)

@@ -141,7 +141,8 @@ struct TangentPart {
   }
 
  private:
-  // The second part of pi/16, and what of it the number of a step may be multiplied with exactly.
+  // The second part of pi/16, and what of it the number of a step may be multiplied with exactly;
+  // the products with the other are multiples of 2^-109 up to 2^-56.
   static constexpr double kPart2 = 0x1.1a62633145c07p-57, kPart2Upper = 0x1.1a6263314p-57;
 
   // The steps of pi/16 in the low bits; n is their numbers after SetRows.
@@ -179,19 +180,7 @@ struct TangentPart {
   }
   HWY_INLINE void SubtractLast(const V (&n)[K]) {
     const D d;
-#if HWY_TARGET == HWY_SSE4
-    // What the product's upper part leaves is s + t, and t, with the lower part's multiples of
-    // 2^-109 up to 2^-56, is exact.
-    for (size_t k = 0; k < K; ++k) {
-      const V upper = hn::Mul(n[k], hn::Set(d, kPart2Upper));
-      const V s = hn::Sub(y[k], upper);
-      const V t = hn::Sub(hn::Sub(hn::Sub(y[k], s), upper),
-                          hn::Mul(n[k], hn::Set(d, kPart2 - kPart2Upper)));
-      y[k] = hn::Add(s, t);
-    }
-#else
-    for (size_t k = 0; k < K; ++k) y[k] = HiddenNegMulAdd(n[k], hn::Set(d, kPart2), y[k]);
-#endif
+    for (size_t k = 0; k < K; ++k) y[k] = PartsNegMulAdd(d, n[k], kPart2, kPart2Upper, y[k]);
     EndPart(y);
     SubExactProducts(y, n, hn::Set(d, -0x1.f1976b7edp-113), y);
     EndPart(y);

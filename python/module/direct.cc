@@ -1,6 +1,4 @@
 // Calls that need none of NumPy's iteration, at a third of its cost.
-#include <cmath>
-#include <cstring>
 
 #include "python/module/function.h"
 

@@ -2,7 +2,6 @@
 
 #include <structmember.h>
 
-#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>

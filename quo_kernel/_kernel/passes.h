@@ -5,7 +5,6 @@
 #define QUO_KERNEL__KERNEL_PASSES_H_
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
 
 namespace quo {

@@ -11,7 +11,6 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include <algorithm>
-#include <cstring>
 
 #include "pex_core/_kernel/exact-inl.h"
 #include "pexquo/quo.h"

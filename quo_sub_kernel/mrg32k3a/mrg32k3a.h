@@ -2,7 +2,6 @@
 #ifndef QUO_SUB_KERNEL_MRG32K3A_MRG32K3A_H_
 #define QUO_SUB_KERNEL_MRG32K3A_MRG32K3A_H_
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 

@@ -2,8 +2,6 @@
 #ifndef QUO_SUB_KERNEL_SOBOL_SOBOL_H_
 #define QUO_SUB_KERNEL_SOBOL_SOBOL_H_
 
-#include <cstdint>
-
 #include "quo_sub_kernel/_math/digital.h"
 
 namespace quo {

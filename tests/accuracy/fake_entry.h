@@ -2,8 +2,6 @@
 #ifndef TESTS_ACCURACY_FAKE_ENTRY_H_
 #define TESTS_ACCURACY_FAKE_ENTRY_H_
 
-#include <cmath>
-
 #include "accuracy/measure.h"
 
 namespace pex::accuracy {

@@ -2,8 +2,6 @@
 // ends of readable memory, counts near the largest.
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "tests/arithmetic/reference.h"
 
 namespace pex::test {

@@ -10,9 +10,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstdlib>
-#include <limits>
 #include <random>
-#include <string>
 #include <vector>
 
 #include "hwy/highway.h"

@@ -1,6 +1,6 @@
 // The command draw, against the recurrences of the generators written out.
 #include <cmath>
-#include <functional>
+#include <cstdint>
 
 #include "catalogue/catalogue.h"
 #include "pexquo/quo.h"

@@ -1,7 +1,6 @@
 // The commands eval and list: results, reports of special elements, tiers, levels.
 #include <cmath>
 #include <random>
-#include <sstream>
 
 #include "catalogue/catalogue.h"
 #include "pexquo/pex.h"

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <limits>
+#include <cstdint>
 #include <random>
 
 #include "pexquo/pex.h"

@@ -7,7 +7,6 @@
 
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <thread>
 
 #include "tests/cli/program.h"

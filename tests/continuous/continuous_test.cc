@@ -2,7 +2,6 @@
 // special uniforms, requests, failures, splits, alignment, every vector level.
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -21,20 +20,12 @@ using continuous::Name;
 using continuous::Reference;
 using scripted::script;
 using scripted::Script;
+using scripted::Stream;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr Name kEvery[] = {Name::kExponential, Name::kLaplace, Name::kWeibull,  Name::kCauchy,
                            Name::kRayleigh,    Name::kGumbel,  Name::kLognormal};
-
-struct Stream {
-  StreamState* p = nullptr;
-  explicit Stream(const Script& s) : p(scripted::Start(s)) {}
-  explicit Stream(int32_t id, uint32_t seed = 20240229) { __quoNewStreamEx(&p, id, 1, &seed); }
-  ~Stream() { __quoDeleteStream(&p); }
-  Stream(const Stream&) = delete;
-  operator StreamState*() const { return p; }
-};
 
 std::string Print(const Distribution& d) {
   std::ostringstream out;

@@ -5,7 +5,6 @@
 
 #include <bit>
 #include <cstdint>
-#include <type_traits>
 #include <vector>
 
 #include "pexquo/pex.h"

@@ -1,7 +1,6 @@
 // The scalar logarithm, square root and floor of the distributions.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <limits>

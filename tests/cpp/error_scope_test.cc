@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cfenv>
 #include <cmath>
-#include <complex>
 #include <limits>
 #include <stdexcept>
 #include <string>

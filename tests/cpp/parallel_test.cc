@@ -7,13 +7,11 @@
 #include <complex>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 #include <numeric>
 #include <random>
 #include <stdexcept>
 #include <string>
 #include <thread>
-#include <type_traits>
 #include <vector>
 
 #include "pexquo/pexquo.hpp"

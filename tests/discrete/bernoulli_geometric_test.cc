@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <numeric>
 #include <vector>
 
 #include "pexquo/pex.h"
@@ -20,19 +19,11 @@ namespace {
 
 using scripted::script;
 using scripted::Script;
+using scripted::Stream;
 
 constexpr int32_t kLowest = std::numeric_limits<int32_t>::min();
 constexpr int32_t kHighest = std::numeric_limits<int32_t>::max();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-struct Stream {
-  StreamState* p = nullptr;
-  explicit Stream(const Script& s) : p(scripted::Start(s)) {}
-  explicit Stream(int32_t id, uint32_t seed = 20240229) { __quoNewStreamEx(&p, id, 1, &seed); }
-  ~Stream() { __quoDeleteStream(&p); }
-  Stream(const Stream&) = delete;
-  operator StreamState*() const { return p; }
-};
 
 using Entry = int32_t (*)(uint32_t, StreamState*, int32_t, int32_t*, double);
 

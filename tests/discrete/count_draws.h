@@ -9,7 +9,6 @@
 #include <boost/math/distributions/poisson.hpp>
 #include <cmath>
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "pexquo/quo.h"

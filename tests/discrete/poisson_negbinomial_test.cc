@@ -7,7 +7,6 @@
 #include <boost/math/distributions/negative_binomial.hpp>
 #include <boost/math/distributions/poisson.hpp>
 #include <cerrno>
-#include <cfenv>
 #include <cmath>
 #include <cstring>
 #include <functional>

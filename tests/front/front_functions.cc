@@ -1,7 +1,5 @@
 #include "tests/front/front_functions.h"
 
-#include <vector>
-
 #include "pexquo/pexquo.h"
 
 namespace {

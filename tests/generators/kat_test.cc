@@ -1,5 +1,4 @@
 // Known answers: the first outputs of streams, and digests of the first million, on every level.
-#include <cctype>
 #include <cstdlib>
 #include <fstream>
 #include <memory>

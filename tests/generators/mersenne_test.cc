@@ -123,19 +123,6 @@ void ExpectSameState(const Stream& stream, const Twister& twister) {
   EXPECT_TRUE(stream.RestUntouched());
 }
 
-// Draws all kinds from both, into arrays `shift` bytes off alignment; nothing around is touched.
-template <typename T, class Draw>
-void ExpectDraw(const std::vector<T>& expected, size_t shift, Draw draw) {
-  const size_t bytes = expected.size() * sizeof(T);
-  std::vector<char> buffer(bytes + 256, 0x5A);
-  char* const r = buffer.data() + 64 + shift;
-  ASSERT_EQ(draw(reinterpret_cast<T*>(r)), QUO_OK);
-  EXPECT_TRUE(std::string(r, bytes) == Bits(expected)) << expected.size() << " elements";
-  const std::string around(64 + shift, 0x5A);
-  EXPECT_EQ(std::string(buffer.data(), around.size()), around);
-  EXPECT_EQ(std::string(r + bytes, around.size()), around);
-}
-
 struct Bounds {
   double a, b;
 };

@@ -3,8 +3,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <functional>
-#include <memory>
 #include <optional>
 #include <vector>
 

@@ -8,8 +8,6 @@
 //   log1p  0x8.000000000000002p-66
 #include <gtest/gtest.h>
 
-#include <iterator>
-
 #include "tests/long_double/reference.h"
 
 namespace long_double_test {

@@ -14,7 +14,6 @@
 
 namespace long_double_test {
 
-using LongDouble = long double;
 using Function = long double (*)(long double);
 
 constexpr long double kInf = __builtin_infl();

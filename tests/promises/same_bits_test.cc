@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
-#include <optional>
 #include <thread>
 
 #include "tests/promises/arguments.h"

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <numeric>
 
 #include "quo_sub_kernel/niederr/niederr_table.h"
 #include "tests/quasi/plain.h"

@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <memory>
+#include <cstring>
 #include <string>
 #include <thread>
 

@@ -3,7 +3,6 @@
 
 #include <cstring>
 #include <limits>
-#include <string>
 
 #include "pexquo/quo.h"
 #include "tests/streams/scripted_generator.h"

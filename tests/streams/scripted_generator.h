@@ -83,6 +83,16 @@ inline StreamState* Start(const Script& s) {
   return stream;
 }
 
+// A stream at the start of a new script, or of another generator.
+struct Stream {
+  StreamState* p = nullptr;
+  explicit Stream(const Script& s) : p(Start(s)) {}
+  explicit Stream(int32_t id, uint32_t seed = 20240229) { __quoNewStreamEx(&p, id, 1, &seed); }
+  ~Stream() { __quoDeleteStream(&p); }
+  Stream(const Stream&) = delete;
+  operator StreamState*() const { return p; }
+};
+
 }  // namespace scripted
 
 #endif  // TESTS_STREAMS_SCRIPTED_GENERATOR_H_

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <vector>
 
 #include "pexquo/quo.h"
 #include "tests/streams/scripted_generator.h"

@@ -16,6 +16,7 @@ namespace {
 
 using scripted::script;
 using scripted::Script;
+using scripted::Stream;
 
 constexpr int32_t kLowest = std::numeric_limits<int32_t>::min();
 constexpr int32_t kHighest = std::numeric_limits<int32_t>::max();
@@ -24,15 +25,6 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr int32_t kGenerators[] = {0x100000, 0x400000, 0x500000, 0x500000 + 200};
 constexpr int32_t kWordGenerators[] = {QUO_BRNG_R250,    QUO_BRNG_MRG32K3A, QUO_BRNG_SOBOL,
                                        QUO_BRNG_NIEDERR, QUO_BRNG_MT19937,  QUO_BRNG_MT2203 + 1023};
-
-struct Stream {
-  StreamState* p = nullptr;
-  explicit Stream(const Script& s) : p(scripted::Start(s)) {}
-  explicit Stream(int32_t id, uint32_t seed = 20240229) { __quoNewStreamEx(&p, id, 1, &seed); }
-  ~Stream() { __quoDeleteStream(&p); }
-  Stream(const Stream&) = delete;
-  operator StreamState*() const { return p; }
-};
 
 int32_t Uniform(uint32_t method, StreamState* s, int32_t n, double* r, double a, double b) {
   return _quodRngUniform(method, s, n, r, a, b);

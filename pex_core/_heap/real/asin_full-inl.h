@@ -4,7 +4,6 @@
 // result is taken from.
 
 #include <cstddef>
-#include <cstdint>
 #include <iterator>
 
 #include "hwy/highway.h"

@@ -6,6 +6,7 @@
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/atan_polynomials.h"
 #include "pex_core/_heap/real/atan_tables.h"
+#include "pex_core/_heap/real/rows.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
 #include "pex_core/_kernel/polynomial-inl.h"
@@ -28,20 +29,8 @@ struct AtanRow {
   V c, finite, angle, rest;
 };
 
-// The table by rows, for the levels that read whole rows.
-struct AtanRows {
-  alignas(64) double row[16][4];
-};
-inline constexpr AtanRows kAtanRows = [] {
-  AtanRows rows = {};
-  for (int i = 0; i < 16; ++i) {
-    rows.row[i][0] = kAtanBins.c[i];
-    rows.row[i][1] = kAtanBins.finite[i];
-    rows.row[i][2] = kAtanBins.angle[i];
-    rows.row[i][3] = kAtanBins.rest[i];
-  }
-  return rows;
-}();
+inline constexpr auto kAtanRows =
+    ByRows(kAtanBins.c, kAtanBins.finite, kAtanBins.angle, kAtanBins.rest);
 
 // Rows `i & 15`.
 template <class D>

@@ -9,45 +9,21 @@
 #include <limits>
 
 #include "pex_core/_heap/real/atan_tables.h"
+#include "pex_core/_heap/real/exact_scalar.h"
 #include "pexquo/pex.h"
 
 namespace pex {
 namespace {
 
-// hi + lo; of a constant the double next to it and the next part.
-struct Two {
-  double hi, lo;
-};
-
+// Doubles next to constants, and the next parts.
 constexpr Two kPi = {3.141592653589793, 1.2246467991473532e-16};
 constexpr Two kHalfPi = {1.5707963267948966, 6.123233995736766e-17};
 constexpr Two kQuarterPi = {0.7853981633974483, 3.061616997868383e-17};
 constexpr Two kThreeQuartersPi = {2.356194490192345, 9.184850993605148e-17};
 
-// a + b = hi + lo exactly, for |a| >= |b| or a = 0 (Dekker 1971).
-Two FastSum(double a, double b) {
-  const double hi = a + b;
-  return {hi, b - (hi - a)};
-}
-
-// a * b = hi + lo exactly (Dekker 1971).
-Two Product(double a, double b) {
-  const auto split = [](double x) {
-    const double c = 134217729.0 * x;
-    const double hi = c - (c - x);
-    return Two{hi, x - hi};
-  };
-  const double hi = a * b;
-  const Two x = split(a), y = split(b);
-  const double err1 = hi - x.hi * y.hi;
-  const double err2 = err1 - x.lo * y.hi;
-  const double err3 = err2 - x.hi * y.lo;
-  return {hi, x.lo * y.lo - err3};
-}
-
 Two Quotient(Two n, Two m) {
   const double q = n.hi / m.hi;
-  const Two p = Product(q, m.hi);
+  const Two p = TwoProduct(q, m.hi);
   const double rest = ((n.hi - p.hi) - p.lo) + (n.lo - q * m.lo);
   return {q, rest / m.hi};
 }
@@ -67,18 +43,18 @@ double Tail(double t) {
 
 // atan(t) with an error below 2^-60 of itself, 2^-60 < t.hi < 2^60.
 Two PositiveAtan(Two t) {
-  if (t.hi < 0.125) return FastSum(t.hi, t.lo + Tail(t.hi));
+  if (t.hi < 0.125) return FastTwoSum(t.hi, t.lo + Tail(t.hi));
   const uint64_t bits = std::bit_cast<uint64_t>(t.hi);
   const int row = std::min((static_cast<int>(bits >> 32) - 0x3FC00000) >> 19, 113);
   const uint64_t start = uint64_t{0x3FC00000} + (static_cast<uint64_t>(row) << 19);
   const double c = std::bit_cast<double>((start + (1 << 18)) << 32);
-  const Two tc = Product(t.hi, c);
+  const Two tc = TwoProduct(t.hi, c);
   const double low = tc.lo + t.lo * c;
-  const Two m = tc.hi > 1 ? FastSum(tc.hi, 1) : FastSum(1, tc.hi);
+  const Two m = tc.hi > 1 ? FastTwoSum(tc.hi, 1) : FastTwoSum(1, tc.hi);
   const Two u = Quotient({t.hi - c, t.lo}, {m.hi, m.lo + low});
   const double* angle = _pexdAtanHATab[row];
-  const Two s = FastSum(angle[0], u.hi);
-  return FastSum(s.hi, s.lo + (angle[1] + (u.lo + Tail(u.hi))));
+  const Two s = FastTwoSum(angle[0], u.hi);
+  return FastTwoSum(s.hi, s.lo + (angle[1] + (u.lo + Tail(u.hi))));
 }
 
 // y/x for positive finite y and x whose exponents differ by 54 at most, scaled where the error of
@@ -139,13 +115,13 @@ Two CommonAngle(double y, double x, bool left) {
   }
   const Two angle = PositiveAtan(ScaledQuotient(y, x));
   if (!left) return angle;
-  const Two s = FastSum(kPi.hi, -angle.hi);
+  const Two s = FastTwoSum(kPi.hi, -angle.hi);
   return {s.hi, s.lo + (kPi.lo - angle.lo)};
 }
 
 // hi + lo rounded once to a float: to odd first, which keeps the side of a middle.
 float RoundOnce(Two v) {
-  const Two s = FastSum(v.hi, v.lo);
+  const Two s = FastTwoSum(v.hi, v.lo);
   uint64_t bits = std::bit_cast<uint64_t>(s.hi);
   if (s.lo != 0 && bits % 2 == 0) bits += std::signbit(s.hi) == std::signbit(s.lo) ? 1 : -1;
   return static_cast<float>(std::bit_cast<double>(bits));

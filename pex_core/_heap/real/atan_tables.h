@@ -36,21 +36,6 @@ inline constexpr double kAtanMiddle = 0x1.801a36e2eb9b2p-1, kAtanMiddleAngle = 0
 // The same near 0.56; the angle is a multiple of pi's last place.
 inline constexpr double kAtanOctantMiddle = 0x1.1eb851ecc7a7dp-1, kAtanOctantMiddleAngle = 0x1.055eb9b0343dcp-1;
 
-// Half octaves of low/high from 1 to 1/11, rows i for i half octaves between the bit patterns of
-// high and low: atan(low/high) = angle + atan((low - c high)/(high + c low)) with a fraction below
-// 0.0999. The angle is atan(c) to within 2^-63 and a multiple of pi's last place; the last row,
-// with all that is below it, has c = 0. The two words of each c are equal.
-struct AtanOctantBins {
-  alignas(64) double c[8], angle[8];
-};
-
-inline constexpr AtanOctantBins kAtanOctantBins = {
-    {0x1.a396e3fea396ep-1, 0x1.36aaf3fe36aafp-1, 0x1.986313fd98631p-2, 0x1.321f03fd321fp-2,
-     0x1.996183fc99618p-3, 0x1.32e8c3fc32e8cp-3, 0x1.995483fb99548p-4, 0x0p+0},
-    {0x1.5f8032335ee1cp-1, 0x1.173caca07e94p-1, 0x1.8497a9c2895b8p-2, 0x1.29763241ced38p-2,
-     0x1.940e31e105b1p-3, 0x1.30a46a31f9fdp-3, 0x1.97f9c18dd97ap-4, 0x0p+0},
-};
-
 // Rows of atan(a) = angle + atan((a - c)/(1 + c a)), by the leading bits of a + 3/8, which goes up
 // to the last bin. The angle is atan(c) to within 2^-64 (single: 2^-32) of itself; the row of the
 // least a has c = 0.

@@ -1,7 +1,6 @@
 // The tiers of a cube root's kernel, and its rare lanes: zeros, subnormal numbers, infinities, NaN.
 
 #include <cmath>
-#include <limits>
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/cbrt_double-inl.h"

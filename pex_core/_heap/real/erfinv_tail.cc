@@ -4,7 +4,6 @@
 
 #include <bit>
 #include <cmath>
-#include <cstddef>
 #include <cstdint>
 
 #include "pex_core/_heap/real/erfinv_tables.h"
@@ -13,21 +12,8 @@
 namespace pex {
 namespace {
 
-TailSum FastTwoSum(double a, double b) {
-  const double hi = a + b;
-  return {hi, b - (hi - a)};
-}
-
-TailSum TwoProduct(double a, double b) {
-  constexpr double kSplitter = 134217729;  // 2^27 + 1
-  const double s = a * kSplitter, t = b * kSplitter;
-  const double ah = s - (s - a), al = a - ah, bh = t - (t - b), bl = b - bh;
-  const double hi = a * b;
-  return {hi, al * bl - (((hi - ah * bh) - al * bh) - ah * bl)};
-}
-
 // -ln q within 2^-60.
-TailSum MinusLog(double q) {
+Two MinusLog(double q) {
   double e = 0;
   if (q < 0x1p-1022) {
     q *= 0x1p64;
@@ -38,26 +24,26 @@ TailSum MinusLog(double q) {
   e += static_cast<double>(above >> 52);
   const double m = std::bit_cast<double>((above & 0x000FFFFFFFFFFFFF) + kLeast);
   const double* row = kLnRows.row[std::bit_cast<uint64_t>(m + 0x1.8p48) & 15];
-  const TailSum p = TwoProduct(m - row[0], row[1]);
+  const Two p = TwoProduct(m - row[0], row[1]);
   constexpr int kTerms = sizeof kLn / sizeof *kLn;
   double rest = kLn[kTerms - 1];
   for (int i = kTerms - 1; i-- > 0;) rest = rest * p.hi + kLn[i];
   const double head = e * NaturalLog::kLog2Hi + row[2];  // exact
-  const TailSum s = FastTwoSum(head, p.hi);
+  const Two s = FastTwoSum(head, p.hi);
   const double tail = rest * (p.hi * p.hi) + e * NaturalLog::kLog2Lo;
-  const TailSum log = FastTwoSum(s.hi, s.lo + (p.lo + tail));
+  const Two log = FastTwoSum(s.hi, s.lo + (p.lo + tail));
   return {-log.hi, -log.lo};
 }
 
 }  // namespace
 
-TailSum ErfcInvTail(double q) {
-  const TailSum log = MinusLog(q);
+Two ErfcInvTail(double q) {
+  const Two log = MinusLog(q);
   const double v = std::sqrt(log.hi);
-  const TailSum square = TwoProduct(v, v);
+  const Two square = TwoProduct(v, v);
   const double v_rest = ((log.hi - square.hi) - square.lo + log.lo) / (v + v);
   const double s = 1 / v;
-  const TailSum one = TwoProduct(s, v);
+  const Two one = TwoProduct(s, v);
   const double s_rest = ((1 - one.hi) - one.lo - s * v_rest) * s;
 
   const int j = static_cast<int>(s * 128);
@@ -66,30 +52,30 @@ TailSum ErfcInvTail(double q) {
   const double t = (s - (j + 0.5) / 128) + s_rest;
   double p = row[kErfInvTailDegree + 1];
   for (int i = kErfInvTailDegree; i > 2; --i) p = p * t + row[i];
-  const TailSum linear = TwoProduct(row[2], t);
-  TailSum less = FastTwoSum(row[0], linear.hi);
+  const Two linear = TwoProduct(row[2], t);
+  Two less = FastTwoSum(row[0], linear.hi);
   less.lo += (row[1] + linear.lo) + p * (t * t);
 
-  const TailSum product = TwoProduct(v, less.hi);
-  const TailSum head = FastTwoSum(v, -product.hi);
+  const Two product = TwoProduct(v, less.hi);
+  const Two head = FastTwoSum(v, -product.hi);
   const double tail = (v_rest * (1 - less.hi) - v * less.lo) - product.lo;
   return FastTwoSum(head.hi, head.lo + tail);
 }
 
-TailSum NormInvTail(double q) {
+Two NormInvTail(double q) {
   constexpr double kRoot = 0x1.6a09e667f3bcdp+0, kRootRest = -0x1.bdd3413b26456p-54;  // sqrt(2)
-  const TailSum y = ErfcInvTail(q);
-  const TailSum product = TwoProduct(y.hi, kRoot);
+  const Two y = ErfcInvTail(q);
+  const Two product = TwoProduct(y.hi, kRoot);
   return FastTwoSum(product.hi, product.lo + (y.hi * kRootRest + y.lo * kRoot));
 }
 
-double RoundTail(TailSum s, bool negative) {
+double RoundTail(Two s, bool negative) {
   const double y = s.hi + s.lo;
   return negative ? -y : y;
 }
 
 // The sum is rounded to odd first.
-float RoundTailToFloat(TailSum s, bool negative) {
+float RoundTailToFloat(Two s, bool negative) {
   uint64_t bits = std::bit_cast<uint64_t>(s.hi);
   if (s.lo != 0) bits = (bits - (s.lo < 0)) | 1;
   const float y = static_cast<float>(std::bit_cast<double>(bits));

@@ -4,22 +4,18 @@
 
 #include <cmath>
 
+#include "pex_core/_heap/real/exact_scalar.h"
 #include "pexquo/pex.h"
 
 namespace pex {
 
-// hi + lo, |lo| at most half an ulp of hi.
-struct TailSum {
-  double hi, lo;
-};
-
 // erfcinv(q) and sqrt(2) erfcinv(q) for 0 < q <= 2^-20, subnormal q too, within 2^-58.
-TailSum ErfcInvTail(double q);
-TailSum NormInvTail(double q);
+Two ErfcInvTail(double q);
+Two NormInvTail(double q);
 
 // s, or -s where `negative`, rounded once.
-double RoundTail(TailSum s, bool negative);
-float RoundTailToFloat(TailSum s, bool negative);
+double RoundTail(Two s, bool negative);
+float RoundTailToFloat(Two s, bool negative);
 
 // The result and the code of an inverse function on (0, 2 middle) at its ends, where it is infinite
 // with the sign of `at_zero` at 0 and with the other one at 2 middle, outside, for NaN, and for the

@@ -315,7 +315,7 @@ alignas(64) inline constexpr double dExpFine[16] = {
 };
 
 // 2^(j/16)/(1 + j/16) - 1, the last bits such that (1 - c) - c t, c = 2^n (1 + j/16), is the
-// same rounded once and twice for -1022 <= n <= 1022.
+// same rounded once and twice for -1023 < n < 1024.
 alignas(64) inline constexpr double dExpOverChord[16] = {
     0x0p+0, -0x1.190d74cd0b116p-6, -0x1.f6547e426c841p-6, -0x1.500960e975861p-5,
     -0x1.8e69894a0e448p-5, -0x1.b8ea36bfb08efp-5, -0x1.d1aa6cc87cde6p-5, -0x1.da645cd305573p-5,

@@ -9,7 +9,6 @@
 // doubles (2^-31 of floats).
 
 #include <cstdint>
-#include <type_traits>
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/exp_single-inl.h"

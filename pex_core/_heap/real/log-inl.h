@@ -515,6 +515,16 @@ HWY_INLINE LogPoint<V> LogPointAt(D d, V m) {
 #endif
 }
 
+// (P(p) - P(0))/p for the polynomial P of the whole logarithm.
+template <class Base, class D, class V, size_t K>
+HWY_INLINE void LogFullPolynomial(D d, const V (&p)[K], V (&q)[K]) {
+  AdaptedSextic(d, p, Base::kSextic, q);
+  for (size_t k = 0; k < K; ++k) {
+    q[k] = hn::Add(hn::Mul(q[k], p[k]), hn::Set(d, Base::kPolynomial[1]));
+  }
+  EndPart(q);
+}
+
 // The whole logarithm with one rounding that counts, in parts: e log(2) + log(a) is exact, its sum
 // with the argument p = (m - a) factor leaves an error that is made good, as is what p's rounding
 // leaves. At most 0.56 ulp.
@@ -542,14 +552,7 @@ struct LogFullPart {
     }
     EndPart(low);
   }
-  HWY_INLINE void Evaluate() {
-    const D d;
-    AdaptedSextic(d, p, Base::kSextic, q);
-    for (size_t k = 0; k < K; ++k) {
-      q[k] = hn::Add(hn::Mul(q[k], p[k]), hn::Set(d, Base::kPolynomial[1]));
-    }
-    EndPart(q);
-  }
+  HWY_INLINE void Evaluate() { LogFullPolynomial<Base>(D(), p, q); }
   HWY_INLINE void Result(const V*, V* r) const {
     const D d;
     for (size_t k = 0; k < K; ++k) {

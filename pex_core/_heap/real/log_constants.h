@@ -6,24 +6,11 @@
 
 #include "pex_core/_heap/real/exp_log_polynomials.h"
 #include "pex_core/_heap/real/log_tables.h"
+#include "pex_core/_heap/real/rows.h"
 
 namespace pex {
 
-// The table by rows, for levels that load rows and transpose them.
-struct LogRows {
-  alignas(64) double row[16][4];  // a, factor, log, rest
-};
-
-constexpr LogRows ByRows(const LogTable& t) {
-  LogRows r{};
-  for (int j = 0; j < 16; ++j) {
-    r.row[j][0] = t.a[j];
-    r.row[j][1] = t.factor[j];
-    r.row[j][2] = t.log[j];
-    r.row[j][3] = t.rest[j];
-  }
-  return r;
-}
+constexpr auto ByRows(const LogTable& t) { return ByRows(t.a, t.factor, t.log, t.rest); }
 
 // The same of a finer table, by the number of sixteenths.
 struct LogFineRows {
@@ -87,8 +74,8 @@ inline constexpr LogSixteenths kLnPointSixteenths = BySixteenths(kLnPoints);
 inline constexpr LogSixteenths kLnShortSixteenths = BySixteenths(kLnShortFactors);
 inline constexpr LogSixteenths kLog10ShortSixteenths = BySixteenths(kLog10ShortFactors);
 inline constexpr LogSixteenths kLog10Sixteenths = BySixteenths(kLog10Factors);
-inline constexpr LogRows kLnRows = ByRows(kLnTable);
-inline constexpr LogRows kLog10Rows = ByRows(kLog10Table);
+inline constexpr auto kLnRows = ByRows(kLnTable);
+inline constexpr auto kLog10Rows = ByRows(kLog10Table);
 inline constexpr LogFineRows kLnFineRows = ByRows(kLnFineTable);
 inline constexpr LogFineRows kLog10FineRows = ByRows(kLog10FineTable);
 
@@ -141,7 +128,7 @@ struct Log10Factors {
 struct NaturalLog {
   static constexpr bool kHasRest = false;  // every factor is good to 2^-58
   static constexpr const LogTable& kTable = kLnTable;
-  static constexpr const LogRows& kRows = kLnRows;
+  static constexpr auto& kRows = kLnRows;
   static constexpr double kLog2Hi = 0x1.62e42fefa38p-1;  // ln 2
   static constexpr double kLog2Lo = 0x1.ef35793c7673p-45;
   static constexpr auto& kPolynomial = kLn;
@@ -154,7 +141,7 @@ struct NaturalLog {
 struct DecimalLog {
   static constexpr bool kHasRest = true;
   static constexpr const LogTable& kTable = kLog10Table;
-  static constexpr const LogRows& kRows = kLog10Rows;
+  static constexpr auto& kRows = kLog10Rows;
   static constexpr double kLog2Hi = 0x1.34413509f8p-2;  // log10 2
   static constexpr double kLog2Lo = -0x1.80433b83b532ap-44;
   static constexpr auto& kPolynomial = kLog10;

@@ -103,12 +103,7 @@ struct LogOfSumPart {
     EndPart(end);
     less = end[0];
   }
-  HWY_INLINE void Evaluate() {
-    const D d;
-    AdaptedSextic(d, p, LongNaturalLog::kSextic, q);
-    q[0] = hn::Add(hn::Mul(q[0], p[0]), hn::Set(d, LongNaturalLog::kPolynomial[1]));
-    EndPart(q);
-  }
+  HWY_INLINE void Evaluate() { LogFullPolynomial<LongNaturalLog>(D(), p, q); }
   HWY_INLINE void Result(const V* x, V* r) const {
     const D d;
     // The polynomial's first coefficient is -1/2.

@@ -33,7 +33,6 @@ namespace pex::ldbl {
 long double Exp(long double x);
 long double Log(long double x);
 long double Log1p(long double x);
-inline long double Fabs(long double x) { return __builtin_fabsl(x); }
 
 // value 2^n.
 struct Scaled {

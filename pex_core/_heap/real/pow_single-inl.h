@@ -5,6 +5,7 @@
 #include "pex_core/_heap/real/exp_single-inl.h"
 #include "pex_core/_heap/real/pow_point_tables.h"
 #include "pex_core/_heap/real/pow_single_tables.h"
+#include "pex_core/_heap/real/rows.h"
 #include "pex_core/_heap/real/slog-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
@@ -22,18 +23,7 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// The columns of the wide table by rows.
-struct PowWideRows {
-  alignas(64) double row[16][2];
-};
-inline constexpr PowWideRows kPowWideRows = [] {
-  PowWideRows rows = {};
-  for (int j = 0; j < 16; ++j) {
-    rows.row[j][0] = kPowWideTable.factor[j];
-    rows.row[j][1] = kPowWideTable.log[j];
-  }
-  return rows;
-}();
+inline constexpr auto kPowWideRows = ByRows(kPowWideTable.factor, kPowWideTable.log);
 
 // Positive normal x = 2^e m, m = a + t, 3/4 <= m < 3/2; the sixteenth a is the row `i & 15` of the
 // tables.

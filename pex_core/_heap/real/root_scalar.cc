@@ -5,30 +5,11 @@
 #include <cstdint>
 #include <limits>
 
+#include "pex_core/_heap/real/exact_scalar.h"
 #include "pexquo/pex.h"
 
 namespace pex {
 namespace {
-
-struct Two {
-  double hi, lo;
-};
-
-Two Split(double x) {
-  const double c = 134217729.0 * x;  // 2^27 + 1
-  const double hi = c - (c - x);
-  return {hi, x - hi};
-}
-
-// a * b = hi + lo exactly (Dekker 1971).
-Two Product(double a, double b) {
-  const double hi = a * b;
-  const Two x = Split(a), y = Split(b);
-  const double err1 = hi - x.hi * y.hi;
-  const double err2 = err1 - x.lo * y.hi;
-  const double err3 = err2 - x.hi * y.lo;
-  return {hi, x.lo * y.lo - err3};
-}
 
 // 2^e for a normal result.
 double PowerOfTwo(int e) { return std::bit_cast<double>(static_cast<uint64_t>(e + 1023) << 52); }
@@ -128,8 +109,8 @@ int InvSqrtScalar(double x, double* r) {
   }
   const auto [m, k] = Reduce(x);
   const double y = 1 / std::sqrt(m);
-  const Two square = Product(y, y);
-  const Two product = Product(m, square.hi);
+  const Two square = TwoProduct(y, y);
+  const Two product = TwoProduct(m, square.hi);
   const double e = ((1 - product.hi) - product.lo) - m * square.lo;
   *r = (y + 0.5 * y * e) * PowerOfTwo(-k);
   return PEX_STATUS_OK;
@@ -155,9 +136,9 @@ int Pow3o2Scalar(double x, double* r) {
   }
   const auto [m, k] = Reduce(x);
   const double s = std::sqrt(m);
-  const Two square = Product(s, s);
+  const Two square = TwoProduct(s, s);
   const double rest = (m - square.hi) - square.lo;
-  const Two product = Product(m, s);
+  const Two product = TwoProduct(m, s);
   const Two result = {product.hi, product.lo + 0.5 * s * rest};
   *r = Scaled(result, 3 * k);
   return PEX_STATUS_OK;

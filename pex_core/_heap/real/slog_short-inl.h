@@ -18,14 +18,9 @@ namespace pex::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 #if HWY_TARGET == HWY_SSE4
-template <class Base, class Single>
-struct sLogHAKernel : sLogWideKernel {
-  template <class D, class V>
-  static HWY_INLINE V Main(D d, V x) {
-    return sLogHA<Base, Single>(d, x);
-  }
-};
+using sLogHABase = sLogWideKernel;
 #else
+using sLogHABase = sLogKernel;
 
 // The rows next to m, a polynomial for half a step, and how much the sum may err in relation to
 // itself (ln's by 2^-34.3 on AVX-512) or, beside 2^-37 of that, to r^2 (2^-27.4 on AVX2). Where the
@@ -155,13 +150,15 @@ HWY_INLINE V sLogRounded(D d, const sLogShort<V>& s, BitsOf<D>& doubt) {
   return least;
 }
 
+#endif
+
 template <class Base, class Single>
-struct sLogHAKernel : sLogKernel {
-  static constexpr int kUnroll = 2;
+struct sLogSums {
   template <class D, class V>
   static HWY_INLINE V InFull(D d, V x) {
     return sLogHA<Base, Single>(d, x);
   }
+#if HWY_TARGET != HWY_SSE4
   template <class D, class V>
   static HWY_INLINE V Short(D d, V x, BitsOf<D>& doubt) {
     const auto u = sLogReduce(d, x);
@@ -171,13 +168,11 @@ struct sLogHAKernel : sLogKernel {
     if constexpr (Single::kLogE != 1) s = sInDecimal(d, s);
     return sLogRounded<Single>(d, s, doubt);
   }
-  template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    ShortGroup<sLogHAKernel>(d, x, r);
-  }
+#endif
 };
 
-#endif
+template <class Base, class Single>
+using sLogHAKernel = ShortSumKernel<sLogSums<Base, Single>, sLogHABase>;
 
 }  // namespace pex::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();

@@ -5,8 +5,8 @@
 #include <bit>
 #include <cstdint>
 
+#include "pex_core/_heap/real/exact_scalar.h"
 #include "pex_core/_heap/real/trig_reduce.h"
-#include "pex_core/_heap/real/trig_scalar.h"
 #include "pex_core/_heap/real/trig_tables.h"
 #include "pex_core/_kernel/control.h"
 #include "pex_core/errors/pex_errors.h"
@@ -35,7 +35,7 @@ Reduced Reduce(double x) {
   const double part2 = k * 3.798187816439979e-12;
   const double y = high - part2;
   const double rest = ((high - y) - part2) - k * 1.2639164054974691e-22 + u.low;
-  const Two sum = FastSum(y, rest);
+  const Two sum = FastTwoSum(y, rest);
   return {row + static_cast<int64_t>(k), sum.hi, sum.lo};
 }
 
@@ -48,8 +48,8 @@ Two SineFromRow(int64_t j, const Reduced& u) {
       u.y * y2 * (-1.0 / 6 + y2 * (1.0 / 120 + y2 * (-1.0 / 5040 + y2 * 2.7557319223985893e-06)));
   const double small_cos =
       y2 * (-1.0 / 2 + y2 * (1.0 / 24 + y2 * (-1.0 / 720 + y2 * (1.0 / 40320))));
-  const Two p = Product(cos, u.y);
-  const Two head = FastSum(sin, p.hi);
+  const Two p = TwoProduct(cos, u.y);
+  const Two head = FastTwoSum(sin, p.hi);
   const double tail = sin * small_cos + cos * (small_sin + u.rest);
   return {head.hi, (head.lo + p.lo) + ((sin_rest + cos_rest * u.y) + tail)};
 }
@@ -69,7 +69,7 @@ double Tangent(const Reduced& u) {
   const Two s = SineFromRow(u.row, u), c = SineFromRow(u.row + 16, u);
   const double cosine = c.hi + c.lo;
   const double q = (s.hi + s.lo) / cosine;
-  const Two p = Product(q, c.hi);
+  const Two p = TwoProduct(q, c.hi);
   return q + (((s.hi - p.hi) - p.lo) + (s.lo - q * c.lo)) / cosine;
 }
 

@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstdint>
 
-#include "pex_core/_heap/real/trig_scalar.h"
+#include "pex_core/_heap/real/exact_scalar.h"
 #include "pex_core/_heap/real/trig_tables.h"
 
 namespace pex {
@@ -17,8 +17,8 @@ constexpr uint64_t kSignificand = (uint64_t{1} << 52) - 1;
 struct RunningSum {
   double hi = 0, lo = 0;
   void Add(double x) {
-    const Two s = Sum(hi, x);
-    const Two t = FastSum(s.hi, s.lo + lo);
+    const Two s = TwoSum(hi, x);
+    const Two t = FastTwoSum(s.hi, s.lo + lo);
     hi = t.hi;
     lo = t.lo;
   }
@@ -38,7 +38,7 @@ int ReduceModerate(ReducedArgument* reduced, double ax, double sign, bool five_p
   RunningSum sum{ax, 0};
   for (int i = five_parts ? 4 : 3; i > 0; --i) sum.Add(-n * *part++);
   sum.lo -= n * *part;
-  return Store(reduced, sign, FastSum(sum.hi, sum.lo), multiple);
+  return Store(reduced, sign, FastTwoSum(sum.hi, sum.lo), multiple);
 }
 
 // From 2^30 on: the products of the two halves of ax 2^-200 with the pieces of 2/pi that can change
@@ -71,13 +71,13 @@ int ReduceLarge(ReducedArgument* reduced, double ax, double sign, int exponent) 
     sum.Add(hi * piece[i + 1]);
   }
 
-  const Two f = FastSum(sum.hi, sum.lo);
+  const Two f = FastTwoSum(sum.hi, sum.lo);
   const double shifted = f.hi * kTable[4];
   const double f_hi = (f.hi + shifted) - shifted;
   const double f_lo = (f.hi - f_hi) + f.lo;
   const double p = f_hi * kTable[6];
   const double c = kTable[6] * f_lo + (f_hi + f_lo) * kTable[7];
-  return Store(reduced, sign, FastSum(p, c), static_cast<int64_t>(whole + 1) >> 1);
+  return Store(reduced, sign, FastTwoSum(p, c), static_cast<int64_t>(whole + 1) >> 1);
 }
 
 }  // namespace

@@ -6,53 +6,28 @@
 #include <cmath>
 #include <cstdint>
 
+#include "pex_core/_heap/real/exact_scalar.h"
 #include "pex_core/_heap/real/trig_single_tables.h"
 #include "pexquo/pex.h"
 
 namespace pex {
 namespace {
 
-struct Pair {
-  double hi, lo;
-};
-
-Pair FastTwoSum(double a, double b) {
-  const double hi = a + b;
-  return {hi, b - (hi - a)};
-}
-
-Pair TwoSum(double a, double b) {
-  const double hi = a + b, t = hi - a;
-  return {hi, (a - (hi - t)) + (b - t)};
-}
-
-Pair SplitHalves(double x) {
-  const double c = x * 0x1.0000002p+27;
-  const double hi = c - (c - x);
-  return {hi, x - hi};
-}
-
-Pair TwoProduct(double a, double b) {
-  const Pair x = SplitHalves(a), y = SplitHalves(b);
-  const double hi = a * b;
-  return {hi, x.lo * y.lo - (((hi - x.hi * y.hi) - x.lo * y.hi) - x.hi * y.lo)};
-}
-
-Pair Multiply(Pair a, Pair b) {
-  const Pair p = TwoProduct(a.hi, b.hi);
+Two Multiply(Two a, Two b) {
+  const Two p = TwoProduct(a.hi, b.hi);
   return FastTwoSum(p.hi, p.lo + (a.hi * b.lo + a.lo * b.hi));
 }
 
-Pair Divide(Pair a, Pair b) {
+Two Divide(Two a, Two b) {
   const double q = a.hi / b.hi;
-  const Pair p = Multiply(b, {q, 0});
-  const Pair rest = TwoSum(a.hi, -p.hi);
+  const Two p = Multiply(b, {q, 0});
+  const Two rest = TwoSum(a.hi, -p.hi);
   return FastTwoSum(q, (rest.hi + (rest.lo + (a.lo - p.lo))) / b.hi);
 }
 
 // x = k pi/2 + y, |y| <= pi/4, k mod 4. The product of the 24 bits of x and 384 bits of 2/pi is an
 // integer; its bits next to the binary point are k and y.
-Pair ReduceQuarter(float x, unsigned* k) {
+Two ReduceQuarter(float x, unsigned* k) {
   *k = 0;
   if (std::fabs(x) < 0.75f) return {x, 0};
   const uint32_t bits = std::bit_cast<uint32_t>(x);
@@ -83,55 +58,55 @@ Pair ReduceQuarter(float x, unsigned* k) {
 
   const double hi = static_cast<double>(rest);
   const double lo = static_cast<double>(rest - static_cast<__int128>(hi));
-  const Pair y =
+  const Two y =
       Multiply({hi * 0x1p-128, lo * 0x1p-128}, {0x1.921fb54442d18p+0, 0x1.1a62633145c07p-54});
   const bool negative = bits >> 31;
   *k = negative ? 0 - turns : turns;
-  return negative ? Pair{-y.hi, -y.lo} : y;
+  return negative ? Two{-y.hi, -y.lo} : y;
 }
 
 // 1 - s/(first (first + 1)) (1 - s/((first + 2) (first + 3)) (1 - ...)): Taylor's series.
-Pair Series(Pair s, int first) {
-  Pair p = {1, 0};
+Two Series(Two s, int first) {
+  Two p = {1, 0};
   for (int i = first + 24; i >= first; i -= 2) {
-    const Pair t = Divide(Multiply(s, p), {static_cast<double>(i * (i + 1)), 0});
-    const Pair sum = FastTwoSum(1, -t.hi);
+    const Two t = Divide(Multiply(s, p), {static_cast<double>(i * (i + 1)), 0});
+    const Two sum = FastTwoSum(1, -t.hi);
     p = FastTwoSum(sum.hi, sum.lo - t.lo);
   }
   return p;
 }
-Pair SineOf(Pair y) { return Multiply(y, Series(Multiply(y, y), 2)); }
-Pair CosineOf(Pair y) { return Series(Multiply(y, y), 1); }
+Two SineOf(Two y) { return Multiply(y, Series(Multiply(y, y), 2)); }
+Two CosineOf(Two y) { return Series(Multiply(y, y), 1); }
 
-Pair Sine(float x) {
+Two Sine(float x) {
   unsigned k;
-  const Pair y = ReduceQuarter(x, &k);
-  const Pair r = k & 1 ? CosineOf(y) : SineOf(y);
-  return k & 2 ? Pair{-r.hi, -r.lo} : r;
+  const Two y = ReduceQuarter(x, &k);
+  const Two r = k & 1 ? CosineOf(y) : SineOf(y);
+  return k & 2 ? Two{-r.hi, -r.lo} : r;
 }
 
-Pair Cosine(float x) {
+Two Cosine(float x) {
   unsigned k;
-  const Pair y = ReduceQuarter(x, &k);
-  const Pair r = k & 1 ? SineOf(y) : CosineOf(y);
-  return (k + 1) & 2 ? Pair{-r.hi, -r.lo} : r;
+  const Two y = ReduceQuarter(x, &k);
+  const Two r = k & 1 ? SineOf(y) : CosineOf(y);
+  return (k + 1) & 2 ? Two{-r.hi, -r.lo} : r;
 }
 
-Pair Tangent(float x) {
+Two Tangent(float x) {
   unsigned k;
-  const Pair y = ReduceQuarter(x, &k);
-  const Pair s = SineOf(y), c = CosineOf(y);
+  const Two y = ReduceQuarter(x, &k);
+  const Two s = SineOf(y), c = CosineOf(y);
   return k & 1 ? Divide({-c.hi, -c.lo}, s) : Divide(s, c);
 }
 
 // Where v is a midpoint, the next double toward the rest.
-double Rounding(Pair v) {
+double Rounding(Two v) {
   const uint64_t bits = std::bit_cast<uint64_t>(v.hi);
   if ((bits & 0x1FFFFFFF) != 0x10000000 || v.lo == 0) return v.hi;
   return std::bit_cast<double>(std::signbit(v.lo) == std::signbit(v.hi) ? bits + 1 : bits - 1);
 }
 
-template <Pair (*kFunction)(float)>
+template <Two (*kFunction)(float)>
 double Settle(float x, double v, int doubt) {
   const uint64_t from_midpoint = std::bit_cast<uint64_t>(v) + 0x10000000 + (1ull << doubt);
   return (from_midpoint & 0x1FFFFFFF) >> (doubt + 1) == 0 ? Rounding(kFunction(x)) : v;

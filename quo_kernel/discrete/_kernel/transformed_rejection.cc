@@ -5,7 +5,6 @@
 //
 #include "quo_kernel/discrete/_kernel/transformed_rejection.h"
 
-#include <algorithm>
 #include <bit>
 #include <cstdint>
 

@@ -5,6 +5,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include <bit>
+#include <cstddef>
 
 #include "hwy/highway.h"
 #include "quo_kernel/_kernel/borrow.h"

@@ -132,7 +132,6 @@ void FillSmall(const Negbinomial& nb, bool concave, NbLogRatio* f) {
 struct Tangent {
   double at, log_f;    // the count and ln f there
   double decay, rest;  // -ln of the ratio to the next count outward, and 1 - ratio
-  double Reach() const { return at - log_f / decay; }  // (outward) where the tangent is at f(mode)
 };
 
 Tangent TangentOf(const Negbinomial& nb, const NbConcave& hat, double deviation, double outward) {

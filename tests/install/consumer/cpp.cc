@@ -2,7 +2,6 @@
 // parameter.
 #include <cstdio>
 #include <pexquo/pexquo.hpp>
-#include <stdexcept>
 #include <vector>
 
 int main() {
