@@ -1,4 +1,4 @@
-// log(x) as the vector kernels' HA tier has it: the same table, polynomial and order of operations.
+// log(x) from the nearest of 16 breakpoints, with one rounding more than the vector kernels of HA.
 #include "pex_core/ln/ln_rare.h"
 
 #include <bit>
