@@ -103,13 +103,15 @@ int dExpLAScalar(double x, double* r) {
   const double s = std::bit_cast<double>(power + (k << 42 & 0xFFF0000000000000));
   const double rest = x - kd * 0x1.62e42fecp-11 - kd * 0x1.d1cf79abc9e3bp-42;
   const double p = (0x1.5555555555556p-3 * rest + 0x1.0000001ebfbep-1) * rest * rest + rest;
-  // The sum is normal: that the product is not, as a result or as an operand, is no concern of the
-  // caller.
-  constexpr unsigned kSubnormal = _MM_EXCEPT_UNDERFLOW | _MM_EXCEPT_DENORM;
-  const unsigned raised = _mm_getcsr() & kSubnormal;
-  const volatile double product = s * p;
+  // The sum is normal: that the product is not, and raises flags on both its ways, is no concern of
+  // the caller.
+  constexpr unsigned kOfTiny = _MM_EXCEPT_UNDERFLOW | _MM_EXCEPT_DENORM;
+  const unsigned before = _mm_getcsr();
+  const volatile double factor = p;
+  const volatile double product = s * factor;
   const volatile double sum = product + s;
-  _mm_setcsr((_mm_getcsr() & ~kSubnormal) | raised);
+  const unsigned after = _mm_getcsr();
+  if ((after ^ before) & kOfTiny) _mm_setcsr((after & ~kOfTiny) | (before & kOfTiny));
   *r = sum;
   return PEX_STATUS_OK;
 }

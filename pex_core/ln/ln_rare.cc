@@ -1,5 +1,4 @@
-// log(x) by a point of the vector kernels' coarser table and a polynomial, rounded once but for
-// small terms.
+// log(x) from the nearest of 16 breakpoints, with one rounding more than the vector kernels of HA.
 #include "pex_core/ln/ln_rare.h"
 
 #include <bit>

@@ -149,7 +149,7 @@ struct sLog1pSums {
     const auto tiny = MagnitudeBelow(d, x, kTiny);
     const V t = hn::IfThenZeroElse(tiny, hn::Sub(smaller, over));
 #endif
-    const auto s = sLnOfSumShort(d, u, t);
+    const auto s = sLnOfSumShort<true>(d, u, t);
     const auto [below, above] = sLogLowerParts<sNaturalLog>(d, s);
 #if HWY_TARGET == HWY_AVX3
     const V least = MergedAdd(x, whole, s.high, below);

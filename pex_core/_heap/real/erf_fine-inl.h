@@ -64,15 +64,15 @@ struct CdfNormFine {
   }
 };
 
-// For x within the table. To add 2^-200 keeps the products of tiny numbers from underflow and
-// changes nothing else.
+// For x within the table. To add 2^-150 keeps the products of tiny numbers from underflow and
+// changes nothing else. The sum is 0 or no less than 2^-203, next to -2^-150, and has four powers.
 template <class Function, ErfcTier kTier, class D, class V, size_t K>
 HWY_INLINE void FromFineRows(D d, const V (&x)[K], V (&y)[K]) {
   V safe[K], c[K], w[K], w2[K], v[K], t[K];
   Row2<V> row[K];
   RowOffsets<sizeof(ErfcRow), D> at[K];
   for (size_t k = 0; k < K; ++k) {
-    safe[k] = hn::Add(x[k], hn::Set(d, 0x1p-200));
+    safe[k] = hn::Add(x[k], hn::Set(d, 0x1p-150));
     // The sum ends in the number of the row.
     const V shifter = hn::Set(d, 0x1.8p44 + Function::kFirst / 256.0);
     const V sum = hn::Add(safe[k], shifter);

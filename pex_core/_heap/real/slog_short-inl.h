@@ -4,6 +4,7 @@
 #include "pex_core/_heap/real/short_sum-inl.h"
 #include "pex_core/_heap/real/slog-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/_kernel/hardware-inl.h"
 
 #if defined(PEX_CORE__HEAP_REAL_SLOG_SHORT_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef PEX_CORE__HEAP_REAL_SLOG_SHORT_INL_H_
@@ -93,7 +94,7 @@ HWY_INLINE sLogShort<V> sLnShort(D d, V scaled, const sLogExactRow<D>& row, V r,
   V r2, cubic;
   if constexpr (S::kLess != 0) {
     r2 = HiddenMulAdd(r, r, hn::Set(d, -3 * S::kLess));
-    cubic = HiddenMulAdd(hn::Mul(r2, r), q, rest);
+    cubic = HiddenMulAdd(SilentMul(r2, r), q, rest);  // tiny for tiny r
   } else {
     r2 = hn::Mul(r, r);
     cubic = HiddenMulAdd(r2, HiddenMulSub(q, r, hn::Set(d, S::kErrorOfSquare)), rest);
@@ -103,12 +104,15 @@ HWY_INLINE sLogShort<V> sLnShort(D d, V scaled, const sLogExactRow<D>& row, V r,
 
 // ln(u + t) for u that the sum rounds to, normal and below 0.75 2^126: m c - 1 + 2^-e t c is a sum
 // of two floats, the upper one of which is what the sum exceeds 1 by where e is 0 and c 1. `shift`
-// is 2^23 for each ln(2) to add.
-template <class D, class V, class... Shift>
+// is 2^23 for each ln(2) to add. kWide: t/u may be below 2^-62, whose square would underflow; next
+// to so large a logarithm a larger t does as well.
+template <bool kWide = false, class D, class V, class... Shift>
 HWY_INLINE sLogShort<V> sLnOfSumShort(D d, V u, V t, Shift... shift) {
   auto v = sLogReduce(d, u);
   const auto row = sLogRowNext(d, v.m);
-  const V scaled_factor = FromBits(d, hn::Sub(Bits(d, row.factor), v.exponent_bits));
+  auto e = v.exponent_bits;
+  if constexpr (kWide && HWY_TARGET == HWY_AVX2) e = hn::Min(e, SetBits(d, 60 << 23));
+  const V scaled_factor = FromBits(d, hn::Sub(Bits(d, row.factor), e));
   const V most = ExactProductLess(v.m, row.factor, hn::Set(d, 1.0f));
   const V r = HiddenMulAdd(t, scaled_factor, most);
   const V rest = HiddenMulAdd(t, scaled_factor, hn::Sub(most, r));

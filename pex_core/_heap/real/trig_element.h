@@ -1,4 +1,6 @@
-// Sine, cosine and tangent of one element, by the table of multiples of pi/32: below 0.55 ulp.
+// Sine, cosine and tangent of one element, by the table of multiples of pi/32: below 0.55 ulp, but
+// for a few cosines next to 0. Of all doubles below 2^17 next to a multiple of pi/2 the worst is
+// off by 0.602 ulp (0x1.65a1dd290660fp+16): pi/32 in three parts goes no further.
 #ifndef PEX_CORE__HEAP_REAL_TRIG_ELEMENT_H_
 #define PEX_CORE__HEAP_REAL_TRIG_ELEMENT_H_
 
