@@ -67,7 +67,9 @@ typedef struct PexErrorContext {
 } PexErrorContext;
 
 /* Non-zero: the element is dealt with; no standard handling and no write-back follow. Rounding mode
- * and other control bits that the callback changes are put back when it returns. */
+ * and other control bits that the callback changes are put back when it returns. It may also leave
+ * by a C++ exception: the call ends at this element, and the caller has its control bits back; not
+ * by longjmp, which would leave those of the call in force. */
 typedef int (*PexErrorCallBack)(PexErrorContext* record);
 
 /* ---- Mode, status and callback of the calling thread. ---- */

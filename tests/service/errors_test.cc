@@ -350,6 +350,46 @@ TEST_F(Errors, TheControlBitsThatACallbackChangesEndWithIt) {
   }
 }
 
+// An exception ends the call at the element; the caller has its control word back, and the thread
+// its status, mode and callback.
+TEST_F(Errors, AnExceptionOfTheCallbackEndsTheCall) {
+  std::vector<double> a(100, 2.0), r(a.size());
+  a[70] = -1;
+  a[90] = 0;
+  const auto n = static_cast<int32_t>(a.size());
+  const auto give_up = [](PexErrorContext* record) -> int {
+    std::fesetround(FE_UPWARD);
+    throw record->index;
+  };
+  _pexSetErrorCallBack(give_up);
+  const auto call = [&](uint32_t word, auto entry) {
+    const uint32_t saved = _mm_getcsr();
+    int caught = -1;
+    _mm_setcsr(word);
+    try {
+      entry();
+    } catch (int32_t index) {
+      caught = index;
+    }
+    const uint32_t after = _mm_getcsr() & ~0x3Fu;
+    const int x87 = std::fegetround();
+    _mm_setcsr(saved);
+    EXPECT_EQ(after, word);
+    EXPECT_EQ(x87, FE_TONEAREST);
+    return caught;
+  };
+  const double infinity = std::numeric_limits<double>::infinity();
+  for (const uint32_t word : {0x1F80u, 0x7F80u, 0x9FC0u}) {
+    EXPECT_EQ(call(word, [&] { _pexdLn_50(n, a.data(), r.data()); }), 70);
+    EXPECT_EQ(_pexGetErrStatus(), PEX_STATUS_DOMAIN);
+    EXPECT_EQ(call(word, [&] { _pexdSin_SC_LA(0, &infinity, r.data(), nullptr); }), 0);
+    EXPECT_EQ(call(word, [&] { Report(2, 90, a.data(), a.data(), r.data(), r.data(), "x"); }), 90);
+    EXPECT_EQ(_pexGetErrStatus(), PEX_STATUS_SINGULARITY);
+    EXPECT_EQ(_pexGetMode(), PEX_MODE_DEFAULT);
+    EXPECT_EQ(_pexGetErrorCallBack(), static_cast<PexErrorCallBack>(give_up));
+  }
+}
+
 TEST_F(Errors, HeadlinesNameTheReason) {
   static const struct {
     int32_t code;
