@@ -43,7 +43,7 @@ uint64_t CountOf(const std::string& text) {
   return count;
 }
 
-// Writes `count` rows of `columns` numbers that fill(n, x) supplies, `rows` at a time.
+// Writes `count` rows of `columns` numbers that fill(n, x) supplies, at most `rows` at a time.
 template <typename T, typename Fill>
 void DrawRows(const DrawOptions& options, uint64_t count, int columns, const Fill& fill,
               size_t rows = kBlock) {
@@ -51,6 +51,7 @@ void DrawRows(const DrawOptions& options, uint64_t count, int columns, const Fil
   try {
     Sink sink(options.output, format, columns, NpyShape{{count}, false});
     Progress progress(count, sink.is_terminal());
+    rows = std::min<uint64_t>(rows, count);
     std::vector<T> block(rows * static_cast<size_t>(columns));
     for (uint64_t done = 0; done < count;) {
       const auto n = static_cast<size_t>(std::min<uint64_t>(rows, count - done));
@@ -264,6 +265,7 @@ constexpr Storage kStorages[] = {
 };
 
 constexpr size_t kMaxDimension = 4096;
+constexpr size_t kMostOfVectors = 256 * kBlock;  // components at a time
 
 template <typename T, typename Kernel>
 void DrawVectors(const DrawOptions& options, const quo::Distribution& d, Stream& stream,
@@ -290,17 +292,14 @@ void DrawVectors(const DrawOptions& options, const quo::Distribution& d, Stream&
          dimension, " has ", storage->size(dimension));
   }
   const uint32_t method = MethodOf(options, d);
-  DrawRows<T>(options, count, static_cast<int>(dimension), [&](int32_t n, T* x) {
-    // The entries count the components in 32 bits.
-    const auto most = static_cast<int32_t>(std::numeric_limits<int32_t>::max() / dimension);
-    for (int32_t done = 0; done < n;) {
-      const int32_t part = std::min(n - done, most);
-      Expect(kernel(method, stream.state.get(), part, x + static_cast<size_t>(done) * dimension,
-                    static_cast<int32_t>(dimension), storage->value, mean.data(), factor.data()),
-             stream, "gaussianmv");
-      done += part;
-    }
-  });
+  DrawRows<T>(
+      options, count, static_cast<int>(dimension),
+      [&](int32_t n, T* x) {
+        Expect(kernel(method, stream.state.get(), n, x, static_cast<int32_t>(dimension),
+                      storage->value, mean.data(), factor.data()),
+               stream, "gaussianmv");
+      },
+      std::min(kBlock, kMostOfVectors / dimension));
 }
 
 void DrawGaussianMV(const DrawOptions& options, const quo::Distribution& d, Stream& stream,

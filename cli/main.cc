@@ -113,8 +113,10 @@ void AddDraw(CLI::App* command, DrawOptions* o) {
                       "Of the Gaussians: boxmuller, boxmuller2 or icdf (the default)");
   command->add_option("--type", o->type, "d, s or i: double (the default), single, 32-bit integer");
   command->add_flag("--accurate", o->accurate, "Keep every number within the bounds");
-  command->add_option("--leapfrog", o->leapfrog, "K/S: every S-th number from the K-th on");
-  command->add_option("--skip", o->skip, "Numbers, or points, to pass over (after --leapfrog)");
+  command->add_option("--leapfrog", o->leapfrog,
+                      "K/S: every S-th output of the generator from the K-th on");
+  command->add_option("--skip", o->skip,
+                      "Outputs of the generator, or points, to pass over (after --leapfrog)");
   command->add_option("--save", o->save, "File for the stream's state after the last number");
   command->add_option("--load", o->load, "Saved state to go on from, instead of a new stream");
   AddOutput(command, &o->output, &o->format, "text, npy or raw (little-endian)");

@@ -55,6 +55,7 @@ template <typename Kernel, typename T, typename... Parameters>
 [[gnu::noinline, gnu::cold]] int32_t DrawOther(Kernel kernel, Request<T> request, int32_t refused,
                                                Parameters... parameters) {
   if (const int32_t status = First({Refusal(request), refused})) return status;
+  const WholeArray whole(request.r);  // for the records of lognormal and Cauchy
   return InPieces(request.n, request.r, 1, [&](int32_t n, T* r) {
     return kernel(static_cast<uint32_t>(request.method), request.stream, n, r, parameters...);
   });

@@ -14,8 +14,13 @@ struct Generator {
   bool exists() const { return row >= 0 && __quoIsBrngValid(table, row, member) == QUO_OK; }
   // Identifiers of both schemes may name the same one.
   bool operator==(const Generator& other) const {
-    return row == other.row && member == other.member &&
+    return NewRow() == other.NewRow() && member == other.member &&
            table[row].InitStream == other.table[other.row].InitStream;
+  }
+  // The row of the new scheme: the quasi-random generators have others in the legacy table.
+  int32_t NewRow() const {
+    constexpr int32_t kLegacySobol = 277, kSobol = (QUO_BRNG_SOBOL >> 20) - 1;
+    return table == __RegBrngs && row >= kLegacySobol ? row - kLegacySobol + kSobol : row;
   }
 
   int32_t row = 0, member = 0;
@@ -123,7 +128,9 @@ int32_t quoCopyStream(QuoStream** copy, const QuoStream* source) {
 int32_t quoCopyStreamState(QuoStream* destination, const QuoStream* source) {
   if (const int32_t refused = First({LiveStream(destination), LiveStream(source)})) return refused;
   if (!(Generator(destination->id) == Generator(source->id))) return QUO_DIFFERENT_BRNGS;
-  return __quoCopyStreamState(destination, source);
+  // Where a generator's rows differ, the kernel copies and says so.
+  const int32_t status = __quoCopyStreamState(destination, source);
+  return status == QUO_DIFFERENT_BRNGS ? QUO_OK : status;
 }
 
 int32_t quoLeapfrogStream(QuoStream* stream, int32_t k, int32_t nstreams) {

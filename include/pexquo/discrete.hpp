@@ -47,8 +47,8 @@ class uniform_bits : public detail::Distribution<uniform_bits, std::uint32_t> {
   static constexpr detail::Takes kTakes = detail::Takes::one;
   std::size_t unit(const stream& s) const {
     BrngProperties generator;
-    detail::CheckStatus(kName, quoGetBrngProperties(quoGetStreamBrng(s.handle()), &generator),
-                        std::source_location::current());
+    const std::int32_t id = quoGetStreamBrng(s.handle());
+    if (id < 0 || quoGetBrngProperties(id, &generator) < 0) return 1;  // the draw is refused
     return static_cast<std::size_t>(generator.WordBytes) / sizeof(std::uint32_t);
   }
   std::int32_t draw(QuoStream* s, std::int64_t n, std::uint32_t* r) const {

@@ -3,6 +3,7 @@
 #ifndef PEXQUO_DISTRIBUTION_HPP_
 #define PEXQUO_DISTRIBUTION_HPP_
 
+#include <atomic>
 #include <bit>
 #include <concepts>
 #include <cstddef>
@@ -17,6 +18,7 @@
 #include <vector>
 
 #include "pexquo/error.hpp"
+#include "pexquo/error_scope.hpp"
 #include "pexquo/pexquo.h"
 #include "pexquo/stream.hpp"
 
@@ -87,9 +89,12 @@ class Distribution {
           "r has " + std::to_string(n) + " elements, not a multiple of " + std::to_string(unit), 0,
           where);
     }
-    CheckStatus(D::kName,
-                self.draw(s.handle(), static_cast<std::int64_t>(n / unit), std::ranges::data(r)),
-                where);
+    const std::int32_t status =
+        self.draw(s.handle(), static_cast<std::int64_t>(n / unit), std::ranges::data(r));
+    if (g_waiting.load(std::memory_order_relaxed) != 0) [[unlikely]] {
+      RethrowWaiting();  // of a replacement: some distributions report elements
+    }
+    CheckStatus(D::kName, status, where);
   }
 
   /// A new vector of n elements.

@@ -134,10 +134,11 @@ struct error_options {
   std::function<void(element_error&)> replace{};
 };
 
-/// Collects the element errors of the vector functions that the thread calls while it lives, and
-/// sets the thread's mode: nothing but the collecting happens at a special element (no errno, no
-/// flag), unless the options say more. Scopes nest: the innermost one collects, and the thread's
-/// mode and callback are as before after each. Threads do not see each other's scopes.
+/// Collects the element errors of the vector functions that the thread calls while it lives, and of
+/// pexquo::lognormal, whose e^z may overflow or underflow, and sets the thread's mode: nothing but
+/// the collecting happens at a special element (no errno, no flag), unless the options say more.
+/// Scopes nest: the innermost one collects, and the thread's mode and callback are as before after
+/// each. Threads do not see each other's scopes.
 ///
 /// \code
 /// const std::vector<double> x = {1, 0, -4};

@@ -92,8 +92,10 @@ class parallel {
   ///   draw the words that lead there first;
   /// - abstract and other registered streams, and gamma, beta, binomial, poisson, hypergeometric
   ///   and negative_binomial, whose numbers take as many outputs as they need, and normal_mv of
-  ///   more than 10 dimensions in full storage, which the system's BLAS multiplies: by the calling
-  ///   thread. Members of a family serve there: see for_each.
+  ///   more than 10 dimensions in full storage, which the system's BLAS multiplies, and lognormal
+  ///   with e^z that may overflow or underflow (|mean| + 39 sigma from 708 on, of floats |mean| +
+  ///   14.5 sigma from 87 on), which is reported as d.fill does: by the calling thread. Members of
+  ///   a family serve there: see for_each.
   /// \throws argument_error before the stream has moved; stream_error, and then the stream stands
   ///         somewhere ahead and the range is filled in part
   template <typename D, typename R>
@@ -103,7 +105,9 @@ class parallel {
     using T = std::ranges::range_value_t<R>;
     if constexpr (requires { d.takes(); }) {
       const std::size_t n = std::ranges::size(r);
-      if (threads_ > 1 && n / 2 >= block_ && s.handle() != nullptr) {
+      bool reports = false;
+      if constexpr (requires { d.template reports<T>(); }) reports = d.template reports<T>();
+      if (threads_ > 1 && n / 2 >= block_ && s.handle() != nullptr && !reports) {
         const auto how = detail::AdvanceOf(s, d.takes(), detail::kIsLight<D>);
         if (how != detail::Advance::none && n % d.unit(s) == 0) {
           T* const data = std::ranges::data(r);

@@ -188,8 +188,8 @@ PEXQUO_API int32_t quoDeleteStream(QuoStream** stream);
 /* A new stream that goes on as `source` does. */
 PEXQUO_API int32_t quoCopyStream(QuoStream** copy, const QuoStream* source);
 /* Makes a stream go on as another of the same generator, and the same member of a family, does.
- * QUO_DIFFERENT_BRNGS, and then the destination is as before. The step of a stream that leaps is
- * not copied. */
+ * QUO_DIFFERENT_BRNGS, and then the destination is as before. Not copied are the step of an
+ * MCG31M1 or MCG59 stream that leaps, and the place and the source of an abstract stream. */
 PEXQUO_API int32_t quoCopyStreamState(QuoStream* destination, const QuoStream* source);
 /* From now on the stream delivers elements k, k + nstreams, k + 2 nstreams ... of its sequence,
  * counted from where it stands, 0 <= k < nstreams. QUO_BAD_STREAM_COUNT for nstreams < 1,

@@ -141,10 +141,10 @@ QUO_API int32_t __quoDeleteStream(StreamState** stream);
  * nothing stays allocated and the pointer is null. */
 QUO_API int32_t __quoCopyStream(StreamState** copy, const StreamState* source);
 /* Copies the seedable state and the chunks into an existing stream: SeedCount words of the source,
- * as far as both streams have room, so not the multiplier that a leapfrog leaves behind. -1005
- * between different registry rows, after copying, unless the source has chunks; -4, and then the
- * destination has no chunks; -1000 if either names no generator. A copy onto itself does nothing.
- */
+ * as far as both streams have room: of MCG31M1 and MCG59 not the multiplier that a leapfrog leaves
+ * behind, of abstract streams nothing. -1005 between different registry rows, after copying, unless
+ * the source has chunks; -4, and then the destination has no chunks; -1000 if either names no
+ * generator. A copy onto itself does nothing. */
 QUO_API int32_t __quoCopyStreamState(StreamState* destination, const StreamState* source);
 /* The identifier that the stream was created with. */
 QUO_API int32_t __quoGetStreamStateBrng(const StreamState* stream);

@@ -207,8 +207,8 @@ class stream {
   }
 
   /// The stream of a file; it goes on where the saved one stood.
-  /// \throws file_error if it cannot be read
-  /// \throws stream_error if it is no stream
+  /// \throws file_error if it cannot be read or is no stream
+  /// \throws stream_error for want of memory
   [[nodiscard]] static stream load(const std::filesystem::path& path,
                                    std::source_location where = std::source_location::current()) {
     stream s;

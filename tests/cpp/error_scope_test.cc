@@ -169,4 +169,24 @@ TEST(ErrorScope, DistributionsReportNothing) {
   EXPECT_TRUE(errors.empty());
 }
 
+// But for the exponential of lognormal.
+TEST(ErrorScope, ExceptionsOfReplacementsComeOutOfLognormal) {
+  pexquo::stream s("mt19937", 1), same(s);
+  std::vector<double> r(1000);
+  std::size_t thrown_at = 0;
+  error_scope errors{{.replace = [&](pexquo::element_error& e) {
+    if (errors.size() < 3) return;
+    thrown_at = e.index;
+    throw std::range_error("4");
+  }}};
+  EXPECT_THROW((pexquo::lognormal{0, 500}.fill(s, r)), std::range_error);
+  EXPECT_EQ(errors.size(), 3u);
+  EXPECT_GT(thrown_at, errors[2].index);
+  EXPECT_EQ(pexquo::ln(1.0), 0);  // it is gone
+  // The array is complete, and the stream has moved.
+  pexquo::error_scope inner;
+  EXPECT_EQ(r, (pexquo::lognormal{0, 500}.sample(same, 1000)));
+  EXPECT_EQ(pexquo::uniform{}(s), pexquo::uniform{}(same));
+}
+
 }  // namespace

@@ -2,6 +2,7 @@
 // special elements as one thread does.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cfenv>
 #include <complex>
@@ -159,6 +160,64 @@ TEST(ParallelFill, AbstractStreamsAreLeftToOneThread) {
   all.insert(all.end(), r.begin(), r.end());
   std::sort(all.begin(), all.end());
   EXPECT_EQ(std::adjacent_find(all.begin(), all.end()), all.end());
+}
+
+// What one thread reports, with its places, and what it is told to put there.
+template <typename T>
+void CompareReports(const pexquo::lognormal& d, std::size_t at_least) {
+  const auto replacing = [](pexquo::element_error& e) {
+    e.results()[0] = static_cast<double>(e.index % 1000);
+  };
+  for (const generator g : {generator::mcg59, generator::mt19937}) {
+    stream serial(g, 7), s(serial);
+    std::vector<T> expected(3000), r(3000);
+    std::vector<std::string> texts;
+    {
+      pexquo::error_scope scope{{.replace = replacing}};
+      d.fill(serial, expected);
+      for (const auto& e : scope) texts.push_back(e.text());
+    }
+    EXPECT_GE(texts.size(), at_least);
+    pexquo::error_scope scope{{.replace = replacing}};
+    parallel(4, kBlock).fill(d, s, r);
+    EXPECT_TRUE(SameBits(r, expected));
+    ASSERT_EQ(scope.size(), texts.size());
+    for (std::size_t i = 0; i < texts.size(); ++i) EXPECT_EQ(scope[i].text(), texts[i]);
+    EXPECT_EQ(Continuation(s), Continuation(serial));
+  }
+}
+
+TEST(ParallelFill, ReportsOfLognormalAreThoseOfOneThread) {
+  CompareReports<double>(pexquo::lognormal{0, 400}, 100);
+  CompareReports<double>(pexquo::lognormal{700, 5}, 10);
+  CompareReports<float>(pexquo::lognormal{0, 50}, 100);
+  CompareReports<float>(pexquo::lognormal{-85, 2}, 100);
+  CompareReports<double>(pexquo::lognormal{}, 0);
+  CompareReports<float>(pexquo::lognormal{}, 0);
+}
+
+// Uniforms of 0 and 1/4 give the largest normal number of all, and of 0 and 3/4 the least.
+int32_t RefillWithEnds(StreamState*, int32_t*, double* buffer, int32_t*, int32_t*, int32_t*) {
+  buffer[0] = buffer[2] = 0;
+  buffer[1] = 0.25;
+  buffer[3] = 0.75;
+  return 4;
+}
+
+TEST(ParallelFill, LognormalThatReportsNothingIsShared) {
+  const pexquo::lognormal wide{7.9, 17.94};
+  ASSERT_FALSE(wide.reports<double>());
+  EXPECT_TRUE((pexquo::lognormal{8.5, 17.94}.reports<double>()));
+  double buffer[4];
+  QuoStream* handle = nullptr;
+  ASSERT_EQ(quodNewAbstractStream(&handle, 4, buffer, 0, 1, RefillWithEnds), 0);
+  stream ends = stream::adopt(handle);
+  for (const double mean : {wide.mean, -wide.mean}) {
+    pexquo::error_scope scope;
+    const auto x = pexquo::lognormal{mean, wide.sigma}.sample(ends, 4);
+    EXPECT_TRUE(scope.empty());
+    EXPECT_GT(*std::max_element(x.begin(), x.end()), 1e290);
+  }
 }
 
 TEST(ParallelFill, RefusalsLeaveTheStreamAlone) {

@@ -106,9 +106,14 @@ TEST(Stream, MovesLeaveNothing) {
   stream a("mrg32k3a", 1), same("mrg32k3a", 1);
   stream b = std::move(a);
   EXPECT_EQ(Draw(b, 10), Draw(same, 10));
-  EXPECT_EQ(a.handle(), nullptr);                           // NOLINT
-  EXPECT_THROW(Draw(a, 1), pexquo::stream_error);           // NOLINT
-  EXPECT_THROW(stream copy(a), pexquo::stream_error);       // NOLINT
+  EXPECT_EQ(a.handle(), nullptr);                      // NOLINT
+  EXPECT_THROW(Draw(a, 1), pexquo::stream_error);      // NOLINT
+  EXPECT_THROW(stream copy(a), pexquo::stream_error);  // NOLINT
+  std::vector<std::uint32_t> words(8);
+  for (const unsigned threads : {1, 2}) {
+    const pexquo::parallel cores(threads, 1);
+    EXPECT_THROW(cores.fill(pexquo::uniform_bits{}, a, words), pexquo::stream_error);  // NOLINT
+  }
   EXPECT_THROW(a.skip(1), pexquo::stream_error);            // NOLINT
   EXPECT_THROW(a.save("/dev/null"), pexquo::stream_error);  // NOLINT
   a = std::move(b);

@@ -407,6 +407,33 @@ OwnedStream FromTheTop() {
   return OwnedStream(stream);
 }
 
+std::vector<int32_t> places;
+int NotePlace(PexErrorContext* record) {
+  places.push_back(record->index);
+  return 1;
+}
+
+// As the kernel reports them, by their places in the whole array.
+TEST(Lognormal, ReportsInPiecesByThePlaceInTheWhole) {
+  constexpr int32_t kCount = 1000;
+  std::vector<double> r(kCount);
+  const OwnedStream stream = NewStream(QUO_BRNG_MCG59), same = NewStream(QUO_BRNG_MCG59);
+  _pexSetErrorCallBack(NotePlace);
+  places.clear();
+  ASSERT_EQ(_quodRngLognormal(0, same.get(), kCount, r.data(), 0, 500, 0, 1), QUO_OK);
+  const std::vector<int32_t> expected = places;
+  EXPECT_GT(expected.size(), 50u);
+  places.clear();
+  {
+    const ShortPieces pieces(77);
+    ASSERT_EQ(quodRngLognormal(0, stream.get(), kCount, r.data(), 0, 500, 0, 1), QUO_OK);
+  }
+  EXPECT_EQ(places, expected);
+  _pexClearErrorCallBack();
+  _pexSetMode(PEX_MODE_DEFAULT);
+  _pexClearErrStatus();
+}
+
 TEST(IntegerUniform, EndsBelowItsUpperBound) {
   const auto first = [](const OwnedStream& stream, int32_t a, int32_t b) {
     int32_t r = 0;

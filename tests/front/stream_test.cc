@@ -188,7 +188,11 @@ TEST(CopyStreamState, BetweenGeneratorsIsRefusedAndChangesNothing) {
                 {QUO_BRNG_MT2203 + 1, QUO_BRNG_MT2203 + 2, QUO_DIFFERENT_BRNGS},
                 {QUO_BRNG_WH + 1, 4, QUO_DIFFERENT_BRNGS},
                 {QUO_BRNG_WH + 1, 5, QUO_OK},
-                {2, QUO_BRNG_MRG32K3A, QUO_OK}};
+                {2, QUO_BRNG_MRG32K3A, QUO_OK},
+                {277, QUO_BRNG_SOBOL, QUO_OK},
+                {QUO_BRNG_NIEDERR, 278, QUO_OK},
+                {277, QUO_BRNG_NIEDERR, QUO_DIFFERENT_BRNGS},
+                {QUO_BRNG_SOBOL, 278, QUO_DIFFERENT_BRNGS}};
   for (const auto& pair : kPairs) {
     SCOPED_TRACE(pair.to);
     const OwnedStream to = NewStream(pair.to, 1), from = NewStream(pair.from, 2);
