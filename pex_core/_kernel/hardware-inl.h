@@ -92,8 +92,9 @@ PEX_HARDWARE(hn::Vec512<float>, "ps", _mm512_roundscale_ps)
 #undef PEX_INSTRUCTION
 #undef PEX_ENCODING
 
-// Products that raise no flag, where whole registers can have them: what is lost by an underflow
-// must not matter. The other levels' callers put tiny numbers aside, or add something to them.
+// Products and sums that raise no flag, where whole registers can have them: what is lost by an
+// underflow must not matter. The other levels' callers put tiny numbers aside, or add something to
+// them.
 #if HWY_TARGET == HWY_AVX3
 HWY_INLINE hn::Vec512<float> SilentMul(hn::Vec512<float> x, hn::Vec512<float> y) {
   return {_mm512_mul_round_ps(x.raw, y.raw, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
@@ -101,12 +102,22 @@ HWY_INLINE hn::Vec512<float> SilentMul(hn::Vec512<float> x, hn::Vec512<float> y)
 HWY_INLINE hn::Vec512<double> SilentMul(hn::Vec512<double> x, hn::Vec512<double> y) {
   return {_mm512_mul_round_pd(x.raw, y.raw, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
 }
+HWY_INLINE hn::Vec512<float> SilentAdd(hn::Vec512<float> x, hn::Vec512<float> y) {
+  return {_mm512_add_round_ps(x.raw, y.raw, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
+}
+HWY_INLINE hn::Vec512<double> SilentAdd(hn::Vec512<double> x, hn::Vec512<double> y) {
+  return {_mm512_add_round_pd(x.raw, y.raw, _MM_FROUND_TO_NEAREST_INT | _MM_FROUND_NO_EXC)};
+}
 template <class V>
 inline constexpr bool kHasSilentMul = sizeof(V) == 64;
 #else
 template <class V>
 HWY_INLINE V SilentMul(V x, V y) {
   return hn::Mul(x, y);
+}
+template <class V>
+HWY_INLINE V SilentAdd(V x, V y) {
+  return hn::Add(x, y);
 }
 template <class V>
 inline constexpr bool kHasSilentMul = false;

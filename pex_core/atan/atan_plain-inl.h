@@ -114,12 +114,16 @@ struct AtanPlainPart {
   V t[kVectors], angle[kVectors];
 
   HWY_INLINE void Reduce(const V* x) {
+    ReduceBy(x, [](V n, V m) HWY_ATTR { return hn::Div(n, m); });
+  }
+  template <class F>
+  HWY_INLINE void ReduceBy(const V* x, F quotient) {
     const D d;
     for (size_t k = 0; k < kVectors; ++k) {
       const V a = hn::Abs(x[k]);
       const AtanBin<V> bin = AtanBinOf(d, a);
       // The difference is exact where it is not much less than c.
-      t[k] = hn::Div(hn::Sub(a, bin.c), hn::Add(hn::Set(d, T(1)), hn::Mul(bin.c, a)));
+      t[k] = quotient(hn::Sub(a, bin.c), hn::Add(hn::Set(d, T(1)), hn::Mul(bin.c, a)));
       angle[k] = bin.angle;
     }
     EndPart(t);
@@ -131,6 +135,23 @@ struct AtanPlainPart {
     }
   }
 };
+
+#if HWY_TARGET == HWY_AVX3
+// The same where the division takes longer than all the rest: of some vectors one goes without.
+template <auto& kC, class D, size_t kVectors>
+struct AtanMixedPart : AtanPlainPart<kC, D, kVectors> {
+  using V = VecOf<D>;
+  static constexpr size_t kReduceKinds = 4;
+  template <size_t kKind>
+  HWY_INLINE void Reduce(const V* x) {
+    if constexpr (kKind == 0) {
+      this->ReduceBy(x, [](V n, V m) HWY_ATTR { return QuotientByEstimate(D(), n, m); });
+    } else {
+      AtanPlainPart<kC, D, kVectors>::Reduce(x);
+    }
+  }
+};
+#endif
 
 // The same in single precision, in the fewest roundings. Every argument has been tried: no result
 // shows that SSE4 rounds 1 + c a and the last sum in double precision first.

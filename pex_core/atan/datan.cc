@@ -14,7 +14,20 @@ static char _PEX_THISFUNC_NAME[] = "vdAtan";
 
 template <class D, size_t kVectors>
 using dAtanPartEP = AtanPlainPart<kAtanPlainEP, D, kVectors>;
-using dAtanEP = AtanPlain<double, dAtanPartEP>;
+struct dAtanEP : AtanPlain<double, dAtanPartEP> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+#if HWY_TARGET == HWY_AVX3
+    if constexpr (K >= 4) {
+      if (__builtin_cpu_is("intel")) {  // as in Quotients
+        AtanMixedPart<kAtanPlainEP, D, 1> parts[K];
+        return SomeInTurn<3>(parts, x, r);
+      }
+    }
+#endif
+    AtanPlain<double, dAtanPartEP>::MainGroup(d, x, r);
+  }
+};
 
 template <class D, size_t kVectors>
 using dAtanPartLA = AtanPlainPart<kAtanPlainLA, D, kVectors>;

@@ -37,16 +37,21 @@ struct HypotConstants {
 };
 
 // The tiers: roots of a^2 + b^2 as main parts and corrections to be added at last, for moderate
-// numbers.
+// numbers. RootOfSum is for sums with one of the 2^kModerateSum exponents in the middle.
 
 // The root of the rounded sum: below 1.3 ulp. In single precision no shorter one is faster.
 template <typename T>
 struct HypotPlain {
   static constexpr bool kCorrected = false;
   static constexpr int kModerate = sizeof(T) == 8 ? 9 : 6;  // 2^-256 to 2^256 (2^-32 to 2^32)
+  static constexpr int kModerateSum = sizeof(T) == 8 ? 10 : 7;
   template <class D, class V, size_t K>
   static HWY_INLINE void Root(D d, const V (&a)[K], const V (&b)[K], V (&s)[K], V (&)[K]) {
     for (size_t k = 0; k < K; ++k) s[k] = hn::Add(hn::Mul(a[k], a[k]), hn::Mul(b[k], b[k]));
+    RootOfSum(d, s);
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE void RootOfSum(D d, V (&s)[K]) {
     Roots(d, s);
   }
 };
@@ -56,6 +61,7 @@ struct HypotPlain {
 struct HypotEP {
   static constexpr bool kCorrected = false;
   static constexpr int kModerate = 6;  // the squares are floats
+  static constexpr int kModerateSum = 7;
   static constexpr uint64_t kHalfInverse = 0x7FCE620000000000;
   template <class D, class V, size_t K>
   static HWY_INLINE void Root(D d, const V (&a)[K], const V (&b)[K], V (&s)[K], V (&)[K]) {
@@ -129,9 +135,31 @@ struct HypotKernel : PlainKernel<Element, 2> {
     return hn::AllTrue(hn::RebindToSigned<D>(), hn::Eq(all, top));
   }
 
+  // Whether all of these, sums of squares, have one of the 2^kBits exponents in the middle.
+  template <int kBits, class D, class V, size_t K>
+  static HWY_INLINE bool AllModerateSums(D d, const V (&t)[K]) {
+    constexpr auto kSign = typename C::Word{1} << (C::kFraction + C::kExponentBits);
+    const hn::RebindToUnsigned<D> du;
+    const auto shift = hn::Set(du, C::Shift(kBits) + kSign);
+    auto all = hn::Add(hn::BitCast(du, t[0]), shift);
+    for (size_t k = 1; k < K; ++k) all = hn::And(all, hn::Add(hn::BitCast(du, t[k]), shift));
+    return hn::AllFalse(du, hn::Gt(hn::Set(du, C::UpperBits(kBits) + kSign), all));
+  }
+
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&a)[K], const V (&b)[K], V (&r)[K]) {
     V c[K];
+    if constexpr (kHasSilentMul<V> && requires { Tier::kModerateSum; }) {
+      // Sums are fewer than numbers; a square that is lost beside a moderate one raises nothing.
+      for (size_t k = 0; k < K; ++k) {
+        c[k] = SilentAdd(SilentMul(a[k], a[k]), SilentMul(b[k], b[k]));
+      }
+      if (!AllModerateSums<Tier::kModerateSum>(d, c)) [[unlikely]]
+        return OtherGroup(d, a, b, r);
+      Tier::RootOfSum(d, c);
+      for (size_t k = 0; k < K; ++k) r[k] = c[k];
+      return;
+    }
     if (AllModerate<Tier::kModerate>(d, a, b)) [[likely]] {
       Tier::Root(d, a, b, r, c);
       if constexpr (Tier::kCorrected) {
@@ -219,8 +247,7 @@ struct HypotKernel : PlainKernel<Element, 2> {
     }
     // As a number, power is 2 to its exponent.
     const V up = hn::Mul(hn::Mul(s, hn::Set(d, T(0.5))), FromBits(d, x.power));
-    const auto alone = hn::RebindMask(d, hn::Eq(x.n, hn::Zero(di)));
-    return hn::IfThenElse(alone, FromBits(d, x.m), up);
+    return hn::IfThenZeroElse(hn::RebindMask(d, hn::Eq(x.m, hn::Zero(di))), up);
   }
 
   // Infinity, or otherwise a NaN, where there is one: the second, or the first, quiet; in single

@@ -45,13 +45,13 @@ inline constexpr double kTanLA[] = {
 inline constexpr double kTanFine[] = {
     0x1.555555555546ap-2, 0x1.6c16c16fb2259p-6, 0x1.1566888c00fa2p-9, 0x1.bce642301b51cp-13};
 
-// N for tan(y)/y = (1 + x N(x))/(1 + x D(x)) in x = y^2, |y| <= pi/4; error 2^-34.75.
+// N for tan(y)/y = N(x)/D(x) in x = y^2, |y| <= pi/4; error 2^-26.0625.
 inline constexpr double kTanEPNumerator[] = {
-    -0x1.c82209986c8a6p-4, 0x1.19d46e1feb0ddp-10};
+    0x1.9ba7dbad4fee9p6, -0x1.3b7faeee9e8d1p3};
 
-// D.
+// D less its x^2.
 inline constexpr double kTanEPDenominator[] = {
-    -0x1.c75dd7a321d1cp-2, 0x1.05b3d249bcc4ap-6};
+    0x1.9ba7dc0f22abcp6, -0x1.614ff8046c5ddp5};
 
 }  // namespace pex
 

@@ -49,6 +49,19 @@ struct QuarterEP {
   }
 };
 
+// The same with a longer first part. What it leaves is a multiple of 2^-52 below 1, for |x| < 2^12,
+// and n times the second is exact too. Good to 2^-30.6 of y: all multiples have been tried.
+struct QuarterTanEP {
+  static constexpr bool kBrief = true;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void Reduce(D d, const V (&x)[K], Quarters<D, K>& u) {
+    V n[K];
+    NearestQuadrant(d, x, u, n);
+    SubProductsExactly(d, x, n, 0x1.921fb54442d18p+0, 0x1.921fb54442p+0, u.y);
+    SubExactProducts(u.y, n, hn::Set(d, 0x1.1a62633146p-54), u.y);
+  }
+};
+
 // In three parts, of which n times the first two is exact. The rounding of the sum stays in the
 // rest.
 struct QuarterLA {

@@ -2,6 +2,7 @@
 // bits of which count.
 
 #include "hwy/highway.h"
+#include "pex_core/_heap/real/quotient_correct-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 
 #if defined(PEX_CORE__HEAP_REAL_TRIG_TURN_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -33,6 +34,23 @@ HWY_INLINE V TangentQuotient(D d, BitsOf<D> k, V y, V c) {
   const V above = hn::Xor(y, change), below = hn::Xor(c, change);
 #endif
   return hn::Xor(hn::Div(above, below), sign);
+#endif
+}
+
+// The same of several vectors, by Quotients.
+template <class D, class V, size_t K>
+HWY_INLINE void TangentQuotients(D d, const BitsOf<D> (&k)[K], const V (&y)[K], const V (&c)[K],
+                                 V (&r)[K]) {
+#if HWY_TARGET == HWY_AVX3
+  V below[K];
+  for (size_t i = 0; i < K; ++i) {
+    const auto odd = hn::RebindMask(d, hn::TestBit(k[i], SetBits(d, 1)));
+    r[i] = hn::IfThenElse(odd, c[i], y[i]);
+    below[i] = MergedSub(c[i], odd, hn::Zero(d), y[i]);
+  }
+  Quotients(d, r, below);
+#else
+  for (size_t i = 0; i < K; ++i) r[i] = TangentQuotient(d, k[i], y[i], c[i]);
 #endif
 }
 
