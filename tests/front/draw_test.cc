@@ -1,6 +1,7 @@
 // Distributions under their public names: the kernel's numbers, whole and in pieces, and a status
 // for every argument that is refused, which then changes nothing.
 #include <gtest/gtest.h>
+#include <xmmintrin.h>
 
 #include <algorithm>
 #include <cfenv>
@@ -481,6 +482,45 @@ TEST(Geometric, RefusesTheSameProbabilitiesInAllRoundingModes) {
     std::fesetround(FE_TONEAREST);
     EXPECT_EQ(least, QUO_OK) << mode;
     EXPECT_EQ(less, QUO_BAD_PROBABILITY) << mode;
+  }
+}
+
+// b - a and a + b as the generators compute them, to nearest.
+TEST(Uniform, RefusesTheSameRangesUnderEveryControlWord) {
+  constexpr double kMost = std::numeric_limits<double>::max(), kHalf = kMost / 2;
+  constexpr float kMostFloat = std::numeric_limits<float>::max();
+  const struct {
+    double a, b;
+    int32_t status;
+  } kRanges[] = {{-kMost, kMost, QUO_WIDE_RANGE},
+                 {kHalf, kMost, QUO_WIDE_RANGE},
+                 {-kMost, -kHalf, QUO_WIDE_RANGE},
+                 {-kHalf, kHalf, QUO_OK},
+                 {0, kMost, QUO_OK},
+                 {-0x1p969, kMost, QUO_OK},
+                 {-0x1p970, kMost, QUO_WIDE_RANGE},
+                 {0, 0x1p-1074, QUO_OK},
+                 {-0x1p-1074, 0, QUO_OK},
+                 {0x1p-1074, 0, QUO_EMPTY_RANGE},
+                 {0, std::numeric_limits<double>::infinity(), QUO_NOT_FINITE}};
+  const OwnedStream stream = NewStream();
+  const unsigned before = _mm_getcsr();
+  for (const unsigned control : {0x1F80u, 0x3F80u, 0x5F80u, 0x7F80u, 0x9FC0u, 0x1100u}) {
+    for (const auto& range : kRanges) {
+      double r = 0;
+      _mm_setcsr(control);
+      const int32_t status = quodRngUniform(0, stream.get(), 1, &r, range.a, range.b);
+      const unsigned after = _mm_getcsr();
+      _mm_setcsr(before);
+      EXPECT_EQ(status, range.status) << range.a << ' ' << range.b << std::hex << ' ' << control;
+      EXPECT_EQ(after & ~0x22u, control)
+          << range.a << ' ' << range.b;  // but for inexact and subnormal
+    }
+    float r = 0;
+    _mm_setcsr(control);
+    const int32_t status = quosRngUniform(0, stream.get(), 1, &r, -kMostFloat, kMostFloat);
+    _mm_setcsr(before);
+    EXPECT_EQ(status, QUO_WIDE_RANGE) << std::hex << control;
   }
 }
 
