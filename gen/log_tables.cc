@@ -179,6 +179,50 @@ void FactorTable(const char* name, int first, int last, Search search, double on
   std::printf("}};\n");
 }
 
+// The sixteen stretches of 2^48 units in the last place from 0x3FE7840000000000 on: the middle of
+// stretch j, whose ends are at 31/64 before and 33/64 behind j - 8 sixteenths of a binade from 1.
+double MiddleOfStretch(int j) {
+  const auto at = [](double from_one) { return 1 + from_one / (from_one < 0 ? 32 : 16); };
+  // Where the logarithm is small, |m c - 1| is below 2^-6.
+  if (j == 6) return 0.939;
+  return (at(j - 8 - 31.0 / 64) + at(j - 8 + 33.0 / 64)) / 2;
+}
+
+// A factor c next to 1/MiddleOfStretch(j), a multiple of `ulp`, at which -log(c) is within
+// `tolerance` of a multiple of `grid`, and within 8 `tolerance` of its own size.
+Row StretchSearch(int j, double ulp, double grid, double tolerance) {
+  mpfr_t log, whole;
+  mpfr_inits2(200, log, whole, nullptr);
+  for (double n = std::nearbyint(1 / MiddleOfStretch(j) / ulp);; ++n) {
+    Row row = {};
+    row.c = n * ulp;
+    Log(log, row.c, false);
+    mpfr_div_d(log, log, -grid, MPFR_RNDN);
+    mpfr_rint(whole, log, MPFR_RNDN);
+    row.log = mpfr_get_d(whole, MPFR_RNDN) * grid;
+    mpfr_sub(whole, log, whole, MPFR_RNDN);
+    if (std::fabs(mpfr_get_d(whole, MPFR_RNDN)) * grid >
+        std::fmin(tolerance, 8 * tolerance * std::fabs(row.log))) {
+      continue;
+    }
+    mpfr_clears(log, whole, nullptr);
+    return row;
+  }
+}
+
+// The rows of all stretches, 1 with the logarithm 0 for `first` to `last`.
+void StretchTable(const char* name, int first, int last, double ulp, double grid,
+                  double tolerance) {
+  std::printf("\ninline constexpr LogFactors %s = {{\n", name);
+  for (int j = 0; j < 16; ++j) {
+    Row row = {};
+    row.c = 1;
+    if (j < first || j > last) row = StretchSearch(j, ulp, grid, tolerance);
+    std::printf("%s{%a, %a},\n", "    ", row.c, row.log);
+  }
+  std::printf("}};\n");
+}
+
 }  // namespace
 
 int main() {
@@ -208,12 +252,22 @@ int main() {
   FactorTable("kLnFactors", 15, 17, ExactSearch);
   std::printf("\n// c of at most 26 bits, 1 for i = 16 alone, with the double next to -log(c).");
   FactorTable("kLnShortFactors", 16, 16, [](int i) { return FactorSearch(i, false); });
-  FactorTable("kLog10ShortFactors", 16, 16, [](int i) { return FactorSearch(i, true); });
   std::printf(
       "\n// c of at most 26 bits next to log10(e) 16/i, log10(e) as a double for i = 16 alone, "
       "with\n"
       "// the double next to -log10(c/log10(e)).");
   FactorTable(
       "kLog10Factors", 16, 16, [](int i) { return FactorSearch(i, true, kLogE); }, kLogE);
+  std::printf(
+      "\n// Factors c near 1/m for the stretches of 2^48 units in the last place from "
+      "0x3FE7840000000000\n// on, 1 for that of 1 and the next to it, each with -log(c), a "
+      "multiple "
+      "of 2^-42 to within 2^-61\n// and 2^-58 of itself.");
+  StretchTable("kLnStretches", 7, 9, 0x1p-32, 0x1p-42, 0x1p-61);
+  std::printf(
+      "\n// c of at most 26 bits, 1 for the stretch of 1 alone, -log(c) a multiple of 2^-38 to "
+      "within "
+      "2^-47.");
+  StretchTable("kLnShortStretches", 8, 8, 0x1p-25, 0x1p-38, 0x1p-47);
   std::printf("\n}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_LOG_TABLES_H_\n");
 }

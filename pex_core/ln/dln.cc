@@ -4,6 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/log-inl.h"
+#include "pex_core/_heap/real/log_stretch-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/ln/ln_rare.h"
 
@@ -19,11 +20,12 @@ struct dLnCommon : Kernel<double> {
 
 // Numbers from 1.5 * 2^1023 on are rare too: the exponent next to them has no room above it.
 struct dLnEP : dLnCommon {
-  using Rarity = LogShortRarity<0x7FE7FFFF>;
-  static constexpr int kUnroll = 8;
+  using Rarity = LogStretchRarity<0x7FE783FF>;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 2 : 8;
   template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    LogEP<NaturalLog, true>(d, x, r);
+  static HWY_INLINE void MainGroup(D, const V (&x)[K], V (&r)[K]) {
+    LogEPPart<NaturalLog, D> parts[K];
+    SomeInTurn<HWY_MIN(K, 2)>(parts, x, r);
   }
 };
 
@@ -37,11 +39,12 @@ struct dLnHA : dLnCommon {
 };
 
 struct dLnLA : dLnCommon {
-  using Rarity = LogShortRarity<0x7FE7FFFF>;
-  static constexpr int kUnroll = 4;
+  using Rarity = LogStretchRarity<0x7FE783FF>;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 4 : 8;
   template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    LnLA(d, x, r);
+  static HWY_INLINE void MainGroup(D, const V (&x)[K], V (&r)[K]) {
+    LnPart<D> parts[K];
+    SomeInTurn<HWY_MIN(K, 2)>(parts, x, r);
   }
 };
 

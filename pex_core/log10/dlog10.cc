@@ -4,6 +4,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/log-inl.h"
+#include "pex_core/_heap/real/log_stretch-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/ln/ln_rare.h"
 
@@ -19,11 +20,12 @@ struct dLog10Common : Kernel<double> {
 
 // Numbers from 1.5 * 2^1023 on are rare too: the exponent next to them has no room above it.
 struct dLog10EP : dLog10Common {
-  using Rarity = LogShortRarity<0x7FE7FFFF>;
-  static constexpr int kUnroll = 8;
+  using Rarity = LogStretchRarity<0x7FE783FF>;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 2 : 8;
   template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    LogEP<DecimalLog, true>(d, x, r);
+  static HWY_INLINE void MainGroup(D, const V (&x)[K], V (&r)[K]) {
+    LogEPPart<DecimalLog, D> parts[K];
+    SomeInTurn<HWY_MIN(K, 2)>(parts, x, r);
   }
 };
 

@@ -5,6 +5,7 @@
 #include "hwy/foreach_target.h"  // compiles this file once per vector level
 //
 #include "pex_core/_heap/real/log-inl.h"
+#include "pex_core/_heap/real/log_stretch-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/log1p/log1p_rare.h"
 
@@ -39,34 +40,28 @@ struct Log1pArgument {
   }
 };
 
-// t + p^2 q(p), p standing for c m - 1 in 27 bits: products with short coefficients are exact, as
-// are those with the upper part of ln(2), which is all that counts.
+// t + p^2 q(p), p standing for t in multiples of 2^-30: as the polynomial asks for it, and 0 where
+// x is its own result.
 template <class D>
-struct Log1pEPPart : Log1pArgument<D> {
+struct Log1pEPPart {
   using V = VecOf<D>;
   static constexpr size_t kSize = 1;
-  V p, rest;
+  V less_head, t, rest;
 
   HWY_INLINE void Reduce(const V* x) {
     const D d;
-    const V m = this->Split(d, x[0]);
-    const V less_one = ShortProductLessOne(d, m, this->u[0].c);
-    p = hn::And(less_one, FromBits(d, SetBits(d, kUpperBits<uint64_t>)));
-    this->Find(d, x[0]);
+    const V one = hn::Set(d, 1.0);
+    const LogStretch<D> u = LogStretchReduce<LnShortStretches>(d, hn::Add(x[0], one));
+    less_head = SubExactProduct(u.e, hn::Set(d, LogStretchForm<LnShortStretches>::kLog2), u.log);
+    const V factor = FromBits(d, hn::Sub(Bits(d, u.c), u.exponent_bits));
+    t = ShortMulSub(d, x[0], factor, hn::Sub(one, factor));
   }
   HWY_INLINE void Evaluate() {
     const D d;
-    const auto term = [d](size_t i) HWY_ATTR { return hn::Set(d, kLog1pEP[i]); };
-    const V square = hn::Mul(p, p);
-    const V low = AddExactProduct(p, term(1), term(0));
-    const V high = AddExactProduct(p, term(3), term(2));
-    rest = hn::Mul(square, hn::Add(low, hn::Mul(square, high)));
+    const V grid = hn::Set(d, 0x1.8p22);
+    rest = LogStretchRest(d, hn::Sub(hn::Add(t, grid), grid));
   }
-  HWY_INLINE void Result(const V*, V* r) const {
-    const V log2 = hn::Set(D(), NaturalLog::kLog2Hi * kExponentUnit);
-    const V less_head = ExactProductLess(this->u[0].e, log2, this->u[0].log);
-    r[0] = hn::Sub(hn::Add(this->t, rest), less_head);
-  }
+  HWY_INLINE void Result(const V*, V* r) const { r[0] = hn::Sub(hn::Add(t, rest), less_head); }
 };
 
 // t + s (t - s^2 R(s^2)) for s = -t/(2 + t), which may well bear the rounding of 1 + x: t counts
@@ -98,19 +93,25 @@ struct Log1pLAPart : Log1pArgument<D> {
   }
 };
 
-template <template <class> class Part>
-struct dLog1pInTurn : dLog1pCommon {
+struct dLog1pEP : dLog1pCommon {
+  using Rarity = LogStretchRarity<0x7E5FFFFF, 1>;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 2 : 8;
+  template <class D, class V, size_t K>
+  static HWY_INLINE void MainGroup(D, const V (&x)[K], V (&r)[K]) {
+    Log1pEPPart<D> parts[K];
+    SomeInTurn<HWY_MIN(K, 2)>(parts, x, r);
+  }
+};
+
+struct dLog1pLA : dLog1pCommon {
   static constexpr int kUnroll = 8;
   static constexpr int kRestUnroll = 4;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D, const V (&x)[K], V (&r)[K]) {
-    Part<D> parts[K];
+    Log1pLAPart<D> parts[K];
     SomeInTurn<2>(parts, x, r);
   }
 };
-
-using dLog1pEP = dLog1pInTurn<Log1pEPPart>;
-using dLog1pLA = dLog1pInTurn<Log1pLAPart>;
 
 // In full: t = 2^-e (1 + x) - a free of the rounding of 1 + x, and exact, for what that loses is
 // exact below 2^53, and from there on counts for nothing. No step changes a zero's sign, and the

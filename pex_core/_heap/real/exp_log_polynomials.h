@@ -15,19 +15,15 @@ inline constexpr double kLn[] = {
 inline constexpr double kLnEP[] = {
     -0x1.fffffce452761p-2, 0x1.55554aabfd22bp-2, -0x1.00412a6c2313cp-2, 0x1.9a413a4eb808ap-3};
 
-// (ln(1+x) - x)/x^2, -3.86000014841556549072265625e-2 <= x <= 3.86000014841556549072265625e-2; absolute error 2^-24.34375.
-inline constexpr double kLog1pEP[] = {
-    -0x1.fffffce453001p-2, 0x1.55554a8p-2, -0x1.00412a6a415bbp-2, 0x1.9a424fp-3};
+// (ln(1+x) - x)/x^2, -3.0400000512599945068359375e-2 <= x <= 3.22999991476535797119140625e-2; absolute error 2^-25.5625.
+inline constexpr double kLnStretchEP[] = {
+    -0x1.fffffea8c47f9p-2, 0x1.5555658p-2, -0x1.002ab76af56b4p-2, 0x1.98bc8ap-3};
 
 // (log10(1 + x/log10(e)) - x)/x^2, -1.679999940097332000732421875e-2 <= x <= 1.679999940097332000732421875e-2; absolute error 2^-51.9375.
 inline constexpr double kLog10[] = {
     -0x1.26bb1bbb55516p0, 0x1.c46dbb451370cp0, -0x1.86a885acd10fep1, 0x1.67cf40c423c82p2,
     -0x1.59347ff23a676p3, 0x1.54a7bb76d70c5p4, -0x1.572aab3ea55bfp5, 0x1.6028efaf8b387p6,
     -0x1.6e10726d584d1p7};
-
-// (log10(1 + x/log10(e)) - x)/x^2, -1.679999940097332000732421875e-2 <= x <= 1.679999940097332000732421875e-2; absolute error 2^-23.125.
-inline constexpr double kLog10EP[] = {
-    -0x1.26bb19ed5424cp0, 0x1.c46dad03fdd7bp0, -0x1.870c657bb43acp1, 0x1.68632467a233cp2};
 
 // ln((1+s)/(1-s))/s^3 - 2/s^2 for x = s^2, 9.31322574615478515625e-10 <= x <= 3.7100000190548598766326904296875e-4; absolute error 2^-41.3125.
 inline constexpr double kLnLA[] = {
@@ -36,6 +32,10 @@ inline constexpr double kLnLA[] = {
 // s^3 R(s^2) = ln((1+s)/(1-s)) - 2 s, 0 <= s <= 0.0492; absolute error 2^-59.75.
 inline constexpr double kLnShort[] = {
     0x1.5555555553d84p-1, 0x1.999999c098b65p-2, 0x1.24919fd9adf3ep-2, 0x1.c973a7f1a169bp-3};
+
+// The same for 0 <= s <= 0.0453; absolute error 2^-61.0625.
+inline constexpr double kLnStretchLA[] = {
+    0x1.555555555490bp-1, 0x1.999999b156bf7p-2, 0x1.2491cf90ce07fp-2, 0x1.c918262d921f4p-3};
 
 // ln((1+s)/(1-s))/s^3 - 2/s^2 for x = s^2, 9.31322574615478515625e-10 <= x <= 2.421000041067600250244140625e-3; absolute error 2^-53.5625.
 inline constexpr double kLnShortHA[] = {

@@ -175,7 +175,7 @@ inline constexpr double kLeastEP = 0x1p-22, kLargeEP = 0x1p496;
 
 template <class F, bool kWide, class D, class V, size_t K>
 HWY_INLINE void InverseEP(D d, const V (&a)[K], V (&r)[K]) {
-  V u[K], t[K], p[K], head[K];
+  V u[K], t[K], head[K];
   LogShort<D, true> v[K];
   if constexpr (kWide) {
     V y[K];
@@ -198,8 +198,8 @@ HWY_INLINE void InverseEP(D d, const V (&a)[K], V (&r)[K]) {
       v[k].e = hn::Add(v[k].e, hn::IfThenElseZero(large, hn::Set(d, 3.0)));
     }
   }
-  LogTerms<NaturalLog>(d, v, t, p, head);
-  LogPlainSum(d, head, p, kLnEP, r);
+  LogHead<NaturalLog>(d, v, head);
+  LogPlainSum(d, head, t, kLnEP, r);
 }
 
 // LA and HA: the logarithm of u = a + r, r the root of w = a^2 + 1 or a^2 - 1. What the rounded

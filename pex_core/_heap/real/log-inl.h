@@ -315,27 +315,23 @@ HWY_INLINE V ShortProductLessOne(D d, V m, V c) {
   return ShortMulAdd(d, m, c, hn::Set(d, -1.0));
 }
 
-// The argument of the sums, log(e) t, and e log(2) - log(c).
+// e log(2) - log(c).
 template <class Base, class D, class V, size_t K, bool kNumber>
-HWY_INLINE void LogTerms(D d, const LogShort<D, kNumber> (&u)[K], const V (&t)[K], V (&p)[K],
-                         V (&head)[K]) {
+HWY_INLINE void LogHead(D d, const LogShort<D, kNumber> (&u)[K], V (&head)[K]) {
   for (size_t k = 0; k < K; ++k) {
-    p[k] = t[k];
-    if constexpr (Base::kLogE != 1) p[k] = hn::Mul(t[k], hn::Set(d, Base::kLogE));
     constexpr double kLog2 = (Base::kLog2Hi + Base::kLog2Lo) * LogShort<D, kNumber>::kUnit;
     head[k] = hn::Add(hn::Mul(u[k].e, hn::Set(d, kLog2)), u[k].log);
   }
 }
 
-// kNumber: for x below 1.5 * 2^1023.
-template <class Base, bool kNumber = false, class D, class V, size_t K>
+template <class Base, class D, class V, size_t K>
 HWY_INLINE void LogEP(D d, const V (&x)[K], V (&r)[K]) {
-  LogShort<D, kNumber> u[K];
-  V t[K], p[K], head[K];
+  LogShort<D> u[K];
+  V t[K], head[K];
   LogShortReduce<typename Base::Factors>(d, x, u);
   for (size_t k = 0; k < K; ++k) t[k] = ShortProductLessOne(d, u[k].m, u[k].c);
-  LogTerms<Base>(d, u, t, p, head);
-  LogPlainSum(d, head, p, Base::kEP, r);
+  LogHead<Base>(d, u, head);
+  LogPlainSum(d, head, t, Base::kEP, r);
 }
 
 // The decimal logarithm for LA is free of divisions, whose unit is what limits AVX-512 on some
@@ -578,45 +574,6 @@ HWY_INLINE void LogBelowOne(D d, const V (&x)[K], V (&r)[K]) {
   LogShortReduce<LnExactFactors>(d, x, u);
   for (size_t k = 0; k < K; ++k) t[k] = ProductLessOne(d, u[k].m, u[k].c);
   LogShortSum<false, true>(d, u, t, r);
-}
-
-// The same, bit for bit, for x below 1.5 * 2^1023. On AVX-512, where the divisions take most of the
-// time, they begin two vectors ahead.
-template <class D>
-struct LnPart {
-  using V = VecOf<D>;
-  static constexpr size_t kSize = 1;
-  LogShort<D, true> u[1];
-  V t, s, s2, rest;
-
-  HWY_INLINE void Reduce(const V* x) {
-    const D d;
-    LogShortReduce<LnExactFactors>(d, {x[0]}, u);
-    t = ProductLessOne(d, u[0].m, u[0].c);
-    V quotient[1] = {hn::Div(t, hn::Add(t, hn::Set(d, 2.0)))};
-    EndPart(quotient);
-    s = quotient[0];
-  }
-  HWY_INLINE void Evaluate() {
-    s2 = hn::Mul(s, s);
-    rest = Horner(D(), s2, kLnShort);
-  }
-  HWY_INLINE void Result(const V*, V* r) const {
-    const D d;
-    const V log = hn::Sub(t, hn::Mul(s, hn::Sub(t, hn::Mul(s2, rest))));
-    const V head = AddExactProduct(u[0].e, hn::Set(d, NaturalLog::kLog2Hi), u[0].log);
-    r[0] = hn::Add(head, AddExactProduct(u[0].e, hn::Set(d, kLn2Rest), log));
-  }
-};
-
-template <class D, class V, size_t K>
-HWY_INLINE void LnLA(D d, const V (&x)[K], V (&r)[K]) {
-  if constexpr (HWY_TARGET == HWY_AVX3) {
-    LnPart<D> parts[K];
-    SomeInTurn<2>(parts, x, r);
-  } else {
-    LogBelowOne(d, x, r);
-  }
 }
 
 }  // namespace pex::HWY_NAMESPACE

@@ -80,12 +80,10 @@ inline constexpr LogFactors kLnPoints = FactorsOf(kLnTable);
 inline constexpr LogFactorColumns kLnColumns = ByColumns(kLnFactors);
 inline constexpr LogFactorColumns kLnPointColumns = ByColumns(kLnPoints);
 inline constexpr LogFactorColumns kLnShortColumns = ByColumns(kLnShortFactors);
-inline constexpr LogFactorColumns kLog10ShortColumns = ByColumns(kLog10ShortFactors);
 inline constexpr LogFactorColumns kLog10Columns = ByColumns(kLog10Factors);
 inline constexpr LogSixteenths kLnSixteenths = BySixteenths(kLnFactors);
 inline constexpr LogSixteenths kLnPointSixteenths = BySixteenths(kLnPoints);
 inline constexpr LogSixteenths kLnShortSixteenths = BySixteenths(kLnShortFactors);
-inline constexpr LogSixteenths kLog10ShortSixteenths = BySixteenths(kLog10ShortFactors);
 inline constexpr LogSixteenths kLog10Sixteenths = BySixteenths(kLog10Factors);
 inline constexpr LogRows kLnRows = ByRows(kLnTable);
 inline constexpr LogRows kLog10Rows = ByRows(kLog10Table);
@@ -121,13 +119,6 @@ struct LnShortFactors {
   static constexpr auto& kSixteenths = kLnShortSixteenths;
 };
 
-struct Log10ShortFactors {
-  static constexpr bool kHalfByMemory = true;
-  static constexpr auto& kRows = kLog10ShortFactors;
-  static constexpr auto& kColumns = kLog10ShortColumns;
-  static constexpr auto& kSixteenths = kLog10ShortSixteenths;
-};
-
 // For c m - log10(e).
 struct Log10Factors {
   static constexpr bool kHalfByMemory = true;
@@ -158,9 +149,7 @@ struct DecimalLog {
   static constexpr double kLog2Hi = 0x1.34413509f8p-2;  // log10 2
   static constexpr double kLog2Lo = -0x1.80433b83b532ap-44;
   static constexpr auto& kPolynomial = kLog10;
-  using Factors = Log10ShortFactors;
   static constexpr double kLogE = 0x1.bcb7b1526e50ep-2;
-  static constexpr auto& kEP = kLog10EP;
 };
 
 // For the logarithms with one rounding. log2_rest is so short that its product with an exponent is

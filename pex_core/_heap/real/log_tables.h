@@ -158,25 +158,6 @@ inline constexpr LogFactors kLnShortFactors = {{
     {0x1.107fbe8p+0, -0x1.ffa6e002b8cecp-5},
 }};
 
-inline constexpr LogFactors kLog10ShortFactors = {{
-    {0x1p+0, 0x0p+0},
-    {0x1.e2c521p-1, 0x1.a247226925d7bp-6},
-    {0x1.c71dcdp-1, 0x1.a300030d7ea34p-5},
-    {0x1.af2942p-1, 0x1.31af919314f82p-4},
-    {0x1.9999a28p-1, 0x1.8cf15ce16dc2ep-4},
-    {0x1.861a38p-1, 0x1.e3b3b94bc2e99p-4},
-    {0x1.745defp-1, 0x1.1b3c6ea2d2655p-3},
-    {0x1.642d1a8p-1, 0x1.42c674134e0eep-3},
-    {0x1.555564p-1, 0x1.68a2627e4314ep-3},
-    {0x1p+0, 0x0p+0},
-    {0x1p+0, 0x0p+0},
-    {0x1p+0, 0x0p+0},
-    {0x1.5555aep+0, -0x1.ffc190d269bb7p-4},
-    {0x1.3b14028p+0, -0x1.715ed7b832565p-4},
-    {0x1.2492aap+0, -0x1.db168744276a3p-5},
-    {0x1.107fcd8p+0, -0x1.bc6bcf48d80bep-6},
-}};
-
 // c of at most 26 bits next to log10(e) 16/i, log10(e) as a double for i = 16 alone, with
 // the double next to -log10(c/log10(e)).
 inline constexpr LogFactors kLog10Factors = {{
@@ -196,6 +177,48 @@ inline constexpr LogFactors kLog10Factors = {{
     {0x1.11ac24p-1, -0x1.715d3199ae0b4p-4},
     {0x1.fc3fd98p-2, -0x1.db135562e6038p-5},
     {0x1.d96141p-2, -0x1.bc6cc6f276755p-6},
+}};
+
+// Factors c near 1/m for the stretches of 2^48 units in the last place from 0x3FE7840000000000
+// on, 1 for that of 1 and the next to it, each with -log(c), a multiple of 2^-42 to within 2^-61
+// and 2^-58 of itself.
+inline constexpr LogFactors kLnStretches = {{
+    {0x1.551d0d3bp+0, -0x1.25ed3ad732p-2},
+    {0x1.477c118p+0, -0x1.f8591c4e72p-3},
+    {0x1.3ae3f283p+0, -0x1.a808649646p-3},
+    {0x1.2f3ed805p+0, -0x1.5adc25b82p-3},
+    {0x1.2468dec3p+0, -0x1.1056eaf09cp-3},
+    {0x1.1a5a343fp+0, -0x1.9151becb18p-4},
+    {0x1.10a1bfedp+0, -0x1.01d27588ccp-4},
+    {0x1p+0, 0x0p+0},
+    {0x1p+0, 0x0p+0},
+    {0x1p+0, 0x0p+0},
+    {0x1.c6d0cb4p-1, 0x1.e5198a3f4cp-4},
+    {0x1.aed58e8cp-1, 0x1.617cc7c922p-3},
+    {0x1.994d91d2p-1, 0x1.ca7bc6ac4p-3},
+    {0x1.85d6793ap-1, 0x1.1722db218dp-2},
+    {0x1.741e15a8p-1, 0x1.46c60f3e2p-2},
+    {0x1.64031abcp-1, 0x1.7414997c2p-2},
+}};
+
+// c of at most 26 bits, 1 for the stretch of 1 alone, -log(c) a multiple of 2^-38 to within 2^-47.
+inline constexpr LogFactors kLnShortStretches = {{
+    {0x1.551c92p+0, -0x1.25ebc8e8fp-2},
+    {0x1.4779e1p+0, -0x1.f84b6b0bcp-3},
+    {0x1.3ae3ea8p+0, -0x1.a808307aep-3},
+    {0x1.2f3b888p+0, -0x1.5ac5c9c92p-3},
+    {0x1.2468db8p+0, -0x1.1056d4186p-3},
+    {0x1.1a5616p+0, -0x1.911600bacp-4},
+    {0x1.10a1bap+0, -0x1.01d21c818p-4},
+    {0x1.0824798p+0, -0x1.00805bbf8p-5},
+    {0x1p+0, 0x0p+0},
+    {0x1.e1712dp-1, 0x1.f81fef35p-5},
+    {0x1.c6b901p-1, 0x1.e5efcfb7p-4},
+    {0x1.aece18p-1, 0x1.61a042024p-3},
+    {0x1.9947e7p-1, 0x1.ca98223cp-3},
+    {0x1.85d00cp-1, 0x1.1733bcd79p-2},
+    {0x1.741abfp-1, 0x1.46cf3f24ap-2},
+    {0x1.63eff1p-1, 0x1.744bb95d4p-2},
 }};
 
 }  // namespace pex
