@@ -73,10 +73,11 @@ HWY_INLINE void HornerInSteps(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N],
 }
 
 // The polynomial of degree 6 with y = (x + c[0]) x + c[1], v = (x + c[2]) y + c[3] and the value
-// ((v + y + c[4]) v + c[5]) c[6] (Knuth): four multiplications instead of six. In steps of
-// all vectors.
-template <class D, class V, size_t K>
-HWY_INLINE void AdaptedSextic(D d, const V (&x)[K], const hn::TFromD<D> (&c)[7], V (&p)[K]) {
+// ((v + y + c[4]) v + c[5]) c[6] (Knuth): four multiplications instead of six, three without a
+// c[6], which is 1 then. In steps of all vectors.
+template <class D, class V, size_t K, size_t N>
+HWY_INLINE void AdaptedSextic(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&p)[K]) {
+  static_assert(N == 6 || N == 7);
   const auto term = [&](size_t i) HWY_ATTR { return hn::Set(d, c[i]); };
   V y[K];
   for (size_t k = 0; k < K; ++k) y[k] = hn::Add(x[k], term(0));
@@ -96,8 +97,10 @@ HWY_INLINE void AdaptedSextic(D d, const V (&x)[K], const hn::TFromD<D> (&c)[7],
   for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(y[k], p[k]);
   EndStep(p);
   for (size_t k = 0; k < K; ++k) p[k] = hn::Add(p[k], term(5));
-  EndStep(p);
-  for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(p[k], term(6));
+  if constexpr (N == 7) {
+    EndStep(p);
+    for (size_t k = 0; k < K; ++k) p[k] = hn::Mul(p[k], term(6));
+  }
 }
 
 // Long computations of several vectors in three parts, three vectors in turn: while one waits for

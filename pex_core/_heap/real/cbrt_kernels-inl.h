@@ -98,17 +98,27 @@ struct RootKernel : Kernel<T> {
   static HWY_INLINE int Rare(T x, T* r) { return RareRoot<Form>(x, r); }
 };
 
+// Double precision's kernels for all normal numbers test a group by the bits that they start from.
 template <class Form>
-struct dRootEP : RootKernel<Form, double> {
+struct dRootKernel : RootKernel<Form, double> {
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyMayBeRare(D d, const V (&x)[K]) {
+    return AnyNotNormal(d, x);
+  }
+};
+
+template <class Form>
+struct dRootEP : dRootKernel<Form> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    constexpr size_t kVectors = HWY_TARGET != HWY_SSE4 && std::is_same_v<Form, CbrtForm> ? 8 : 4;
+    constexpr size_t kFew = HWY_TARGET == HWY_AVX3 ? 8 : HWY_TARGET == HWY_AVX2 ? 2 : 4;
+    constexpr size_t kVectors = std::is_same_v<Form, CbrtForm> ? kFew : 4;
     Together<kVectors>(x, r, [&](const auto& in, auto& out) HWY_ATTR { RootEP<Form>(d, in, out); });
   }
 };
 
 template <class Form>
-struct dRootLA : RootKernel<Form, double> {
+struct dRootLA : dRootKernel<Form> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     Together<4>(x, r, [&](const auto& in, auto& out) HWY_ATTR { RootLA<Form>(d, in, out); });

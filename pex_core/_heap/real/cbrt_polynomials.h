@@ -25,11 +25,11 @@ inline constexpr double kCbrtHA[] = {
 inline constexpr double kInvCbrtHA[] = {
     -0x1.5555555555555p-2, 0x1.c71c71c71c71bp-3, -0x1.61f9ae5eca53bp-3, 0x1.26fabc25f41cdp-3};
 
-// (1 + 0.75 2^-27) w^(-2/3) of degree 6, 0.894500732421875 <= w <= 1.096893310546875; error 2^-30.4375.
+// (1 + 0.75 2^-27) w^(-2/3) of degree 6, 0.7949066162109375 <= w <= 0.9535064697265625; error 2^-31.46875.
 // By AdaptedSextic.
 inline constexpr double kCbrtEP[] = {
-    -0x1.9a97c923bf5b3p1, 0x1.ca566ae81917cp1, -0x1.9c76c0b9f8b6bp-1, -0x1.ca0c0654393fp-4,
-    -0x1.75b123ac3921fp1, 0x1.4dc1cde5ac64ep1, 0x1.ac2669ef5919p-2};
+    -0x1.5fb34306ddb4ap1, 0x1.4f92d03d35387p1, -0x1.aac87a9e012c8p-1, -0x1.c9ff3faa59297p-5,
+    -0x1.da69dde01bf5bp0, 0x1.1465923de2a46p0};
 
 // (1 + 0.57 2^-27) w^(-1/3), 0.894500732421875 <= w <= 1.096893310546875; error 2^-27.90625.
 inline constexpr double kInvCbrtEP[] = {

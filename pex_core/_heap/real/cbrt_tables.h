@@ -12,6 +12,9 @@ namespace pex {
 // Double precision: |x z^3 - 1| < 0.1055.
 inline constexpr uint64_t kInvCbrtMagic = 0x553EE00000000000;
 
+// Double precision, for EP: x z^3 is from 0.7949 to 0.9535.
+inline constexpr uint64_t kCbrtMagicEP = 0x553DD00000000000;
+
 // Single precision, in 8 bits: |x z^3 - 1| < 0.1094.
 inline constexpr uint32_t kInvCbrtSingleMagic = 0x54A10000;
 
