@@ -1,7 +1,7 @@
 // Reduction of logarithms in double precision by the bits of the argument alone: x = 2^e m for m
 // from 0x1.784p-1 to 0x1.784p0, a factor c of the table next to 1/m for each of the sixteen
-// stretches of 2^48 units in the last place that m may lie in, and -log(c). The stretch of 1, with
-// the factor 1, reaches from 1 - 2^-6 to 1 + 2^-5.
+// stretches of 2^48 units in the last place that m may lie in, and log(c). The stretch of 1, with
+// the factor 1, is that from about 1 - 2^-6 to 1 + 2^-5.
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/log-inl.h"
@@ -90,8 +90,8 @@ HWY_INLINE LogStretch<D> LogStretchReduce(D d, V x) {
   LogStretch<D> r;
   const auto bits = Bits(d, x);
   constexpr uint64_t kBiasBits = uint64_t{kLogStretchBias} << 52;
-  const bool biased_sum = HWY_TARGET != HWY_AVX3 || Form::kBiased;
-  const auto above = hn::Add(bits, SetBits(d, (biased_sum ? kBiasBits : 0) - kLogStretchStart));
+  constexpr bool kBiasedSum = HWY_TARGET != HWY_AVX3 || Form::kBiased;
+  const auto above = hn::Add(bits, SetBits(d, (kBiasedSum ? kBiasBits : 0) - kLogStretchStart));
   LogStretchRow<Table>(d, above, r.c, r.log);
   r.exponent_bits = hn::And(above, SetBits(d, 0xFFF0000000000000));
 #if HWY_TARGET == HWY_AVX3
@@ -174,7 +174,7 @@ struct LogEPPart {
   }
 };
 
-// The natural logarithm below 1 ulp, without a full sum and by a division instead of a long
+// The natural logarithm in 0.80 ulp, without a full sum and by a division instead of a long
 // polynomial: log(1 + t) = t - s (t - s^2 R(s^2)) for s = t/(2 + t), t = m c - 1. e log(2) - log(c)
 // is exact but for a small part, of which the product is exact, too.
 template <class D>
