@@ -60,6 +60,14 @@ struct PartRange {
   }
   template <class D>
   static HWY_INLINE MaskOf<D> LanesOutside(D d, VecOf<D> x) {
+    if constexpr (sizeof(hn::TFromD<D>) == 4) {
+      const auto bits = Bits(d, hn::Abs(x));
+      const auto above = hn::Gt(bits, SetBits(d, Pattern<float>(kHigh) - 1));
+      // Below the smallest and not 0: 0 becomes the largest integer.
+      const auto less = hn::Add(bits, SetBits(d, 0x7FFFFFFF));
+      const auto below = hn::Lt(less, SetBits(d, 0x80000000u + Pattern<float>(kLow) - 1));
+      return hn::RebindMask(d, hn::Or(above, below));
+    }
     const auto zero = hn::RebindMask(d, hn::Eq(Bits(d, hn::Abs(x)), SetBits(d, 0)));
     const auto outside = AnyOutside(d, hn::IfThenElse(zero, hn::Set(d, hn::TFromD<D>(1)), x));
     // Masks by lane ask for whole lanes of ones.
