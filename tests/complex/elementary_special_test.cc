@@ -399,6 +399,22 @@ TEST(ComplexElementary, PowersWithLargeExponents) {
   }
 }
 
+// Off by 1.09 and 0.97 ulp of the modulus when the angle had 58 bits.
+TEST(ComplexElementary, PowersWithTheLargestVectorExponents) {
+  constexpr PowCase kCases[] = {
+      {{-0x1.6d8fbc5a1bca8p-1, -0x1.6e8926f0b81edp-1},
+       {0x1.1531db598488p+1, -0x1.06d81b9896fefp+4},
+       {0x1.41b65987b1d01p-57, 0x1.f7df44ca09d8fp-57}},
+      {{0x1.63d6c6df1e29fp-2, -0x1.3ab02a5f00dcp+0},
+       {0x1.3e6ac88c7a29cp+4, 0x1.9537712f0faa3p-4},
+       {0x1.e34d56a126636p+6, -0x1.59968a79960d9p+6}},
+      {{-0x1.e99d7b752de27p+0, 0x1.d443d8a0db1bfp-2},
+       {-0x1.1caff0c395aa3p+1, 0x1.1c6a01c11d8a4p+4},
+       {0x1.d0e36da7e5ba9p-78, -0x1.9e245d0ad8a08p-78}},
+  };
+  for (const PowCase& c : kCases) Expect(EntryOf("Pow", 'z'), c.a, c.b, c.r, 0);
+}
+
 // A part that whole quarters of the circle make 0 is 0 beside an infinite one, and has the sign
 // that the argument's own zero gives it.
 TEST(ComplexElementary, QuartersOfTheCircleAreExact) {
