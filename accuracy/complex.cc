@@ -157,6 +157,17 @@ class Points {
         return {-y, x};
     }
   }
+  // An exponent of a whose product with ln a has a small real part, between large ones.
+  Number WeightyExponent(Number a) {
+    const long double x = std::fabs(a.real()), y = std::fabs(a.imag());
+    const long double more = std::max(x, y), less = std::min(x, y);
+    const long double log = std::log1p((more - 1) * (more + 1) + less * less) / 2;
+    double im = Magnitude(4, entry_.is_double() ? 56 : 26);
+    const double most = 0x1p56 * static_cast<double>(std::fabs(log / std::arg(a)));
+    if (!(std::fabs(im) < most)) im = Round(im < 0 ? -most : most);
+    if (log == 0) return {1, im};
+    return {Round(static_cast<double>((im * std::arg(a) + 60 * (Unit(random_) - 0.5)) / log)), im};
+  }
   // Close to 1, -1, i or -i, or to the unit circle.
   Number NearUnit() {
     const auto closeness = [&] {
@@ -337,6 +348,13 @@ std::vector<ComplexRegimeResult> MeasureComplex(const Entry& entry, uint64_t cou
   };
   alike("typical", [&] { return points.Typical(typical); });
   alike("moderate", [&] { return points.Magnitudes(-12, 12); });
+  if (binary && is_elementary) {
+    const auto weighty = [&](Number a) { return points.WeightyExponent(a); };
+    measure(
+        "weighty exponent", [&] { return points.Magnitudes(-12, 12); }, weighty);
+    measure(
+        "of near a unit", [&] { return points.NearUnit(); }, weighty);
+  }
   if (entry.measure() == Measure::Modulus && (binary || !is_elementary)) return results;
   alike("all magnitudes", [&] { return points.Magnitudes(least, most); });
   alike("near an axis", [&] { return points.NearAxis(); });

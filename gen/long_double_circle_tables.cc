@@ -1,5 +1,6 @@
-// Writes pex_core/_heap/real/long_double_circle_tables.cc: the bits of 2/pi, sines and cosines of
-// j/64 and arctangents of j/64 for the long-double trigonometric functions and their inverses.
+// Writes pex_core/_heap/real/long_double_circle_tables.cc: the bits of 2/pi and ln2, sines and
+// cosines of j/64 and arctangents of j/64 for the long-double trigonometric functions and their
+// inverses.
 #include <mpfr.h>
 
 #include <cstdint>
@@ -21,16 +22,11 @@ void PrintPair(mpfr_ptr x, const char* end) {
   mpfr_clear(high);
 }
 
-void Words() {
-  mpfr_t x, word;
-  mpfr_init2(x, kPrecision);
+// The words of x, 0 <= x < 1, as numbers `first` and on of a table.
+void PrintWords(mpfr_ptr x, int first, int last) {
+  mpfr_t word;
   mpfr_init2(word, kPrecision);
-  mpfr_const_pi(x, MPFR_RNDD);
-  mpfr_ui_div(x, 2, x, MPFR_RNDD);
-  std::printf(
-      "\nconst uint64_t kTwoOverPiDigits[kTwoOverPiDigitWords] = {\n    0x0000000000000000,");
-  std::printf(" 0x0000000000000000,");
-  for (int i = 2; i < pex::kTwoOverPiDigitWords; ++i) {
+  for (int i = first; i < last; ++i) {
     mpfr_mul_2ui(x, x, 64, MPFR_RNDD);
     mpfr_floor(word, x);
     mpfr_sub(x, x, word, MPFR_RNDD);
@@ -38,7 +34,22 @@ void Words() {
     std::printf("%s0x%016llx,", i % 4 ? " " : "\n    ", static_cast<unsigned long long>(bits));
   }
   std::printf("\n};\n");
-  mpfr_clears(x, word, nullptr);
+  mpfr_clear(word);
+}
+
+void Words() {
+  mpfr_t x;
+  mpfr_init2(x, kPrecision);
+  mpfr_const_pi(x, MPFR_RNDD);
+  mpfr_ui_div(x, 2, x, MPFR_RNDD);
+  std::printf(
+      "\nconst uint64_t kTwoOverPiDigits[kTwoOverPiDigitWords] = {\n    0x0000000000000000,");
+  std::printf(" 0x0000000000000000,");
+  PrintWords(x, 2, pex::kTwoOverPiDigitWords);
+  mpfr_const_log2(x, MPFR_RNDD);
+  std::printf("\nconst uint64_t kLn2Digits[kLn2DigitWords] = {");
+  PrintWords(x, 0, pex::kLn2DigitWords);
+  mpfr_clear(x);
 }
 
 }  // namespace

@@ -63,8 +63,8 @@ HWY_INLINE V RestThatCounts(D d, V s, V rest) {
   return hn::IfThenZeroElse(hn::Lt(hn::Abs(rest), hn::Mul(s, hn::Set(d, 0x1p-200))), rest);
 }
 
-// ln(x^2 + y^2) and the angle of (x, |y|), within 2^-56 of themselves. kExact: the angle within
-// 2^-59, for parts within 2^120 and 2^-120.
+// ln(x^2 + y^2) and the angle of (x, |y|), within 2^-56 of themselves. kExact: the angle off by
+// less than 2^-59, for parts within 2^120 and 2^-120.
 template <bool kWide, bool kExact = false, class D, class V, size_t K>
 HWY_INLINE void ComplexLogPairs(D d, const Complex<V> (&z)[K], Pair<V> (&size)[K],
                                 Pair<V> (&angle)[K]) {
@@ -107,7 +107,11 @@ HWY_INLINE void ComplexLogPairs(D d, const Complex<V> (&z)[K], Pair<V> (&size)[K
     }
   }
   LogShortPair<kWide>(d, u, t, size);
-  FullAtanOctantSum<kWide>(d, octant, angle);
+  if constexpr (kExact) {
+    ExactAtanOctantSum(d, octant, angle);
+  } else {
+    FullAtanOctantSum<kWide>(d, octant, angle);
+  }
 }
 
 }  // namespace pex::HWY_NAMESPACE

@@ -2,9 +2,12 @@
 //
 // ln z = ln(x^2 + y^2)/2 + i atan2(y, x). Near the unit circle x^2 + y^2 - 1 is summed exactly from
 // the exact squares, whatever cancels, and goes into ln(1 + t). Powers take both parts as pairs,
-// whose 2^-78 leaves b ln a with an error of |b ln a| 2^-77.
+// whose 2^-78 leaves b ln a with an error of |b ln a| 2^-77; where that is too much, fixed point
+// has the bits. The powers of numbers on an axis turn by quarters of the circle, which are counted
+// exactly.
 #include <utility>
 
+#include "pex_core/_heap/complex/complex_long_log.h"
 #include "pex_core/_heap/complex/complex_parts.h"
 
 using namespace pex::cmplx;
@@ -71,24 +74,79 @@ ComplexExtended LogSpecial(double x, double y) {
   return {kInfinity, _pexatan2l_scalar(y, x)};
 }
 
-// Sine and cosine of a pair.
-SinCosPair SinCosOf(Pair x) {
+// quadrant pi/2 + rest.
+struct Turn {
+  int quadrant;
+  Pair rest;
+};
+
+// With a rest of at most pi/4 in size.
+Turn Reduced(Turn x) {
+  if (x.rest.hi == 0) return x;
   LongDoubleReduction part;
-  int quadrant = _pexreduce_pi04l(&part, x.hi);
+  x.quadrant += _pexreduce_pi04l(&part, x.rest.hi);
   Pair r = {part.high, part.low};
-  if (x.lo != 0) {
-    quadrant += _pexreduce_pi04l(&part, x.lo);
+  if (x.rest.lo != 0) {
+    x.quadrant += _pexreduce_pi04l(&part, x.rest.lo);
     r = Add(r, Pair{part.high, part.low});
   }
   if (__builtin_fabsl(r.hi) > kPiOver2.hi * 0.5L) {
-    quadrant += r.hi > 0 ? 1 : -1;
+    x.quadrant += r.hi > 0 ? 1 : -1;
     r = Add(r, r.hi > 0 ? Negate(kPiOver2) : kPiOver2);
   }
-  SinCosPair v = SinCos(r);
-  if (quadrant & 1) v = {v.cos, Negate(v.sin)};
-  if (quadrant & 2) v = {Negate(v.sin), Negate(v.cos)};
-  return v;
+  return {x.quadrant, r};
 }
+
+SinCosPair SinCosOf(Turn x) {
+  // A zero has a sign.
+  const SinCosPair v = x.rest.hi == 0 ? SinCosPair{x.rest, {1, 0}} : SinCos(x.rest);
+  switch (x.quadrant & 3) {
+    case 0:
+      return v;
+    case 1:
+      return {v.cos, Negate(v.sin)};
+    case 2:
+      return {Negate(v.sin), Negate(v.cos)};
+    default:
+      return {Negate(v.cos), v.sin};
+  }
+}
+
+// The angle of a number on an axis: quarters of the circle, and a zero on the side of 0, the sign
+// of the part that is zero.
+Turn AxisAngle(double x, double y) {
+  const auto zero = [](bool negative) { return Pair{negative ? -0.0L : 0.0L, 0}; };
+  if (IsZero(y)) {
+    if (!IsNegative(x)) return {0, zero(IsNegative(y))};
+    return {IsNegative(y) ? -2 : 2, zero(!IsNegative(y))};
+  }
+  return {IsNegative(y) ? -1 : 1, zero(IsNegative(x) == IsNegative(y))};
+}
+
+// b times the angle.
+Turn Times(Turn angle, double b) {
+  const long double quarters = angle.quadrant * static_cast<long double>(b);
+  // Numbers from 2^62 on are multiples of 4.
+  const int64_t whole = __builtin_fabsl(quarters) < 0x1p62L ? static_cast<int64_t>(quarters) : 0;
+  const long double rest = __builtin_fabsl(quarters) < 0x1p62L ? quarters - whole : 0;
+  return {static_cast<int>(whole & 3),
+          rest == 0 ? Pair{angle.rest.hi * b, 0} : Mul(kPiOver2, rest)};
+}
+
+long double LargerSize(long double x, long double y) {
+  const long double a = __builtin_fabsl(x), b = __builtin_fabsl(y);
+  return a > b ? a : b;
+}
+
+// The largest of the products in b ln a; those with quarters of the circle are exact.
+long double Weight(Pair size, Pair angle, long double x, long double y, bool on_axis) {
+  const long double most = LargerSize(size.hi, angle.hi);
+  return LargerSize(x * (on_axis ? size.hi : most), y * most);
+}
+
+// More weight leaves pairs less than 58 bits of the turn, which counts where the result is neither
+// infinite nor 0.
+constexpr long double kMostWeight = 0x1p20L;
 
 // Powers with an infinity, a NaN or a zero among the parts: e^(b ln a) in plain arithmetic.
 ComplexExtended PowSpecial(double a_re, double a_im, double b_re, double b_im) {
@@ -124,27 +182,30 @@ ComplexExtended _pexcpow_scalar(double a_re, double a_im, double b_re, double b_
   }
   const Pair size = LogModulusPair(__builtin_fabsl(a_re), __builtin_fabsl(a_im));
   const Pair angle = ArgumentPair(a_re, a_im);
-  Pair re, im;
-  if (IsZero(b_im)) {
-    re = Mul(size, static_cast<long double>(b_re));
-    im = Mul(angle, static_cast<long double>(b_re));
-  } else if (IsZero(b_re)) {
-    re = Mul(angle, static_cast<long double>(-b_im));
-    im = Mul(size, static_cast<long double>(b_im));
+  const long double x = b_re, y = b_im;
+  const bool on_axis = IsZero(a_re) || IsZero(a_im);
+  Pair re = Add(Mul(size, x), Mul(angle, -y));
+  Turn im;
+  const long double weight = Weight(size, angle, x, y, on_axis);
+  if (weight > kMostWeight && __builtin_fabsl(re.hi) < kBeyond + weight * 0x1p-60L) {
+    const LongProduct product = TimesLogarithm(a_re, a_im, b_re, b_im);
+    re = product.re;
+    im = {product.quadrant, product.rest};
   } else {
-    re =
-        Add(Mul(size, static_cast<long double>(b_re)), Mul(angle, static_cast<long double>(-b_im)));
-    im = Add(Mul(angle, static_cast<long double>(b_re)), Mul(size, static_cast<long double>(b_im)));
+    im = on_axis ? Times(AxisAngle(a_re, a_im), b_re) : Turn{0, Mul(angle, x)};
+    if (y != 0) {
+      const Pair sum = Add(im.rest, Mul(size, y));
+      // The sign that sums of pairs lose.
+      im.rest = sum.hi == 0 ? Pair{im.rest.hi + size.hi * y, 0} : sum;
+    }
+    im = Reduced(im);
   }
   if (!(__builtin_fabsl(re.hi) < kBeyond)) re = {re.hi < 0 ? -kBeyond : kBeyond, 0};
   const Scaled e = ExpPair(re);
   const long double scale = PowerOfTwo(e.n);
-  if (im.hi == 0) {
-    // The sign that the products of pairs lose.
-    const long double turned = angle.hi * b_re;
-    return {e.value.hi * scale,
-            __builtin_copysignl(0, IsZero(b_im) ? turned : turned + size.hi * b_im)};
-  }
   const SinCosPair v = SinCosOf(im);
-  return {Mul(e.value, v.cos).hi * scale, Mul(e.value, v.sin).hi * scale};
+  const auto part = [&](Pair factor) {
+    return factor.hi == 0 ? factor.hi : Mul(e.value, factor).hi * scale;
+  };
+  return {part(v.cos), part(v.sin)};
 }

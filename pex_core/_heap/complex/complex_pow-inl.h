@@ -1,6 +1,6 @@
 // Complex powers a^b = e^(b ln a). What the logarithm is off by, b times as much, is the relative
 // error of the result: elements with a large b, or whose |b ln a| may exceed a limit, go to the
-// scalar routine, whose logarithm has 78 bits.
+// scalar routine, whose logarithm has 78 bits and more where b asks for them.
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/complex/complex_exp-inl.h"
@@ -56,8 +56,17 @@ struct PowKernel : ComplexKernel<Element, double> {
     // |ln a| <= (|e| + 3/2) ln 2 + pi.
     const V log =
         hn::Add(hn::Mul(hn::Abs(ExponentOf(d, size)), hn::Set(d, T(0.7))), hn::Set(d, T(4.25)));
-    const auto beyond = hn::Or(hn::Gt(hn::Mul(exponent, log), hn::Set(d, kLimit)),
-                               hn::Gt(exponent, hn::Set(d, kMostExponent)));
+    const V product = hn::Mul(exponent, log);
+    const auto beyond =
+        hn::Or(hn::Gt(product, hn::Set(d, kLimit)), hn::Gt(exponent, hn::Set(d, kMostExponent)));
+    if constexpr (sizeof(T) == 4) {
+      // What turns by whole quarters of the circle has a part that is 0, not what the rounding of
+      // pi leaves of it, times a modulus that may be infinite.
+      const auto less = hn::Min(Bits(d, hn::Abs(a.re)), Bits(d, hn::Abs(a.im)));
+      const auto turned = hn::Eq(hn::Max(less, Bits(d, a.re)), SetBits(d, 0));
+      const auto infinite = hn::And(hn::RebindMask(d, turned), hn::Gt(product, hn::Set(d, T(88))));
+      return hn::Or(hn::Or(rare, beyond), infinite);
+    }
     return hn::Or(rare, beyond);
   }
 
@@ -90,8 +99,8 @@ struct SinglePow : PowKernel<float> {
   }
 };
 
-// In pairs, the product b ln a formed of normalised ones. Largest error seen 0.95 ulp of the
-// modulus, for the largest b; 0.73 for typical ones.
+// In pairs, the product b ln a formed of normalised ones. Largest error seen 0.80 ulp of the
+// modulus, for the largest b; 0.71 for typical ones.
 struct DoublePow : PowKernel<double> {
   static constexpr int kUnroll = 4;
   template <class D, class V, size_t K>

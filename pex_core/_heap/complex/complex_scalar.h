@@ -4,8 +4,8 @@
 // The parts of the argument are doubles (single-precision arguments are widened exactly); those of
 // the result are 80-bit numbers, to be rounded once to the type of the element. Principal branches,
 // signed zeros and special values are those of the C standard's Annex G. The error of each part is
-// at most a few units of its 64th bit; results of Pow are off by a few units of the 64th bit of
-// their modulus as long as |b ln a| stays below 2^12.
+// at most a few units of its 64th bit; results of Pow are off by at most 2^-56 of their modulus,
+// whatever |b ln a| is.
 //
 // All take 64-bit precision and rounding to nearest for granted (X87Guard of control.h around the
 // loop). They set no errno and raise no flag but inexact unless the result warrants it; overflow
@@ -40,7 +40,8 @@ pex::ComplexExtended _pexclog_scalar(double re, double im);
 pex::ComplexExtended _pexclog10_scalar(double re, double im);
 
 // (a_re + i a_im)^(b_re + i b_im) = e^(b ln a). A part of b that is zero takes no part in the
-// product, whatever ln a is, so a^0 is 1, and 0^b is 0 for real b > 0.
+// product, whatever ln a is, so a^0 is 1, and 0^b is 0 for real b > 0. Quarters of the circle are
+// exact: a part that they make 0 is 0, with the sign that it has on the side of a's own zero.
 pex::ComplexExtended _pexcpow_scalar(double a_re, double a_im, double b_re, double b_im);
 
 pex::ComplexExtended _pexccosh_scalar(double re, double im);

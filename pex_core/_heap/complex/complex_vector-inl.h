@@ -60,10 +60,15 @@ struct PartRange {
   }
   template <class D>
   static HWY_INLINE MaskOf<D> LanesOutside(D d, VecOf<D> x) {
-    const auto zero = hn::RebindMask(d, hn::Eq(Bits(d, hn::Abs(x)), SetBits(d, 0)));
-    const auto outside = AnyOutside(d, hn::IfThenElse(zero, hn::Set(d, hn::TFromD<D>(1)), x));
-    // Masks by lane ask for whole lanes of ones.
-    return hn::RebindMask(d, hn::Lt(Bits(d, hn::VecFromMask(d, outside)), SetBits(d, 0)));
+    constexpr int kShift = sizeof(hn::TFromD<D>) == 8 ? 32 : 0;
+    constexpr uint64_t kTop = sizeof(hn::TFromD<D>) == 8 ? uint64_t{1} << 63 : 0x80000000;
+    constexpr auto kLeast = static_cast<uint64_t>(Pattern<hn::TFromD<D>>(kLow)) << kShift;
+    constexpr auto kMost = static_cast<uint64_t>(Pattern<hn::TFromD<D>>(kHigh)) << kShift;
+    const auto bits = Bits(d, hn::Abs(x));
+    const auto above = hn::Gt(bits, SetBits(d, kMost - 1));
+    // Below the smallest and not 0: 0 becomes the largest integer.
+    const auto below = hn::Lt(hn::Add(bits, SetBits(d, kTop - 1)), SetBits(d, kTop + kLeast - 1));
+    return hn::RebindMask(d, hn::Or(above, below));
   }
 };
 

@@ -73,6 +73,14 @@ const uint64_t kTwoOverPiDigits[kTwoOverPiDigitWords] = {
     0x4d59018071e0e13f, 0x89b295f364a8f1ae, 0xa74b38fc4ceab2bb, 0x47270babc3a734ba,
 };
 
+const uint64_t kLn2Digits[kLn2DigitWords] = {
+    0xb17217f7d1cf79ab, 0xc9e3b39803f2f6af, 0x40f343267298b62d, 0x8a0d175b8baafa2b,
+    0xe7b876206debac98, 0x559552fb4afa1b10, 0xed2eae35c1382144, 0x27573b291169b825,
+    0x3e96ca16224ae8c5, 0x1acbda11317c387e, 0xb9ea9bc3b136603b, 0x256fa0ec7657f74b,
+    0x72ce87b19d6548ca, 0xf5dfa6bd38303248, 0x655fa1872f20e3a2, 0xda2d97c50f3fd5c6,
+    0x07f4ca11fb5bfb90, 0x610d30f88fe551a2,
+};
+
 const CircleRow kCircle[kCircleRows] = {
     {{0x0p+0L, 0x0p+0L}, {0x8p-3L, 0x0p+0L}},
     {{0xf.ffd55577776a76bp-10L, -0xb.639a9f077611acfp-75L}, {0xf.ff8000aaaa4fa51p-4L, 0x8.a280e97bcd59c8ap-69L}},

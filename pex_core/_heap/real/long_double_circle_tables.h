@@ -12,6 +12,9 @@ namespace pex {
 // Two words of zeros, then the binary digits of 2/pi, the first digit after the point the highest
 // bit: enough for the largest number, whose product with them is looked at from bit 16384 on.
 inline constexpr int kTwoOverPiDigitWords = 2 + 262;
+// The digits of ln2 from the point on: what the logarithm of a power by a number below 2^1024 asks
+// for.
+inline constexpr int kLn2DigitWords = 18;
 inline constexpr int kCircleRows = 52;      // up to pi/4
 inline constexpr int kArctangentRows = 65;  // up to 1
 
@@ -21,6 +24,7 @@ struct CircleRow {
 
 #pragma GCC visibility push(hidden)
 extern const uint64_t kTwoOverPiDigits[kTwoOverPiDigitWords];
+extern const uint64_t kLn2Digits[kLn2DigitWords];
 extern const CircleRow kCircle[kCircleRows];
 extern const PairRow kArctangents[kArctangentRows];  // of j/64
 #pragma GCC visibility pop
