@@ -22,6 +22,25 @@ constexpr TrigRows ByRows(const TrigTable& t) {
 
 inline constexpr TrigRows kTrigPointRows = ByRows(kTrigTable);
 
+// Rows for the lanes of a vector's lower half, and for those of its upper half: offset and sine are
+// where they are wanted.
+struct TrigHalfRows {
+  alignas(64) double lower[16][4];  // offset, sin, cos, nothing
+  alignas(64) double upper[16][4];  // cos, nothing, offset, sin
+};
+
+constexpr TrigHalfRows ByHalfRows(const TrigTable& t) {
+  TrigHalfRows r{};
+  for (int j = 0; j < 16; ++j) {
+    r.lower[j][0] = r.upper[j][2] = t.offset[j];
+    r.lower[j][1] = r.upper[j][3] = t.sin[j];
+    r.lower[j][2] = r.upper[j][0] = t.cos[j];
+  }
+  return r;
+}
+
+inline constexpr TrigHalfRows kTrigPointHalfRows = ByHalfRows(kTrigTable);
+
 struct TangentPointRows {
   alignas(64) double row[16][2];  // offset, tan
 };
