@@ -264,6 +264,18 @@ struct FineUsual {
   }
 };
 
+// The first part for usual arguments: their reduction, and y^2.
+template <class U, class D, class V, size_t K>
+HWY_INLINE void ReduceFinePart(D d, const V* arguments, U& u, V (&y2)[K]) {
+  V x[K], n[K];
+  for (size_t k = 0; k < K; ++k) x[k] = arguments[k];
+  FineSteps(d, x, n);
+  NearestFine(d, u, n);
+  SubtractFine(d, x, n, u);
+  for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(u.y[k], u.y[k]);
+  EndPart(y2);
+}
+
 // The sine or cosine of usual arguments in parts: on AVX2 one after another, for all vectors of a
 // group, they take a tenth less.
 template <Wave kWave, class D, size_t K>
@@ -273,16 +285,7 @@ struct WaveFinePart {
   FineAngles<D, K> u;
   V y2[K], s[K], c[K];
 
-  HWY_INLINE void Reduce(const V* arguments) {
-    const D d;
-    V x[K], n[K];
-    for (size_t k = 0; k < K; ++k) x[k] = arguments[k];
-    FineSteps(d, x, n);
-    NearestFine(d, u, n);
-    SubtractFine(d, x, n, u);
-    for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(u.y[k], u.y[k]);
-    EndPart(y2);
-  }
+  HWY_INLINE void Reduce(const V* x) { ReduceFinePart(D(), x, u, y2); }
   HWY_INLINE void Evaluate() {
     FinePolynomials(D(), y2, s, c);
     EndPart(s);
@@ -301,13 +304,14 @@ template <Wave kWave>
 struct WaveHA {
   static constexpr int kResults = 1;
   static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : HWY_TARGET == HWY_AVX2 ? 8 : 4;
+  static constexpr size_t kRestUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;
   static constexpr double kTiny = 0x1p-27;
   using Usual = FineUsual;
 
   template <class D, class V, size_t K>
   static HWY_INLINE bool Group(D d, const V (&x)[K], V (&r)[K]) {
     V y2[K];
-    if constexpr (HWY_TARGET == HWY_AVX2 && K > 2) {
+    if constexpr (HWY_TARGET == HWY_AVX2 && K > 4) {
       WaveFinePart<kWave, D, 1> parts[K];
       SomeInTurn<K>(parts, x, r);
       for (size_t k = 0; k < K; ++k) y2[k] = parts[k].y2[0];
