@@ -59,7 +59,8 @@ struct UsualExponents {
 // A trigonometric kernel F has
 //   Usual                      its usual exponents;
 //   Group(d, x, r...)          results of usual lanes for arrays of vectors;
-//   Wide(d, x, r...)           results of any finite lanes.
+//   Wide(d, x, r...)           results of any finite lanes;
+//   kUnroll, kRestUnroll       vectors of its groups, and optional: of those for what these leave.
 template <class F>
 struct dTrigWide : Kernel<double> {
   using Rarity = RareAbove<double, 0x7FEFFFFF>;  // infinities and NaN
@@ -153,6 +154,14 @@ HWY_INLINE bool UsualVectors(const C& call, size_t i, size_t count) {
 template <class F>
 struct TrigRun {
   using K = dTrigWide<F>;
+  static constexpr size_t LeastGroup() {
+    if constexpr (requires { F::kRestUnroll; }) {
+      return F::kRestUnroll;
+    } else {
+      return F::kUnroll;
+    }
+  }
+  static constexpr size_t kLeast = LeastGroup();
   static HWY_INLINE size_t Lanes() { return hn::Lanes(typename K::Tag()); }
 
   static HWY_NOINLINE int Unusual(size_t end, const double* a, double* r1, double* r2, size_t i,
@@ -193,6 +202,12 @@ struct TrigRun {
       if (!UsualVectors<F, F::kUnroll>(call, i, lanes)) [[unlikely]]
         RunWide<F>(call, i, i + group);
     }
+    if constexpr (kLeast != F::kUnroll) {
+      for (const size_t rest = kLeast * lanes; i + rest <= end; i += rest) {
+        if (!UsualVectors<F, kLeast>(call, i, lanes)) [[unlikely]]
+          RunWide<F>(call, i, i + rest);
+      }
+    }
     if (i == end) return 0;
     return end - i > lanes ? Few(end, a, r1, r2, i, name) : One(end, a, r1, r2, i, name);
   }
@@ -205,7 +220,7 @@ HWY_INLINE int RunTrig(int32_t n, const double* a, double* r1, double* r2, const
     return 0;
   const size_t end = static_cast<uint32_t>(n), lanes = Run::Lanes();
   if (end <= lanes) return Run::One(end, a, r1, r2, 0, name);
-  if (end < F::kUnroll * lanes) return Run::Few(end, a, r1, r2, 0, name);
+  if (end < Run::kLeast * lanes) return Run::Few(end, a, r1, r2, 0, name);
   return Run::Many(end, a, r1, r2, name);
 }
 

@@ -264,22 +264,65 @@ struct FineUsual {
   }
 };
 
+// The first part for usual arguments: their reduction, and y^2.
+template <class U, class D, class V, size_t K>
+HWY_INLINE void ReduceFinePart(D d, const V* arguments, U& u, V (&y2)[K]) {
+  V x[K], n[K];
+  for (size_t k = 0; k < K; ++k) x[k] = arguments[k];
+  FineSteps(d, x, n);
+  NearestFine(d, u, n);
+  SubtractFine(d, x, n, u);
+  for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(u.y[k], u.y[k]);
+  EndPart(y2);
+}
+
+// The sine or cosine of usual arguments in parts: on AVX2 one after another, for all vectors of a
+// group, they take a tenth less.
+template <Wave kWave, class D, size_t K>
+struct WaveFinePart {
+  static constexpr size_t kSize = K;
+  using V = VecOf<D>;
+  FineAngles<D, K> u;
+  V y2[K], s[K], c[K];
+
+  HWY_INLINE void Reduce(const V* x) { ReduceFinePart(D(), x, u, y2); }
+  HWY_INLINE void Evaluate() {
+    FinePolynomials(D(), y2, s, c);
+    EndPart(s);
+    EndPart(c);
+  }
+  HWY_INLINE void Result(const V*, V* r) {
+    V wave[K];
+    FineWave<kWave>(D(), u, y2, s, c, wave);
+    EndPart(wave);
+    for (size_t k = 0; k < K; ++k) r[k] = wave[k];
+  }
+};
+
 // Sine or cosine in full: one rounding, and a few hundredths of an ulp before.
 template <Wave kWave>
 struct WaveHA {
   static constexpr int kResults = 1;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : HWY_TARGET == HWY_AVX2 ? 8 : 4;
+  static constexpr size_t kRestUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;
   static constexpr double kTiny = 0x1p-27;
   using Usual = FineUsual;
 
   template <class D, class V, size_t K>
   static HWY_INLINE bool Group(D d, const V (&x)[K], V (&r)[K]) {
-    FineAngles<D, K> u;
     V y2[K];
-    if (!ReduceFine(d, x, u, y2)) [[unlikely]]
-      return false;
-    Finish(d, u, y2, r);
-    return true;
+    if constexpr (HWY_TARGET == HWY_AVX2 && K > 4) {
+      WaveFinePart<kWave, D, 1> parts[K];
+      SomeInTurn<K>(parts, x, r);
+      for (size_t k = 0; k < K; ++k) y2[k] = parts[k].y2[0];
+      return !AnyNear(d, y2);
+    } else {
+      FineAngles<D, K> u;
+      if (!ReduceFine(d, x, u, y2)) [[unlikely]]
+        return false;
+      Finish(d, u, y2, r);
+      return true;
+    }
   }
   template <class D, class V, size_t K>
   static HWY_INLINE void Wide(D d, const V (&x)[K], V (&r)[K]) {

@@ -11,6 +11,12 @@ namespace pex {
 inline constexpr double kNoColumn[16] = {};
 inline constexpr auto kTrigPointRows =
     ByRows(kTrigTable.offset, kNoColumn, kTrigTable.sin, kTrigTable.cos);
+// For the lanes of a vector's lower half, and for those of its upper half: offset and sine are
+// where they are wanted.
+inline constexpr auto kTrigPointLowerRows =
+    ByRows(kTrigTable.offset, kTrigTable.sin, kTrigTable.cos, kNoColumn);
+inline constexpr auto kTrigPointUpperRows =
+    ByRows(kTrigTable.cos, kNoColumn, kTrigTable.offset, kTrigTable.sin);
 inline constexpr auto kTangentPointRows = ByRows(kTangentPointTable.offset, kTangentPointTable.tan);
 inline constexpr auto kTangentRows =
     ByRows(kTangentTable.tan, kTangentTable.cos2, kTangentTable.sin_cos, kTangentTable.infinite);
