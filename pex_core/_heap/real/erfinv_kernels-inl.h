@@ -61,7 +61,7 @@ struct dErfInvKernel : Kernel<double> {
 
 template <class Function, int (*kRare)(const float*, float*)>
 struct sErfInvInFull : Kernel<float, double> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 5 : 3;
+  static constexpr int kUnroll = 4;
   static constexpr float kHarmless = 0.5f;
   using Rarity = Function::template Rarity<float>;
   static HWY_INLINE int Rare(float x, float* r) { return kRare(&x, r); }
@@ -80,11 +80,25 @@ struct sErfInvInFull : Kernel<float, double> {
   }
 };
 
+// Floats as doubles by way of memory, from where a conversion takes no shuffle.
+template <class D, class V>
+HWY_INLINE VecOf<D> PromoteByMemory(D d, V x) {
+#if HWY_TARGET == HWY_SSE4
+  return hn::PromoteTo(d, x);
+#else
+  const hn::Rebind<float, D> singles;
+  HWY_ALIGN float memory[hn::MaxLanes(D())];
+  hn::Store(x, singles, memory);
+  asm("" : "+m"(memory));
+  return hn::PromoteTo(d, hn::Load(singles, memory));
+#endif
+}
+
 // By cubics within 2^-38, in full where that leaves the rounding open.
 template <class Function, int (*kRare)(const float*, float*)>
 struct sErfInvHAKernel : Kernel<float, double> {
   using Wide = sErfInvInFull<Function, kRare>;
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 5 : 6;
+  static constexpr int kUnroll = 8;
   static constexpr float kHarmless = 0.5f;
   using Rarity = Function::FineRarity;
   template <class D, class V, size_t K>
@@ -96,7 +110,8 @@ struct sErfInvHAKernel : Kernel<float, double> {
     V a[K];
     for (size_t k = 0; k < K; ++k) {
       a[k] = x[k];
-      u[k] = Function::SplitFine(wide, hn::PromoteTo(wide, x[k]));
+      u[k] = Function::SplitFine(wide,
+                                 K > 2 ? PromoteByMemory(wide, x[k]) : hn::PromoteTo(wide, x[k]));
     }
     ErfInvCubic<Function, kErfInvFineOctaves, kErfInvFineBits, true>(wide, kErfInvFine, u, y);
     const bool open = AnyRoundingInDoubt<15>(wide, y);
