@@ -2,6 +2,8 @@
 // and the tier. HA is correctly rounded in single precision and errs by at most 0.55 ulp in double,
 // LA in double by 1.3 ulp.
 
+#include <type_traits>
+
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/erfinv-inl.h"
 #include "pex_core/_heap/real/slog-inl.h"
@@ -21,42 +23,67 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// In y[k].hi, of HA with a rest in y[k].lo.
-template <class Function, ErfInvTier kTier, class D, class V, size_t K>
-HWY_INLINE void ErfInvAll(D d, const ErfInvArgument<V> (&u)[K], Pair<V> (&y)[K]) {
-  ErfInvArgument<V> served[K];
-  for (size_t k = 0; k < K; ++k) served[k] = {u[k].x, hn::Max(u[k].q, hn::Set(d, kErfInvLeast))};
-  if constexpr (kTier == ErfInvTier::kLA || kTier == ErfInvTier::kHA) {
-    ErfInvFull<Function, kTier>(d, served, y);
+// In y[k].hi, of kFull with a rest in y[k].lo, otherwise within 2^-30. kWhole: also where q is too
+// small for the tables.
+template <class Function, bool kFull, bool kWhole, class D, class V, size_t K>
+HWY_INLINE void ErfInvNear(D d, const V (&x)[K], Pair<V> (&y)[K]) {
+  if constexpr (kFull) {
+    ErfInvPoint<V> u[K];
+    for (size_t k = 0; k < K; ++k) {
+      u[k] = Function::Point(d, x[k]);
+      if constexpr (kWhole) u[k].q = hn::Max(u[k].q, hn::Set(d, kErfInvLeast * Function::kUnit));
+    }
+    ErfInvFull<Function>(d, u, y);
   } else {
+    ErfInvArgument<V> u[K];
+    for (size_t k = 0; k < K; ++k) {
+      u[k] = Function::Split(d, x[k]);
+      if constexpr (kWhole) u[k].q = hn::Max(u[k].q, hn::Set(d, kErfInvLeast));
+    }
     V r[K];
-    ErfInvCubic<Function, kErfInvOctaves, kErfInvShortBits>(d, kErfInvShort, served, r);
+    ErfInvCubic<Function, kErfInvOctaves, kErfInvShortBits>(d, kErfInvShort, u, r);
     for (size_t k = 0; k < K; ++k) y[k].hi = r[k];
   }
+}
+
+// Likewise, of the whole domain.
+template <class Function, bool kFull, class D, class V, size_t K>
+HWY_INLINE void ErfInvAll(D d, const V (&x)[K], Pair<V> (&y)[K]) {
+  ErfInvArgument<V> u[K];
+  for (size_t k = 0; k < K; ++k) u[k] = Function::Split(d, x[k]);
+  ErfInvNear<Function, kFull, true>(d, x, y);
   if (AnyTail(d, u)) [[unlikely]] {
     for (size_t k = 0; k < K; ++k) {
-      if constexpr (kTier != ErfInvTier::kHA) y[k].lo = hn::Zero(d);
+      if constexpr (!kFull) y[k].lo = hn::Zero(d);
       y[k] = ErfInvTail<Function>(d, u[k], y[k]);
     }
   }
 }
 
-template <class Function, ErfInvTier kTier, int (*kRare)(const double*, double*)>
-struct dErfInvKernel : Kernel<double> {
-  static constexpr int kUnroll = 4;
+template <class Function, bool kFull, bool kWhole, int (*kRare)(const double*, double*)>
+struct dErfInvPart : Kernel<double> {
+  static constexpr int kUnroll = kWhole ? 2 : 4;
   static constexpr double kHarmless = 0.5;
-  using Rarity = Function::template Rarity<double>;
+  using Rarity = std::conditional_t<kWhole, typename Function::template Rarity<double>,
+                                    typename Function::NearRarity>;
   static HWY_INLINE int Rare(double x, double* r) { return kRare(&x, r); }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    ErfInvArgument<V> u[K];
     Pair<V> y[K];
-    for (size_t k = 0; k < K; ++k) u[k] = Function::Split(d, x[k]);
-    ErfInvAll<Function, kTier>(d, u, y);
+    if constexpr (kWhole) {
+      ErfInvAll<Function, kFull>(d, x, y);
+    } else {
+      ErfInvNear<Function, kFull, false>(d, x, y);
+    }
     for (size_t k = 0; k < K; ++k) {
-      out[k] = kTier == ErfInvTier::kHA ? hn::Add(y[k].hi, y[k].lo) : y[k].hi;
+      out[k] = kFull ? hn::Add(y[k].hi, y[k].lo) : y[k].hi;
     }
   }
+};
+
+template <class Function, bool kFull, int (*kRare)(const double*, double*)>
+struct dErfInvKernel : dErfInvPart<Function, kFull, false, kRare> {
+  using Wide = dErfInvPart<Function, kFull, true, kRare>;
 };
 
 template <class Function, int (*kRare)(const float*, float*)>
@@ -69,10 +96,10 @@ struct sErfInvInFull : Kernel<float, double> {
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     const hn::Rebind<double, D> wide;
     using W = VecOf<hn::Rebind<double, D>>;
-    ErfInvArgument<W> u[K];
+    W a[K];
     Pair<W> y[K];
-    for (size_t k = 0; k < K; ++k) u[k] = Function::Split(wide, hn::PromoteTo(wide, x[k]));
-    ErfInvAll<Function, ErfInvTier::kHA>(wide, u, y);
+    for (size_t k = 0; k < K; ++k) a[k] = hn::PromoteTo(wide, x[k]);
+    ErfInvAll<Function, true>(wide, a, y);
     for (size_t k = 0; k < K; ++k) {
       const Pair<W> sum = FastTwoSum(y[k].hi, y[k].lo);
       out[k] = RoundPair(d, wide, sum.hi, sum.lo);
