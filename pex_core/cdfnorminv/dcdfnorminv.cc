@@ -12,11 +12,12 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdCdfNormInv";
 
-using dCdfNormInvEP = dErfInvKernel<InverseOfCdfNorm, false, dCdfNormInv_SC>;
-using dCdfNormInvHA = dErfInvKernel<InverseOfCdfNorm, true, dCdfNormInv_SC>;
+using dCdfNormInvEP = dErfInvKernel<InverseOfCdfNorm, ErfInvTier::kShort, dCdfNormInv_SC>;
+using dCdfNormInvLA = dErfInvKernel<InverseOfCdfNorm, ErfInvTier::kLA, dCdfNormInv_SC>;
+using dCdfNormInvHA = dErfInvKernel<InverseOfCdfNorm, ErfInvTier::kHA, dCdfNormInv_SC>;
 
 PEX_UNARY(double, dCdfNormInv_26, dCdfNormInvEP)
-PEX_UNARY(double, dCdfNormInv_50, dCdfNormInvHA)
+PEX_UNARY(double, dCdfNormInv_50, dCdfNormInvLA)
 PEX_UNARY(double, dCdfNormInv_HA, dCdfNormInvHA)
 
 }  // namespace pex::HWY_NAMESPACE

@@ -12,11 +12,12 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdErfcInv";
 
-using dErfcInvEP = dErfInvKernel<InverseOfErfc, false, dErfcInv_SC>;
-using dErfcInvHA = dErfInvKernel<InverseOfErfc, true, dErfcInv_SC>;
+using dErfcInvEP = dErfInvKernel<InverseOfErfc, ErfInvTier::kShort, dErfcInv_SC>;
+using dErfcInvLA = dErfInvKernel<InverseOfErfc, ErfInvTier::kLA, dErfcInv_SC>;
+using dErfcInvHA = dErfInvKernel<InverseOfErfc, ErfInvTier::kHA, dErfcInv_SC>;
 
 PEX_UNARY(double, dErfcInv_26, dErfcInvEP)
-PEX_UNARY(double, dErfcInv_50, dErfcInvHA)
+PEX_UNARY(double, dErfcInv_50, dErfcInvLA)
 PEX_UNARY(double, dErfcInv_HA, dErfcInvHA)
 
 }  // namespace pex::HWY_NAMESPACE

@@ -12,11 +12,12 @@ namespace pex::HWY_NAMESPACE {
 
 static char _PEX_THISFUNC_NAME[] = "vdErfInv";
 
-using dErfInvEP = dErfInvKernel<InverseOfErf, false, dErfInv_SC>;
-using dErfInvHA = dErfInvKernel<InverseOfErf, true, dErfInv_SC>;
+using dErfInvEP = dErfInvKernel<InverseOfErf, ErfInvTier::kShort, dErfInv_SC>;
+using dErfInvLA = dErfInvKernel<InverseOfErf, ErfInvTier::kLA, dErfInv_SC>;
+using dErfInvHA = dErfInvKernel<InverseOfErf, ErfInvTier::kHA, dErfInv_SC>;
 
 PEX_UNARY(double, dErfInv_26, dErfInvEP)
-PEX_UNARY(double, dErfInv_50, dErfInvHA)
+PEX_UNARY(double, dErfInv_50, dErfInvLA)
 PEX_UNARY(double, dErfInv_HA, dErfInvHA)
 
 }  // namespace pex::HWY_NAMESPACE

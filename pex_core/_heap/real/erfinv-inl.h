@@ -28,6 +28,8 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+enum class ErfInvTier { kShort, kLA, kHA };
+
 inline constexpr double kErfInvLeast = 0x1p-20;
 
 template <class V>
@@ -178,9 +180,10 @@ HWY_INLINE void ErfInvCubic(D d, const double (*table)[4], const ErfInvArgument<
   }
 }
 
-// In full: the product of x and a row's constant, then all else, which weighs little.
-template <class Function, class D, class V, size_t K>
-HWY_INLINE void ErfInvFull(D d, const ErfInvPoint<V> (&u)[K], Pair<V> (&y)[K]) {
+// HA: the product of x and a row's constant in full, then all else, which weighs little. LA: x G(q)
+// in y[k].hi, with x as it is rounded.
+template <class Function, ErfInvTier kTier, class D, class V, size_t K>
+HWY_INLINE void ErfInvFine(D d, const ErfInvPoint<V> (&u)[K], Pair<V> (&y)[K]) {
   constexpr auto& kRows = Function::kRows;
   constexpr uint64_t kRowBytes = sizeof(kRows[0]);
   constexpr uint64_t kOctave = kRowBytes << kErfInvBits;  // the lowest bit of the exponent
@@ -203,7 +206,12 @@ HWY_INLINE void ErfInvFull(D d, const ErfInvPoint<V> (&u)[K], Pair<V> (&y)[K]) {
     p[k] = hn::Add(pair(low.d, high.a), hn::Mul(t2, pair(high.b, high.c)));
     p[k] = hn::Add(pair(low.b, low.c), hn::Mul(t2, p[k]));
     p[k] = hn::Mul(p[k], t[k]);
-    V rest = hn::Mul(u[k].x, hn::Add(high.d, p[k]));
+    p[k] = hn::Add(high.d, p[k]);
+    if constexpr (kTier == ErfInvTier::kLA) {
+      y[k].hi = hn::Mul(u[k].x, hn::Add(low.a, p[k]));
+      continue;
+    }
+    V rest = hn::Mul(u[k].x, p[k]);
     if constexpr (Function::kRest) rest = hn::Add(rest, hn::Mul(u[k].rest, low.a));
     y[k] = TwoProduct(d, u[k].x, low.a);
     y[k].lo = hn::Add(y[k].lo, rest);

@@ -1,6 +1,6 @@
 // The kernels of the inverse error functions: what Function (of erfinv-inl.h) is the inverse of,
 // and the tier. HA is correctly rounded in single precision and errs by at most 0.55 ulp in double,
-// LA in double by 1.3 ulp.
+// LA in double by 1.5 ulp.
 
 #include <type_traits>
 
@@ -23,17 +23,17 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// In y[k].hi, of kFull with a rest in y[k].lo, otherwise within 2^-30. kWhole: also where q is too
+// In y[k].hi, of HA with a rest in y[k].lo, of kShort within 2^-30. kWhole: also where q is too
 // small for the tables.
-template <class Function, bool kFull, bool kWhole, class D, class V, size_t K>
+template <class Function, ErfInvTier kTier, bool kWhole, class D, class V, size_t K>
 HWY_INLINE void ErfInvNear(D d, const V (&x)[K], Pair<V> (&y)[K]) {
-  if constexpr (kFull) {
+  if constexpr (kTier != ErfInvTier::kShort) {
     ErfInvPoint<V> u[K];
     for (size_t k = 0; k < K; ++k) {
       u[k] = Function::Point(d, x[k]);
       if constexpr (kWhole) u[k].q = hn::Max(u[k].q, hn::Set(d, kErfInvLeast * Function::kUnit));
     }
-    ErfInvFull<Function>(d, u, y);
+    ErfInvFine<Function, kTier>(d, u, y);
   } else {
     ErfInvArgument<V> u[K];
     for (size_t k = 0; k < K; ++k) {
@@ -47,20 +47,20 @@ HWY_INLINE void ErfInvNear(D d, const V (&x)[K], Pair<V> (&y)[K]) {
 }
 
 // Likewise, of the whole domain.
-template <class Function, bool kFull, class D, class V, size_t K>
+template <class Function, ErfInvTier kTier, class D, class V, size_t K>
 HWY_INLINE void ErfInvAll(D d, const V (&x)[K], Pair<V> (&y)[K]) {
   ErfInvArgument<V> u[K];
   for (size_t k = 0; k < K; ++k) u[k] = Function::Split(d, x[k]);
-  ErfInvNear<Function, kFull, true>(d, x, y);
+  ErfInvNear<Function, kTier, true>(d, x, y);
   if (AnyTail(d, u)) [[unlikely]] {
     for (size_t k = 0; k < K; ++k) {
-      if constexpr (!kFull) y[k].lo = hn::Zero(d);
+      if constexpr (kTier != ErfInvTier::kHA) y[k].lo = hn::Zero(d);
       y[k] = ErfInvTail<Function>(d, u[k], y[k]);
     }
   }
 }
 
-template <class Function, bool kFull, bool kWhole, int (*kRare)(const double*, double*)>
+template <class Function, ErfInvTier kTier, bool kWhole, int (*kRare)(const double*, double*)>
 struct dErfInvPart : Kernel<double> {
   static constexpr int kUnroll = kWhole ? 2 : 4;
   static constexpr double kHarmless = 0.5;
@@ -71,19 +71,19 @@ struct dErfInvPart : Kernel<double> {
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     Pair<V> y[K];
     if constexpr (kWhole) {
-      ErfInvAll<Function, kFull>(d, x, y);
+      ErfInvAll<Function, kTier>(d, x, y);
     } else {
-      ErfInvNear<Function, kFull, false>(d, x, y);
+      ErfInvNear<Function, kTier, false>(d, x, y);
     }
     for (size_t k = 0; k < K; ++k) {
-      out[k] = kFull ? hn::Add(y[k].hi, y[k].lo) : y[k].hi;
+      out[k] = kTier == ErfInvTier::kHA ? hn::Add(y[k].hi, y[k].lo) : y[k].hi;
     }
   }
 };
 
-template <class Function, bool kFull, int (*kRare)(const double*, double*)>
-struct dErfInvKernel : dErfInvPart<Function, kFull, false, kRare> {
-  using Wide = dErfInvPart<Function, kFull, true, kRare>;
+template <class Function, ErfInvTier kTier, int (*kRare)(const double*, double*)>
+struct dErfInvKernel : dErfInvPart<Function, kTier, false, kRare> {
+  using Wide = dErfInvPart<Function, kTier, true, kRare>;
 };
 
 template <class Function, int (*kRare)(const float*, float*)>
@@ -99,7 +99,7 @@ struct sErfInvInFull : Kernel<float, double> {
     W a[K];
     Pair<W> y[K];
     for (size_t k = 0; k < K; ++k) a[k] = hn::PromoteTo(wide, x[k]);
-    ErfInvAll<Function, true>(wide, a, y);
+    ErfInvAll<Function, ErfInvTier::kHA>(wide, a, y);
     for (size_t k = 0; k < K; ++k) {
       const Pair<W> sum = FastTwoSum(y[k].hi, y[k].lo);
       out[k] = RoundPair(d, wide, sum.hi, sum.lo);
