@@ -180,8 +180,7 @@ HWY_INLINE void ErfInvCubic(D d, const double (*table)[4], const ErfInvArgument<
   }
 }
 
-// HA: the product of x and a row's constant in full, then all else, which weighs little. LA: x G(q)
-// in y[k].hi, with x as it is rounded.
+// The product of x and a row's constant, HA in full, and then all else, which weighs little.
 template <class Function, ErfInvTier kTier, class D, class V, size_t K>
 HWY_INLINE void ErfInvFine(D d, const ErfInvPoint<V> (&u)[K], Pair<V> (&y)[K]) {
   constexpr auto& kRows = Function::kRows;
@@ -206,15 +205,14 @@ HWY_INLINE void ErfInvFine(D d, const ErfInvPoint<V> (&u)[K], Pair<V> (&y)[K]) {
     p[k] = hn::Add(pair(low.d, high.a), hn::Mul(t2, pair(high.b, high.c)));
     p[k] = hn::Add(pair(low.b, low.c), hn::Mul(t2, p[k]));
     p[k] = hn::Mul(p[k], t[k]);
-    p[k] = hn::Add(high.d, p[k]);
-    if constexpr (kTier == ErfInvTier::kLA) {
-      y[k].hi = hn::Mul(u[k].x, hn::Add(low.a, p[k]));
-      continue;
-    }
-    V rest = hn::Mul(u[k].x, p[k]);
+    V rest = hn::Mul(u[k].x, hn::Add(high.d, p[k]));
     if constexpr (Function::kRest) rest = hn::Add(rest, hn::Mul(u[k].rest, low.a));
-    y[k] = TwoProduct(d, u[k].x, low.a);
-    y[k].lo = hn::Add(y[k].lo, rest);
+    if constexpr (kTier == ErfInvTier::kHA) {
+      y[k] = TwoProduct(d, u[k].x, low.a);
+      y[k].lo = hn::Add(y[k].lo, rest);
+    } else {
+      y[k] = {hn::Mul(u[k].x, low.a), rest};
+    }
   }
 }
 

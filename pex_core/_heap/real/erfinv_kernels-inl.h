@@ -23,8 +23,8 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// In y[k].hi, of HA with a rest in y[k].lo, of kShort within 2^-30. kWhole: also where q is too
-// small for the tables.
+// In y[k].hi, with a rest in y[k].lo, of kShort within 2^-30 without one. kWhole: also where q is
+// too small for the tables.
 template <class Function, ErfInvTier kTier, bool kWhole, class D, class V, size_t K>
 HWY_INLINE void ErfInvNear(D d, const V (&x)[K], Pair<V> (&y)[K]) {
   if constexpr (kTier != ErfInvTier::kShort) {
@@ -54,7 +54,7 @@ HWY_INLINE void ErfInvAll(D d, const V (&x)[K], Pair<V> (&y)[K]) {
   ErfInvNear<Function, kTier, true>(d, x, y);
   if (AnyTail(d, u)) [[unlikely]] {
     for (size_t k = 0; k < K; ++k) {
-      if constexpr (kTier != ErfInvTier::kHA) y[k].lo = hn::Zero(d);
+      if constexpr (kTier == ErfInvTier::kShort) y[k].lo = hn::Zero(d);
       y[k] = ErfInvTail<Function>(d, u[k], y[k]);
     }
   }
@@ -76,7 +76,7 @@ struct dErfInvPart : Kernel<double> {
       ErfInvNear<Function, kTier, false>(d, x, y);
     }
     for (size_t k = 0; k < K; ++k) {
-      out[k] = kTier == ErfInvTier::kHA ? hn::Add(y[k].hi, y[k].lo) : y[k].hi;
+      out[k] = kTier == ErfInvTier::kShort ? y[k].hi : hn::Add(y[k].hi, y[k].lo);
     }
   }
 };
