@@ -93,12 +93,6 @@ inline std::vector<Real> Interpolate(const std::function<Real(Real)>& function, 
   return Through(x, c);
 }
 
-// erfcinv(q), over 1 - q from 1/2 on.
-inline Real Near(const Real& q) {
-  const Real y = ErfcInverse(q);
-  return q.Double() < 0.5 ? y : y / (1 - q);
-}
-
 }  // namespace gen
 
 #endif  // GEN_ERFINV_H_

@@ -35,21 +35,27 @@ Two Complement(Two z) {
   const size_t j = static_cast<uint32_t>(std::bit_cast<uint64_t>(sum));
   const double c = sum - shifter;
   const double exact = z.hi - c, d = exact + z.lo, d_rest = z.lo - (d - exact);
-  const double w = d * (d + 2 * c), w2 = w * w, v = d * d;
+  const Two ends = FastTwoSum(2 * c, d);
+  Two square = TwoProduct(d, ends.hi);
+  square.lo += d * ends.lo + d_rest * (ends.hi + d);
+  const double w = square.hi, w2 = w * w, v = d * d;
   double t = kErfcMeanHA[8];
   for (int i = 8; i-- > 0;) t = t * w + kErfcMeanHA[i];
   const double r =
       (kErfcRatioHA[0] + w2 * (kErfcRatioHA[1] + w2 * (kErfcRatioHA[2] + w2 * kErfcRatioHA[3]))) *
           v +
       (1.0 / 60 - w2 * (1.0 / 2520)) * (v * v);
-  t = (w2 * t + (1 + (w2 * t - w * 0.5)) * r) - w * 0.5;
+  // 1 - w/2 + t: what weighs most by itself.
+  t = w2 * t + (1 + (w2 * t - w * 0.5)) * r;
   const ErfcRow& row = kErfcRows[j];
   const double value_rest = std::bit_cast<double>(kErfcRests[j]);
   const double slope_rest = std::bit_cast<double>(kErfcRests[j] << 32);
   Two p = TwoProduct(row.slope, d);
   p.lo += slope_rest * d + row.slope * d_rest;
-  const Two head = FastTwoSum(row.value, -p.hi);
-  return FastTwoSum(head.hi, head.lo + ((value_rest - p.lo) - p.hi * t));
+  Two half = TwoProduct(p.hi, w * 0.5);
+  half.lo += (p.hi * square.lo + p.lo * w) * 0.5;
+  const Two head = FastTwoSum(row.value, -p.hi), bent = FastTwoSum(head.hi, half.hi);
+  return FastTwoSum(bent.hi, (head.lo + bent.lo) + ((value_rest - p.lo) + (half.lo - p.hi * t)));
 }
 
 // y 2^-300 rounded once; subnormal where it is below 2^-1022.

@@ -154,8 +154,9 @@ struct Row4 {
   V a, b, c, d;
 };
 
-template <class D, size_t kFirst>
-HWY_INLINE Row4<VecOf<D>> LoadRows4(D, const double* rows, const RowOffsets<32, D, kFirst>& j) {
+template <size_t kBytes, class D, size_t kFirst>
+HWY_INLINE Row4<VecOf<D>> LoadRows4(D, const double* rows, const RowOffsets<kBytes, D, kFirst>& j) {
+  static_assert(kBytes % 32 == 0);
   using V = VecOf<D>;
 #if HWY_TARGET == HWY_AVX3
   const auto row = [&](size_t lane) HWY_ATTR { return _mm256_load_pd(j.Of(rows, lane)); };

@@ -1,8 +1,7 @@
 // The inverse of the error function and its relations: of x = erf(y) and q = 1 - |x|, from a table
-// of polynomials G in q, by intervals whose length goes with q:
-//   y = x G(q)       q >= 1/2, where x is exact,
-//   y = +-G(q)       2^-20 <= q < 1/2, where q is exact.
-// Below 2^-20, with v = sqrt(-ln q),
+// of polynomials G in q >= 2^-20, by intervals whose length goes with q:
+//   y = x G(q).
+// Below, with v = sqrt(-ln q),
 //   y = +-v (1 - D(1/v)),
 // the logarithm that of log-inl.h, D by a table of polynomials too.
 
@@ -29,7 +28,6 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// How far the computation goes, from 29 bits to 60.
 enum class ErfInvTier { kShort, kLA, kHA };
 
 inline constexpr double kErfInvLeast = 0x1p-20;
@@ -37,6 +35,12 @@ inline constexpr double kErfInvLeast = 0x1p-20;
 template <class V>
 struct ErfInvArgument {
   V x, q;
+};
+
+// For G: x and q, rounded, and what x lacks.
+template <class V>
+struct ErfInvPoint {
+  V x, q, rest;
 };
 
 // The functions: x and q from their arguments, the rare arguments (poles, beyond them, subnormal
@@ -52,9 +56,22 @@ struct InverseOfErf {
                                              sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F7FFFFF>>;
   // |x| in [2^-100, 1 - 2^-15]
   using FineRarity = RareByMagnitude<RareOutside<float, 0x0D800000, 0x3F7FFE00>>;
+  // q from 2^-20 on, |x| in [2^-35, 1 - 2^-20)
+  using NearRarity = RareByMagnitude<RareOutside<double, 0x3DC00000, 0x3FEFFFFD>>;
+  static constexpr bool kRest = false;
+  static constexpr double kUnit = 1;  // of Point
   template <class D, class V>
   static HWY_INLINE ErfInvArgument<V> Split(D d, V a) {
     return {a, hn::Sub(hn::Set(d, 1.0), hn::Abs(a))};
+  }
+  template <class D, class V>
+  static HWY_INLINE ErfInvPoint<V> Point(D d, V a) {
+    return {a, hn::Sub(hn::Set(d, 1.0), hn::Abs(a)), a};
+  }
+  // q - middle: exact, but for small |x|, where G is flat.
+  template <class D, class V>
+  static HWY_INLINE V Distance(D d, const ErfInvPoint<V>& u, V middle) {
+    return hn::Sub(hn::Sub(hn::Set(d, 1.0), middle), hn::Abs(u.x));
   }
   template <class D, class V>
   static HWY_INLINE ErfInvArgument<V> SplitFine(D d, V a) {
@@ -72,10 +89,22 @@ struct InverseOfErfc {
   struct Rarity
       : RareOutside<T, sizeof(T) == 8 ? 0x00100000 : 1, sizeof(T) == 8 ? 0x3FFFFFFF : 0x3FFFFFFF> {
   };
-  using FineRarity = RareOutside<float, 0x38000000, 0x3FFFFF00>;  // x in [2^-15, 2 - 2^-15]
+  using FineRarity = RareOutside<float, 0x38000000, 0x3FFFFF00>;   // x in [2^-15, 2 - 2^-15]
+  using NearRarity = RareOutside<double, 0x3EB00000, 0x3FFFFFFE>;  // x in [2^-20, 2 - 2^-20)
+  static constexpr bool kRest = true;
+  static constexpr double kUnit = 1;
   template <class D, class V>
   static HWY_INLINE ErfInvArgument<V> Split(D d, V a) {
     return {hn::Sub(hn::Set(d, 1.0), a), hn::Min(a, hn::Sub(hn::Set(d, 2.0), a))};
+  }
+  template <class D, class V>
+  static HWY_INLINE ErfInvPoint<V> Point(D d, V a) {
+    const V one = hn::Set(d, 1.0), x = hn::Sub(one, a);
+    return {x, hn::Min(a, hn::Sub(hn::Set(d, 2.0), a)), hn::Sub(hn::Sub(one, x), a)};
+  }
+  template <class D, class V>
+  static HWY_INLINE V Distance(D, const ErfInvPoint<V>& u, V middle) {
+    return hn::Sub(u.q, middle);
   }
   template <class D, class V>
   static HWY_INLINE ErfInvArgument<V> SplitFine(D d, V a) {
@@ -94,11 +123,24 @@ struct InverseOfCdfNorm {
   struct Rarity
       : RareOutside<T, sizeof(T) == 8 ? 0x00100000 : 1, sizeof(T) == 8 ? 0x3FEFFFFF : 0x3F7FFFFF> {
   };
-  using FineRarity = RareOutside<float, 0x37800000, 0x3F7FFF00>;  // x in [2^-16, 1 - 2^-16]
+  using FineRarity = RareOutside<float, 0x37800000, 0x3F7FFF00>;   // x in [2^-16, 1 - 2^-16]
+  using NearRarity = RareOutside<double, 0x3EA00000, 0x3FEFFFFE>;  // x in [2^-21, 1 - 2^-21)
+  static constexpr bool kRest = true;
+  static constexpr double kUnit = 0.5;
   template <class D, class V>
   static HWY_INLINE ErfInvArgument<V> Split(D d, V a) {
     const V x = hn::Sub(a, hn::Set(d, 0.5)), q = hn::Min(a, hn::Sub(hn::Set(d, 1.0), a));
     return {hn::Add(x, x), hn::Add(q, q)};
+  }
+  // Their halves.
+  template <class D, class V>
+  static HWY_INLINE ErfInvPoint<V> Point(D d, V a) {
+    const V half = hn::Set(d, 0.5), x = hn::Sub(a, half);
+    return {x, hn::Min(a, hn::Sub(hn::Set(d, 1.0), a)), hn::Sub(a, hn::Add(x, half))};
+  }
+  template <class D, class V>
+  static HWY_INLINE V Distance(D, const ErfInvPoint<V>& u, V middle) {
+    return hn::Sub(u.q, middle);
   }
   // The same of floats that FineRarity leaves: exact.
   template <class D, class V>
@@ -138,49 +180,38 @@ HWY_INLINE void ErfInvCubic(D d, const double (*table)[4], const ErfInvArgument<
   }
 }
 
-// In full. LA's is in y[k].hi alone.
+// The product of x and a row's constant, HA in full, and then all else, which weighs little.
 template <class Function, ErfInvTier kTier, class D, class V, size_t K>
-HWY_INLINE void ErfInvFull(D d, const ErfInvArgument<V> (&u)[K], Pair<V> (&y)[K]) {
+HWY_INLINE void ErfInvFine(D d, const ErfInvPoint<V> (&u)[K], Pair<V> (&y)[K]) {
   constexpr auto& kRows = Function::kRows;
-  using Offsets = RowOffsets<sizeof(kRows[0][0]), D>;
-  Offsets at[K];
-  V t[K], t2[K], p[K];
-  Row4<V> first[K];
-  MaskOf<D> central[K];
+  constexpr uint64_t kRowBytes = sizeof(kRows[0]);
+  constexpr uint64_t kOctave = kRowBytes << kErfInvBits;  // the lowest bit of the exponent
+  constexpr int kShift = 53 - std::bit_width(kOctave);
+  constexpr uint64_t kHalf = uint64_t{1} << (51 - kErfInvBits);  // of an interval
+  constexpr uint64_t kExponent = 1023 - kErfInvOctaves - (Function::kUnit < 1);
+  RowOffsets<kRowBytes, D, kExponent * kOctave + (kHalf >> kShift)> at[K];
+  V t[K], p[K];
+#pragma GCC unroll 8
   for (size_t k = 0; k < K; ++k) {
-    constexpr uint64_t kFirst = static_cast<uint64_t>(1023 - kErfInvOctaves) << kErfInvBits;
-    at[k].Set(d, hn::Sub(ShiftBitsRight<52 - kErfInvBits>(d, u[k].q), SetBits(d, kFirst)));
+    const auto middle = hn::OrAnd(SetBits(d, kHalf), Bits(d, u[k].q), SetBits(d, -2 * kHalf));
+    at[k].SetBytes(ShiftBitsRight<kShift>(d, FromBits(d, middle)));
+    t[k] = Function::Distance(d, u[k], FromBits(d, middle));
   }
+#pragma GCC unroll 8
   for (size_t k = 0; k < K; ++k) {
-    first[k] = LoadRows4(d, &kRows[0][0][0], at[k]);
-    central[k] = hn::Ge(u[k].q, hn::Set(d, 0.5));
-    // Exact, but for small |x|, where G is flat.
-    t[k] = hn::Sub(hn::IfThenElse(central[k], hn::Neg(hn::Abs(u[k].x)), u[k].q), first[k].a);
-    t2[k] = hn::Mul(t[k], t[k]);
-  }
-  for (size_t k = 0; k < K; ++k) {
-    const auto row = LoadRows4(d, &kRows[2][0][0], at[k]);
-    p[k] = hn::Add(hn::Add(row.a, hn::Mul(row.b, t[k])),
-                   hn::Mul(t2[k], hn::Add(row.c, hn::Mul(row.d, t[k]))));
-  }
-  for (size_t k = 0; k < K; ++k) {
-    const auto row = LoadRows4(d, &kRows[1][0][0], at[k]);
-    const V upper = hn::Add(hn::Add(row.c, hn::Mul(row.d, t[k])), hn::Mul(t2[k], p[k]));
-    p[k] = hn::Add(hn::Add(row.a, hn::Mul(row.b, t[k])), hn::Mul(t2[k], upper));
-  }
-  for (size_t k = 0; k < K; ++k) {
-    const V unit = hn::CopySignToAbs(hn::Set(d, 1.0), u[k].x);
-    const V m = hn::IfThenElse(central[k], u[k].x, unit);
+    const auto low = LoadRows4(d, &kRows[0][0], at[k]), high = LoadRows4(d, &kRows[0][4], at[k]);
+    const V t2 = hn::Mul(t[k], t[k]);
+    const auto pair = [&](V c0, V c1) HWY_ATTR { return hn::Add(c0, hn::Mul(c1, t[k])); };
+    p[k] = hn::Add(pair(low.d, high.a), hn::Mul(t2, pair(high.b, high.c)));
+    p[k] = hn::Add(pair(low.b, low.c), hn::Mul(t2, p[k]));
+    p[k] = hn::Mul(p[k], t[k]);
+    V rest = hn::Mul(u[k].x, hn::Add(high.d, p[k]));
+    if constexpr (Function::kRest) rest = hn::Add(rest, hn::Mul(u[k].rest, low.a));
     if constexpr (kTier == ErfInvTier::kHA) {
-      const Pair<V> linear = TwoProduct(d, first[k].d, t[k]);
-      const Pair<V> sum = FastTwoSum(first[k].b, linear.hi);
-      const V rest = hn::Add(hn::Add(first[k].c, linear.lo), hn::Mul(t2[k], p[k]));
-      y[k] = TwoProduct(d, m, sum.hi);
-      y[k].lo = hn::Add(y[k].lo, hn::Mul(m, hn::Add(sum.lo, rest)));
+      y[k] = TwoProduct(d, u[k].x, low.a);
+      y[k].lo = hn::Add(y[k].lo, rest);
     } else {
-      const V slope = hn::Add(first[k].d, hn::Mul(t[k], p[k]));
-      const V rest = hn::Add(first[k].c, hn::Mul(t[k], slope));
-      y[k].hi = hn::Mul(m, hn::Add(first[k].b, rest));
+      y[k] = {hn::Mul(u[k].x, low.a), rest};
     }
   }
 }

@@ -1,6 +1,8 @@
 // The kernels of the inverse error functions: what Function (of erfinv-inl.h) is the inverse of,
 // and the tier. HA is correctly rounded in single precision and errs by at most 0.55 ulp in double,
-// LA in double by 1.3 ulp.
+// LA in double by 1.5 ulp.
+
+#include <type_traits>
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/erfinv-inl.h"
@@ -21,47 +23,72 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// In y[k].hi, of HA with a rest in y[k].lo.
-template <class Function, ErfInvTier kTier, class D, class V, size_t K>
-HWY_INLINE void ErfInvAll(D d, const ErfInvArgument<V> (&u)[K], Pair<V> (&y)[K]) {
-  ErfInvArgument<V> served[K];
-  for (size_t k = 0; k < K; ++k) served[k] = {u[k].x, hn::Max(u[k].q, hn::Set(d, kErfInvLeast))};
-  if constexpr (kTier == ErfInvTier::kLA || kTier == ErfInvTier::kHA) {
-    ErfInvFull<Function, kTier>(d, served, y);
+// In y[k].hi, with a rest in y[k].lo, of kShort within 2^-30 without one. kWhole: also where q is
+// too small for the tables.
+template <class Function, ErfInvTier kTier, bool kWhole, class D, class V, size_t K>
+HWY_INLINE void ErfInvNear(D d, const V (&x)[K], Pair<V> (&y)[K]) {
+  if constexpr (kTier != ErfInvTier::kShort) {
+    ErfInvPoint<V> u[K];
+    for (size_t k = 0; k < K; ++k) {
+      u[k] = Function::Point(d, x[k]);
+      if constexpr (kWhole) u[k].q = hn::Max(u[k].q, hn::Set(d, kErfInvLeast * Function::kUnit));
+    }
+    ErfInvFine<Function, kTier>(d, u, y);
   } else {
+    ErfInvArgument<V> u[K];
+    for (size_t k = 0; k < K; ++k) {
+      u[k] = Function::Split(d, x[k]);
+      if constexpr (kWhole) u[k].q = hn::Max(u[k].q, hn::Set(d, kErfInvLeast));
+    }
     V r[K];
-    ErfInvCubic<Function, kErfInvOctaves, kErfInvShortBits>(d, kErfInvShort, served, r);
+    ErfInvCubic<Function, kErfInvOctaves, kErfInvShortBits>(d, kErfInvShort, u, r);
     for (size_t k = 0; k < K; ++k) y[k].hi = r[k];
   }
+}
+
+// Likewise, of the whole domain.
+template <class Function, ErfInvTier kTier, class D, class V, size_t K>
+HWY_INLINE void ErfInvAll(D d, const V (&x)[K], Pair<V> (&y)[K]) {
+  ErfInvArgument<V> u[K];
+  for (size_t k = 0; k < K; ++k) u[k] = Function::Split(d, x[k]);
+  ErfInvNear<Function, kTier, true>(d, x, y);
   if (AnyTail(d, u)) [[unlikely]] {
     for (size_t k = 0; k < K; ++k) {
-      if constexpr (kTier != ErfInvTier::kHA) y[k].lo = hn::Zero(d);
+      if constexpr (kTier == ErfInvTier::kShort) y[k].lo = hn::Zero(d);
       y[k] = ErfInvTail<Function>(d, u[k], y[k]);
     }
   }
 }
 
-template <class Function, ErfInvTier kTier, int (*kRare)(const double*, double*)>
-struct dErfInvKernel : Kernel<double> {
-  static constexpr int kUnroll = 4;
+template <class Function, ErfInvTier kTier, bool kWhole, int (*kRare)(const double*, double*)>
+struct dErfInvPart : Kernel<double> {
+  static constexpr int kUnroll = kWhole ? 2 : 4;
   static constexpr double kHarmless = 0.5;
-  using Rarity = Function::template Rarity<double>;
+  using Rarity = std::conditional_t<kWhole, typename Function::template Rarity<double>,
+                                    typename Function::NearRarity>;
   static HWY_INLINE int Rare(double x, double* r) { return kRare(&x, r); }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    ErfInvArgument<V> u[K];
     Pair<V> y[K];
-    for (size_t k = 0; k < K; ++k) u[k] = Function::Split(d, x[k]);
-    ErfInvAll<Function, kTier>(d, u, y);
+    if constexpr (kWhole) {
+      ErfInvAll<Function, kTier>(d, x, y);
+    } else {
+      ErfInvNear<Function, kTier, false>(d, x, y);
+    }
     for (size_t k = 0; k < K; ++k) {
-      out[k] = kTier == ErfInvTier::kHA ? hn::Add(y[k].hi, y[k].lo) : y[k].hi;
+      out[k] = kTier == ErfInvTier::kShort ? y[k].hi : hn::Add(y[k].hi, y[k].lo);
     }
   }
 };
 
+template <class Function, ErfInvTier kTier, int (*kRare)(const double*, double*)>
+struct dErfInvKernel : dErfInvPart<Function, kTier, false, kRare> {
+  using Wide = dErfInvPart<Function, kTier, true, kRare>;
+};
+
 template <class Function, int (*kRare)(const float*, float*)>
 struct sErfInvInFull : Kernel<float, double> {
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 5 : 3;
+  static constexpr int kUnroll = 4;
   static constexpr float kHarmless = 0.5f;
   using Rarity = Function::template Rarity<float>;
   static HWY_INLINE int Rare(float x, float* r) { return kRare(&x, r); }
@@ -69,10 +96,10 @@ struct sErfInvInFull : Kernel<float, double> {
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     const hn::Rebind<double, D> wide;
     using W = VecOf<hn::Rebind<double, D>>;
-    ErfInvArgument<W> u[K];
+    W a[K];
     Pair<W> y[K];
-    for (size_t k = 0; k < K; ++k) u[k] = Function::Split(wide, hn::PromoteTo(wide, x[k]));
-    ErfInvAll<Function, ErfInvTier::kHA>(wide, u, y);
+    for (size_t k = 0; k < K; ++k) a[k] = hn::PromoteTo(wide, x[k]);
+    ErfInvAll<Function, ErfInvTier::kHA>(wide, a, y);
     for (size_t k = 0; k < K; ++k) {
       const Pair<W> sum = FastTwoSum(y[k].hi, y[k].lo);
       out[k] = RoundPair(d, wide, sum.hi, sum.lo);
@@ -80,11 +107,25 @@ struct sErfInvInFull : Kernel<float, double> {
   }
 };
 
+// Floats as doubles by way of memory, from where a conversion takes no shuffle.
+template <class D, class V>
+HWY_INLINE VecOf<D> PromoteByMemory(D d, V x) {
+#if HWY_TARGET == HWY_SSE4
+  return hn::PromoteTo(d, x);
+#else
+  const hn::Rebind<float, D> singles;
+  HWY_ALIGN float memory[hn::MaxLanes(D())];
+  hn::Store(x, singles, memory);
+  asm("" : "+m"(memory));
+  return hn::PromoteTo(d, hn::Load(singles, memory));
+#endif
+}
+
 // By cubics within 2^-38, in full where that leaves the rounding open.
 template <class Function, int (*kRare)(const float*, float*)>
 struct sErfInvHAKernel : Kernel<float, double> {
   using Wide = sErfInvInFull<Function, kRare>;
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 5 : 6;
+  static constexpr int kUnroll = 8;
   static constexpr float kHarmless = 0.5f;
   using Rarity = Function::FineRarity;
   template <class D, class V, size_t K>
@@ -96,7 +137,8 @@ struct sErfInvHAKernel : Kernel<float, double> {
     V a[K];
     for (size_t k = 0; k < K; ++k) {
       a[k] = x[k];
-      u[k] = Function::SplitFine(wide, hn::PromoteTo(wide, x[k]));
+      u[k] = Function::SplitFine(wide,
+                                 K > 2 ? PromoteByMemory(wide, x[k]) : hn::PromoteTo(wide, x[k]));
     }
     ErfInvCubic<Function, kErfInvFineOctaves, kErfInvFineBits, true>(wide, kErfInvFine, u, y);
     const bool open = AnyRoundingInDoubt<15>(wide, y);

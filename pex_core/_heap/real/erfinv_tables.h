@@ -5,18 +5,17 @@
 
 namespace pex {
 
-// Rows cover 2^-20 <= q <= 1 by intervals, 2^bits of equal length to an octave. Each holds a
-// polynomial in q - (the middle of the interval) for
-//   G(q) = erfcinv(q)           q < 1/2
-//        = erfcinv(q)/(1 - q)   q >= 1/2, analytic at 1.
+// Rows cover 2^-20 <= q <= 1 by intervals, 2^bits of equal length to an octave. Each holds
+// coefficients 0 to 6 of a polynomial in q - (the middle of the interval) for
+//   G(q) = erfcinv(q)/(1 - q), analytic at 1,
+// within 2^-62, and what coefficient 0 lacks. A row fills a cache line.
 inline constexpr int kErfInvOctaves = 20;
-inline constexpr int kErfInvBits = 4;
+inline constexpr int kErfInvBits = 7;
 inline constexpr int kErfInvRowCount = (kErfInvOctaves << kErfInvBits) + 1;
+extern const double kErfcInvRows[kErfInvRowCount][8];
 
-// The middle (less 1 for q >= 1/2), the constant in two parts, and coefficients 1 to 9 of G, within
-// 2^-62; the same of sqrt(2) G. Numbers 4 i to 4 i + 3 of row j are at [i][j].
-extern const double kErfcInvRows[3][kErfInvRowCount][4];
-extern const double kNormInvRows[3][kErfInvRowCount][4];
+// The same of 2 sqrt(2) G in q/2.
+extern const double kNormInvRows[kErfInvRowCount][8];
 
 // Coefficients 0 to 3 of erfcinv(q)/(1 - q), in q - (the beginning of the interval), within 2^-29.
 inline constexpr int kErfInvShortBits = 5;

@@ -93,10 +93,10 @@ HWY_INLINE V InnerUniform(D d, V u) {
 template <class D, class V, size_t K>
 HWY_INLINE void NormalsOf(D d, const V (&u)[K], V (&x)[K]) {
   using Function = level::InverseOfCdfNorm;
-  level::ErfInvArgument<V> argument[K];
+  V inner[K];
   level::Pair<V> y[K];
-  for (size_t k = 0; k < K; ++k) argument[k] = Function::Split(d, InnerUniform(d, u[k]));
-  level::ErfInvAll<Function, level::ErfInvTier::kShort>(d, argument, y);
+  for (size_t k = 0; k < K; ++k) inner[k] = InnerUniform(d, u[k]);
+  level::ErfInvAll<Function, level::ErfInvTier::kShort>(d, inner, y);
   for (size_t k = 0; k < K; ++k) x[k] = y[k].hi;
 }
 
