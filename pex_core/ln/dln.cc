@@ -23,9 +23,8 @@ struct dLnEP : dLnCommon {
   using Rarity = LogStretchRarity<0x7FE783FF>;
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 2 : 8;
   template <class D, class V, size_t K>
-  static HWY_INLINE void MainGroup(D, const V (&x)[K], V (&r)[K]) {
-    LogEPPart<NaturalLog, D> parts[K];
-    SomeInTurn<HWY_MIN(K, 2)>(parts, x, r);
+  static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
+    LogStretchEP<NaturalLog>(d, x, r);
   }
 };
 

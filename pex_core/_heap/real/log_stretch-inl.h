@@ -174,6 +174,12 @@ struct LogEPPart {
   }
 };
 
+template <class Base, class D, class V, size_t K>
+HWY_INLINE void LogStretchEP(D, const V (&x)[K], V (&r)[K]) {
+  LogEPPart<Base, D> parts[K];
+  SomeInTurn<HWY_MIN(K, 2)>(parts, x, r);
+}
+
 // The natural logarithm in 0.80 ulp, without a full sum and by a division instead of a long
 // polynomial: log(1 + t) = t - s (t - s^2 R(s^2)) for s = t/(2 + t), t = m c - 1. e log(2) - log(c)
 // is exact but for a small part, of which the product is exact, too.

@@ -21,7 +21,7 @@
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/erfinv_kernels-inl.h"
 #include "pex_core/_heap/real/erfinv_single-inl.h"
-#include "pex_core/_heap/real/log-inl.h"
+#include "pex_core/_heap/real/log_stretch-inl.h"
 #include "pex_core/_heap/real/slog-inl.h"
 #include "pex_core/erfinv/erfinv_special.h"
 #include "quo_kernel/_kernel/borrow.h"
@@ -93,7 +93,7 @@ struct LnBelowOne<double> : level::Kernel<double> {
   using Rarity = level::RareOutside<double, 0x00100000, 0x3FEFFFFF>;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
-    level::LogEP<pex::NaturalLog>(d, x, r);
+    level::LogStretchEP<pex::NaturalLog>(d, x, r);
   }
 };
 template <>
