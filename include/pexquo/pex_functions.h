@@ -370,7 +370,7 @@ PEXQUO_API int _pexsErf_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsErf_HA(int32_t n, const float* a, float* r);
 
 /* Erfc: r[i] = 1 - the error function of a. Reports underflow (code 4, result subnormal or 0).
-   Bounds in double: HA 0.56 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded,
+   Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded,
    _21 2 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdErfc_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdErfc_50(int32_t n, const double* a, double* r);
@@ -380,7 +380,7 @@ PEXQUO_API int _pexsErfc_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsErfc_HA(int32_t n, const float* a, float* r);
 
 /* CdfNorm: r[i] = the standard normal distribution function of a. Reports underflow (code 4, result
-   subnormal or 0). Bounds in double: HA 0.56 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA
+   subnormal or 0). Bounds in double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA
    correctly rounded, _21 2 ulp, _11 at least 11 bits. */
 PEXQUO_API int _pexdCdfNorm_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdCdfNorm_50(int32_t n, const double* a, double* r);
@@ -391,7 +391,7 @@ PEXQUO_API int _pexsCdfNorm_HA(int32_t n, const float* a, float* r);
 
 /* ErfInv: r[i] = the inverse of the error function at a. Keeps the sign of zero. Reports poles at 1
    and -1 (code 2, result inf or -inf) and arguments beyond them (code 1, result NaN). Bounds in
-   double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp,
+   double: HA 0.51 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp,
    _11 at least 11 bits. */
 PEXQUO_API int _pexdErfInv_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdErfInv_50(int32_t n, const double* a, double* r);
@@ -401,7 +401,7 @@ PEXQUO_API int _pexsErfInv_21(int32_t n, const float* a, float* r);
 PEXQUO_API int _pexsErfInv_HA(int32_t n, const float* a, float* r);
 
 /* ErfcInv: r[i] = the inverse of 1 - the error function at a. Reports poles at 0 and 2 (code 2,
-   result inf or -inf) and arguments outside [0, 2] (code 1, result NaN). Bounds in double: HA 0.55
+   result inf or -inf) and arguments outside [0, 2] (code 1, result NaN). Bounds in double: HA 0.51
    ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp, _11 at least 11
    bits. */
 PEXQUO_API int _pexdErfcInv_26(int32_t n, const double* a, double* r);
@@ -413,7 +413,7 @@ PEXQUO_API int _pexsErfcInv_HA(int32_t n, const float* a, float* r);
 
 /* CdfNormInv: r[i] = the quantile of the standard normal distribution at a. Reports poles at 0 and
    1 (code 2, result -inf or inf) and arguments outside [0, 1] (code 1, result NaN). Bounds in
-   double: HA 0.55 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp,
+   double: HA 0.51 ulp, _50 2 ulp, _26 at least 26 bits; in single: HA correctly rounded, _21 2 ulp,
    _11 at least 11 bits. */
 PEXQUO_API int _pexdCdfNormInv_26(int32_t n, const double* a, double* r);
 PEXQUO_API int _pexdCdfNormInv_50(int32_t n, const double* a, double* r);
