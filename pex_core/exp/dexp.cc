@@ -82,11 +82,23 @@ HWY_INLINE VecOf<D> LoadEach(D d, const double* table, BitsOf<D> i) {
 // ln2 = L1 + L2, k L1 exact for k of 21 bits.
 constexpr double kL1 = 0x1.62e42fecp-1, kL2 = 0x1.d1cf79abc9e3bp-32;
 
-// 2^(k/1024) from a table, times a cubic in |r| <= ln2/2048. The last octaves above the subnormal
-// numbers belong to the rare routine, whose product with the power is subnormal and rounds there;
-// no such rounding shows in a sum above -689.07.
+#if HWY_TARGET == HWY_AVX3
+using ExpLARarity = RareAbove<double, 0x4086232A>;  // |x| >= 708.39599609375
+#else
+// |x - 10| >= 698: below -688 and from 708 on.
+struct ExpLARarity : RareAbove<double, 0x4085CFFF> {
+  template <class D>
+  static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
+    return Bits(d, hn::Abs(hn::Sub(x, hn::Set(d, 10.0))));
+  }
+};
+#endif
+
+// 2^(k/1024) from a table, times a cubic in |r| <= ln2/2048. The product with the power is
+// subnormal and rounds in the last octaves above the subnormal numbers; no such rounding shows in a
+// sum above -689.07. Where it cannot be silent, those octaves belong to the rare routine.
 struct dExpLA : Kernel<double> {
-  using Rarity = RareAbove<double, 0x40857FFF>;  // |x| >= 688
+  using Rarity = ExpLARarity;
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 4;
   static HWY_INLINE int Rare(double x, double* r) { return dExpLAScalar(x, r); }
   template <class D, class V>
@@ -98,7 +110,12 @@ struct dExpLA : Kernel<double> {
     const V c =
         hn::Add(SilentMul(hn::Set(d, 0x1.5555555555556p-3), r), hn::Set(d, 0x1.0000001ebfbep-1));
     const V p = hn::Add(SilentMul(SilentMul(c, r), r), r);
-    return ScaleByPower<10>(d, hn::Add(SilentMul(t, p), t), u);
+#if HWY_TARGET == HWY_AVX3
+    const V power = ScaleByPower<10>(d, t, u);
+    return SilentAdd(SilentMul(power, p), power);
+#else
+    return ScaleByPower<10>(d, hn::Add(hn::Mul(t, p), t), u);
+#endif
   }
 };
 

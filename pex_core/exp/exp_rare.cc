@@ -103,6 +103,11 @@ int dExpLAScalar(double x, double* r) {
   const double s = std::bit_cast<double>(power + (k << 42 & 0xFFF0000000000000));
   const double rest = x - kd * 0x1.62e42fecp-11 - kd * 0x1.d1cf79abc9e3bp-42;
   const double p = (0x1.5555555555556p-3 * rest + 0x1.0000001ebfbep-1) * rest * rest + rest;
+  const int n = static_cast<int>(static_cast<uint32_t>(k)) >> 10;
+  if (x > 0 || std::fabs(p) >= PowerOfTwo(-1022 - n)) {
+    *r = s * p + s;
+    return PEX_STATUS_OK;
+  }
   // The sum is normal: that the product is not, and raises flags on both its ways, is no concern of
   // the caller.
   constexpr unsigned kOfTiny = _MM_EXCEPT_UNDERFLOW | _MM_EXCEPT_DENORM;

@@ -8,8 +8,8 @@ namespace pex {
 // 3 overflow (inf), 4 underflow (subnormal or 0), 0 otherwise.
 int dExpScalar(double x, double* r);
 
-// The same, but from 688 to 708.396 in magnitude the LA formula, whose product with the scaled
-// power is rounded as a subnormal number in the lowest octaves: 2.46 ulp there.
+// The same, but below 708.396 in magnitude the LA formula, whose product with the
+// scaled power is rounded as a subnormal number in the lowest octaves: 2.46 ulp there.
 int dExpLAScalar(double x, double* r);
 
 // The same algorithm on the widened argument, rounded to single precision.
