@@ -289,16 +289,7 @@ struct TangentFinePart {
   TangentAngles<D, K> u;
   V y2[K], w[K], below[K], below_more[K], inverse[K];
 
-  HWY_INLINE void Reduce(const V* arguments) {
-    const D d;
-    V x[K], n[K];
-    for (size_t k = 0; k < K; ++k) x[k] = arguments[k];
-    FineSteps(d, x, n);
-    NearestFine(d, u, n);
-    SubtractFine(d, x, n, u);
-    for (size_t k = 0; k < K; ++k) y2[k] = hn::Mul(u.y[k], u.y[k]);
-    EndPart(y2);
-  }
+  HWY_INLINE void Reduce(const V* x) { ReduceFinePart(D(), x, u, y2); }
   HWY_INLINE void Evaluate() {
     const D d;
     const V one = hn::Set(d, 1.0);

@@ -182,19 +182,17 @@ HWY_INLINE void LogByDivision(D d, const LogReduced<D> (&x)[K], const V (&t)[K],
   LogDivisionSum<Base>(d, head, p, s, r, low);
 }
 
-// Rare: x + kPlus not from 1.5 * 2^-1022 to what has the high word kHigh. Below AVX-512 the key is
-// the sum that the reduction starts from; there keys of sums are joined by their high words alone,
-// for the 64-bit maximum is two operations on some processors.
-template <int32_t kHigh, int kPlus = 0>
-struct LogShortRarity : RareOutside<double, 0x00180000, kHigh> {
-  using Outside = RareOutside<double, 0x00180000, kHigh>;
+// Rare: x + kPlus as Outside has it. On AVX-512 keys are tested, and for kJoined joined, by their
+// high words alone, for the 64-bit maximum is two operations on some processors.
+template <class Outside, int kPlus, bool kJoined>
+struct LogRarity : Outside {
   template <class D>
   static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
     return Outside::Key(d, kPlus == 0 ? x : hn::Add(x, hn::Set(d, double{kPlus})));
   }
 #if HWY_TARGET == HWY_AVX3
   template <class D>
-  requires(kPlus != 0) static HWY_INLINE BitsOf<D> Joined(D d, BitsOf<D> key, VecOf<D> x) {
+  requires kJoined static HWY_INLINE BitsOf<D> Joined(D d, BitsOf<D> key, VecOf<D> x) {
     return BitsOf<D>{_mm512_max_epi32(key.raw, Key(d, x).raw)};
   }
   template <class D>
@@ -204,6 +202,11 @@ struct LogShortRarity : RareOutside<double, 0x00180000, kHigh> {
   }
 #endif
 };
+
+// Rare: x + kPlus not from 1.5 * 2^-1022 to what has the high word kHigh. Below AVX-512 the key is
+// the sum that the reduction starts from.
+template <int32_t kHigh, int kPlus = 0>
+struct LogShortRarity : LogRarity<RareOutside<double, 0x00180000, kHigh>, kPlus, kPlus != 0> {};
 template <int32_t kHigh>
 struct OfHighWords<LogShortRarity<kHigh>> : OfHighWords<RareOutside<double, 0x00180000, kHigh>> {};
 

@@ -113,32 +113,12 @@ HWY_INLINE LogStretch<D> LogStretchReduce(D d, V x) {
   return r;
 }
 
-// Rare: as LogShortRarity has it; the key is the sum that the reduction starts from.
+inline constexpr int32_t kLogStretchLow =
+    static_cast<int32_t>(0x80000000 + (kLogStretchStart >> 32) - (uint64_t{kLogStretchBias} << 20));
+// Rare: x + kPlus not from 1.47 * 2^-1022 to what has the high word kHigh; the key is the sum that
+// the reduction starts from.
 template <int32_t kHigh, int kPlus = 0>
-struct LogStretchRarity : RareOutside<double,
-                                      static_cast<int32_t>(0x80000000 + (kLogStretchStart >> 32) -
-                                                           (uint64_t{kLogStretchBias} << 20)),
-                                      kHigh> {
-  using Outside = RareOutside<double,
-                              static_cast<int32_t>(0x80000000 + (kLogStretchStart >> 32) -
-                                                   (uint64_t{kLogStretchBias} << 20)),
-                              kHigh>;
-  template <class D>
-  static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-    return Outside::Key(d, kPlus == 0 ? x : hn::Add(x, hn::Set(d, double{kPlus})));
-  }
-#if HWY_TARGET == HWY_AVX3
-  template <class D>
-  static HWY_INLINE BitsOf<D> Joined(D d, BitsOf<D> key, VecOf<D> x) {
-    return BitsOf<D>{_mm512_max_epi32(key.raw, Key(d, x).raw)};
-  }
-  template <class D>
-  static HWY_INLINE bool Any(D, BitsOf<D> key) {
-    const __m512i limit = _mm512_set1_epi32(static_cast<int32_t>(Outside::kLimit >> 32));
-    return _mm512_mask_cmpgt_epi32_mask(0xAAAA, key.raw, limit) != 0;
-  }
-#endif
-};
+struct LogStretchRarity : LogRarity<RareOutside<double, kLogStretchLow, kHigh>, kPlus, true> {};
 
 // p^2 q(p), q of the coefficients kLnStretchEP, for a p of 27 bits: products with short
 // coefficients are exact.
