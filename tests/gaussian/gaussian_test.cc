@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <vector>
 
@@ -121,6 +122,36 @@ TYPED_TEST(GaussianOf, ReplacesSpecialElements) {
         __quoDeleteStream(&stream);
       });
     }
+  }
+}
+
+// Each among ordinary ones, as its fast kernels meet it.
+TYPED_TEST(GaussianOf, TakesUniformsOfEveryMagnitude) {
+  using T = typename TypeParam::T;
+  using Limits = std::numeric_limits<T>;
+  constexpr uint64_t kSeed = 4711;
+  Random random(kSeed);
+  scripted::Script script;
+  for (int e = Limits::min_exponent - Limits::digits; e < 0; ++e) {
+    for (const double m : {1.0, 1.25, 1.4, 1.5, 1.75, 2 - 0x1p-23}) {
+      const uint32_t before = random.Below(24), behind = 24 - before;
+      for (uint32_t i = 0; i < before; ++i) script.values.push_back(random.Unit());
+      script.values.push_back(std::ldexp(m, e));
+      for (uint32_t i = 0; i < behind; ++i) script.values.push_back(random.Unit());
+    }
+  }
+  for (uint32_t method = 0; method < 3; ++method) {
+    const auto n = static_cast<int32_t>(2 * script.values.size());
+    StreamState* stream = scripted::Start(script);
+    const auto want = Values<TypeParam>(method, stream, n, T(0), T(1));
+    __quoDeleteStream(&stream);
+    levels::ForEach([&] {
+      stream = scripted::Start(script);
+      std::vector<T> got(want.size());
+      EXPECT_EQ(Gaussian(method, stream, n, got.data(), T(0), T(1)), 0);
+      EXPECT_EQ(FirstDifference(got.data(), want), -1) << "method " << method << ", seed " << kSeed;
+      __quoDeleteStream(&stream);
+    });
   }
 }
 

@@ -90,7 +90,7 @@ template <typename T>
 struct LnBelowOne;
 template <>
 struct LnBelowOne<double> : level::Kernel<double> {
-  using Rarity = level::RareOutside<double, 0x00100000, 0x3FEFFFFF>;
+  using Rarity = level::LogStretchRarity<0x3FEFFFFF>;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     level::LogStretchEP<pex::NaturalLog>(d, x, r);
