@@ -186,7 +186,13 @@ struct HypotKernel : PlainKernel<Element, 2> {
         !hn::AllTrue(hn::RebindToSigned<D>(), hn::Eq(special, hn::Zero(hn::RebindToSigned<D>())));
     for (size_t k = 0; k < K; ++k) {
       const V up = ScaleUp(d, x[k], s[k], c[k]);
-      r[k] = any ? Special(d, a[k], b[k], up) : up;
+      // Shorter vectors in place: GCC takes a call with such for one that leaves the upper halves
+      // of the registers free, and the caller would find them in use.
+      if constexpr (hn::MaxLanes(D()) == hn::MaxLanes(hn::ScalableTag<T>())) {
+        r[k] = any ? SpecialApart(d, a[k], b[k], up) : up;
+      } else {
+        r[k] = any ? Special(d, a[k], b[k], up) : up;
+      }
     }
   }
 
@@ -253,7 +259,7 @@ struct HypotKernel : PlainKernel<Element, 2> {
   // Infinity, or otherwise a NaN, where there is one: the second, or the first, quiet; in single
   // precision without its sign. r in the other lanes.
   template <class D, class V>
-  static HWY_NOINLINE V Special(D d, V a, V b, V r) {
+  static HWY_INLINE V Special(D d, V a, V b, V r) {
     const auto infinity = SetBits(d, C::kExponents << C::kFraction);
     const auto abs_a = Bits(d, hn::Abs(a)), abs_b = Bits(d, hn::Abs(b));
     const auto is_infinite = hn::Or(hn::Eq(abs_a, infinity), hn::Eq(abs_b, infinity));
@@ -263,6 +269,10 @@ struct HypotKernel : PlainKernel<Element, 2> {
     const auto is_nan = hn::Or(second, hn::Gt(abs_a, infinity));
     r = hn::IfThenElse(hn::RebindMask(d, is_nan), HardwareMul(nan, hn::Set(d, T(1))), r);
     return FromBits(d, hn::IfThenElse(is_infinite, infinity, Bits(d, r)));
+  }
+  template <class D, class V>
+  static HWY_NOINLINE V SpecialApart(D d, V a, V b, V r) {
+    return Special(d, a, b, r);
   }
 };
 

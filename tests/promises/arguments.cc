@@ -433,7 +433,7 @@ Outcome CallInPlaceOf(const pex::Entry& entry, const StandIn& call, const Argume
   outcome.r1 = first.Read(results, is_double);
   if (pex::ResultCount(entry.function->shape) == 2) outcome.r2 = second.Read(n, is_double);
   if (!scope.kept()) {
-    std::fprintf(stderr, "%.*s changed the caller's control words (%s)\n",
+    std::fprintf(stderr, "%.*s changed the caller's control words or left registers in use (%s)\n",
                  static_cast<int>(entry.symbol.size()), entry.symbol.data(), control.name);
     outcome.status = INT32_MIN;  // equal to no right outcome
   }

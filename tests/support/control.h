@@ -45,6 +45,31 @@ inline uint16_t X87Control() {
   return word;
 }
 
+// Whether the upper halves of vector registers are in use: SSE code would wait for them with every
+// result. False where the processor does not say.
+inline bool UpperHalvesInUse() {
+  const auto in_use = []() -> bool {
+    uint32_t low, high;
+    __asm__ volatile("xgetbv" : "=a"(low), "=d"(high) : "c"(1));
+    return (low & 4) != 0;
+  };
+  static const bool says = [&] {
+    uint32_t a = 0xD, b, c = 1, d;
+    if (!__builtin_cpu_supports("avx")) return false;
+    __asm__("cpuid" : "+a"(a), "=b"(b), "+c"(c), "=d"(d));
+    if ((a & 4) == 0) return false;
+    __asm__ volatile("vzeroupper" : : : "memory");
+    return !in_use();
+  }();
+  return says && in_use();
+}
+
+inline bool X87RegistersEmpty() {
+  uint16_t environment[14];
+  __asm__ volatile("fnstenv %0\n\tfldenv %0" : "=m"(environment) : : "memory");
+  return environment[4] == 0xFFFF;  // the tag word
+}
+
 // Sets the control words and clears the flags; finds out afterwards what the scope's calls did. The
 // compiler keeps the calls between construction and Finish, for it cannot see into them.
 class UseControl {
@@ -67,14 +92,16 @@ class UseControl {
     __asm__ volatile("fnstsw %0" : "=m"(status));
     flags_ = mxcsr & kMxcsrFlags;
     x87_flags_ = status & 0x3F;
-    kept_ = (mxcsr & ~kMxcsrFlags) == control_.mxcsr && X87Control() == control_.x87;
+    kept_ = (mxcsr & ~kMxcsrFlags) == control_.mxcsr && X87Control() == control_.x87 &&
+            X87RegistersEmpty() && !UpperHalvesInUse();
     __asm__ volatile("fnclex\n\tfldcw %0" : : "m"(saved_x87_) : "memory");
     _mm_setcsr(saved_mxcsr_);
   }
 
   uint32_t flags() const { return flags_; }          // of MXCSR, at Finish
   uint32_t x87_flags() const { return x87_flags_; }  // of the x87 status word, at Finish
-  bool kept() const { return kept_; }                // the control words were those set
+  // The control words were those set, the x87 registers empty and no upper halves in use.
+  bool kept() const { return kept_; }
 
  private:
   Control control_;
