@@ -105,19 +105,20 @@ HWY_INLINE void AdaptedSextic(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N],
 
 // Long computations of several vectors in three parts, three vectors in turn: while one waits for
 // the results of its part, others are computed. Each has a P, with Reduce(x...), Evaluate() and
-// Result(x...); the results may overwrite the x.
-template <size_t kStep = 0, class P, class R, size_t K, class... V>
+// Result(x...); the results may overwrite the x. kLag: of how many later P the first part comes
+// before the second part of one.
+template <size_t kLag = 1, size_t kStep = 0, class P, class R, size_t K, class... V>
 HWY_INLINE void InTurn(P (&parts)[K], R (&r)[K], const V (&... x)[K]) {
+  constexpr size_t kLast = kStep - kLag - 1;
   if constexpr (kStep < K) parts[kStep].Reduce(x[kStep]...);
-  if constexpr (kStep >= 1 && kStep <= K) parts[kStep - 1].Evaluate();
-  if constexpr (kStep >= 2) r[kStep - 2] = parts[kStep - 2].Result(x[kStep - 2]...);
-  if constexpr (kStep <= K) InTurn<kStep + 1>(parts, r, x...);
+  if constexpr (kStep >= kLag && kStep - kLag < K) parts[kStep - kLag].Evaluate();
+  if constexpr (kStep > kLag) r[kLast] = parts[kLast].Result(x[kLast]...);
+  if constexpr (kStep < K + kLag) InTurn<kLag, kStep + 1>(parts, r, x...);
 }
 
 // The same where each P takes its vectors from x and puts their results into r, kSize of them.
-// kLag: of how many later P the first part comes before the second part of one. Golden Cove's
-// scheduler holds some hundred operations; those that wait for a division or a root fill it. A P
-// with a kReduceKinds has Reduce<kind>(x) for kinds below that, in turn.
+// Golden Cove's scheduler holds some hundred operations; those that wait for a division or a root
+// fill it. A P with a kReduceKinds has Reduce<kind>(x) for kinds below that, in turn.
 template <size_t kLag = 1, size_t kStep = 0, class P, size_t N, class V>
 HWY_INLINE void SomeInTurn(P (&parts)[N], const V* x, V* r) {
   constexpr size_t kSize = P::kSize;

@@ -82,42 +82,133 @@ HWY_INLINE VecOf<D> LoadEach(D d, const double* table, BitsOf<D> i) {
 // ln2 = L1 + L2, k L1 exact for k of 21 bits.
 constexpr double kL1 = 0x1.62e42fecp-1, kL2 = 0x1.d1cf79abc9e3bp-32;
 
-#if HWY_TARGET == HWY_AVX3
-using ExpLARarity = RareAbove<double, 0x4086232A>;  // |x| >= 708.39599609375
-#else
-// |x - 10| >= 698: below -688 and from 708 on.
-struct ExpLARarity : RareAbove<double, 0x4085CFFF> {
-  template <class D>
-  static HWY_INLINE BitsOf<D> Key(D d, VecOf<D> x) {
-    return Bits(d, hn::Abs(hn::Sub(x, hn::Set(d, 10.0))));
-  }
-};
-#endif
+// |x| >= 708.39599609375.
+using ExpLAOutside = RareAbove<double, 0x4086232A>;
 
-// 2^(k/1024) from a table, times a cubic in |r| <= ln2/2048. The product with the power is
-// subnormal and rounds in the last octaves above the subnormal numbers; no such rounding shows in a
-// sum above -689.07. Where it cannot be silent, those octaves belong to the rare routine.
+// 2^(k/1024) from a table, times a cubic in |r| <= ln2/2048.
+template <class D, class V>
+HWY_INLINE V ExpLARemainder(D d, V x, const ExpReduced<D>& u) {
+  return hn::Sub(SubExactProduct(u.n, hn::Set(d, kL1), x), hn::Mul(u.n, hn::Set(d, kL2)));
+}
+template <class D, class V>
+HWY_INLINE V ExpLAPolynomial(D d, V r) {
+  const V c =
+      hn::Add(SilentMul(hn::Set(d, 0x1.5555555555556p-3), r), hn::Set(d, 0x1.0000001ebfbep-1));
+  return hn::Add(SilentMul(SilentMul(c, r), r), r);
+}
+
+#if HWY_TARGET == HWY_AVX3
 struct dExpLA : Kernel<double> {
-  using Rarity = ExpLARarity;
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 4;
+  using Rarity = ExpLAOutside;
+  static constexpr int kUnroll = 8;
   static HWY_INLINE int Rare(double x, double* r) { return dExpLAScalar(x, r); }
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
-    x = AboveUnderflow(d, x);
     const auto u = ExpReduce(d, x, 0x1.71547652b82fep+10, 0x1p-10);
     const V t = LoadEach(d, dExp_HA_Table, hn::And(u.k, SetBits(d, 1023)));
-    const V r = hn::Sub(SubExactProduct(u.n, hn::Set(d, kL1), x), hn::Mul(u.n, hn::Set(d, kL2)));
-    const V c =
-        hn::Add(SilentMul(hn::Set(d, 0x1.5555555555556p-3), r), hn::Set(d, 0x1.0000001ebfbep-1));
-    const V p = hn::Add(SilentMul(SilentMul(c, r), r), r);
-#if HWY_TARGET == HWY_AVX3
+    const V p = ExpLAPolynomial(d, ExpLARemainder(d, x, u));
     const V power = ScaleByPower<10>(d, t, u);
     return SilentAdd(SilentMul(power, p), power);
-#else
-    return ScaleByPower<10>(d, hn::Add(hn::Mul(t, p), t), u);
-#endif
   }
 };
+#else
+// The bits of 2^(j/1024) without what k = j adds to the exponent.
+struct ExpLATable {
+  alignas(64) double row[1024];
+};
+constexpr ExpLATable kExpLATable = [] {
+  ExpLATable table{};
+  for (int64_t j = 0; j < 1024; ++j) {
+    table.row[j] = __builtin_bit_cast(double, BitsOfNumber(dExp_HA_Table[j]) - (j << 42));
+  }
+  return table;
+}();
+
+// The product with the power may be subnormal in the last octaves above the subnormal numbers,
+// where its rounding may show in the sum, and it is not silent: such arguments are rare. The sum of
+// the exponents of r and the power tells them before that product is made; to put aside all
+// arguments of those octaves would send every eighth group of uniform arguments another way.
+struct dExpLA : Kernel<double> {
+  static constexpr int kUnroll = 8, kRestUnroll = 4;
+  static HWY_INLINE int Rare(double x, double* r) { return dExpLAScalar(x, r); }
+
+  template <class V>
+  struct Factors {
+    V power, r;
+  };
+  template <class D, class V>
+  static HWY_INLINE Factors<V> FactorsOf(D d, V x) {
+    x = AboveUnderflow(d, x);
+    const auto u = ExpReduce(d, x, 0x1.71547652b82fep+10, 0x1p-10);
+    const V row = LoadEach<true>(d, kExpLATable.row, hn::And(u.k, SetBits(d, 1023)));
+    return {FromBits(d, hn::Add(Bits(d, row), hn::ShiftLeft<42>(u.k))), ExpLARemainder(d, x, u)};
+  }
+
+  // The high words of |x|, or of |r| and the power, of one vector or two.
+  template <class D>
+  using Word = hn::Repartition<uint32_t, D>;
+  template <class D>
+  using Words = decltype(hn::Zero(Word<D>()));
+  template <class D, class V>
+  static HWY_INLINE Words<D> Magnitudes(D d, V x, V y) {
+    return hn::BitCast(Word<D>(), hn::Abs(HighWords(d, x, y)));
+  }
+  template <class D, class F>
+  static HWY_INLINE Words<D> Exponents(D d, const F& f, const F& g) {
+    return hn::Add(Magnitudes(d, f.r, g.r), hn::BitCast(Word<D>(), HighWords(d, f.power, g.power)));
+  }
+  // Whether |x| < 708.39599609375.
+  template <class D>
+  static HWY_INLINE bool AllInside(D, Words<D> most) {
+    const hn::Repartition<int32_t, D> d32;
+    constexpr int32_t kMost = ExpLAOutside::kLimit >> 32;
+    return hn::AllFalse(d32, hn::Gt(hn::BitCast(d32, most), hn::Set(d32, kMost)));
+  }
+  // Whether the products are normal: the words' sum is never above that of the logarithms, which is
+  // 1024 times 2^20 for the least normal product of r, and |p| is at least (1 - 2^-11) |r|.
+  template <class D>
+  static HWY_INLINE bool AllNormal(D, Words<D> least) {
+    const Word<D> d32;
+    const hn::Repartition<float, D> df;
+    return hn::AllFalse(df,
+                        hn::MaskFromVec(hn::BitCast(df, hn::Sub(least, hn::Set(d32, 0x40000800)))));
+  }
+
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
+    const auto outside = LanesAbove(d, ExpLAOutside::Key(d, x), ExpLAOutside::kLimit);
+    const auto f = FactorsOf(d, Selected(hn::IfThenElse(outside, hn::Set(d, kHarmless), x)));
+    const hn::RebindToSigned<D> di;
+    const auto exponents = hn::Add(Bits(d, hn::Abs(f.r)), Bits(d, f.power));
+    const auto below = hn::Sub(exponents, hn::Set(di, int64_t{0x40000800} << 32));
+    return hn::Or(outside, hn::RebindMask(d, hn::Lt(below, hn::Zero(di))));
+  }
+  template <class D, class V, size_t kVectors>
+  static HWY_INLINE bool TryGroup(D d, const V (&x)[kVectors], const V (&)[kVectors],
+                                  V (&y)[kVectors]) {
+    constexpr size_t kNext = kVectors > 1 ? 1 : 0;
+    static_assert(kVectors % 2 == 0 || kVectors == 1);
+    auto most = Magnitudes(d, x[0], x[kNext]);
+    for (size_t k = 2; k < kVectors; k += 2) {
+      most = hn::Max(most, Magnitudes(d, x[k], x[k + 1]));
+    }
+    if (!AllInside(d, most)) [[unlikely]]
+      return false;
+    Factors<V> f[kVectors];
+    for (size_t k = 0; k < kVectors; ++k) f[k] = FactorsOf(d, x[k]);
+    auto least = Exponents(d, f[0], f[kNext]);
+    for (size_t k = 2; k < kVectors; k += 2) {
+      least = hn::Min(least, Exponents(d, f[k], f[k + 1]));
+    }
+    if (!AllNormal(d, least)) [[unlikely]]
+      return false;
+    for (size_t k = 0; k < kVectors; ++k) {
+      y[k] = hn::Add(hn::Mul(f[k].power, ExpLAPolynomial(d, f[k].r)), f[k].power);
+    }
+    return true;
+  }
+};
+#endif
 
 // 2^(j/128)/2, j = k & 127.
 template <class D>

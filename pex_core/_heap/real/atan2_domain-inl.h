@@ -70,6 +70,17 @@ using sAtan2WideDomain = Atan2Outside<float, 0x01000000, 0x7F7FFFFF>;  // from 2
 // Whether of any y and x, as integers, the difference to `shift` has a bit of `beyond`.
 template <class D, class V, size_t K>
 HWY_INLINE bool AnyBeyond(D d, const V (&y)[K], const V (&x)[K], uint64_t shift, uint64_t beyond) {
+#if HWY_TARGET == HWY_AVX2
+  if constexpr (sizeof(hn::TFromD<D>) == 8) {  // by the high words alone, one register of both
+    const hn::Repartition<int32_t, D> d32;
+    const auto from = hn::Set(d32, static_cast<int32_t>(shift >> 32));
+    auto joined = hn::Zero(d32);
+    for (size_t k = 0; k < K; ++k) {
+      joined = hn::Or(joined, hn::Sub(hn::BitCast(d32, HighWords(d, y[k], x[k])), from));
+    }
+    return HasAnyBit(joined, hn::Set(d32, static_cast<int32_t>(beyond >> 32)));
+  }
+#endif
   const auto from = SetBits(d, shift);
   auto joined = SetBits(d, 0);
   for (size_t k = 0; k < K; ++k) {

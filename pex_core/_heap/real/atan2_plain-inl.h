@@ -111,27 +111,45 @@ HWY_INLINE void OctantAtan2LA(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) 
   AtanOctantSum<kTiny>(d, octant, y, kAtanOctantLA, r);
 }
 
-// Without the care for the numerator's last bits. kTiny: x and y may be outside [2^-128, 2^128).
-template <bool kTiny, class D, class V, size_t K>
-HWY_INLINE void OctantAtan2EP(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
-  V q[K], z[K], p[K], base[K], turn[K];
-  for (size_t k = 0; k < K; ++k) {
-    const auto u = AtanOctantPartsOf(d, y[k], x[k]);
-    const V n = hn::Sub(u.low, hn::Mul(u.c, u.high));
-    q[k] = hn::Div(n, hn::Add(u.high, hn::Mul(u.c, u.low)));
-    base[k] = u.base;
-    turn[k] = u.turn;
+// One vector of it in three parts, without the care for the numerator's last bits. kTiny: x and y
+// may be outside [2^-128, 2^128).
+template <bool kTiny, class D>
+struct OctantAtan2PartEP {
+  using V = VecOf<D>;
+  V t[1], middle, corner, turn;
+
+  HWY_INLINE void Reduce(V y, V x) {
+    const D d;
+    const V ay = hn::Abs(y), ax = hn::Abs(x);
+    const V high = hn::Max(ax, ay), low = hn::Min(ax, ay);
+    const auto flat = AtanOctantFlat(d, low, high);
+    const V c = hn::IfThenZeroElse(flat, hn::Set(d, kAtanOctantMiddle));
+    const V n = hn::Sub(low, hn::Mul(c, high));
+    t[0] = hn::Div(n, hn::Add(high, hn::Mul(c, low)));
+    const auto steep = hn::Gt(ay, ax);
+    corner = AtanOctantCorner(d, x, steep);
+    turn = AtanOctantTurn(d, x, steep);
+    middle = hn::IfThenZeroElse(flat, hn::Set(d, kAtanOctantMiddleAngle));
+    EndPart(t);
   }
-  for (size_t k = 0; k < K; ++k) {
-    V u = q[k];
+  HWY_INLINE void Evaluate() {
+    const D d;
+    V u = t[0], p[1];
     if constexpr (kTiny) u = hn::Max(hn::Abs(u), hn::Set(d, 0x1p-250));  // no square underflows
-    z[k] = hn::Mul(u, u);
+    const V z[1] = {hn::Mul(u, u)};
+    HornerInSteps(d, z, kAtan2EP, p);
+    t[0] = hn::Add(hn::Mul(t[0], p[0]), middle);
+    EndPart(t);
   }
-  HornerInSteps(d, z, kAtan2EP, p);
-  for (size_t k = 0; k < K; ++k) {
-    const V turned = hn::Xor(hn::Mul(q[k], p[k]), turn[k]);
-    r[k] = hn::CopySignToAbs(hn::Add(base[k], turned), y[k]);
+  HWY_INLINE V Result(V y, V) const {
+    return hn::CopySignToAbs(hn::Add(corner, hn::Xor(t[0], turn)), y);
   }
+};
+
+template <bool kTiny, class D, class V, size_t K>
+HWY_INLINE void OctantAtan2EP(D, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
+  OctantAtan2PartEP<kTiny, D> parts[K];
+  InTurn<HWY_TARGET == HWY_SSE4 ? K : 2>(parts, r, y, x);
 }
 
 }  // namespace pex::HWY_NAMESPACE

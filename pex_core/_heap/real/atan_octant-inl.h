@@ -27,7 +27,34 @@ struct AtanOctant {
   MaskOf<hn::DFromV<V>> steep;
 };
 
-// What both accuracies begin with: the magnitudes, c, and the base without its rest.
+// Where c is 0.
+template <class D, class V>
+HWY_INLINE MaskOf<D> AtanOctantFlat(D d, V low, V high) {
+  return hn::Lt(low, hn::Mul(high, hn::Set(d, 0.2828)));
+}
+
+// The multiple of pi/2 next to the octant: half of pi where steep, else 0 or, for x < 0, pi.
+template <class D, class V>
+HWY_INLINE V AtanOctantCorner(D d, V x, MaskOf<D> steep) {
+  const V half_pi = hn::Set(d, 0x1.921fb54442d18p+0);
+#if HWY_TARGET == HWY_AVX2
+  // Without selections, which Golden Cove makes of three operations: half of pi less 0 or half of
+  // pi with the sign of x.
+  const V signed_half = hn::Or(hn::And(x, hn::SignBit(d)), half_pi);
+  return hn::Sub(half_pi, hn::IfThenZeroElse(steep, signed_half));
+#else
+  const V pi = hn::IfNegativeThenElse(x, hn::Set(d, 0x1.921fb54442d18p+1), hn::Zero(d));
+  return hn::IfThenElse(steep, half_pi, pi);
+#endif
+}
+
+// The sign bit of what is to be added to it.
+template <class D, class V>
+HWY_INLINE V AtanOctantTurn(D d, V x, MaskOf<D> steep) {
+  return hn::And(hn::Xor(x, hn::VecFromMask(d, steep)), hn::SignBit(d));
+}
+
+// What LA and HA begin with: the magnitudes, c, and the base without its rest.
 template <class D, class V = VecOf<D>>
 struct AtanOctantParts {
   V high, low, c, base, turn;
@@ -40,13 +67,11 @@ HWY_INLINE AtanOctantParts<D> AtanOctantPartsOf(D d, V y, V x) {
   r.high = hn::Max(ax, ay);
   r.low = hn::Min(ax, ay);
   r.steep = hn::Gt(ay, ax);
-  r.flat = hn::Lt(r.low, hn::Mul(r.high, hn::Set(d, 0.2828)));
+  r.flat = AtanOctantFlat(d, r.low, r.high);
   r.c = hn::IfThenZeroElse(r.flat, hn::Set(d, kAtanOctantMiddle));
-  const V pi = hn::IfNegativeThenElse(x, hn::Set(d, 0x1.921fb54442d18p+1), hn::Zero(d));
-  const V corner = hn::IfThenElse(r.steep, hn::Set(d, 0x1.921fb54442d18p+0), pi);
   const V middle = hn::IfThenZeroElse(r.flat, hn::Set(d, kAtanOctantMiddleAngle));
-  r.turn = hn::And(hn::Xor(x, hn::VecFromMask(d, r.steep)), hn::SignBit(d));
-  r.base = hn::Add(corner, hn::Xor(middle, r.turn));  // exact
+  r.turn = AtanOctantTurn(d, x, r.steep);
+  r.base = hn::Add(AtanOctantCorner(d, x, r.steep), hn::Xor(middle, r.turn));  // exact
   return r;
 }
 
