@@ -6,6 +6,7 @@
 
 #include <complex>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,11 @@ struct ComplexRegimeResult {
 // first two alone: beyond them their steps overflow and underflow as they are specified to. Where
 // an exact part is 0 the result's part is to be 0 of either sign.
 std::vector<ComplexRegimeResult> MeasureComplex(const Entry& entry, uint64_t count, uint64_t seed);
+
+// The same of several entries of one function, type and measure at once, which have their points
+// and the exact values in common; throws std::invalid_argument where they have not.
+std::vector<std::vector<ComplexRegimeResult>> MeasureComplexTiers(
+    std::span<const Entry* const> entries, uint64_t count, uint64_t seed);
 
 // "name: error at a, b: got, wanted".
 std::string Text(const ComplexRegimeResult& result);

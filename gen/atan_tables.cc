@@ -25,6 +25,14 @@ T Arctangent(T c, double* rest) {
   return hi;
 }
 
+// Whether atan(c) can be a T to within `slack` of itself, by the C library's long doubles, which
+// err by few units of 2^-63.
+template <typename T>
+bool MayBeAccurate(T c, double slack) {
+  const long double angle = std::atan(static_cast<long double>(c));
+  return std::fabs(angle - static_cast<T>(angle)) <= (slack + 0x1p-60L) * angle;
+}
+
 // In each octave from 1/16 to 16 a ratio y/x belongs to the first or the second bin by the
 // difference of the bit patterns of y and x, which is the exponent and the mantissa of the ratio
 // when x is a power of two. The first bin has ratios from 1 to 3/2 of the octave's foot, the second
@@ -42,6 +50,7 @@ template <typename T>
 T Breakpoint(double center, T* angle, double grain = 0x1p-149) {
   const double slack = sizeof(T) == 8 ? 0x1p-64 : 0x1p-32;
   for (T c = static_cast<T>(center);; c = std::nextafter(c, T(100))) {
+    if (!MayBeAccurate(c, slack)) continue;
     double rest;
     *angle = Arctangent(c, &rest);
     if (std::fabs(rest) <= slack * *angle && std::fmod(*angle, grain) == 0) return c;
@@ -153,6 +162,7 @@ struct AtanPlainBins {
 // The same by longer steps, for a small one hardly changes what the arctangent lacks of a double.
 double FineBreakpoint(double center, double* angle) {
   for (double c = center;; c += 0x1.23456p-33 * center) {
+    if (!MayBeAccurate(c, 0x1p-64)) continue;
     double rest;
     *angle = Arctangent(c, &rest);
     if (std::fabs(rest) <= 0x1p-64 * *angle) return c;

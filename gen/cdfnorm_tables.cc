@@ -11,7 +11,8 @@
 
 namespace {
 
-constexpr mpfr_prec_t kBits = 160;
+// Twice what a double to within 2^-9 of its last place takes: two of MPFR's limbs.
+constexpr mpfr_prec_t kBits = 128;
 
 // Registers of the working precision.
 mpfr_t value, slope, work;
@@ -64,6 +65,7 @@ bool NearGrid(double ulps) {
 
 // A point near the middle of an interval of 2 half where the function is a double to within 2^-9
 // ulp and, where the slope weighs as much, the slope to within 2^-5, and with a 0 as its last bit.
+// `value` and `slope` are those of the point.
 template <class F>
 double AccuratePoint(double middle, double half) {
   const double first = std::nearbyint(middle * 0x1p32) * 0x1p-32;
@@ -101,7 +103,9 @@ double FlatPoint(double middle) {
   for (int i = 0; i < 50; ++i) {
     F::At(c);
     mpfr_sub_d(value, value, target, MPFR_RNDN);
+    const double before = c;
     c = std::nearbyint((c - Nearest(value) / Nearest(slope)) * 0x1p44) * 0x1p-44;
+    if (c == before) break;
   }
   return c;
 }
@@ -118,9 +122,9 @@ void Write(const char* name) {
       continue;
     }
     const double middle = F::kVertex + F::kSign * (near + far) / 2;
-    const double c = -F::kSign * middle > F::kFlat ? FlatPoint<F>(middle)
-                                                   : AccuratePoint<F>(middle, (far - near) / 2);
-    F::At(c);
+    const bool flat = -F::kSign * middle > F::kFlat;
+    const double c = flat ? FlatPoint<F>(middle) : AccuratePoint<F>(middle, (far - near) / 2);
+    if (flat) F::At(c);
     const double even =
         std::ldexp(std::nearbyint(Nearest(slope) / (2 * Ulp(slope))), 1) * Ulp(slope);
     std::printf("\n    {%a, %a, %a, 0},", c, Nearest(value), even);

@@ -1,5 +1,5 @@
-// The inverse of the complementary error function to 320 bits, and polynomials through Chebyshev
-// points: what the programs of its tables share.
+// The inverse of the complementary error function to hundreds of bits, and polynomials through
+// Chebyshev points: what the programs of its tables share.
 #ifndef GEN_ERFINV_H_
 #define GEN_ERFINV_H_
 
@@ -12,22 +12,28 @@
 
 namespace gen {
 
-constexpr mpfr_prec_t kBits = 320;
+// The working precision of new numbers.
+inline mpfr_prec_t bits = 320;
 
 class Real {
  public:
   Real(double x = 0) {
-    mpfr_init2(x_, kBits);
+    mpfr_init2(x_, bits);
     mpfr_set_d(x_, x, MPFR_RNDN);
   }
   Real(const Real& other) {
-    mpfr_init2(x_, kBits);
+    mpfr_init2(x_, bits);
     mpfr_set(x_, other.x_, MPFR_RNDN);
   }
   ~Real() { mpfr_clear(x_); }
   Real& operator=(const Real& other) {
     mpfr_set(x_, other.x_, MPFR_RNDN);
     return *this;
+  }
+  static Real Of(long double x) {
+    Real r;
+    mpfr_set_ld(r.x_, x, MPFR_RNDN);
+    return r;
   }
   template <auto kOperation>
   static Real Of(const Real& a, const Real& b) {
@@ -52,19 +58,27 @@ inline Real operator-(const Real& a, const Real& b) { return Real::Of<mpfr_sub>(
 inline Real operator*(const Real& a, const Real& b) { return Real::Of<mpfr_mul>(a, b); }
 inline Real operator/(const Real& a, const Real& b) { return Real::Of<mpfr_div>(a, b); }
 
-// The y >= 0 with erfc(y) = q, by Newton's method.
+// The y >= 0 with erfc(y) = q, by Newton's method: in long double as far as that goes, then with
+// `bits`.
 inline Real ErfcInverse(const Real& q) {
-  const Real half_root_pi = Real::Of<mpfr_sqrt>(Real::Of<mpfr_acos>(-1)) / 2;
+  static const Real half_root_pi = Real::Of<mpfr_sqrt>(Real::Of<mpfr_acos>(-1)) / 2;
   const double p = q.Double();
   Real y = (1 - p) * 0.886;
   if (p < 0.5) {
     const double l = -Real::Of<mpfr_log>(q).Double();
     y = std::sqrt(l - 0.5 * std::log(std::numbers::pi * (l + 0.3)));
   }
+  const long double head = p, rest = (q - p).Double();
+  long double start = y.Double();
+  for (int i = 0; i < 6 && p > 0; ++i) {
+    const long double value = std::erfc(start);
+    start += ((value - head) - rest) * std::exp(start * start) * 0.886226925452758013649L;
+  }
+  if (start > 0x1p-20L && std::isfinite(start)) y = Real::Of(start);
   for (int i = 0; i < 40; ++i) {
     const Real step = (Real::Of<mpfr_erfc>(y) - q) * half_root_pi * Real::Of<mpfr_exp>(y * y);
     y = y + step;
-    if (std::fabs(step.Double()) < 0x1p-150 * std::fabs(y.Double())) break;
+    if (std::fabs(step.Double()) < 0x1p-90 * std::fabs(y.Double())) break;  // squared, the error
   }
   return y;
 }

@@ -3,10 +3,13 @@
 // almost a double. So one double for each is as good as two (the accurate tables of S. Gal, 1986).
 #include <mpfr.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <initializer_list>
+#include <vector>
 
 namespace {
 
@@ -40,6 +43,37 @@ void Factor(double a, bool decimal, bool fine, double* c, double* rest) {
   mpfr_clear(x);
 }
 
+// The least x >= 0 with low <= a x mod m <= high, -1 if there is none; 0 < low <= high < m.
+using Wide = __int128;
+Wide FirstWithin(Wide a, Wide m, Wide low, Wide high) {
+  if (low == 0) return 0;
+  if (a == 0) return -1;
+  if (2 * a > m) return FirstWithin(m - a, m, m - high, m - low);
+  const Wide x = (low + a - 1) / a;
+  if (x * a <= high) return x;
+  // No multiple of a is between: m y has to lie there, modulo a.
+  const Wide y = FirstWithin(m % a, a, (a - high % a) % a, (a - low % a) % a);
+  return y < 0 ? -1 : (low + m * y + a - 1) / a;
+}
+
+constexpr int64_t kBlock = int64_t{1} << 18;
+
+// The i < kBlock for which begin + i step is within `close` of a multiple of 2^64.
+std::vector<int64_t> Within(uint64_t begin, uint64_t step, uint64_t close) {
+  std::vector<int64_t> all;
+  for (int64_t i = 0; i < kBlock; ++i) {
+    const uint64_t from = begin + static_cast<uint64_t>(i) * step;
+    if (from + close > 2 * close) {
+      const Wide low = uint64_t{0} - close - from;
+      const Wide more = FirstWithin(step, Wide{1} << 64, low, low + 2 * Wide{close});
+      if (more < 0 || more >= kBlock - i) break;
+      i += static_cast<int64_t>(more);
+    }
+    all.push_back(i);
+  }
+  return all;
+}
+
 // A point close to center whose log is within 2^-60 of itself of the grid and whose factor is
 // within about 2^-58 of a double; `fine`: within a quarter of that beside 1, where what is left of
 // a logarithm may be its half.
@@ -65,13 +99,26 @@ Row Search(double center, bool decimal, bool fine) {
   const double slack = std::fabs(std::log(center)) * 16;
   const double close_slack = fine && slack < 1.1 ? slack / 4 : slack;
   const auto close = static_cast<uint64_t>(0x1p42 * close_slack);
-  for (int64_t n = 1; n < int64_t{1} << 31; ++n) {
-    for (const int64_t k : {n, -n}) {
+  const auto fraction = [&](int64_t k) {
+    const auto x = static_cast<double>(k);
+    return start + static_cast<uint64_t>((first * k) >> 40) -
+           static_cast<uint64_t>(static_cast<int64_t>(x * x * (second - third * x)));
+  };
+  for (int64_t n = 1; n < int64_t{1} << 31; n += kBlock) {
+    std::vector<int64_t> candidates;
+    for (const int64_t sign : {1, -1}) {
+      const uint64_t begin = fraction(sign * n), step = fraction(sign * (n + 1)) - begin;
+      // Over a block the square's part is below 2^36.
+      for (const int64_t i : Within(begin, step, close + (uint64_t{1} << 37))) {
+        candidates.push_back(sign * (n + i));
+      }
+    }
+    std::ranges::sort(candidates, [](int64_t j, int64_t k) {
+      return std::abs(j) < std::abs(k) || (j == -k && j > 0);
+    });
+    for (const int64_t k : candidates) {
+      if (fraction(k) + close > 2 * close) continue;
       const auto x = static_cast<double>(k);
-      const uint64_t fraction =
-          start + static_cast<uint64_t>((first * k) >> 40) -
-          static_cast<uint64_t>(static_cast<int64_t>(x * x * (second - third * x)));
-      if (fraction + close > 2 * close) continue;
       Row row;
       row.a = center + x * 0x1p-53;
       if ((row.a - center) * 0x1p53 != x) continue;
@@ -119,6 +166,14 @@ void Table(const char* name, const char* type, bool decimal, bool fine) {
   std::printf("};\n");
 }
 
+// Whether log(x) can be within `tolerance` of a multiple of `grid`, by the C library's long
+// doubles, which err by few units of 2^-63; so does x where it is not exact.
+bool MayBeNear(long double log, double grid, double tolerance, double error_of_x = 0) {
+  const long double places = log / grid;
+  return std::fabs(places - std::nearbyint(places)) * grid <=
+         tolerance + 0x1p-61L * std::fabs(log) + error_of_x;
+}
+
 // A factor c close to 16/i at which -log(c) is within 2^-61 of the grid.
 Row ExactSearch(int i) {
   mpfr_t log, whole;
@@ -128,6 +183,7 @@ Row ExactSearch(int i) {
   for (int64_t n = 1;; ++n) {
     Row row = {};
     row.c = center + static_cast<double>(n) * 0x1p-32;
+    if (!MayBeNear(std::log(static_cast<long double>(row.c)), 1 / kGrid, 0x1p-19 / kGrid)) continue;
     Log(log, row.c, false);
     mpfr_mul_d(log, log, -kGrid, MPFR_RNDN);
     mpfr_rint(whole, log, MPFR_RNDN);
@@ -152,6 +208,13 @@ Row FactorSearch(int i, bool decimal, double scale = 1) {
   for (double n = std::nearbyint(center / ulp);; ++n) {
     Row row = {};
     row.c = n * ulp;
+    const long double x = row.c / static_cast<long double>(scale);
+    const long double rough = decimal ? std::log10(x) : std::log(x);
+    const int binade = std::ilogb(static_cast<double>(rough));
+    if (!MayBeNear(rough, std::ldexp(1.0, binade - 52), std::ldexp(1.0, binade - 61),
+                   scale == 1 ? 0 : 0x1p-62)) {
+      continue;
+    }
     mpfr_set_d(log, row.c, MPFR_RNDN);
     mpfr_div_d(log, log, scale, MPFR_RNDN);
     decimal ? mpfr_log10(log, log, MPFR_RNDN) : mpfr_log(log, log, MPFR_RNDN);
@@ -196,6 +259,7 @@ Row StretchSearch(int j, double ulp, double grid, double tolerance) {
   for (double n = std::nearbyint(1 / MiddleOfStretch(j) / ulp);; ++n) {
     Row row = {};
     row.c = n * ulp;
+    if (!MayBeNear(std::log(static_cast<long double>(row.c)), grid, tolerance)) continue;
     Log(log, row.c, false);
     mpfr_div_d(log, log, -grid, MPFR_RNDN);
     mpfr_rint(whole, log, MPFR_RNDN);

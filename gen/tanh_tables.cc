@@ -36,6 +36,14 @@ Point At(double tangent) {
   return p;
 }
 
+// Whether At(tangent).error can be below 2^-11, by the C library's long doubles, which err by few
+// units of 2^-63.
+bool MayBeAccurate(double tangent) {
+  const long double x = std::atanh(static_cast<long double>(tangent));
+  const long double distance = std::fabs(x - static_cast<double>(x)) - 0x1p-60L * x;
+  return distance * (1 - tangent) * (1 + tangent) < 0x1p-64L * tangent;
+}
+
 double Tangent(double x) {
   mpfr_t y;
   mpfr_init2(y, 53);
@@ -51,6 +59,7 @@ Point Search(double middle) {
   double above = Tangent(middle), below = above;
   for (;;) {
     for (const double t : {above, below}) {
+      if (!MayBeAccurate(t)) continue;
       const Point p = At(t);
       if (p.error < 0x1p-11) return p;
     }

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <numeric>
 
@@ -147,6 +148,19 @@ void Shuffle(Random& random, std::vector<uint64_t>& list) {
 constexpr double kScalars[] = {0,  -0.0, 1,  -1,      0.5,      -0.5,    1.5,   2,     3,   4,
                                -2, -3,   -4, 1.0 / 3, -1.0 / 3, 2.0 / 3, 17.25, -1e-5, 1e30};
 
+// Of a function with one second argument for all, how many first arguments each of these gets.
+constexpr size_t kPerScalar = 700;
+
+// The long run gives it all of them.
+bool EveryWithEach() { return std::getenv("PEXQUO_EVERY_WITH_EACH") != nullptr; }
+
+// `count` numbers from `from` on, after the last the first.
+Numbers Cyclic(const Numbers& x, size_t from, size_t count) {
+  Numbers some(x.is_double(), count);
+  for (size_t i = 0; i < count; ++i) some.set_bits(i, x.bits((from + i) % x.size()));
+  return some;
+}
+
 // Complex numbers of parts from all the kinds of FirstArguments, and all pairs of special values.
 std::vector<uint64_t> ComplexArguments(const pex::Entry& entry, Random& random, size_t count) {
   std::vector<uint64_t> re = FirstArguments(entry, random, count / 2);
@@ -190,7 +204,12 @@ std::vector<Arguments> ComplexSets(const pex::Entry& entry, Random& random, size
     case pex::Shape::UnaryScalar: {
       std::vector<Arguments> sets;
       const Numbers a = numbers(), b = numbers();
-      for (size_t i = 0; i < 60; ++i) sets.push_back({a, b.part(2 * i, 2), 2});
+      const size_t all = a.size() / 2;
+      const size_t some = EveryWithEach() ? all : std::min(all, kPerScalar);
+      // One after the other, so that each is in some of the sets.
+      for (size_t i = 0, from = 0; i < 60; ++i, from = (from + some) % all) {
+        sets.push_back({Cyclic(a, 2 * from, 2 * some), b.part(2 * i, 2), 2});
+      }
       return sets;
     }
     default:
@@ -255,7 +274,8 @@ std::vector<Arguments> EveryKind(const pex::Entry& entry, uint64_t seed, size_t 
       }
       for (const uint64_t y : b) {
         Shuffle(random, a);
-        const std::vector<uint64_t> some(a.begin(), a.begin() + std::min<size_t>(a.size(), 700));
+        const size_t count = EveryWithEach() ? a.size() : std::min(a.size(), kPerScalar);
+        const std::vector<uint64_t> some(a.begin(), a.begin() + static_cast<ptrdiff_t>(count));
         sets.push_back({FromPatterns(is_double, some), FromPatterns(is_double, {y})});
       }
       break;
