@@ -131,10 +131,13 @@ TEST_F(FormatTest, NpyKeepsShapeOrderAndPrecision) {
       "{'descr': '<f8', 'fortran_order': False, 'shape': (2, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, "
       "1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, "
       "1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1), }";
+  const std::string padded =  // as wide as other writers make it
+      "{'descr': '<f8', 'fortran_order': False, 'shape': (2,), }" + std::string(300, ' ') + "\n";
   const struct {
     const char *function, *header, *written;
     size_t values;
   } kCases[] = {
+      {"abs", padded.c_str(), "{'descr': '<f8', 'fortran_order': False, 'shape': (2,), }", 2},
       {"abs", "{'descr': '<f8', 'fortran_order': False, 'shape': (2, 3), }",
        "{'descr': '<f8', 'fortran_order': False, 'shape': (2, 3), }", 6},
       {"abs", "{'fortran_order':True,'shape':(2,3),'descr':\"<f4\"}",
