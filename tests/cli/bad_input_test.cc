@@ -65,6 +65,7 @@ TEST_F(BadInputTest, CommandsAndOptions) {
       {"draw unifrom --count 1", "did you mean uniform?"},
       {"draw uniform --count -3", "the count -3 is negative"},
       {"draw uniform --count 1e16", "too large"},
+      {"draw uniform --count 1000000000000001", "too large; at most 1e15"},
       {"draw uniform --count 99999999999999999999999", "too large"},
       {"draw uniform --count 1e99999999999999999999999", "too large"},
       {"draw uniform --count 1.5", "is no count"},
@@ -82,6 +83,7 @@ TEST_F(BadInputTest, CommandsAndOptions) {
       {"draw uniform --count 1 --generator mcg59:1", "it has 1"},
       {"draw uniform --count 1 --generator wh:1 --member 2", "given twice"},
       {"draw uniform --count 1 --generator 5 --member 2", "names a member already"},
+      {"draw uniform --count 1 --generator 0x500001 --member 2", "names a member already"},
       {"draw uniform --count 1 --seed 4294967296", "not between 0 and 4294967295"},
       {"draw uniform --count 1 --seed -1", "not between 0 and 4294967295"},
       {"draw uniform --count 1 --seed 1 99999999999999999999", "not between 0 and 4294967295"},
@@ -100,6 +102,8 @@ TEST_F(BadInputTest, CommandsAndOptions) {
       {"draw uniform --count 1 --type i", "give --b"},
       {"draw uniform --count 1 --type i --b 2.5", "--b \"2.5\" is not an integer"},
       {"draw uniform --count 1 --type i --b 2147483648", "no 32-bit integer"},
+      {"draw uniform --count 1 --type i --b 18446744073709551615", "no 32-bit integer"},
+      {"draw uniform --count 1 --type i --b 7 --a -18446744073709551615", "no 32-bit integer"},
       {"draw uniform --count 1 --type i --b 2 --accurate", "--accurate is for"},
       {"draw uniform --count 1 --type q", "unknown type \"q\""},
       {"draw uniformbits --count 1 --type d", "uniformbits has no type"},
@@ -128,6 +132,7 @@ TEST_F(BadInputTest, CommandsAndOptions) {
       {"draw gaussianmv --count 1 --storage full", "give --factor"},
       {"draw binomial --count 1 --ntrial 2.5", "--ntrial 2.5 is not an integer from 0"},
       {"draw hypergeometric --count 1 --l 10 --s 11 --m 3", "at most l = 10"},
+      {"draw hypergeometric --count 1 --l 10 --s 3 --m 11", "at most l = 10"},
       {"draw poissonv --count 1 --mean 1,-2", "--mean has -2, which is below 0"},
       {"draw poissonv --count 1 --type d", "of poissonv there is i"},
       {"draw sobol --count 1 --dimension 41", "--dimension \"41\" is no number of coordinates"},
@@ -304,6 +309,9 @@ TEST_F(BadInputTest, NpyHeaders) {
   for (const auto& c : kCases) Check("eval ln", c.part, Npy(c.dictionary, data));
   const std::string good = "{'descr': '<f8', 'fortran_order': False, 'shape': (3,)}";
   Check("eval ln", ".npy version 4.0", Npy(good, data, 4));
+  std::string minor = Npy(good, data);
+  minor[7] = '\1';
+  Check("eval ln", ".npy version 1.1", minor);
   std::string long_header = Npy(good, data, 2);
   long_header[11] = '\x7F';  // a header of two gigabytes
   Check("eval ln", "damaged", long_header);

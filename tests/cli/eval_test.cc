@@ -93,6 +93,18 @@ TEST_F(EvalTest, ReportsEachSpecialElement) {
   EXPECT_EQ(Run("eval exp --type s", "1000\n-1000\n0.1\n").err,
             "pexquo: standard input: line 1, element 0: exp(1000) = inf: overflow\n"
             "pexquo: standard input: line 2, element 1: exp(-1000) = 0: underflow\n");
+  // Two arguments, one of them for all, and two results.
+  WriteFile("y", "0\n0\n");
+  EXPECT_EQ(Run("eval div --with y", "1\n-2.5\n").err,
+            "pexquo: standard input: line 1, element 0: div(1, 0) = inf: pole\n"
+            "pexquo: standard input: line 2, element 1: div(-2.5, 0) = -inf: pole\n");
+  EXPECT_EQ(Run("eval powx --b 0.5", "-4\n").err,
+            "pexquo: standard input: line 1, element 0: powx(-4, 0.5) = nan: argument outside the "
+            "domain\n");
+  EXPECT_EQ(
+      Run("eval sincos", "0\ninf\n").err,
+      "pexquo: standard input: line 2, element 1: sincos(inf) = nan, nan: argument outside the "
+      "domain\n");
   // Single-precision arguments are shown as such.
   EXPECT_NE(Run("eval ln --type s", "-0.1\n").err.find("ln(-0.1) = nan"), std::string::npos);
   // Infinities and NaNs that are no error are not reported.

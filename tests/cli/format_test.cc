@@ -3,6 +3,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <random>
 
 #include "pexquo/pex.h"
@@ -117,11 +118,26 @@ TEST_F(FormatTest, ReadsEveryNpyElementType) {
   }
 }
 
+// What is infinite in double precision is so in single, and no overflow.
+TEST_F(FormatTest, SinglePrecisionTakesInfinities) {
+  constexpr double kInf = std::numeric_limits<double>::infinity();
+  const std::string file = Npy("{'descr': '<f8', 'fortran_order': False, 'shape': (3,), }",
+                               Bytes<double>({kInf, -kInf, 3e38}));
+  EXPECT_EQ(Run("eval abs --type s", file).out, "inf\ninf\n3e+38\n");
+}
+
 TEST_F(FormatTest, NpyKeepsShapeOrderAndPrecision) {
+  constexpr char kManyDimensions[] =
+      "{'descr': '<f8', 'fortran_order': False, 'shape': (2, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, "
+      "1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, "
+      "1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1), }";
+  const std::string padded =  // as wide as other writers make it
+      "{'descr': '<f8', 'fortran_order': False, 'shape': (2,), }" + std::string(300, ' ') + "\n";
   const struct {
     const char *function, *header, *written;
     size_t values;
   } kCases[] = {
+      {"abs", padded.c_str(), "{'descr': '<f8', 'fortran_order': False, 'shape': (2,), }", 2},
       {"abs", "{'descr': '<f8', 'fortran_order': False, 'shape': (2, 3), }",
        "{'descr': '<f8', 'fortran_order': False, 'shape': (2, 3), }", 6},
       {"abs", "{'fortran_order':True,'shape':(2,3),'descr':\"<f4\"}",
@@ -132,6 +148,7 @@ TEST_F(FormatTest, NpyKeepsShapeOrderAndPrecision) {
        "{'descr': '<f8', 'fortran_order': False, 'shape': (), }", 1},
       {"modf", "{'descr': '<f8', 'fortran_order': False, 'shape': (3,)}",
        "{'descr': '<f8', 'fortran_order': False, 'shape': (3, 2), }", 6},
+      {"abs", kManyDimensions, kManyDimensions, 2},  // a header of more than 255 bytes
       {"modf", "{'descr': '<f8', 'fortran_order': False, 'shape': (2, 2)}",
        "{'descr': '<f8', 'fortran_order': False, 'shape': (2, 2, 2), }", 8},
   };
@@ -165,6 +182,8 @@ TEST_F(FormatTest, TakesAColumn) {
   WriteFile("plain.csv", "1,10\n2, 20 \n\n# note\n\"3\",\"30\"\n");
   WriteFile("head.csv", "day, \"price, \"\"ask\"\"\" ,price\nmon,1.5,2.5\ntue,3.5,4.5\n");
   WriteFile("tabs.txt", "t\tv\n1\t\t\n");
+  WriteFile("gaps.txt", "t\tv\n\t5\n \t 6\n");
+  WriteFile("signs.csv", "x#1,7\na,8 \n\"#\",9\n");
   WriteFile("blanks.txt", "  7   8 \n 9\t10\n");
   const struct {
     const char *arguments, *written;
@@ -174,6 +193,8 @@ TEST_F(FormatTest, TakesAColumn) {
       {"head.csv --column price", "2.5\n4.5\n"},
       {"head.csv --column 2", "1.5\n3.5\n"},
       {"tabs.txt --column t --delimiter tab", "1\n"},
+      {"gaps.txt --column v --delimiter tab", "5\n6\n"},  // an empty field is one
+      {"signs.csv --column 2", "7\n8\n9\n"},              // no comments behind a field
       {"blanks.txt --column 2 --delimiter space", "8\n10\n"},
       {"blanks.txt --column 1 --delimiter space", "7\n9\n"},
   };

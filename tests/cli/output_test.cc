@@ -93,6 +93,15 @@ TEST_F(OutputTest, SavedStreams) {
   EXPECT_EQ(Files(), (Names{"full", "link", "s", "s.part", "u"}));
 }
 
+// Standard output has the numbers; "-" is a file's name where a stream is saved.
+TEST_F(OutputTest, ASavedStreamIsNotMixedWithTheNumbers) {
+  ExpectFailure(Run("draw uniformbits --count 2 --save -"), "are the same file");
+  EXPECT_EQ(Run("draw uniformbits --generator mcg31m1 --count 2 --save - -o words").out, "");
+  EXPECT_EQ(ReadFile("words"), "1\n1132489760\n");
+  EXPECT_EQ(Files(), (Names{"-", "words"}));
+  EXPECT_EQ(Run("draw uniformbits --count 1 --load -").out, "826537482\n");
+}
+
 TEST_F(OutputTest, FilesThatCannotBeWritten) {
   ExpectFailure(Run("draw uniform --count 1 -o absent/u"), "absent/u: No such file");
   ExpectFailure(Run("draw uniform --count 1 -o ."), ".: Is a directory");

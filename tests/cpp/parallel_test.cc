@@ -3,11 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cfenv>
+#include <chrono>
 #include <complex>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <numeric>
 #include <random>
 #include <stdexcept>
@@ -234,6 +237,49 @@ TEST(ParallelFill, RefusalsLeaveTheStreamAlone) {
   EXPECT_THROW(cores.fill(pexquo::normal{}, s, r), pexquo::stream_error);  // NOLINT
 }
 
+// A generator that counts and skips, and whose outputs end.
+constexpr std::uint64_t kOutputs = 3000;
+std::uint64_t& PlaceOf(StreamState* s) { return *reinterpret_cast<std::uint64_t*>(s + 1); }
+int32_t InitFinite(int32_t method, StreamState* s, int32_t, const uint32_t* params) {
+  if (method == QUO_INIT_STANDARD) PlaceOf(s) = 0;
+  if (method == QUO_INIT_SKIPAHEAD) PlaceOf(s) += params[0];
+  return method == QUO_INIT_LEAPFROG ? QUO_LEAPFROG_UNSUPPORTED : 0;
+}
+int32_t DrawFinite(StreamState* s, int32_t n, double* r, double, double) {
+  for (int32_t i = 0; i < n; ++i) {
+    if (PlaceOf(s) >= kOutputs) return QUO_EMPTY_REFILL;
+    r[i] = static_cast<double>(PlaceOf(s)++);
+  }
+  return 0;
+}
+
+TEST(ParallelFill, AFailureOfTheGeneratorComesOut) {
+  BrngProperties record{};
+  record.StateSize = 24;
+  record.SeedCount = 1;
+  record.WordBytes = 4;
+  record.BitCount = 32;
+  record.InitStream = InitFinite;
+  record.dBRng = DrawFinite;
+  record.sBRng = [](StreamState*, int32_t, float*, float, float) { return QUO_WRONG_OUTPUT; };
+  record.iBRng = [](StreamState*, int32_t, uint32_t*) { return QUO_WRONG_OUTPUT; };
+  const int32_t id = quoRegisterBrng(&record);
+  ASSERT_GT(id, 0);
+  for (const std::size_t n : {kOutputs - 1, kOutputs, kOutputs + 1, 2 * kOutputs}) {
+    stream s(generator{id}, 1);
+    std::vector<double> r(n), expected(n);
+    std::iota(expected.begin(), expected.end(), 0.0);
+    try {
+      parallel(4, kBlock).fill(pexquo::uniform{}, s, r);
+      EXPECT_LE(n, kOutputs);
+      EXPECT_EQ(r, expected);
+    } catch (const pexquo::stream_error& e) {
+      EXPECT_GT(n, kOutputs);
+      EXPECT_EQ(e.status(), QUO_EMPTY_REFILL);
+    }
+  }
+}
+
 // Arguments with special elements here and there.
 template <typename T>
 std::vector<T> Arguments(std::size_t n) {
@@ -336,10 +382,45 @@ TEST(ParallelApplyState, StatusErrnoAndFlagsAreThoseOfOneThread) {
   std::swap(a[100], a[900]);
   EXPECT_EQ(state(4), state(1));
   EXPECT_EQ(errno, EDOM);
+  // Of two elements of one code the later one counts.
+  std::fill(a.begin(), a.end(), 1.0);
+  a[100] = a[900] = -1;
+  a[500] = 0;
+  EXPECT_EQ(state(4), state(1));
+  EXPECT_EQ(pexGetErrStatus(), PEX_STATUS_DOMAIN);
   const std::uint32_t old = pexSetMode(PEX_ERRMODE_IGNORE);
   EXPECT_EQ(state(4), state(1));
   pexSetMode(old);
   EXPECT_EQ(pexGetMode(), old);
+}
+
+// A line on standard error for every element, in their order.
+TEST(ParallelApplyState, MessagesAreThoseOfOneThread) {
+  const auto a = Arguments<double>(1000);
+  std::vector<double> r(1000);
+  const auto messages = [&](unsigned threads) {
+    const std::uint32_t old = pexSetMode(PEX_ERRMODE_STDERR);
+    testing::internal::CaptureStderr();
+    parallel(threads, kBlock).apply(pexquo::ln, a, r);
+    pexSetMode(old);
+    return testing::internal::GetCapturedStderr();
+  };
+  const std::string expected = messages(1);
+  EXPECT_GT(std::count(expected.begin(), expected.end(), '\n'), 40);
+  EXPECT_EQ(messages(4), expected);
+}
+
+// Flags that no element is reported for come from whichever thread raised them.
+TEST(ParallelApplyState, FlagsOfPlainArithmetic) {
+  const parallel cores(4, kBlock);
+  std::vector<double> r(100 * kBlock);
+  for (std::size_t at = 0; at < r.size(); at += r.size() / 50) {
+    std::vector<double> a(r.size(), 1);
+    a[at] = std::numeric_limits<double>::max();
+    std::feclearexcept(FE_ALL_EXCEPT);
+    cores.apply(pexquo::add, a, a, r);
+    ASSERT_NE(std::fetestexcept(FE_OVERFLOW), 0) << at;
+  }
 }
 
 TEST(ParallelApplyState, ModeAndRoundingOfTheCaller) {
@@ -385,6 +466,28 @@ TEST(ParallelForEach, EachOnceAndExceptionsComeOut) {
                  std::runtime_error);
   }
   parallel(3).for_each(0, [](std::size_t) { FAIL(); });
+}
+
+// Flags of all threads reach the caller, and their own begin with none.
+TEST(ParallelForEach, FlagsOfTheHelpersAreTheCallers) {
+  const auto caller = std::this_thread::get_id();
+  std::feclearexcept(FE_ALL_EXCEPT);
+  std::feraiseexcept(FE_UNDERFLOW);
+  std::atomic<bool> helped{false};
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  parallel(2).for_each(2, [&](std::size_t) {
+    if (std::this_thread::get_id() != caller) {
+      EXPECT_EQ(std::fetestexcept(FE_ALL_EXCEPT), 0);
+      std::feraiseexcept(FE_OVERFLOW);
+      helped = true;
+    }
+    // The caller leaves the other one to the helper.
+    while (!helped && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+  });
+  if (!helped) GTEST_SKIP() << "no second thread";
+  EXPECT_EQ(std::fetestexcept(FE_OVERFLOW | FE_UNDERFLOW | FE_INVALID | FE_DIVBYZERO),
+            FE_OVERFLOW | FE_UNDERFLOW);
+  std::feclearexcept(FE_ALL_EXCEPT);
 }
 
 // A call within a call, and calls of several threads at once.

@@ -129,6 +129,35 @@ TEST(Stream, MovesLeaveNothing) {
   EXPECT_EQ(Draw(other, 10), Draw(same, 10));
 }
 
+// Of either numbering: files and C code may bring the older one.
+TEST(Stream, KindAndMemberOfEveryIdentifier) {
+  const struct {
+    int32_t id;
+    generator kind;
+    int32_t member;
+  } kCases[] = {
+      {0, generator::mcg31m1, 0},
+      {1, generator::r250, 0},
+      {2, generator::mrg32k3a, 0},
+      {3, generator::mcg59, 0},
+      {4, generator::wh, 0},
+      {5, generator::wh, 1},
+      {276, generator::wh, 272},
+      {277, generator::sobol, 0},
+      {278, generator::niederr, 0},
+      {QUO_BRNG_MCG31M1, generator::mcg31m1, 0},
+      {QUO_BRNG_WH + 272, generator::wh, 272},
+      {QUO_BRNG_MT2203 + 1023, generator::mt2203, 1023},
+  };
+  for (const auto& c : kCases) {
+    QuoStream* handle = nullptr;
+    ASSERT_EQ(quoNewStream(&handle, c.id, 1), 0) << c.id;
+    const stream s = stream::adopt(handle);
+    EXPECT_EQ(s.kind(), c.kind) << c.id;
+    EXPECT_EQ(s.member_number(), c.member) << c.id;
+  }
+}
+
 TEST(Stream, SkipAndLeapfrog) {
   stream whole("mcg31m1", 1), skipped(whole), even(whole), odd(whole);
   const auto x = Draw(whole, 1000);
@@ -222,6 +251,15 @@ TYPED_TEST(BitGenerator, WordsAreThoseOfTheUniformsAndServeTheStandardLibrary) {
   EXPECT_LT(std::abs(sum), 4 * 100);
   EXPECT_NEAR(squares / 10000, 1, 4 * 0.0142);
 }
+
+// The words that there are, from the least to the greatest: a standard distribution divides by
+// their number.
+static_assert(pexquo::bit_generator<generator::mcg31m1>::min() == 1 &&
+              pexquo::bit_generator<generator::mcg31m1>::max() == 2147483646);
+static_assert(pexquo::bit_generator<generator::mrg32k3a>::min() == 0 &&
+              pexquo::bit_generator<generator::mrg32k3a>::max() == 4294967087 - 1);
+static_assert(pexquo::bit_generator<generator::wh>::max() == 0xFFFFFF);
+static_assert(pexquo::bit_generator<generator::mcg59>::max() == 0xFFFFFFFF);
 
 TYPED_TEST(BitGenerator, CopiesAndDiscards) {
   using Bits = pexquo::bit_generator<TypeParam::value>;

@@ -27,6 +27,10 @@ struct Pair {
     EXPECT_EQ(stream.Leapfrog(streams, k), QUO_OK);
     reference.Leapfrog(streams, k);
   }
+  void SkipAhead(uint64_t count) {
+    EXPECT_EQ(stream.SkipAhead(count), QUO_OK);
+    reference.SkipAhead(count);
+  }
   void ExpectSameState() {
     EXPECT_EQ(stream.State(), reference.State());
     EXPECT_TRUE(stream.RestUntouched());
@@ -215,17 +219,25 @@ TEST_P(Congruential, UnknownMethods) {
 TEST_P(Congruential, ForeignStates) {
   const Generator& g = GetParam();
   const uint32_t m = static_cast<uint32_t>(g.start[0].m);
-  for (uint32_t x : {0u, 1u, m - 1, m, m + 1, 2 * m, ~0u - 1000, UINT32_MAX}) {
+  std::vector<std::pair<uint32_t, uint32_t>> words;  // low and high
+  for (uint32_t x : {0u, 1u, m - 1, m, m + 1, 2 * m, ~0u - 1000, UINT32_MAX})
+    words.push_back({x, x});
+  words.push_back({0, 1u << 27});  // 2^59
+  for (const auto& [x, high] : words) {
     for (uint32_t a : {0u, 1u, 1132489760u, m, m + 125, UINT32_MAX}) {
       std::string state(g.state_bytes, 0);
       for (size_t i = 0; i < g.state_bytes; i += 4) {
-        std::memcpy(&state[i], i < g.state_bytes / 2 ? &x : &a, 4);
+        std::memcpy(&state[i], i >= g.state_bytes / 2 ? &a : i % 8 == 4 ? &high : &x, 4);
       }
       for (uint32_t k = 0; k < 8; ++k) {
         Pair moved(g);
         moved.stream.SetState(state);
         moved.reference.SetState(state);
         moved.Leapfrog(3, k);
+        moved.ExpectSameState();
+        moved.stream.SetState(state);
+        moved.reference.SetState(state);
+        moved.SkipAhead(k);
         moved.ExpectSameState();
       }
       OnEveryLevel([&] {

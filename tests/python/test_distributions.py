@@ -241,8 +241,14 @@ def test_out():
             s.random(out=bad)
     with pytest.raises(ValueError, match="size must be the shape of out"):
         s.random(3, out=np.empty(4))
-    with pytest.raises(TypeError):
-        s.normal([0.0, 1.0], out=np.empty(2, "f4"))
+    wide = np.full(7, 9.0)
+    for bad in (np.empty(2, "f4"), wide[::3][:2], np.empty(2, ">f8"), frozen[:2]):
+        with pytest.raises(TypeError, match="out must be"):
+            s.normal([0.0, 1.0], out=bad)
+    for bad in (wide, wide[:4], np.empty((2, 2))):
+        with pytest.raises(TypeError, match="out must be"):
+            s.normal([0.0, 1.0], size=(3, 2), out=bad)
+    assert (wide == 9).all()
 
 
 def test_array_parameters():
@@ -385,6 +391,8 @@ def test_messages_name_the_method():
         (lambda: s.standard_gamma(-1), "standard_gamma: shape must be"),
         (lambda: s.hypergeometric(8, -5, 3), "hypergeometric: nbad must be"),
         (lambda: s.hypergeometric([8, 8], [5, -5], 3), "hypergeometric: nbad must be"),
+        (lambda: s.hypergeometric(8, 5, 14), "hypergeometric: nsample must not exceed"),
+        (lambda: s.hypergeometric(8, 5, [13, 14]), "hypergeometric: nsample must not exceed"),
         (lambda: s.multivariate_normal([0], [[1e80]], dtype="f4"), "cov is too large for float32"),
     ):
         with np.errstate(all="ignore"), pytest.raises(ValueError, match=message):

@@ -76,6 +76,7 @@ def test_damaged_pickles():
     s.normal(method="boxmuller2")
     chunked = s.to_bytes()
     bad = [b"", state[:15], state[:-1], state + b"x", b"X" + state[1:], chunked[:-1],
+           state[:3] + b"\1" + state[4:],  # another format
            state[:12] + b"\xff\xff\xff\x7f" + state[16:], state[:6] + b"\0\0" + state[8:],
            chunked[:28] + b"\xff\xff\xff\xff" + chunked[32:]]
     for b in bad:
@@ -164,6 +165,7 @@ def test_seeds():
         return pexquo.Stream("mt19937", seed=seed).raw()
 
     assert first(2**32 + 5) == first([5, 1]) == first(np.array([5, 1])) == first((5, 1))
+    assert first(2**64 + 5) == first([5, 0, 1]) and first([1, 2**95]) == first([1, 0, 0, 2**31])
     assert first(1) == pexquo.Stream("mt19937").raw() == first([1]) != first([1, 7])
     assert first(np.uint32(7)) == first(7)
     assert first(None) != first(None)

@@ -230,9 +230,13 @@ TEST(AbstractInterval, HasItsLowerBoundFirst) {
   std::feclearexcept(FE_ALL_EXCEPT);
   const uint32_t mxcsr = _mm_getcsr();
   _mm_setcsr(mxcsr | 0x8040);  // flushing and denormals taken for 0: no say in this
+  float s[1];
+  constexpr float kTiny = std::numeric_limits<float>::denorm_min();
+  Owned above, below;
+  EXPECT_EQ(__quosNewAbstractStream(&above.p, 1, s, 0, kTiny, Refill<float>), QUO_OK);
+  EXPECT_EQ(__quosNewAbstractStream(&below.p, 1, s, kTiny, 0, Refill<float>), QUO_BAD_ARGUMENT);
   for (const Case& c : cases) {
     double d[1];
-    float s[1];
     Owned one, two;
     const int32_t want = c.good ? QUO_OK : QUO_BAD_ARGUMENT;
     EXPECT_EQ(__quodNewAbstractStream(&one.p, 1, d, c.c, c.d, Refill<double>), want);

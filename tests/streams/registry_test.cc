@@ -156,6 +156,19 @@ TEST(Registry, ChecksARecordInOrder) {
   EXPECT_EQ(__quoGetNumRegBrngs(), rows);
 }
 
+// The number of rows is the caller's to write.
+TEST(Registry, TakesNoGeneratorOutsideTheTable) {
+  const int32_t rows = NRegBrngsNew;
+  BrngProperties record = {};
+  ASSERT_EQ(__quoGetBrngProperties(0x100000, &record), QUO_OK);
+  for (const int32_t row : {-1, INT32_MIN, QUO_REGISTRY_ROWS, INT32_MAX}) {
+    NRegBrngsNew = row;
+    EXPECT_EQ(__quoRegisterBrng(&record), QUO_INVALID_BRNG) << row;
+    EXPECT_EQ(NRegBrngsNew, row);
+  }
+  NRegBrngsNew = rows;
+}
+
 TEST(Registry, TakesGeneratorsUntilTheTableIsFull) {
   const int32_t before = __quoGetNumRegBrngs();
   BrngProperties record = scripted::kRecord;

@@ -1,7 +1,9 @@
 // Streams and chunks: layout, creation, copies with their prescribed oddities.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include "pexquo/quo.h"
 #include "tests/streams/scripted_generator.h"
@@ -139,6 +141,22 @@ TEST(StateCopy, OfWHStaysWithinTheStream) {
   EXPECT_EQ(std::memcmp(small.state(), source.state(), 8), 0);
 }
 
+// Seeds that the destination has no room for stay behind, whatever their number.
+TEST(StateCopy, EndsWithTheSmallerState) {
+  for (const int32_t id : {0x800000, 0x900000, 0x200000, 0x600000}) {
+    SCOPED_TRACE(id);
+    const Owned source(id);
+    struct {
+      StreamState head = {0x100000, 1, nullptr};
+      unsigned char state[8] = {};  // of MCG31M1
+      unsigned char behind[20000] = {};
+    } small;
+    EXPECT_EQ(__quoCopyStreamState(&small.head, source), QUO_DIFFERENT_BRNGS);
+    EXPECT_EQ(std::memcmp(small.state, source.state(), 8), 0);
+    EXPECT_EQ(std::count(std::begin(small.behind), std::end(small.behind), 0), 20000);
+  }
+}
+
 TEST(StateCopy, BetweenGeneratorsCopiesAndLosesItsErrorToChunks) {
   const Owned source(0x100000, {1234}), destination(0x400000, {99});
   std::memset(destination.state(), 0x77, 16);
@@ -169,7 +187,7 @@ TEST(Stream, WithAForgedIdentifierIsRefused) {
   for (const int32_t id : {-5, INT32_MIN, 400, 0x7FF00000, 0x500000 + 273}) {
     StreamState forged = {id, 1, nullptr};
     const Owned good(0x100000);
-    StreamState* copy = nullptr;
+    StreamState* copy = good;
     double d;
     float s;
     uint32_t u;
