@@ -128,8 +128,8 @@ constexpr ExpLATable kExpLATable = [] {
 // where its rounding may show in the sum, and it is not silent: such arguments are rare. The sum of
 // the exponents of r and the power tells them before that product is made; to put aside all
 // arguments of those octaves would send every eighth group of uniform arguments another way.
-struct dExpLA : Kernel<double> {
-  static constexpr int kUnroll = 8, kRestUnroll = 4;
+struct dExpFewLA : Kernel<double> {
+  static constexpr int kUnroll = 2;
   static HWY_INLINE int Rare(double x, double* r) { return dExpLAScalar(x, r); }
 
   template <class V>
@@ -207,6 +207,11 @@ struct dExpLA : Kernel<double> {
     }
     return true;
   }
+};
+
+struct dExpLA : dExpFewLA {
+  static constexpr int kUnroll = 8, kRestUnroll = 4;
+  using Wide = dExpFewLA;  // of groups with a rare argument
 };
 #endif
 

@@ -1,8 +1,6 @@
 // e^x = 2^n 2^(j/64) e^r, n = k >> 6, j = k & 63, k = round(x 64/ln2), |r| <= ln2/128.
 #include "pex_core/exp/exp_rare.h"
 
-#include <immintrin.h>
-
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -62,6 +60,21 @@ double Subnormal(const Scaled& s) {
   return ((sum + rest) - kGrid) * 0x1p-60;
 }
 
+// |t p|, t from 1 to 2, rounded to a multiple of 2^(-1074 - n); below 2^(-1022 - n).
+double GridProduct(uint64_t t, uint64_t p, int n) {
+  constexpr uint64_t kLeading = uint64_t{1} << 52;
+  const int exponent = (static_cast<int>(p >> 52) & 0x7FF) - 1023;
+  const int dropped = 104 - 1074 - n - exponent;  // bits of the product below the grid
+  if (dropped > 107) return 0;
+  const auto whole = static_cast<unsigned __int128>((t & (kLeading - 1)) | kLeading) *
+                     ((p & (kLeading - 1)) | kLeading);
+  const auto half = static_cast<unsigned __int128>(1) << (dropped - 1);
+  auto kept = static_cast<uint64_t>(whole >> dropped);
+  const auto rest = whole & (2 * half - 1);
+  kept += rest > half || (rest == half && kept % 2 == 1);
+  return static_cast<double>(static_cast<int64_t>(kept)) * PowerOfTwo(-1074 - n);
+}
+
 }  // namespace
 
 int dExpScalar(double x, double* r) {
@@ -104,20 +117,15 @@ int dExpLAScalar(double x, double* r) {
   const double rest = x - kd * 0x1.62e42fecp-11 - kd * 0x1.d1cf79abc9e3bp-42;
   const double p = (0x1.5555555555556p-3 * rest + 0x1.0000001ebfbep-1) * rest * rest + rest;
   const int n = static_cast<int>(static_cast<uint32_t>(k)) >> 10;
-  if (x > 0 || std::fabs(p) >= PowerOfTwo(-1022 - n)) {
+  if (x > 0 || p == 0 || std::fabs(p) >= PowerOfTwo(-1022 - n)) {
     *r = s * p + s;
     return PEX_STATUS_OK;
   }
-  // The sum is normal: that the product is not, and raises flags on both its ways, is no concern of
-  // the caller.
-  constexpr unsigned kOfTiny = _MM_EXCEPT_UNDERFLOW | _MM_EXCEPT_DENORM;
-  const unsigned before = _mm_getcsr();
-  const volatile double factor = p;
-  const volatile double product = s * factor;
-  const volatile double sum = product + s;
-  const unsigned after = _mm_getcsr();
-  if ((after ^ before) & kOfTiny) _mm_setcsr((after & ~kOfTiny) | (before & kOfTiny));
-  *r = sum;
+  // The product is subnormal, the sum is normal: both are made 2^-n as large, where neither raises
+  // a flag but inexact.
+  const double t = std::bit_cast<double>(power);
+  const double sum = t + std::copysign(GridProduct(power, std::bit_cast<uint64_t>(p), n), p);
+  *r = std::bit_cast<double>(std::bit_cast<uint64_t>(sum) + (static_cast<uint64_t>(n) << 52));
   return PEX_STATUS_OK;
 }
 
