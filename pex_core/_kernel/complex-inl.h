@@ -20,6 +20,8 @@
 //   AnyMayBeRare(d, a) or AnyMayBeRare(d, a, b)   or instead: whether a whole group, an array of
 //                          vectors, may have a rare lane;
 //   Rare(a) or Rare(a, b)  a scalar routine for one rare element: from Complex<T> or T to that.
+// What the groups leave goes vector by vector, or, where a kernel without Begin has a kRestUnroll,
+// in groups of so many vectors first.
 // A kernel may have a second one, K::Wide, for all lanes but rare ones, as in elementwise-inl.h;
 // its common lanes are then those that neither IsRare nor MayBeRare names. Lanes come in an order
 // of the driver's own, the same for all operands: no kernel may depend on it.
@@ -148,7 +150,8 @@ struct RealSource {
   using Number = T;
   template <class D>
   HWY_INLINE Operand<D> Load(D d, size_t i) const {
-    return LaneOrder(d, hn::LoadU(d, p + i));
+    if constexpr (kShufflesRegisters<D>) return hn::LoadU(d, p + i);
+    return LoadFromMemoryOrder(d, p + i);
   }
   template <class D>
   HWY_INLINE Operand<D> LoadTail(D d, size_t i, size_t count, T fill) const {
@@ -211,6 +214,8 @@ HWY_INLINE void StoreNumbers(D d, Complex<W> v, T* r, size_t i, size_t count) {
     b = hn::DemoteTo(d, wide_b);
   } else if constexpr (kInMemoryOrder<K>) {
     ZipInOrder(d, v, a, b);
+  } else if constexpr (K::kRealArgument) {  // cosines and sines, from tables' rows
+    ZipBesideShuffles(d, v, a, b);
   } else {
     Zip(d, v, a, b);
   }
@@ -476,23 +481,33 @@ HWY_INLINE void RunVector(const C& call, size_t i, size_t count) {
 }
 
 // The group of whole vectors at element i that CommonNumbers has not taken, or would not take.
-template <class K, class C>
+template <class K, size_t kVectors = K::kUnroll, class C>
 HWY_INLINE void RunUncommonGroup([[maybe_unused]] const C& call, [[maybe_unused]] size_t i) {
   if constexpr (HasComplexRare<K, C>) {
     const size_t lanes = hn::Lanes(typename K::Tag());
-    for (size_t k = 0; k < K::kUnroll; ++k) {
-      UncommonNumbers(call, i + (kBackward<K> ? K::kUnroll - 1 - k : k) * lanes, lanes);
+    for (size_t k = 0; k < kVectors; ++k) {
+      UncommonNumbers(call, i + (kBackward<K> ? kVectors - 1 - k : k) * lanes, lanes);
     }
   }
 }
 
 // The group of whole vectors at element i.
-template <class K, class C>
+template <class K, size_t kVectors, class C>
 HWY_INLINE void RunGroup(const C& call, size_t i) {
   const size_t lanes = hn::Lanes(typename K::Tag());
-  if (CommonNumbers<K, K::kUnroll>(call, i, K::kUnroll * lanes)) [[likely]]
+  if (CommonNumbers<K, kVectors>(call, i, kVectors * lanes)) [[likely]]
     return;
-  RunUncommonGroup<K>(call, i);
+  RunUncommonGroup<K, kVectors>(call, i);
+}
+
+// Vectors per group of those that the groups of kUnroll leave.
+template <class K>
+constexpr size_t ComplexRestUnroll() {
+  if constexpr (HasRestUnroll<K>) {
+    return K::kRestUnroll;
+  } else {
+    return K::kUnroll;
+  }
 }
 
 // The groups before element `end`, each begun before the one ahead of it is ended: what one waits
@@ -559,18 +574,26 @@ HWY_INLINE int RunComplex(int32_t n, const C& call) {
   const size_t group = K::kUnroll * lanes;
   const size_t end = n > 0 ? static_cast<size_t>(n) : 0;
   const size_t groups = end / group * group;  // elements in whole groups
+  constexpr size_t kRest = ComplexRestUnroll<K>();
+  const size_t rest = kRest * lanes;
+  size_t grouped = groups;  // elements in any groups
+  if constexpr (kRest != K::kUnroll) grouped += (end - groups) / rest * rest;
   if constexpr (kBackward<K>) {
-    for (size_t i = groups + (end - groups + lanes - 1) / lanes * lanes; i > groups; i -= lanes) {
+    for (size_t i = grouped + (end - grouped + lanes - 1) / lanes * lanes; i > grouped;
+         i -= lanes) {
       RunVector<K>(call, i - lanes, HWY_MIN(lanes, end - (i - lanes)));
     }
-    for (size_t i = groups; i > 0; i -= group) RunGroup<K>(call, i - group);
+    for (size_t i = grouped; i > groups; i -= rest) RunGroup<K, kRest>(call, i - rest);
+    for (size_t i = groups; i > 0; i -= group) RunGroup<K, K::kUnroll>(call, i - group);
   } else {
     if constexpr (HasComplexBegin<K, C>) {
+      static_assert(kRest == K::kUnroll);
       RunBegun<K>(call, groups);
     } else {
-      for (size_t i = 0; i < groups; i += group) RunGroup<K>(call, i);
+      for (size_t i = 0; i < groups; i += group) RunGroup<K, K::kUnroll>(call, i);
+      for (size_t i = groups; i < grouped; i += rest) RunGroup<K, kRest>(call, i);
     }
-    for (size_t i = groups; i < end; i += lanes) RunVector<K>(call, i, HWY_MIN(lanes, end - i));
+    for (size_t i = grouped; i < end; i += lanes) RunVector<K>(call, i, HWY_MIN(lanes, end - i));
   }
   return 0;
 }

@@ -86,6 +86,21 @@ HWY_INLINE void Zip(D d, Complex<V> c, V& a, V& b) {
   b = hn::InterleaveUpper(d, c.re, c.im);
 }
 
+// The same for kernels whose other shuffles keep the one unit busy that Golden Cove has for those
+// of doubles: on AVX2 by the shuffles of integers, which would take multiplications' place
+// elsewhere.
+template <class D, class V = VecOf<D>>
+HWY_INLINE void ZipBesideShuffles(D d, Complex<V> c, V& a, V& b) {
+#if HWY_TARGET == HWY_AVX2
+  if constexpr (sizeof(hn::TFromD<D>) == 8 && sizeof(V) == 32) {
+    a = EvenPairs(c.re, c.im);
+    b = OddPairs(c.re, c.im);
+    return;
+  }
+#endif
+  Zip(d, c, a, b);
+}
+
 // Numbers in the order of Unzip's lanes, from that of memory, and the other way round: pairs of
 // floats move like doubles.
 template <class D, class V = VecOf<D>>
@@ -121,6 +136,23 @@ HWY_INLINE V ToMemoryOrder(D d, V v) {
   }
 #endif
   return FromMemoryOrder(d, v);  // its own inverse
+}
+
+// A register of numbers from memory, in the order of Unzip's lanes. On AVX2 a half is loaded twice
+// by the load units alone: what is left to do is a shuffle within the halves.
+template <class D, typename T = hn::TFromD<D>>
+HWY_INLINE VecOf<D> LoadFromMemoryOrder(D d, const T* from) {
+#if HWY_TARGET == HWY_AVX2
+  if constexpr (sizeof(VecOf<D>) == 32) {
+    const auto twice = [](const T* half) HWY_ATTR {
+      return _mm256_broadcast_pd(reinterpret_cast<const __m128d*>(half));
+    };
+    const hn::Repartition<double, D> wide;
+    const __m256d both = _mm256_shuffle_pd(twice(from), twice(from + hn::MaxLanes(D()) / 2), 12);
+    return hn::BitCast(d, VecOf<decltype(wide)>{both});
+  }
+#endif
+  return FromMemoryOrder(d, hn::LoadU(d, from));
 }
 
 // Whether two whole registers are shuffled into any order by single operations, as on AVX-512:

@@ -78,19 +78,32 @@ HWY_INLINE Pair<V> SumOfSquares(D d, Magnitudes<V> a) {
 #endif
 }
 
+// The magnitudes without a smaller one whose square counts for nothing: it lies below all bits of
+// the larger one's, where it leaves the result as it is, but a product with it might underflow.
+template <class D, class V>
+HWY_INLINE Magnitudes<V> WithoutNothing(D d, Magnitudes<V> a) {
+  using T = hn::TFromD<D>;
+  const V least = hn::Mul(a.larger, hn::Set(d, sizeof(T) == 8 ? T(0x1p-300) : T(0x1p-37)));
+  const V smaller = hn::Abs(a.smaller);
+  return {a.larger, Selected(hn::IfThenZeroElse(hn::Lt(smaller, least), smaller))};
+}
+
 // Moduli up to their rounded roots, from where their last bits are found.
 template <class V, size_t K>
 struct BegunModuli {
   V square[K], rest[K], root[K];
 };
-template <typename T>
+// kFar: also of parts that lie far apart.
+template <typename T, bool kFar = false>
 struct ModulusKernel : ComplexKernel<T> {
   static constexpr bool kRealResult = true;
   template <class D, class V, size_t K>
   static HWY_INLINE BegunModuli<V, K> Begin(D d, const Complex<V> (&a)[K]) {
     BegunModuli<V, K> begun;
     for (size_t k = 0; k < K; ++k) {
-      const Pair<V> square = SumOfSquares(d, MagnitudesOf(d, a[k]));
+      Magnitudes<V> parts = MagnitudesOf(d, a[k]);
+      if constexpr (kFar) parts = WithoutNothing(d, parts);
+      const Pair<V> square = SumOfSquares(d, parts);
       begun.square[k] = square.hi;
       begun.rest[k] = square.lo;
       begun.root[k] = square.hi;

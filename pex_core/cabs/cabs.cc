@@ -10,20 +10,30 @@
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
-// Common lanes have parts from 2^-50 below 2^60, so that the squares and their errors are exact, or
-// one of them zero.
+// Lanes have parts from 2^-50 below 2^60, so that the squares and their errors are exact, or one of
+// them zero.
+struct cAbsWide : ModulusKernel<float, true> {
+  using Outside = Atan2Outside<float, 0x26800000, 0x5D7FFFFF>;
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a) {
+    return Outside::IsRare(d, a.im, a.re);
+  }
+  static float Rare(Complex<float> a) { return cAbsScalar(a); }
+};
+
+// Common lanes have parts from 2^-40 below 2^42: the square of one over the other does not
+// underflow.
 struct cAbsKernel : ModulusKernel<float> {
   static constexpr int kUnroll = 2;
-  static constexpr int32_t kLow = 0x26800000, kHigh = 0x5D7FFFFF;
-  using Outside = Atan2Outside<float, kLow, kHigh>;
+  using Wide = cAbsWide;
 #if HWY_TARGET == HWY_AVX3
-  // By the bits of squares, which the computation needs anyway: of the sum, below 2^120 and no NaN
-  // of either sign, and of the smaller part, from 2^-100 on. Comparisons under the mask of the ones
+  // By the bits of squares, which the computation needs anyway: of the sum, below 2^84 and no NaN
+  // of either sign, and of the smaller part, from 2^-80 on. Comparisons under the mask of the ones
   // before keep off the unit of roots, where minima and maxima of integers would go.
   template <class D, class V, size_t K>
   static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&a)[K]) {
     const hn::RebindToUnsigned<D> du;
-    const auto least = hn::Set(du, 0x0D800000), most = hn::Set(du, 0x7B7FFFFF);
+    const auto least = hn::Set(du, 0x17800000), most = hn::Set(du, 0x697FFFFF);
     __mmask16 common = 0xFFFF;
     for (size_t k = 0; k < K; ++k) {
       const Squares<V> squares = SquaresOf(d, MagnitudesOf(d, a[k]));
@@ -34,6 +44,7 @@ struct cAbsKernel : ModulusKernel<float> {
     return common != 0xFFFF;
   }
 #else
+  static constexpr int32_t kLow = 0x2B800000, kHigh = 0x547FFFFF;
   // By the bits of the largest and of the least part.
   template <class D, class V, size_t K>
   static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&a)[K]) {
@@ -52,9 +63,8 @@ struct cAbsKernel : ModulusKernel<float> {
 #endif
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a) {
-    return Outside::IsRare(d, a.im, a.re);
+    return cAbsWide::IsRare(d, a);
   }
-  static float Rare(Complex<float> a) { return cAbsScalar(a); }
 };
 
 int cAbs(int32_t n, const PexComplex8* a, float* r) { return MapComplex<cAbsKernel>(n, a, r); }

@@ -9,20 +9,29 @@
 HWY_BEFORE_NAMESPACE();
 namespace pex::HWY_NAMESPACE {
 
-// Common lanes have parts from 2^-400 below 2^500, so that the squares and their errors are exact,
-// or one of them zero.
+// Lanes have parts from 2^-400 below 2^500, so that the squares and their errors are exact, or one
+// of them zero; common ones have parts around 1.
+using zAbsOutside = PartsOutside<0x26F00000, 0x5F2FFFFF>;
+
+struct zAbsWide : ModulusKernel<double, true> {
+  template <class D, class V>
+  static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a) {
+    return hn::Or(IsZero(d, a), zAbsOutside::Any(d, a.re, a.im));
+  }
+  static double Rare(Complex<double> a) { return zAbsScalar(a); }
+};
+
 struct zAbsKernel : ModulusKernel<double> {
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 3 : 2;
-  using Outside = PartsOutside<0x26F00000, 0x5F2FFFFF>;
+  using Wide = zAbsWide;
   template <class D, class V, size_t K>
   static HWY_INLINE bool AnyMayBeRare(D d, const Complex<V> (&a)[K]) {
-    return Outside::AnyOfGroup(d, a);
+    return zAbsOutside::AnyOfGroup(d, a);
   }
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, Complex<V> a) {
-    return hn::Or(IsZero(d, a), Outside::Any(d, a.re, a.im));
+    return zAbsWide::IsRare(d, a);
   }
-  static double Rare(Complex<double> a) { return zAbsScalar(a); }
 };
 
 int zAbs(int32_t n, const PexComplex16* a, double* r) { return MapComplex<zAbsKernel>(n, a, r); }

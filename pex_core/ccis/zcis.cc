@@ -12,12 +12,18 @@ namespace pex::HWY_NAMESPACE {
 // Common lanes have |x| from 2^-20 below 2^12.
 struct zCISKernel : ComplexKernel<double> {
   static constexpr bool kRealArgument = true;
-  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 3 : 6;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 8 : 6;
+  static constexpr int kRestUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 6;
   using Wide = WideCIS<double>;
   using Range = RareOutside<double, 0x3EB00000, 0x40AFFFFF>;
+  using Usual = UsualExponents<-20, 5>;  // the same
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
     return KeyAbove(d, Range::Key(d, hn::Abs(x)), Range::kLimit);
+  }
+  template <class D, class V, size_t K>
+  static HWY_INLINE bool AnyMayBeRare(D d, const V (&x)[K]) {
+    return !Usual::All(d, x);
   }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], Complex<V> (&r)[K]) {

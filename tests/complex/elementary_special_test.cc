@@ -720,7 +720,8 @@ TEST(ComplexElementary, NothingUnderflowsOnTheWay) {
        {Range{"Ln", 'z', -400, 400}, Range{"Log10", 'z', -400, 400}, Range{"Sqrt", 'z', -400, 400},
         Range{"Atan", 'z', -200, 200}, Range{"Atanh", 'z', -200, 200}, Range{"Ln", 'c', -60, 60},
         Range{"Log10", 'c', -60, 60}, Range{"Sqrt", 'c', -60, 60}, Range{"Atan", 'c', -60, 30},
-        Range{"Atanh", 'c', -60, 30}, Range{"Arg", 'z', -400, 400}, Range{"Arg", 'c', -60, 60}}) {
+        Range{"Atanh", 'c', -60, 30}, Range{"Arg", 'z', -400, 400}, Range{"Arg", 'c', -60, 60},
+        Range{"Abs", 'z', -400, 499}, Range{"Abs", 'c', -60, 60}}) {
     for (const pex::Tier tier : kTiers) {
       const pex::Entry& entry = EntryOf(c.function, c.type, tier);
       for (const Level& level : kLevels) {
