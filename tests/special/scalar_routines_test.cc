@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include "pex_core/_heap/real/atan_scalar.h"
 #include "pex_core/_heap/real/erfinv_tail.h"

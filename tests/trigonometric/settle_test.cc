@@ -6,6 +6,7 @@
 #include <mpfr.h>
 
 #include <cmath>
+#include <vector>
 
 #include "pex_core/_heap/real/trig_single.h"
 #include "tests/support/random.h"
