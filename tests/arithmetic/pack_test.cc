@@ -263,6 +263,36 @@ TEST(Pack, RandomCallsWithArraysThatOverlap) {
   }
 }
 
+// Ranges that have their last element in common, or just none.
+TEST(Pack, ArraysThatTouch) {
+  Arena arena(4096);
+  const auto touch = [&](Move m, int64_t offset, const Level& level) {
+    for (size_t i = 0; i < arena.size(); i += 4) {
+      const auto distinct = static_cast<uint32_t>(i);
+      std::memcpy(arena.at(i), &distinct, sizeof(distinct));
+    }
+    m.a = arena.at(2048);
+    m.y = m.a + offset * static_cast<int64_t>(m.element());
+    m.index = arena.at(0);
+    return arena.SameAsLoop(m, level);
+  };
+  for (const Level& level : Levels()) {
+    const OnLevel on(level);
+    for (const bool is_double : {false, true}) {
+      for (const int64_t inc : {-4, -3, -2, -1, 1, 2, 3, 4}) {
+        for (const int64_t n : {1, 2, 4, 5, 8, 9, 17}) {
+          const Move m{Kind::PackI, is_double, 1, n, inc, nullptr, nullptr, nullptr};
+          const int64_t last = (n - 1) * inc, low = std::min<int64_t>(last, 0);
+          for (const int64_t off : {-1, 0, 1}) {
+            ASSERT_TRUE(touch(m, std::max<int64_t>(last, 0) + off, level));
+            ASSERT_TRUE(touch(m, low - n + 1 + off, level));
+          }
+        }
+      }
+    }
+  }
+}
+
 // A result that begins less than an element behind its argument cuts every element of the argument.
 TEST(Pack, ArraysLessThanAnElementApart) {
 #ifdef __SANITIZE_ADDRESS__

@@ -264,6 +264,9 @@ constexpr PowCase kPowCases[] = {
     {{kInf, 0}, {1, 0}, {kInf, 0}},
     {{kNaN, 1}, {1, 0}, kBothNaN},
     {{1, 1}, {1, kNaN}, kBothNaN},
+    {{0, 0}, {-0.0, 1}, kBothNaN, kInvalid},  // no negative real part, no pole
+    {{1, 1}, {0, kInf}, {0, 0}},
+    {{1, 1}, {0, -kInf}, {kInf, kNaN}, kInvalid},
 };
 
 constexpr pex::Tier kTiers[] = {pex::Tier::HA, pex::Tier::LA, pex::Tier::EP};
@@ -379,6 +382,14 @@ constexpr PowCase kWeightyPowers[] = {
     {{0x1.8p+1023, 0x0.0000000000001p-1022},
      {0x1p-20, 0x1p+1023},
      {-0x1.8b898a11ff8ap-4, 0x1.fdf491ed0ac19p-1}},
+    // Multiples of ln |a| and of the angle that cancel, of numbers on the axes.
+    {{0, 0x1.8p+1}, {0x1.6e0766b681648p+18, 0x1p+18}, {0x1.f57c1aaa03956p-2, 0x1.be663287e5d7bp-1}},
+    {{0, -0x1.4p+0},
+     {0x1.c2842e6328237p+20, -0x1.fffe8p+17},
+     {-0x1.ffc13c42a74ap-1, 0x1.faf94050d1347p-6}},
+    {{-0x1.cp+0, 0},
+     {0x1.67497b153600bp+19, 0x1.00004p+17},
+     {0x1.fa6dd8fa074efp-1, -0x1.2d4ae4049a556p-3}},
 };
 
 TEST(ComplexElementary, PowersWithLargeExponents) {
@@ -430,6 +441,7 @@ TEST(ComplexElementary, QuartersOfTheCircleAreExact) {
         {{-0.0, large}, {3, 0}, {0, -kInf}, kOverflow},
         {{0, -large}, {5, 0}, {0, -kInf}, kOverflow},
         {{-large, 0}, {1.5, 0}, {-0.0, -kInf}, kOverflow},
+        {{-large, -0.0}, {1.5, 0}, {-0.0, kInf}, kOverflow},
         {{-1, 0}, {0x1p60, 0}, {1, -0.0}},
         {{-1, 0}, {0x1p52 + 1, 0}, {-1, 0}},
         {{0, 1}, {0x1p100, 0}, {1, -0.0}},

@@ -269,6 +269,55 @@ TEST(Special, ProductsAndQuotients) {
   for (const Case& c : cases) Expect(c);
 }
 
+// The signs of zeros and of infinities, and what is NaN, are those of the plain formulas, without
+// overflow or underflow on the way.
+TEST(Special, ProductsAndQuotientsHaveTheSignsOfTheirFormulas) {
+  constexpr double kParts[] = {0, -0.0, 1, 0x1p-600, -0x1p600, kInf, -kInf, kNaN};
+  std::vector<double> a, b;
+  for (const double ar : kParts) {
+    for (const double ai : kParts) {
+      for (const double br : kParts) {
+        for (const double bi : kParts) {
+          a.insert(a.end(), {ar, ai});
+          b.insert(b.end(), {br, bi});
+        }
+      }
+    }
+  }
+  const size_t n = a.size() / 2;
+  for (const std::string name : {"Mul", "MulByConj", "Div"}) {
+    for (const char* tier : {"_50", "_HA"}) {
+      const pex::Entry& entry = *pex::FindEntry("_pexz" + name + tier);
+      for (const Level& level : kLevels) {
+        if (!ProcessorHas(level)) continue;
+        const UseLevel use(level);
+        std::vector<double> r(2 * n);
+        entry.Call(static_cast<int32_t>(n), a.data(), b.data(), r.data(), nullptr);
+        int faults = 0;
+        for (size_t i = 0; i < n && faults < 5; ++i) {
+          const long double ar = a[2 * i], ai = a[2 * i + 1], br = b[2 * i];
+          const long double bi = name == "Mul" ? b[2 * i + 1] : -b[2 * i + 1];
+          long double re = ar * br - ai * bi, im = ai * br + ar * bi;
+          if (name == "Div") {
+            const long double inverse = 1 / (br * br + bi * bi);
+            re *= inverse;
+            im *= inverse;
+          }
+          if (Same(r[2 * i], static_cast<double>(re), false) &&
+              Same(r[2 * i + 1], static_cast<double>(im), false)) {
+            continue;
+          }
+          ++faults;
+          ADD_FAILURE() << entry.symbol << " on " << level.name << ": "
+                        << Text({a[2 * i], a[2 * i + 1]}) << " and "
+                        << Text({b[2 * i], b[2 * i + 1]}) << " give "
+                        << Text({r[2 * i], r[2 * i + 1]});
+        }
+      }
+    }
+  }
+}
+
 TEST(Special, SumsAndConjugates) {
   const Case cases[] = {
       {"_pexcAdd _pexzAdd", {1, kInf}, {2, -kInf}, {3, kNaN}, kInvalid},

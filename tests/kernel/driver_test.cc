@@ -392,16 +392,21 @@ TEST_P(Driver, TheStatusIsTheLastElements) {
 }
 
 // A part of a longer vector reports its places in the whole.
+// By the place in the first argument's array, wherever the second one and the results are.
 TEST_P(Driver, IndicesFollowTheInputVectorBase) {
-  std::vector<float> whole(1000, 4.0f), r(1000);
+  std::vector<float> whole(1000, 4.0f), b(1000, 2.0f), r(1000), r2(1000);
   whole[607] = -5;
   whole[630] = -5;
+  float* const a = &whole[600];
   _pexSetInterfInputVectorPointer(whole.data());
-  _pexsTestRoot(100, &whole[600], &whole[600]);
+  _pexsTestRoot(100, a, &r[3]);
+  _pexsTestQuotient(100, a, &b[20], &r[3]);
+  _pexsTestQuotientBy(100, a, 2.0f, &r[3]);
+  _pexsTestPair(100, a, &r[3], &r2[50]);
+  _pexsTestRoot(100, a, a);
   _pexSetInterfInputVectorPointer(nullptr);
-  ASSERT_EQ(records.size(), 2u);
-  EXPECT_EQ(records[0].index, 607);
-  EXPECT_EQ(records[1].index, 630);
+  ASSERT_EQ(records.size(), 10u);
+  for (size_t i = 0; i < records.size(); ++i) EXPECT_EQ(records[i].index, i % 2 ? 630 : 607) << i;
 }
 
 INSTANTIATE_TEST_SUITE_P(Levels, Driver, testing::ValuesIn(kLevels),

@@ -267,6 +267,20 @@ TEST(LongDoubleFunctions, SpecialValues) {
   }
 }
 
+// The direction of a point does not change with its distance.
+TEST(LongDoubleFunctions, AnglesOfSubnormalNumbers) {
+  for (const long double scale : {0x1p-16445L, 0x1p-16430L, 0x1p-16382L}) {
+    for (const int y : {1, -2, 3, 7, -1000}) {
+      for (const int x : {1, -2, 5, -9, 1023}) {
+        EXPECT_EQ(_pexatan2l_scalar(y * scale, x * scale), _pexatan2l_scalar(y, x))
+            << y << ", " << x << " times " << scale;
+        EXPECT_EQ(_pexatan2dl_scalar(y * scale, x * scale), _pexatan2dl_scalar(y, x))
+            << y << ", " << x << " times " << scale;
+      }
+    }
+  }
+}
+
 TEST(LongDoubleFunctions, FlagsAreWarranted) {
   const struct {
     const char* what;

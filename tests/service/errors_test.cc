@@ -298,6 +298,47 @@ TEST_F(Errors, TheCallersControlBitsDoNotReachTheValues) {
   EXPECT_EQ(r[0], 0.7f);
 }
 
+// The mode that the callback leaves is the one that counts.
+TEST_F(Errors, TheModeThatACallbackSetsHoldsForItsOwnElement) {
+  struct Case {
+    uint32_t before, after;
+    int error;
+  };
+  static uint32_t left;
+  _pexSetErrorCallBack([](PexErrorContext*) {
+    _pexSetMode(left);
+    return 0;
+  });
+  constexpr uint32_t kErrno = PEX_ERRMODE_CALLBACK | PEX_ERRMODE_ERRNO;
+  for (const Case& c :
+       {Case{PEX_ERRMODE_CALLBACK, kErrno, EDOM}, Case{kErrno, PEX_ERRMODE_CALLBACK, kUntouched}}) {
+    const double a[1] = {-1};
+    double r[1] = {kNaN};
+    left = c.after;
+    _pexSetMode(c.before);
+    errno = kUntouched;
+    const int mode = _pexdError(1, 0, a, a, r, r, "vdTest");
+    EXPECT_EQ(mode, static_cast<int>(_pexGetMode()));
+    EXPECT_EQ(errno, c.error);
+  }
+}
+
+// Flags are raised without a trap where the caller has unmasked the exceptions.
+TEST_F(Errors, RaisesFlagsUnderUnmaskedExceptions) {
+  const double a[1] = {1};
+  double r[1] = {1};
+  _pexSetMode(PEX_ERRMODE_EXCEPT);
+  constexpr uint32_t kRaised[] = {0, 1, 4, 0, 0x10};  // invalid, zero divide, underflow
+  for (const int code : {1, 2, 3, 4}) {
+    const uint32_t saved = _mm_getcsr();
+    _mm_setcsr(0);
+    _pexdError(code, 0, a, a, r, r, "vdTest");
+    const uint32_t word = _mm_getcsr();
+    _mm_setcsr(saved);
+    EXPECT_EQ(word & ~0x22u, kRaised[code]) << code;
+  }
+}
+
 // A second argument that is subnormal is not 0.
 TEST_F(Errors, TheCallersFlushBitsDoNotReachTheLines) {
   PexErrorContext record = {};

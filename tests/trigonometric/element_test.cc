@@ -172,5 +172,19 @@ TEST_P(Element, ReportsInfinitiesUnderItsOwnNameAndNothingElse) {
   EXPECT_EQ(use.flags(), 0u);
 }
 
+// Where both are one array, the first result wins.
+TEST_P(Element, TakesBothResultsFromTheCallback) {
+  _pexSetErrorCallBack([](PexErrorContext* record) {
+    record->res1 = 5;
+    record->res2 = 6;
+    return 0;
+  });
+  double a = kInf, r = 0, second = 0;
+  GetParam().call(0, &a, &r, &second);
+  _pexClearErrorCallBack();
+  EXPECT_EQ(r, 5);
+  EXPECT_EQ(second, GetParam().results == 2 ? 6 : 0);
+}
+
 }  // namespace
 }  // namespace trigonometric_test

@@ -179,6 +179,21 @@ TEST_P(SingleElement, ReportsInfinitiesUnderItsOwnName) {
   }
 }
 
+// Where both are one array, the first result wins.
+TEST_P(SingleElement, TakesBothResultsFromTheCallback) {
+  _pexSetErrorCallBack([](PexErrorContext* seen) {
+    seen->res1 = 5;
+    seen->res2 = 6;
+    return 0;
+  });
+  const float a = INFINITY;
+  float r1 = 0, r2 = 0;
+  Call(GetParam(), 0, &a, &r1, &r2);
+  _pexClearErrorCallBack();
+  EXPECT_EQ(r1, 5);
+  EXPECT_EQ(r2, GetParam().function == kSinCos ? 6 : 0);
+}
+
 INSTANTIATE_TEST_SUITE_P(All, SingleElement, testing::ValuesIn(kEntries),
                          [](const auto& info) { return std::string(info.param.name); });
 
