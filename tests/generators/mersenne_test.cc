@@ -248,6 +248,9 @@ TEST_P(Mersenne, SeedCounts) {
       EXPECT_NE(Stream(g(), key).State(), stream.State()) << n;
     }
   }
+  key.resize(70000, 7);
+  key.back() = 8;
+  ExpectSameState(Stream(g(), key), Twister(g(), key));
   for (uint32_t extreme : {0u, UINT32_MAX}) {
     key.assign(3, extreme);
     ExpectSameState(Stream(g(), key), Twister(g(), key));
@@ -286,6 +289,18 @@ TEST_P(Mersenne, ForeignStates) {
         const size_t words = g().state_bytes - 4;
         EXPECT_EQ(stream.State().substr(0, words), twister.State().substr(0, words));
         EXPECT_EQ(stream.State().substr(words), state.substr(words));
+      }
+      for (int n = 1; n <= 9; ++n) {  // a few uniforms go a way of their own
+        for (const double a : {0, -1}) {
+          Stream stream(g(), kSeed);
+          stream.SetState(state);
+          Twister twister(g(), state);
+          EXPECT_EQ(stream.Doubles(n, a, 1), twister.Doubles(n, a, 1)) << mti;
+          stream.SetState(state);
+          Twister again(g(), state);
+          const auto fa = static_cast<float>(a);
+          EXPECT_EQ(stream.Floats(n, fa, 1), again.Floats(n, fa, 1)) << mti;
+        }
       }
     });
   }
