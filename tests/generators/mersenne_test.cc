@@ -140,6 +140,11 @@ const Bounds kBounds[] = {
     {0x1p21, 0x1p21 + 0.5},      // the centre needs more digits than 2^52 scale leaves
     {1 + 0x1p-40, 2 + 0x1p-40},  // exact in double, twice rounded to single
     {0, 0x1p-140},               // single results subnormal
+    {0, 0x1p-120},               // and the scale
+    {0, 0x1p120},
+    {0, 0x1p121},  // 2^39 times the scale overflows
+    {0, 0x1p122},
+    {-0x1p121, 0x1p121},
 };
 const Bounds& SomeBounds(int i) { return kBounds[i % std::size(kBounds)]; }
 
