@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "pexquo/kro.h"
@@ -295,33 +296,41 @@ TYPED_TEST(GaussianMVOf, FailuresAndRefusals) {
 
 // The service library's product, beyond what the distribution asks of it: other options and gaps
 // between the columns go to the system's BLAS and mean what they do there.
+// With gaps between the columns and without, where one combination has a loop of its own.
 TEST(TriangularProduct, OtherOptions) {
-  constexpr int32_t m = 3, n = 4, lda = 5, ldb = 4;
-  double a[lda * m], b[ldb * n];
+  constexpr int32_t m = 3, n = 4, lda = 5, most = 4;
+  double a[lda * n], b[most * n];
   Random random(3);
   for (double& x : a) x = random.Unit();
   for (double& x : b) x = random.Unit();
-  for (const char* trans : {"T", "N"}) {
+  const auto check = [&](const char* side, const char* uplo, const char* trans, const char* diag,
+                         double alpha, int32_t ldb) {
+    // Of the matrix as it is multiplied.
+    const auto entry = [&](int row, int column) {
+      if (*trans != 'N') std::swap(row, column);
+      if (row == column) return *diag == 'U' ? 1 : a[row + lda * row];
+      return (*uplo == 'U') == (row < column) ? a[row + lda * column] : 0;
+    };
+    double x[most * n];
+    std::copy(std::begin(b), std::end(b), x);
+    kro_blas_xdtrmm_4pex(side, uplo, trans, diag, &m, &n, &alpha, a, &lda, x, &ldb);
+    for (int c = 0; c < n; ++c) {
+      for (int i = 0; i < ldb; ++i) {
+        double want = i < m ? 0 : b[i + ldb * c];  // the gap
+        for (int k = 0; k < (*side == 'L' ? m : n) && i < m; ++k) {
+          want += *side == 'L' ? alpha * entry(i, k) * b[k + ldb * c]
+                               : alpha * b[i + ldb * k] * entry(k, c);
+        }
+        EXPECT_NEAR(x[i + ldb * c], want, 1e-14) << side << uplo << trans << diag << alpha << ldb;
+      }
+    }
+  };
+  for (const char* side : {"L", "R"}) {
     for (const char* uplo : {"U", "L"}) {
-      for (const char* diag : {"N", "U"}) {
-        for (const double alpha : {1.0, -2.0}) {
-          double x[ldb * n];
-          std::copy(std::begin(b), std::end(b), x);
-          kro_blas_xdtrmm_4pex("L", uplo, trans, diag, &m, &n, &alpha, a, &lda, x, &ldb);
-          for (int c = 0; c < n; ++c) {
-            for (int i = 0; i < ldb; ++i) {
-              double want = 0;
-              for (int k = 0; k < m && i < m; ++k) {
-                const int row = *trans == 'T' ? k : i, column = *trans == 'T' ? i : k;
-                const bool stored = *uplo == 'U' ? row < column : row > column;
-                const double entry = row == column ? (*diag == 'U' ? 1 : a[row + lda * column])
-                                     : stored      ? a[row + lda * column]
-                                                   : 0;
-                want += alpha * entry * b[k + ldb * c];
-              }
-              if (i == m) want = b[i + ldb * c];  // the gap
-              EXPECT_NEAR(x[i + ldb * c], want, 1e-14) << trans << uplo << diag << alpha;
-            }
+      for (const char* trans : {"T", "C", "N"}) {
+        for (const char* diag : {"N", "U"}) {
+          for (const double alpha : {1.0, -2.0}) {
+            for (const int32_t ldb : {m, m + 1}) check(side, uplo, trans, diag, alpha, ldb);
           }
         }
       }

@@ -140,6 +140,11 @@ const Bounds kBounds[] = {
     {0x1p21, 0x1p21 + 0.5},      // the centre needs more digits than 2^52 scale leaves
     {1 + 0x1p-40, 2 + 0x1p-40},  // exact in double, twice rounded to single
     {0, 0x1p-140},               // single results subnormal
+    {0, 0x1p-120},               // and the scale
+    {0, 0x1p120},
+    {0, 0x1p121},  // 2^39 times the scale overflows
+    {0, 0x1p122},
+    {-0x1p121, 0x1p121},
 };
 const Bounds& SomeBounds(int i) { return kBounds[i % std::size(kBounds)]; }
 
@@ -248,6 +253,9 @@ TEST_P(Mersenne, SeedCounts) {
       EXPECT_NE(Stream(g(), key).State(), stream.State()) << n;
     }
   }
+  key.resize(70000, 7);
+  key.back() = 8;
+  ExpectSameState(Stream(g(), key), Twister(g(), key));
   for (uint32_t extreme : {0u, UINT32_MAX}) {
     key.assign(3, extreme);
     ExpectSameState(Stream(g(), key), Twister(g(), key));
@@ -286,6 +294,18 @@ TEST_P(Mersenne, ForeignStates) {
         const size_t words = g().state_bytes - 4;
         EXPECT_EQ(stream.State().substr(0, words), twister.State().substr(0, words));
         EXPECT_EQ(stream.State().substr(words), state.substr(words));
+      }
+      for (int n = 1; n <= 9; ++n) {  // a few uniforms go a way of their own
+        for (const double a : {0, -1}) {
+          Stream stream(g(), kSeed);
+          stream.SetState(state);
+          Twister twister(g(), state);
+          EXPECT_EQ(stream.Doubles(n, a, 1), twister.Doubles(n, a, 1)) << mti;
+          stream.SetState(state);
+          Twister again(g(), state);
+          const auto fa = static_cast<float>(a);
+          EXPECT_EQ(stream.Floats(n, fa, 1), again.Floats(n, fa, 1)) << mti;
+        }
       }
     });
   }

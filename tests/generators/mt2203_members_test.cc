@@ -71,5 +71,26 @@ TEST(Mt2203Members, UncorrelatedPairs) {
   }
 }
 
+// A stream that no validation has seen: the table of members is not read beyond its end.
+TEST(Mt2203Members, BeyondTheLastAreTheFirst) {
+  struct Stream {
+    StreamState head;
+    uint32_t state[(312 - sizeof(StreamState)) / sizeof(uint32_t)];
+  };
+  const uint32_t seed = 5;
+  const auto words = [&](int32_t id) {
+    Stream s = {{id, 1, nullptr}, {}};
+    EXPECT_EQ(__quoBRngMT2203InitStream(QUO_INIT_STANDARD, &s.head, 1, &seed), QUO_OK);
+    std::vector<uint32_t> r(100);
+    EXPECT_EQ(__quoiBRngMT2203(&s.head, 100, r.data()), QUO_OK);
+    return r;
+  };
+  const auto first = words(QUO_BRNG_MT2203);
+  EXPECT_NE(words(QUO_BRNG_MT2203 + 1023), first);
+  for (const int32_t member : {1024, 1025, 65536, 0xFFFFF}) {
+    EXPECT_EQ(words(QUO_BRNG_MT2203 + member), first) << member;
+  }
+}
+
 }  // namespace
 }  // namespace quo::test

@@ -70,9 +70,10 @@ TEST(Messages, TakeTheirArguments) {
 
 TEST(Messages, UnknownIdsAndWrongCountsPrintNothing) {
   for (const int32_t id : {0, 734, 754, -1, INT32_MAX, INT32_MIN}) {
-    const Printed p = Print(id, "name");
-    EXPECT_EQ(p.returned, -1);
-    EXPECT_EQ(p.text, "");
+    for (const Printed& p : {Print(id), Print(id, "name"), Print(id, 12, -0.1)}) {
+      EXPECT_EQ(p.returned, -1);
+      EXPECT_EQ(p.text, "");
+    }
   }
   for (const Printed& p : {Print(735, "name"), Print(736), Print(737, "name", 1), Print(742, 1)}) {
     EXPECT_EQ(p.returned, -1);
