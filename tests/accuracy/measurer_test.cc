@@ -148,7 +148,7 @@ TEST(Measurer, QuickReferencesKeepTheirBounds) {
       SecondArguments(entry, regime.name, random, a, b);
       for (size_t i = 0; i < a.size(); ++i) {
         const double x = a[i];
-        Real in(53), second(53), exact(200), error(200);
+        Real in(53), second(53), exact(120), error(120);
         mpfr_set_d(in, x, MPFR_RNDN);
         mpfr_set_d(second, b[i], MPFR_RNDN);
         oracle.exact(0, exact, in, second);

@@ -33,7 +33,9 @@ Wide InverseErf(Wide x, Wide q) {
   Wide y = 0;
   for (int i = 0; i < 60; ++i) {
     const Wide rest = q > 0.5L ? std::fabs(x) - std::erf(y) : std::erfc(y) - q;
+    const Wide before = y;
     y += rest * std::exp(y * y) * 0.886226925452758013649L;
+    if (y == before) break;
   }
   return std::copysign(y, x);
 }

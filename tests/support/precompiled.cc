@@ -1,0 +1,2 @@
+// The owner of the tests' precompiled headers.
+int main() {}
