@@ -348,7 +348,7 @@ const quo::Distribution& NamedDistribution(const DrawOptions& options) {
     if (g.is_quasi_random()) known.push_back(Normalized(g.name));
   }
   Fail("unknown distribution ", Quoted(options.distribution),
-       Suggestion(options.distribution, known));
+       Suggestion(options.distribution, known, "; pexquo list distributions shows them"));
 }
 
 // Refuses what the distribution has no use for.
@@ -426,6 +426,7 @@ int Draw(const DrawOptions& given) {
   ExpectGenerator(stream, GeneratorAsDistribution(given.distribution));
   if (!options.leapfrog.empty()) Leapfrog(stream, options.leapfrog);
   if (!options.skip.empty()) SkipAhead(stream, options.skip);
+  if (!options.save.empty()) ExpectSavePlace(options.save);
   if (d.name == "uniform") {
     DrawUniform(options, d, stream, count);
   } else if (d.name == "uniformbits") {

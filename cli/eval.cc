@@ -80,7 +80,8 @@ Functions FindFunctions(const std::string& name) {
   for (const auto& functions : {pex::Functions(), pex::ComplexFunctions()}) {
     for (const pex::Function& function : functions) known.push_back(Normalized(function.name));
   }
-  Fail("unknown function ", Quoted(name), Suggestion(name, known));
+  Fail("unknown function ", Quoted(name),
+       Suggestion(name, known, "; pexquo list functions shows them"));
 }
 
 pex::Tier TierOf(const std::string& name) {

@@ -54,7 +54,8 @@ void UseLevel(const std::string& name) {
     known.emplace_back(levels[i].name);
     if (levels[i].available) available += " " + known.back();
   }
-  Fail("unknown vector level ", Quoted(name), Suggestion(name, known));
+  Fail("unknown vector level ", Quoted(name),
+       Suggestion(name, known, "; the levels are " + Enumeration(known)));
 }
 
 }  // namespace cli

@@ -59,7 +59,7 @@ void ListGenerators() {
 }
 
 void ListDistributions() {
-  Print(Padded("distribution", 14) + Padded("types", 7) + Padded("parameters", 35) + "what it is");
+  Print(Padded("distribution", 16) + Padded("types", 7) + Padded("parameters", 35) + "what it is");
   for (const quo::Distribution& d : quo::Distributions()) {
     std::string types, parameters;
     for (const quo::Sampler& s : quo::Samplers()) {
@@ -71,7 +71,7 @@ void ListDistributions() {
       parameters += "=" + NumberText(p.standard);
     }
     if (d.name == "gaussianmv") types = "d s", parameters = "mean factor storage=full";
-    Print(Padded(std::string(d.name), 14) + Padded(types, 7) + Padded(parameters, 35) +
+    Print(Padded(std::string(d.name), 16) + Padded(types, 7) + Padded(parameters, 35) +
           std::string(d.what));
   }
 }
@@ -107,7 +107,9 @@ int List(const std::string& topic) {
     t.print();
     printed = true;
   }
-  if (!printed) Fail("nothing to list under ", Quoted(topic), Suggestion(topic, known));
+  if (!printed)
+    Fail("nothing to list under ", Quoted(topic),
+         Suggestion(topic, known, "; the topics are " + Enumeration(known)));
   return FinishPrinting();
 }
 

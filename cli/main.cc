@@ -87,7 +87,8 @@ void AddDraw(CLI::App* command, DrawOptions* o) {
       "--generator", o->generator,
       "Name, name:member or identifier, see pexquo list generators; mcg59 if not given");
   command->add_option("--member", o->member, "Member of a family of generators");
-  command->add_option("--seed", o->seeds, "Seed words of 32 bits, by blanks or commas");
+  command->add_option("--seed", o->seeds,
+                      "Seed words of 32 bits, by blanks or commas; 1 if not given");
   command->add_option(
       "--dimension", o->dimension,
       "Coordinates of a point of sobol or niederr, one point a row; 1 if not given");
@@ -110,7 +111,8 @@ void AddDraw(CLI::App* command, DrawOptions* o) {
   command->add_option("--storage", o->storage,
                       "of --factor: full by rows (the default), packed by columns, or diagonal");
   command->add_option("--method", o->method,
-                      "Of the Gaussians: boxmuller, boxmuller2 or icdf (the default)");
+                      "gaussian, gaussianmv: boxmuller, boxmuller2 or icdf (the default); poisson: "
+                      "ptpe (the default) or normal");
   command->add_option("--type", o->type, "d, s or i: double (the default), single, 32-bit integer");
   command->add_flag("--accurate", o->accurate, "Keep every number within the bounds");
   command->add_option("--leapfrog", o->leapfrog,
@@ -185,6 +187,15 @@ std::vector<std::string> JoinedArguments(int argc, char** argv) {
     Fail("unexpected ", Quoted(extras.front()), option ? Suggestion(extras.front(), known) : "");
   }
   std::string text = error.what();
+  // The parser's own words for how often an option and its value are there.
+  const std::string option = text.substr(0, text.find(':'));
+  if (text.find("At Most 1 required but received") != std::string::npos) {
+    Fail(option, " is given more than once");
+  }
+  if (text.find("1 required TEXT missing") != std::string::npos) Fail(option, " needs a value");
+  if (dynamic_cast<const CLI::ExcludesError*>(&error) != nullptr) {
+    Fail("the second argument is given twice: as a file and by --b");
+  }
   while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
   std::replace(text.begin(), text.end(), '\n', ' ');
   Fail(text);
@@ -222,7 +233,8 @@ int Run(int argc, char** argv) {
   const std::vector<std::string> commands = CommandNames(app);
   const std::string first = argv[1];
   if (!first.starts_with('-') && std::ranges::find(commands, first) == commands.end()) {
-    Fail("unknown command ", Quoted(first), Suggestion(first, commands));
+    Fail("unknown command ", Quoted(first),
+         Suggestion(first, commands, "; the commands are " + Enumeration(commands)));
   }
   try {
     std::vector<std::string> arguments = JoinedArguments(argc, argv);

@@ -47,12 +47,15 @@ std::vector<std::string> CommaSeparated(std::string_view list) {
   }
 }
 
-std::string Suggestion(std::string_view name, const std::vector<std::string>& known) {
+std::string Suggestion(std::string_view name, const std::vector<std::string>& known,
+                       const std::string& otherwise) {
   constexpr size_t kLongestTypo = 64;
-  if (name.size() > kLongestTypo) return {};
+  if (name.size() > kLongestTypo) return otherwise;
   const std::string typed = Normalized(name);
   const std::string* best = nullptr;
-  size_t least = typed.size() <= 3 ? 2 : 1 + std::max<size_t>(2, typed.size() / 3);
+  size_t least = typed.size() <= 1   ? 1  // any letter is like any other
+                 : typed.size() <= 3 ? 2
+                                     : 1 + std::max<size_t>(2, typed.size() / 3);
   for (const std::string& candidate : known) {
     const std::string word = Normalized(candidate);
     size_t distance = EditDistance(typed, word);
@@ -64,7 +67,16 @@ std::string Suggestion(std::string_view name, const std::vector<std::string>& kn
       best = &candidate;
     }
   }
-  return best == nullptr ? "" : "; did you mean " + *best + "?";
+  return best == nullptr ? otherwise : "; did you mean " + *best + "?";
+}
+
+std::string Enumeration(const std::vector<std::string>& words) {
+  std::string text;
+  for (size_t i = 0; i < words.size(); ++i) {
+    if (i > 0) text += i + 1 == words.size() ? " and " : ", ";
+    text += words[i];
+  }
+  return text;
 }
 
 }  // namespace cli

@@ -14,8 +14,12 @@ std::string Normalized(std::string_view name);
 // The fields of a list separated by commas, as they stand; at least one.
 std::vector<std::string> CommaSeparated(std::string_view list);
 
-// "; did you mean NAME?" with the closest of the known names, or nothing when none is close.
-std::string Suggestion(std::string_view name, const std::vector<std::string>& known);
+// "; did you mean NAME?" with the closest of the known names, or `otherwise` when none is close.
+std::string Suggestion(std::string_view name, const std::vector<std::string>& known,
+                       const std::string& otherwise = "");
+
+// "a, b and c".
+std::string Enumeration(const std::vector<std::string>& words);
 
 }  // namespace cli
 

@@ -31,7 +31,8 @@ Format FormatOf(const std::string& name, const std::string& path, bool allow_raw
   if (name == "raw" && allow_raw) return Format::Raw;
   std::vector<std::string> known = {"text", "npy"};
   if (allow_raw) known.push_back("raw");
-  Fail("unknown format ", Quoted(name), Suggestion(name, known));
+  Fail("unknown format ", Quoted(name),
+       Suggestion(name, known, "; the formats are " + Enumeration(known)));
 }
 
 Sink::Sink(const std::string& path, Format format, int columns, std::optional<NpyShape> shape,

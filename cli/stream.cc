@@ -1,5 +1,7 @@
 #include "cli/stream.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -58,7 +60,8 @@ const quo::Generator& NamedGenerator(const std::string& name) {
     known.push_back(Normalized(g.name));
     if (known.back() == Normalized(name)) return g;
   }
-  Fail("unknown generator ", Quoted(name), Suggestion(name, known));
+  Fail("unknown generator ", Quoted(name),
+       Suggestion(name, known, "; pexquo list generators shows them"));
 }
 
 int32_t NumberedGenerator(const std::string& text, bool has_member) {
@@ -75,6 +78,9 @@ int32_t NumberedGenerator(const std::string& text, bool has_member) {
   }
   return static_cast<int32_t>(id);
 }
+
+// Standard output has the numbers.
+std::string SavePath(const std::string& path) { return path == "-" ? "./-" : path; }
 
 }  // namespace
 
@@ -177,8 +183,15 @@ Stream LoadStream(const std::string& path) {
   return stream;
 }
 
+void ExpectSavePlace(const std::string& path) {
+  struct stat old = {};
+  const bool exists = stat(path.c_str(), &old) == 0;
+  if (exists && !S_ISREG(old.st_mode) && !S_ISDIR(old.st_mode)) return;  // a pipe is opened once
+  const OutputFile probe(SavePath(path));
+}
+
 void SaveStream(const Stream& stream, const std::string& path) {
-  OutputFile file(path == "-" ? "./-" : path);  // standard output has the numbers
+  OutputFile file(SavePath(path));
   const int32_t status = __quoSaveStreamF(stream.state.get(), file.place().c_str(), -1);
   if (status != QUO_OK) {
     Fail("--save ", Quoted(path), ": ", Meaning(status), " (status ", status, ")");

@@ -34,6 +34,8 @@ uint32_t DimensionOf(const Stream& stream);
 Stream OpenStream(int32_t id, const std::string& generator, const std::vector<uint32_t>& seeds);
 // A stream as SaveStream wrote it.
 Stream LoadStream(const std::string& path);
+// Fails where SaveStream could not write, before anything is drawn.
+void ExpectSavePlace(const std::string& path);
 // Writes the stream's state to a file, which appears complete or not at all.
 void SaveStream(const Stream& stream, const std::string& path);
 // Keeps every s-th number from the k-th on, by "k/s", k counted from 0.

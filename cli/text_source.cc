@@ -139,7 +139,16 @@ class TextSource : public Source {
       if (columns_[i] != 0) continue;
       const auto found = std::ranges::find(known, names[i]);
       if (found == known.end()) {
-        Fail(name(), ": no column ", Quoted(names[i]), Suggestion(names[i], known));
+        std::vector<std::string> quoted;
+        for (const std::string& column : known) quoted.push_back(Quoted(column));
+        constexpr size_t kFewColumns = 10;
+        Fail(name(), ": no column ", Quoted(names[i]),
+             Suggestion(names[i], known,
+                        quoted.size() > kFewColumns ? "" : "; there is " + Enumeration(quoted)));
+      }
+      if (std::find(found + 1, known.end(), names[i]) != known.end()) {
+        Fail(name(), ": several columns are named ", Quoted(names[i]),
+             "; choose one by its number");
       }
       columns_[i] = static_cast<size_t>(found - known.begin()) + 1;
     }

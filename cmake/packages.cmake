@@ -74,6 +74,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/lib)
 set(own "libpexquo1 (= ${release})")
 
 set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_SOURCE_DIR}/packaging/at_cpack.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/installed_size.cmake)
 set(CPACK_PEXQUO_CONTROL ${control_folder})
 
 # describe(COMPONENT SYNOPSIS LINES...): lines of at most 79 characters.

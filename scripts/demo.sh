@@ -42,7 +42,8 @@ printf '\n== Ten normal numbers, the stream saved after five (pexquo draw gaussi
 "$bin/pexquo" draw gaussian --generator mt19937 --seed 7 --count 5 --save "$work/stream" -o "$work/five.txt"
 "$bin/pexquo" draw gaussian --load "$work/stream" --count 5 >> "$work/five.txt"
 cmp "$work/ten.txt" "$work/five.txt"
-paste -s "$work/five.txt"
+printf '%-24s%s\n' "drawn at once" "five, saved, loaded, five more"
+paste "$work/ten.txt" "$work/five.txt" | expand -t 24
 
 printf '\n== What an element error looks like (pexquo eval ln on 299850, 0, -299850)\n'
 printf '299850\n0\n-299850\n' > "$work/odd.txt"

@@ -1,4 +1,5 @@
-# Sourced by the other scripts: installs the missing Debian packages.
+#!/usr/bin/env bash
+# Installs the missing Debian packages; sourced by the other scripts.
 
 # install_packages NAME...: those of them that are missing; ends the script when that takes more
 # rights than it has.

@@ -15,7 +15,7 @@ root=$work/root
 
 # What each package has to hold in its control part and among its documents.
 check_package() {
-  local deb=$1 name part
+  local deb=$1 name part most
   name=$(dpkg-deb -f "$deb" Package)
   mkdir -p "$work/$name"
   dpkg-deb -e "$deb" "$work/$name/control"
@@ -24,6 +24,12 @@ check_package() {
     [[ -n $(dpkg-deb -f "$deb" "$part") ]] || { echo "$name: no field $part" >&2; return 1; }
   done
   (cd "$work/$name/data" && md5sum --quiet -c ../control/md5sums)
+  # Each entry is rounded up to whole KiB.
+  most=$(($(du -sk --apparent-size "$work/$name/data" | cut -f 1) + $(find "$work/$name/data" | wc -l)))
+  if (($(dpkg-deb -f "$deb" Installed-Size) > most)); then
+    echo "$name: an Installed-Size above $most" >&2
+    return 1
+  fi
   for part in copyright changelog.Debian.gz; do
     [[ -s $work/$name/data/usr/share/doc/$name/$part ]] || { echo "$name: no $part" >&2; return 1; }
   done

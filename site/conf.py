@@ -9,7 +9,7 @@ project = "pexquo"
 version = release = VERSION
 copyright = "the pexquo developers"
 extensions = ["myst_parser", "breathe", "sphinx_copybutton"]
-myst_enable_extensions = ["colon_fence", "deflist", "dollarmath"]
+myst_enable_extensions = ["colon_fence", "deflist"]
 myst_heading_anchors = 3
 source_suffix = {".md": "markdown"}
 exclude_patterns = ["_build"]

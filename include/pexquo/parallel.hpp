@@ -244,7 +244,7 @@ class parallel {
   void DrawShares(const D& d, stream& s, T* r, detail::Shares shares, std::size_t multiple,
                   detail::Advance how, std::size_t outputs, std::source_location where) const {
     const std::size_t step = multiple * d.unit(s);
-    const unsigned others = Others(shares.Count());
+    const std::size_t others = Others(shares.Count());
     std::mutex taking;  // for the stream and `shares`
     detail::FirstException failure;
     detail::FloatingPoint environment;

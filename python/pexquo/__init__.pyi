@@ -1,6 +1,6 @@
 from contextlib import AbstractContextManager
 from os import PathLike
-from typing import Any, Literal, NamedTuple, Protocol
+from typing import Any, Literal, Mapping, NamedTuple, Protocol
 
 import numpy as np
 from numpy.typing import ArrayLike, DTypeLike, NDArray
@@ -37,7 +37,7 @@ class _UnaryTwo(_Function, Protocol):
 
 class ElementError(NamedTuple):
     function: str
-    index: tuple[int, ...]
+    index: tuple[int, ...]  # type: ignore[assignment]  # in place of tuple's method
     arguments: tuple[Any, ...]
     result: Any
     reason: Literal["domain", "singularity", "overflow", "underflow"]
@@ -52,9 +52,9 @@ class BitGenerator(np.random.BitGenerator):
     @property
     def stream(self) -> Stream: ...
     @property
-    def state(self) -> dict[str, Any]: ...
+    def state(self) -> Mapping[str, Any]: ...
     @state.setter
-    def state(self, value: dict[str, Any]) -> None: ...
+    def state(self, value: Mapping[str, Any]) -> None: ...
 
 def bit_generator(stream: Stream) -> BitGenerator: ...
 

@@ -33,7 +33,11 @@ TEST_F(BadInputTest, CommandsAndOptions) {
       {"eval add a b c", "unexpected \"c\""},
       {"eval", "function is required"},
       {"eval lnn", "unknown function \"lnn\"; did you mean ln?"},
-      {"eval qqqqq", "unknown function \"qqqqq\"\n"},
+      {"eval qqqqq", "unknown function \"qqqqq\"; pexquo list functions shows them\n"},
+      {"frobnicate", "unknown command \"frobnicate\"; the commands are list, eval and draw\n"},
+      {"eval ln -x", "unexpected \"-x\"\n"},
+      {"eval ln --tier ha --tier la", "--tier is given more than once\n"},
+      {"eval add a b --b 2", "the second argument is given twice"},
       {"eval ln --tier xa", "unknown tier \"xa\"; the tiers are ha, la and ep"},
       {"eval ln --type q", "unknown type \"q\"; the types are d, s, z and c"},
       {"eval ln --type dz", "unknown type \"dz\""},
@@ -52,11 +56,12 @@ TEST_F(BadInputTest, CommandsAndOptions) {
       {"eval ln --type z --column 1,im", "no header with a column \"im\""},
       {"eval ln --format raw", "unknown format \"raw\""},
       {"eval ln --format nyp", "did you mean npy?"},
+      {"eval ln --format csv", "unknown format \"csv\"; the formats are text and npy\n"},
       {"eval ln --level avx3", "unknown vector level \"avx3\"; did you mean avx2?"},
       {"eval ln --max-reports -1", "--max-reports"},
       {"eval add", "ln takes"},
       {"eval ln --with-value 2", "ln takes one argument"},
-      {"eval add --with x --with-value 2", "--with"},
+      {"eval add --with x --with-value 2", "the second argument is given twice"},
       {"eval add --with-value 2 --with-column 2", "--with"},
       {"eval add --with -", "standard input can be read once only"},
       {"eval add --with-value two", "--b \"two\" is not a number"},
@@ -168,6 +173,9 @@ TEST_F(BadInputTest, CommandsAndOptions) {
   }
   ExpectFailure(Run(""), "no command");
   ExpectFailure(Run("list level"), "did you mean levels?");
+  ExpectFailure(Run("list all"),
+                "under \"all\"; the topics are functions, generators, distributions and levels\n");
+  ExpectFailure(Run("eval ln --tier"), "--tier needs a value\n");
 }
 
 TEST_F(BadInputTest, TextNamesItsLine) {
@@ -190,6 +198,8 @@ TEST_F(BadInputTest, TextNamesItsLine) {
       {"eval ln --column 0", "1,2\n", "there is no column 0; the first is 1"},
       {"eval ln --column 99999999999999999999", "1,2\n", "there is no column 99999999999999999999"},
       {"eval ln --column prize", "day,price\n1,2\n", "no column \"prize\"; did you mean price?"},
+      {"eval ln --column c", "a,b\n1,2\n", "no column \"c\"; there is \"a\" and \"b\"\n"},
+      {"eval ln --column a", "a,b,a\n1,2,3\n", "several columns are named \"a\""},
       {"eval ln --column price", "", "no header with a column \"price\""},
       {"eval ln --column 1 --delimiter ab", "1\n", "the delimiter \"ab\""},
       {"eval ln --type z", "1 2\n3\n", "line 2: \"3\" is one number, a complex one takes two"},

@@ -5,6 +5,7 @@ import doctest
 import inspect
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
 
@@ -59,6 +60,15 @@ def test_stubs_name_everything():
         arguments = stubbed[name].args
         wanted = [a.arg for a in arguments.posonlyargs + arguments.args + arguments.kwonlyargs]
         assert wanted == list(inspect.signature(method).parameters), name
+
+
+def test_stubs_are_sound(tmp_path):
+    mypy = shutil.which("mypy")
+    if mypy is None:
+        pytest.skip("mypy is missing")
+    run = subprocess.run([mypy, "--strict", f"--cache-dir={tmp_path}", str(STUB)],
+                         capture_output=True, text=True)
+    assert run.returncode == 0, run.stdout
 
 
 def test_names_are_there():
