@@ -12,7 +12,8 @@
 //   AnyOutside(d, x, y)    optional, the same for two arguments;
 //   Main(d, x...)          the result of common lanes; (d, x, r1, r2) where there are two results;
 //   or MainGroup(d, x..., r)  the same for arrays of several vectors, step by step for all of them:
-//                          long chains of dependent operations then overlap; r may be an x;
+//                          long chains of dependent operations then overlap; r may be an x. Besides
+//                          whole groups it gets one, two or three of them;
 //   or TryGroup(d, x, y, r)   the same for two arguments, with a test of its own: false, with
 //                          results of no use, when IsRare would name some lane. For kernels that
 //                          know their rare lanes by what they compute;
@@ -416,6 +417,17 @@ HWY_INLINE bool CommonVector(const C& call, size_t i, size_t count) {
   return true;
 }
 
+// The same for a whole vector whose arguments are taken already.
+template <class K, class C, class V>
+HWY_INLINE bool CommonVector(const C& call, size_t i, V x, V y) {
+  const typename K::Tag d;
+  V xs[1] = {x}, ys[1] = {y};
+  if (!TryVectors<K>(d, xs, ys)) [[unlikely]]
+    return false;
+  StoreResults<K>(d, call, i, hn::Lanes(d), xs[0], ys[0]);
+  return true;
+}
+
 // One vector of `count` elements that CommonVector has not taken.
 template <class K, class C>
 HWY_NOINLINE void UncommonVector(C call, size_t i, size_t count) {
@@ -447,22 +459,22 @@ HWY_NOINLINE void UncommonGroup(C call, size_t i) {
   }
 }
 
-// Two vectors from the element i on, the second of `count` elements: as CommonGroup.
-template <class K, class C>
-HWY_INLINE bool CommonPair(const C& call, size_t i, size_t count) {
+// As CommonGroup: whole vectors, the last one from the element `last` on.
+template <class K, size_t kVectors, class C>
+HWY_INLINE bool CommonLast(const C& call, size_t i, size_t last) {
   const typename K::Tag d;
-  using V = VecOf<typename K::Tag>;
   const size_t lanes = hn::Lanes(d);
-  V x[2] = {call.a.Load(d, i), LoadAtEnd<K>(call.a, i + lanes, count)};
-  V y[2] = {x[0], x[1]};
-  if constexpr (K::kArguments == 2) {
-    y[0] = call.b.Load(d, i);
-    y[1] = LoadAtEnd<K>(call.b, i + lanes, count);
+  VecOf<typename K::Tag> x[kVectors], y[kVectors];
+  for (size_t k = 0; k < kVectors; ++k) {
+    const size_t at = k + 1 < kVectors ? i + k * lanes : last;
+    x[k] = call.a.Load(d, at);
+    y[k] = K::kArguments == 2 ? call.b.Load(d, at) : x[k];
   }
   if (!TryVectors<K>(d, x, y)) [[unlikely]]
     return false;
-  StoreResults<K>(d, call, i, lanes, x[0], y[0]);
-  StoreResults<K>(d, call, i + lanes, count, x[1], y[1]);
+  for (size_t k = 0; k < kVectors; ++k) {
+    StoreResults<K>(d, call, k + 1 < kVectors ? i + k * lanes : last, lanes, x[k], y[k]);
+  }
   return true;
 }
 
@@ -520,26 +532,44 @@ struct Run {
     return 0;
   }
 
-  // More than a vector; in pairs where two take less together.
+  // More than a vector; in pairs, or with three at the end, where several take less together. The
+  // last vector ends where the arrays end and computes elements of the one before it once more:
+  // that takes less than masks.
   static HWY_NOINLINE int Few(size_t end, Operands... operands, size_t i, const char* name) {
     const typename K::Tag d;
     const auto call = CallOn<K>(name, operands...);
-    const size_t lanes = hn::Lanes(d);
-    if (end - i <= lanes) __builtin_unreachable();
-    if constexpr (kPairs) {
-      do {
-        if (!CommonPair<K>(call, i, HWY_MIN(lanes, end - i - lanes))) [[unlikely]]
+    const size_t lanes = hn::Lanes(d), last = end - lanes;
+    if (i >= last) __builtin_unreachable();
+    if constexpr (kTriples) {
+      for (size_t next; i < last; i = next + lanes) {
+        next = i + lanes;
+        if (next < last && last <= next + lanes) {
+          if (!CommonLast<K, 3>(call, i, last)) [[unlikely]]
+            return Uncommon(end, operands..., i, name);
+          return 0;
+        }
+        if (!CommonLast<K, 2>(call, i, HWY_MIN(next, last))) [[unlikely]]
           return Uncommon(end, operands..., i, name);
-        i += 2 * lanes;
-      } while (i + lanes < end);
+      }
     } else {
-      do {
-        if (!CommonVector<K>(call, i, lanes)) [[unlikely]]
+      // Taken before results may overwrite them.
+      auto x = call.a.Load(d, last), y = x;
+      if constexpr (K::kArguments == 2) y = call.b.Load(d, last);
+      for (; i < last; i += lanes) {
+        if constexpr (kPairs) {
+          const size_t next = i + lanes;
+          if (!CommonLast<K, 2>(call, i, HWY_MIN(next, last))) [[unlikely]]
+            return Uncommon(end, operands..., i, name);
+          if (next >= last) return 0;
+          i = next;
+        } else if (!CommonVector<K>(call, i, lanes)) [[unlikely]] {
           return Uncommon(end, operands..., i, name);
-        i += lanes;
-      } while (i + lanes <= end);
+        }
+      }
+      if (!CommonVector<K>(call, last, x, y)) [[unlikely]]
+        return Uncommon(end, operands..., i, name);
     }
-    return i < end ? One(end, operands..., i, name) : 0;
+    return 0;
   }
 
   static HWY_NOINLINE int Many(size_t end, Operands... operands, const char* name) {
@@ -562,6 +592,7 @@ struct Run {
 
  private:
   static constexpr bool kPairs = InSteps<K, typename K::Tag>;
+  static constexpr bool kTriples = HasMainGroup<K, typename K::Tag>;
   static constexpr int LeastGroup() {
     if constexpr (HasRestUnroll<K>) {
       if (!kPairs || K::kRestUnroll > 2) return K::kRestUnroll;

@@ -168,7 +168,7 @@ struct dErfFine : Kernel<double> {
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     constexpr size_t kMost = HWY_TARGET == HWY_AVX2 ? 2 : 4;
-    constexpr size_t kBlock = K < kMost ? K : kMost;
+    constexpr size_t kBlock = K < kMost ? K : K % kMost == 0 ? kMost : 1;
     static_assert(K % kBlock == 0);
     Offsets<D> at[K];
     V ax[K / kBlock][kBlock];

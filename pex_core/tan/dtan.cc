@@ -229,7 +229,7 @@ struct dTanLA {
 
   template <class D, class V, size_t K>
   static HWY_INLINE void Group(D, const V (&x)[K], V (&r)[K]) {
-    constexpr size_t kSize = HWY_TARGET == HWY_AVX2 ? HWY_MIN(K, 2) : 1;
+    constexpr size_t kSize = HWY_TARGET == HWY_AVX2 && K % 2 == 0 ? 2 : 1;
     constexpr size_t kLag = K <= 2 ? 1 : HWY_TARGET == HWY_AVX2 ? 7 : 2;
     TangentPart<D, kSize> parts[K / kSize];
     SomeInTurn<kLag>(parts, x, r);

@@ -31,19 +31,19 @@ using RareUnlessNormal =
 inline constexpr int kRootUnroll = 8;
 
 // f of a group's vectors, G together: their chains of dependent operations overlap, and the
-// registers hold them.
+// registers hold them. One by one where G together would leave some.
 template <size_t G, class V, size_t K, class F>
 HWY_INLINE void Together(const V (&x)[K], V (&r)[K], const F& f) {
   if constexpr (K <= G) {
     f(x, r);
   } else {
-    static_assert(K % G == 0);
+    constexpr size_t kEach = K % G == 0 ? G : 1;
 #pragma GCC unroll 8
-    for (size_t j = 0; j < K; j += G) {
-      V in[G], out[G];
-      for (size_t k = 0; k < G; ++k) in[k] = x[j + k];
+    for (size_t j = 0; j < K; j += kEach) {
+      V in[kEach], out[kEach];
+      for (size_t k = 0; k < kEach; ++k) in[k] = x[j + k];
       f(in, out);
-      for (size_t k = 0; k < G; ++k) r[j + k] = out[k];
+      for (size_t k = 0; k < kEach; ++k) r[j + k] = out[k];
     }
   }
 }

@@ -125,9 +125,13 @@ struct FineShort : Kernel<double> {
   static HWY_INLINE int Rare(double x, double* r) { return kRare(x, r); }
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
-    V inner[K];
-    for (size_t k = 0; k < K; ++k) inner[k] = kBeyond ? Function::Clamped(d, x[k]) : x[k];
-    FromFineRows<Function, kTier>(d, inner, out);
+    if constexpr (kBeyond) {
+      V inner[K];
+      for (size_t k = 0; k < K; ++k) inner[k] = Function::Clamped(d, x[k]);
+      FromFineRows<Function, kTier>(d, inner, out);
+    } else {
+      FromFineRows<Function, kTier>(d, x, out);
+    }
   }
 };
 

@@ -148,7 +148,7 @@ HWY_INLINE void CurveFromRows(D d, const V (&x)[K], const Offsets* at, V* y) {
 template <class Curve, bool kWide, class D, class V, size_t K>
 HWY_INLINE void FromCurve(D d, const V (&x)[K], V (&y)[K]) {
   constexpr size_t kMost = HWY_TARGET == HWY_AVX2 ? 2 : 4;
-  constexpr size_t kBlock = K < kMost ? K : kMost;
+  constexpr size_t kBlock = K < kMost ? K : K % kMost == 0 ? kMost : 1;
   static_assert(K % kBlock == 0);
   V inner[K / kBlock][kBlock];
   RowOffsets<sizeof(CurvePoint), D> at[K];

@@ -117,16 +117,17 @@ HWY_NOINLINE void RunWide(C call, size_t i, size_t end) {
   }
 }
 
-// kVectors vectors from the element i on, the last of `count` elements; false, with nothing done,
-// when they are not all usual.
+// kVectors vectors from the element i on, the last of `count` elements and, so that it ends with
+// the arrays, so many `back`; false, with nothing done, when they are not all usual.
 template <class F, size_t kVectors, class C>
-HWY_INLINE bool UsualVectors(const C& call, size_t i, size_t count) {
+HWY_INLINE bool UsualVectors(const C& call, size_t i, size_t count, size_t back = 0) {
   using K = dTrigWide<F>;
   const typename K::Tag d;
   const size_t lanes = hn::Lanes(d);
   VecOf<typename K::Tag> x[kVectors], y[kVectors];
+  const auto at = [=](size_t k) HWY_ATTR { return i + k * lanes - (k + 1 < kVectors ? 0 : back); };
   for (size_t k = 0; k < kVectors; ++k) {
-    x[k] = LoadAtEnd<K>(call.a, i + k * lanes, k + 1 < kVectors ? lanes : count);
+    x[k] = LoadAtEnd<K>(call.a, at(k), k + 1 < kVectors ? lanes : count);
   }
   if (!F::Usual::All(d, x)) [[unlikely]]
     return false;
@@ -144,7 +145,7 @@ HWY_INLINE bool UsualVectors(const C& call, size_t i, size_t count) {
       return false;
   }
   for (size_t k = 0; k < kVectors; ++k) {
-    StoreResults<K>(d, call, i + k * lanes, k + 1 < kVectors ? lanes : count, x[k],
+    StoreResults<K>(d, call, at(k), k + 1 < kVectors ? lanes : count, x[k],
                     F::kResults == 2 ? y[k] : x[k]);
   }
   return true;
@@ -180,17 +181,25 @@ struct TrigRun {
     return 0;
   }
 
-  // More than a vector.
+  // More than a vector, in pairs and three at the end: whole ones, the last of which ends where the
+  // arrays end and computes elements of the one before it once more.
   static HWY_NOINLINE int Few(size_t end, const double* a, double* r1, double* r2, size_t i,
                               const char* name) {
-    const size_t lanes = Lanes();
+    const auto call = CallOn<K>(name, a, r1, r2);
+    const size_t lanes = Lanes(), last = end - lanes;
+    if (i >= last) __builtin_unreachable();
     do {
-      const size_t count = HWY_MIN(lanes, end - i - lanes);
-      if (!UsualVectors<F, 2>(CallOn<K>(name, a, r1, r2), i, count)) [[unlikely]]
+      const size_t next = i + lanes;
+      if (next < last && last <= next + lanes) {
+        if (!UsualVectors<F, 3>(call, i, lanes, next + lanes - last)) [[unlikely]]
+          return Unusual(end, a, r1, r2, i, name);
+        return 0;
+      }
+      if (!UsualVectors<F, 2>(call, i, lanes, next - HWY_MIN(next, last))) [[unlikely]]
         return Unusual(end, a, r1, r2, i, name);
-      i += 2 * lanes;
-    } while (i + lanes < end);
-    return i < end ? One(end, a, r1, r2, i, name) : 0;
+      i = next + lanes;
+    } while (i < last);
+    return 0;
   }
 
   static HWY_NOINLINE int Many(size_t end, const double* a, double* r1, double* r2,

@@ -239,9 +239,14 @@ HWY_INLINE void FineWave(D d, const FineAngles<D, K>& u, const V (&y2)[K], V (&s
 // Usual arguments' reduction, and y^2. False for groups with a lane near a zero, or a large one.
 template <class U, class D, class V, size_t K>
 HWY_INLINE bool ReduceFine(D d, const V (&x)[K], U& u, V (&y2)[K]) {
-  V steps[K], n[K];
+  V n[K];
+#if HWY_TARGET == HWY_AVX3
+  V steps[K];
   FineSteps(d, x, steps);
   for (size_t k = 0; k < K; ++k) n[k] = steps[k];
+#else
+  FineSteps(d, x, n);
+#endif
   NearestFine(d, u, n);
   SubtractFine(d, x, n, u);
   for (size_t k = 0; k < K; ++k) y2[k] = SilentMul(u.y[k], u.y[k]);

@@ -35,11 +35,14 @@ HWY_INLINE V LessShifterAndHalf(D d, V n) {
 template <Wave kWave, class D, class V, size_t K>
 HWY_INLINE void NearestHalfTurn(D d, const V (&x)[K], BitsOf<D> (&sign)[K], V (&n)[K]) {
   const V shifter = hn::Set(d, kShifter);
-  for (size_t k = 0; k < K; ++k) {
-    n[k] = kWave == Wave::kSine ? x[k] : hn::Add(x[k], hn::Set(d, kPiOver2));
+  const V turns = hn::Set(d, 0x1.45f306dc9c883p-2);
+  if constexpr (kWave == Wave::kSine) {
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(x[k], turns);
+  } else {
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Add(x[k], hn::Set(d, kPiOver2));
+    EndStep(n);
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], turns);
   }
-  EndStep(n);
-  for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], hn::Set(d, 0x1.45f306dc9c883p-2));
   EndStep(n);
   for (size_t k = 0; k < K; ++k) n[k] = hn::Add(n[k], shifter);
   EndStep(n);
