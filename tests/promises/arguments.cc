@@ -148,7 +148,8 @@ void Shuffle(Random& random, std::vector<uint64_t>& list) {
 constexpr double kScalars[] = {0,  -0.0, 1,  -1,      0.5,      -0.5,    1.5,   2,     3,   4,
                                -2, -3,   -4, 1.0 / 3, -1.0 / 3, 2.0 / 3, 17.25, -1e-5, 1e30};
 
-// Of a function with one second argument for all, how many first arguments each of these gets.
+// Of a function with one second argument for all, how many first arguments each of these gets, if
+// not more.
 constexpr size_t kPerScalar = 700;
 
 // The long run gives it all of them.
@@ -205,7 +206,7 @@ std::vector<Arguments> ComplexSets(const pex::Entry& entry, Random& random, size
       std::vector<Arguments> sets;
       const Numbers a = numbers(), b = numbers();
       const size_t all = a.size() / 2;
-      const size_t some = EveryWithEach() ? all : std::min(all, kPerScalar);
+      const size_t some = EveryWithEach() ? all : std::min(all, std::max(kPerScalar, count));
       // One after the other, so that each is in some of the sets.
       for (size_t i = 0, from = 0; i < 60; ++i, from = (from + some) % all) {
         sets.push_back({Cyclic(a, 2 * from, 2 * some), b.part(2 * i, 2), 2});

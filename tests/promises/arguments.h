@@ -47,8 +47,8 @@ struct Arguments {
 
 // Special values and pairs of them, the neighbourhoods of the catalogue's marks, the typical range,
 // all magnitudes, and `random` random bit patterns. Where one second argument serves a whole set,
-// there are many sets, each with some hundreds of the first arguments; with all of them where the
-// environment has PEXQUO_EVERY_WITH_EACH, which takes minutes.
+// there are many sets: each has 700 of the first arguments, or of complex ones `random` if that is
+// more; all of them where the environment has PEXQUO_EVERY_WITH_EACH, which takes minutes.
 std::vector<Arguments> EveryKind(const pex::Entry& entry, uint64_t seed, size_t random);
 
 // The set behind the digests. It depends on nothing but the entry's shape and type, for ever.
