@@ -239,7 +239,7 @@ struct unary_function {
   requires detail::UnaryOf<Calls, A, R>
   [[nodiscard]] R operator()(A x, tier accuracy = tier::current,
                              std::source_location where = std::source_location::current()) const {
-    R r;
+    R r{};
     job(std::span<const A, 1>(&x, 1), std::span<R, 1>(&r, 1), where).Run(accuracy, where);
     return r;
   }
