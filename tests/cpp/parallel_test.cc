@@ -476,7 +476,7 @@ TEST(ParallelForEach, FlagsOfTheHelpersAreTheCallers) {
   std::atomic<bool> helped{false};
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
   parallel(2).for_each(2, [&](std::size_t) {
-    if (std::this_thread::get_id() != caller) {
+    if (std::this_thread::get_id() != caller && !helped) {  // it may get both
       EXPECT_EQ(std::fetestexcept(FE_ALL_EXCEPT), 0);
       std::feraiseexcept(FE_OVERFLOW);
       helped = true;
