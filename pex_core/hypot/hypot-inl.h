@@ -137,7 +137,7 @@ struct HypotKernel : PlainKernel<Element, 2> {
 
   // Whether all of these, sums of squares, have one of the 2^kBits exponents in the middle.
   template <int kBits, class D, class V, size_t K>
-  static HWY_INLINE bool AllModerateSums(D d, const V (&t)[K]) {
+  static HWY_INLINE bool AllModerateSums(D, const V (&t)[K]) {
     constexpr auto kSign = typename C::Word{1} << (C::kFraction + C::kExponentBits);
     const hn::RebindToUnsigned<D> du;
     const auto shift = hn::Set(du, C::Shift(kBits) + kSign);
