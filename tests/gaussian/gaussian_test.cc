@@ -98,6 +98,22 @@ TYPED_TEST(GaussianOf, ItsSequenceHasNoSplits) {
   }
 }
 
+// n numbers of the scripted uniforms are the definition's on every level.
+template <class P>
+void ExpectDefinition(const scripted::Script& script, uint32_t method, int32_t n,
+                      typename P::T mean, typename P::T sigma) {
+  StreamState* stream = scripted::Start(script);
+  const auto want = Values<P>(method, stream, n, mean, sigma);
+  __quoDeleteStream(&stream);
+  levels::ForEach([&] {
+    stream = scripted::Start(script);
+    std::vector<typename P::T> got(want.size());
+    EXPECT_EQ(Gaussian(method, stream, n, got.data(), mean, sigma), 0);
+    EXPECT_EQ(FirstDifference(got.data(), want), -1) << "method " << method;
+    __quoDeleteStream(&stream);
+  });
+}
+
 // Exact zeros and ends of the interval, and what only a user's generator gives.
 TYPED_TEST(GaussianOf, ReplacesSpecialElements) {
   using T = typename TypeParam::T;
@@ -111,16 +127,8 @@ TYPED_TEST(GaussianOf, ReplacesSpecialElements) {
       script.values.assign(2 * plain, 0.625);
       for (const double u : special) script.values.push_back(u);
       const auto n = static_cast<int32_t>(2 * (plain + special.size()));
-      StreamState* stream = scripted::Start(script);
-      const auto want = Values<TypeParam>(method, stream, n, T(1), T(3));
-      __quoDeleteStream(&stream);
-      levels::ForEach([&] {
-        stream = scripted::Start(script);
-        std::vector<T> got(want.size());
-        EXPECT_EQ(Gaussian(method, stream, n, got.data(), T(1), T(3)), 0);
-        EXPECT_EQ(FirstDifference(got.data(), want), -1) << "method " << method << ' ' << plain;
-        __quoDeleteStream(&stream);
-      });
+      SCOPED_TRACE(testing::Message() << "ordinary ones before " << plain);
+      ExpectDefinition<TypeParam>(script, method, n, T(1), T(3));
     }
   }
 }
@@ -142,16 +150,8 @@ TYPED_TEST(GaussianOf, TakesUniformsOfEveryMagnitude) {
   }
   for (uint32_t method = 0; method < 3; ++method) {
     const auto n = static_cast<int32_t>(2 * script.values.size());
-    StreamState* stream = scripted::Start(script);
-    const auto want = Values<TypeParam>(method, stream, n, T(0), T(1));
-    __quoDeleteStream(&stream);
-    levels::ForEach([&] {
-      stream = scripted::Start(script);
-      std::vector<T> got(want.size());
-      EXPECT_EQ(Gaussian(method, stream, n, got.data(), T(0), T(1)), 0);
-      EXPECT_EQ(FirstDifference(got.data(), want), -1) << "method " << method << ", seed " << kSeed;
-      __quoDeleteStream(&stream);
-    });
+    SCOPED_TRACE(testing::Message() << "seed " << kSeed);
+    ExpectDefinition<TypeParam>(script, method, n, T(0), T(1));
   }
 }
 
