@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "accuracy/ulp.h"
 #include "pex_core/_heap/real/atan_scalar.h"
 #include "pex_core/_heap/real/erfinv_tail.h"
 #include "pex_core/_heap/real/hyperbolic_scalar.h"
@@ -20,36 +21,23 @@ namespace {
 
 constexpr uint64_t kSeed = 61;
 
-class Real {
- public:
-  Real() { mpfr_init2(x_, 200); }
-  explicit Real(double x) : Real() { mpfr_set_d(x_, x, MPFR_RNDN); }
-  Real(const Real&) = delete;
-  Real& operator=(const Real&) = delete;
-  ~Real() { mpfr_clear(x_); }
-  operator mpfr_ptr() { return x_; }
+using pex::accuracy::ErrorOf;
+using pex::accuracy::kDouble;
+using pex::accuracy::kSingle;
+using pex::accuracy::Real;
 
- private:
-  mpfr_t x_;
-};
-
-// |got - exact| in units of the last place, of subnormal numbers in theirs.
-double Off(mpfr_ptr exact, double got, int precision = 53, int lowest = -1074) {
-  const auto place = std::max<long>(mpfr_get_exp(exact) - precision, lowest);
-  mpfr_sub_d(exact, exact, got, MPFR_RNDN);
-  mpfr_mul_2si(exact, exact, -place, MPFR_RNDN);
-  return std::fabs(mpfr_get_d(exact, MPFR_RNDN));
-}
+constexpr long kBits = 200;
 
 using Exact = int (*)(mpfr_ptr, mpfr_srcptr, mpfr_rnd_t);
 
 int ThreeHalves(mpfr_ptr r, mpfr_srcptr x, mpfr_rnd_t) {
-  Real root;
+  Real root(kBits);
   mpfr_sqrt(root, x, MPFR_RNDN);
   return mpfr_mul(r, root, x, MPFR_RNDN);
 }
 int NormalTail(mpfr_ptr r, mpfr_srcptr x, mpfr_rnd_t) {
-  Real half(0.5);
+  Real half(kBits);
+  mpfr_set_d(half, 0.5, MPFR_RNDN);
   mpfr_sqrt(half, half, MPFR_RNDN);
   mpfr_mul(half, half, x, MPFR_RNDN);
   mpfr_neg(half, half, MPFR_RNDN);
@@ -129,9 +117,10 @@ TEST(ScalarRoutines, KeepTheirBoundsInDoublePrecision) {
       const double x = Between(c.low, c.high, random.Unit());
       double got = 0;
       EXPECT_EQ(c.routine(x, &got), 0) << c.name << std::hexfloat << " " << x;
-      Real exact(x);
-      c.exact(exact, exact, MPFR_RNDN);
-      ASSERT_LE(Off(exact, got), c.bound)
+      Real exact(kBits);
+      mpfr_set_d(exact, x, MPFR_RNDN);
+      const int inexact = c.exact(exact, exact, MPFR_RNDN);
+      ASSERT_LE(ErrorOf(exact, inexact, got, kDouble).ulp, c.bound)
           << c.name << std::hexfloat << " " << x << ": " << got << ", seed " << kSeed;
     }
   }
@@ -144,9 +133,10 @@ TEST(ScalarRoutines, RoundRightInSinglePrecision) {
       const auto x = static_cast<float>(Between(c.low, c.high, random.Unit()));
       float got = 0;
       EXPECT_EQ(c.routine(x, &got), 0) << c.name << std::hexfloat << " " << x;
-      Real exact(x);
-      c.exact(exact, exact, MPFR_RNDN);
-      ASSERT_LE(Off(exact, got, 24, -149), 0.5 + 1e-6)
+      Real exact(kBits);
+      mpfr_set_flt(exact, x, MPFR_RNDN);
+      const int inexact = c.exact(exact, exact, MPFR_RNDN);
+      ASSERT_LE(ErrorOf(exact, inexact, got, kSingle).ulp, 0.5 + 1e-6)
           << c.name << std::hexfloat << " " << x << ": " << got << ", seed " << kSeed + 1;
     }
   }
@@ -165,8 +155,8 @@ TEST(ScalarRoutines, AnglesKeepTheirBounds) {
     const int most = is_float ? 126 : 1022;
     const int at = static_cast<int>(random.Below(static_cast<uint32_t>(2 * most))) - most;
     double y = number(std::clamp(at + apart, -most, most)), x = number(at);
-    Real exact, exact_x;
-    double off = 0, got = 0;
+    Real exact(kBits), exact_x(kBits);
+    double got = 0;
     if (is_float) {
       y = static_cast<float>(y), x = static_cast<float>(x);
       got = _pexsatan2_scalar(static_cast<float>(y), static_cast<float>(x));
@@ -175,9 +165,9 @@ TEST(ScalarRoutines, AnglesKeepTheirBounds) {
     }
     mpfr_set_d(exact, y, MPFR_RNDN);
     mpfr_set_d(exact_x, x, MPFR_RNDN);
-    mpfr_atan2(exact, exact, exact_x, MPFR_RNDN);
-    off = is_float ? Off(exact, got, 24, -149) : Off(exact, got);
-    ASSERT_LE(off, is_float ? 0.50001 : 0.52)
+    const int inexact = mpfr_atan2(exact, exact, exact_x, MPFR_RNDN);
+    ASSERT_LE(ErrorOf(exact, inexact, got, is_float ? kSingle : kDouble).ulp,
+              is_float ? 0.50001 : 0.52)
         << std::hexfloat << y << ", " << x << ": " << got << ", seed " << kSeed + 2;
   }
 }
@@ -189,10 +179,12 @@ TEST(ScalarRoutines, InversesOfTheTailsKeepTheirBound) {
     const double q = Between(0x1p-1074, 0x1p-20, random.Unit());
     for (const bool normal : {false, true}) {
       const pex::Two v = normal ? pex::NormInvTail(q) : pex::ErfcInvTail(q);
-      Real z(v.hi), off, slope;
+      Real z(kBits), off(kBits), slope(kBits);
+      mpfr_set_d(z, v.hi, MPFR_RNDN);
       mpfr_add_d(z, z, v.lo, MPFR_RNDN);
       if (normal) {
-        Real half(0.5);
+        Real half(kBits);
+        mpfr_set_d(half, 0.5, MPFR_RNDN);
         mpfr_sqrt(half, half, MPFR_RNDN);
         mpfr_mul(z, z, half, MPFR_RNDN);
       }
