@@ -4,6 +4,8 @@
 
 #include <mpfr.h>
 
+#include "accuracy/real.h"
+
 namespace pex::accuracy {
 
 // A binary format: `precision` significant bits, multiples of 2^lowest, magnitudes below 2^highest.
@@ -12,20 +14,6 @@ struct Format {
 };
 inline constexpr Format kDouble{53, -1074, 1024};
 inline constexpr Format kSingle{24, -149, 128};
-
-// An MPFR number that frees itself.
-class Real {
- public:
-  explicit Real(long bits) { mpfr_init2(x_, bits); }
-  ~Real() { mpfr_clear(x_); }
-  Real(const Real&) = delete;
-  Real& operator=(const Real&) = delete;
-  operator mpfr_ptr() { return x_; }
-  operator mpfr_srcptr() const { return x_; }
-
- private:
-  mpfr_t x_;
-};
 
 struct Error {
   double ulp = 0;        // in units of the last place of the exact value

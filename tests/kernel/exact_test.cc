@@ -8,29 +8,22 @@
 #include <limits>
 #include <vector>
 
+#include "accuracy/real.h"
 #include "tests/kernel/exact_kernels.h"
 #include "tests/support/levels.h"
 #include "tests/support/random.h"
 
 namespace {
 
-constexpr mpfr_prec_t kExact = 4300;  // holds any sum or product of pairs of doubles
+using pex::accuracy::Real;
 
-class Real {
- public:
-  Real() { mpfr_init2(x_, kExact); }
-  ~Real() { mpfr_clear(x_); }
-  Real(const Real&) = delete;
-  Real& operator=(const Real&) = delete;
-  void Set(double hi, double lo) {
-    mpfr_set_d(x_, hi, MPFR_RNDN);
-    mpfr_add_d(x_, x_, lo, MPFR_RNDN);
-  }
-  mpfr_ptr get() { return x_; }
+constexpr long kExact = 4300;  // holds any sum or product of pairs of doubles
 
- private:
-  mpfr_t x_;
-};
+// hi + lo, exactly.
+void Set(mpfr_ptr to, double hi, double lo) {
+  mpfr_set_d(to, hi, MPFR_RNDN);
+  mpfr_add_d(to, to, lo, MPFR_RNDN);
+}
 
 template <typename T>
 struct Pairs {
@@ -106,7 +99,7 @@ TYPED_TEST(Exact, ErrorsAreAsStatedAndBitsTheSameOnEveryLevel) {
   using T = TypeParam;
   constexpr size_t kCount = 4096;
   const double u = std::ldexp(1.0, -std::numeric_limits<T>::digits);
-  Real x, y, z, scale, error;
+  Real x(kExact), y(kExact), z(kExact), scale(kExact), error(kExact);
   for (const Operation& o : kOperations) {
     SCOPED_TRACE(o.name);
     Random random(7);
@@ -117,22 +110,22 @@ TYPED_TEST(Exact, ErrorsAreAsStatedAndBitsTheSameOnEveryLevel) {
       RunExact<T>(o.op, kCount, a.in(), b.in(), first.out());
     }
     for (size_t i = 0; i < kCount; ++i) {
-      x.Set(a.hi[i], a.lo[i]);
-      y.Set(b.hi[i], b.lo[i]);
+      Set(x, a.hi[i], a.lo[i]);
+      Set(y, b.hi[i], b.lo[i]);
       if (o.product) {
-        mpfr_mul(z.get(), x.get(), y.get(), MPFR_RNDN);
-        mpfr_abs(scale.get(), z.get(), MPFR_RNDN);
+        mpfr_mul(z, x, y, MPFR_RNDN);
+        mpfr_abs(scale, z, MPFR_RNDN);
       } else {
-        mpfr_add(z.get(), x.get(), y.get(), MPFR_RNDN);
-        mpfr_abs(scale.get(), x.get(), MPFR_RNDN);
-        mpfr_abs(y.get(), y.get(), MPFR_RNDN);
-        mpfr_add(scale.get(), scale.get(), y.get(), MPFR_RNDN);
+        mpfr_add(z, x, y, MPFR_RNDN);
+        mpfr_abs(scale, x, MPFR_RNDN);
+        mpfr_abs(y, y, MPFR_RNDN);
+        mpfr_add(scale, scale, y, MPFR_RNDN);
       }
-      error.Set(first.hi[i], first.lo[i]);
-      mpfr_sub(error.get(), error.get(), z.get(), MPFR_RNDN);
-      mpfr_abs(error.get(), error.get(), MPFR_RNDN);
-      mpfr_mul_d(scale.get(), scale.get(), o.bound * u * u, MPFR_RNDN);
-      ASSERT_LE(mpfr_cmp(error.get(), scale.get()), 0)
+      Set(error, first.hi[i], first.lo[i]);
+      mpfr_sub(error, error, z, MPFR_RNDN);
+      mpfr_abs(error, error, MPFR_RNDN);
+      mpfr_mul_d(scale, scale, o.bound * u * u, MPFR_RNDN);
+      ASSERT_LE(mpfr_cmp(error, scale), 0)
           << "a " << a.hi[i] << " + " << a.lo[i] << ", b " << b.hi[i] << " + " << b.lo[i];
       // A pair: the high part is the pair rounded.
       ASSERT_EQ(first.hi[i], static_cast<T>(first.hi[i] + first.lo[i]));

@@ -10,10 +10,12 @@
 #include <cstdlib>
 #include <random>
 
+#include "accuracy/real.h"
 #include "pex_core/_heap/real/long_double.h"
 
 namespace long_double_test {
 
+using pex::accuracy::Real;
 using Function = long double (*)(long double);
 
 constexpr long double kInf = __builtin_infl();
@@ -31,18 +33,6 @@ inline uint64_t Seed() {
   }();
   return seed;
 }
-
-class Real {
- public:
-  explicit Real(int bits = 128) { mpfr_init2(x_, bits); }
-  Real(const Real& other) = delete;
-  Real& operator=(const Real& other) = delete;
-  ~Real() { mpfr_clear(x_); }
-  mpfr_ptr get() { return x_; }
-
- private:
-  mpfr_t x_;
-};
 
 // |got - want| in ulps of the 80-bit format at `want`; ulps below the normal numbers are 2^-16445.
 // Beyond the largest number the format is continued for one binade, and infinity stands at its

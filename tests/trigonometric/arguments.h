@@ -8,26 +8,18 @@
 #include <cstdint>
 #include <vector>
 
+#include "accuracy/real.h"
 #include "tests/support/random.h"
 
 namespace trigonometric_test {
 
-class Real {
- public:
-  explicit Real(int bits = 2400) { mpfr_init2(x_, bits); }
-  Real(const Real&) = delete;
-  Real& operator=(const Real&) = delete;
-  ~Real() { mpfr_clear(x_); }
-  mpfr_ptr get() { return x_; }
-
- private:
-  mpfr_t x_;
-};
+using pex::accuracy::Real;
+constexpr long kExactAngle = 2400;  // bits that hold any double reduced by pi/2 and then some
 
 // Doubles of every size, ordinary angles, and the doubles next to multiples of pi/2 and pi/64.
 inline std::vector<double> Arguments(int count, uint64_t seed) {
   Random random(seed);
-  Real angle;
+  Real angle(kExactAngle);
   const auto multiple = [&](double n, int parts) {
     mpfr_const_pi(angle.get(), MPFR_RNDN);
     mpfr_mul_d(angle.get(), angle.get(), n, MPFR_RNDN);

@@ -69,7 +69,7 @@ Results Call(const Entry& entry, double x) {
 }
 
 double UlpError(double got, mpfr_t exact) {
-  Real difference;
+  Real difference(kExactAngle);
   mpfr_sub_d(difference.get(), exact, got, MPFR_RNDN);
   const mpfr_exp_t ulp = mpfr_get_exp(exact) - 53;
   return std::fabs(std::ldexp(mpfr_get_d(difference.get(), MPFR_RNDN), -static_cast<int>(ulp)));

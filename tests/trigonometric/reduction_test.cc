@@ -12,7 +12,7 @@ namespace {
 TEST(ReduceByPiOver2, LeavesTheRestOfTheNearestMultiple) {
   constexpr uint64_t kSeed = 30;
   std::printf("seed %d\n", static_cast<int>(kSeed));
-  Real half_pi, quotient, rest;
+  Real half_pi(kExactAngle), quotient(kExactAngle), rest(kExactAngle);
   mpfr_const_pi(half_pi.get(), MPFR_RNDN);
   mpfr_div_ui(half_pi.get(), half_pi.get(), 2, MPFR_RNDN);
   for (const double x : Arguments(20000, kSeed)) {
