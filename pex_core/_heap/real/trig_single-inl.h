@@ -255,11 +255,15 @@ struct Reduction {
     if constexpr (kCare == Care::kFull) return NearInFull(d, x, u);
     if constexpr (kCare == Care::kRough && kTurn != Turn::kCosine) return NearRoughly(d, x, u);
     V n[K], y[K], sum[K];
-    for (size_t k = 0; k < K; ++k) {
-      n[k] = kTurn == Turn::kCosine ? hn::Add(x[k], hn::Set(d, 0x1.921fb6p+0f)) : x[k];
+    const V inverse = ConstantOf<K>(hn::Set(d, kInverse));
+    if constexpr (kTurn == Turn::kCosine) {
+      const V quarter_turn = ConstantOf<K>(hn::Set(d, 0x1.921fb6p+0f));
+      for (size_t k = 0; k < K; ++k) n[k] = hn::Add(x[k], quarter_turn);
+      EndStep(n);
+      for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], inverse);
+    } else {
+      for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(x[k], inverse);
     }
-    EndStep(n);
-    for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], hn::Set(d, kInverse));
     EndStep(n);
     for (size_t k = 0; k < K; ++k) n[k] = hn::Add(n[k], hn::Set(d, kShifter));
     EndStep(n);
