@@ -58,6 +58,16 @@ HWY_INLINE void EndStep(V (&v)[K]) {
   if constexpr (K > 1) EndPart(v);
 }
 
+// A constant for a step of many vectors, read once: GCC would read some from memory for each of
+// them.
+template <size_t K, class V>
+HWY_INLINE V ConstantOf(V v) {
+#if HWY_TARGET != HWY_SSE4
+  if constexpr (K > 3) asm volatile("" : "+v"(v.raw));
+#endif
+  return v;
+}
+
 // Horner's scheme in steps.
 template <class D, class V, size_t K, size_t N>
 HWY_INLINE void HornerInSteps(D d, const V (&x)[K], const hn::TFromD<D> (&c)[N], V (&p)[K]) {

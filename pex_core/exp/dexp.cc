@@ -138,10 +138,22 @@ struct dExpFewLA : Kernel<double> {
   };
   template <class D, class V>
   static HWY_INLINE Factors<V> FactorsOf(D d, V x) {
+#if HWY_TARGET == HWY_AVX2
+    // The unit keeps the product with a tiny x from underflow. What is added to r instead of x goes
+    // with k L2, which it changes for k = 0 alone: no other k L2 is half way between two numbers,
+    // as L2's last bit is set and 3 L2 has two bits too many.
+    constexpr double kUnit = 0x1p60;
+    const auto u = ExpReduce(d, x, 0x1.71547652b82fep+10, kUnit);
+    const V upper = SubExactProduct(u.n, hn::Set(d, kL1 / (1024 * kUnit)), x);
+    const V lower = HiddenMulSub(u.n, hn::Set(d, kL2 / (1024 * kUnit)), hn::Set(d, 0x1p-300));
+    const V r = hn::Sub(upper, lower);
+#else
     x = AboveUnderflow(d, x);
     const auto u = ExpReduce(d, x, 0x1.71547652b82fep+10, 0x1p-10);
+    const V r = ExpLARemainder(d, x, u);
+#endif
     const V row = LoadEach<true>(d, kExpLATable.row, hn::And(u.k, SetBits(d, 1023)));
-    return {FromBits(d, hn::Add(Bits(d, row), hn::ShiftLeft<42>(u.k))), ExpLARemainder(d, x, u)};
+    return {FromBits(d, hn::Add(Bits(d, row), hn::ShiftLeft<42>(u.k))), r};
   }
 
   // The high words of |x|, or of |r| and the power, of one vector or two.
@@ -210,7 +222,7 @@ struct dExpFewLA : Kernel<double> {
 };
 
 struct dExpLA : dExpFewLA {
-  static constexpr int kUnroll = 8, kRestUnroll = 4;
+  static constexpr int kUnroll = HWY_TARGET == HWY_AVX2 ? 4 : 8, kRestUnroll = 4;
   using Wide = dExpFewLA;  // of groups with a rare argument
 };
 #endif

@@ -28,7 +28,7 @@ struct sSinCosNarrow {
 };
 
 struct sSinCosEP {
-  static constexpr int kUnroll = 8;
+  static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 4 : 8;
   static constexpr Care kCare = Care::kRough;
   static constexpr auto& kSine = sQuarterSinEPPolynomial;
   static constexpr auto& kCosine = sQuarterCosEPPolynomial;

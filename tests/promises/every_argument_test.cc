@@ -39,6 +39,8 @@ constexpr Kernel kKernels[] = {
     {"sLog10_21", _pexsLog10_21, 0, kLargest},
     {"sLog10_HA", _pexsLog10_HA, 0, kLargest},
     {"sLog1p_HA", _pexsLog1p_HA, -1, kLargest},
+    {"sSin_11", _pexsSin_11, -kLargest, kLargest},
+    {"sTan_11", _pexsTan_11, -kLargest, kLargest},
     {"sTan_21", _pexsTan_21, -kLargest, kLargest},
     {"sTanh_11", _pexsTanh_11, -kLargest, kLargest},
     {"sTanh_21", _pexsTanh_21, -kLargest, kLargest},

@@ -35,11 +35,12 @@ HWY_INLINE V LessShifterAndHalf(D d, V n) {
 template <Wave kWave, class D, class V, size_t K>
 HWY_INLINE void NearestHalfTurn(D d, const V (&x)[K], BitsOf<D> (&sign)[K], V (&n)[K]) {
   const V shifter = hn::Set(d, kShifter);
-  const V turns = hn::Set(d, 0x1.45f306dc9c883p-2);
+  const V turns = ConstantOf<K>(hn::Set(d, 0x1.45f306dc9c883p-2));
   if constexpr (kWave == Wave::kSine) {
     for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(x[k], turns);
   } else {
-    for (size_t k = 0; k < K; ++k) n[k] = hn::Add(x[k], hn::Set(d, kPiOver2));
+    const V quarter_turn = ConstantOf<K>(hn::Set(d, kPiOver2));
+    for (size_t k = 0; k < K; ++k) n[k] = hn::Add(x[k], quarter_turn);
     EndStep(n);
     for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], turns);
   }
@@ -54,11 +55,11 @@ HWY_INLINE void NearestHalfTurn(D d, const V (&x)[K], BitsOf<D> (&sign)[K], V (&
 }
 
 // Kernels of one odd polynomial in |y| <= pi/2. Formula has kLimitExponent (arguments
-// below 2^kLimitExponent are its own), kBrief, kUnroll, Reduce and Polynomial.
+// below 2^kLimitExponent are its own), kBrief, kUnroll, kRestUnroll, Reduce and Polynomial.
 template <Wave kWave, class Formula>
 struct HalfTurnWave {
   static constexpr int kResults = 1;
-  static constexpr size_t kUnroll = Formula::kUnroll;
+  static constexpr size_t kUnroll = Formula::kUnroll, kRestUnroll = Formula::kRestUnroll;
   static constexpr double kTiny = 0x1p-27;  // sin x = x and cos x = 1 below
   using Usual = UsualExponents<Formula::kLimitExponent - 32, 5>;
 
@@ -100,7 +101,8 @@ struct HalfTurnWave {
 struct SineLA {
   static constexpr int kLimitExponent = 23;
   static constexpr bool kBrief = false;
-  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : HWY_TARGET == HWY_AVX2 ? 5 : 6;
+  static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 12 : HWY_TARGET == HWY_AVX2 ? 5 : 6;
+  static constexpr size_t kRestUnroll = HWY_MIN(kUnroll, 8);
   static constexpr double kCoefficients[] = {-0.16666666666666186,    0.008333333333285542,
                                              -0.00019841269825056256, 2.7557316600552628e-06,
                                              -2.505188027386288e-08,  1.6048095404959637e-10,
@@ -144,6 +146,7 @@ struct SineEP {
   static constexpr int kLimitExponent = 12;
   static constexpr bool kBrief = true;
   static constexpr size_t kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : HWY_TARGET == HWY_AVX2 ? 4 : 6;
+  static constexpr size_t kRestUnroll = kUnroll;
 
   template <Wave kWave, class D, class V, size_t K>
   static HWY_INLINE void Reduce(D d, const V (&x)[K], BitsOf<D> (&sign)[K], V (&y)[K]) {

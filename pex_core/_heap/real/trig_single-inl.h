@@ -210,17 +210,60 @@ struct Reduction {
     for (size_t k = 0; k < K; ++k) u[k].y = HiddenNegMulAdd(n[k], least, sum[k]);
   }
 
+  // Roughly: x less n times u's high part and the rest of it, the former difference a number, as no
+  // n but 0 goes with small x. In double precision the same turn comes out, and both differences
+  // are exact.
+  template <class D, class V, size_t K>
+  static HWY_INLINE void NearRoughly([[maybe_unused]] D d, const V (&x)[K], Reduced<D> (&u)[K]) {
+    static_assert(kTurn != Turn::kCosine);
+#if HWY_TARGET == HWY_SSE4
+    const hn::Repartition<double, D> wide;
+    using W = VecOf<decltype(wide)>;
+    const auto reduce = [wide](W part, W& turn) HWY_ATTR {
+      const W shifter = hn::Set(wide, 0x1.8p52);
+      turn = hn::Add(hn::Mul(part, hn::Set(wide, double{kInverse})), shifter);
+      const W n = hn::Sub(turn, shifter);
+      const W rest = hn::Sub(part, hn::Mul(n, hn::Set(wide, double{kPiHigh * kUnit})));
+      return hn::Sub(rest, hn::Mul(n, hn::Set(wide, double{kPiRest * kUnit}))).raw;
+    };
+    for (size_t k = 0; k < K; ++k) {
+      const WideHalves halves = InHalves(x[k]);
+      W turn0, turn1;
+      const __m128d y0 = reduce(halves.lower, turn0), y1 = reduce(halves.upper, turn1);
+      u[k].y = V{_mm_movelh_ps(_mm_cvtpd_ps(y0), _mm_cvtpd_ps(y1))};
+      u[k].k = BitsOf<D>{_mm_castps_si128(_mm_shuffle_ps(
+          _mm_castpd_ps(turn0.raw), _mm_castpd_ps(turn1.raw), _MM_SHUFFLE(2, 0, 2, 0)))};
+    }
+#else
+    V n[K], y[K];
+    for (size_t k = 0; k < K; ++k) NearestTurn(d, x[k], u[k].k, n[k]);
+    EndStep(n);
+    for (size_t k = 0; k < K; ++k) y[k] = LessHigh(d, x[k], n[k]);
+    EndStep(y);
+    for (size_t k = 0; k < K; ++k) {
+      y[k] = HiddenNegMulAdd(n[k], hn::Set(d, kPiRest * kUnit), y[k]);
+    }
+    EndStep(y);
+    for (size_t k = 0; k < K; ++k) u[k].y = y[k];
+#endif
+  }
+
   // For arguments from kLeast up to kLimit, some vectors in steps.
   template <Care kCare, class D, class V, size_t K>
   static HWY_INLINE void NearGroup(D d, const V (&x)[K], Reduced<D> (&u)[K]) {
     static_assert(kCare != Care::kFull || kQuarter);
     if constexpr (kCare == Care::kFull) return NearInFull(d, x, u);
+    if constexpr (kCare == Care::kRough && kTurn != Turn::kCosine) return NearRoughly(d, x, u);
     V n[K], y[K], sum[K];
-    for (size_t k = 0; k < K; ++k) {
-      n[k] = kTurn == Turn::kCosine ? hn::Add(x[k], hn::Set(d, 0x1.921fb6p+0f)) : x[k];
+    const V inverse = ConstantOf<K>(hn::Set(d, kInverse));
+    if constexpr (kTurn == Turn::kCosine) {
+      const V quarter_turn = ConstantOf<K>(hn::Set(d, 0x1.921fb6p+0f));
+      for (size_t k = 0; k < K; ++k) n[k] = hn::Add(x[k], quarter_turn);
+      EndStep(n);
+      for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], inverse);
+    } else {
+      for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(x[k], inverse);
     }
-    EndStep(n);
-    for (size_t k = 0; k < K; ++k) n[k] = hn::Mul(n[k], hn::Set(d, kInverse));
     EndStep(n);
     for (size_t k = 0; k < K; ++k) n[k] = hn::Add(n[k], hn::Set(d, kShifter));
     EndStep(n);
