@@ -58,11 +58,12 @@ struct ErfcCurve {
   static constexpr double kRatio[] = {kCdfNormRatio[0] * 2, kCdfNormRatio[1] * 8,
                                       kCdfNormRatio[2] * 32};
   static constexpr double kWhole = 2, kFourth = 1.0 / 120;
-  // From the vertex to 24.62, where the result is 2^-880, or (kWide) from -8164 to 26.54.
+  // From the vertex to 25.25, where the result is 2^-925 and no part of it but 0 is below 2^-86 of
+  // it, or (kWide) from -8164 to 26.54.
   static constexpr double kWideEnd = -8164;
   template <bool kWide>
   using Rarity =
-      RareByDistance<double, kWide ? kWideEnd : kVertex, true, kWide ? 0x40BFFE89 : 0x40404FFF>;
+      RareByDistance<double, kWide ? kWideEnd : kVertex, true, kWide ? 0x40BFFE89 : 0x40409FFF>;
   // From -6 down the result is 2.
   template <class D, class V>
   static HWY_INLINE V Clamped(D d, V x) {
