@@ -6,8 +6,6 @@
 #include <cstdio>
 #include <vector>
 
-#include "pex_core/_heap/real/cdfnorm_tables.h"
-
 namespace {
 
 using Real = long double;
@@ -117,30 +115,6 @@ void Erf() {
   Write("kErfFine", x);
 }
 
-// Of 1, w^2 and v.
-void Ratio() {
-  std::vector<Sample<3>> samples;
-  for (int j = 36; j < pex::kErfcPointCount; j += j < 800 ? 1 : 23) {
-    const Real near = std::sqrt(j / static_cast<Real>(pex::kErfcUnit));
-    const Real far = std::sqrt((j + 1) / static_cast<Real>(pex::kErfcUnit));
-    const Real c = pex::kErfcVertex + (near + far) / 2;
-    for (int i = 0; i < kPoints; ++i) {
-      const Real d = Point(i) * (far - near) / 2, w = d * (d + 2 * c), v = d * d;
-      const Real mean = -std::expm1(-w) / w;
-      const Real result = std::erfc(c + d);
-      samples.push_back({{1, w * w, v},
-                         (Series(c, d) - (mean - 1)) / (mean * v),
-                         std::fabs(Slope(c) * d) * mean * v / result});
-    }
-  }
-  std::printf(
-      "// (T/F(w) - 1)/v for T, F, w and v of erfc-inl.h and the points of kErfcPoints, as the sum "
-      "of\n"
-      "// these multiples of 1, w^2 and v; ");
-  const auto x = Fit(samples);
-  Write("kErfcPointRatio", x);
-}
-
 }  // namespace
 
 int main() {
@@ -150,6 +124,5 @@ int main() {
       "#ifndef PEX_CORE__HEAP_REAL_ERF_SERIES_H_\n#define PEX_CORE__HEAP_REAL_ERF_SERIES_H_\n\n"
       "namespace pex {\n\n");
   Erf();
-  Ratio();
   std::printf("}  // namespace pex\n\n#endif  // PEX_CORE__HEAP_REAL_ERF_SERIES_H_\n");
 }

@@ -1,8 +1,9 @@
 // The complementary error function and the normal distribution function in double, up to LA, from
 // the nearest point c = j/256 of a table of the function f and its derivative s:
 //   f(x) = f(c) + s d T,  d = x - c,
-// T that of erfc-inl.h, by polynomials in w = d (x + c) and v = d^2: for the normal distribution,
-// of their halves.
+// T that of erfc-inl.h, in w = d (x + c) and v = d^2: for the normal distribution, in their halves.
+// LA by a quotient of sums with one polynomial: as y coth(y/2) = 2 + y^2 R(y^2),
+//   F(w) = (1 - e^-w)/w = 2/(w + w coth(w/2)) = 1/(1 + w/2 + w^2 R/2).
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/erf_polynomials.h"
@@ -30,11 +31,12 @@ namespace hn = hwy::HWY_NAMESPACE;
 struct ErfcFine {
   static constexpr auto& kRows = kErfcFineRows;
   static constexpr int kFirst = kErfcFineFirst;
-  static constexpr auto& kMean = kErfcFineMean;
   static constexpr auto& kMeanShort = kErfcFineMeanShort;
   static constexpr auto& kMeanEP = kErfcFineMeanEP;
   static constexpr auto& kRatio = kErfcFineRatio;
-  static constexpr double kSquare = 1.0 / 6, kFourth = 1.0 / 60;
+  static constexpr double kSquare = 1.0 / 6;
+  // T = (kWhole + u (R + kFourth u))/(kWhole + w + w^2 R), u = kWhole v
+  static constexpr double kWhole = 2, kFourth = 1.0 / 120;
   // From -6 to 25.9. Beyond, the result is 2 (Wide) or less than 2^-973 (rare): 4094.9 and 31.9.
   template <bool kBeyond>
   using Rarity =
@@ -48,11 +50,11 @@ struct ErfcFine {
 struct CdfNormFine {
   static constexpr auto& kRows = kCdfNormRows;
   static constexpr int kFirst = kCdfNormFirst;
-  static constexpr auto& kMean = kCdfNormMean;
   static constexpr auto& kMeanShort = kCdfNormMeanShort;
   static constexpr auto& kMeanEP = kCdfNormMeanEP;
   static constexpr auto& kRatio = kCdfNormRatio;
-  static constexpr double kSquare = 1.0 / 12, kFourth = 1.0 / 240;
+  static constexpr double kSquare = 1.0 / 12;
+  static constexpr double kWhole = 4, kFourth = 1.0 / 960;
   // From -36.65 to 8.65. Beyond, the result is 1 (Wide) or less than 2^-978 (rare): 8189.65
   // and 45.3.
   template <bool kBeyond>
@@ -64,63 +66,121 @@ struct CdfNormFine {
   }
 };
 
-// For x within the table. To add 2^-150 keeps the products of tiny numbers from underflow and
-// changes nothing else. The sum is 0 or no less than 2^-203, next to -2^-150, and has four powers.
-template <class Function, ErfcTier kTier, class D, class V, size_t K>
-HWY_INLINE void FromFineRows(D d, const V (&x)[K], V (&y)[K]) {
-  V safe[K], c[K], w[K], w2[K], v[K], t[K];
+// Of x within the table: c and the offset of its row. To add 2^-150 keeps the products of tiny
+// numbers from underflow and changes nothing else. The sum is 0 or no less than 2^-203, next to
+// -2^-150, and has four powers.
+template <class Function, class D, class V>
+HWY_INLINE void FinePoint(D d, V x, V& safe, V& c, RowOffsets<sizeof(ErfcRow), D>& at) {
+  safe = hn::Add(x, hn::Set(d, 0x1p-150));
+  // The sum ends in the number of the row.
+  const V shifter = hn::Set(d, 0x1.8p44 + Function::kFirst / 256.0);
+  const V sum = hn::Add(safe, shifter);
+  at.Set(d, Bits(d, sum));
+  c = hn::Sub(sum, shifter);
+}
+
+// Results within 2^-40, which are tried for a rounding in doubt.
+template <class Function, class D, class V, size_t K>
+HWY_INLINE void FromFineRowsShort(D d, const V (&x)[K], V (&y)[K]) {
+  constexpr auto& kMean = Function::kMeanShort;
+  V safe[K], c[K], w[K], v[K];
   Row2<V> row[K];
   RowOffsets<sizeof(ErfcRow), D> at[K];
-  for (size_t k = 0; k < K; ++k) {
-    safe[k] = hn::Add(x[k], hn::Set(d, 0x1p-150));
-    // The sum ends in the number of the row.
-    const V shifter = hn::Set(d, 0x1.8p44 + Function::kFirst / 256.0);
-    const V sum = hn::Add(safe[k], shifter);
-    at[k].Set(d, Bits(d, sum));
-    c[k] = hn::Sub(sum, shifter);
-  }
+  for (size_t k = 0; k < K; ++k) FinePoint<Function>(d, x[k], safe[k], c[k], at[k]);
   for (size_t k = 0; k < K; ++k) row[k] = LoadRows2(d, &Function::kRows[0].value, at[k]);
   for (size_t k = 0; k < K; ++k) {
     const V dx = hn::Sub(safe[k], c[k]);
     w[k] = hn::Mul(dx, hn::Add(safe[k], c[k]));
-    if constexpr (kTier != ErfcTier::kShort) w2[k] = hn::Mul(w[k], w[k]);
     v[k] = hn::Mul(dx, dx);
     row[k].b = hn::Mul(row[k].b, dx);
   }
-  if constexpr (kTier == ErfcTier::kShort) {
-    // Its results are tried for a rounding in doubt.
-    constexpr auto& kMean = Function::kMeanShort;
-    for (size_t k = 0; k < K; ++k) {
-      V p = hn::Set(d, kMean[3]);
-      for (size_t i = 3; i-- > 0;) p = HiddenMulAdd(w[k], p, hn::Set(d, kMean[i]));
-      const V mean = HiddenMulAdd(w[k], p, hn::Set(d, 1.0));
-      t[k] = HiddenMulAdd(mean, hn::Mul(v[k], hn::Set(d, Function::kSquare)), mean);
-      y[k] = HiddenMulAdd(row[k].b, t[k], row[k].a);
-    }
-    return;
-  }
-  if constexpr (kTier == ErfcTier::kLA) {
-    EvenOdd(d, w, w2, Function::kMean, t);
-  } else {
-    EvenOdd(d, w, w2, Function::kMeanEP, t);
-  }
   for (size_t k = 0; k < K; ++k) {
-    V ratio = hn::Set(d, Function::kSquare);
-    if constexpr (kTier == ErfcTier::kLA) {
-      ratio =
-          hn::Add(Horner(d, w2[k], Function::kRatio), hn::Mul(v[k], hn::Set(d, Function::kFourth)));
-    }
-    const V mean = hn::Add(hn::Set(d, 1.0), hn::Mul(w[k], t[k]));
-    t[k] = hn::Add(mean, hn::Mul(mean, hn::Mul(v[k], ratio)));
-    y[k] = hn::Add(row[k].a, hn::Mul(row[k].b, t[k]));
+    V p = hn::Set(d, kMean[3]);
+    for (size_t i = 3; i-- > 0;) p = HiddenMulAdd(w[k], p, hn::Set(d, kMean[i]));
+    const V mean = HiddenMulAdd(w[k], p, hn::Set(d, 1.0));
+    const V t = HiddenMulAdd(mean, hn::Mul(v[k], hn::Set(d, Function::kSquare)), mean);
+    y[k] = HiddenMulAdd(row[k].b, t, row[k].a);
   }
+}
+
+// EP's and LA's results of some vectors, in the parts of SomeInTurn.
+template <class Function, ErfcTier kTier, class D, size_t K>
+struct FineResults {
+  using V = VecOf<D>;
+  static constexpr size_t kSize = K;
+  const RowOffsets<sizeof(ErfcRow), D>* at;
+  V c[K], value[K], w[K], v[K], t[K];  // t: s d, then s d T
+
+  static HWY_INLINE V Set(double z) { return hn::Set(D(), z); }
+
+  HWY_INLINE void Reduce(const V* x) {
+    for (size_t k = 0; k < K; ++k) {
+      const auto row = LoadRows2(D(), &Function::kRows[0].value, at[k]);
+      const V dx = hn::Sub(x[k], c[k]);
+      w[k] = hn::Mul(dx, hn::Add(x[k], c[k]));
+      v[k] = hn::Mul(dx, kTier == ErfcTier::kLA ? hn::Mul(dx, Set(Function::kWhole)) : dx);
+      value[k] = row.a;
+      t[k] = hn::Mul(row.b, dx);
+    }
+    EndStep(w);
+    EndStep(v);
+    EndStep(t);
+  }
+
+  HWY_INLINE void Evaluate() {
+    V w2[K], r[K];
+    for (size_t k = 0; k < K; ++k) w2[k] = hn::Mul(w[k], w[k]);
+    EndStep(w2);
+    if constexpr (kTier == ErfcTier::kLA) {
+      HornerInSteps(D(), w2, Function::kRatio, r);
+      for (size_t k = 0; k < K; ++k) {
+        w[k] = hn::Add(hn::Mul(w2[k], r[k]), w[k]);
+        v[k] = hn::Mul(v[k], hn::Add(r[k], hn::Mul(v[k], Set(Function::kFourth))));
+      }
+      EndStep(w);
+      EndStep(v);
+      for (size_t k = 0; k < K; ++k) {
+        const V whole = Set(Function::kWhole);
+        t[k] = hn::Div(hn::Mul(t[k], hn::Add(v[k], whole)), hn::Add(w[k], whole));
+      }
+    } else {
+      EvenOdd(D(), w, w2, Function::kMeanEP, r);
+      for (size_t k = 0; k < K; ++k) {
+        const V mean = hn::Add(Set(1.0), hn::Mul(w[k], r[k]));
+        const V more = hn::Mul(mean, hn::Mul(v[k], Set(Function::kSquare)));
+        t[k] = hn::Mul(t[k], hn::Add(mean, more));
+      }
+    }
+    EndPart(t);
+  }
+
+  HWY_INLINE void Result(const V*, V* y) const {
+    for (size_t k = 0; k < K; ++k) y[k] = hn::Add(value[k], t[k]);
+  }
+};
+
+// The rows of all vectors are found first: they arrive while others' results are computed.
+template <class Function, ErfcTier kTier, class D, class V, size_t K>
+HWY_INLINE void FromFineRows(D d, const V (&x)[K], V (&y)[K]) {
+  constexpr size_t kBlock = K < 4 ? K : 1;
+  RowOffsets<sizeof(ErfcRow), D> at[K];
+  FineResults<Function, kTier, D, kBlock> parts[K / kBlock];
+  V safe[K];
+#pragma GCC unroll 16
+  for (size_t k = 0; k < K; ++k) {
+    auto& part = parts[k / kBlock];
+    FinePoint<Function>(d, x[k], safe[k], part.c[k % kBlock], at[k]);
+    if (k % kBlock == 0) part.at = at + k;
+  }
+  SomeInTurn(parts, safe, y);
 }
 
 // The kernels of EP and LA in double precision; where the function is flat (Wide) its arguments are
 // clamped.
 template <class Function, ErfcTier kTier, int (*kRare)(double, double*), bool kBeyond = false>
 struct FineShort : Kernel<double> {
-  static constexpr int kUnroll = 6;
+  static constexpr int kUnroll = 8;
+  static constexpr int kRestUnroll = 4;
   using Rarity = typename Function::template Rarity<kBeyond>;
   static HWY_INLINE int Rare(double x, double* r) { return kRare(x, r); }
   template <class D, class V, size_t K>

@@ -14,13 +14,6 @@ inline constexpr double kErfFine[] = {
     0x1.55552ad488299p-1, -0x1.111102a2bdaeap-2};
 // clang-format on
 
-// (T/F(w) - 1)/v for T, F, w and v of erfc-inl.h and the points of kErfcPoints, as the sum of
-// these multiples of 1, w^2 and v; in relation to the result an error of 2^-58.4.
-// clang-format off
-inline constexpr double kErfcPointRatio[] = {
-    0x1.55555551a6ea8p-3, -0x1.6c113a9552189p-9, 0x1.11330be8b4847p-6};
-// clang-format on
-
 }  // namespace pex
 
 #endif  // PEX_CORE__HEAP_REAL_ERF_SERIES_H_

@@ -26,8 +26,8 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// How far a computation goes; kShort's results are within 2^-40, in the range of single precision.
-enum class ErfcTier { kEP, kShort, kLA };
+// How far a computation goes.
+enum class ErfcTier { kEP, kLA };
 
 template <class D>
 struct ErfcReduced {

@@ -1,17 +1,16 @@
 // The complementary error function and the normal distribution function in HA from a point c of a
 // table of the function f and its derivative s:
 //   f(x) = f(c) + s d T,  d = x - c,
-// T that of erfc-inl.h: T - 1 = E + (1 + E) v R, E = F(w) - 1 and R = a + b w^2 + e v, in w = d (x
-// + c) and v = d^2, for the normal distribution in their halves. The function is next to a double
-// at its points, which lie closer together the larger |x| is, so that s d T is at most a twentieth
-// of the value. The sum of the value and s d is kept with what its roundings leave. What R lacks
-// weighs at most 0.024 ulp, and all else a hundredth: the error is below 0.55 ulp (0.5400 seen).
+// T that of erf_fine-inl.h, a quotient of sums in w = d (x + c) and v = d^2: T - 1 is one with the
+// divisor of T. The function is next to a double at its points, which lie closer together the
+// larger |x| is, so that s d T is at most a twentieth of the value. The sum of the value and s d is
+// kept with what its roundings leave. What the tables lack weighs at most 0.018 ulp, and all else
+// less: the error is below 0.53 ulp (0.5168 seen).
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/cdfnorm_tables.h"
 #include "pex_core/_heap/real/erf_polynomials.h"
 #include "pex_core/_heap/real/erf_rows-inl.h"
-#include "pex_core/_heap/real/erf_series.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
@@ -29,13 +28,12 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// A table and the coefficients of (F - 1)/w and R.
+// A table and the coefficients of T.
 struct CdfNormCurve {
   static constexpr auto& kPoints = kCdfNormPoints;
   static constexpr double kUnit = kCdfNormUnit, kVertex = kCdfNormVertex;
-  static constexpr auto& kMean = kCdfNormMeanHA;
-  static constexpr double kRatio[] = {kErfcPointRatio[0] / 2, kErfcPointRatio[1] / 8,
-                                      kErfcPointRatio[2] / 4};
+  static constexpr auto& kRatio = kCdfNormRatio;
+  static constexpr double kWhole = 4, kFourth = 1.0 / 960;
   // From -35, where the result is 2^-890, to the vertex, or (kWide) from -37.509, where it comes
   // close to the subnormal numbers, to 8153.
   static constexpr double kWideEnd = 8153;
@@ -53,27 +51,19 @@ struct CdfNormCurve {
   }
 };
 
-// (F - 1)/w by the coefficients for 2 w.
-struct ErfcMeans {
-  double c[7];
-};
-inline constexpr ErfcMeans kErfcMeans = [] {
-  ErfcMeans means = {};
-  double power = 1;
-  for (int i = 0; i < 7; ++i) means.c[i] = kCdfNormMeanHA[i] * (power *= 2);
-  return means;
-}();
-
 struct ErfcCurve {
   static constexpr auto& kPoints = kErfcPoints;
   static constexpr double kUnit = kErfcUnit, kVertex = kErfcVertex;
-  static constexpr auto& kMean = kErfcMeans.c;
-  static constexpr auto& kRatio = kErfcPointRatio;
-  // From the vertex to 24.62, where the result is 2^-880, or (kWide) from -8164 to 26.54.
+  // Twice those of a fourth of w^2.
+  static constexpr double kRatio[] = {kCdfNormRatio[0] * 2, kCdfNormRatio[1] * 8,
+                                      kCdfNormRatio[2] * 32};
+  static constexpr double kWhole = 2, kFourth = 1.0 / 120;
+  // From the vertex to 25.25, where the result is 2^-925 and no part of it but 0 is below 2^-86 of
+  // it, or (kWide) from -8164 to 26.54.
   static constexpr double kWideEnd = -8164;
   template <bool kWide>
   using Rarity =
-      RareByDistance<double, kWide ? kWideEnd : kVertex, true, kWide ? 0x40BFFE89 : 0x40404FFF>;
+      RareByDistance<double, kWide ? kWideEnd : kVertex, true, kWide ? 0x40BFFE89 : 0x40409FFF>;
   // From -6 down the result is 2.
   template <class D, class V>
   static HWY_INLINE V Clamped(D d, V x) {
@@ -107,65 +97,77 @@ HWY_INLINE V SlopeRemainder(D d, V c, V slope, V x, [[maybe_unused]] V product) 
 #endif
 }
 
-template <class Curve, bool kWide, class Offsets, class D, class V, size_t K>
-HWY_INLINE void CurveFromRows(D d, const V (&x)[K], const Offsets* at, V* y) {
-  const auto scaled = [d](V z) HWY_ATTR { return kWide ? hn::Mul(z, hn::Set(d, kCurveScale)) : z; };
-  V value[K], slope[K], dx[K], w[K], w2[K], v[K], t[K];
-#pragma GCC unroll 4
-  for (size_t k = 0; k < K; ++k) {
-    const auto row = LoadRows4(d, &Curve::kPoints[0].c, at[k]);
-    dx[k] = hn::Sub(x[k], row.a);
-    value[k] = scaled(row.b);
-    slope[k] = scaled(row.c);
-    w[k] = hn::Mul(dx[k], hn::Add(x[k], row.a));
-    v[k] = hn::Mul(dx[k], dx[k]);
+// Some vectors' results, in the parts of SomeInTurn, from their rows.
+template <class Curve, bool kWide, class D, size_t K>
+struct CurveResults {
+  using V = VecOf<D>;
+  static constexpr size_t kSize = K;
+  const RowOffsets<sizeof(CurvePoint), D>* at;
+  V value[K], slope[K], dx[K], w[K], v[K], t[K];
+
+  static HWY_INLINE V Set(double z) { return hn::Set(D(), z); }
+  static HWY_INLINE V Scaled(V z) { return kWide ? hn::Mul(z, Set(kCurveScale)) : z; }
+
+  HWY_INLINE void Reduce(const V* x) {
+    for (size_t k = 0; k < K; ++k) {
+      const auto row = LoadRows4(D(), &Curve::kPoints[0].c, at[k]);
+      dx[k] = hn::Sub(x[k], row.a);
+      value[k] = Scaled(row.b);
+      slope[k] = Scaled(row.c);
+      w[k] = hn::Mul(dx[k], hn::Add(x[k], row.a));
+      v[k] = hn::Mul(dx[k], hn::Mul(dx[k], Set(Curve::kWhole)));
+    }
+    EndStep(w);
+    EndStep(v);
   }
-#pragma GCC unroll 4
-  for (size_t k = 0; k < K; ++k) w2[k] = hn::Mul(w[k], w[k]);
-  EvenOdd(d, w, w2, Curve::kMean, t);
-#pragma GCC unroll 4
-  for (size_t k = 0; k < K; ++k) {
-    const auto c = [&](int i) HWY_ATTR { return hn::Set(d, Curve::kRatio[i]); };
-    const V even = hn::Add(hn::Mul(w2[k], c(1)), c(0));
-    v[k] = hn::Mul(v[k], hn::Add(even, hn::Mul(v[k], c(2))));
-    w[k] = hn::Mul(w[k], t[k]);
+
+  // T - 1
+  HWY_INLINE void Evaluate() {
+    V w2[K], r[K];
+    for (size_t k = 0; k < K; ++k) w2[k] = hn::Mul(w[k], w[k]);
+    EndStep(w2);
+    HornerInSteps(D(), w2, Curve::kRatio, r);
+    for (size_t k = 0; k < K; ++k) {
+      w[k] = hn::Add(hn::Mul(w2[k], r[k]), w[k]);
+      v[k] = hn::Mul(v[k], hn::Add(r[k], hn::Mul(v[k], Set(Curve::kFourth))));
+    }
+    EndStep(w);
+    EndStep(v);
+    for (size_t k = 0; k < K; ++k) {
+      t[k] = hn::Div(hn::Sub(v[k], w[k]), hn::Add(w[k], Set(Curve::kWhole)));
+    }
+    EndPart(t);
   }
-#pragma GCC unroll 4
-  for (size_t k = 0; k < K; ++k) {
-    t[k] = hn::Add(w[k], hn::Mul(hn::Add(hn::Set(d, 1.0), w[k]), v[k]));
+
+  HWY_INLINE void Result(const V*, V* y) const {
+    for (size_t k = 0; k < K; ++k) {
+      const V p = hn::Mul(slope[k], dx[k]);
+      const V hi = hn::Add(value[k], p);
+      const V over = SlopeRemainder(D(), hn::Sub(hi, value[k]), slope[k], dx[k], p);
+      y[k] = hn::Add(hi, hn::Sub(hn::Mul(p, t[k]), over));
+      if constexpr (kWide) y[k] = hn::Mul(y[k], Set(1 / kCurveScale));
+    }
   }
-#pragma GCC unroll 4
-  for (size_t k = 0; k < K; ++k) {
-    const V p = hn::Mul(slope[k], dx[k]);
-    const V hi = hn::Add(value[k], p);
-    const V over = SlopeRemainder(d, hn::Sub(hi, value[k]), slope[k], dx[k], p);
-    y[k] = hn::Add(hi, hn::Sub(hn::Mul(p, t[k]), over));
-    if constexpr (kWide) y[k] = hn::Mul(y[k], hn::Set(d, 1 / kCurveScale));
-  }
-}
+};
 
 // The rows of all vectors are found first: they arrive while others' results are computed.
 template <class Curve, bool kWide, class D, class V, size_t K>
 HWY_INLINE void FromCurve(D d, const V (&x)[K], V (&y)[K]) {
-  constexpr size_t kMost = HWY_TARGET == HWY_AVX2 ? 2 : 4;
-  constexpr size_t kBlock = K < kMost ? K : K % kMost == 0 ? kMost : 1;
-  static_assert(K % kBlock == 0);
-  V inner[K / kBlock][kBlock];
+  constexpr size_t kBlock = K < 4 ? K : 1;
   RowOffsets<sizeof(CurvePoint), D> at[K];
+  CurveResults<Curve, kWide, D, kBlock> parts[K / kBlock];
+  V safe[K];
 #pragma GCC unroll 16
   for (size_t k = 0; k < K; ++k) {
-    const V safe = kWide ? Curve::Clamped(d, x[k]) : x[k];
-    const V from = Curve::FromVertex(d, safe);
+    safe[k] = kWide ? Curve::Clamped(d, x[k]) : x[k];
+    const V from = Curve::FromVertex(d, safe[k]);
     // The sum ends in 32 rows.
     const V sum =
         hn::Add(hn::Mul(from, from), hn::Set(d, 0x1.8p52 / (Curve::kUnit * sizeof(CurvePoint))));
     at[k].SetBytes(hn::And(Bits(d, sum), SetBits(d, 0x3FFF * sizeof(CurvePoint))));
-    inner[k / kBlock][k % kBlock] = safe;
+    if (k % kBlock == 0) parts[k / kBlock].at = at + k;
   }
-#pragma GCC unroll 16
-  for (size_t b = 0; b < K / kBlock; ++b) {
-    CurveFromRows<Curve, kWide>(d, inner[b], at + b * kBlock, y + b * kBlock);
-  }
+  SomeInTurn<2>(parts, safe, y);
 }
 
 template <class Curve, int (*kRare)(double, double*), bool kWide = true>

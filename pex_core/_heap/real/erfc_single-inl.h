@@ -141,7 +141,7 @@ struct sErfcAccurate : Kernel<float, double> {
       a[k] = x[k];
       wide[k] = hn::PromoteTo(dd, kBeyond ? Tail::Clamped(d, x[k]) : x[k]);
     }
-    FromFineRows<Fine, ErfcTier::kShort>(dd, wide, y);
+    FromFineRowsShort<Fine>(dd, wide, y);
     const bool open = AnyRoundingInDoubt<14>(dd, y);
     for (size_t k = 0; k < K; ++k) out[k] = hn::DemoteTo(d, y[k]);
     if (open) [[unlikely]] {

@@ -15,6 +15,7 @@
 #include "pex_core/_heap/real/log-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/exact-inl.h"
+#include "pex_core/_kernel/polynomial-inl.h"
 
 #if defined(PEX_CORE__HEAP_REAL_ERFINV_INL_H_) == defined(HWY_TARGET_TOGGLE)
 #ifdef PEX_CORE__HEAP_REAL_ERFINV_INL_H_
@@ -180,39 +181,74 @@ HWY_INLINE void ErfInvCubic(D d, const double (*table)[4], const ErfInvArgument<
   }
 }
 
-// The product of x and a row's constant, HA in full, and then all else, which weighs little.
+// The product of x and a row's constant, HA in full, and then all else, which weighs little: in the
+// parts of InTurn.
+template <class Function, ErfInvTier kTier, class D, class Offsets>
+struct ErfInvProduct {
+  using V = VecOf<D>;
+  const Offsets* at;
+  V t, c0, c0_rest, p01, p23, p45;  // p01: then all that is added to c0
+
+  HWY_INLINE void Reduce(const ErfInvPoint<V>&) {
+    const D d;
+    const auto low = LoadRows4(d, &Function::kRows[0][0], *at);
+    const auto high = LoadRows4(d, &Function::kRows[0][4], *at);
+    const auto pair = [&](V c, V more) HWY_ATTR { return hn::Add(c, hn::Mul(more, t)); };
+    c0 = low.a, c0_rest = high.d;
+    p45 = pair(high.b, high.c);
+    p23 = pair(low.d, high.a);
+    p01 = pair(low.b, low.c);
+    V end[] = {p01, p23, p45};
+    EndPart(end);
+    p01 = end[0], p23 = end[1], p45 = end[2];
+  }
+
+  HWY_INLINE void Evaluate() {
+    const V t2 = hn::Mul(t, t);
+    V p = hn::Add(p23, hn::Mul(t2, p45));
+    p = hn::Add(p01, hn::Mul(t2, p));
+    V end[] = {hn::Add(c0_rest, hn::Mul(p, t))};
+    EndPart(end);
+    p01 = end[0];
+  }
+
+  HWY_INLINE Pair<V> Result(const ErfInvPoint<V>& u) const {
+    V rest = hn::Mul(u.x, p01);
+    if constexpr (Function::kRest) rest = hn::Add(rest, hn::Mul(u.rest, c0));
+    if constexpr (kTier == ErfInvTier::kHA) {
+      const Pair<V> y = TwoProduct(D(), u.x, c0);
+      return {y.hi, hn::Add(y.lo, rest)};
+    } else {
+      return {hn::Mul(u.x, c0), rest};
+    }
+  }
+};
+
 template <class Function, ErfInvTier kTier, class D, class V, size_t K>
 HWY_INLINE void ErfInvFine(D d, const ErfInvPoint<V> (&u)[K], Pair<V> (&y)[K]) {
-  constexpr auto& kRows = Function::kRows;
-  constexpr uint64_t kRowBytes = sizeof(kRows[0]);
+  constexpr uint64_t kRowBytes = sizeof(Function::kRows[0]);
   constexpr uint64_t kOctave = kRowBytes << kErfInvBits;  // the lowest bit of the exponent
   constexpr int kShift = 53 - std::bit_width(kOctave);
   constexpr uint64_t kHalf = uint64_t{1} << (51 - kErfInvBits);  // of an interval
   constexpr uint64_t kExponent = 1023 - kErfInvOctaves - (Function::kUnit < 1);
-  RowOffsets<kRowBytes, D, kExponent * kOctave + (kHalf >> kShift)> at[K];
-  V t[K], p[K];
+  using Offsets = RowOffsets<kRowBytes, D, kExponent * kOctave + (kHalf >> kShift)>;
+  Offsets at[K];
+  ErfInvProduct<Function, kTier, D, Offsets> parts[K];
 #pragma GCC unroll 8
   for (size_t k = 0; k < K; ++k) {
     const auto middle = hn::OrAnd(SetBits(d, kHalf), Bits(d, u[k].q), SetBits(d, -2 * kHalf));
     at[k].SetBytes(ShiftBitsRight<kShift>(d, FromBits(d, middle)));
-    t[k] = Function::Distance(d, u[k], FromBits(d, middle));
+    parts[k].at = &at[k];
+    parts[k].t = Function::Distance(d, u[k], FromBits(d, middle));
   }
-#pragma GCC unroll 8
-  for (size_t k = 0; k < K; ++k) {
-    const auto low = LoadRows4(d, &kRows[0][0], at[k]), high = LoadRows4(d, &kRows[0][4], at[k]);
-    const V t2 = hn::Mul(t[k], t[k]);
-    const auto pair = [&](V c0, V c1) HWY_ATTR { return hn::Add(c0, hn::Mul(c1, t[k])); };
-    p[k] = hn::Add(pair(low.d, high.a), hn::Mul(t2, pair(high.b, high.c)));
-    p[k] = hn::Add(pair(low.b, low.c), hn::Mul(t2, p[k]));
-    p[k] = hn::Mul(p[k], t[k]);
-    V rest = hn::Mul(u[k].x, hn::Add(high.d, p[k]));
-    if constexpr (Function::kRest) rest = hn::Add(rest, hn::Mul(u[k].rest, low.a));
-    if constexpr (kTier == ErfInvTier::kHA) {
-      y[k] = TwoProduct(d, u[k].x, low.a);
-      y[k].lo = hn::Add(y[k].lo, rest);
-    } else {
-      y[k] = {hn::Mul(u[k].x, low.a), rest};
+  if constexpr (HWY_TARGET == HWY_SSE4) {  // the processor finds what is independent by itself
+    for (size_t k = 0; k < K; ++k) {
+      parts[k].Reduce(u[k]);
+      parts[k].Evaluate();
+      y[k] = parts[k].Result(u[k]);
     }
+  } else {
+    InTurn(parts, y, u);
   }
 }
 
