@@ -354,15 +354,15 @@ class FirstException {
   std::atomic<bool> there_{false};
 };
 
-// How a stream is moved on to the next piece: by skipping, by drawing words that nobody uses, or
-// not at all.
+// How a stream is moved on to the next piece: by skipping, by making words that nobody uses, or not
+// at all.
 enum class Advance { skip, draw, none };
 
 template <typename D>
 constexpr bool kIsLight = std::is_same_v<D, uniform> || std::is_same_v<D, uniform_int> ||
                           std::is_same_v<D, uniform_bits> || std::is_same_v<D, bernoulli>;
 
-// Generators whose words are drawn to get on have one word for each uniform number.
+// Generators whose words are made to get on have one word for each uniform number.
 inline Advance AdvanceOf(const stream& s, Takes takes, bool is_light) {
   if (takes == Takes::varying) return Advance::none;
   switch (s.kind()) {
@@ -381,13 +381,17 @@ inline void MoveOn(stream& s, Advance how, std::uint64_t outputs, std::source_lo
     s.skip(outputs, where);
     return;
   }
-  std::array<std::uint32_t, 4992> words;  // whole blocks of the twisters' and in the nearest cache
+  BrngProperties properties;
+  CheckStatus("pexquo::parallel", quoGetBrngProperties(quoGetStreamBrng(s.handle()), &properties),
+              where);
+  std::array<std::uint32_t, 4096> words;  // in the nearest cache
+  const bool is_r250 = s.kind() == generator::r250;
+  std::uint32_t* const nowhere = is_r250 ? words.data() : nullptr;  // the twisters need no array
+  const std::uint64_t most = is_r250 ? words.size() : std::uint64_t{1} << 30;
   while (outputs != 0) {
-    const std::uint64_t n = std::min<std::uint64_t>(outputs, words.size());
-    CheckStatus("pexquo::parallel",
-                quoiRngUniformBits(0, s.handle(), static_cast<std::int64_t>(n), words.data()),
-                where);
-    outputs -= n;
+    const auto n = static_cast<std::int32_t>(std::min(outputs, most));
+    CheckStatus("pexquo::parallel", properties.iBRng(s.handle(), n, nowhere), where);
+    outputs -= static_cast<std::uint64_t>(n);
   }
 }
 
@@ -425,10 +429,10 @@ class Shares {
   }
 
  private:
-  // Shares that are ended at the same time, when the words up to a share are drawn beforehand: each
-  // is smaller than the one before by what its words take of its time, about a tenth.
+  // Shares that are ended at the same time, when the words up to a share are made beforehand: each
+  // is smaller than the one before by what its words take of its time, some hundredths.
   std::size_t Falling(std::size_t rest) {
-    constexpr double kAhead = 0.1;
+    constexpr double kAhead = 0.07;
     const auto shares = static_cast<double>(left_--);
     if (left_ == 0) return rest;
     const double part = kAhead / (1 - std::pow(1 - kAhead, shares));

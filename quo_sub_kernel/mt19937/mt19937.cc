@@ -69,7 +69,11 @@ void sMT19937(StateMT19937* state, size_t n, float* r, double a, double b) {
   GenerateFloats<SourceMT19937>(*state, n, r, a, b);
 }
 void iMT19937(StateMT19937* state, size_t n, uint32_t* r) {
-  Generate<SourceMT19937>(*state, n, r, TwisterIntegers());
+  if (r == nullptr) {
+    PassOver<SourceMT19937>(*state, n);
+  } else {
+    Generate<SourceMT19937>(*state, n, r, TwisterIntegers());
+  }
 }
 
 }  // namespace quo::HWY_NAMESPACE
