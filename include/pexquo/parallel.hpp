@@ -239,21 +239,24 @@ class parallel {
   void DrawParts(const D& d, stream& s, T* r, std::size_t n, std::size_t multiple,
                  detail::Advance how, std::size_t outputs, std::source_location where) const {
     const std::size_t step = multiple * d.unit(s);
-    const std::size_t others = Others(n * step / block_);
-    const double ahead = detail::kIsLight<D> ? 0.3 : 0.07;  // about
+    // Light numbers are worth it from many on where the words up to them have to be made.
+    const bool is_light = detail::kIsLight<D> && how == detail::Advance::make;
+    const double ahead = is_light ? 0.3 : 0.07;  // about
+    const std::size_t others = Others(n * step / block_ / (is_light ? 4 : 1));
+    const auto draw = [&](const stream& from, std::size_t first, std::size_t count) {
+      detail::CheckStatus(
+          D::kName,
+          d.draw(from.handle(), static_cast<std::int64_t>(count * multiple), r + first * step),
+          where);
+    };
+    if (others == 0) {
+      draw(s, 0, n);
+      return;
+    }
     const std::size_t least = std::max<std::size_t>(block_ / 8 / step, 1);
     detail::Parts parts(s, how, n, multiple * outputs, least, ahead, others + 1, where);
     detail::FloatingPoint environment;
-    auto work = [&] {
-      environment.Run([&] {
-        parts.Work([&](const stream& from, std::size_t first, std::size_t count) {
-          detail::CheckStatus(
-              D::kName,
-              d.draw(from.handle(), static_cast<std::int64_t>(count * multiple), r + first * step),
-              where);
-        });
-      });
-    };
+    auto work = [&] { environment.Run([&] { parts.Work(draw); }); };
     detail::Helpers::Shared().Run(others, work);
     environment.SetFlags();
     parts.End();

@@ -422,7 +422,7 @@ class Parts {
         size_(n),
         outputs_(outputs),
         least_(least),
-        most_(std::max(least, n / (4 * threads))),
+        most_(std::max(least, n / (2 * threads))),
         ahead_(how == Advance::skip ? 0 : ahead),
         where_(where),
         parts_(threads) {
@@ -480,7 +480,7 @@ class Parts {
         place = part.at;
       }
       const std::size_t left = part.end - part.next;
-      const std::size_t count = std::min(left, std::clamp(left / 4, least_, most_));
+      const std::size_t count = std::min(left, std::clamp(left / 2, least_, most_));
       const std::size_t first = part.begun = part.next;
       part.next += count;
       lock.unlock();
