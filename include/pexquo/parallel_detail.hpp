@@ -4,6 +4,8 @@
 #ifndef PEXQUO_PARALLEL_DETAIL_HPP_
 #define PEXQUO_PARALLEL_DETAIL_HPP_
 
+#include <pthread.h>
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -31,11 +33,16 @@ namespace pexquo {
 namespace detail {
 
 // The program's sleeping threads, which help whoever has work. They are never joined: at the end of
-// the program, or in a forked child, where they are missing, nothing waits for them.
+// the program nothing waits for them. A forked child, where they are missing, goes on alone: they
+// count as busy there, and locks and conditions, which they may have held, are not looked at.
 class Helpers {
  public:
   static Helpers& Shared() {
-    static Helpers* const helpers = new Helpers;
+    static Helpers* const helpers = [] {
+      auto* const made = new Helpers;
+      pthread_atfork(nullptr, nullptr, [] { Shared().busy_.store(true); });
+      return made;
+    }();
     return *helpers;
   }
 

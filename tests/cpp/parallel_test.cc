@@ -1,6 +1,8 @@
 // Many cores give the bits of one thread, leave the stream where one thread leaves it, and report
 // special elements as one thread does.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
@@ -532,6 +534,26 @@ TEST(ParallelForEach, FlagsOfTheHelpersAreTheCallers) {
   EXPECT_EQ(std::fetestexcept(FE_OVERFLOW | FE_UNDERFLOW | FE_INVALID | FE_DIVBYZERO),
             FE_OVERFLOW | FE_UNDERFLOW);
   std::feclearexcept(FE_ALL_EXCEPT);
+}
+
+// Helpers on their way to sleep, or just woken, are missing in the child.
+TEST(ParallelForEach, AForkedChildGoesOnAlone) {
+  const parallel cores(3, kBlock);
+  const auto a = Arguments<double>(3000);
+  std::vector<double> r(a.size());
+  for (int round = 0; round < 200; ++round) {
+    cores.apply(pexquo::exp, a, r);
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      alarm(20);
+      cores.apply(pexquo::exp, a, r);
+      _exit(0);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_EQ(status, 0) << "round " << round;
+  }
 }
 
 // A call within a call, and calls of several threads at once.
