@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <exception>
 #include <mutex>
-#include <optional>
 #include <ranges>
 #include <source_location>
 #include <thread>
@@ -40,8 +39,8 @@ namespace pexquo {
 class parallel {
  public:
   /// \param threads how many, the calling one included; 0 for as many as there are cores
-  /// \param block   elements that a thread takes at a time, at least 1; what is shorter than two
-  ///                blocks is done by the calling thread
+  /// \param block   elements that a thread takes at a time, at least 1, and about how many random
+  ///                numbers; what is shorter than two blocks is done by the calling thread
   explicit parallel(unsigned threads = 0, std::size_t block = 16384)
       : threads_(threads != 0 ? threads : std::max(1u, std::thread::hardware_concurrency())),
         block_(std::max<std::size_t>(block, 1)) {}
@@ -83,13 +82,13 @@ class parallel {
   }
 
   /// What `d.fill(s, r)` does, on the cores: the same numbers, and the stream goes on as one thread
-  /// leaves it. Threads draw blocks of the sequence, from copies of the stream that have skipped
+  /// leaves it. Threads draw parts of the sequence, from copies of the stream that have skipped
   /// ahead. How far that helps depends on the generator and the distribution:
   /// - mcg31m1, mcg59, wh, mrg32k3a, sobol, niederr, and registered generators that skip ahead by
   ///   their outputs: all distributions that take a fixed number of outputs;
-  /// - mt19937, mt2203 and r250, which cannot skip: the same without uniform, uniform_int,
-  ///   uniform_bits and bernoulli; each thread has one share, later ones a smaller one, as they
-  ///   draw the words that lead there first;
+  /// - mt19937, mt2203 and r250, which cannot skip: the same, of r250 without uniform, uniform_int,
+  ///   uniform_bits and bernoulli; threads make the words that lead to their parts first, which
+  ///   takes some tenth of the time of drawing them, and of uniform numbers a third to a half;
   /// - abstract and other registered streams, and gamma, beta, binomial, poisson, hypergeometric
   ///   and negative_binomial, whose numbers take as many outputs as they need, and normal_mv of
   ///   more than 10 dimensions in full storage, which the system's BLAS multiplies, and lognormal
@@ -229,51 +228,38 @@ class parallel {
       }
     }
     const std::size_t tail = n % multiple;
-    DrawShares(d, s, r,
-               detail::Shares(how, (n - tail) / multiple, multiple * unit, block_, threads_),
-               multiple, how, outputs, where);
+    DrawParts(d, s, r, (n - tail) / multiple, multiple, how, outputs, where);
     r += (n - tail) * unit;
     n = tail;
     if (n != 0) draw(s, n);
   }
 
-  // Whoever takes a share moves the stream on to it, over the one that was taken before, so that
-  // the first begins at once. The last share is drawn from the stream itself. Shares count in so
-  // many units, of so many outputs each.
+  // n steps of so many units, of so many outputs each.
   template <typename D, typename T>
-  void DrawShares(const D& d, stream& s, T* r, detail::Shares shares, std::size_t multiple,
-                  detail::Advance how, std::size_t outputs, std::source_location where) const {
+  void DrawParts(const D& d, stream& s, T* r, std::size_t n, std::size_t multiple,
+                 detail::Advance how, std::size_t outputs, std::source_location where) const {
     const std::size_t step = multiple * d.unit(s);
-    const std::size_t others = Others(shares.Count());
-    std::mutex taking;  // for the stream and `shares`
-    detail::FirstException failure;
-    detail::FloatingPoint environment;
-    auto work = [&] {
-      environment.Run([&] {
-        try {
-          while (!failure.IsThere()) {
-            std::optional<stream> copy;
-            detail::Share share;
-            {
-              const auto lock = detail::LockSoon(taking);
-              if (shares.IsEmpty()) break;
-              share = shares.Take();
-              detail::MoveOn(s, how, std::uint64_t{share.passed} * multiple * outputs, where);
-              if (!shares.IsEmpty()) copy.emplace(s);
-            }
-            const stream& from = copy ? *copy : s;
-            const auto count = static_cast<std::int64_t>(share.count * multiple);
-            detail::CheckStatus(D::kName, d.draw(from.handle(), count, r + share.first * step),
-                                where);
-          }
-        } catch (...) {
-          failure.Keep();
-        }
-      });
+    // Light numbers are worth it from many on where the words up to them have to be made.
+    const bool is_light = detail::kIsLight<D> && how == detail::Advance::make;
+    const double ahead = is_light ? 0.3 : 0.07;  // about
+    const std::size_t others = Others(n * step / block_ / (is_light ? 4 : 1));
+    const auto draw = [&](const stream& from, std::size_t first, std::size_t count) {
+      detail::CheckStatus(
+          D::kName,
+          d.draw(from.handle(), static_cast<std::int64_t>(count * multiple), r + first * step),
+          where);
     };
+    if (others == 0) {
+      draw(s, 0, n);
+      return;
+    }
+    const std::size_t least = std::max<std::size_t>(block_ / 8 / step, 1);
+    detail::Parts parts(s, how, n, multiple * outputs, least, ahead, others + 1, where);
+    detail::FloatingPoint environment;
+    auto work = [&] { environment.Run([&] { parts.Work(draw); }); };
     detail::Helpers::Shared().Run(others, work);
     environment.SetFlags();
-    failure.Rethrow();
+    parts.End();
   }
 
   unsigned threads_;

@@ -4,6 +4,8 @@
 #ifndef PEXQUO_PARALLEL_DETAIL_HPP_
 #define PEXQUO_PARALLEL_DETAIL_HPP_
 
+#include <pthread.h>
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -15,6 +17,7 @@
 #include <cstring>
 #include <exception>
 #include <mutex>
+#include <optional>
 #include <source_location>
 #include <thread>
 #include <type_traits>
@@ -30,11 +33,16 @@ namespace pexquo {
 namespace detail {
 
 // The program's sleeping threads, which help whoever has work. They are never joined: at the end of
-// the program, or in a forked child, where they are missing, nothing waits for them.
+// the program nothing waits for them. A forked child, where they are missing, goes on alone: they
+// count as busy there, and locks and conditions, which they may have held, are not looked at.
 class Helpers {
  public:
   static Helpers& Shared() {
-    static Helpers* const helpers = new Helpers;
+    static Helpers* const helpers = [] {
+      auto* const made = new Helpers;
+      pthread_atfork(nullptr, nullptr, [] { Shared().busy_.store(true); });
+      return made;
+    }();
     return *helpers;
   }
 
@@ -354,25 +362,34 @@ class FirstException {
   std::atomic<bool> there_{false};
 };
 
-// How a stream is moved on to the next piece: by skipping, by drawing words that nobody uses, or
-// not at all.
-enum class Advance { skip, draw, none };
+// How a stream is moved on to where a thread begins: by skipping, by making words that nobody uses,
+// or not at all.
+enum class Advance { skip, make, none };
 
 template <typename D>
 constexpr bool kIsLight = std::is_same_v<D, uniform> || std::is_same_v<D, uniform_int> ||
                           std::is_same_v<D, uniform_bits> || std::is_same_v<D, bernoulli>;
 
-// Generators whose words are drawn to get on have one word for each uniform number.
+// Generators whose words are made to get on have one word for each uniform number.
 inline Advance AdvanceOf(const stream& s, Takes takes, bool is_light) {
   if (takes == Takes::varying) return Advance::none;
   switch (s.kind()) {
     case generator::r250:
+      return is_light ? Advance::none : Advance::make;
     case generator::mt19937:
     case generator::mt2203:
-      return is_light ? Advance::none : Advance::draw;
+      return Advance::make;
     default:
       return s.can_skip() ? Advance::skip : Advance::none;
   }
+}
+
+inline BrngProperties PropertiesOf(const stream& s, std::source_location where) {
+  BrngProperties properties;
+  const std::int32_t id = quoGetStreamBrng(s.handle());
+  CheckStatus("pexquo::parallel", id, where);
+  CheckStatus("pexquo::parallel", quoGetBrngProperties(id, &properties), where);
+  return properties;
 }
 
 inline void MoveOn(stream& s, Advance how, std::uint64_t outputs, std::source_location where) {
@@ -381,64 +398,151 @@ inline void MoveOn(stream& s, Advance how, std::uint64_t outputs, std::source_lo
     s.skip(outputs, where);
     return;
   }
-  std::array<std::uint32_t, 4992> words;  // whole blocks of the twisters' and in the nearest cache
+  const BrngProperties properties = PropertiesOf(s, where);
+  std::array<std::uint32_t, 4096> words;  // in the nearest cache
+  const bool is_r250 = s.kind() == generator::r250;
+  std::uint32_t* const nowhere = is_r250 ? words.data() : nullptr;  // the twisters need no array
+  const std::uint64_t most = is_r250 ? words.size() : std::uint64_t{1} << 30;
   while (outputs != 0) {
-    const std::uint64_t n = std::min<std::uint64_t>(outputs, words.size());
-    CheckStatus("pexquo::parallel",
-                quoiRngUniformBits(0, s.handle(), static_cast<std::int64_t>(n), words.data()),
-                where);
-    outputs -= n;
+    const auto n = static_cast<std::int32_t>(std::min(outputs, most));
+    CheckStatus("pexquo::parallel", properties.iBRng(s.handle(), n, nowhere), where);
+    outputs -= static_cast<std::uint64_t>(n);
   }
 }
 
-// A piece of an array that is filled; counts are steps, as many numbers as have to be drawn
-// together.
-struct Share {
-  std::size_t first, count;
-  std::size_t passed;  // steps between the shares that were taken before and before that
-};
-
-// An array of n steps in shares that are taken one by one from its beginning.
-class Shares {
+// An array of n steps, as many numbers as have to be drawn together, that threads fill from one
+// stream. The first has all of it; one that comes later, or is done, takes over the later half of
+// the most that another one has left: so threads that come late or are slow keep nobody waiting,
+// and few streams have to move on.
+//
+// What a thread has is drawn in pieces, large ones first, as what has begun cannot be taken over. A
+// stream that skips stays where it is, for all to skip from; of others each thread leaves a copy
+// where it last stood.
+class Parts {
  public:
-  // Of a step's `size` numbers a thread is to have at least `block`.
-  Shares(Advance how, std::size_t n, std::size_t size, std::size_t block, unsigned threads)
-      : n_(n) {
-    const std::size_t least = std::max<std::size_t>(block / size, 1);
-    if (how == Advance::draw) {
-      left_ = std::clamp<std::size_t>(n / least, 1, threads);
-    } else {
-      // Skipping takes some microseconds however far it goes: a few large shares for each thread.
-      const std::size_t most = std::max<std::size_t>(8 * block / size, 1);
-      size_ = std::clamp(n / (std::size_t{4} * threads), least, most);
+  // A step is of so many outputs. No piece but the last is shorter than `least`; moving over steps
+  // takes `ahead` of the time of drawing them.
+  Parts(stream& s, Advance how, std::size_t n, std::uint64_t outputs, std::size_t least,
+        double ahead, std::size_t threads, std::source_location where)
+      : stream_(s),
+        how_(how),
+        size_(n),
+        outputs_(outputs),
+        least_(least),
+        most_(std::max(least, n / (2 * threads))),
+        ahead_(how == Advance::skip ? 0 : ahead),
+        where_(where),
+        parts_(threads) {
+    parts_[0].end = n;
+    if (how == Advance::make) {
+      state_bytes_ =
+          static_cast<std::size_t>(PropertiesOf(s, where).StateSize) - sizeof(*s.handle());
+      parts_[0].from.emplace(s);
     }
   }
 
-  std::size_t Count() const { return size_ == 0 ? left_ : (n_ + size_ - 1) / size_; }
-  bool IsEmpty() const { return next_ == n_; }
-  Share Take() {
-    const std::size_t rest = n_ - next_;
-    const std::size_t count = size_ != 0 ? std::min(size_, rest) : Falling(rest);
-    const Share share{next_, count, std::exchange(last_, count)};
-    next_ += count;
-    return share;
+  // In up to as many threads: draw(stream, first, count) of pieces until none is left.
+  template <typename Draw>
+  void Work(Draw&& draw) {
+    try {
+      WorkOn(draw);
+    } catch (...) {
+      failure_.Keep();
+    }
+  }
+
+  // When all are done: moves the stream on behind the array, and throws if something was thrown.
+  void End() {
+    try {
+      if (!is_moved_) MoveOn(stream_, how_, size_ * outputs_, where_);
+    } catch (...) {
+      failure_.Keep();
+    }
+    failure_.Rethrow();
   }
 
  private:
-  // Shares that are ended at the same time, when the words up to a share are drawn beforehand: each
-  // is smaller than the one before by what its words take of its time, about a tenth.
-  std::size_t Falling(std::size_t rest) {
-    constexpr double kAhead = 0.1;
-    const auto shares = static_cast<double>(left_--);
-    if (left_ == 0) return rest;
-    const double part = kAhead / (1 - std::pow(1 - kAhead, shares));
-    return std::clamp<std::size_t>(static_cast<std::size_t>(part * static_cast<double>(rest)), 1,
-                                   rest);
+  struct Part {
+    std::size_t begun = 0;          // where the piece that is being drawn begins
+    std::size_t next = 0, end = 0;  // what is left behind it
+    std::optional<stream> from;     // a stream that stands at `at`, no later than begun
+    std::size_t at = 0;
+
+    std::size_t Left() const { return end - next; }
+  };
+
+  template <typename Draw>
+  void WorkOn(Draw& draw) {
+    std::optional<stream> mine;
+    std::size_t place = 0;  // where it stands
+    std::unique_lock lock = LockSoon(mutex_);
+    Part& part = parts_[joined_++];
+    while (!failure_.IsThere()) {
+      if (part.next == part.end) {
+        if (!TakeOver(part)) break;
+        mine.reset();
+      }
+      if (!mine) {
+        mine.emplace(part.from ? *part.from : stream_);
+        place = part.at;
+      }
+      const std::size_t left = part.end - part.next;
+      const std::size_t count = std::min(left, std::clamp(left / 2, least_, most_));
+      const std::size_t first = part.begun = part.next;
+      part.next += count;
+      lock.unlock();
+      MoveOn(*mine, how_, (first - place) * outputs_, where_);
+      draw(*mine, first, count);
+      place = first + count;
+      lock = LockSoon(mutex_);
+      if (how_ == Advance::make) Leave(*mine, place, part);
+    }
   }
 
-  std::size_t n_, next_ = 0, last_ = 0;
-  std::size_t size_ = 0;  // of a share; 0: shares become smaller, and there are `left_`
-  std::size_t left_ = 0;
+  // The later half of what another one has left, or false if that is too little.
+  bool TakeOver(Part& part) {
+    Part& other = *std::ranges::max_element(parts_, {}, &Part::Left);
+    if (other.Left() < 2 * least_) return false;
+    // Where both are done at the same time.
+    const auto all = static_cast<double>(other.end - other.begun);
+    const std::size_t middle = std::clamp(
+        other.begun + static_cast<std::size_t>(all / (2 - ahead_)), other.next, other.end - least_);
+    part.begun = part.next = middle;
+    part.end = std::exchange(other.end, middle);
+    part.from.reset();
+    if (other.from) part.from.emplace(*other.from);
+    part.at = other.at;
+    return true;
+  }
+
+  void Leave(const stream& mine, std::size_t place, Part& part) {
+    if (place == size_) {
+      CopyState(mine, stream_);
+      is_moved_ = true;
+    } else if (part.next != part.end) {
+      CopyState(mine, *part.from);
+      part.at = place;
+    }
+  }
+
+  // Without what else the streams hold.
+  void CopyState(const stream& from, const stream& to) const {
+    std::memcpy(to.handle() + 1, from.handle() + 1, state_bytes_);
+  }
+
+  stream& stream_;
+  Advance how_;
+  std::size_t size_;
+  std::uint64_t outputs_;
+  std::size_t least_, most_;
+  double ahead_;
+  std::source_location where_;
+  std::size_t state_bytes_ = 0;
+  FirstException failure_;
+  std::mutex mutex_;  // for what follows, and the stream
+  std::vector<Part> parts_;
+  std::size_t joined_ = 0;
+  bool is_moved_ = false;
 };
 
 // Whether a normal number of type T waits in the stream to be drawn: the stream keeps its pair of

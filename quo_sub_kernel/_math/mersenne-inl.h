@@ -311,6 +311,23 @@ HWY_INLINE void Generate(typename Source::State& state, size_t n, typename Outpu
   state.mti = static_cast<int32_t>((n - 1) % State::kN + 1);
 }
 
+// Moves the state on as n outputs would, n at least 1: the words are made and not tempered.
+template <class Source>
+HWY_INLINE void PassOver(typename Source::State& state, size_t n) {
+  using State = typename Source::State;
+  const size_t used = std::min<size_t>(static_cast<uint32_t>(state.mti), State::kN);
+  const size_t pending = std::min(n, State::kN - used);
+  state.mti = static_cast<int32_t>(used + pending);
+  if (pending == n) return;
+  n -= pending;
+  const auto ignore = [](size_t, WordVec) HWY_ATTR {};
+  Source source(state);
+  for (; n > Source::kMost; n -= Source::kMost) source.Next(Source::kMost, ignore);
+  source.Next(n, ignore);
+  source.Leave(n);
+  state.mti = static_cast<int32_t>((n - 1) % State::kN + 1);
+}
+
 template <class Source>
 HWY_INLINE void GenerateDoubles(typename Source::State& state, size_t n, double* r, double a,
                                 double b) {

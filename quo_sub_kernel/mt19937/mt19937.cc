@@ -68,7 +68,15 @@ void dMT19937(StateMT19937* state, size_t n, double* r, double a, double b) {
 void sMT19937(StateMT19937* state, size_t n, float* r, double a, double b) {
   GenerateFloats<SourceMT19937>(*state, n, r, a, b);
 }
+// In a copy that begins with a cache line, as a stream's block does not: its vectors lie across two
+// lines each.
+HWY_NOINLINE void PassOverMT19937(StateMT19937* state, size_t n) {
+  alignas(64) StateMT19937 copy = *state;
+  PassOver<SourceMT19937>(copy, n);
+  *state = copy;
+}
 void iMT19937(StateMT19937* state, size_t n, uint32_t* r) {
+  if (r == nullptr) return PassOverMT19937(state, n);
   Generate<SourceMT19937>(*state, n, r, TwisterIntegers());
 }
 

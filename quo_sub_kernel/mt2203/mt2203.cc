@@ -99,7 +99,11 @@ void sMT2203(StateMT2203* state, size_t n, float* r, double a, double b) {
   GenerateFloats<SourceMT2203>(*state, n, r, a, b);
 }
 void iMT2203(StateMT2203* state, size_t n, uint32_t* r) {
-  Generate<SourceMT2203>(*state, n, r, TwisterIntegers());
+  if (r == nullptr) {
+    PassOver<SourceMT2203>(*state, n);
+  } else {
+    Generate<SourceMT2203>(*state, n, r, TwisterIntegers());
+  }
 }
 
 }  // namespace quo::HWY_NAMESPACE

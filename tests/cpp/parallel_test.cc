@@ -1,6 +1,8 @@
 // Many cores give the bits of one thread, leave the stream where one thread leaves it, and report
 // special elements as one thread does.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
@@ -9,10 +11,12 @@
 #include <chrono>
 #include <complex>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <numeric>
 #include <random>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -149,6 +153,48 @@ TEST(ParallelFill, VectorsGiveTheSerialBits) {
   for (std::size_t i = 0; i < factor.size(); ++i) factor[i] = 1 / (1 + static_cast<double>(i));
   const pexquo::normal_mv many(std::vector<double>(13, 1), factor);
   CompareBoth(many, stream("mcg59", 1), "normal_mv by BLAS");
+}
+
+// Threads that come and go as they like: all steps are drawn once, each from its place.
+TEST(ParallelFill, PartsOfThreadsThatAreLateOrSlow) {
+  using pexquo::detail::Advance;
+  const auto seed = std::random_device()();
+  std::printf("seed %u\n", seed);
+  std::mt19937 random(seed);
+  const auto up_to = [&](std::size_t most) { return random() % (most + 1); };
+  stream member(generator::mt2203, pexquo::member{77}, 7);
+  for (const stream& fresh : {stream(generator::mt19937, 7), member, stream(generator::r250, 7),
+                              stream(generator::mrg32k3a, 7), stream(generator::mcg31m1, 7)}) {
+    const Advance how = fresh.can_skip() ? Advance::skip : Advance::make;
+    for (int round = 0; round < 60; ++round) {
+      stream start(fresh);
+      (void)pexquo::uniform_bits{}.sample(start, up_to(700));
+      const std::size_t n = up_to(6000), step = 1 + up_to(2), threads = 1 + up_to(6);
+      stream serial(start), s(start);
+      const auto expected = pexquo::uniform_bits{}.sample(serial, n * step);
+      std::vector<std::uint32_t> r(n * step);
+      pexquo::detail::Parts parts(s, how, n, step, 1 + up_to(200), 0.1, threads, {});
+      const auto work = [&](unsigned pace) {
+        std::mt19937 delays(pace);
+        const auto delay = [&] {
+          std::this_thread::sleep_for(std::chrono::microseconds(delays() % 4 * (pace % 3) * 50));
+        };
+        delay();
+        parts.Work([&](stream& from, std::size_t first, std::size_t count) {
+          pexquo::uniform_bits{}.fill(from, std::span(r).subspan(first * step, count * step));
+          delay();
+        });
+      };
+      {
+        std::vector<std::jthread> others;
+        for (std::size_t t = 1; t < threads; ++t) others.emplace_back(work, random());
+        work(random());
+      }
+      parts.End();
+      ASSERT_EQ(r, expected) << name(fresh.kind()) << ", round " << round;
+      ASSERT_EQ(Continuation(s), Continuation(serial)) << name(fresh.kind()) << ", round " << round;
+    }
+  }
 }
 
 TEST(ParallelFill, AbstractStreamsAreLeftToOneThread) {
@@ -488,6 +534,26 @@ TEST(ParallelForEach, FlagsOfTheHelpersAreTheCallers) {
   EXPECT_EQ(std::fetestexcept(FE_OVERFLOW | FE_UNDERFLOW | FE_INVALID | FE_DIVBYZERO),
             FE_OVERFLOW | FE_UNDERFLOW);
   std::feclearexcept(FE_ALL_EXCEPT);
+}
+
+// Helpers on their way to sleep, or just woken, are missing in the child.
+TEST(ParallelForEach, AForkedChildGoesOnAlone) {
+  const parallel cores(3, kBlock);
+  const auto a = Arguments<double>(3000);
+  std::vector<double> r(a.size());
+  for (int round = 0; round < 200; ++round) {
+    cores.apply(pexquo::exp, a, r);
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      alarm(20);
+      cores.apply(pexquo::exp, a, r);
+      _exit(0);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_EQ(status, 0) << "round " << round;
+  }
 }
 
 // A call within a call, and calls of several threads at once.

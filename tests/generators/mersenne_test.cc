@@ -266,6 +266,24 @@ TEST_P(Mersenne, SeedCounts) {
   EXPECT_EQ(negative.State(), Stream(g(), {1}).State());
 }
 
+TEST_P(Mersenne, WordsToNoArrayArePassedOver) {
+  OnEveryLevel([&] {
+    for (int drawn : {0, 1, block() - 1, block()}) {
+      for (int n :
+           {-1, 0, 1, block() - 1, block(), block() + 1, piece(), piece() + 1, 3000, 20000}) {
+        SCOPED_TRACE(std::to_string(drawn) + " drawn, " + std::to_string(n) + " passed over");
+        Stream stream(g(), kSeed);
+        Twister twister(g(), kSeed);
+        ASSERT_EQ(stream.Words(drawn), twister.Words(drawn));
+        ASSERT_EQ(stream.PassOver(n), QUO_OK);
+        twister.Words(std::max(n, 0));
+        ExpectSameState(stream, twister);
+        ASSERT_EQ(stream.Words(100), twister.Words(100));
+      }
+    }
+  });
+}
+
 TEST_P(Mersenne, Refusals) {
   Stream stream(g(), kSeed);
   Twister twister(g(), kSeed);

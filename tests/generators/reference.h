@@ -147,6 +147,7 @@ class Stream {
     g_->ibrng(get(), n, words.data());
     return words;
   }
+  int32_t PassOver(int32_t n) { return g_->ibrng(get(), n, nullptr); }
   std::vector<double> Doubles(int32_t n, double a = 0, double b = 1) {
     std::vector<double> r(n);
     g_->dbrng(get(), n, r.data(), a, b);
