@@ -54,7 +54,7 @@ struct Kernel {
   static constexpr int kArguments = 1;
   static constexpr int kResults = 1;
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;  // vectors per group
-  static constexpr T kHarmless = T(1);  // stands in for rare lanes and for lanes beyond the end
+  static constexpr T kHarmless = T(1);                            // stands in for rare lanes
 };
 
 // For long chains of operations with a division at their end: groups large enough to hide the ends,
@@ -78,6 +78,22 @@ HWY_INLINE MaskOf<D> FirstLanes(D d, size_t count) {
 #endif
 }
 
+#if HWY_TARGET == HWY_AVX3
+// The lanes of a mask from memory, the others from v.
+HWY_INLINE hn::Vec512<double> LoadOver(hn::Vec512<double> v, hn::Mask512<double> mask,
+                                       const double* from) {
+  return {_mm512_mask_loadu_pd(v.raw, mask.raw, from)};
+}
+HWY_INLINE hn::Vec512<float> LoadOver(hn::Vec512<float> v, hn::Mask512<float> mask,
+                                      const float* from) {
+  return {_mm512_mask_loadu_ps(v.raw, mask.raw, from)};
+}
+HWY_INLINE hn::Vec256<float> LoadOver(hn::Vec256<float> v, hn::Mask256<float> mask,
+                                      const float* from) {
+  return {_mm256_mask_loadu_ps(v.raw, mask.raw, from)};
+}
+#endif
+
 // The first `count` elements, 0 < count < Lanes(d), and `fill` in the other lanes. Reads no
 // further.
 template <class D, typename T = hn::TFromD<D>>
@@ -100,9 +116,18 @@ HWY_INLINE VecOf<D> LoadFirst(D d, const T* HWY_RESTRICT from, size_t count, T f
 #if HWY_TARGET == HWY_AVX2
   return hn::Or(hn::MaskedLoad(mask, d, from), hn::IfThenZeroElse(mask, hn::Set(d, fill)));
 #else
-  return hn::IfThenElse(mask, hn::MaskedLoad(mask, d, from), hn::Set(d, fill));
+  return LoadOver(hn::Set(d, fill), mask, from);
 #endif
 #endif
+}
+
+// The same with the first element in the other lanes. A number the same for all kernels would be
+// rare for one of them, or beyond its Main's part, and its short calls would all take the long way.
+template <class D, typename T = hn::TFromD<D>>
+HWY_INLINE VecOf<D> LoadFirst(D d, const T* HWY_RESTRICT from, size_t count) {
+  T first;
+  hwy::CopyBytes<sizeof(T)>(from, &first);  // the array may be at any address
+  return LoadFirst(d, from, count, first);
 }
 
 // An argument or result array; a scalar argument is the same in every lane.
@@ -114,8 +139,8 @@ struct ArraySource {
     return hn::LoadU(d, p + i);
   }
   template <class D>
-  HWY_INLINE VecOf<D> LoadTail(D d, size_t i, size_t count, T fill) const {
-    return LoadFirst(d, p + i, count, fill);
+  HWY_INLINE VecOf<D> LoadTail(D d, size_t i, size_t count) const {
+    return LoadFirst(d, p + i, count);
   }
 };
 
@@ -127,7 +152,7 @@ struct ScalarSource {
     return hn::Set(d, value);
   }
   template <class D>
-  HWY_INLINE VecOf<D> LoadTail(D d, size_t, size_t, T) const {
+  HWY_INLINE VecOf<D> LoadTail(D d, size_t, size_t) const {
     return hn::Set(d, value);
   }
 };
@@ -301,7 +326,7 @@ HWY_INLINE int RareElement(T x, T y, T* r1, T* r2) {
 template <class K, class Source>
 HWY_INLINE VecOf<typename K::Tag> LoadAtEnd(const Source& from, size_t i, size_t count) {
   const typename K::Tag d;
-  return count == hn::Lanes(d) ? from.Load(d, i) : from.LoadTail(d, i, count, K::kHarmless);
+  return count == hn::Lanes(d) ? from.Load(d, i) : from.LoadTail(d, i, count);
 }
 
 template <class K, class D, class C, class V>
@@ -325,7 +350,7 @@ HWY_NOINLINE void CarefulVector(C call, size_t i, size_t count) {
   auto x = LoadAtEnd<K>(call.a, i, count);
   auto y = x;
   if constexpr (K::kArguments == 2) y = LoadAtEnd<K>(call.b, i, count);
-  // A scalar argument fills the lanes beyond the end too, so they can be rare, and are disarmed.
+  // What fills the lanes beyond the end can be rare, and is disarmed too.
   const auto rare = RareLanes<K>(d, x, y);
   const bool any = !hn::AllFalse(d, rare);
 
