@@ -45,6 +45,12 @@ namespace pex::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+// On AVX-512, which elements go into a vector of AVX2's size, where they fit it: none, those of a
+// call, or also those that a call has beyond one whole vector. The units that divide, take roots
+// and gather need half the time for it; but some formulas of AVX-512 are the shorter ones, and two
+// vectors in steps often take less than one after the other.
+enum class HalfVectors { kNever, kAlone, kAtEnd };
+
 // What a kernel says of itself. Compute is the type that a vector register holds while it computes:
 // a single-precision kernel that computes in double works on as many elements as there are doubles.
 template <typename Element, typename Compute = Element>
@@ -54,7 +60,8 @@ struct Kernel {
   static constexpr int kArguments = 1;
   static constexpr int kResults = 1;
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 6 : 4;  // vectors per group
-  static constexpr T kHarmless = T(1);  // stands in for rare lanes and for lanes beyond the end
+  static constexpr T kHarmless = T(1);                            // stands in for rare lanes
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAlone;
 };
 
 // For long chains of operations with a division at their end: groups large enough to hide the ends,
@@ -78,6 +85,22 @@ HWY_INLINE MaskOf<D> FirstLanes(D d, size_t count) {
 #endif
 }
 
+#if HWY_TARGET == HWY_AVX3
+// The lanes of a mask from memory, the others from v.
+HWY_INLINE hn::Vec512<double> LoadOver(hn::Vec512<double> v, hn::Mask512<double> mask,
+                                       const double* from) {
+  return {_mm512_mask_loadu_pd(v.raw, mask.raw, from)};
+}
+HWY_INLINE hn::Vec512<float> LoadOver(hn::Vec512<float> v, hn::Mask512<float> mask,
+                                      const float* from) {
+  return {_mm512_mask_loadu_ps(v.raw, mask.raw, from)};
+}
+HWY_INLINE hn::Vec256<float> LoadOver(hn::Vec256<float> v, hn::Mask256<float> mask,
+                                      const float* from) {
+  return {_mm256_mask_loadu_ps(v.raw, mask.raw, from)};
+}
+#endif
+
 // The first `count` elements, 0 < count < Lanes(d), and `fill` in the other lanes. Reads no
 // further.
 template <class D, typename T = hn::TFromD<D>>
@@ -100,9 +123,18 @@ HWY_INLINE VecOf<D> LoadFirst(D d, const T* HWY_RESTRICT from, size_t count, T f
 #if HWY_TARGET == HWY_AVX2
   return hn::Or(hn::MaskedLoad(mask, d, from), hn::IfThenZeroElse(mask, hn::Set(d, fill)));
 #else
-  return hn::IfThenElse(mask, hn::MaskedLoad(mask, d, from), hn::Set(d, fill));
+  return LoadOver(hn::Set(d, fill), mask, from);
 #endif
 #endif
+}
+
+// The same with the first element in the other lanes. A number the same for all kernels would be
+// rare for one of them, or beyond its Main's part, and its short calls would all take the long way.
+template <class D, typename T = hn::TFromD<D>>
+HWY_INLINE VecOf<D> LoadFirst(D d, const T* HWY_RESTRICT from, size_t count) {
+  T first;
+  hwy::CopyBytes<sizeof(T)>(from, &first);  // the array may be at any address
+  return LoadFirst(d, from, count, first);
 }
 
 // An argument or result array; a scalar argument is the same in every lane.
@@ -114,8 +146,8 @@ struct ArraySource {
     return hn::LoadU(d, p + i);
   }
   template <class D>
-  HWY_INLINE VecOf<D> LoadTail(D d, size_t i, size_t count, T fill) const {
-    return LoadFirst(d, p + i, count, fill);
+  HWY_INLINE VecOf<D> LoadTail(D d, size_t i, size_t count) const {
+    return LoadFirst(d, p + i, count);
   }
 };
 
@@ -127,7 +159,7 @@ struct ScalarSource {
     return hn::Set(d, value);
   }
   template <class D>
-  HWY_INLINE VecOf<D> LoadTail(D d, size_t, size_t, T) const {
+  HWY_INLINE VecOf<D> LoadTail(D d, size_t, size_t) const {
     return hn::Set(d, value);
   }
 };
@@ -301,7 +333,7 @@ HWY_INLINE int RareElement(T x, T y, T* r1, T* r2) {
 template <class K, class Source>
 HWY_INLINE VecOf<typename K::Tag> LoadAtEnd(const Source& from, size_t i, size_t count) {
   const typename K::Tag d;
-  return count == hn::Lanes(d) ? from.Load(d, i) : from.LoadTail(d, i, count, K::kHarmless);
+  return count == hn::Lanes(d) ? from.Load(d, i) : from.LoadTail(d, i, count);
 }
 
 template <class K, class D, class C, class V>
@@ -325,7 +357,7 @@ HWY_NOINLINE void CarefulVector(C call, size_t i, size_t count) {
   auto x = LoadAtEnd<K>(call.a, i, count);
   auto y = x;
   if constexpr (K::kArguments == 2) y = LoadAtEnd<K>(call.b, i, count);
-  // A scalar argument fills the lanes beyond the end too, so they can be rare, and are disarmed.
+  // What fills the lanes beyond the end can be rare, and is disarmed too.
   const auto rare = RareLanes<K>(d, x, y);
   const bool any = !hn::AllFalse(d, rare);
 
@@ -511,10 +543,72 @@ HWY_INLINE ArrayCall<K, T> CallOn(const char* name, const T* a, T* r1, T* r2) {
   return {{a}, {a}, a, r1, r2, name};
 }
 
+// Vectors of half the size, for a last one that fits: half as long in the units that divide, take
+// roots and gather, and no slower in the others. The formula is the one that AVX2 has, between
+// loads and stores under the masks of this level. Parts: a Run of AVX2.
+template <class Parts, typename... Operands>
+struct HalfRun;
+
+#if HWY_TARGET == HWY_AVX3
+template <class Parts, typename... Operands>
+struct HalfRun {
+  using K = typename Parts::OfKernel;
+  using T = typename K::T;
+  using V = N_AVX2::VecOf<typename K::Tag>;
+
+  // The last vector, from i on.
+  static HWY_NOINLINE int One(size_t end, Operands... operands, size_t i, const char* name) {
+    const auto call = N_AVX2::CallOn<K>(name, operands...);
+    const auto mask = static_cast<__mmask8>(_bzhi_u32(0xFF, static_cast<uint32_t>(end - i)));
+    V x[1] = {Load(mask, call.a, i)}, y[1] = {x[0]};
+    if constexpr (K::kArguments == 2) y[0] = Load(mask, call.b, i);
+    if (!Parts::Try(typename K::Tag(), x, y)) [[unlikely]]
+      return Parts::Uncommon(end, operands..., i, name);
+    Store(mask, x[0].raw, call.r1 + i);
+    if constexpr (K::kResults == 2) Store(mask, y[0].raw, call.r2 + i);
+    return 0;
+  }
+
+ private:
+  static HWY_INLINE V Load(__mmask8, N_AVX2::ScalarSource<T> from, size_t) {
+    return from.Load(typename K::Tag(), 0);
+  }
+  // As LoadFirst.
+  static HWY_INLINE V Load(__mmask8 mask, N_AVX2::ArraySource<T> from, size_t i) {
+    T first;
+    hwy::CopyBytes<sizeof(T)>(from.p + i, &first);
+    if constexpr (sizeof(T) == 8) {
+      return V{_mm256_mask_loadu_pd(_mm256_set1_pd(first), mask, from.p + i)};
+    } else if constexpr (sizeof(V) == 32) {
+      return V{_mm256_mask_loadu_ps(_mm256_set1_ps(first), mask, from.p + i)};
+    } else {
+      return V{_mm_mask_loadu_ps(_mm_set1_ps(first), mask, from.p + i)};
+    }
+  }
+  static HWY_INLINE void Store(__mmask8 mask, __m256d v, double* to) {
+    _mm256_mask_storeu_pd(to, mask, v);
+  }
+  static HWY_INLINE void Store(__mmask8 mask, __m256 v, float* to) {
+    _mm256_mask_storeu_ps(to, mask, v);
+  }
+  static HWY_INLINE void Store(__mmask8 mask, __m128 v, float* to) {
+    _mm_mask_storeu_ps(to, mask, v);
+  }
+};
+#endif
+
 // The parts of a call, functions of their own that end with calls of one another: short calls then
 // save no register. The operands stay where the body has them.
 template <class K, typename... Operands>
 struct Run {
+  using OfKernel = K;
+  static constexpr size_t kLanes = hn::MaxLanes(typename K::Tag());
+
+  template <class D, class V, size_t kVectors>
+  static HWY_INLINE bool Try(D d, V (&x)[kVectors], V (&y)[kVectors]) {
+    return TryVectors<K>(d, x, y);
+  }
+
   // Less than a group, from its first vector on that may have a rare lane.
   static HWY_NOINLINE int Uncommon(size_t end, Operands... operands, size_t i, const char* name) {
     const auto call = CallOn<K>(name, operands...);
@@ -581,12 +675,29 @@ struct Run {
     return end - i > lanes ? Few(end, operands..., i, name) : One(end, operands..., i, name);
   }
 
+  // A whole vector and a last one of Half.
+  template <class Half>
+  static HWY_NOINLINE int OneAndHalf(size_t end, Operands... operands, const char* name) {
+    if (!CommonVector<K>(CallOn<K>(name, operands...), 0, kLanes)) [[unlikely]]
+      return Uncommon(end, operands..., 0, name);
+    return HalfRun<Half, Operands...>::One(end, operands..., kLanes, name);
+  }
+
+  // Half: void, or the parts of the same call for vectors of half the size, which are the faster
+  // ones for a last vector that fits.
+  template <class Half>
   static HWY_INLINE int All(int32_t n, Operands... operands, const char* name) {
     if (n <= 0) [[unlikely]]
       return 0;
-    const size_t end = static_cast<uint32_t>(n), lanes = hn::Lanes(typename K::Tag());
-    if (end <= lanes) return One(end, operands..., 0, name);
-    if (end < kLeast * lanes) return Few(end, operands..., 0, name);
+    const size_t end = static_cast<uint32_t>(n);
+    if constexpr (!std::is_void_v<Half> && K::kHalfVectors != HalfVectors::kNever) {
+      if (end <= Half::kLanes) return HalfRun<Half, Operands...>::One(end, operands..., 0, name);
+    }
+    if (end <= kLanes) return One(end, operands..., 0, name);
+    if constexpr (!std::is_void_v<Half> && K::kHalfVectors == HalfVectors::kAtEnd) {
+      if (end <= kLanes + Half::kLanes) return OneAndHalf<Half>(end, operands..., name);
+    }
+    if (end < kLeast * kLanes) return Few(end, operands..., 0, name);
     return Many(end, operands..., name);
   }
 
@@ -602,45 +713,39 @@ struct Run {
   static constexpr int kLeast = LeastGroup();  // vectors of the smallest group
 };
 
-template <class K, typename... Operands>
-HWY_INLINE int RunCall(int32_t n, const char* name, Operands... operands) {
-  return Run<K, Operands...>::All(n, operands..., name);
-}
-
-template <class K, typename T = typename K::T>
-HWY_INLINE int MapUnary(int32_t n, const T* a, T* r, const char* name) {
-  return RunCall<K>(n, name, a, r);
-}
-
-template <class K, typename T = typename K::T>
-HWY_INLINE int MapBinary(int32_t n, const T* a, const T* b, T* r, const char* name) {
-  return RunCall<K>(n, name, a, b, r);
-}
-
 template <class K, typename T = typename K::T>
 HWY_INLINE int MapUnaryScalar(int32_t n, const T* a, T b, T* r, const char* name) {
-  return RunCall<K>(n, name, a, b, r);
+  return Run<K, const T*, T, T*>::template All<void>(n, a, b, r, name);
 }
 
-template <class K, typename T = typename K::T>
-HWY_INLINE int MapUnaryTwo(int32_t n, const T* a, T* r1, T* r2, const char* name) {
-  return RunCall<K>(n, name, a, r1, r2);
-}
+// The parts of a body of AVX2, for the last vectors of the same body on AVX-512.
+#undef PEX_HALF
+#if HWY_TARGET == HWY_AVX3
+#define PEX_HALF(body) N_AVX2::body##Run
+#else
+#define PEX_HALF(body) void
+#endif
 
 // The bodies that PEX_EXPORT_* dispatches to.
-#define PEX_UNARY(T, body, K) \
-  int body(int32_t n, const T* a, T* r) { return MapUnary<K>(n, a, r, _PEX_THISFUNC_NAME); }
-#define PEX_BINARY(T, body, K)                           \
-  int body(int32_t n, const T* a, const T* b, T* r) {    \
-    return MapBinary<K>(n, a, b, r, _PEX_THISFUNC_NAME); \
+#define PEX_UNARY(T, body, K)                                           \
+  using body##Run = Run<K, const T*, T*>;                               \
+  int body(int32_t n, const T* a, T* r) {                               \
+    return body##Run::All<PEX_HALF(body)>(n, a, r, _PEX_THISFUNC_NAME); \
   }
-#define PEX_UNARY_SCALAR(T, body, K)                          \
-  int body(int32_t n, const T* a, T b, T* r) {                \
-    return MapUnaryScalar<K>(n, a, b, r, _PEX_THISFUNC_NAME); \
+#define PEX_BINARY(T, body, K)                                             \
+  using body##Run = Run<K, const T*, const T*, T*>;                        \
+  int body(int32_t n, const T* a, const T* b, T* r) {                      \
+    return body##Run::All<PEX_HALF(body)>(n, a, b, r, _PEX_THISFUNC_NAME); \
   }
-#define PEX_UNARY_TWO(T, body, K)                            \
-  int body(int32_t n, const T* a, T* r1, T* r2) {            \
-    return MapUnaryTwo<K>(n, a, r1, r2, _PEX_THISFUNC_NAME); \
+#define PEX_UNARY_SCALAR(T, body, K)                                       \
+  using body##Run = Run<K, const T*, T, T*>;                               \
+  int body(int32_t n, const T* a, T b, T* r) {                             \
+    return body##Run::All<PEX_HALF(body)>(n, a, b, r, _PEX_THISFUNC_NAME); \
+  }
+#define PEX_UNARY_TWO(T, body, K)                                            \
+  using body##Run = Run<K, const T*, T*, T*>;                                \
+  int body(int32_t n, const T* a, T* r1, T* r2) {                            \
+    return body##Run::All<PEX_HALF(body)>(n, a, r1, r2, _PEX_THISFUNC_NAME); \
   }
 
 }  // namespace pex::HWY_NAMESPACE

@@ -32,6 +32,8 @@ struct PlainKernel {
   static constexpr T kBeyond = T(0);           // stands in the lanes beyond the end
   static constexpr bool kMemoryBound = false;  // whether to ask WholeVectors
   static constexpr size_t kTogether = 1;       // numbers that stay in lanes side by side
+  // On AVX-512, half a register for last elements that fit: for what divides and takes roots.
+  static constexpr bool kHalfTail = false;
 };
 
 // Whether to load and store whole vectors where memory is the limit. Most processors move one of 64
@@ -156,8 +158,11 @@ template <class K, size_t kLanes>
 HWY_INLINE void PlainTail(const PlainArrays<K>& p, size_t i, size_t end) {
   using T = typename K::T;
 #if HWY_TARGET == HWY_AVX3
-  const hn::CappedTag<T, kLanes> d;
   if (i == end) return;
+  if constexpr (K::kHalfTail && kLanes * sizeof(T) == 64) {
+    if (end - i <= kLanes / 2) return PlainTail<K, kLanes / 2>(p, i, end);
+  }
+  const hn::CappedTag<T, kLanes> d;
   const auto mask = hn::FirstN(d, end - i);
   const auto load = [&](const T* from) HWY_ATTR {
     const auto x = hn::MaskedLoad(mask, d, from);

@@ -38,6 +38,7 @@ using dAcosLA = AsinKernel<dAcosForLA>;
 
 template <AsinDomain kDomain>
 struct dAcosForHA : dAcosCommon<kDomain> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAtEnd;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     FullInTurn<FullAcosPart, kDomain>(d, x, r);

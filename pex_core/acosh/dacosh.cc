@@ -13,6 +13,7 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vdAcosh";
 
 struct dAcoshCommon : Kernel<double> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kNever;
   using Rarity = RareOutside<double, 0x3FF00000, 0x7FEFFFFF>;  // below 1, infinite, NaN
   static HWY_INLINE int Rare(double x, double* r) { return AcoshRare(x, r); }
 };

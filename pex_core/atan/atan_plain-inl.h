@@ -283,6 +283,8 @@ struct AtanCommon : Kernel<Element> {
 
 template <typename T, template <class, size_t> class Part, class Range = AtanRange<T>>
 struct AtanPlain : AtanCommon<T> {
+  static constexpr HalfVectors kHalfVectors =
+      sizeof(T) == 8 ? HalfVectors::kAtEnd : HalfVectors::kAlone;
   template <class D, class V, size_t K>
   static HWY_INLINE bool AnyMayBeRare(D d, const V (&x)[K]) {
     return AnyOutsideAtanRange<Range>(d, x);

@@ -30,6 +30,7 @@ struct dAtan2WideEP : dAtan2Common {
 struct dAtan2EP : Kernel<double>, Atan2NarrowDomain {
   static constexpr int kArguments = 2;
   static constexpr int kUnroll = 8;
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAtEnd;
   using Wide = dAtan2WideEP;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
@@ -48,6 +49,7 @@ struct dAtan2WideLA : dAtan2Common {
 struct dAtan2LA : Kernel<double>, Atan2ModestDomain {
   static constexpr int kArguments = 2;
   static constexpr int kUnroll = 8;
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAtEnd;
   using Wide = dAtan2WideLA;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {
@@ -66,6 +68,7 @@ struct dAtan2WideHA : dAtan2Common {
 struct dAtan2HA : Kernel<double>, Atan2ModestDomain {
   static constexpr int kArguments = 2;
   static constexpr int kUnroll = 8;
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAtEnd;
   using Wide = dAtan2WideHA;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&y)[K], const V (&x)[K], V (&r)[K]) {

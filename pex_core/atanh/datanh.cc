@@ -20,6 +20,7 @@ struct dAtanhCommon : Groups {
 };
 
 struct dAtanhEP : dAtanhCommon<> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAtEnd;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     AtanhByHalves(d, x, 0.1716, dAtanhEPPolynomial, r);
@@ -27,6 +28,7 @@ struct dAtanhEP : dAtanhCommon<> {
 };
 
 struct dAtanhLA : dAtanhCommon<> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAtEnd;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&r)[K]) {
     AtanhByHalves(d, x, 0.245, dAtanhLAPolynomial, r);

@@ -233,6 +233,7 @@ struct dErfWide : dErfFine<true> {
 };
 
 struct dErfHA : dErfFine<false> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAtEnd;
   using Rarity = RareByMagnitude<RareOutside<double, 0x2FF00000, 0x4017FFFF>>;
   using Wide = dErfWide;
 };

@@ -99,6 +99,7 @@ HWY_INLINE V ExpLAPolynomial(D d, V r) {
 
 #if HWY_TARGET == HWY_AVX3
 struct dExpLA : Kernel<double> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kNever;
   using Rarity = ExpLAOutside;
   static constexpr int kUnroll = 8;
   static HWY_INLINE int Rare(double x, double* r) { return dExpLAScalar(x, r); }
@@ -245,6 +246,7 @@ HWY_INLINE VecOf<D> HalfPower(D d, BitsOf<D> k) {
 
 // 2^(k/128) from a table, times 1 + r + r^2/2 = ((1 + r)^2 + 1)/2, |r| <= ln2/256.
 struct dExpEP : Kernel<double> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kNever;
   using Rarity = RareAbove<double, 0x4086232A>;  // |x| >= 708.39599609375
   static constexpr int kUnroll = HWY_TARGET == HWY_AVX3 ? 8 : 4;
   // The second keeps the only product with a tiny x from underflow.
@@ -299,6 +301,7 @@ HWY_INLINE ExpPoint<D> ExpPointAt(D, BitsOf<D> k) {
 // t, a number next to 2^(k/256), times e^r by a quartic in |r| <= ln2/512. k times both parts of
 // ln2 is exact. Largest error seen: 0.5264 ulp (-0x1.61dbe42263cfcp+9).
 struct dExpHA : Kernel<double> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kNever;
   using Rarity = RareAbove<double, 0x4086232A>;  // |x| >= 708.39599609375
   static HWY_INLINE int Rare(double x, double* r) { return dExpScalar(x, r); }
   template <class D, class V>

@@ -172,6 +172,7 @@ struct sExpSums {
 };
 
 struct sExpHA : ShortSumKernel<sExpSums, sExpCommon<ShortSumCompute>> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kNever;
   static constexpr int kUnroll = HWY_TARGET == HWY_SSE4 ? 8 : HWY_TARGET == HWY_AVX2 ? 3 : 4;
 };
 

@@ -89,6 +89,7 @@ HWY_INLINE BitsOf<D> ShiftedEighth([[maybe_unused]] D d, BitsOf<D> k) {
 // factor in the polynomial keeps products of tiny arguments from underflow: their result is the
 // argument itself, without a flag.
 struct dExpm1EP : dExpm1Common<LargeGroups<double>> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kNever;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     constexpr int kScale = kHasSilentMul<V> ? 0 : 60;
@@ -199,6 +200,7 @@ HWY_INLINE Row2<VecOf<D>> ShortPower([[maybe_unused]] D d, BitsOf<D> k) {
 // of the other.
 template <bool kExact>
 struct dExpm1HAPart : dExpm1Common<Kernel<double>> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kNever;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     constexpr double kUnit = kStepUnit<V>;

@@ -120,6 +120,7 @@ struct HypotHA {
 
 template <typename Element, class Tier>
 struct HypotKernel : PlainKernel<Element, 2> {
+  static constexpr bool kHalfTail = true;
   using T = Element;
   using C = HypotConstants<T>;
   static constexpr T kBeyond = T(1);  // moderate

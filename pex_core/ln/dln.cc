@@ -14,6 +14,7 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vdLn";
 
 struct dLnCommon : Kernel<double> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kNever;
   using Rarity = RareOutside<double, 0x00100000, 0x7FEFFFFF>;  // not positive, normal and finite
   static HWY_INLINE int Rare(double x, double* r) { return dLnScalar(x, r); }
 };

@@ -15,6 +15,7 @@ namespace pex::HWY_NAMESPACE {
 static char _PEX_THISFUNC_NAME[] = "vdLog1p";
 
 struct dLog1pCommon : Kernel<double> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kNever;
   // 1 + x is not from 2^-1022 to 2^999: x <= -1, NaN, and where products with 2^-e come near
   // underflow.
   using Rarity = LogShortRarity<0x7E5FFFFF, 1>;

@@ -28,6 +28,7 @@ struct dPow3o2EP : dPow3o2Common {
 
 // The product with the processor's root: below 1.5 ulp.
 struct dPow3o2LA : Kernel<double> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAtEnd;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
     return IsNegative(d, x);
@@ -41,6 +42,7 @@ struct dPow3o2LA : Kernel<double> {
 
 // x s + s (x - s^2)/2 for the rounded root s: products and remainder exact.
 struct dPow3o2HA : dPow3o2Common {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAtEnd;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x) {
     const auto [m, exponent] = RootReduce(d, x);

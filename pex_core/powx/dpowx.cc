@@ -118,9 +118,12 @@ struct PowxKernelsHA {
   using Reciprocal = PowxFullReciprocal<kWhole>;
 };
 
+template <class Kernels>
+using PowxRun = Run<typename Kernels::Power, const double*, double, double*>;
+
 // b that are whole and small, and all that name no other kernel. With an infinite b or a NaN every
 // element is rare.
-template <class Kernels>
+template <class Kernels, class Half>
 HWY_INLINE int PowxBody(int32_t n, const double* a, double b, double* r) {
   const auto map = [=]<class K>(K)
                        HWY_ATTR { return MapUnaryScalar<K>(n, a, b, r, _PEX_THISFUNC_NAME); };
@@ -138,18 +141,21 @@ HWY_INLINE int PowxBody(int32_t n, const double* a, double b, double* r) {
     case BitsOfNumber(-4.0):
       return map(typename Kernels::template Reciprocal<4>());
     default:
-      return map(typename Kernels::Power());
+      return PowxRun<Kernels>::template All<Half>(n, a, b, r, _PEX_THISFUNC_NAME);
   }
 }
 
+using dPowx_26Run = PowxRun<PowxKernelsEP>;
 int dPowx_26(int32_t n, const double* a, double b, double* r) {
-  return PowxBody<PowxKernelsEP>(n, a, b, r);
+  return PowxBody<PowxKernelsEP, PEX_HALF(dPowx_26)>(n, a, b, r);
 }
+using dPowx_50Run = PowxRun<PowxKernelsLA>;
 int dPowx_50(int32_t n, const double* a, double b, double* r) {
-  return PowxBody<PowxKernelsLA>(n, a, b, r);
+  return PowxBody<PowxKernelsLA, PEX_HALF(dPowx_50)>(n, a, b, r);
 }
+using dPowx_HARun = PowxRun<PowxKernelsHA>;
 int dPowx_HA(int32_t n, const double* a, double b, double* r) {
-  return PowxBody<PowxKernelsHA>(n, a, b, r);
+  return PowxBody<PowxKernelsHA, PEX_HALF(dPowx_HA)>(n, a, b, r);
 }
 
 }  // namespace pex::HWY_NAMESPACE

@@ -37,6 +37,7 @@ struct sPowxProduct : Kernel<float, double> {
 
 // The exponents that have kernels of their own, by their bits; General for the others.
 #define PEX_POWX(suffix, General)                                                  \
+  using sPowx_##suffix##Run = Run<General, const float*, float, float*>;           \
   int sPowx_##suffix(int32_t n, const float* a, float b, float* r) {               \
     constexpr float kThird = 1.0f / 3, kTwoThirds = 2.0f / 3;                      \
     const auto is = [b](float special) {                                           \
@@ -56,7 +57,7 @@ struct sPowxProduct : Kernel<float, double> {
     if (is(kTwoThirds)) return _pexsPow2o3_##suffix(n, a, r);                      \
     if (is(1.5f)) return _pexsPow3o2_##suffix(n, a, r);                            \
     if (is(-1.0f)) return _pexsInv_HA(n, a, r);                                    \
-    return MapUnaryScalar<General>(n, a, b, r, name);                              \
+    return sPowx_##suffix##Run::All<PEX_HALF(sPowx_##suffix)>(n, a, b, r, name);   \
   }
 
 PEX_POWX(21, sPowLA)

@@ -25,6 +25,7 @@ struct dTanhCommon : Groups {
 
 // Points and h in one part: the offsets of the points are below 2^-34.
 struct dTanhEP : dTanhCommon<> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAtEnd;
   template <class D, class V, size_t K>
   static HWY_INLINE void MainGroup(D d, const V (&x)[K], V (&out)[K]) {
     V half_power[K], h[K];

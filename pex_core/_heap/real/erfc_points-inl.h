@@ -172,6 +172,7 @@ HWY_INLINE void FromCurve(D d, const V (&x)[K], V (&y)[K]) {
 
 template <class Curve, int (*kRare)(double, double*), bool kWide = true>
 struct CurvePart : Kernel<double> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAtEnd;
   static constexpr int kUnroll = 16;
   static constexpr int kRestUnroll = 4;
   using Rarity = typename Curve::template Rarity<kWide>;

@@ -62,6 +62,7 @@ HWY_INLINE void ErfInvAll(D d, const V (&x)[K], Pair<V> (&y)[K]) {
 
 template <class Function, ErfInvTier kTier, bool kWhole, int (*kRare)(const double*, double*)>
 struct dErfInvPart : Kernel<double> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAtEnd;
   static constexpr int kUnroll = kWhole ? 2 : HWY_TARGET == HWY_SSE4 ? 4 : 8;
   static constexpr int kRestUnroll = kWhole ? 2 : 4;
   static constexpr double kHarmless = 0.5;

@@ -167,6 +167,7 @@ struct sPowLA : sPowNarrowKernel {
 
 // In double. At most 0.5005 ulp.
 struct sPowHA : sPowKernel<double, 1, 0x7F7FFFFF> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kNever;
   template <class D, class V>
   static HWY_INLINE V Main(D d, V x, V y) {
     return Signed(d, PowWide(d, hn::Abs(x), y), x, y);

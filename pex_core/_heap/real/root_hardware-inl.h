@@ -30,6 +30,7 @@ HWY_INLINE MaskOf<D> IsZero(D d, V x) {
 
 template <typename T>
 struct SqrtKernel : Kernel<T> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAtEnd;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
     return IsNegative(d, x);
@@ -43,6 +44,7 @@ struct SqrtKernel : Kernel<T> {
 
 template <typename T>
 struct InvKernel : Kernel<T> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAtEnd;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, V x) {
     return IsZero(d, x);
@@ -56,6 +58,7 @@ struct InvKernel : Kernel<T> {
 
 template <typename T>
 struct DivKernel : Kernel<T> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kAtEnd;
   static constexpr int kArguments = 2;
   template <class D, class V>
   static HWY_INLINE MaskOf<D> IsRare(D d, V, V b) {

@@ -23,6 +23,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 // Rare: not positive, normal and finite.
 struct sLogKernel : Kernel<float> {
+  static constexpr HalfVectors kHalfVectors = HalfVectors::kNever;
 #if HWY_TARGET == HWY_AVX3
   static constexpr int kUnroll = 1;
   template <class D, class V>

@@ -117,6 +117,27 @@ HWY_NOINLINE void RunWide(C call, size_t i, size_t end) {
   }
 }
 
+// The results in place of the arguments; false, with arguments of no more use, when they are not
+// all usual.
+template <class F, class D, class V, size_t kVectors>
+HWY_INLINE bool TryUsual(D d, V (&x)[kVectors], V (&y)[kVectors]) {
+  if (!F::Usual::All(d, x)) [[unlikely]]
+    return false;
+  const auto group = [&]() HWY_ATTR {
+    if constexpr (F::kResults == 2) {
+      return F::Group(d, x, x, y);
+    } else {
+      return F::Group(d, x, x);
+    }
+  };
+  if constexpr (std::is_void_v<decltype(group())>) {
+    group();
+    return true;
+  } else {
+    return group();
+  }
+}
+
 // kVectors vectors from the element i on, the last of `count` elements and, so that it ends with
 // the arrays, so many `back`; false, with nothing done, when they are not all usual.
 template <class F, size_t kVectors, class C>
@@ -129,21 +150,8 @@ HWY_INLINE bool UsualVectors(const C& call, size_t i, size_t count, size_t back 
   for (size_t k = 0; k < kVectors; ++k) {
     x[k] = LoadAtEnd<K>(call.a, at(k), k + 1 < kVectors ? lanes : count);
   }
-  if (!F::Usual::All(d, x)) [[unlikely]]
+  if (!TryUsual<F>(d, x, y)) [[unlikely]]
     return false;
-  const auto group = [&]() HWY_ATTR {
-    if constexpr (F::kResults == 2) {
-      return F::Group(d, x, x, y);
-    } else {
-      return F::Group(d, x, x);
-    }
-  };
-  if constexpr (std::is_void_v<decltype(group())>) {
-    group();
-  } else {
-    if (!group()) [[unlikely]]
-      return false;
-  }
   for (size_t k = 0; k < kVectors; ++k) {
     StoreResults<K>(d, call, at(k), k + 1 < kVectors ? lanes : count, x[k],
                     F::kResults == 2 ? y[k] : x[k]);
@@ -165,8 +173,15 @@ struct TrigRun {
   static constexpr size_t kLeast = LeastGroup();
   static HWY_INLINE size_t Lanes() { return hn::Lanes(typename K::Tag()); }
 
-  static HWY_NOINLINE int Unusual(size_t end, const double* a, double* r1, double* r2, size_t i,
-                                  const char* name) {
+  using OfKernel = K;
+  static constexpr size_t kLanes = hn::MaxLanes(typename K::Tag());
+  template <class D, class V, size_t kVectors>
+  static HWY_INLINE bool Try(D d, V (&x)[kVectors], V (&y)[kVectors]) {
+    return TryUsual<F>(d, x, y);
+  }
+
+  static HWY_NOINLINE int Uncommon(size_t end, const double* a, double* r1, double* r2, size_t i,
+                                   const char* name) {
     RunWide<F>(CallOn<K>(name, a, r1, r2), i, end);
     return 0;
   }
@@ -177,7 +192,7 @@ struct TrigRun {
     const size_t count = end - i;
     if (count - 1 >= Lanes()) __builtin_unreachable();
     if (!UsualVectors<F, 1>(CallOn<K>(name, a, r1, r2), i, count)) [[unlikely]]
-      return Unusual(end, a, r1, r2, i, name);
+      return Uncommon(end, a, r1, r2, i, name);
     return 0;
   }
 
@@ -192,11 +207,11 @@ struct TrigRun {
       const size_t next = i + lanes;
       if (next < last && last <= next + lanes) {
         if (!UsualVectors<F, 3>(call, i, lanes, next + lanes - last)) [[unlikely]]
-          return Unusual(end, a, r1, r2, i, name);
+          return Uncommon(end, a, r1, r2, i, name);
         return 0;
       }
       if (!UsualVectors<F, 2>(call, i, lanes, next - HWY_MIN(next, last))) [[unlikely]]
-        return Unusual(end, a, r1, r2, i, name);
+        return Uncommon(end, a, r1, r2, i, name);
       i = next + lanes;
     } while (i < last);
     return 0;
@@ -222,24 +237,31 @@ struct TrigRun {
   }
 };
 
-template <class F>
+// Half: as in Run::All.
+template <class F, class Half>
 HWY_INLINE int RunTrig(int32_t n, const double* a, double* r1, double* r2, const char* name) {
   using Run = TrigRun<F>;
   if (n <= 0) [[unlikely]]
     return 0;
   const size_t end = static_cast<uint32_t>(n), lanes = Run::Lanes();
+  if constexpr (!std::is_void_v<Half>) {
+    using Last = HalfRun<Half, const double*, double*, double*>;
+    if (end <= Half::kLanes) return Last::One(end, a, r1, r2, 0, name);
+  }
   if (end <= lanes) return Run::One(end, a, r1, r2, 0, name);
   if (end < Run::kLeast * lanes) return Run::Few(end, a, r1, r2, 0, name);
   return Run::Many(end, a, r1, r2, name);
 }
 
-#define PEX_TRIG(body, F)                              \
-  int body(int32_t n, const double* a, double* r) {    \
-    return RunTrig<F>(n, a, r, r, _PEX_THISFUNC_NAME); \
+#define PEX_TRIG(body, F)                                              \
+  using body##Run = TrigRun<F>;                                        \
+  int body(int32_t n, const double* a, double* r) {                    \
+    return RunTrig<F, PEX_HALF(body)>(n, a, r, r, _PEX_THISFUNC_NAME); \
   }
-#define PEX_TRIG_TWO(body, F)                                    \
-  int body(int32_t n, const double* a, double* r1, double* r2) { \
-    return RunTrig<F>(n, a, r1, r2, _PEX_THISFUNC_NAME);         \
+#define PEX_TRIG_TWO(body, F)                                            \
+  using body##Run = TrigRun<F>;                                          \
+  int body(int32_t n, const double* a, double* r1, double* r2) {         \
+    return RunTrig<F, PEX_HALF(body)>(n, a, r1, r2, _PEX_THISFUNC_NAME); \
   }
 
 // x - n p where n p is exact.
