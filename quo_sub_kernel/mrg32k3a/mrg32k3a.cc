@@ -287,7 +287,7 @@ extern "C" QUO_API int32_t __quoBRngMRG32K3AInitStream(int32_t method, StreamSta
   switch (method) {
     case QUO_INIT_STANDARD:
       Seed(s->x, n, params, kM1);
-      Seed(s->y, n > 3 ? n - 3 : 0, params + 3, kM2);
+      Seed(s->y, n > 3 ? n - 3 : 0, n > 3 ? params + 3 : nullptr, kM2);
       return QUO_OK;
     case QUO_INIT_LEAPFROG:
       return QUO_LEAPFROG_UNSUPPORTED;

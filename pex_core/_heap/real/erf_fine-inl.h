@@ -118,7 +118,8 @@ struct FineResults {
       const auto row = LoadRows2(D(), &Function::kRows[0].value, at[k]);
       const V dx = hn::Sub(x[k], c[k]);
       w[k] = hn::Mul(dx, hn::Add(x[k], c[k]));
-      v[k] = hn::Mul(dx, kTier == ErfcTier::kLA ? hn::Mul(dx, Set(Function::kWhole)) : dx);
+      const double factor = kTier == ErfcTier::kLA ? Function::kWhole : Function::kSquare;
+      v[k] = hn::Mul(dx, hn::Mul(dx, Set(factor)));
       value[k] = row.a;
       t[k] = hn::Mul(row.b, dx);
     }
@@ -128,10 +129,11 @@ struct FineResults {
   }
 
   HWY_INLINE void Evaluate() {
-    V w2[K], r[K];
-    for (size_t k = 0; k < K; ++k) w2[k] = hn::Mul(w[k], w[k]);
-    EndStep(w2);
+    V r[K];
     if constexpr (kTier == ErfcTier::kLA) {
+      V w2[K];
+      for (size_t k = 0; k < K; ++k) w2[k] = hn::Mul(w[k], w[k]);
+      EndStep(w2);
       HornerInSteps(D(), w2, Function::kRatio, r);
       for (size_t k = 0; k < K; ++k) {
         w[k] = hn::Add(hn::Mul(w2[k], r[k]), w[k]);
@@ -144,12 +146,9 @@ struct FineResults {
         t[k] = hn::Div(hn::Mul(t[k], hn::Add(v[k], whole)), hn::Add(w[k], whole));
       }
     } else {
-      EvenOdd(D(), w, w2, Function::kMeanEP, r);
-      for (size_t k = 0; k < K; ++k) {
-        const V mean = hn::Add(Set(1.0), hn::Mul(w[k], r[k]));
-        const V more = hn::Mul(mean, hn::Mul(v[k], Set(Function::kSquare)));
-        t[k] = hn::Mul(t[k], hn::Add(mean, more));
-      }
+      // The mean and the ratio's small part, without their product: 2^-28 of the result.
+      HornerInSteps(D(), w, Function::kMeanEP, r);
+      for (size_t k = 0; k < K; ++k) t[k] = hn::Mul(t[k], hn::Add(r[k], v[k]));
     }
     EndPart(t);
   }

@@ -24,10 +24,9 @@ inline constexpr double kErfcMeanHA[] = {
 inline constexpr double kErfcFineMeanShort[] = {
     -0x1.fffffffaef2f1p-2, 0x1.5555554f8b417p-3, -0x1.555921191fad8p-5, 0x1.111452021ae19p-7};
 
-// (F(x) - 1)/x for F(x) = (1 - e^-x)/x,
-// -0.10119999945163726806640625 <= x <= 0.10119999945163726806640625; absolute error 2^-25.6875.
+// F(x) = (1 - e^-x)/x, |x| <= 0.10119999945163726806640625; absolute error 2^-27.40625/|x|.
 inline constexpr double kErfcFineMeanEP[] = {
-    -0x1.fffffec717b33p-2, 0x1.555553efb890cp-3, -0x1.55732b33936b7p-5, 0x1.112aa3d404de8p-7};
+    0x1.fffff6e22cde2p-1, -0x1.fffff99b8936fp-2, 0x1.558d2fa02b567p-3, -0x1.5586acb0dc8d6p-5};
 
 // (y coth(y/2) - 2)/y^2 for x = y^2,
 // 9.5367431640625e-7 <= x <= 4.65000011026859283447265625e-2; absolute error 2^-37.4375.
@@ -48,10 +47,9 @@ inline constexpr double kErfcRatioHA[] = {
 inline constexpr double kCdfNormMeanShort[] = {
     -0x1.fffffffebfac1p-3, 0x1.55555553e73e8p-5, -0x1.5557384cf01b7p-8, 0x1.1112af09e3cb2p-11};
 
-// (F(x/2) - 1)/x for F(x) = (1 - e^-x)/x,
-// -0.14339999854564666748046875 <= x <= 0.14339999854564666748046875; absolute error 2^-21.28125.
+// F(x/2) for F(x) = (1 - e^-x)/x, |x| <= 0.14339999854564666748046875; absolute error 2^-28.90625/|x|.
 inline constexpr double kCdfNormMeanEP[] = {
-    -0x1.ffffff6253023p-3, 0x1.55662e41cb4b7p-5, -0x1.55680d79f902ep-8};
+    0x1.fffffdb3120c4p-1, -0x1.fffffe6390ebep-3, 0x1.557161353f1a1p-5, -0x1.556e1a14125d2p-8};
 
 // (y coth(y/2) - 2)/(2 y^2) for x = 4 y^2,
 // 9.5367431640625e-7 <= x <= 2.060000039637088775634765625e-2; absolute error 2^-48.
