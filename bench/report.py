@@ -86,6 +86,15 @@ def read_results(text, origin="results"):
         raise Failure(f"{origin}: no benchmark results: {error}") from None
 
 
+def least_of(runs):
+    """The less of each row's times in several results."""
+    merged = dict(runs[0])
+    for run in runs[1:]:
+        for row, value in run.items():
+            merged[row] = min(value, merged.get(row, value), key=lambda v: v[0])
+    return merged
+
+
 def run_program(path, extra):
     command = [str(path), *extra]
     print("measuring: " + " ".join([path.name, *extra[:1]]), file=sys.stderr)
@@ -489,9 +498,10 @@ INTRODUCTION = """# Performance
 Written by `bench/report.py`. {machine}
 
 All times are nanoseconds per element (for generators: per output), each the least of {repeats} repeats
-of about {milliseconds:g} ms of one thread's processor time; the repeats of everything in a table are shuffled in one
-run. Times vary from machine to machine and from day to day; ratios of one run are what counts. A
-ratio is our time over the peer's: **below 1 we are faster.** Ratios beyond their target are bold.
+of about {milliseconds:g} ms of one thread's processor time in each of {rounds} processes, as where arrays and stack lie
+makes some rows of a process slower; the repeats of everything in a table are shuffled. Times vary
+from machine to machine and from day to day; ratios of one run are what counts. A ratio is our time
+over the peer's: **below 1 we are faster.** Ratios beyond their target are bold.
 
 Peers work at the same vector level. They have no array entries, so each is called in a plain loop
 over whole vectors, compiled for the level. The error in brackets is the largest that was seen.
@@ -546,7 +556,7 @@ is drawn from up to where a thread's share begins.
 """
 
 
-def document(levels, machine, repeats, milliseconds, errors={}, face={}, name="performance"):
+def document(levels, machine, repeats, rounds, milliseconds, errors={}, face={}, name="performance"):
     """levels: {level: (results of the vector program, of the random program, of the complex one)};
     face: {name in FACE: what the program prints}; name: how the plots' names begin.
     Returns the text and {plot's file name: gnuplot script}."""
@@ -588,7 +598,8 @@ def document(levels, machine, repeats, milliseconds, errors={}, face={}, name="p
             parts += [f"## Generators, {title}\n", picture("random"), RANDOM_INTRODUCTION,
                       columns(random_table(draws))]
     listed = "\n".join(falls_short) if falls_short else "Nothing: every target is met."
-    head = [INTRODUCTION.format(machine=machine, repeats=repeats, milliseconds=milliseconds),
+    head = [INTRODUCTION.format(machine=machine, repeats=repeats, rounds=rounds,
+                                milliseconds=milliseconds),
             "## What falls short\n", listed + "\n"]
     return "\n".join(p for p in head + parts if p), plots
 
@@ -616,6 +627,7 @@ def main(arguments):
     parser.add_argument("--levels", default=",".join(LEVELS), help="default: %(default)s")
     parser.add_argument("--filter", default="", help="regular expression on row names")
     parser.add_argument("--repeats", type=int, default=60)
+    parser.add_argument("--rounds", type=int, default=2, help="processes for each table (default: %(default)s)")
     parser.add_argument("--milliseconds", type=float, default=1.0, help="of a repeat")
     parser.add_argument("--cpu", type=int, help="run on this processor (default: the first allowed)")
     parser.add_argument("--raw", type=pathlib.Path, help="keep the raw results in this folder")
@@ -625,6 +637,8 @@ def main(arguments):
     parser.add_argument("--name", default="performance",
                         help="of the document and the beginning of its plots' names (default: %(default)s)")
     options = parser.parse_args(arguments)
+    if options.rounds < 1:
+        raise Failure("--rounds must be at least 1")
     if options.reuse and not options.raw:
         raise Failure("--reuse needs --raw")
     names = options.levels.split(",")
@@ -647,11 +661,14 @@ def main(arguments):
     for level in names:
         measured = []
         for kind, program in PROGRAMS.items():
-            text = kept(f"{kind}-{level}.json", options,
-                        lambda: run_benchmarks(options.programs / program, level, extra))
-            results, found = read_results(text, f"{program}, {LEVELS[level]}")
-            context = found or context
-            measured.append(results)
+            runs = []
+            for k in range(options.rounds):
+                text = kept(f"{kind}-{level}-{k + 1}.json", options,
+                            lambda: run_benchmarks(options.programs / program, level, extra))
+                results, found = read_results(text, f"{program}, {LEVELS[level]}")
+                context = found or context
+                runs.append(results)
+            measured.append(least_of(runs))
         levels[level] = measured
     if not context:
         raise Failure("no benchmark matches the filter")
@@ -659,7 +676,7 @@ def main(arguments):
     face = {} if options.filter else {
         kind: kept(f"{kind}.md", options, lambda: run_program(options.programs / program, []))
         for kind, program in FACE.items()}
-    text, plots = document(levels, machine_line(context), options.repeats, options.milliseconds,
+    text, plots = document(levels, machine_line(context), options.repeats, options.rounds, options.milliseconds,
                            {} if options.print else read_errors(root / "docs/accuracy.md"), face, options.name)
     if options.print:
         print(text)

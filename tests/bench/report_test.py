@@ -188,6 +188,12 @@ class Judging(unittest.TestCase):
         self.assertEqual([(m.what, m.ratio) for m in report.complex_misses(rows, 1024)],
                          [("complex Abs c ha beside std", 0.1)])
 
+    def test_of_several_processes_the_least_counts(self):
+        first, second = results({"Exp/d/la/n:1024": 0.5, "Exp/d/la/n:1": 9.0}), results({
+            "Exp/d/la/n:1024": 0.6, "Exp/d/la/n:1": 8.0, "Exp/d/la/n:2": 4.0})
+        self.assertEqual({n: ns for (_, n), (ns, _) in report.least_of([first, second]).items()},
+                         {1024: 0.5, 1: 8.0, 2: 4.0})
+
     def test_unreadable_results_are_named(self):
         for text in ("{", "[]", '{"benchmarks": [{"aggregate_name": "min"}]}'):
             with self.subTest(text=text), self.assertRaisesRegex(report.Failure, "some.json"):
@@ -198,7 +204,7 @@ class Document(unittest.TestCase):
     def test_tables(self):
         text, plots = report.document(
             {"avx512": (results(EXP), results(RANDOM), results(COMPLEX)),
-             "sse4": (results(EXP), {}, {})}, "Machine: M.", 60, 1)
+             "sse4": (results(EXP), {}, {})}, "Machine: M.", 60, 2, 1)
         for line in [
             "| Exp | double | LA | 1.200 / 0.900 | - / - | 0.550 | libmvec (3 ulp) | 0.600 |  | 1 | 0.92 |",
             "| Exp | double | EP | - / - | - / - | 0.500 | crude (9 ulp) | 0.400 | **1.10** | 1 | **1.25** |",
@@ -220,9 +226,10 @@ class Document(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             folder = pathlib.Path(folder)
             context = {"compiler": "GNU 12", "host_name": "some-host"}
-            (folder / "vector-avx2.json").write_text(canned(EXP, context))
-            (folder / "random-avx2.json").write_text(canned(RANDOM, context))
-            (folder / "complex-avx2.json").write_text(canned(COMPLEX, context))
+            for k in (1, 2):
+                (folder / f"vector-avx2-{k}.json").write_text(canned(EXP, context))
+                (folder / f"random-avx2-{k}.json").write_text(canned(RANDOM, context))
+                (folder / f"complex-avx2-{k}.json").write_text(canned(COMPLEX, context))
             (folder / "front.md").write_text(FRONT)
             (folder / "parallel.md").write_text(PARALLEL)
             report.main(["--levels", "avx2", "--raw", str(folder), "--reuse", "--output", str(folder / "out")])
