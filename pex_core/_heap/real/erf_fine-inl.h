@@ -2,11 +2,11 @@
 // the nearest point c = j/256 of a table of the function f and its derivative s:
 //   f(x) = f(c) + s d T,  d = x - c,
 // T that of erfc-inl.h, in w = d (x + c) and v = d^2: for the normal distribution, in their halves.
-// LA by a quotient of sums with one polynomial: as y coth(y/2) = 2 + y^2 R(y^2),
-//   F(w) = (1 - e^-w)/w = 2/(w + w coth(w/2)) = 1/(1 + w/2 + w^2 R/2).
+// LA by the quotient of erf_quotient-inl.h.
 
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/erf_polynomials.h"
+#include "pex_core/_heap/real/erf_quotient-inl.h"
 #include "pex_core/_heap/real/erf_rows-inl.h"
 #include "pex_core/_heap/real/erf_tables.h"
 #include "pex_core/_heap/real/erfc-inl.h"
@@ -35,7 +35,6 @@ struct ErfcFine {
   static constexpr auto& kMeanEP = kErfcFineMeanEP;
   static constexpr auto& kRatio = kErfcFineRatio;
   static constexpr double kSquare = 1.0 / 6;
-  // T = (kWhole + u (R + kFourth u))/(kWhole + w + w^2 R), u = kWhole v
   static constexpr double kWhole = 2, kFourth = 1.0 / 120;
   // From -6 to 25.9. Beyond, the result is 2 (Wide) or less than 2^-973 (rare): 4094.9 and 31.9.
   template <bool kBeyond>
@@ -129,23 +128,14 @@ struct FineResults {
   }
 
   HWY_INLINE void Evaluate() {
-    V r[K];
     if constexpr (kTier == ErfcTier::kLA) {
-      V w2[K];
-      for (size_t k = 0; k < K; ++k) w2[k] = hn::Mul(w[k], w[k]);
-      EndStep(w2);
-      HornerInSteps(D(), w2, Function::kRatio, r);
-      for (size_t k = 0; k < K; ++k) {
-        w[k] = hn::Add(hn::Mul(w2[k], r[k]), w[k]);
-        v[k] = hn::Mul(v[k], hn::Add(r[k], hn::Mul(v[k], Set(Function::kFourth))));
-      }
-      EndStep(w);
-      EndStep(v);
+      AddendsOfQuotient<Function>(D(), w, v);
       for (size_t k = 0; k < K; ++k) {
         const V whole = Set(Function::kWhole);
         t[k] = hn::Div(hn::Mul(t[k], hn::Add(v[k], whole)), hn::Add(w[k], whole));
       }
     } else {
+      V r[K];
       // The mean and the ratio's small part, without their product: 2^-28 of the result.
       HornerInSteps(D(), w, Function::kMeanEP, r);
       for (size_t k = 0; k < K; ++k) t[k] = hn::Mul(t[k], hn::Add(r[k], v[k]));

@@ -1,8 +1,8 @@
 // The complementary error function and the normal distribution function in HA from a point c of a
 // table of the function f and its derivative s:
 //   f(x) = f(c) + s d T,  d = x - c,
-// T that of erf_fine-inl.h, a quotient of sums in w = d (x + c) and v = d^2: T - 1 is one with the
-// divisor of T. The function is next to a double at its points, which lie closer together the
+// T that of erf_quotient-inl.h in w = d (x + c) and v = d^2: T - 1 is a quotient with the same
+// divisor. The function is next to a double at its points, which lie closer together the
 // larger |x| is, so that s d T is at most a twentieth of the value. The sum of the value and s d is
 // kept with what its roundings leave. What the tables lack weighs at most 0.018 ulp, and all else
 // less: the error is below 0.53 ulp (0.5168 seen).
@@ -10,6 +10,7 @@
 #include "hwy/highway.h"
 #include "pex_core/_heap/real/cdfnorm_tables.h"
 #include "pex_core/_heap/real/erf_polynomials.h"
+#include "pex_core/_heap/real/erf_quotient-inl.h"
 #include "pex_core/_heap/real/erf_rows-inl.h"
 #include "pex_core/_kernel/bits-inl.h"
 #include "pex_core/_kernel/elementwise-inl.h"
@@ -123,16 +124,7 @@ struct CurveResults {
 
   // T - 1
   HWY_INLINE void Evaluate() {
-    V w2[K], r[K];
-    for (size_t k = 0; k < K; ++k) w2[k] = hn::Mul(w[k], w[k]);
-    EndStep(w2);
-    HornerInSteps(D(), w2, Curve::kRatio, r);
-    for (size_t k = 0; k < K; ++k) {
-      w[k] = hn::Add(hn::Mul(w2[k], r[k]), w[k]);
-      v[k] = hn::Mul(v[k], hn::Add(r[k], hn::Mul(v[k], Set(Curve::kFourth))));
-    }
-    EndStep(w);
-    EndStep(v);
+    AddendsOfQuotient<Curve>(D(), w, v);
     for (size_t k = 0; k < K; ++k) {
       t[k] = hn::Div(hn::Sub(v[k], w[k]), hn::Add(w[k], Set(Curve::kWhole)));
     }
